@@ -1,0 +1,67 @@
+# What every target has in common, and which system's half of Platform is built.
+
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  set(KEYLOFT_SYSTEM linux)
+elseif(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
+  set(KEYLOFT_SYSTEM macos)
+  enable_language(OBJCXX)
+else()
+  message(FATAL_ERROR "Keyloft has no Platform for ${CMAKE_SYSTEM_NAME}: Linux and macOS only.")
+endif()
+
+add_library(KeyloftOptions INTERFACE)
+target_compile_features(KeyloftOptions INTERFACE cxx_std_23)
+target_compile_options(KeyloftOptions INTERFACE -Wall -Wextra -Werror)
+target_include_directories(KeyloftOptions INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
+if(KEYLOFT_SANITIZE)
+  target_compile_options(KeyloftOptions INTERFACE "-fsanitize=${KEYLOFT_SANITIZE}" -fno-omit-frame-pointer
+                                                  -fno-sanitize-recover=all)
+  target_link_options(KeyloftOptions INTERFACE "-fsanitize=${KEYLOFT_SANITIZE}")
+endif()
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# keyloft_library(NAME ALIAS SOURCES … [PUBLIC deps…] [PRIVATE deps…])
+#
+# A static library that other targets link as ALIAS (Platform::Foundation).
+function(keyloft_library name alias)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+  add_library(${name} STATIC ${arg_SOURCES})
+  add_library(${alias} ALIAS ${name})
+  target_link_libraries(${name} PUBLIC KeyloftOptions ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+endfunction()
+
+# keyloft_test(NAME SOURCES … LINK …)
+#
+# A GoogleTest program; each of its tests is a CTest test of its own, run in its own process.
+function(keyloft_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "DISPLAY" "" "SOURCES;LINK")
+  add_executable(${name} ${arg_SOURCES})
+  target_compile_definitions(${name} PRIVATE KEYLOFT_TEST_DATA="${PROJECT_SOURCE_DIR}/Tests")
+  if(arg_DISPLAY)
+    target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK} KeyloftDisplayTestMain GTest::gtest)
+    set(kind display)
+  else()
+    target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK} GTest::gtest GTest::gtest_main)
+    set(kind plain)
+  endif()
+  include(GoogleTest)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${kind} TIMEOUT 120)
+endfunction()
+
+# keyloft_benchmark(NAME SOURCES … LINK …)
+function(keyloft_benchmark name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK} benchmark::benchmark benchmark::benchmark_main)
+endfunction()
+
+# keyloft_fuzzer(NAME SOURCES … LINK …)
+function(keyloft_fuzzer name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK})
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+endfunction()
