@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Platform/AppKit/Menu.h"
+#include "Platform/AppKit/Responder.h"
+#include "Platform/AppKit/Window.h"
+#include "Platform/Foundation/URL.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Platform {
+
+class ApplicationDelegate : public Responder {
+public:
+    virtual void applicationWillFinishLaunching() = 0;
+    virtual void applicationDidFinishLaunching() = 0;
+
+    /// URLs handed over by the system or by a second start, exactly as given; may come before
+    /// `applicationDidFinishLaunching`.
+    virtual void applicationOpenURLs(const std::vector<URL>& urls) = 0;
+
+    /// The user started the program again, or clicked its icon. Returns whether the system is to do what it usually does.
+    virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
+
+    virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
+};
+
+/// The one application object. Main thread only.
+class Application : public Responder {
+public:
+    /// Made at the first call, which must come before anything else of AppKit.
+    static Application& shared();
+
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+    ~Application() override;
+
+    /// The name that the system knows the program by, as reverse DNS and as people read it.
+    static constexpr const char* identifier = "velde.orvane.keyloft";
+    static constexpr const char* displayName = "Keyloft";
+
+    /// Held weakly: the program keeps its delegate.
+    void setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate);
+
+    /// Runs until the application is terminated; returns the process's exit status. `arguments` are the program's, of which
+    /// those that parse as URLs with a scheme are handed to the delegate.
+    int run(int argc, char** argv);
+    void terminate();
+
+    void setMainMenu(const std::shared_ptr<Menu>& menu);
+    /// The menu in which the system lists the open windows.
+    void setWindowsMenu(const std::shared_ptr<Menu>& menu);
+
+    /// The selected tab of the window that the user last worked in; menus, sheets and other programs do not change it.
+    std::shared_ptr<Window> mainWindow() const;
+
+    /// Brings the program to the front.
+    void activateIgnoringOtherApps();
+
+    /// Sends an action to `target`, or, without one, to the first of the responder chain that responds. Returns whether anybody
+    /// did.
+    bool sendAction(Action action, const std::shared_ptr<Responder>& target, const ActionSender& sender);
+
+    /// Whoever would receive the action now.
+    std::shared_ptr<Responder> targetForAction(Action action) const;
+
+    bool respondsTo(Action action) const override;
+    void perform(Action action, const ActionSender& sender) override;
+    bool validateMenuItem(MenuItem& item) override;
+
+    /// The system's side, for Platform's own sources.
+    struct Native;
+    Native& native() { return *native_; }
+
+private:
+    Application();
+
+    std::weak_ptr<ApplicationDelegate> delegate_;
+    std::shared_ptr<Menu> mainMenu_;
+    std::weak_ptr<Menu> windowsMenu_;
+    std::unique_ptr<Native> native_;
+};
+
+} // namespace Platform

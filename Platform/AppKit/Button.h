@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Platform/AppKit/Control.h"
+
+#include <string>
+
+namespace Platform {
+
+/// A push button with a title or an image.
+class Button : public Control {
+public:
+    enum class BezelStyle { texturedRounded, recessed };
+
+    static std::shared_ptr<Button> create();
+    static std::shared_ptr<Button> create(const std::string& title, const std::weak_ptr<Responder>& target, Action action);
+
+    /// Shown as it stands: no character of it is markup or a mnemonic.
+    const std::string& title() const { return title_; }
+
+    /// An image takes the title's place; its description is the button's accessible name.
+    const std::optional<Image>& image() const { return image_; }
+    void setImage(const Image& image);
+
+    BezelStyle bezelStyle() const { return bezelStyle_; }
+    void setBezelStyle(BezelStyle style);
+    bool isBordered() const { return bordered_; }
+    void setBordered(bool bordered);
+
+protected:
+    Button() = default;
+    std::unique_ptr<Native> makeNative() override;
+
+private:
+    void applyImage(Native& native) const;
+    void applyStyle(Native& native) const;
+
+    std::string title_;
+    std::optional<Image> image_;
+    BezelStyle bezelStyle_ = BezelStyle::texturedRounded;
+    bool bordered_ = true;
+};
+
+} // namespace Platform

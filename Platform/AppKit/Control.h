@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Platform/AppKit/View.h"
+#include "Platform/Foundation/URL.h"
+
+#include <memory>
+#include <optional>
+
+namespace Platform {
+
+/// A view that sends an action when it is used. The target is held weakly; without one, or once it is gone, the action
+/// goes down the responder chain.
+class Control : public View {
+public:
+    bool isEnabled() const { return enabled_; }
+    void setEnabled(bool enabled);
+
+    const Font& font() const { return font_; }
+    void setFont(const Font& font);
+
+    void setTarget(const std::weak_ptr<Responder>& target, Action action);
+    std::optional<Action> action() const { return action_; }
+
+    /// What the control stands for, on macOS its cell's represented object.
+    const std::optional<URL>& representedURL() const { return representedURL_; }
+    void setRepresentedURL(const std::optional<URL>& url) { representedURL_ = url; }
+
+    /// Sends the action, as the user's click or Return does.
+    void sendAction();
+
+protected:
+    Control() = default;
+
+    /// Font and enabled state onto a freshly made native side.
+    void applyToNative();
+
+private:
+    bool enabled_ = true;
+    Font font_;
+    std::weak_ptr<Responder> target_;
+    bool hasTarget_ = false;
+    std::optional<Action> action_;
+    std::optional<URL> representedURL_;
+};
+
+} // namespace Platform

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Platform/AppKit/Action.h"
+#include "Platform/Foundation/URL.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Platform {
+
+class Menu;
+
+/// A key equivalent's modifiers beside Shift, which an upper-case letter or a shifted sign implies. Command is Control on
+/// Linux, Option is Alt.
+enum class ModifierFlags { command, optionCommand };
+
+/// One line of a menu. Without a target: its action goes down the responder chain.
+class MenuItem {
+public:
+    static std::shared_ptr<MenuItem> create(const std::string& title, std::optional<Action> action,
+                                            const std::string& keyEquivalent = "");
+    static std::shared_ptr<MenuItem> createSeparator();
+
+    /// Shown as it stands: no character of it is a mnemonic.
+    const std::string& title() const { return title_; }
+    void setTitle(const std::string& title) { title_ = title; }
+
+    std::optional<Action> action() const { return action_; }
+    const std::string& keyEquivalent() const { return keyEquivalent_; }
+    ModifierFlags keyEquivalentModifiers() const { return modifiers_; }
+    void setKeyEquivalentModifiers(ModifierFlags modifiers) { modifiers_ = modifiers; }
+
+    bool isSeparator() const { return separator_; }
+
+    const std::shared_ptr<Menu>& submenu() const { return submenu_; }
+    void setSubmenu(const std::shared_ptr<Menu>& submenu) { submenu_ = submenu; }
+
+    /// What the item stands for.
+    const std::optional<URL>& representedURL() const { return representedURL_; }
+    void setRepresentedURL(const std::optional<URL>& url) { representedURL_ = url; }
+
+private:
+    MenuItem() = default;
+
+    std::string title_;
+    std::optional<Action> action_;
+    std::string keyEquivalent_;
+    ModifierFlags modifiers_ = ModifierFlags::command;
+    bool separator_ = false;
+    std::shared_ptr<Menu> submenu_;
+    std::optional<URL> representedURL_;
+};
+
+class MenuDelegate {
+public:
+    virtual ~MenuDelegate() = default;
+
+    /// The menu is about to be shown, or its keys to be looked up.
+    virtual void menuNeedsUpdate(Menu& menu) = 0;
+};
+
+/// An ordered list of items. A plain object; the system shows it (`Application::setMainMenu`).
+class Menu {
+public:
+    static std::shared_ptr<Menu> create(const std::string& title = "");
+
+    const std::string& title() const { return title_; }
+    const std::vector<std::shared_ptr<MenuItem>>& items() const { return items_; }
+    void addItem(const std::shared_ptr<MenuItem>& item) { items_.push_back(item); }
+    void removeAllItems() { items_.clear(); }
+
+    std::shared_ptr<MenuDelegate> delegate() const { return delegate_.lock(); }
+    void setDelegate(const std::weak_ptr<MenuDelegate>& delegate) { delegate_ = delegate; }
+
+private:
+    Menu() = default;
+
+    std::string title_;
+    std::vector<std::shared_ptr<MenuItem>> items_;
+    std::weak_ptr<MenuDelegate> delegate_;
+};
+
+} // namespace Platform

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Platform/AppKit/Control.h"
+
+#include <string>
+
+namespace Platform {
+
+class TextField;
+
+/// How an edit ended.
+enum class TextMovement { other, returnKey, tab, backtab, cancel };
+
+class TextFieldDelegate {
+public:
+    virtual ~TextFieldDelegate() = default;
+
+    /// The user began to change the text: first typed character, pasted text or input method text. Setting the text
+    /// from the program begins nothing.
+    virtual void controlTextDidBeginEditing(TextField& field) = 0;
+
+    /// The edit ended: Return (the field's action is sent right after), Escape, or another control of the same page took
+    /// the focus. Another tab, window, menu or program does not end it.
+    virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;
+};
+
+/// One line of text that the user can edit; Return sends the action. Longer text scrolls and never widens the field.
+class TextField : public Control {
+public:
+    static std::shared_ptr<TextField> create();
+
+    /// The text as it now stands, the user's changes included. Line breaks and other control characters that are set
+    /// are dropped, as the field has one line.
+    const std::string& stringValue() const { return stringValue_; }
+    void setStringValue(const std::string& value);
+
+    const std::string& placeholder() const { return placeholder_; }
+    void setPlaceholder(const std::string& placeholder);
+
+    void setDelegate(const std::weak_ptr<TextFieldDelegate>& delegate) { delegate_ = delegate; }
+
+    /// Gives the field the focus with all its text selected.
+    void selectText();
+
+    bool isEditing() const { return editing_; }
+
+protected:
+    TextField() = default;
+    std::unique_ptr<Native> makeNative() override;
+
+    /// Takes over what the native field now holds, and tells the delegate when the user's editing begins or ends.
+    void userChanged(const std::string& value);
+    void beginEditing();
+    void endEditing(TextMovement movement);
+
+private:
+    friend struct TextFieldEvents;
+
+    std::string stringValue_;
+    std::string placeholder_;
+    std::weak_ptr<TextFieldDelegate> delegate_;
+    bool editing_ = false;
+};
+
+} // namespace Platform

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Platform/AppKit/Window.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace Platform {
+
+/// Owns a window and stands behind it in the responder chain. Main thread only.
+class WindowController : public Responder, public std::enable_shared_from_this<WindowController> {
+public:
+    WindowController(const WindowController&) = delete;
+    WindowController& operator=(const WindowController&) = delete;
+    ~WindowController() override;
+
+    const std::shared_ptr<Window>& window() const { return window_; }
+
+    void showWindow();
+
+protected:
+    /// `className` is the name under which an object runtime, where there is one, knows the class.
+    explicit WindowController(std::string_view className);
+
+    /// To be called once, as soon as the controller is held by a `shared_ptr`.
+    void setWindow(const std::shared_ptr<Window>& window);
+
+private:
+    std::string className_;
+    std::shared_ptr<Window> window_;
+};
+
+} // namespace Platform

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "Platform/AppKit/View.h"
+#include "Platform/Foundation/URL.h"
+#include "Platform/Foundation/URLRequest.h"
+#include "Platform/WebKit/NavigationDelegate.h"
+#include "Platform/WebKit/UIDelegate.h"
+#include "Platform/WebKit/WebViewConfiguration.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Platform {
+
+/// A page and its history. Main thread only.
+///
+/// The engine is the source of truth for what is shown; the values here change with it and are told to observers after
+/// they changed. Unlike other views its native side is made at once, for it loads whether it is shown or not.
+///
+/// After the engine's web process ended the view goes on reporting its last URL and title, reports that nothing loads, and
+/// reloads once when it is next visible; a second end within a minute waits for the user.
+class WebView : public View {
+public:
+    /// The properties that can be observed.
+    enum class Property { title, url, canGoBack, canGoForward, estimatedProgress, isLoading };
+
+    static std::shared_ptr<WebView> create(const std::shared_ptr<WebViewConfiguration>& configuration);
+    ~WebView() override;
+
+    /// Nothing before the first navigation.
+    std::optional<URL> url() const;
+    /// Nothing or empty when the page has none.
+    std::optional<std::string> title() const;
+    bool canGoBack() const;
+    bool canGoForward() const;
+    /// 0 to 1; after a failed load it stays as it was.
+    double estimatedProgress() const;
+    bool isLoading() const;
+
+    /// Ends the observation when it is destroyed.
+    class Observation {
+    public:
+        Observation() = default;
+        Observation(Observation&& other) noexcept;
+        Observation& operator=(Observation&& other) noexcept;
+        Observation(const Observation&) = delete;
+        Observation& operator=(const Observation&) = delete;
+        ~Observation();
+
+    private:
+        friend class WebView;
+        std::function<void()> end_;
+    };
+
+    /// Calls `changed` after each change of the property, never at first. May be ended, and the view let go, from inside
+    /// the call.
+    [[nodiscard]] Observation observe(Property property, std::function<void()> changed);
+
+    void load(const URLRequest& request);
+    void reload();
+    void stopLoading();
+    void goBack();
+    void goForward();
+
+    /// Swiping sideways goes back and forward.
+    void setAllowsBackForwardNavigationGestures(bool allows);
+
+    void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate);
+    void setUIDelegate(const std::weak_ptr<UIDelegate>& delegate);
+
+    const std::shared_ptr<WebViewConfiguration>& configuration() const { return configuration_; }
+
+    bool respondsTo(Action action) const override;
+    void perform(Action action, const ActionSender& sender) override;
+
+protected:
+    explicit WebView(std::shared_ptr<WebViewConfiguration> configuration);
+    std::unique_ptr<Native> makeNative() override;
+
+private:
+    struct Engine;
+
+    std::shared_ptr<WebViewConfiguration> configuration_;
+    std::shared_ptr<Engine> engine_;
+};
+
+} // namespace Platform
