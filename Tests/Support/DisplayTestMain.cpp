@@ -89,7 +89,8 @@ bool waitForAny(std::array<pollfd, count>& descriptors) {
             return true;
         }
         if (ready < 0 && errno != EINTR) {
-            fail("poll");
+            std::perror("poll");
+            std::abort();
         }
     }
 }
@@ -339,11 +340,12 @@ std::optional<Session>& theSession() {
 }
 
 Session& runningSession() {
-    if (!theSession()) {
+    std::optional<Session>& session = theSession();
+    if (!session) {
         std::fputs("The session is there only while tests run.\n", stderr);
         std::abort();
     }
-    return *theSession();
+    return *session;
 }
 
 } // namespace

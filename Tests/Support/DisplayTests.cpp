@@ -31,6 +31,9 @@ bool accepts(const std::string& socketPath) {
     }
     std::memcpy(static_cast<void*>(address.sun_path), socketPath.data(), socketPath.size());
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0) {
+        return false;
+    }
     const bool connected =
         ::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
     ::close(descriptor);
