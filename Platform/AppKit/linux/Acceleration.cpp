@@ -1,0 +1,27 @@
+#include "Platform/AppKit/linux/Acceleration.h"
+
+#include <glib.h>
+
+#include <system_error>
+
+namespace Platform {
+
+bool hasRenderNode(const std::filesystem::path& devices) {
+    // Stepped by hand: the loop over a range throws where a step fails.
+    std::error_code error;
+    std::filesystem::directory_iterator entry(devices, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        if (entry->path().filename().string().starts_with("renderD"))
+            return true;
+    }
+    return false;
+}
+
+void chooseAcceleration(const std::filesystem::path& devices) {
+    if (hasRenderNode(devices))
+        return;
+    g_setenv("GSK_RENDERER", "cairo", FALSE);
+    g_setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", FALSE);
+}
+
+} // namespace Platform
