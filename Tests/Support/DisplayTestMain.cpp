@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <exception>
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -334,27 +335,47 @@ private:
     std::optional<Child> windowManager_;
 };
 
-std::optional<Session>& theSession() {
-    static std::optional<Session> session;
-    return session;
-}
-
-Session& runningSession() {
-    std::optional<Session>& session = theSession();
-    if (!session) {
-        std::fputs("The session is there only while tests run.\n", stderr);
-        std::abort();
+// Ends the session after main(): what the toolkit and the engine do at exit still needs the display, and
+// since they are first used later than this, their exit handlers run earlier.
+class SessionHolder {
+public:
+    SessionHolder() = default;
+    SessionHolder(const SessionHolder&) = delete;
+    SessionHolder& operator=(const SessionHolder&) = delete;
+    ~SessionHolder() {
+        // A process that a test forked and that exits in the ordinary way must not end its parent's session.
+        if (::getpid() != owner_) {
+            (void)session_.release();
+        }
     }
-    return *session;
+
+    void begin() { session_ = std::make_unique<Session>(); }
+
+    [[nodiscard]] Session& running() const {
+        if (!session_) {
+            std::fputs("The session is there only while tests run.\n", stderr);
+            std::abort();
+        }
+        return *session_;
+    }
+
+private:
+    pid_t owner_ = ::getpid();
+    std::unique_ptr<Session> session_;
+};
+
+SessionHolder& theSession() {
+    static SessionHolder holder;
+    return holder;
 }
 
 } // namespace
 
-void startWindowManager() { runningSession().startWindowManager(); }
+void startWindowManager() { theSession().running().startWindowManager(); }
 
-const std::filesystem::path& sessionDirectory() { return runningSession().directory(); }
+const std::filesystem::path& sessionDirectory() { return theSession().running().directory(); }
 
-std::vector<pid_t> sessionProcesses() { return runningSession().processes(); }
+std::vector<pid_t> sessionProcesses() { return theSession().running().processes(); }
 
 } // namespace TestSupport
 
@@ -364,10 +385,8 @@ int main(int argc, char** argv) {
         return RUN_ALL_TESTS();
     }
     try {
-        TestSupport::theSession().emplace();
-        const int result = RUN_ALL_TESTS();
-        TestSupport::theSession().reset();
-        return result;
+        TestSupport::theSession().begin();
+        return RUN_ALL_TESTS();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "The tests' display or session failed: %s\n", error.what());
         return EXIT_FAILURE;
