@@ -18,7 +18,6 @@
 #include <cstdlib>
 #include <exception>
 #include <fstream>
-#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -96,6 +95,16 @@ bool waitForAny(std::array<pollfd, count>& descriptors) {
     }
 }
 
+/// Where an object was made. A process that a test forks and that exits in the ordinary way destroys copies
+/// of its parent's objects, and must leave alone what they stand for.
+class Maker {
+public:
+    [[nodiscard]] bool isThisProcess() const { return ::getpid() == process_; }
+
+private:
+    pid_t process_ = ::getpid();
+};
+
 /// A helper process that ends with this object, or with this process should that come first.
 class Child {
 public:
@@ -144,7 +153,11 @@ public:
     }
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
-    ~Child() { stop(); }
+    ~Child() {
+        if (maker_.isThisProcess()) {
+            stop();
+        }
+    }
 
     [[nodiscard]] pid_t process() const { return process_; }
 
@@ -185,6 +198,7 @@ private:
         }
     }
 
+    Maker maker_;
     std::string name_;
     pid_t process_ = -1;
     Descriptor ended_;
@@ -202,6 +216,9 @@ public:
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
     ~TemporaryDirectory() {
+        if (!maker_.isThisProcess()) {
+            return;
+        }
         // What the tests started may still be writing its last files while it ends.
         std::error_code error;
         for (int attempt = 0; attempt < 10; ++attempt) {
@@ -216,6 +233,7 @@ public:
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
 private:
+    Maker maker_;
     std::filesystem::path path_;
 };
 
@@ -335,47 +353,29 @@ private:
     std::optional<Child> windowManager_;
 };
 
-// Ends the session after main(): what the toolkit and the engine do at exit still needs the display, and
-// since they are first used later than this, their exit handlers run earlier.
-class SessionHolder {
-public:
-    SessionHolder() = default;
-    SessionHolder(const SessionHolder&) = delete;
-    SessionHolder& operator=(const SessionHolder&) = delete;
-    ~SessionHolder() {
-        // A process that a test forked and that exits in the ordinary way must not end its parent's session.
-        if (::getpid() != owner_) {
-            (void)session_.release();
-        }
+// Ended by its destructor after main(): what the toolkit and the engine do at exit still needs the display,
+// and since they are first used later than this, their exit handlers run earlier.
+std::optional<Session>& theSession() {
+    static std::optional<Session> session;
+    return session;
+}
+
+Session& runningSession() {
+    std::optional<Session>& session = theSession();
+    if (!session) {
+        std::fputs("The session is there only while tests run.\n", stderr);
+        std::abort();
     }
-
-    void begin() { session_ = std::make_unique<Session>(); }
-
-    [[nodiscard]] Session& running() const {
-        if (!session_) {
-            std::fputs("The session is there only while tests run.\n", stderr);
-            std::abort();
-        }
-        return *session_;
-    }
-
-private:
-    pid_t owner_ = ::getpid();
-    std::unique_ptr<Session> session_;
-};
-
-SessionHolder& theSession() {
-    static SessionHolder holder;
-    return holder;
+    return *session;
 }
 
 } // namespace
 
-void startWindowManager() { theSession().running().startWindowManager(); }
+void startWindowManager() { runningSession().startWindowManager(); }
 
-const std::filesystem::path& sessionDirectory() { return theSession().running().directory(); }
+const std::filesystem::path& sessionDirectory() { return runningSession().directory(); }
 
-std::vector<pid_t> sessionProcesses() { return theSession().running().processes(); }
+std::vector<pid_t> sessionProcesses() { return runningSession().processes(); }
 
 } // namespace TestSupport
 
@@ -385,7 +385,7 @@ int main(int argc, char** argv) {
         return RUN_ALL_TESTS();
     }
     try {
-        TestSupport::theSession().begin();
+        TestSupport::theSession().emplace();
         return RUN_ALL_TESTS();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "The tests' display or session failed: %s\n", error.what());
