@@ -16,11 +16,12 @@ namespace Platform {
 
 /// A page and its history. Main thread only.
 ///
-/// The engine is the source of truth for what is shown; the values here change with it and are told to observers after
-/// they changed. Unlike other views its native side is made at once, for it loads whether it is shown or not.
+/// The engine is the source of truth for what is shown; the values here change with it and are told to
+/// observers after they changed. Unlike other views its native side is made at once, for it loads whether it
+/// is shown or not.
 ///
-/// After the engine's web process ended the view goes on reporting its last URL and title, reports that nothing loads, and
-/// reloads once when it is next visible; a second end within a minute waits for the user.
+/// After the engine's web process ended the view goes on reporting its last URL and title, reports that
+/// nothing loads, and reloads once when it is next visible; a second end within a minute waits for the user.
 class WebView : public View {
 public:
     /// The properties that can be observed.
@@ -54,8 +55,8 @@ public:
         std::function<void()> end_;
     };
 
-    /// Calls `changed` after each change of the property, never at first. May be ended, and the view let go, from inside
-    /// the call.
+    /// Calls `changed` after each change of the property, never at first. May be ended, and the view let go,
+    /// from inside the call.
     [[nodiscard]] Observation observe(Property property, std::function<void()> changed);
 
     void load(const URLRequest& request);
