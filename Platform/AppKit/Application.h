@@ -41,6 +41,12 @@ public:
     static constexpr const char* identifier = "velde.orvane.keyloft";
     static constexpr const char* displayName = "Keyloft";
 
+    enum class ActivationPolicy {
+        /// A program with windows and a menu bar, listed among the running ones.
+        regular,
+    };
+    void setActivationPolicy(ActivationPolicy policy);
+
     /// Held weakly: the program keeps its delegate.
     void setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate);
 

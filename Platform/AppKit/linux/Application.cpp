@@ -46,6 +46,9 @@ Application::Application()
 
 Application::~Application() = default;
 
+// Every program with windows is one here.
+void Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
+
 void Application::setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate) { delegate_ = delegate; }
 
 int Application::run(int argc, char** argv) {

@@ -29,23 +29,21 @@ bool isEditing(Action action) {
 
 /// The toolkit's text for the item's key, "<Control><Shift>braceleft".
 std::string accelerator(const MenuItem& item) {
-    static constexpr std::pair<char, std::string_view> names[] = {
-        {'.', "period"}, {'[', "bracketleft"}, {']', "bracketright"}, {'{', "braceleft"}, {'}', "braceright"},
+    static constexpr std::pair<char, std::string_view> signs[] = {
+        {'.', "period"},           {'[', "bracketleft"},       {']', "bracketright"},
+        {'{', "<Shift>braceleft"}, {'}', "<Shift>braceright"},
     };
     const char key = item.keyEquivalent().front();
-    std::string text =
-        item.keyEquivalentModifiers() == ModifierFlags::optionCommand ? "<Control><Alt>" : "<Control>";
-    for (const auto& [character, name] : names) {
-        if (character != key)
-            continue;
-        if (key == '{' || key == '}')
-            text += "<Shift>";
-        text += name;
-        return text;
+    std::string text = "<Control>";
+    if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand)
+        text.append("<Alt>");
+    for (const auto& [sign, name] : signs) {
+        if (sign == key)
+            return text.append(name);
     }
     if (std::isupper(static_cast<unsigned char>(key)))
-        text += "<Shift>";
-    text += static_cast<char>(std::tolower(static_cast<unsigned char>(key)));
+        text.append("<Shift>");
+    text.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(key))));
     return text;
 }
 
@@ -112,7 +110,7 @@ MenuBar::MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu)
         menu->top = top;
         menu->model = GObjectPtr<GMenu>::adopt(g_menu_new());
         menu->bar = this;
-        menu->prefix = "m" + std::to_string(menus_.size()) + "-";
+        menu->prefix = std::to_string(menus_.size()) + "-";
         g_menu_append_submenu(model.get(), menuLabel(top->title()).c_str(), G_MENU_MODEL(menu->model.get()));
         menus_.push_back(std::move(menu));
     }
