@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/AppKit/View.h"
+#include "Platform/Foundation/Observation.h"
 #include "Platform/Foundation/URL.h"
 #include "Platform/Foundation/URLRequest.h"
 #include "Platform/WebKit/NavigationDelegate.h"
@@ -30,9 +31,10 @@ public:
     static std::shared_ptr<WebView> create(const std::shared_ptr<WebViewConfiguration>& configuration);
     ~WebView() override;
 
-    /// Nothing before the first navigation.
+    /// Nothing before the first navigation. While a load that the program asked for is under way this is
+    /// already its URL; should it fail, the shown page's again.
     std::optional<URL> url() const;
-    /// Nothing or empty when the page has none.
+    /// Nothing when the page has none.
     std::optional<std::string> title() const;
     bool canGoBack() const;
     bool canGoForward() const;
@@ -40,25 +42,11 @@ public:
     double estimatedProgress() const;
     bool isLoading() const;
 
-    /// Ends the observation when it is destroyed.
-    class Observation {
-    public:
-        Observation() = default;
-        Observation(Observation&& other) noexcept;
-        Observation& operator=(Observation&& other) noexcept;
-        Observation(const Observation&) = delete;
-        Observation& operator=(const Observation&) = delete;
-        ~Observation();
-
-    private:
-        friend class WebView;
-        std::function<void()> end_;
-    };
-
-    /// Calls `changed` after each change of the property, never at first. May be ended, and the view let go,
-    /// from inside the call.
+    /// Calls `changed` after each change of the property, never at first, in the order of the calls of
+    /// `observe`. May be ended, and the view let go, from inside the call.
     [[nodiscard]] Observation observe(Property property, std::function<void()> changed);
 
+    /// The request's time-out begins now and at each redirect, and ends when the page begins to show.
     void load(const URLRequest& request);
     void reload();
     void stopLoading();

@@ -1,0 +1,68 @@
+#include "Platform/WebKit/linux/LoadError.h"
+
+#include <gio/gio.h>
+#include <webkit/webkit.h>
+
+#include <string>
+
+namespace Platform {
+
+namespace {
+
+struct Kind {
+    std::string domain;
+    int code = 0;
+};
+
+Kind urlError(int code) { return {std::string(Error::urlDomain), code}; }
+
+Kind kindOfInputOutputError(const GError& error) {
+    switch (error.code) {
+    case G_IO_ERROR_CANCELLED:
+        return urlError(Error::urlCancelled);
+    case G_IO_ERROR_TIMED_OUT:
+        return urlError(Error::urlTimedOut);
+    case G_IO_ERROR_HOST_NOT_FOUND:
+        return urlError(Error::urlCannotFindHost);
+    case G_IO_ERROR_CONNECTION_REFUSED:
+    case G_IO_ERROR_HOST_UNREACHABLE:
+    case G_IO_ERROR_NETWORK_UNREACHABLE:
+        return urlError(Error::urlCannotConnectToHost);
+    case G_IO_ERROR_PARTIAL_INPUT:
+    case G_IO_ERROR_CONNECTION_CLOSED: // the same number as a broken pipe
+        return urlError(Error::urlNetworkConnectionLost);
+    default:
+        return {g_quark_to_string(error.domain), error.code};
+    }
+}
+
+Kind kindOf(const GError& error) {
+    if (error.domain == WEBKIT_NETWORK_ERROR && error.code == WEBKIT_NETWORK_ERROR_CANCELLED)
+        return urlError(Error::urlCancelled);
+    if (error.domain == WEBKIT_POLICY_ERROR)
+        return {webKitErrorDomain, error.code};
+    if (error.domain == G_RESOLVER_ERROR)
+        return urlError(Error::urlCannotFindHost);
+    if (error.domain == G_TLS_ERROR)
+        return urlError(Error::urlServerCertificateUntrusted);
+    if (error.domain == G_IO_ERROR)
+        return kindOfInputOutputError(error);
+    return {g_quark_to_string(error.domain), error.code};
+}
+
+} // namespace
+
+std::optional<Error> loadError(const GError& error, const char* failingURI) {
+    if (error.domain == WEBKIT_MEDIA_ERROR && error.code == WEBKIT_MEDIA_ERROR_WILL_HANDLE_LOAD)
+        return std::nullopt;
+    Kind kind = kindOf(error);
+    Error result{.domain = std::move(kind.domain),
+                 .code = kind.code,
+                 .localizedDescription = error.message ? error.message : "",
+                 .failingURL = std::nullopt};
+    if (failingURI && *failingURI)
+        result.failingURL = failingURI;
+    return result;
+}
+
+} // namespace Platform

@@ -1,0 +1,63 @@
+#include "Platform/WebKit/linux/NetworkSession.h"
+
+#include "Platform/AppKit/Application.h"
+#include "Platform/Foundation/DiagnosticLog.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+
+namespace Platform {
+
+namespace {
+
+/// The application's own folder in one of the user's directories, which only the user may enter.
+std::optional<std::string> privateFolder(const char* userDirectory) {
+    const std::filesystem::path folder = std::filesystem::path(userDirectory) / Application::identifier;
+    std::error_code error;
+    if (g_mkdir_with_parents(folder.c_str(), 0700) != 0)
+        error = std::error_code(errno, std::generic_category());
+    else
+        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
+    if (error) {
+        diagnosticLog("Keyloft: no folder for the web's data at " + folder.string() + ": " + error.message());
+        return std::nullopt;
+    }
+    return folder.string();
+}
+
+void refuseDownload(WebKitNetworkSession* /*session*/, WebKitDownload* download, gpointer /*data*/) {
+    webkit_download_cancel(download);
+}
+
+WebKitNetworkSession* makeDefaultSession() {
+    const auto data = privateFolder(g_get_user_data_dir());
+    const auto cache = privateFolder(g_get_user_cache_dir());
+    WebKitNetworkSession* session = data && cache
+                                        ? webkit_network_session_new(data->c_str(), cache->c_str())
+                                        : webkit_network_session_new_ephemeral();
+    if (data && cache) {
+        webkit_cookie_manager_set_persistent_storage(webkit_network_session_get_cookie_manager(session),
+                                                     (*data + "/cookies.sqlite").c_str(),
+                                                     WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
+    }
+    // Passwords are never asked for, so that there are none to look up in the key ring.
+    webkit_network_session_set_persistent_credential_storage_enabled(session, FALSE);
+    g_signal_connect(session, "download-started", G_CALLBACK(refuseDownload), nullptr);
+    return session;
+}
+
+} // namespace
+
+WebKitNetworkSession* networkSession(WebsiteDataStore store) {
+    switch (store) {
+    case WebsiteDataStore::defaultStore:
+        break;
+    }
+    static WebKitNetworkSession* const defaultSession = makeDefaultSession();
+    return defaultSession;
+}
+
+} // namespace Platform

@@ -1,0 +1,712 @@
+#include "Platform/WebKit/WebView.h"
+
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/linux/Acceleration.h"
+#include "Platform/AppKit/linux/GObjectPtr.h"
+#include "Platform/AppKit/linux/ViewNative.h"
+#include "Platform/Foundation/FatalError.h"
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Foundation/Timer.h"
+#include "Platform/WebKit/linux/LoadError.h"
+#include "Platform/WebKit/linux/NetworkSession.h"
+#include "Platform/WebKit/linux/RestrictedPort.h"
+#include "Platform/WebKit/linux/SafeAnswers.h"
+#include "Platform/WebKit/linux/ScriptDialog.h"
+#include "Platform/WebKit/linux/WebViewConfigurationNative.h"
+
+#include <webkit/webkit.h>
+
+#include <chrono>
+#include <utility>
+#include <vector>
+
+namespace Platform {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// After an end of the web process so soon behind the one before, the page itself is to blame: reloading it would
+/// only repeat it.
+constexpr auto processEndsInARow = std::chrono::minutes(1);
+
+/// How long the engine may take to confirm that it stopped a load whose time was up. It does not when its web process
+/// hangs.
+constexpr Timer::Interval stopLimit = 1;
+
+GObjectPtr<WebKitSettings> makeSettings() {
+    auto settings = GObjectPtr<WebKitSettings>::adopt(webkit_settings_new());
+    webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
+    webkit_settings_set_enable_fullscreen(settings.get(), FALSE);
+    static const bool software = !hasRenderNode();
+    if (software)
+        webkit_settings_set_hardware_acceleration_policy(settings.get(), WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    return settings;
+}
+
+GObjectPtr<WebKitWebView> makeWebKitView(WebViewConfiguration& configuration) {
+    auto& native = configuration.native();
+    const auto settings = makeSettings();
+    const auto opener = std::exchange(native.opener, {});
+    // The session goes with the opener; giving it once more is an error.
+    auto* object = opener ? g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", opener.get(), "settings",
+                                         settings.get(), "user-content-manager",
+                                         native.userContentManager.get(), nullptr)
+                          : g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
+                                         networkSession(configuration.websiteDataStore()), "settings",
+                                         settings.get(), "user-content-manager",
+                                         native.userContentManager.get(), nullptr);
+    auto view = GObjectPtr<WebKitWebView>::retain(WEBKIT_WEB_VIEW(object));
+    giveSafeAnswers(view.get());
+    return view;
+}
+
+std::optional<std::string> nonEmpty(const char* text) {
+    return text && *text ? std::optional<std::string>(text) : std::nullopt;
+}
+
+/// The editing command of an action, or nothing.
+const char* editingCommand(Action action) {
+    switch (action) {
+    case Action::undo:
+        return WEBKIT_EDITING_COMMAND_UNDO;
+    case Action::redo:
+        return WEBKIT_EDITING_COMMAND_REDO;
+    case Action::cut:
+        return WEBKIT_EDITING_COMMAND_CUT;
+    case Action::copy:
+        return WEBKIT_EDITING_COMMAND_COPY;
+    case Action::paste:
+        return WEBKIT_EDITING_COMMAND_PASTE;
+    case Action::selectAll:
+        return WEBKIT_EDITING_COMMAND_SELECT_ALL;
+    default:
+        return nullptr;
+    }
+}
+
+gboolean releaseLater(gpointer /*view*/) { return G_SOURCE_REMOVE; }
+
+} // namespace
+
+/// What connects the view with the engine's widget. It ends with the view, and all its handlers with it; the widget may
+/// live on while the toolkit holds it.
+struct WebView::Engine : std::enable_shared_from_this<Engine> {
+    Engine(WebView& owner, WebViewConfiguration& configuration);
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+    ~Engine();
+
+    struct Observer {
+        Property property;
+        std::function<void()> changed;
+        bool ended = false;
+    };
+
+    /// How far the navigation that the program asked for has come, or one that the page began itself from `started` on.
+    enum class Phase {
+        idle,
+        requested,
+        decided,
+        started,
+    };
+
+    /// The owner, kept alive for the caller; nothing while it is being made or is on its way out.
+    std::shared_ptr<WebView> keep() const {
+        return std::static_pointer_cast<WebView>(owner.weak_from_this().lock());
+    }
+
+    template <typename Callback>
+    void connect(gpointer instance, const char* signal, Callback* callback) {
+        connections.emplace_back(instance, signal, G_CALLBACK(callback), this);
+    }
+
+    void tell(Property property);
+    template <typename Value>
+    void update(Value& value, Value now, Property property);
+    void updateURL();
+    void updateTitle();
+    void updateIsLoading();
+    void updateHistory();
+
+    void beginNavigation();
+    void endNavigation();
+    void load(const URLRequest& request);
+    void reload();
+    void stop();
+
+    void startTimeout();
+    void timedOut();
+    void report(WebKitLoadEvent event, const Error& error);
+
+    void recover();
+    void recoverIfVisible();
+    void prewarm();
+
+    static void loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer data);
+    static gboolean loadFailed(WebKitWebView*, WebKitLoadEvent event, const char* uri, GError* error, gpointer data);
+    static gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
+                                 gpointer data);
+    static GtkWidget* createView(WebKitWebView*, WebKitNavigationAction* action, gpointer data);
+    static gboolean scriptDialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer data);
+    static void webProcessTerminated(WebKitWebView*, WebKitWebProcessTerminationReason reason, gpointer data);
+    static void mapped(GtkWidget* widget, gpointer data);
+    static void painted(GdkFrameClock* clock, gpointer data);
+
+    WebView& owner;
+    GObjectPtr<WebKitWebView> view;
+
+    std::optional<URL> url;
+    std::optional<std::string> title;
+    bool canGoBack = false;
+    bool canGoForward = false;
+    double estimatedProgress = 0;
+    bool isLoading = false;
+    std::vector<std::shared_ptr<Observer>> observers;
+
+    std::weak_ptr<NavigationDelegate> navigationDelegate;
+    std::weak_ptr<UIDelegate> uiDelegate;
+    std::vector<std::weak_ptr<ScriptDialog>> dialogs;
+
+    Phase phase = Phase::idle;
+    /// The navigation came by `load`.
+    bool byLoad = false;
+    /// Nothing was loaded yet, and no web process asked for.
+    bool fresh = true;
+    /// A navigation that was stopped before the engine asked about it: that question is answered with no.
+    std::optional<std::string> stoppedURI;
+    /// A redirect that was refused for its port; the failure that follows is told under that name.
+    std::optional<std::string> restrictedURI;
+
+    double timeoutInterval = 0;
+    std::shared_ptr<Timer> timeout;
+    /// The time was up and the engine's cancellation has not come yet.
+    std::shared_ptr<Timer> stopTimer;
+
+    /// The web process ended and nothing was loaded since.
+    bool processEnded = false;
+    bool reloadsWhenVisible = false;
+    std::optional<Clock::time_point> lastProcessEnd;
+    /// What to load in place of a reload, where the process ended before the page was committed.
+    std::optional<std::string> interruptedURI;
+
+    SignalConnection paintConnection;
+    std::vector<SignalConnection> connections;
+};
+
+WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
+    : owner(owner)
+    , view(makeWebKitView(configuration)) {
+    const auto notified = [this](const char* property, void (*callback)(WebKitWebView*, GParamSpec*, gpointer)) {
+        connect(view.get(), property, callback);
+    };
+    notified("notify::uri", [](WebKitWebView*, GParamSpec*, gpointer data) {
+        auto& engine = *static_cast<Engine*>(data);
+        if (const auto kept = engine.keep())
+            engine.updateURL();
+    });
+    notified("notify::title", [](WebKitWebView*, GParamSpec*, gpointer data) {
+        auto& engine = *static_cast<Engine*>(data);
+        if (const auto kept = engine.keep())
+            engine.updateTitle();
+    });
+    notified("notify::estimated-load-progress", [](WebKitWebView* view, GParamSpec*, gpointer data) {
+        auto& engine = *static_cast<Engine*>(data);
+        if (const auto kept = engine.keep())
+            engine.update(engine.estimatedProgress, webkit_web_view_get_estimated_load_progress(view),
+                          Property::estimatedProgress);
+    });
+    notified("notify::is-loading", [](WebKitWebView*, GParamSpec*, gpointer data) {
+        auto& engine = *static_cast<Engine*>(data);
+        if (const auto kept = engine.keep())
+            engine.updateIsLoading();
+    });
+    connect(webkit_web_view_get_back_forward_list(view.get()), "changed",
+            +[](WebKitBackForwardList*, WebKitBackForwardListItem*, gpointer, gpointer data) {
+                auto& engine = *static_cast<Engine*>(data);
+                if (const auto kept = engine.keep())
+                    engine.updateHistory();
+            });
+    connect(view.get(), "load-changed", &loadChanged);
+    connect(view.get(), "load-failed", &loadFailed);
+    connect(view.get(), "decide-policy", &decidePolicy);
+    connect(view.get(), "create", &createView);
+    connect(view.get(), "script-dialog", &scriptDialog);
+    connect(view.get(), "web-process-terminated", &webProcessTerminated);
+    connect(view.get(), "map", &mapped);
+}
+
+WebView::Engine::~Engine() {
+    paintConnection.disconnect();
+    connections.clear();
+    // A page that waits for an answer would keep the widget alive for as long as nobody gives one.
+    for (const auto& dialog : dialogs) {
+        if (const auto pending = dialog.lock())
+            pending->answer(false);
+    }
+    // The view may be let go from inside one of the widget's signals, whose emitter still works with the widget when the
+    // handler returns.
+    auto* widget = view.get();
+    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, releaseLater, g_object_ref(widget), g_object_unref);
+}
+
+// Observation
+
+void WebView::Engine::tell(Property property) {
+    const auto present = observers;
+    for (const auto& observer : present) {
+        if (observer->property == property && !observer->ended)
+            observer->changed();
+    }
+}
+
+template <typename Value>
+void WebView::Engine::update(Value& value, Value now, Property property) {
+    if (value == now)
+        return;
+    value = std::move(now);
+    tell(property);
+}
+
+void WebView::Engine::updateURL() {
+    const auto text = nonEmpty(webkit_web_view_get_uri(view.get()));
+    if (processEnded && !text)
+        return;
+    update(url, text ? URL::fromString(*text) : std::nullopt, Property::url);
+}
+
+void WebView::Engine::updateTitle() {
+    if (!processEnded)
+        update(title, nonEmpty(webkit_web_view_get_title(view.get())), Property::title);
+}
+
+void WebView::Engine::updateIsLoading() {
+    const bool now = webkit_web_view_is_loading(view.get());
+    if (now)
+        processEnded = false;
+    else
+        endNavigation();
+    update(isLoading, now, Property::isLoading);
+}
+
+void WebView::Engine::updateHistory() {
+    update(canGoBack, static_cast<bool>(webkit_web_view_can_go_back(view.get())), Property::canGoBack);
+    update(canGoForward, static_cast<bool>(webkit_web_view_can_go_forward(view.get())), Property::canGoForward);
+}
+
+// Navigation
+
+/// The program asks for a navigation, which replaces the one under way.
+void WebView::Engine::beginNavigation() {
+    endNavigation();
+    stopTimer.reset();
+    restrictedURI.reset();
+    reloadsWhenVisible = false;
+    fresh = false;
+    phase = Phase::requested;
+}
+
+void WebView::Engine::endNavigation() {
+    phase = Phase::idle;
+    byLoad = false;
+    timeout.reset();
+    stoppedURI.reset();
+}
+
+void WebView::Engine::load(const URLRequest& request) {
+    beginNavigation();
+    byLoad = true;
+    timeoutInterval = request.timeoutInterval;
+    startTimeout();
+    webkit_web_view_load_uri(view.get(), request.url.absoluteString().c_str());
+}
+
+void WebView::Engine::reload() {
+    if (processEnded) {
+        recover();
+        return;
+    }
+    beginNavigation();
+    webkit_web_view_reload(view.get());
+}
+
+void WebView::Engine::stop() {
+    // Before the engine has asked about the navigation it only forgets it, and would report it as loading for good.
+    if (phase == Phase::requested && isLoading)
+        stoppedURI = nonEmpty(webkit_web_view_get_uri(view.get()));
+    timeout.reset();
+    webkit_web_view_stop_loading(view.get());
+}
+
+void WebView::Engine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event, gpointer data) {
+    auto& engine = *static_cast<Engine*>(data);
+    const auto kept = engine.keep();
+    if (!kept)
+        return;
+    switch (event) {
+    case WEBKIT_LOAD_STARTED:
+        // The page went elsewhere before the load was through.
+        if (engine.phase == Phase::started)
+            engine.endNavigation();
+        engine.phase = Phase::started;
+        engine.fresh = false;
+        break;
+    case WEBKIT_LOAD_REDIRECTED:
+        if (engine.timeout)
+            engine.startTimeout();
+        break;
+    case WEBKIT_LOAD_COMMITTED:
+        // In an earlier phase it is the page before that is still coming in.
+        if (engine.phase == Phase::started)
+            engine.endNavigation();
+        engine.updateTitle();
+        engine.updateHistory();
+        break;
+    case WEBKIT_LOAD_FINISHED:
+        engine.updateHistory();
+        break;
+    }
+}
+
+gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision* decision,
+                                       WebKitPolicyDecisionType type, gpointer data) {
+    auto& engine = *static_cast<Engine*>(data);
+    const auto kept = engine.keep();
+    if (!kept || type != WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION)
+        return FALSE;
+    auto* action = webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+    const std::string uri = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+    const bool isRequested = engine.phase == Phase::requested && nonEmpty(webkit_web_view_get_uri(view)) == uri;
+    if (engine.stoppedURI == uri) {
+        engine.stoppedURI.reset();
+        webkit_policy_decision_ignore(decision);
+        return TRUE;
+    }
+    if (usesRestrictedPort(uri.c_str())) {
+        if (webkit_navigation_action_is_redirect(action))
+            engine.restrictedURI = uri;
+        webkit_policy_decision_ignore(decision);
+        if (isRequested) {
+            engine.report(WEBKIT_LOAD_STARTED, Error{.domain = webKitErrorDomain,
+                                                     .code = webKitErrorRestrictedPort,
+                                                     .localizedDescription = "Not allowed to use restricted network port",
+                                                     .failingURL = uri});
+        }
+        return TRUE;
+    }
+    if (isRequested)
+        engine.phase = Phase::decided;
+    return FALSE;
+}
+
+// Failures
+
+void WebView::Engine::report(WebKitLoadEvent event, const Error& error) {
+    const auto delegate = navigationDelegate.lock();
+    if (!delegate)
+        return;
+    if (event == WEBKIT_LOAD_COMMITTED)
+        delegate->didFailNavigation(owner, error);
+    else
+        delegate->didFailProvisionalNavigation(owner, error);
+}
+
+gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent event, const char* uri, GError* error,
+                                     gpointer data) {
+    auto& engine = *static_cast<Engine*>(data);
+    const auto kept = engine.keep();
+    if (!kept)
+        return TRUE;
+    engine.updateHistory();
+    auto reported = loadError(*error, uri);
+    if (!reported)
+        return TRUE;
+    const bool isCancelled = reported->domain == Error::urlDomain && reported->code == Error::urlCancelled;
+    if (isCancelled && engine.stopTimer) {
+        engine.stopTimer.reset();
+        reported->code = Error::urlTimedOut;
+        reported->localizedDescription = "The request timed out.";
+    }
+    const auto restricted = std::exchange(engine.restrictedURI, std::nullopt);
+    if (restricted && reported->domain == webKitErrorDomain && reported->failingURL == restricted) {
+        reported->code = webKitErrorRestrictedPort;
+        reported->localizedDescription = "Not allowed to use restricted network port";
+    }
+    engine.report(event, *reported);
+    return TRUE;
+}
+
+void WebView::Engine::startTimeout() {
+    timeout.reset();
+    if (!(timeoutInterval > 0))
+        return;
+    timeout = Timer::scheduled(timeoutInterval, false, [this] {
+        if (const auto kept = keep())
+            timedOut();
+    });
+}
+
+void WebView::Engine::timedOut() {
+    const auto failingURL = url ? std::optional<std::string>(url->absoluteString()) : std::nullopt;
+    const bool willFail = phase == Phase::started;
+    stop();
+    const auto reportNow = [this, failingURL] {
+        stopTimer.reset();
+        report(WEBKIT_LOAD_STARTED, Error{.domain = std::string(Error::urlDomain),
+                                          .code = Error::urlTimedOut,
+                                          .localizedDescription = "The request timed out.",
+                                          .failingURL = failingURL});
+    };
+    if (!willFail) {
+        reportNow();
+        return;
+    }
+    stopTimer = Timer::scheduled(stopLimit, false, [this, reportNow] {
+        if (const auto kept = keep())
+            reportNow();
+    });
+}
+
+// New windows and dialogs
+
+GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationAction* action, gpointer data) {
+    auto& engine = *static_cast<Engine*>(data);
+    const auto kept = engine.keep();
+    const auto delegate = kept ? engine.uiDelegate.lock() : nullptr;
+    if (!delegate)
+        return nullptr;
+
+    auto native = std::make_unique<WebViewConfiguration::Native>();
+    native->userContentManager = kept->configuration_->native().userContentManager;
+    native->opener = GObjectPtr<WebKitWebView>::retain(view);
+    const auto configuration = std::make_shared<WebViewConfiguration>(std::move(native));
+    configuration->setWebsiteDataStore(kept->configuration_->websiteDataStore());
+
+    NavigationAction asked;
+    WebKitURIRequest* request = webkit_navigation_action_get_request(action);
+    const char* uri = webkit_uri_request_get_uri(request);
+    asked.url = URL::fromString(uri ? uri : "");
+    if (const char* method = webkit_uri_request_get_http_method(request))
+        asked.method = method;
+
+    const auto child = delegate->createWebView(*kept, configuration, asked);
+    configuration->native().opener.reset();
+    if (!child)
+        return nullptr;
+    if (child->configuration_ != configuration)
+        fatalError("A page's new window must be shown by a view made with the configuration supplied for it");
+    child->engine_->fresh = false;
+    // Borrowed: the emission takes a reference over, and gives the engine one that it never gives back.
+    return GTK_WIDGET(child->engine_->view.get());
+}
+
+gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpointer data) {
+    auto& engine = *static_cast<Engine*>(data);
+    const auto kept = engine.keep();
+    const auto delegate = kept ? engine.uiDelegate.lock() : nullptr;
+    const auto type = webkit_script_dialog_get_dialog_type(dialog);
+    if (!delegate || (type != WEBKIT_SCRIPT_DIALOG_ALERT && type != WEBKIT_SCRIPT_DIALOG_CONFIRM))
+        return FALSE;
+
+    const auto pending = std::make_shared<ScriptDialog>(dialog);
+    std::erase_if(engine.dialogs, [](const auto& other) { return other.expired(); });
+    engine.dialogs.push_back(pending);
+    const std::string message = webkit_script_dialog_get_message(dialog);
+    const FrameInfo frame{.url = engine.url};
+    if (type == WEBKIT_SCRIPT_DIALOG_ALERT)
+        delegate->runJavaScriptAlertPanel(*kept, message, frame, [pending] { pending->answer(true); });
+    else
+        delegate->runJavaScriptConfirmPanel(*kept, message, frame,
+                                            [pending](bool confirmed) { pending->answer(confirmed); });
+    return TRUE;
+}
+
+// The web process
+
+void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/, WebKitWebProcessTerminationReason /*reason*/,
+                                           gpointer data) {
+    auto& engine = *static_cast<Engine*>(data);
+    const auto kept = engine.keep();
+    if (!kept)
+        return;
+    const auto now = Clock::now();
+    const bool again = engine.lastProcessEnd && now - *engine.lastProcessEnd < processEndsInARow;
+    engine.lastProcessEnd = now;
+    engine.processEnded = true;
+    engine.stopTimer.reset();
+    // Nothing is committed yet that a reload could bring back.
+    if (engine.byLoad && engine.url)
+        engine.interruptedURI = engine.url->absoluteString();
+    else if (engine.phase == Phase::idle)
+        engine.interruptedURI.reset();
+    for (const auto& dialog : std::exchange(engine.dialogs, {})) {
+        if (const auto pending = dialog.lock())
+            pending->answer(false);
+    }
+    engine.endNavigation();
+    engine.reloadsWhenVisible = !again && engine.url;
+    // The engine is about to forget the page; only then can it be told to bring it back.
+    RunLoop::main().perform([weak = engine.weak_from_this()] {
+        if (const auto engine = weak.lock())
+            engine->recoverIfVisible();
+    });
+}
+
+void WebView::Engine::recoverIfVisible() {
+    const auto kept = keep();
+    if (kept && processEnded && reloadsWhenVisible && gtk_widget_get_mapped(GTK_WIDGET(view.get())))
+        recover();
+}
+
+void WebView::Engine::recover() {
+    const auto interrupted = std::exchange(interruptedURI, std::nullopt);
+    beginNavigation();
+    if (interrupted)
+        webkit_web_view_load_uri(view.get(), interrupted->c_str());
+    else
+        webkit_web_view_reload(view.get());
+}
+
+void WebView::Engine::mapped(GtkWidget* widget, gpointer data) {
+    auto& engine = *static_cast<Engine*>(data);
+    if (engine.reloadsWhenVisible) {
+        RunLoop::main().perform([weak = engine.weak_from_this()] {
+            if (const auto engine = weak.lock())
+                engine->recoverIfVisible();
+        });
+    }
+    if (engine.fresh) {
+        engine.paintConnection = SignalConnection(gtk_widget_get_frame_clock(widget), "after-paint",
+                                                  G_CALLBACK(painted), data);
+    }
+}
+
+void WebView::Engine::painted(GdkFrameClock* /*clock*/, gpointer data) {
+    auto& engine = *static_cast<Engine*>(data);
+    RunLoop::main().perform([weak = engine.weak_from_this()] {
+        if (const auto engine = weak.lock())
+            engine->prewarm();
+    });
+    engine.paintConnection.disconnect();
+}
+
+/// Starting the web process takes longer than everything else of a first load, and an empty page needs none. Once the
+/// window stands it is started all the same, while the user still types the address: a script that does nothing needs
+/// one, and touches neither history nor properties.
+void WebView::Engine::prewarm() {
+    if (std::exchange(fresh, false))
+        webkit_web_view_evaluate_javascript(view.get(), "1", -1, nullptr, nullptr, nullptr, nullptr, nullptr);
+}
+
+// The view
+
+std::shared_ptr<WebView> WebView::create(const std::shared_ptr<WebViewConfiguration>& configuration) {
+    assertMainThread("WebView::create");
+    struct Made final : WebView {
+        explicit Made(std::shared_ptr<WebViewConfiguration> configuration)
+            : WebView(std::move(configuration)) {}
+    };
+    auto view = std::make_shared<Made>(configuration);
+    view->native();
+    return view;
+}
+
+WebView::WebView(std::shared_ptr<WebViewConfiguration> configuration)
+    : configuration_(std::move(configuration))
+    , engine_(std::make_shared<Engine>(*this, *configuration_)) {}
+
+WebView::~WebView() { assertMainThread("WebView"); }
+
+std::unique_ptr<View::Native> WebView::makeNative() {
+    auto native = std::make_unique<Native>();
+    native->widget = GObjectPtr<GtkWidget>::retain(GTK_WIDGET(engine_->view.get()));
+    return native;
+}
+
+std::optional<URL> WebView::url() const { return engine_->url; }
+
+std::optional<std::string> WebView::title() const { return engine_->title; }
+
+bool WebView::canGoBack() const { return engine_->canGoBack; }
+
+bool WebView::canGoForward() const { return engine_->canGoForward; }
+
+double WebView::estimatedProgress() const { return engine_->estimatedProgress; }
+
+bool WebView::isLoading() const { return engine_->isLoading; }
+
+Observation WebView::observe(Property property, std::function<void()> changed) {
+    assertMainThread("WebView::observe");
+    const auto observer = std::make_shared<Engine::Observer>(property, std::move(changed));
+    engine_->observers.push_back(observer);
+    return Observation([engine = std::weak_ptr(engine_), weak = std::weak_ptr(observer)] {
+        const auto observer = weak.lock();
+        if (!observer)
+            return;
+        observer->ended = true;
+        if (const auto alive = engine.lock())
+            std::erase(alive->observers, observer);
+    });
+}
+
+void WebView::load(const URLRequest& request) {
+    assertMainThread("WebView::load");
+    const auto kept = shared_from_this();
+    engine_->load(request);
+}
+
+void WebView::reload() {
+    assertMainThread("WebView::reload");
+    const auto kept = shared_from_this();
+    engine_->reload();
+}
+
+void WebView::stopLoading() {
+    assertMainThread("WebView::stopLoading");
+    const auto kept = shared_from_this();
+    engine_->stop();
+}
+
+void WebView::goBack() {
+    assertMainThread("WebView::goBack");
+    const auto kept = shared_from_this();
+    if (!engine_->canGoBack)
+        return;
+    engine_->beginNavigation();
+    webkit_web_view_go_back(engine_->view.get());
+}
+
+void WebView::goForward() {
+    assertMainThread("WebView::goForward");
+    const auto kept = shared_from_this();
+    if (!engine_->canGoForward)
+        return;
+    engine_->beginNavigation();
+    webkit_web_view_go_forward(engine_->view.get());
+}
+
+void WebView::setAllowsBackForwardNavigationGestures(bool allows) {
+    assertMainThread("WebView::setAllowsBackForwardNavigationGestures");
+    webkit_settings_set_enable_back_forward_navigation_gestures(webkit_web_view_get_settings(engine_->view.get()),
+                                                                allows ? TRUE : FALSE);
+}
+
+void WebView::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {
+    assertMainThread("WebView::setNavigationDelegate");
+    engine_->navigationDelegate = delegate;
+}
+
+void WebView::setUIDelegate(const std::weak_ptr<UIDelegate>& delegate) {
+    assertMainThread("WebView::setUIDelegate");
+    engine_->uiDelegate = delegate;
+}
+
+bool WebView::respondsTo(Action action) const { return editingCommand(action) != nullptr; }
+
+void WebView::perform(Action action, const ActionSender& /*sender*/) {
+    assertMainThread("WebView::perform");
+    if (const char* command = editingCommand(action))
+        webkit_web_view_execute_editing_command(engine_->view.get(), command);
+}
+
+} // namespace Platform

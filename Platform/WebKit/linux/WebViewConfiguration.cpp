@@ -1,0 +1,23 @@
+#include "Platform/WebKit/WebViewConfiguration.h"
+
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/WebKit/linux/WebViewConfigurationNative.h"
+
+#include <utility>
+
+namespace Platform {
+
+WebViewConfiguration::WebViewConfiguration(std::unique_ptr<Native> native)
+    : native_(std::move(native)) {}
+
+WebViewConfiguration::~WebViewConfiguration() = default;
+
+std::shared_ptr<WebViewConfiguration> WebViewConfiguration::create() {
+    assertMainThread("WebViewConfiguration::create");
+    auto native = std::make_unique<Native>();
+    native->userContentManager =
+        GObjectPtr<WebKitUserContentManager>::adopt(webkit_user_content_manager_new());
+    return std::make_shared<WebViewConfiguration>(std::move(native));
+}
+
+} // namespace Platform
