@@ -1,11 +1,5 @@
 #pragma once
 
-<<<<<<< HEAD
-namespace Platform {
-
-/// Picks the renderers of toolkit and engine; before either starts.
-void chooseAcceleration();
-=======
 #include <filesystem>
 
 namespace Platform {
@@ -17,6 +11,5 @@ bool hasRenderNode(const std::filesystem::path& devices = "/dev/dri");
 /// accelerated paths would be emulated by the processor, at three times the time and 160 MiB more memory. Variables of
 /// the environment that are set already stay as they are.
 void chooseAcceleration(const std::filesystem::path& devices = "/dev/dri");
->>>>>>> webkit
 
 } // namespace Platform
