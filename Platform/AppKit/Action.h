@@ -5,8 +5,8 @@ namespace Platform {
 class Control;
 class MenuItem;
 
-/// What a control or a menu item asks for. The names are those of the selectors that carry the same meaning on
-/// macOS, without their colon.
+/// What a control or a menu item asks for. The names are those of the selectors that carry the same meaning
+/// on macOS, without their colon.
 enum class Action {
     // The application's own.
     newTab,

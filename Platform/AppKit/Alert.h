@@ -19,8 +19,10 @@ struct Alert {
     /// In the order given; the first is the default button. None means a single "OK".
     std::vector<std::string> buttonTitles;
 
-    /// Called exactly once with the index of the chosen button. Escape chooses "Cancel" when there is such a button, else
-    /// the only one; a window that closes chooses the last.
+    static constexpr std::size_t firstButton = 0;
+
+    /// Called exactly once with the index of the chosen button. Escape chooses "Cancel" when there is such a
+    /// button, else the only one; a window that closes chooses the last.
     using Completion = std::function<void(std::size_t button)>;
 
     /// Shows the sheet over `window`'s page only; several queue up. Other tabs and windows stay usable.

@@ -6,8 +6,8 @@ namespace Platform {
 
 /// A picture out of the system's own set, so that it follows the system's look.
 ///
-/// `symbolName` is the symbol's name on macOS ("chevron.left"); Linux maps it onto the icon of the same meaning and
-/// stops the process at a name that it does not know, for then the program itself is wrong.
+/// `symbolName` is the symbol's name on macOS ("chevron.left"); Linux maps it onto the icon of the same
+/// meaning and stops the process at a name that it does not know, for then the program itself is wrong.
 struct Image {
     std::string symbolName;
     std::string accessibilityDescription;

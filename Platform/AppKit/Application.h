@@ -20,7 +20,8 @@ public:
     /// `applicationDidFinishLaunching`.
     virtual void applicationOpenURLs(const std::vector<URL>& urls) = 0;
 
-    /// The user started the program again, or clicked its icon. Returns whether the system is to do what it usually does.
+    /// The user started the program again, or clicked its icon. Returns whether the system is to do what it
+    /// usually does.
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
 
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
@@ -40,11 +41,17 @@ public:
     static constexpr const char* identifier = "velde.orvane.keyloft";
     static constexpr const char* displayName = "Keyloft";
 
+    enum class ActivationPolicy {
+        /// A program with windows and a menu bar, listed among the running ones.
+        regular,
+    };
+    void setActivationPolicy(ActivationPolicy policy);
+
     /// Held weakly: the program keeps its delegate.
     void setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate);
 
-    /// Runs until the application is terminated; returns the process's exit status. `arguments` are the program's, of which
-    /// those that parse as URLs with a scheme are handed to the delegate.
+    /// Runs until the application is terminated; returns the process's exit status. `arguments` are the
+    /// program's, of which those that parse as URLs with a scheme are handed to the delegate.
     int run(int argc, char** argv);
     void terminate();
 
@@ -52,14 +59,15 @@ public:
     /// The menu in which the system lists the open windows.
     void setWindowsMenu(const std::shared_ptr<Menu>& menu);
 
-    /// The selected tab of the window that the user last worked in; menus, sheets and other programs do not change it.
+    /// The selected tab of the window that the user last worked in; menus, sheets and other programs do not
+    /// change it.
     std::shared_ptr<Window> mainWindow() const;
 
     /// Brings the program to the front.
     void activateIgnoringOtherApps();
 
-    /// Sends an action to `target`, or, without one, to the first of the responder chain that responds. Returns whether anybody
-    /// did.
+    /// Sends an action to `target`, or, without one, to the first of the responder chain that responds.
+    /// Returns whether anybody did.
     bool sendAction(Action action, const std::shared_ptr<Responder>& target, const ActionSender& sender);
 
     /// Whoever would receive the action now.
@@ -73,11 +81,17 @@ public:
     struct Native;
     Native& native() { return *native_; }
 
-private:
+    /// Makes the toolkit ready without running: for programs that drive the main loop themselves.
+    void prepare();
+
+protected:
     Application();
 
+private:
+    /// The program was started, or started again, with these URLs.
+    void wasStarted(const std::vector<URL>& urls);
+
     std::weak_ptr<ApplicationDelegate> delegate_;
-    std::shared_ptr<Menu> mainMenu_;
     std::weak_ptr<Menu> windowsMenu_;
     std::unique_ptr<Native> native_;
 };

@@ -12,7 +12,8 @@ public:
     enum class BezelStyle { texturedRounded, recessed };
 
     static std::shared_ptr<Button> create();
-    static std::shared_ptr<Button> create(const std::string& title, const std::weak_ptr<Responder>& target, Action action);
+    static std::shared_ptr<Button> create(const std::string& title, const std::weak_ptr<Responder>& target,
+                                          Action action);
 
     /// Shown as it stands: no character of it is markup or a mnemonic.
     const std::string& title() const { return title_; }
@@ -29,6 +30,7 @@ public:
 protected:
     Button() = default;
     std::unique_ptr<Native> makeNative() override;
+    void applyFont(Native& native) override;
 
 private:
     void applyImage(Native& native) const;

@@ -8,14 +8,15 @@
 
 namespace Platform {
 
-/// A view that sends an action when it is used. The target is held weakly; without one, or once it is gone, the action
-/// goes down the responder chain.
+/// A view that sends an action when it is used. The target is held weakly; without one, or once it is gone,
+/// the action goes down the responder chain.
 class Control : public View {
 public:
     bool isEnabled() const { return enabled_; }
     void setEnabled(bool enabled);
 
-    const Font& font() const { return font_; }
+    /// None means the system's usual one for the control.
+    const std::optional<Font>& font() const { return font_; }
     void setFont(const Font& font);
 
     void setTarget(const std::weak_ptr<Responder>& target, Action action);
@@ -29,16 +30,15 @@ public:
     void sendAction();
 
 protected:
-    Control() = default;
+    /// Controls hug their content; fields of text give way.
+    Control();
 
-    /// Font and enabled state onto a freshly made native side.
-    void applyToNative();
+    virtual void applyFont(Native& native) = 0;
 
 private:
     bool enabled_ = true;
-    Font font_;
+    std::optional<Font> font_;
     std::weak_ptr<Responder> target_;
-    bool hasTarget_ = false;
     std::optional<Action> action_;
     std::optional<URL> representedURL_;
 };

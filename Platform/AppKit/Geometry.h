@@ -30,8 +30,8 @@ struct EdgeInsets {
 
 enum class Orientation { horizontal, vertical };
 
-/// How hard a view resists growing beyond its content (hugging) or being cut below it (compression resistance):
-/// 1 gives way first, 1000 never.
+/// How hard a view resists growing beyond its content (hugging) or being cut below it (compression
+/// resistance): 1 gives way first, 1000 never.
 using LayoutPriority = float;
 
 namespace LayoutPriorities {

@@ -11,15 +11,16 @@ enum class LayoutAttribute { top, leading, trailing, bottom, width, height };
 
 /// One equation between a view's edge or size and its superview's, or a constant.
 ///
-/// The forms in use are: an edge equals the same edge of the superview, the width equals the superview's width, the
-/// width or the height equals a constant. Anything else stops the process when it is activated.
+/// The forms in use are: an edge equals the same edge of the superview, the width equals the superview's
+/// width, the width or the height equals a constant. Anything else stops the process when it is activated.
 class LayoutConstraint {
 public:
     /// `view.attribute = superview.attribute`
     static LayoutConstraint equalToSuperview(const std::shared_ptr<View>& view, LayoutAttribute attribute);
 
     /// `view.attribute = constant`
-    static LayoutConstraint equalTo(const std::shared_ptr<View>& view, LayoutAttribute attribute, double constant);
+    static LayoutConstraint equalTo(const std::shared_ptr<View>& view, LayoutAttribute attribute,
+                                    double constant);
 
     static void activate(const std::vector<LayoutConstraint>& constraints);
 

@@ -12,8 +12,8 @@ namespace Platform {
 
 class Menu;
 
-/// A key equivalent's modifiers beside Shift, which an upper-case letter or a shifted sign implies. Command is Control on
-/// Linux, Option is Alt.
+/// A key equivalent's modifiers beside Shift, which an upper-case letter or a shifted sign implies. Command
+/// is Control on Linux, Option is Alt.
 enum class ModifierFlags { command, optionCommand };
 
 /// One line of a menu. Without a target: its action goes down the responder chain.
@@ -41,9 +41,10 @@ public:
     const std::optional<URL>& representedURL() const { return representedURL_; }
     void setRepresentedURL(const std::optional<URL>& url) { representedURL_ = url; }
 
-private:
+protected:
     MenuItem() = default;
 
+private:
     std::string title_;
     std::optional<Action> action_;
     std::string keyEquivalent_;
@@ -74,9 +75,10 @@ public:
     std::shared_ptr<MenuDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(const std::weak_ptr<MenuDelegate>& delegate) { delegate_ = delegate; }
 
-private:
+protected:
     Menu() = default;
 
+private:
     std::string title_;
     std::vector<std::shared_ptr<MenuItem>> items_;
     std::weak_ptr<MenuDelegate> delegate_;

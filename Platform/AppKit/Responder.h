@@ -4,9 +4,9 @@
 
 namespace Platform {
 
-/// Somebody whom actions reach on their way down the responder chain: the key window's first responder and the views
-/// around it, the window, its controller, the application, the application's delegate. The first one that
-/// responds performs the action; nobody behind it hears of it.
+/// Somebody whom actions reach on their way down the responder chain: the key window's first responder and
+/// the views around it, the window, its controller, the application, the application's delegate. The first
+/// one that responds performs the action; nobody behind it hears of it.
 class Responder {
 public:
     virtual ~Responder() = default;
@@ -16,8 +16,8 @@ public:
     /// Called only for actions that `respondsTo` answered with true.
     virtual void perform(Action /*action*/, const ActionSender& /*sender*/) {}
 
-    /// Asked of whoever responds to the item's action before the item is shown or its key is obeyed. May retitle the
-    /// item; returns whether it is enabled.
+    /// Asked of whoever responds to the item's action before the item is shown or its key is obeyed. May
+    /// retitle the item; returns whether it is enabled.
     virtual bool validateMenuItem(MenuItem& /*item*/) { return true; }
 
 protected:

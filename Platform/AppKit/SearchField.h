@@ -4,7 +4,8 @@
 
 namespace Platform {
 
-/// A text field with the look of a search box. It sends the whole text, and only on Return; Escape empties it.
+/// A text field with the look of a search box. It sends the whole text, and only on Return; Escape empties
+/// it.
 class SearchField : public TextField {
 public:
     static std::shared_ptr<SearchField> create();

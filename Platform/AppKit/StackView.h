@@ -6,9 +6,9 @@ namespace Platform {
 
 /// Lays its arranged views out in one row or column.
 ///
-/// Along the stack each view has its content's size; what room is left goes to the view with the lowest hugging
-/// priority, what is missing is taken from the one with the lowest compression resistance, and what then still does
-/// not fit is cut off at the trailing end: a stack never asks for more room than it is given.
+/// Along the stack each view has its content's size; what room is left goes to the view with the lowest
+/// hugging priority, what is missing is taken from the one with the lowest compression resistance, and what
+/// then still does not fit is cut off at the trailing end: a stack never asks for more room than it is given.
 class StackView : public View {
 public:
     enum class Alignment { leading, centerY };

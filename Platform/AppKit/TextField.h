@@ -15,22 +15,23 @@ class TextFieldDelegate {
 public:
     virtual ~TextFieldDelegate() = default;
 
-    /// The user began to change the text: first typed character, pasted text or input method text. Setting the text
-    /// from the program begins nothing.
+    /// The user began to change the text: first typed character, pasted text or input method text. Setting
+    /// the text from the program begins nothing.
     virtual void controlTextDidBeginEditing(TextField& field) = 0;
 
-    /// The edit ended: Return (the field's action is sent right after), Escape, or another control of the same page took
-    /// the focus. Another tab, window, menu or program does not end it.
+    /// The edit ended: Return (the field's action is sent right after), Escape, or another control of the
+    /// same page took the focus. Another tab, window, menu or program does not end it.
     virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;
 };
 
-/// One line of text that the user can edit; Return sends the action. Longer text scrolls and never widens the field.
+/// One line of text that the user can edit; Return sends the action. Longer text scrolls and never widens the
+/// field.
 class TextField : public Control {
 public:
     static std::shared_ptr<TextField> create();
 
-    /// The text as it now stands, the user's changes included. Line breaks and other control characters that are set
-    /// are dropped, as the field has one line.
+    /// The text as it now stands, the user's changes included. Line breaks that are set are dropped, as the
+    /// field has one line.
     const std::string& stringValue() const { return stringValue_; }
     void setStringValue(const std::string& value);
 
@@ -44,17 +45,20 @@ public:
 
     bool isEditing() const { return editing_; }
 
-protected:
-    TextField() = default;
-    std::unique_ptr<Native> makeNative() override;
+    /// Undo, redo, cut, copy, paste and select all.
+    bool respondsTo(Action action) const override;
+    void perform(Action action, const ActionSender& sender) override;
 
-    /// Takes over what the native field now holds, and tells the delegate when the user's editing begins or ends.
-    void userChanged(const std::string& value);
-    void beginEditing();
-    void endEditing(TextMovement movement);
+protected:
+    TextField();
+    std::unique_ptr<Native> makeNative() override;
+    void applyFont(Native& native) override;
 
 private:
     friend struct TextFieldEvents;
+
+    void beginEditing();
+    void endEditing(TextMovement movement);
 
     std::string stringValue_;
     std::string placeholder_;

@@ -15,9 +15,9 @@ class Window;
 
 /// A rectangle of a window. Main thread only.
 ///
-/// A view is a plain object. What stands for it on the screen is made when its window is next shown, so that a view
-/// in a tab that nobody looks at costs next to nothing; until then every property is kept here, and the native side
-/// takes them over. The view is the source of truth for all but what the user changes.
+/// A view is a plain object. What stands for it on the screen is made when its window is next shown, so that
+/// a view in a tab that nobody looks at costs next to nothing; until then every property is kept here, and
+/// the native side takes them over. The view is the source of truth for all but what the user changes.
 ///
 /// A superview holds its subviews strongly; a view knows its superview and window weakly.
 class View : public Responder, public std::enable_shared_from_this<View> {
@@ -37,7 +37,8 @@ public:
     /// The window that shows the view, or nothing.
     std::shared_ptr<Window> window() const;
 
-    /// Where the view stands in its superview. For a view inside a stack or under constraints the layout decides.
+    /// Where the view stands in its superview. For a view inside a stack or under constraints the layout
+    /// decides.
     Rect frame() const { return frame_; }
     void setFrame(const Rect& frame);
 
@@ -63,8 +64,8 @@ public:
     /// Asks for `layout` before the window is next drawn.
     void setNeedsLayout();
 
-    /// Places the subviews; called when the view's size changed or `setNeedsLayout` asked for it. Overriders place
-    /// what the inherited layout does not.
+    /// Places the subviews; called when the view's size changed or `setNeedsLayout` asked for it. Overriders
+    /// place what the inherited layout does not.
     virtual void layout() {}
 
     /// The system's side of the view, for Platform's own sources.

@@ -22,8 +22,8 @@ public:
 
 /// A window, or one tab of a window that several share. Main thread only.
 ///
-/// Windows with the same tabbing identifier may be tabs of one native window; each still has its own title, content and
-/// first responder. Nothing native is made before the window is first shown.
+/// Windows with the same tabbing identifier may be tabs of one native window; each still has its own title,
+/// content and first responder. Nothing native is made before the window is first shown.
 class Window : public Responder, public std::enable_shared_from_this<Window> {
 public:
     struct Style {
@@ -76,7 +76,8 @@ public:
     void makeFirstResponder(const std::shared_ptr<View>& view);
     std::shared_ptr<View> firstResponder() const;
 
-    /// Closes the window: tells the delegate once, answers a pending sheet with its safe answer, lets the native side go.
+    /// Closes the window: tells the delegate once, answers a pending sheet with its safe answer, lets the
+    /// native side go.
     void close();
 
     bool respondsTo(Action action) const override;

@@ -6,8 +6,9 @@ namespace Platform {
 
 class WebView;
 
-/// Told of a web view's loads. Errors bear the domains and codes of Foundation and WebKit: "NSURLErrorDomain" (-999
-/// cancelled, -1001 timed out, -1003 host not found …) and "WebKitErrorDomain" (102 frame load interrupted …).
+/// Told of a web view's loads. Errors bear the domains and codes of Foundation and WebKit: "NSURLErrorDomain"
+/// (-999 cancelled, -1001 timed out, -1003 host not found …) and "WebKitErrorDomain" (102 frame load
+/// interrupted …).
 class NavigationDelegate {
 public:
     virtual ~NavigationDelegate() = default;

@@ -13,14 +13,14 @@ class WebViewConfiguration;
 
 /// What a page wants of the window around it.
 ///
-/// Completions may be called at once or later, from the main thread. One that is destroyed uncalled gives the page the safe
-/// answer (an alert is dismissed, a confirmation refused); calling it again does nothing.
+/// Completions may be called at once or later, from the main thread. One that is destroyed uncalled gives the
+/// page the safe answer (an alert is dismissed, a confirmation refused); calling it again does nothing.
 class UIDelegate {
 public:
     virtual ~UIDelegate() = default;
 
-    /// A page opens a window. Returns the web view that the engine then loads, made with exactly this configuration, or nothing
-    /// to refuse. The view must be shown, or about to be, when the call returns.
+    /// A page opens a window. Returns the web view that the engine then loads, made with exactly this
+    /// configuration, or nothing to refuse. The view must be shown, or about to be, when the call returns.
     virtual std::shared_ptr<WebView> createWebView(WebView& webView,
                                                    const std::shared_ptr<WebViewConfiguration>& configuration,
                                                    const NavigationAction& action) = 0;
@@ -28,8 +28,8 @@ public:
     virtual void runJavaScriptAlertPanel(WebView& webView, const std::string& message, const FrameInfo& frame,
                                          std::function<void()> completion) = 0;
 
-    virtual void runJavaScriptConfirmPanel(WebView& webView, const std::string& message, const FrameInfo& frame,
-                                           std::function<void(bool)> completion) = 0;
+    virtual void runJavaScriptConfirmPanel(WebView& webView, const std::string& message,
+                                           const FrameInfo& frame, std::function<void(bool)> completion) = 0;
 };
 
 } // namespace Platform

@@ -17,11 +17,12 @@ namespace Platform {
 
 /// A page and its history. Main thread only.
 ///
-/// The engine is the source of truth for what is shown; the values here change with it and are told to observers after
-/// they changed. Unlike other views its native side is made at once, for it loads whether it is shown or not.
+/// The engine is the source of truth for what is shown; the values here change with it and are told to
+/// observers after they changed. Unlike other views its native side is made at once, for it loads whether it
+/// is shown or not.
 ///
-/// After the engine's web process ended the view goes on reporting its last URL and title, reports that nothing loads, and
-/// reloads once when it is next visible; a second end within a minute waits for the user.
+/// After the engine's web process ended the view goes on reporting its last URL and title, reports that
+/// nothing loads, and reloads once when it is next visible; a second end within a minute waits for the user.
 class WebView : public View {
 public:
     /// The properties that can be observed.
@@ -30,8 +31,8 @@ public:
     static std::shared_ptr<WebView> create(const std::shared_ptr<WebViewConfiguration>& configuration);
     ~WebView() override;
 
-    /// Nothing before the first navigation. While a load that the program asked for is under way this is already its
-    /// URL; should it fail, the shown page's again.
+    /// Nothing before the first navigation. While a load that the program asked for is under way this is
+    /// already its URL; should it fail, the shown page's again.
     std::optional<URL> url() const;
     /// Nothing when the page has none.
     std::optional<std::string> title() const;
@@ -41,8 +42,8 @@ public:
     double estimatedProgress() const;
     bool isLoading() const;
 
-    /// Calls `changed` after each change of the property, never at first, in the order of the calls of `observe`. May be
-    /// ended, and the view let go, from inside the call.
+    /// Calls `changed` after each change of the property, never at first, in the order of the calls of
+    /// `observe`. May be ended, and the view let go, from inside the call.
     [[nodiscard]] Observation observe(Property property, std::function<void()> changed);
 
     /// The request's time-out begins now and at each redirect, and ends when the page begins to show.

@@ -8,8 +8,8 @@ namespace Platform {
 
 /// Holds one reference to a GObject.
 ///
-/// `retain` adds a reference of its own and sinks a floating one, `adopt` takes over a reference that the caller was
-/// given. Leaving scope gives the reference back.
+/// `retain` adds a reference of its own and sinks a floating one, `adopt` takes over a reference that the
+/// caller was given. Leaving scope gives the reference back.
 template <typename T>
 class GObjectPtr {
 public:

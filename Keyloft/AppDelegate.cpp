@@ -1,0 +1,203 @@
+#include "Keyloft/AppDelegate.h"
+
+#include "Platform/Foundation/FileManager.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace Keyloft {
+
+using Platform::Action;
+using Platform::Application;
+using Platform::Menu;
+using Platform::MenuItem;
+using Platform::URL;
+using Platform::Window;
+
+namespace {
+
+/// Adds a top-level menu to the menu bar and returns it to be filled.
+std::shared_ptr<Menu> addMenu(Menu& mainMenu, const std::string& title, std::shared_ptr<Menu> submenu) {
+    const auto item = MenuItem::create(title, std::nullopt);
+    item->setSubmenu(submenu);
+    mainMenu.addItem(item);
+    return submenu;
+}
+
+std::shared_ptr<Menu> addMenu(Menu& mainMenu, const std::string& title) {
+    return addMenu(mainMenu, title, Menu::create(title));
+}
+
+void addItem(Menu& menu, const std::string& title, Action action, const std::string& keyEquivalent = "") {
+    menu.addItem(MenuItem::create(title, action, keyEquivalent));
+}
+
+void addSeparator(Menu& menu) { menu.addItem(MenuItem::createSeparator()); }
+
+} // namespace
+
+AppDelegate::AppDelegate()
+    : bookmarks_(std::make_shared<KeyloftBrowserKit::BookmarkStore>(bookmarksFile()))
+    , bookmarksMenu_(Menu::create("Bookmarks")) {}
+
+std::shared_ptr<AppDelegate> AppDelegate::create() {
+    struct Made : AppDelegate {};
+    return std::make_shared<Made>();
+}
+
+URL AppDelegate::bookmarksFile() {
+    return Platform::FileManager::defaultManager()
+        .applicationSupportDirectories()
+        .front()
+        .appendingPathComponent("Keyloft", true)
+        .appendingPathComponent("bookmarks.json", false);
+}
+
+void AppDelegate::applicationWillFinishLaunching() { Application::shared().setMainMenu(buildMainMenu()); }
+
+void AppDelegate::applicationDidFinishLaunching() {
+    if (controllers_.empty())
+        openTab(std::nullopt, nullptr, nullptr);
+    Application::shared().activateIgnoringOtherApps();
+}
+
+void AppDelegate::applicationOpenURLs(const std::vector<URL>& urls) {
+    for (const URL& url : urls) {
+        if (url.scheme() != "http" && url.scheme() != "https")
+            continue;
+        if (const auto tab = emptyTabInFront())
+            tab->load(url);
+        else
+            openTab(url, frontBrowserWindow(), nullptr);
+    }
+    Application::shared().activateIgnoringOtherApps();
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
+    if (!hasVisibleWindows)
+        openTab(std::nullopt, nullptr, nullptr);
+    return true;
+}
+
+void AppDelegate::perform(Action action, const Platform::ActionSender& /*sender*/) {
+    if (action == Action::newTab)
+        openTab(std::nullopt, frontBrowserWindow(), nullptr);
+}
+
+std::shared_ptr<BrowserWindowController>
+AppDelegate::openTab(const std::optional<URL>& url, const std::shared_ptr<Window>& window,
+                     const std::shared_ptr<Platform::WebViewConfiguration>& configuration) {
+    const auto controller = BrowserWindowController::create(bookmarks_, configuration);
+    const std::weak_ptr<AppDelegate> weakSelf = weak_from_this();
+    const std::weak_ptr<BrowserWindowController> weakController = controller;
+    controller->onClose = [weakSelf, weakController] {
+        if (const auto self = weakSelf.lock())
+            std::erase(self->controllers_, weakController.lock());
+    };
+    controller->onNewTab =
+        [weakSelf, weakController](
+            const std::optional<URL>& newURL,
+            const std::shared_ptr<Platform::WebViewConfiguration>& newConfiguration)
+        -> std::shared_ptr<BrowserWindowController> {
+        const auto self = weakSelf.lock();
+        if (!self)
+            return nullptr;
+        const auto opener = weakController.lock();
+        return self->openTab(newURL, opener ? opener->window() : nullptr, newConfiguration);
+    };
+    controllers_.push_back(controller);
+
+    if (window)
+        window->addTabbedWindow(controller->window());
+    controller->showWindow();
+    controller->window()->makeKeyAndOrderFront();
+    if (url)
+        controller->load(*url);
+    else
+        controller->addressField()->selectText();
+    return controller;
+}
+
+std::shared_ptr<Window> AppDelegate::frontBrowserWindow() const {
+    const auto mainWindow = Application::shared().mainWindow();
+    const auto front = std::ranges::find_if(
+        controllers_, [&](const auto& controller) { return mainWindow && controller->window() == mainWindow; });
+    if (front != controllers_.end())
+        return (*front)->window();
+    return controllers_.empty() ? nullptr : controllers_.back()->window();
+}
+
+std::shared_ptr<BrowserWindowController> AppDelegate::emptyTabInFront() const {
+    const auto front = frontBrowserWindow();
+    const auto tab = std::ranges::find_if(controllers_, [&](const auto& controller) {
+        return controller->window() == front && controller->isEmptyTab();
+    });
+    return tab == controllers_.end() ? nullptr : *tab;
+}
+
+void AppDelegate::menuNeedsUpdate(Menu& menu) {
+    menu.removeAllItems();
+    addItem(menu, "Add Bookmark", Action::toggleBookmark, "d");
+    addSeparator(menu);
+    for (const auto& bookmark : bookmarks_->bookmarks()) {
+        const auto item = MenuItem::create(bookmark.title, Action::openBookmark);
+        item->setRepresentedURL(bookmark.url);
+        menu.addItem(item);
+    }
+}
+
+std::shared_ptr<Menu> AppDelegate::buildMainMenu() {
+    const auto mainMenu = Menu::create();
+
+    const auto application = addMenu(*mainMenu, "Keyloft", Menu::create());
+    addItem(*application, "About Keyloft", Action::orderFrontStandardAboutPanel);
+    addSeparator(*application);
+    addItem(*application, "Hide Keyloft", Action::hide, "h");
+    const auto hideOthers = MenuItem::create("Hide Others", Action::hideOtherApplications, "h");
+    hideOthers->setKeyEquivalentModifiers(Platform::ModifierFlags::optionCommand);
+    application->addItem(hideOthers);
+    addItem(*application, "Show All", Action::unhideAllApplications);
+    addSeparator(*application);
+    addItem(*application, "Quit Keyloft", Action::terminate, "q");
+
+    const auto file = addMenu(*mainMenu, "File");
+    addItem(*file, "New Tab", Action::newTab, "t");
+    addItem(*file, "Open Location…", Action::focusAddressBar, "l");
+    addSeparator(*file);
+    addItem(*file, "Close Tab", Action::performClose, "w");
+
+    const auto edit = addMenu(*mainMenu, "Edit");
+    addItem(*edit, "Undo", Action::undo, "z");
+    addItem(*edit, "Redo", Action::redo, "Z");
+    addSeparator(*edit);
+    addItem(*edit, "Cut", Action::cut, "x");
+    addItem(*edit, "Copy", Action::copy, "c");
+    addItem(*edit, "Paste", Action::paste, "v");
+    addItem(*edit, "Select All", Action::selectAll, "a");
+
+    const auto view = addMenu(*mainMenu, "View");
+    addItem(*view, "Reload Page", Action::reload, "r");
+    addItem(*view, "Stop", Action::stopLoading, ".");
+
+    const auto history = addMenu(*mainMenu, "History");
+    addItem(*history, "Back", Action::goBack, "[");
+    addItem(*history, "Forward", Action::goForward, "]");
+
+    addMenu(*mainMenu, "Bookmarks", bookmarksMenu_);
+    bookmarksMenu_->setDelegate(weak_from_this());
+
+    const auto window = addMenu(*mainMenu, "Window");
+    addItem(*window, "Minimize", Action::performMiniaturize, "m");
+    addItem(*window, "Zoom", Action::performZoom);
+    addSeparator(*window);
+    addItem(*window, "Show Previous Tab", Action::selectPreviousTab, "{");
+    addItem(*window, "Show Next Tab", Action::selectNextTab, "}");
+    addSeparator(*window);
+    addItem(*window, "Bring All to Front", Action::arrangeInFront);
+    Application::shared().setWindowsMenu(window);
+
+    return mainMenu;
+}
+
+} // namespace Keyloft

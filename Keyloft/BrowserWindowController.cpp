@@ -1,0 +1,494 @@
+#include "Keyloft/BrowserWindowController.h"
+
+#include "KeyloftBrowserKit/AddressInput.h"
+#include "Platform/AppKit/Alert.h"
+#include "Platform/AppKit/Box.h"
+#include "Platform/AppKit/LayoutConstraint.h"
+#include "Platform/AppKit/Menu.h"
+
+#include <utility>
+
+namespace Keyloft {
+
+using KeyloftBrowserKit::AddressInput;
+using KeyloftBrowserKit::Bookmark;
+using KeyloftBrowserKit::BookmarkStore;
+using Platform::Action;
+using Platform::ActionSender;
+using Platform::Alert;
+using Platform::Button;
+using Platform::Image;
+using Platform::LayoutAttribute;
+using Platform::LayoutConstraint;
+using Platform::Orientation;
+using Platform::StackView;
+using Platform::URL;
+using Platform::WebView;
+using Platform::Window;
+
+namespace {
+
+constexpr const char* tabbingIdentifier = "velde.orvane.keyloft.browser";
+constexpr const char* untitled = "New Tab";
+constexpr double requestTimeout = 60;
+
+const Image reloadImage{"arrow.clockwise", "Reload"};
+const Image stopImage{"xmark", "Stop"};
+const Image addBookmarkImage{"bookmark", "Bookmark this page"};
+const Image removeBookmarkImage{"bookmark.fill", "Remove bookmark"};
+
+void configureToolbarButton(Button& button, const Image& image, const std::weak_ptr<Platform::Responder>& target,
+                            Action action) {
+    button.setImage(image);
+    button.setBezelStyle(Button::BezelStyle::texturedRounded);
+    button.setBordered(true);
+    button.setTarget(target, action);
+    button.setToolTip(image.accessibilityDescription);
+}
+
+/// Who speaks in a script panel: the frame's host, or what kind of panel it is.
+std::string panelTitle(const Platform::FrameInfo& frame, const char* fallback) {
+    return (frame.url ? frame.url->host() : std::nullopt).value_or(fallback);
+}
+
+} // namespace
+
+BrowserWindowController::BrowserWindowController(
+    std::shared_ptr<BookmarkStore> bookmarks, const std::shared_ptr<Platform::WebViewConfiguration>& configuration)
+    : WindowController("BrowserWindowController")
+    , bookmarks_(std::move(bookmarks))
+    , backButton_(Button::create())
+    , forwardButton_(Button::create())
+    , reloadButton_(Button::create())
+    , addressField_(Platform::TextField::create())
+    , searchField_(Platform::SearchField::create())
+    , bookmarkButton_(Button::create())
+    , bookmarksBar_(StackView::create(Orientation::horizontal))
+    , progressBar_(ProgressBar::create()) {
+    // All tabs and pop-ups share cookies and storage.
+    configuration->setWebsiteDataStore(Platform::WebsiteDataStore::defaultStore);
+    webView_ = WebView::create(configuration);
+}
+
+std::shared_ptr<BrowserWindowController>
+BrowserWindowController::create(std::shared_ptr<BookmarkStore> bookmarks,
+                                std::shared_ptr<Platform::WebViewConfiguration> configuration) {
+    struct Made : BrowserWindowController {
+        Made(std::shared_ptr<BookmarkStore> bookmarks,
+             const std::shared_ptr<Platform::WebViewConfiguration>& configuration)
+            : BrowserWindowController(std::move(bookmarks), configuration) {}
+    };
+    if (!configuration)
+        configuration = Platform::WebViewConfiguration::create();
+    auto controller = std::make_shared<Made>(std::move(bookmarks), configuration);
+    controller->assemble();
+    return controller;
+}
+
+void BrowserWindowController::assemble() {
+    const auto self = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
+    const auto window =
+        Window::create({.width = 1100, .height = 760}, {.closable = true, .miniaturizable = true, .resizable = true});
+    window->setTabbingIdentifier(tabbingIdentifier);
+    window->setMinSize({.width = 480, .height = 320});
+    window->setTitle(untitled);
+    window->center();
+    window->setFrameAutosaveName("BrowserWindow");
+    setWindow(window);
+    window->setDelegate(self);
+
+    buildContent();
+    observeWebView();
+    bookmarksObservation_ = Platform::NotificationCenter::defaultCenter().addObserver(
+        BookmarkStore::didChange, bookmarks_.get(),
+        [weak = std::weak_ptr(self)](const Platform::Notification& /*notification*/) {
+            if (const auto controller = weak.lock())
+                controller->rebuildBookmarksBar();
+        });
+}
+
+void BrowserWindowController::buildContent() {
+    const auto self = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
+    const auto toolbar = buildToolbar();
+
+    bookmarksBar_->setAlignment(StackView::Alignment::centerY);
+    bookmarksBar_->setSpacing(2);
+    bookmarksBar_->setEdgeInsets({.top = 0, .left = 8, .bottom = 4, .right = 8});
+    bookmarksBar_->setAccessibilityLabel("Bookmarks bar");
+    rebuildBookmarksBar();
+
+    const auto separator = Platform::Box::createSeparator();
+
+    webView_->setNavigationDelegate(self);
+    webView_->setUIDelegate(self);
+    webView_->setAllowsBackForwardNavigationGestures(true);
+    webView_->setContentHuggingPriority(1, Orientation::vertical);
+
+    const auto column = StackView::create(Orientation::vertical);
+    column->setAlignment(StackView::Alignment::leading);
+    column->setSpacing(0);
+    const std::shared_ptr<Platform::View> rows[] = {toolbar, bookmarksBar_, separator, progressBar_, webView_};
+    for (const auto& row : rows)
+        column->addArrangedSubview(row);
+    window()->contentView()->addSubview(column);
+
+    std::vector<LayoutConstraint> constraints = {
+        LayoutConstraint::equalToSuperview(column, LayoutAttribute::top),
+        LayoutConstraint::equalToSuperview(column, LayoutAttribute::leading),
+        LayoutConstraint::equalToSuperview(column, LayoutAttribute::trailing),
+        LayoutConstraint::equalToSuperview(column, LayoutAttribute::bottom),
+        LayoutConstraint::equalTo(progressBar_, LayoutAttribute::height, 2),
+        LayoutConstraint::equalTo(searchField_, LayoutAttribute::width, 220),
+    };
+    for (const auto& row : rows)
+        constraints.push_back(LayoutConstraint::equalToSuperview(row, LayoutAttribute::width));
+    LayoutConstraint::activate(constraints);
+}
+
+std::shared_ptr<StackView> BrowserWindowController::buildToolbar() {
+    const auto self = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
+    configureToolbarButton(*backButton_, {"chevron.left", "Back"}, self, Action::goBack);
+    configureToolbarButton(*forwardButton_, {"chevron.right", "Forward"}, self, Action::goForward);
+    configureToolbarButton(*reloadButton_, reloadImage, self, Action::reload);
+    configureToolbarButton(*bookmarkButton_, addBookmarkImage, self, Action::toggleBookmark);
+    backButton_->setEnabled(false);
+    forwardButton_->setEnabled(false);
+
+    addressField_->setPlaceholder("Enter a URL or search");
+    addressField_->setFont({14});
+    addressField_->setDelegate(self);
+    addressField_->setTarget(self, Action::navigateFromAddressField);
+    addressField_->setAccessibilityLabel("Address");
+    addressField_->setContentHuggingPriority(1, Orientation::horizontal);
+    addressField_->setContentCompressionResistancePriority(1, Orientation::horizontal);
+
+    searchField_->setPlaceholder("Search DuckDuckGo");
+    searchField_->setTarget(self, Action::searchFromSearchField);
+    searchField_->setAccessibilityLabel("Search DuckDuckGo");
+
+    auto toolbar = StackView::create(Orientation::horizontal);
+    toolbar->setSpacing(6);
+    toolbar->setEdgeInsets({.top = 8, .left = 10, .bottom = 6, .right = 10});
+    toolbar->setHuggingPriority(Platform::LayoutPriorities::defaultLow, Orientation::horizontal);
+    const std::shared_ptr<Platform::View> controls[] = {backButton_,   forwardButton_,  reloadButton_,
+                                                        addressField_, bookmarkButton_, searchField_};
+    for (const auto& control : controls)
+        toolbar->addArrangedSubview(control);
+    return toolbar;
+}
+
+void BrowserWindowController::observeWebView() {
+    using Property = WebView::Property;
+    observe(Property::title, &BrowserWindowController::titleChanged);
+    observe(Property::url, &BrowserWindowController::urlChanged);
+    observe(Property::canGoBack, &BrowserWindowController::canGoBackChanged);
+    observe(Property::canGoForward, &BrowserWindowController::canGoForwardChanged);
+    observe(Property::estimatedProgress, &BrowserWindowController::progressChanged);
+    observe(Property::isLoading, &BrowserWindowController::loadingChanged);
+}
+
+void BrowserWindowController::observe(WebView::Property property, void (BrowserWindowController::*changed)()) {
+    const std::weak_ptr weak = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
+    observations_.push_back(webView_->observe(property, [weak, changed] {
+        if (const auto controller = weak.lock())
+            (controller.get()->*changed)();
+    }));
+}
+
+void BrowserWindowController::titleChanged() { updateWindowTitle(); }
+
+void BrowserWindowController::urlChanged() {
+    if (!isEditingAddress_)
+        showURLInAddressField();
+    updateWindowTitle();
+    updateBookmarkButton();
+}
+
+void BrowserWindowController::canGoBackChanged() { backButton_->setEnabled(webView_->canGoBack()); }
+
+void BrowserWindowController::canGoForwardChanged() { forwardButton_->setEnabled(webView_->canGoForward()); }
+
+void BrowserWindowController::progressChanged() {
+    progressBar_->setProgress(webView_->estimatedProgress());
+    progressBar_->setNeedsLayout();
+}
+
+void BrowserWindowController::loadingChanged() {
+    const bool loading = webView_->isLoading();
+    progressBar_->setActive(loading);
+    progressBar_->fill()->setHidden(!loading);
+    progressBar_->setNeedsLayout();
+    reloadButton_->setImage(loading ? stopImage : reloadImage);
+}
+
+void BrowserWindowController::updateWindowTitle() {
+    if (!window())
+        return;
+    if (const auto title = pageTitle()) {
+        window()->setTitle(*title);
+        return;
+    }
+    const auto url = pageURL();
+    window()->setTitle((url ? url->host() : std::nullopt).value_or(untitled));
+}
+
+void BrowserWindowController::updateBookmarkButton() {
+    bookmarkButton_->setImage(isBookmarked() ? removeBookmarkImage : addBookmarkImage);
+}
+
+void BrowserWindowController::showURLInAddressField() {
+    const auto url = pageURL();
+    addressField_->setStringValue(url ? url->absoluteString() : "");
+}
+
+std::optional<URL> BrowserWindowController::pageURL() const {
+    auto url = webView_->url();
+    if (url && url->absoluteString() == "about:blank")
+        return std::nullopt;
+    return url;
+}
+
+std::optional<std::string> BrowserWindowController::pageTitle() const {
+    auto title = webView_->title();
+    if (title && title->empty())
+        return std::nullopt;
+    return title;
+}
+
+bool BrowserWindowController::isBookmarked() const {
+    const auto url = pageURL();
+    return url && bookmarks_->contains(*url);
+}
+
+bool BrowserWindowController::isEmptyTab() const { return !webView_->url() && !webView_->isLoading(); }
+
+void BrowserWindowController::load(const URL& url) {
+    webView_->load({.url = url, .timeoutInterval = requestTimeout});
+    window()->makeFirstResponder(webView_);
+}
+
+void BrowserWindowController::controlTextDidBeginEditing(Platform::TextField& /*field*/) { isEditingAddress_ = true; }
+
+void BrowserWindowController::controlTextDidEndEditing(Platform::TextField& /*field*/,
+                                                       Platform::TextMovement movement) {
+    isEditingAddress_ = false;
+    // After Return the field's action navigates.
+    if (movement != Platform::TextMovement::returnKey)
+        showURLInAddressField();
+}
+
+void BrowserWindowController::focusAddressBar() { addressField_->selectText(); }
+
+void BrowserWindowController::navigateFromAddressField() {
+    if (const auto url = AddressInput::resolve(addressField_->stringValue()))
+        load(*url);
+}
+
+void BrowserWindowController::searchFromSearchField() {
+    if (const auto url = AddressInput::search(searchField_->stringValue()))
+        load(*url);
+}
+
+void BrowserWindowController::goBack() { webView_->goBack(); }
+
+void BrowserWindowController::goForward() { webView_->goForward(); }
+
+void BrowserWindowController::stopLoading() { webView_->stopLoading(); }
+
+void BrowserWindowController::reload(const ActionSender& sender) {
+    // The button is a stop button while the page loads; menu and key always reload.
+    if (webView_->isLoading() && sender.control == reloadButton_.get())
+        webView_->stopLoading();
+    else if (!webView_->url())
+        navigateFromAddressField();
+    else
+        webView_->reload();
+}
+
+void BrowserWindowController::toggleBookmark() {
+    const auto url = pageURL();
+    if (!url)
+        return;
+    if (isBookmarked()) {
+        bookmarks_->remove(*url);
+        return;
+    }
+    auto title = pageTitle();
+    if (!title)
+        title = url->host();
+    bookmarks_->add({.title = title.value_or(url->absoluteString()), .url = *url});
+}
+
+void BrowserWindowController::openBookmark(const ActionSender& sender) {
+    std::optional<URL> url;
+    if (sender.menuItem)
+        url = sender.menuItem->representedURL();
+    else if (sender.control)
+        url = sender.control->representedURL();
+    if (url)
+        load(*url);
+}
+
+void BrowserWindowController::newWindowForTab() {
+    if (onNewTab)
+        onNewTab(std::nullopt, nullptr);
+}
+
+void BrowserWindowController::rebuildBookmarksBar() {
+    const auto self = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
+    const auto shown = bookmarksBar_->arrangedSubviews();
+    for (const auto& view : shown)
+        view->removeFromSuperview();
+    for (const Bookmark& bookmark : bookmarks_->bookmarks()) {
+        const auto button = Button::create(bookmark.title, self, Action::openBookmark);
+        button->setBezelStyle(Button::BezelStyle::recessed);
+        button->setBordered(false);
+        button->setFont({12});
+        button->setToolTip(bookmark.url.absoluteString());
+        button->setRepresentedURL(bookmark.url);
+        bookmarksBar_->addArrangedSubview(button);
+    }
+    // Takes what room is left, so that the buttons stay at the leading edge.
+    bookmarksBar_->addArrangedSubview(Platform::View::create());
+    updateBookmarkButton();
+}
+
+bool BrowserWindowController::respondsTo(Action action) const {
+    switch (action) {
+    case Action::focusAddressBar:
+    case Action::navigateFromAddressField:
+    case Action::searchFromSearchField:
+    case Action::goBack:
+    case Action::goForward:
+    case Action::stopLoading:
+    case Action::reload:
+    case Action::toggleBookmark:
+    case Action::openBookmark:
+    case Action::newWindowForTab:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void BrowserWindowController::perform(Action action, const ActionSender& sender) {
+    switch (action) {
+    case Action::focusAddressBar:
+        focusAddressBar();
+        break;
+    case Action::navigateFromAddressField:
+        navigateFromAddressField();
+        break;
+    case Action::searchFromSearchField:
+        searchFromSearchField();
+        break;
+    case Action::goBack:
+        goBack();
+        break;
+    case Action::goForward:
+        goForward();
+        break;
+    case Action::stopLoading:
+        stopLoading();
+        break;
+    case Action::reload:
+        reload(sender);
+        break;
+    case Action::toggleBookmark:
+        toggleBookmark();
+        break;
+    case Action::openBookmark:
+        openBookmark(sender);
+        break;
+    case Action::newWindowForTab:
+        newWindowForTab();
+        break;
+    default:
+        break;
+    }
+}
+
+bool BrowserWindowController::validateMenuItem(Platform::MenuItem& item) {
+    switch (item.action().value_or(Action::reload)) {
+    case Action::goBack:
+        return webView_->canGoBack();
+    case Action::goForward:
+        return webView_->canGoForward();
+    case Action::stopLoading:
+        return webView_->isLoading();
+    case Action::toggleBookmark:
+        item.setTitle(isBookmarked() ? "Remove Bookmark" : "Add Bookmark");
+        return pageURL().has_value();
+    default:
+        return true;
+    }
+}
+
+void BrowserWindowController::windowWillClose(Window& /*window*/) {
+    observations_.clear();
+    bookmarksObservation_.reset();
+    if (onClose)
+        onClose();
+}
+
+void BrowserWindowController::didFailNavigation(WebView& /*webView*/, const Platform::Error& error) {
+    showLoadError(error);
+}
+
+void BrowserWindowController::didFailProvisionalNavigation(WebView& /*webView*/, const Platform::Error& error) {
+    showLoadError(error);
+}
+
+void BrowserWindowController::showLoadError(const Platform::Error& error) {
+    // A new navigation replaced the old one, or the page turned into something that is not shown: nothing went wrong.
+    if (error.domain == Platform::Error::urlDomain && error.code == Platform::Error::urlCancelled)
+        return;
+    if (error.domain == Platform::Error::webKitDomain && error.code == Platform::Error::webKitFrameLoadInterrupted)
+        return;
+    std::string address;
+    if (error.failingURL)
+        address = *error.failingURL;
+    else if (const auto url = webView_->url())
+        address = url->absoluteString();
+
+    const Alert alert{.style = Alert::Style::warning,
+                      .messageText = "Keyloft can't open the page",
+                      .informativeText = error.localizedDescription + "\n" + address,
+                      .buttonTitles = {}};
+    if (window())
+        alert.beginSheetModal(window(), nullptr);
+    else
+        alert.runModal();
+}
+
+std::shared_ptr<WebView>
+BrowserWindowController::createWebView(WebView& /*webView*/,
+                                       const std::shared_ptr<Platform::WebViewConfiguration>& configuration,
+                                       const Platform::NavigationAction& /*action*/) {
+    const auto controller = onNewTab ? onNewTab(std::nullopt, configuration) : nullptr;
+    return controller ? controller->webView() : nullptr;
+}
+
+void BrowserWindowController::runJavaScriptAlertPanel(WebView& /*webView*/, const std::string& message,
+                                                      const Platform::FrameInfo& frame,
+                                                      std::function<void()> completion) {
+    const Alert alert{.style = Alert::Style::informational,
+                      .messageText = panelTitle(frame, "Alert"),
+                      .informativeText = message,
+                      .buttonTitles = {}};
+    alert.beginSheetModal(window(), [completion = std::move(completion)](std::size_t /*button*/) { completion(); });
+}
+
+void BrowserWindowController::runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& message,
+                                                        const Platform::FrameInfo& frame,
+                                                        std::function<void(bool)> completion) {
+    const Alert alert{.style = Alert::Style::informational,
+                      .messageText = panelTitle(frame, "Confirm"),
+                      .informativeText = message,
+                      .buttonTitles = {"OK", "Cancel"}};
+    alert.beginSheetModal(window(), [completion = std::move(completion)](std::size_t button) {
+        completion(button == Alert::firstButton);
+    });
+}
+
+} // namespace Keyloft

@@ -1,0 +1,134 @@
+#pragma once
+
+#include "Keyloft/ProgressBar.h"
+#include "KeyloftBrowserKit/BookmarkStore.h"
+#include "Platform/AppKit/Button.h"
+#include "Platform/AppKit/SearchField.h"
+#include "Platform/AppKit/StackView.h"
+#include "Platform/AppKit/TextField.h"
+#include "Platform/AppKit/WindowController.h"
+#include "Platform/Foundation/Observation.h"
+#include "Platform/Foundation/URL.h"
+#include "Platform/WebKit/WebView.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Keyloft {
+
+/// One browser tab: a window with its controls and its page. Lives while its window is open.
+class BrowserWindowController : public Platform::WindowController,
+                                public Platform::WindowDelegate,
+                                public Platform::TextFieldDelegate,
+                                public Platform::NavigationDelegate,
+                                public Platform::UIDelegate {
+public:
+    /// `configuration` is the engine's for a page's new window; without one the tab makes its own.
+    static std::shared_ptr<BrowserWindowController>
+    create(std::shared_ptr<KeyloftBrowserKit::BookmarkStore> bookmarks,
+           std::shared_ptr<Platform::WebViewConfiguration> configuration);
+
+    /// The window is about to close.
+    std::function<void()> onClose;
+    /// Opens a tab in this controller's window and returns it, or nothing where that cannot be.
+    std::function<std::shared_ptr<BrowserWindowController>(
+        const std::optional<Platform::URL>& url, const std::shared_ptr<Platform::WebViewConfiguration>& configuration)>
+        onNewTab;
+
+    void load(const Platform::URL& url);
+
+    /// The page's URL; "about:blank" counts as no page.
+    std::optional<Platform::URL> pageURL() const;
+    /// The page's title unless it is empty.
+    std::optional<std::string> pageTitle() const;
+    bool isBookmarked() const;
+    /// Nothing was ever loaded here and nothing is loading. A tab that shows "about:blank" is not empty.
+    bool isEmptyTab() const;
+    /// True from the first change that the user makes in the address field to the end of that edit.
+    bool isEditingAddress() const { return isEditingAddress_; }
+
+    const std::shared_ptr<Platform::WebView>& webView() const { return webView_; }
+    const std::shared_ptr<Platform::Button>& backButton() const { return backButton_; }
+    const std::shared_ptr<Platform::Button>& forwardButton() const { return forwardButton_; }
+    const std::shared_ptr<Platform::Button>& reloadButton() const { return reloadButton_; }
+    const std::shared_ptr<Platform::TextField>& addressField() const { return addressField_; }
+    const std::shared_ptr<Platform::Button>& bookmarkButton() const { return bookmarkButton_; }
+    const std::shared_ptr<Platform::SearchField>& searchField() const { return searchField_; }
+    const std::shared_ptr<Platform::StackView>& bookmarksBar() const { return bookmarksBar_; }
+    const std::shared_ptr<ProgressBar>& progressBar() const { return progressBar_; }
+
+    void focusAddressBar();
+    void navigateFromAddressField();
+    void searchFromSearchField();
+    void goBack();
+    void goForward();
+    void stopLoading();
+    void reload(const Platform::ActionSender& sender);
+    void toggleBookmark();
+    void openBookmark(const Platform::ActionSender& sender);
+    void newWindowForTab();
+    void rebuildBookmarksBar();
+
+    bool respondsTo(Platform::Action action) const override;
+    void perform(Platform::Action action, const Platform::ActionSender& sender) override;
+    bool validateMenuItem(Platform::MenuItem& item) override;
+
+    void controlTextDidBeginEditing(Platform::TextField& field) override;
+    void controlTextDidEndEditing(Platform::TextField& field, Platform::TextMovement movement) override;
+
+    void windowWillClose(Platform::Window& window) override;
+
+    void didFailNavigation(Platform::WebView& webView, const Platform::Error& error) override;
+    void didFailProvisionalNavigation(Platform::WebView& webView, const Platform::Error& error) override;
+
+    std::shared_ptr<Platform::WebView>
+    createWebView(Platform::WebView& webView, const std::shared_ptr<Platform::WebViewConfiguration>& configuration,
+                  const Platform::NavigationAction& action) override;
+    void runJavaScriptAlertPanel(Platform::WebView& webView, const std::string& message,
+                                 const Platform::FrameInfo& frame, std::function<void()> completion) override;
+    void runJavaScriptConfirmPanel(Platform::WebView& webView, const std::string& message,
+                                   const Platform::FrameInfo& frame, std::function<void(bool)> completion) override;
+
+protected:
+    BrowserWindowController(std::shared_ptr<KeyloftBrowserKit::BookmarkStore> bookmarks,
+                            const std::shared_ptr<Platform::WebViewConfiguration>& configuration);
+
+private:
+    /// What needs the controller to be held already: delegates, targets, observations.
+    void assemble();
+    void buildContent();
+    std::shared_ptr<Platform::StackView> buildToolbar();
+    void observeWebView();
+    void observe(Platform::WebView::Property property, void (BrowserWindowController::*changed)());
+
+    void titleChanged();
+    void urlChanged();
+    void canGoBackChanged();
+    void canGoForwardChanged();
+    void progressChanged();
+    void loadingChanged();
+
+    void updateWindowTitle();
+    void updateBookmarkButton();
+    void showURLInAddressField();
+    void showLoadError(const Platform::Error& error);
+
+    std::shared_ptr<KeyloftBrowserKit::BookmarkStore> bookmarks_;
+    std::shared_ptr<Platform::WebView> webView_;
+    std::shared_ptr<Platform::Button> backButton_;
+    std::shared_ptr<Platform::Button> forwardButton_;
+    std::shared_ptr<Platform::Button> reloadButton_;
+    std::shared_ptr<Platform::TextField> addressField_;
+    std::shared_ptr<Platform::SearchField> searchField_;
+    std::shared_ptr<Platform::Button> bookmarkButton_;
+    std::shared_ptr<Platform::StackView> bookmarksBar_;
+    std::shared_ptr<ProgressBar> progressBar_;
+    std::vector<Platform::Observation> observations_;
+    Platform::Observation bookmarksObservation_;
+    bool isEditingAddress_ = false;
+};
+
+} // namespace Keyloft

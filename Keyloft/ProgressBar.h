@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Platform/AppKit/View.h"
+
+#include <memory>
+
+namespace Keyloft {
+
+/// The thin line that shows how far a page has loaded: its filled part covers `progress` of its width.
+class ProgressBar : public Platform::View {
+public:
+    static std::shared_ptr<ProgressBar> create();
+
+    const std::shared_ptr<Platform::View>& fill() const { return fill_; }
+
+    /// 0 to 1, taken as it is: neither clamped nor animated. Shown after the next layout.
+    double progress() const { return progress_; }
+    void setProgress(double progress) { progress_ = progress; }
+
+    /// Whether the page is loading.
+    bool isActive() const { return active_; }
+    void setActive(bool active) { active_ = active; }
+
+    void layout() override;
+
+protected:
+    ProgressBar() = default;
+
+private:
+    std::shared_ptr<Platform::View> fill_ = Platform::View::create();
+    double progress_ = 0;
+    bool active_ = false;
+};
+
+} // namespace Keyloft

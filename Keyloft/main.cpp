@@ -1,0 +1,19 @@
+#include "Keyloft/AppDelegate.h"
+#include "Platform/AppKit/Application.h"
+
+#include <memory>
+
+namespace {
+
+// The application holds its delegate weakly.
+std::shared_ptr<Keyloft::AppDelegate> delegate;
+
+} // namespace
+
+int main(int argc, char** argv) {
+    auto& application = Platform::Application::shared();
+    delegate = Keyloft::AppDelegate::create();
+    application.setDelegate(delegate);
+    application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
+    return application.run(argc, argv);
+}

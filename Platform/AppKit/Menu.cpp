@@ -1,0 +1,28 @@
+#include "Platform/AppKit/Menu.h"
+
+namespace Platform {
+
+std::shared_ptr<MenuItem> MenuItem::create(const std::string& title, std::optional<Action> action,
+                                           const std::string& keyEquivalent) {
+    struct Made : MenuItem {};
+    auto item = std::make_shared<Made>();
+    item->title_ = title;
+    item->action_ = action;
+    item->keyEquivalent_ = keyEquivalent;
+    return item;
+}
+
+std::shared_ptr<MenuItem> MenuItem::createSeparator() {
+    auto item = create("", std::nullopt);
+    item->separator_ = true;
+    return item;
+}
+
+std::shared_ptr<Menu> Menu::create(const std::string& title) {
+    struct Made : Menu {};
+    auto menu = std::make_shared<Made>();
+    menu->title_ = title;
+    return menu;
+}
+
+} // namespace Platform

@@ -1,0 +1,214 @@
+#include "Platform/AppKit/Application.h"
+
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/WindowController.h"
+#include "Platform/AppKit/linux/Acceleration.h"
+#include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/Style.h"
+#include "Platform/AppKit/linux/TabHost.h"
+
+#include <adwaita.h>
+
+#include <algorithm>
+#include <span>
+
+namespace Platform {
+
+namespace {
+
+/// The arguments that are URLs with a scheme, exactly as given.
+std::vector<URL> urlsOf(std::span<char* const> arguments) {
+    std::vector<URL> urls;
+    for (const char* argument : arguments) {
+        if (auto url = URL::fromString(argument); url && url->scheme())
+            urls.push_back(std::move(*url));
+    }
+    return urls;
+}
+
+} // namespace
+
+Application& Application::shared() {
+    struct Made : Application {};
+    static Made application;
+    return application;
+}
+
+Application::Application()
+    : native_(std::make_unique<Native>()) {
+    assertMainThread("Application::shared");
+    chooseAcceleration();
+    // What is handed over is text: as a command line it arrives untouched, where a list of files would be
+    // rewritten.
+    native_->application = GObjectPtr<GtkApplication>::adopt(
+        gtk_application_new(identifier, G_APPLICATION_HANDLES_COMMAND_LINE));
+}
+
+Application::~Application() = default;
+
+// Every program with windows is one here.
+void Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
+
+void Application::setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate) { delegate_ = delegate; }
+
+int Application::run(int argc, char** argv) {
+    auto& connections = native_->connections;
+    GtkApplication* application = native_->gtk();
+    connections.emplace_back(application, "startup",
+                             G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
+                                 auto* app = static_cast<Application*>(self);
+                                 app->prepare();
+                                 g_application_hold(G_APPLICATION(app->native_->gtk()));
+                                 if (const auto delegate = app->delegate_.lock())
+                                     delegate->applicationWillFinishLaunching();
+                             }),
+                             this);
+    connections.emplace_back(application, "activate",
+                             G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
+                                 static_cast<Application*>(self)->wasStarted({});
+                             }),
+                             this);
+    connections.emplace_back(application, "command-line", G_CALLBACK(Native::handleCommandLine), this);
+    const int status = g_application_run(G_APPLICATION(application), argc, argv);
+    connections.clear();
+    return status;
+}
+
+int Application::Native::handleCommandLine(GApplication* /*application*/, GApplicationCommandLine* line,
+                                           gpointer self) {
+    int count = 0;
+    const std::unique_ptr<char*, decltype(&g_strfreev)> arguments(
+        g_application_command_line_get_arguments(line, &count), &g_strfreev);
+    const std::span<char* const> all(arguments.get(), static_cast<std::size_t>(count));
+    static_cast<Application*>(self)->wasStarted(urlsOf(all.subspan(all.empty() ? 0 : 1)));
+    return 0;
+}
+
+void Application::prepare() {
+    adw_init();
+    installStyle();
+}
+
+void Application::wasStarted(const std::vector<URL>& urls) {
+    const auto delegate = delegate_.lock();
+    if (!delegate)
+        return;
+    if (!urls.empty())
+        delegate->applicationOpenURLs(urls);
+    if (!native_->finishedLaunching) {
+        native_->finishedLaunching = true;
+        delegate->applicationDidFinishLaunching();
+    } else if (urls.empty()) {
+        const bool visible = std::ranges::any_of(native_->hosts, [](const auto& host) {
+            return gtk_widget_get_visible(GTK_WIDGET(host->toplevel()));
+        });
+        if (delegate->applicationShouldHandleReopen(visible))
+            activateIgnoringOtherApps();
+    }
+}
+
+void Application::terminate() { g_application_quit(G_APPLICATION(native_->gtk())); }
+
+void Application::setMainMenu(const std::shared_ptr<Menu>& menu) { native_->mainMenu = menu; }
+
+void Application::setWindowsMenu(const std::shared_ptr<Menu>& menu) { windowsMenu_ = menu; }
+
+std::shared_ptr<Window> Application::mainWindow() const {
+    const auto host = native_->frontHost();
+    return host ? host->selectedWindow() : nullptr;
+}
+
+void Application::activateIgnoringOtherApps() {
+    if (const auto host = native_->frontHost())
+        gtk_window_present(host->toplevel());
+}
+
+bool Application::sendAction(Action action, const std::shared_ptr<Responder>& target,
+                             const ActionSender& sender) {
+    const auto receiver = target ? target : targetForAction(action);
+    if (!receiver || !receiver->respondsTo(action))
+        return false;
+    receiver->perform(action, sender);
+    return true;
+}
+
+std::shared_ptr<Responder> Application::targetForAction(Action action) const {
+    if (const auto window = mainWindow()) {
+        for (std::shared_ptr<View> view = window->firstResponder(); view; view = view->superview()) {
+            if (view->respondsTo(action))
+                return view;
+        }
+        if (window->respondsTo(action))
+            return window;
+        if (const auto controller = window->windowController(); controller && controller->respondsTo(action))
+            return controller;
+    }
+    if (respondsTo(action)) // the application lives as long as the process
+        return {std::shared_ptr<void>(), &Application::shared()};
+    if (const auto delegate = delegate_.lock(); delegate && delegate->respondsTo(action))
+        return delegate;
+    return nullptr;
+}
+
+bool Application::respondsTo(Action action) const {
+    switch (action) {
+    case Action::orderFrontStandardAboutPanel:
+    case Action::hide:
+    case Action::hideOtherApplications:
+    case Action::unhideAllApplications:
+    case Action::terminate:
+    case Action::arrangeInFront:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void Application::perform(Action action, const ActionSender& /*sender*/) {
+    const auto hosts = native_->hosts;
+    switch (action) {
+    case Action::orderFrontStandardAboutPanel: {
+        const auto host = native_->frontHost();
+        gtk_show_about_dialog(host ? host->toplevel() : nullptr, "program-name", displayName, "version",
+                              KEYLOFT_VERSION, "comments", "A small tabbed web browser", "logo-icon-name",
+                              "web-browser", nullptr);
+        break;
+    }
+    case Action::hide:
+        for (const auto& host : hosts)
+            gtk_window_minimize(host->toplevel());
+        break;
+    case Action::unhideAllApplications:
+    case Action::arrangeInFront:
+        for (const auto& host : hosts)
+            gtk_window_present(host->toplevel());
+        break;
+    case Action::terminate:
+        terminate();
+        break;
+    default:
+        break;
+    }
+}
+
+bool Application::validateMenuItem(MenuItem& item) {
+    // No desktop lets a program hide the windows of others.
+    return item.action() != Action::hideOtherApplications;
+}
+
+std::shared_ptr<TabHost> Application::Native::frontHost() const {
+    if (auto host = lastActive.lock())
+        return host;
+    return hosts.empty() ? nullptr : hosts.back();
+}
+
+void Application::Native::hostEmptied(const std::shared_ptr<TabHost>& host) {
+    std::erase(hosts, host);
+    const auto forget = [](gpointer data) -> gboolean {
+        const std::unique_ptr<std::shared_ptr<TabHost>> last(static_cast<std::shared_ptr<TabHost>*>(data));
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add(forget, std::make_unique<std::shared_ptr<TabHost>>(host).release());
+}
+
+} // namespace Platform

@@ -1,0 +1,85 @@
+#include "Platform/AppKit/Button.h"
+
+#include "Platform/AppKit/linux/Style.h"
+#include "Platform/AppKit/linux/ViewNative.h"
+
+namespace Platform {
+
+namespace {
+
+struct MadeButton : Button {};
+
+} // namespace
+
+std::shared_ptr<Button> Button::create() { return std::make_shared<MadeButton>(); }
+
+std::shared_ptr<Button> Button::create(const std::string& title, const std::weak_ptr<Responder>& target,
+                                       Action action) {
+    auto button = create();
+    button->title_ = title;
+    button->setTarget(target, action);
+    return button;
+}
+
+void Button::setImage(const Image& image) {
+    if (image_ == image)
+        return;
+    image_ = image;
+    if (Native* made = nativeIfMade())
+        applyImage(*made);
+}
+
+void Button::setBezelStyle(BezelStyle style) {
+    bezelStyle_ = style;
+    if (Native* made = nativeIfMade())
+        applyStyle(*made);
+}
+
+void Button::setBordered(bool bordered) {
+    bordered_ = bordered;
+    if (Native* made = nativeIfMade())
+        applyStyle(*made);
+}
+
+std::unique_ptr<View::Native> Button::makeNative() {
+    auto native = std::make_unique<Native>();
+    native->widget = GObjectPtr<GtkWidget>::retain(gtk_button_new());
+    GtkWidget* widget = native->widget.get();
+    if (image_)
+        applyImage(*native);
+    else
+        gtk_button_set_label(GTK_BUTTON(widget), title_.c_str());
+    applyStyle(*native);
+    if (font())
+        applyFont(*native);
+    gtk_widget_set_sensitive(widget, isEnabled());
+    gtk_widget_set_focus_on_click(widget, FALSE);
+    native->connections.emplace_back(widget, "clicked", G_CALLBACK(+[](GtkButton* /*button*/, gpointer self) {
+                                         static_cast<Button*>(self)->sendAction();
+                                     }),
+                                     this);
+    return native;
+}
+
+void Button::applyImage(Native& native) const {
+    gtk_button_set_icon_name(GTK_BUTTON(native.widget.get()), iconName(image_->symbolName));
+    gtk_accessible_update_property(GTK_ACCESSIBLE(native.widget.get()), GTK_ACCESSIBLE_PROPERTY_LABEL,
+                                   image_->accessibilityDescription.c_str(), -1);
+}
+
+void Button::applyStyle(Native& native) const {
+    GtkWidget* widget = native.widget.get();
+    gtk_button_set_has_frame(GTK_BUTTON(widget), bordered_);
+    if (bezelStyle_ == BezelStyle::recessed)
+        gtk_widget_add_css_class(widget, "keyloft-recessed");
+    else
+        gtk_widget_remove_css_class(widget, "keyloft-recessed");
+}
+
+void Button::applyFont(Native& native) {
+    GtkWidget* label = gtk_button_get_child(GTK_BUTTON(native.widget.get()));
+    if (GTK_IS_LABEL(label))
+        gtk_label_set_attributes(GTK_LABEL(label), fontAttributes(font()->systemFontSize));
+}
+
+} // namespace Platform

@@ -1,0 +1,34 @@
+#include "Platform/AppKit/Control.h"
+
+#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/linux/ViewNative.h"
+
+namespace Platform {
+
+Control::Control() { setContentHuggingPriority(LayoutPriorities::defaultHigh, Orientation::horizontal); }
+
+void Control::setEnabled(bool enabled) {
+    enabled_ = enabled;
+    if (Native* made = nativeIfMade())
+        gtk_widget_set_sensitive(made->widget.get(), enabled);
+}
+
+void Control::setFont(const Font& font) {
+    font_ = font;
+    if (Native* made = nativeIfMade())
+        applyFont(*made);
+}
+
+void Control::setTarget(const std::weak_ptr<Responder>& target, Action action) {
+    target_ = target;
+    action_ = action;
+}
+
+void Control::sendAction() {
+    if (!action_)
+        return;
+    const auto keptAlive = shared_from_this();
+    Application::shared().sendAction(*action_, target_.lock(), {.control = this});
+}
+
+} // namespace Platform

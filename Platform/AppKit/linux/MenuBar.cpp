@@ -1,0 +1,225 @@
+#include "Platform/AppKit/linux/MenuBar.h"
+
+#include "Platform/AppKit/Application.h"
+
+#include <cctype>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace Platform {
+
+namespace {
+
+constexpr const char* actionPrefix = "menu";
+
+bool isEditing(Action action) {
+    switch (action) {
+    case Action::undo:
+    case Action::redo:
+    case Action::cut:
+    case Action::copy:
+    case Action::paste:
+    case Action::selectAll:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The toolkit's text for the item's key, "<Control><Shift>braceleft".
+std::string accelerator(const MenuItem& item) {
+    static constexpr std::pair<char, std::string_view> signs[] = {
+        {'.', "period"},           {'[', "bracketleft"},       {']', "bracketright"},
+        {'{', "<Shift>braceleft"}, {'}', "<Shift>braceright"},
+    };
+    const char key = item.keyEquivalent().front();
+    std::string text = "<Control>";
+    if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand)
+        text.append("<Alt>");
+    for (const auto& [sign, name] : signs) {
+        if (sign == key)
+            return text.append(name);
+    }
+    if (std::isupper(static_cast<unsigned char>(key)))
+        text.append("<Shift>");
+    text.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(key))));
+    return text;
+}
+
+/// A label in which no underscore marks a mnemonic.
+std::string menuLabel(const std::string& title) {
+    std::string label;
+    for (const char c : title) {
+        label += c;
+        if (c == '_')
+            label += '_';
+    }
+    return label;
+}
+
+void update(Menu& menu) {
+    if (const auto delegate = menu.delegate())
+        delegate->menuNeedsUpdate(menu);
+}
+
+void send(const std::shared_ptr<MenuItem>& item) {
+    Application::shared().sendAction(*item->action(), nullptr, {.menuItem = item.get()});
+}
+
+} // namespace
+
+/// One menu of the bar and the toolkit's model of it.
+struct MenuBar::OpenMenu {
+    std::shared_ptr<MenuItem> top;
+    GObjectPtr<GMenu> model;
+    std::vector<std::shared_ptr<MenuItem>> items;
+    MenuBar* bar = nullptr;
+    std::string prefix;
+};
+
+struct MenuBar::KeyEquivalent {
+    std::shared_ptr<Menu> menu;
+    std::string key;
+    ModifierFlags modifiers = ModifierFlags::command;
+
+    /// The item that has the key now; a delegate may have made its menu's items anew.
+    std::shared_ptr<MenuItem> item() const {
+        update(*menu);
+        for (const auto& item : menu->items()) {
+            if (item->keyEquivalent() == key && item->keyEquivalentModifiers() == modifiers)
+                return item;
+        }
+        return nullptr;
+    }
+};
+
+bool validate(MenuItem& item) {
+    if (!item.action())
+        return false;
+    const auto target = Application::shared().targetForAction(*item.action());
+    return target && target->validateMenuItem(item);
+}
+
+MenuBar::MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu)
+    : mainMenu_(std::move(mainMenu))
+    , actions_(GObjectPtr<GSimpleActionGroup>::adopt(g_simple_action_group_new())) {
+    const auto model = GObjectPtr<GMenu>::adopt(g_menu_new());
+    for (const auto& top : mainMenu_->items()) {
+        auto menu = std::make_unique<OpenMenu>();
+        menu->top = top;
+        menu->model = GObjectPtr<GMenu>::adopt(g_menu_new());
+        menu->bar = this;
+        menu->prefix = std::to_string(menus_.size()) + "-";
+        g_menu_append_submenu(model.get(), menuLabel(top->title()).c_str(), G_MENU_MODEL(menu->model.get()));
+        menus_.push_back(std::move(menu));
+    }
+    bar_ = GObjectPtr<GtkWidget>::retain(gtk_popover_menu_bar_new_from_model(G_MENU_MODEL(model.get())));
+    gtk_widget_insert_action_group(toplevel, actionPrefix, G_ACTION_GROUP(actions_.get()));
+    connectPopovers();
+    addKeyEquivalents(toplevel);
+}
+
+MenuBar::~MenuBar() = default;
+
+void MenuBar::connectPopovers() {
+    auto menu = menus_.begin();
+    for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item && menu != menus_.end();
+         item = gtk_widget_get_next_sibling(item), ++menu) {
+        // Otherwise the pointer's mere passing takes the focus from field and page.
+        gtk_widget_set_focusable(item, FALSE);
+        for (GtkWidget* child = gtk_widget_get_first_child(item); child;
+             child = gtk_widget_get_next_sibling(child)) {
+            if (!GTK_IS_POPOVER(child))
+                continue;
+            connections_.emplace_back(child, "show", G_CALLBACK(+[](GtkWidget* /*popover*/, gpointer data) {
+                                          auto* opened = static_cast<OpenMenu*>(data);
+                                          opened->bar->rebuild(*opened);
+                                      }),
+                                      menu->get());
+        }
+    }
+}
+
+void MenuBar::rebuild(OpenMenu& menu) {
+    const auto& submenu = menu.top->submenu();
+    update(*submenu);
+    for (std::size_t i = 0; i < menu.items.size(); ++i)
+        g_action_map_remove_action(G_ACTION_MAP(actions_.get()), (menu.prefix + std::to_string(i)).c_str());
+    menu.items = submenu->items();
+    g_menu_remove_all(menu.model.get());
+
+    auto section = GObjectPtr<GMenu>::adopt(g_menu_new());
+    const auto endSection = [&] {
+        g_menu_append_section(menu.model.get(), nullptr, G_MENU_MODEL(section.get()));
+        section = GObjectPtr<GMenu>::adopt(g_menu_new());
+    };
+    for (std::size_t i = 0; i < menu.items.size(); ++i) {
+        MenuItem& item = *menu.items[i];
+        if (item.isSeparator()) {
+            endSection();
+            continue;
+        }
+        const std::string name = menu.prefix + std::to_string(i);
+        const auto action = GObjectPtr<GSimpleAction>::adopt(g_simple_action_new(name.c_str(), nullptr));
+        g_simple_action_set_enabled(action.get(), validate(item));
+        g_signal_connect_data(
+            action.get(), "activate",
+            G_CALLBACK(+[](GSimpleAction* /*action*/, GVariant* /*parameter*/, gpointer data) {
+                const auto chosen = *static_cast<std::shared_ptr<MenuItem>*>(data);
+                send(chosen);
+            }),
+            std::make_unique<std::shared_ptr<MenuItem>>(menu.items[i]).release(),
+            [](gpointer data, GClosure* /*closure*/) {
+                const std::unique_ptr<std::shared_ptr<MenuItem>> owned(
+                    static_cast<std::shared_ptr<MenuItem>*>(data));
+            },
+            GConnectFlags{});
+        g_action_map_add_action(G_ACTION_MAP(actions_.get()), G_ACTION(action.get()));
+
+        const auto native = GObjectPtr<GMenuItem>::adopt(g_menu_item_new(
+            menuLabel(item.title()).c_str(), (std::string(actionPrefix) + "." + name).c_str()));
+        if (!item.keyEquivalent().empty())
+            g_menu_item_set_attribute(native.get(), "accel", "s", accelerator(item).c_str());
+        g_menu_append_item(section.get(), native.get());
+    }
+    endSection();
+}
+
+void MenuBar::addKeyEquivalents(GtkWidget* toplevel) {
+    // The editing keys are left to the focused field or the page first; the others are obeyed before anybody
+    // sees them, and swallowed when their item is disabled.
+    GtkEventController* capturing = gtk_shortcut_controller_new();
+    gtk_event_controller_set_propagation_phase(capturing, GTK_PHASE_CAPTURE);
+    GtkEventController* bubbling = gtk_shortcut_controller_new();
+    gtk_event_controller_set_propagation_phase(bubbling, GTK_PHASE_BUBBLE);
+
+    for (const auto& top : mainMenu_->items()) {
+        update(*top->submenu());
+        for (const auto& item : top->submenu()->items()) {
+            if (item->keyEquivalent().empty())
+                continue;
+            auto equivalent = std::make_unique<KeyEquivalent>();
+            equivalent->menu = top->submenu();
+            equivalent->key = item->keyEquivalent();
+            equivalent->modifiers = item->keyEquivalentModifiers();
+            GtkShortcutAction* action = gtk_callback_action_new(
+                [](GtkWidget* /*widget*/, GVariant* /*arguments*/, gpointer data) -> gboolean {
+                    const auto item = static_cast<KeyEquivalent*>(data)->item();
+                    if (item && validate(*item))
+                        send(item);
+                    return TRUE;
+                },
+                equivalent.get(), nullptr);
+            GtkShortcutTrigger* trigger = gtk_shortcut_trigger_parse_string(accelerator(*item).c_str());
+            gtk_shortcut_controller_add_shortcut(
+                GTK_SHORTCUT_CONTROLLER(isEditing(*item->action()) ? bubbling : capturing),
+                gtk_shortcut_new(trigger, action));
+            keyEquivalents_.push_back(std::move(equivalent));
+        }
+    }
+    gtk_widget_add_controller(toplevel, capturing);
+    gtk_widget_add_controller(toplevel, bubbling);
+}
+
+} // namespace Platform

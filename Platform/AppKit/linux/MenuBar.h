@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Platform/AppKit/Menu.h"
+#include "Platform/AppKit/linux/GObjectPtr.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Platform {
+
+/// Shows the main menu as a menu bar, and obeys its key equivalents in one top-level.
+///
+/// A menu's items are made and validated each time it opens, so that a bar that nobody opens costs only its
+/// titles.
+class MenuBar {
+public:
+    MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu);
+    MenuBar(const MenuBar&) = delete;
+    MenuBar& operator=(const MenuBar&) = delete;
+    ~MenuBar();
+
+    GtkWidget* widget() const { return bar_.get(); }
+
+private:
+    struct OpenMenu;
+    struct KeyEquivalent;
+
+    void connectPopovers();
+    void rebuild(OpenMenu& menu);
+    void addKeyEquivalents(GtkWidget* toplevel);
+
+    std::shared_ptr<Menu> mainMenu_;
+    GObjectPtr<GtkWidget> bar_;
+    GObjectPtr<GSimpleActionGroup> actions_;
+    std::vector<std::unique_ptr<OpenMenu>> menus_;
+    std::vector<std::unique_ptr<KeyEquivalent>> keyEquivalents_;
+    std::vector<SignalConnection> connections_;
+};
+
+/// Whether the item's action would be performed now; asks whoever would perform it, who may retitle the item.
+bool validate(MenuItem& item);
+
+} // namespace Platform

@@ -1,0 +1,119 @@
+#include "Platform/AppKit/linux/Sheet.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Platform {
+
+namespace {
+
+constexpr int cardWidth = 380;
+constexpr int textHeight = 260;
+
+GtkWidget* makeLabel(const std::string& text, const char* cssClass) {
+    GtkWidget* label = gtk_label_new(text.c_str());
+    gtk_label_set_wrap(GTK_LABEL(label), TRUE);
+    gtk_label_set_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+    gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), 40);
+    gtk_widget_add_css_class(label, cssClass);
+    return label;
+}
+
+} // namespace
+
+Sheet::Sheet(Alert alert, Alert::Completion completion)
+    : alert_(std::move(alert))
+    , completion_(std::move(completion)) {
+    if (alert_.buttonTitles.empty())
+        alert_.buttonTitles.emplace_back("OK");
+}
+
+Sheet::~Sheet() = default;
+
+void Sheet::complete(std::size_t button) {
+    if (const auto completion = std::exchange(completion_, nullptr))
+        completion(button);
+}
+
+void Sheet::answer(std::size_t button) {
+    const auto answered = answered_;
+    answered(button);
+}
+
+void Sheet::focus() {
+    if (!buttons_.empty())
+        gtk_widget_grab_focus(buttons_.front());
+}
+
+GtkWidget* Sheet::widget(std::function<void(std::size_t)> answered) {
+    if (shade_)
+        return shade_.get();
+    answered_ = std::move(answered);
+    shade_ = GObjectPtr<GtkWidget>::retain(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0));
+    gtk_widget_add_css_class(shade_.get(), "keyloft-shade");
+    gtk_box_append(GTK_BOX(shade_.get()), makeCard());
+
+    GtkEventController* keys = gtk_event_controller_key_new();
+    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
+    gtk_widget_add_controller(shade_.get(), keys);
+    connections_.emplace_back(keys, "key-pressed",
+                              G_CALLBACK(+[](GtkEventControllerKey* /*keys*/, guint keyval, guint /*keycode*/,
+                                             GdkModifierType /*state*/, gpointer self) -> gboolean {
+                                  if (keyval != GDK_KEY_Escape)
+                                      return GDK_EVENT_PROPAGATE;
+                                  auto* sheet = static_cast<Sheet*>(self);
+                                  const auto& titles = sheet->alert_.buttonTitles;
+                                  const auto cancel = std::ranges::find(titles, "Cancel");
+                                  sheet->answer(cancel == titles.end()
+                                                    ? sheet->safeButton()
+                                                    : static_cast<std::size_t>(cancel - titles.begin()));
+                                  return GDK_EVENT_STOP;
+                              }),
+                              this);
+    return shade_.get();
+}
+
+GtkWidget* Sheet::makeCard() {
+    GtkWidget* card =
+        GTK_WIDGET(g_object_new(GTK_TYPE_BOX, "orientation", GTK_ORIENTATION_VERTICAL, "spacing", 12,
+                                "halign", GTK_ALIGN_CENTER, "valign", GTK_ALIGN_CENTER, "vexpand", TRUE,
+                                "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT_DIALOG, nullptr));
+    gtk_widget_add_css_class(card, "keyloft-sheet");
+    gtk_widget_set_size_request(card, cardWidth, -1);
+    gtk_accessible_update_property(GTK_ACCESSIBLE(card), GTK_ACCESSIBLE_PROPERTY_LABEL,
+                                   alert_.messageText.c_str(), -1);
+    gtk_box_append(GTK_BOX(card), makeLabel(alert_.messageText, "title-4"));
+
+    // However long the text is, the buttons stay in reach.
+    GtkWidget* scroller = gtk_scrolled_window_new();
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scroller), TRUE);
+    gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(scroller), textHeight);
+    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), makeLabel(alert_.informativeText, "body"));
+    gtk_box_append(GTK_BOX(card), scroller);
+
+    GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
+    gtk_box_set_homogeneous(GTK_BOX(row), TRUE);
+    gtk_widget_set_margin_top(row, 12);
+    for (std::size_t i = 0; i < alert_.buttonTitles.size(); ++i) {
+        GtkWidget* button = gtk_button_new_with_label(alert_.buttonTitles[i].c_str());
+        if (i == 0)
+            gtk_widget_add_css_class(button, "suggested-action");
+        gtk_widget_set_hexpand(button, TRUE);
+        connections_.emplace_back(
+            button, "clicked", G_CALLBACK(+[](GtkButton* clicked, gpointer self) {
+                auto* sheet = static_cast<Sheet*>(self);
+                const auto position = std::ranges::find(sheet->buttons_, GTK_WIDGET(clicked));
+                sheet->answer(static_cast<std::size_t>(position - sheet->buttons_.begin()));
+            }),
+            this);
+        buttons_.push_back(button);
+        // The default button stands at the trailing end, where the eye ends.
+        gtk_box_prepend(GTK_BOX(row), button);
+    }
+    gtk_box_append(GTK_BOX(card), row);
+    return card;
+}
+
+} // namespace Platform

@@ -1,0 +1,71 @@
+#include "Platform/AppKit/linux/Style.h"
+
+#include "Platform/AppKit/linux/GObjectPtr.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <utility>
+
+namespace Platform {
+
+namespace {
+
+constexpr const char* rules = R"css(
+.keyloft-accent { background-color: @accent_bg_color; }
+button.keyloft-recessed { padding: 2px 8px; min-height: 20px; font-weight: normal; }
+.keyloft-menubar { border-bottom: 1px solid alpha(@borders, 0.6); }
+.keyloft-shade { background-color: alpha(black, 0.25); }
+.keyloft-sheet {
+  background-color: @popover_bg_color;
+  color: @popover_fg_color;
+  border-radius: 12px;
+  padding: 24px;
+  box-shadow: 0 2px 12px alpha(black, 0.35), 0 0 0 1px alpha(black, 0.15);
+}
+)css";
+
+constexpr std::array<std::pair<const char*, const char*>, 6> icons = {{
+    {"chevron.left", "go-previous-symbolic"},
+    {"chevron.right", "go-next-symbolic"},
+    {"arrow.clockwise", "view-refresh-symbolic"},
+    {"xmark", "process-stop-symbolic"},
+    {"bookmark", "non-starred-symbolic"},
+    {"bookmark.fill", "starred-symbolic"},
+}};
+
+} // namespace
+
+void installStyle() {
+    const auto provider = GObjectPtr<GtkCssProvider>::adopt(gtk_css_provider_new());
+    gtk_css_provider_load_from_data(provider.get(), rules, -1);
+    gtk_style_context_add_provider_for_display(gdk_display_get_default(), GTK_STYLE_PROVIDER(provider.get()),
+                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+}
+
+const char* iconName(const std::string& symbolName) {
+    for (const auto& [symbol, icon] : icons) {
+        if (symbolName == symbol)
+            return icon;
+    }
+    std::fprintf(stderr, "Keyloft: no icon stands for the symbol \"%s\"\n", symbolName.c_str());
+    std::abort();
+}
+
+PangoAttrList* fontAttributes(double points) {
+    struct Unref {
+        void operator()(PangoAttrList* list) const { pango_attr_list_unref(list); }
+    };
+    static std::map<double, std::unique_ptr<PangoAttrList, Unref>> lists;
+    auto& list = lists[points];
+    if (!list) {
+        list.reset(pango_attr_list_new());
+        pango_attr_list_insert(list.get(),
+                               pango_attr_size_new_absolute(static_cast<int>(points * PANGO_SCALE)));
+    }
+    return list.get();
+}
+
+} // namespace Platform

@@ -1,0 +1,218 @@
+#include "Platform/AppKit/linux/TabHost.h"
+
+#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/ViewNative.h"
+#include "Platform/AppKit/linux/WindowNative.h"
+
+namespace Platform {
+
+namespace {
+
+GQuark hostQuark() {
+    static const GQuark quark = g_quark_from_static_string("keyloft-host");
+    return quark;
+}
+
+} // namespace
+
+std::shared_ptr<TabHost> TabHost::create() {
+    struct Made : TabHost {};
+    auto host = std::make_shared<Made>();
+    host->connect();
+    Application::shared().native().hosts.push_back(host);
+    return host;
+}
+
+std::shared_ptr<TabHost> TabHost::of(Window& window) {
+    GtkWidget* page = Window::Native::pageOf(window);
+    GtkRoot* root = page ? gtk_widget_get_root(page) : nullptr;
+    auto* host = root ? static_cast<TabHost*>(g_object_get_qdata(G_OBJECT(root), hostQuark())) : nullptr;
+    return host ? host->shared_from_this() : nullptr;
+}
+
+TabHost::TabHost()
+    : toplevel_(GObjectPtr<GtkWidget>::retain(gtk_window_new()))
+    , tabView_(adw_tab_view_new()) {
+    const Application::Native& application = Application::shared().native();
+    gtk_window_set_application(toplevel(), application.gtk());
+    g_object_set_qdata(G_OBJECT(toplevel()), hostQuark(), this);
+
+    GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    if (application.mainMenu) {
+        menuBar_ = std::make_unique<MenuBar>(toplevel_.get(), application.mainMenu);
+        gtk_box_append(GTK_BOX(column), menuBar_->widget());
+    }
+
+    AdwTabBar* tabBar = adw_tab_bar_new();
+    GtkWidget* newTab = gtk_button_new_from_icon_name("tab-new-symbolic");
+    gtk_widget_add_css_class(newTab, "flat");
+    gtk_widget_set_tooltip_text(newTab, "New Tab");
+    connections_.emplace_back(newTab, "clicked", G_CALLBACK(newTabClicked), this);
+    adw_tab_bar_set_end_action_widget(tabBar, newTab);
+    adw_tab_bar_set_view(tabBar, tabView_);
+    gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabBar));
+
+    // Every other key of the tab view's own would be taken from the page.
+    adw_tab_view_set_shortcuts(tabView_,
+                               static_cast<AdwTabViewShortcuts>(ADW_TAB_VIEW_SHORTCUT_CONTROL_TAB |
+                                                                ADW_TAB_VIEW_SHORTCUT_CONTROL_SHIFT_TAB));
+    gtk_widget_set_vexpand(GTK_WIDGET(tabView_), TRUE);
+    gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabView_));
+    gtk_window_set_child(toplevel(), column);
+}
+
+TabHost::~TabHost() {
+    connections_.clear();
+    g_object_set_qdata(G_OBJECT(toplevel()), hostQuark(), nullptr);
+    gtk_window_destroy(toplevel());
+}
+
+void TabHost::connect() {
+    connections_.emplace_back(toplevel_.get(), "close-request", G_CALLBACK(closeRequested), this);
+    connections_.emplace_back(toplevel_.get(), "notify::focus-widget", G_CALLBACK(focusChanged), this);
+    connections_.emplace_back(toplevel_.get(), "notify::is-active", G_CALLBACK(activeChanged), this);
+    connections_.emplace_back(tabView_, "close-page", G_CALLBACK(closePageRequested), this);
+    connections_.emplace_back(tabView_, "notify::n-pages", G_CALLBACK(pageCountChanged), this);
+    connections_.emplace_back(tabView_, "notify::selected-page", G_CALLBACK(selectionChanged), this);
+    connections_.emplace_back(tabView_, "create-window", G_CALLBACK(windowWanted), this);
+}
+
+void TabHost::setDefaultSize(const Window& window) {
+    int barHeight = 0;
+    if (menuBar_) {
+        gtk_widget_measure(menuBar_->widget(), GTK_ORIENTATION_VERTICAL, -1, nullptr, &barHeight, nullptr,
+                           nullptr);
+    }
+    gtk_window_set_default_size(toplevel(), static_cast<int>(window.contentSize().width),
+                                static_cast<int>(window.contentSize().height) + barHeight);
+    gtk_window_set_resizable(toplevel(), window.style().resizable);
+}
+
+void TabHost::addPage(Window& window, Window* neighbour) {
+    GtkWidget* page = window.native().page.get();
+    int position = adw_tab_view_get_n_pages(tabView_);
+    if (neighbour) {
+        AdwTabPage* beside = adw_tab_view_get_page(tabView_, Window::Native::pageOf(*neighbour));
+        position = adw_tab_view_get_page_position(tabView_, beside) + 1;
+    }
+    adw_tab_view_insert(tabView_, page, position);
+    updateTitle(window);
+}
+
+void TabHost::select(Window& window) {
+    adw_tab_view_set_selected_page(tabView_, adw_tab_view_get_page(tabView_, Window::Native::pageOf(window)));
+}
+
+void TabHost::closePage(Window& window) {
+    adw_tab_view_close_page(tabView_, adw_tab_view_get_page(tabView_, Window::Native::pageOf(window)));
+}
+
+void TabHost::updateTitle(Window& window) {
+    AdwTabPage* page = adw_tab_view_get_page(tabView_, Window::Native::pageOf(window));
+    adw_tab_page_set_title(page, window.title().c_str());
+    if (adw_tab_view_get_selected_page(tabView_) == page)
+        gtk_window_set_title(toplevel(), window.title().c_str());
+}
+
+void TabHost::setNeedsAttention(Window& window, bool needs) {
+    AdwTabPage* page = adw_tab_view_get_page(tabView_, Window::Native::pageOf(window));
+    adw_tab_page_set_needs_attention(page, needs && adw_tab_view_get_selected_page(tabView_) != page);
+}
+
+std::shared_ptr<Window> TabHost::selectedWindow() const {
+    AdwTabPage* page = adw_tab_view_get_selected_page(tabView_);
+    return page ? Window::Native::ofPage(adw_tab_page_get_child(page)) : nullptr;
+}
+
+std::vector<std::shared_ptr<Window>> TabHost::windows() const {
+    std::vector<std::shared_ptr<Window>> windows;
+    for (int i = 0; i < adw_tab_view_get_n_pages(tabView_); ++i) {
+        if (auto window =
+                Window::Native::ofPage(adw_tab_page_get_child(adw_tab_view_get_nth_page(tabView_, i))))
+            windows.push_back(std::move(window));
+    }
+    return windows;
+}
+
+void TabHost::selectNeighbour(int step) {
+    const int count = adw_tab_view_get_n_pages(tabView_);
+    AdwTabPage* selected = adw_tab_view_get_selected_page(tabView_);
+    if (!selected)
+        return;
+    const int position = adw_tab_view_get_page_position(tabView_, selected);
+    adw_tab_view_set_selected_page(tabView_,
+                                   adw_tab_view_get_nth_page(tabView_, (position + step + count) % count));
+}
+
+void TabHost::present() {
+    Application::shared().native().lastActive = weak_from_this();
+    gtk_window_present(toplevel());
+}
+
+gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/, gpointer self) {
+    const auto host = static_cast<TabHost*>(self)->shared_from_this();
+    // The toolkit would drop the pages without asking; each tab is to close on its own, in order.
+    while (adw_tab_view_get_n_pages(host->tabView_) > 0)
+        adw_tab_view_close_page(host->tabView_, adw_tab_view_get_nth_page(host->tabView_, 0));
+    return GDK_EVENT_STOP;
+}
+
+gboolean TabHost::closePageRequested(AdwTabView* view, AdwTabPage* page, gpointer self) {
+    const auto host = static_cast<TabHost*>(self)->shared_from_this();
+    if (const auto window = Window::Native::ofPage(adw_tab_page_get_child(page)))
+        Window::Native::willClose(*window);
+    adw_tab_view_close_page_finish(view, page, TRUE);
+    return GDK_EVENT_STOP;
+}
+
+void TabHost::pageCountChanged(AdwTabView* view, GParamSpec* /*property*/, gpointer self) {
+    if (adw_tab_view_get_n_pages(view) > 0 || adw_tab_view_get_is_transferring_page(view))
+        return;
+    const auto host = static_cast<TabHost*>(self)->shared_from_this();
+    gtk_widget_set_visible(host->toplevel_.get(), FALSE);
+    Application::shared().native().hostEmptied(host);
+}
+
+void TabHost::selectionChanged(AdwTabView* /*view*/, GParamSpec* /*property*/, gpointer self) {
+    const auto host = static_cast<TabHost*>(self)->shared_from_this();
+    const auto window = host->selectedWindow();
+    if (!window)
+        return;
+    gtk_window_set_title(host->toplevel(), window->title().c_str());
+    host->setNeedsAttention(*window, false);
+    Window::Native::becameVisible(*window);
+}
+
+AdwTabView* TabHost::windowWanted(AdwTabView* /*view*/, gpointer self) {
+    const auto from = static_cast<TabHost*>(self)->shared_from_this();
+    const auto host = create();
+    int width = 0;
+    int height = 0;
+    gtk_window_get_default_size(from->toplevel(), &width, &height);
+    gtk_window_set_default_size(host->toplevel(), width, height);
+    host->present();
+    return host->tabView_;
+}
+
+void TabHost::focusChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer /*self*/) {
+    View* view = viewOfWidget(gtk_window_get_focus(toplevel));
+    if (!view)
+        return;
+    const auto keptAlive = view->shared_from_this();
+    if (const auto window = view->window())
+        Window::Native::focusMoved(*window, *view);
+}
+
+void TabHost::activeChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer self) {
+    if (gtk_window_is_active(toplevel))
+        Application::shared().native().lastActive = static_cast<TabHost*>(self)->weak_from_this();
+}
+
+void TabHost::newTabClicked(GtkButton* /*button*/, gpointer self) {
+    const auto host = static_cast<TabHost*>(self)->shared_from_this();
+    Application::shared().native().lastActive = host;
+    Application::shared().sendAction(Action::newWindowForTab, nullptr, {});
+}
+
+} // namespace Platform

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Platform/AppKit/Window.h"
+#include "Platform/AppKit/linux/GObjectPtr.h"
+#include "Platform/AppKit/linux/MenuBar.h"
+
+#include <adwaita.h>
+
+#include <memory>
+#include <vector>
+
+namespace Platform {
+
+/// One native top-level: the menu bar, the tab strip, and the pages of the windows that share it. It lives
+/// from its first page to its last.
+class TabHost : public std::enable_shared_from_this<TabHost> {
+public:
+    static std::shared_ptr<TabHost> create();
+
+    /// The top-level that the page stands in now, or nothing.
+    static std::shared_ptr<TabHost> of(Window& window);
+
+    TabHost(const TabHost&) = delete;
+    TabHost& operator=(const TabHost&) = delete;
+    ~TabHost();
+
+    GtkWindow* toplevel() const { return GTK_WINDOW(toplevel_.get()); }
+    AdwTabView* tabView() const { return tabView_; }
+    MenuBar* menuBar() const { return menuBar_.get(); }
+
+    /// Adds the window's page behind `neighbour`'s, or at the end.
+    void addPage(Window& window, Window* neighbour);
+    void select(Window& window);
+    void closePage(Window& window);
+    void updateTitle(Window& window);
+    void setNeedsAttention(Window& window, bool needs);
+
+    std::shared_ptr<Window> selectedWindow() const;
+    std::vector<std::shared_ptr<Window>> windows() const;
+
+    void selectNeighbour(int step);
+    void present();
+
+    /// Makes the top-level fit `window`'s content size; before it is first presented.
+    void setDefaultSize(const Window& window);
+
+private:
+    TabHost();
+    void connect();
+    static gboolean closeRequested(GtkWindow* toplevel, gpointer self);
+    static gboolean closePageRequested(AdwTabView* view, AdwTabPage* page, gpointer self);
+    static void pageCountChanged(AdwTabView* view, GParamSpec* property, gpointer self);
+    static void selectionChanged(AdwTabView* view, GParamSpec* property, gpointer self);
+    static AdwTabView* windowWanted(AdwTabView* view, gpointer self);
+    static void focusChanged(GtkWindow* toplevel, GParamSpec* property, gpointer self);
+    static void activeChanged(GtkWindow* toplevel, GParamSpec* property, gpointer self);
+    static void newTabClicked(GtkButton* button, gpointer self);
+
+    GObjectPtr<GtkWidget> toplevel_;
+    AdwTabView* tabView_ = nullptr; // held by `toplevel_`
+    std::unique_ptr<MenuBar> menuBar_;
+    std::vector<SignalConnection> connections_;
+};
+
+} // namespace Platform

@@ -1,0 +1,314 @@
+#include "Platform/AppKit/Window.h"
+
+#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/WindowController.h"
+#include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/ContainerWidget.h"
+#include "Platform/AppKit/linux/TabHost.h"
+#include "Platform/AppKit/linux/TextFieldNative.h"
+#include "Platform/AppKit/linux/ViewNative.h"
+#include "Platform/AppKit/linux/WindowNative.h"
+
+namespace Platform {
+
+namespace {
+
+GQuark windowQuark() {
+    static const GQuark quark = g_quark_from_static_string("keyloft-window");
+    return quark;
+}
+
+/// The content has the window's size, whatever it would like itself: nothing in it widens the window.
+class ContentView final : public View {
+public:
+    static std::shared_ptr<ContentView> create(Window& window) {
+        auto view = std::make_shared<ContentView>(Passkey());
+        view->window_ = &window;
+        return view;
+    }
+
+    struct Passkey {};
+    explicit ContentView(Passkey /*key*/) {}
+
+    void forgetWindow() { window_ = nullptr; }
+
+protected:
+    std::unique_ptr<Native> makeNative() override {
+        struct Layout final : FrameLayout {
+            explicit Layout(ContentView& view)
+                : FrameLayout(view)
+                , content(view) {}
+
+            Extent measure(Orientation orientation) const override {
+                if (!content.window_)
+                    return {};
+                const Size least = content.window_->minSize();
+                const Size size = content.window_->contentSize();
+                return orientation == Orientation::horizontal ? Extent{least.width, size.width}
+                                                              : Extent{least.height, size.height};
+            }
+
+            ContentView& content;
+        };
+        return makeContainer(*this, std::make_unique<Layout>(*this));
+    }
+
+private:
+    Window* window_ = nullptr;
+};
+
+} // namespace
+
+Window::Window(Size contentSize, Style style)
+    : contentSize_(contentSize)
+    , style_(style)
+    , native_(std::make_unique<Native>()) {
+    assertMainThread("Window");
+}
+
+std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
+    struct Made : Window {
+        Made(Size contentSize, Style style)
+            : Window(contentSize, style) {}
+    };
+    auto window = std::make_shared<Made>(contentSize, style);
+    window->contentView_ = ContentView::create(*window);
+    window->contentView_->window_ = window;
+    return window;
+}
+
+Window::~Window() {
+    static_cast<ContentView&>(*contentView_).forgetWindow();
+    if (GtkWidget* page = native_->page.get()) {
+        const auto host = TabHost::of(*this);
+        g_object_set_qdata(G_OBJECT(page), windowQuark(), nullptr);
+        if (host && !closed_)
+            host->closePage(*this);
+    }
+}
+
+void Window::setTitle(const std::string& title) {
+    title_ = title;
+    if (const auto host = TabHost::of(*this))
+        host->updateTitle(*this);
+}
+
+void Window::setMinSize(Size size) {
+    minSize_ = size;
+    contentView_->setNeedsLayout();
+}
+
+void Window::addTabbedWindow(const std::shared_ptr<Window>& window) {
+    assertMainThread("Window::addTabbedWindow");
+    auto host = TabHost::of(*this);
+    if (!host) {
+        makeKeyAndOrderFront();
+        host = TabHost::of(*this);
+    }
+    window->native_->makePage(*window);
+    if (!TabHost::of(*window))
+        host->addPage(*window, this);
+}
+
+void Window::makeKeyAndOrderFront() {
+    assertMainThread("Window::makeKeyAndOrderFront");
+    if (closed_)
+        return;
+    native_->makePage(*this);
+    auto host = TabHost::of(*this);
+    if (!host) {
+        host = TabHost::create();
+        host->setDefaultSize(*this);
+        host->addPage(*this, nullptr);
+    }
+    host->select(*this);
+    host->present();
+    Native::becameVisible(*this);
+}
+
+bool Window::isVisible() const { return native_->page && gtk_widget_get_mapped(native_->page.get()); }
+
+void Window::makeFirstResponder(const std::shared_ptr<View>& view) {
+    assertMainThread("Window::makeFirstResponder");
+    const auto keptAlive = shared_from_this();
+    Native::focusMoved(*this, *view);
+    native_->focusPending = true;
+    Native::becameVisible(*this);
+}
+
+std::shared_ptr<View> Window::firstResponder() const { return native_->firstResponder.lock(); }
+
+void Window::close() {
+    assertMainThread("Window::close");
+    const auto keptAlive = shared_from_this();
+    if (const auto host = TabHost::of(*this))
+        host->closePage(*this);
+    else
+        Native::willClose(*this);
+}
+
+bool Window::respondsTo(Action action) const {
+    switch (action) {
+    case Action::performClose:
+    case Action::performMiniaturize:
+    case Action::performZoom:
+    case Action::selectPreviousTab:
+    case Action::selectNextTab:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void Window::perform(Action action, const ActionSender& /*sender*/) {
+    const auto host = TabHost::of(*this);
+    if (!host)
+        return;
+    GtkWindow* toplevel = host->toplevel();
+    switch (action) {
+    case Action::performClose:
+        close();
+        break;
+    case Action::performMiniaturize:
+        gtk_window_minimize(toplevel);
+        break;
+    case Action::performZoom:
+        if (gtk_window_is_maximized(toplevel))
+            gtk_window_unmaximize(toplevel);
+        else
+            gtk_window_maximize(toplevel);
+        break;
+    case Action::selectPreviousTab:
+        host->selectNeighbour(-1);
+        break;
+    case Action::selectNextTab:
+        host->selectNeighbour(1);
+        break;
+    default:
+        break;
+    }
+}
+
+bool Window::validateMenuItem(MenuItem& item) {
+    const auto host = TabHost::of(*this);
+    if (!host)
+        return false;
+    switch (*item.action()) {
+    case Action::performClose:
+        return style_.closable;
+    case Action::performMiniaturize:
+        return style_.miniaturizable;
+    case Action::performZoom:
+        return style_.resizable;
+    default:
+        return adw_tab_view_get_n_pages(host->tabView()) > 1;
+    }
+}
+
+void Window::Native::makePage(Window& window) {
+    if (page)
+        return;
+    page = GObjectPtr<GtkWidget>::retain(gtk_overlay_new());
+    g_object_set_qdata(G_OBJECT(page.get()), windowQuark(), &window);
+    gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.contentView_->native().widget.get());
+    mapped = SignalConnection(page.get(), "map", G_CALLBACK(+[](GtkWidget* widget, gpointer /*data*/) {
+                                  if (const auto shown = ofPage(widget))
+                                      becameVisible(*shown);
+                              }),
+                              nullptr);
+}
+
+GtkWidget* Window::Native::pageOf(Window& window) { return window.native_->page.get(); }
+
+std::shared_ptr<Window> Window::Native::ofPage(GtkWidget* page) {
+    auto* window = static_cast<Window*>(g_object_get_qdata(G_OBJECT(page), windowQuark()));
+    return window ? window->weak_from_this().lock() : nullptr;
+}
+
+void Window::Native::focusMoved(Window& window, View& view) {
+    Native& native = *window.native_;
+    const auto previous = native.firstResponder.lock();
+    native.firstResponder = view.weak_from_this();
+    native.focusPending = false;
+    if (previous.get() == &view)
+        return;
+    if (const auto field = std::dynamic_pointer_cast<TextField>(previous))
+        TextFieldEvents::focusLeft(*field);
+}
+
+void Window::Native::becameVisible(Window& window) {
+    Native& native = *window.native_;
+    if (!native.page || !gtk_widget_get_mapped(native.page.get()))
+        return;
+    if (!native.sheets.empty()) {
+        native.sheets.front()->focus();
+        return;
+    }
+    const auto view = native.firstResponder.lock();
+    if (!native.focusPending || !view || !view->nativeIfMade())
+        return;
+    native.focusPending = false;
+    gtk_widget_grab_focus(view->native().widget.get());
+}
+
+void Window::Native::willClose(Window& window) {
+    if (window.closed_)
+        return;
+    window.closed_ = true;
+    const auto keptAlive = window.shared_from_this();
+    while (!window.native_->sheets.empty())
+        sheetAnswered(window, window.native_->sheets.front()->safeButton());
+    if (const auto delegate = window.delegate_.lock())
+        delegate->windowWillClose(window);
+}
+
+void Window::Native::addSheet(Window& window, std::unique_ptr<Sheet> sheet) {
+    if (window.closed_) {
+        sheet->complete(sheet->safeButton());
+        return;
+    }
+    window.native_->sheets.push_back(std::move(sheet));
+    if (window.native_->sheets.size() == 1)
+        showSheet(window);
+}
+
+void Window::Native::showSheet(Window& window) {
+    Native& native = *window.native_;
+    native.makePage(window);
+    // What is under the sheet is out of reach of pointer and keyboard, and looks as it did.
+    GtkWidget* content = window.contentView_->native().widget.get();
+    gtk_widget_set_can_target(content, FALSE);
+    gtk_widget_set_can_focus(content, FALSE);
+    GtkWidget* shade = native.sheets.front()->widget([weak = window.weak_from_this()](std::size_t button) {
+        if (const auto answered = weak.lock())
+            sheetAnswered(*answered, button);
+    });
+    gtk_overlay_add_overlay(GTK_OVERLAY(native.page.get()), shade);
+    if (const auto host = TabHost::of(window))
+        host->setNeedsAttention(window, true);
+    becameVisible(window);
+}
+
+void Window::Native::sheetAnswered(Window& window, std::size_t button) {
+    const auto keptAlive = window.shared_from_this();
+    Native& native = *window.native_;
+    const std::unique_ptr<Sheet> sheet = std::move(native.sheets.front());
+    native.sheets.pop_front();
+    if (GtkWidget* shade = sheet->widgetIfMade())
+        gtk_overlay_remove_overlay(GTK_OVERLAY(native.page.get()), shade);
+    if (native.sheets.empty()) {
+        GtkWidget* content = window.contentView_->native().widget.get();
+        gtk_widget_set_can_target(content, TRUE);
+        gtk_widget_set_can_focus(content, TRUE);
+        if (const auto host = TabHost::of(window))
+            host->setNeedsAttention(window, false);
+        native.focusPending = true;
+        becameVisible(window);
+    } else if (!window.closed_) {
+        showSheet(window);
+    }
+    sheet->complete(button);
+}
+
+} // namespace Platform
