@@ -29,6 +29,8 @@ public:
     enum class Property { title, url, canGoBack, canGoForward, estimatedProgress, isLoading };
 
     static std::shared_ptr<WebView> create(const std::shared_ptr<WebViewConfiguration>& configuration);
+    WebView(const WebView&) = delete;
+    WebView& operator=(const WebView&) = delete;
     ~WebView() override;
 
     /// Nothing before the first navigation. While a load that the program asked for is under way this is

@@ -14,7 +14,7 @@ struct Kind {
     int code = 0;
 };
 
-Kind urlError(int code) { return {std::string(Error::urlDomain), code}; }
+Kind urlError(int code) { return {.domain = std::string(Error::urlDomain), .code = code}; }
 
 Kind kindOfInputOutputError(const GError& error) {
     switch (error.code) {
@@ -32,7 +32,7 @@ Kind kindOfInputOutputError(const GError& error) {
     case G_IO_ERROR_CONNECTION_CLOSED: // the same number as a broken pipe
         return urlError(Error::urlNetworkConnectionLost);
     default:
-        return {g_quark_to_string(error.domain), error.code};
+        return {.domain = g_quark_to_string(error.domain), .code = error.code};
     }
 }
 
@@ -40,14 +40,14 @@ Kind kindOf(const GError& error) {
     if (error.domain == WEBKIT_NETWORK_ERROR && error.code == WEBKIT_NETWORK_ERROR_CANCELLED)
         return urlError(Error::urlCancelled);
     if (error.domain == WEBKIT_POLICY_ERROR)
-        return {webKitErrorDomain, error.code};
+        return {.domain = webKitErrorDomain, .code = error.code};
     if (error.domain == G_RESOLVER_ERROR)
         return urlError(Error::urlCannotFindHost);
     if (error.domain == G_TLS_ERROR)
         return urlError(Error::urlServerCertificateUntrusted);
     if (error.domain == G_IO_ERROR)
         return kindOfInputOutputError(error);
-    return {g_quark_to_string(error.domain), error.code};
+    return {.domain = g_quark_to_string(error.domain), .code = error.code};
 }
 
 } // namespace

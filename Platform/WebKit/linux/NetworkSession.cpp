@@ -50,11 +50,7 @@ WebKitNetworkSession* makeDefaultSession() {
 
 } // namespace
 
-WebKitNetworkSession* networkSession(WebsiteDataStore store) {
-    switch (store) {
-    case WebsiteDataStore::defaultStore:
-        break;
-    }
+WebKitNetworkSession* networkSession(WebsiteDataStore /*store*/) {
     static WebKitNetworkSession* const defaultSession = makeDefaultSession();
     return defaultSession;
 }

@@ -2,6 +2,7 @@
 
 #include <libsoup/soup.h>
 
+#include <algorithm>
 #include <string_view>
 
 namespace Platform {
@@ -21,9 +22,8 @@ bool isAttachment(WebKitURIResponse* response) {
     if (begin == std::string_view::npos)
         return false;
     type = type.substr(begin, type.find_last_not_of(space) - begin + 1);
-    constexpr std::string_view attachment = "attachment";
-    return type.size() == attachment.size() &&
-           g_ascii_strncasecmp(type.data(), attachment.data(), attachment.size()) == 0;
+    return std::ranges::equal(type, std::string_view("attachment"),
+                              [](char left, char right) { return g_ascii_tolower(left) == right; });
 }
 
 gboolean decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,

@@ -1,7 +1,6 @@
 #include "Platform/WebKit/WebView.h"
 
 #include "Platform/AppKit/MainThread.h"
-#include "Platform/AppKit/linux/Acceleration.h"
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/Foundation/FatalError.h"
@@ -38,10 +37,6 @@ GObjectPtr<WebKitSettings> makeSettings() {
     auto settings = GObjectPtr<WebKitSettings>::adopt(webkit_settings_new());
     webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
     webkit_settings_set_enable_fullscreen(settings.get(), FALSE);
-    static const bool software = !hasRenderNode();
-    if (software)
-        webkit_settings_set_hardware_acceleration_policy(settings.get(),
-                                                         WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
     return settings;
 }
 

