@@ -95,6 +95,16 @@ bool waitForAny(std::array<pollfd, count>& descriptors) {
     }
 }
 
+/// Where an object was made. A process that a test forks and that exits in the ordinary way destroys copies
+/// of its parent's objects, and must leave alone what they stand for.
+class Maker {
+public:
+    [[nodiscard]] bool isThisProcess() const { return ::getpid() == process_; }
+
+private:
+    pid_t process_ = ::getpid();
+};
+
 /// A helper process that ends with this object, or with this process should that come first.
 class Child {
 public:
@@ -143,7 +153,11 @@ public:
     }
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
-    ~Child() { stop(); }
+    ~Child() {
+        if (maker_.isThisProcess()) {
+            stop();
+        }
+    }
 
     [[nodiscard]] pid_t process() const { return process_; }
 
@@ -184,6 +198,7 @@ private:
         }
     }
 
+    Maker maker_;
     std::string name_;
     pid_t process_ = -1;
     Descriptor ended_;
@@ -201,6 +216,9 @@ public:
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
     ~TemporaryDirectory() {
+        if (!maker_.isThisProcess()) {
+            return;
+        }
         // What the tests started may still be writing its last files while it ends.
         std::error_code error;
         for (int attempt = 0; attempt < 10; ++attempt) {
@@ -215,6 +233,7 @@ public:
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
 private:
+    Maker maker_;
     std::filesystem::path path_;
 };
 
@@ -334,6 +353,8 @@ private:
     std::optional<Child> windowManager_;
 };
 
+// Ended by its destructor after main(): what the toolkit and the engine do at exit still needs the display,
+// and since they are first used later than this, their exit handlers run earlier.
 std::optional<Session>& theSession() {
     static std::optional<Session> session;
     return session;
@@ -365,9 +386,7 @@ int main(int argc, char** argv) {
     }
     try {
         TestSupport::theSession().emplace();
-        const int result = RUN_ALL_TESTS();
-        TestSupport::theSession().reset();
-        return result;
+        return RUN_ALL_TESTS();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "The tests' display or session failed: %s\n", error.what());
         return EXIT_FAILURE;

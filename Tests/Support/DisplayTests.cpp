@@ -42,14 +42,14 @@ bool accepts(const std::string& socketPath) {
 
 bool desktopsAreManaged() { return std::system("xdotool get_num_desktops >/dev/null 2>&1") == 0; }
 
-/// Whether the process has ended, or does so within ten seconds.
-bool ends(pid_t process) {
+/// Whether the process has ended, or does so within the given milliseconds.
+bool endsWithin(int limit, pid_t process) {
     const int descriptor = static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
     if (descriptor < 0) {
         return errno == ESRCH;
     }
     pollfd end{.fd = descriptor, .events = POLLIN, .revents = 0};
-    const bool ended = ::poll(&end, 1, 10'000) == 1;
+    const bool ended = ::poll(&end, 1, limit) == 1;
     ::close(descriptor);
     return ended;
 }
@@ -92,6 +92,14 @@ TEST(DisplayTestMain, theWindowManagerManagesOnceAskedFor) {
     EXPECT_EQ(TestSupport::sessionProcesses().size(), 3U);
 }
 
+TEST(DisplayTestMain, theSessionOutlivesAForkedProcessThatExits) {
+    EXPECT_EXIT(std::exit(3), testing::ExitedWithCode(3), "");
+    for (const pid_t process : TestSupport::sessionProcesses()) {
+        EXPECT_FALSE(endsWithin(0, process)) << process;
+    }
+    EXPECT_TRUE(std::filesystem::exists(variable("HOME")));
+}
+
 // Run by the test below, in a program of its own.
 TEST(DisplayTestMain, DISABLED_isKilled) {
     TestSupport::startWindowManager();
@@ -116,7 +124,7 @@ TEST(DisplayTestMain, helpersEndWithAKilledTestProgram) {
     ASSERT_TRUE(std::getline(report, directory));
     int count = 0;
     for (pid_t process = 0; report >> process; ++count) {
-        EXPECT_TRUE(ends(process)) << process;
+        EXPECT_TRUE(endsWithin(10'000, process)) << process;
     }
     EXPECT_EQ(count, 3);
     std::filesystem::remove_all(directory);
