@@ -1,0 +1,170 @@
+#include "Tests/Platform/WebKit/WebViewFixture.h"
+
+#include <unistd.h>
+
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <utility>
+
+using namespace Platform;
+using TestSupport::HTTPResponse;
+using TestSupport::runUntil;
+
+void RecordingNavigationDelegate::didFailNavigation(WebView& webView, const Error& error) {
+    failures.push_back({.provisional = false, .error = error, .url = webView.url(), .isLoading = webView.isLoading()});
+    if (onFailure)
+        onFailure();
+}
+
+void RecordingNavigationDelegate::didFailProvisionalNavigation(WebView& webView, const Error& error) {
+    failures.push_back({.provisional = true, .error = error, .url = webView.url(), .isLoading = webView.isLoading()});
+    if (onFailure)
+        onFailure();
+}
+
+std::shared_ptr<WebView>
+RecordingUIDelegate::createWebView(WebView& /*webView*/, const std::shared_ptr<WebViewConfiguration>& configuration,
+                                   const NavigationAction& action) {
+    windows.push_back(action);
+    return onCreate ? onCreate(configuration) : nullptr;
+}
+
+void RecordingUIDelegate::runJavaScriptAlertPanel(WebView& /*webView*/, const std::string& message,
+                                                  const FrameInfo& frame, std::function<void()> completion) {
+    panels.push_back({.message = message, .url = frame.url, .alert = std::move(completion), .confirm = {}});
+    if (onPanel)
+        onPanel();
+}
+
+void RecordingUIDelegate::runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& message,
+                                                    const FrameInfo& frame, std::function<void(bool)> completion) {
+    panels.push_back({.message = message, .url = frame.url, .alert = {}, .confirm = std::move(completion)});
+    if (onPanel)
+        onPanel();
+}
+
+TestWindow::TestWindow(WebView& view)
+    : window_(GObjectPtr<GtkWidget>::retain(gtk_window_new())) {
+    gtk_window_set_default_size(GTK_WINDOW(window_.get()), 640, 480);
+    gtk_window_set_child(GTK_WINDOW(window_.get()), view.native().widget.get());
+}
+
+TestWindow::~TestWindow() {
+    gtk_window_set_child(GTK_WINDOW(window_.get()), nullptr);
+    gtk_window_destroy(GTK_WINDOW(window_.get()));
+}
+
+void TestWindow::show() {
+    gtk_window_present(GTK_WINDOW(window_.get()));
+    EXPECT_TRUE(runUntil([this] {
+        return gtk_widget_get_mapped(gtk_window_get_child(GTK_WINDOW(window_.get()))) == TRUE;
+    }));
+}
+
+void TestWindow::hide() { gtk_widget_set_visible(window_.get(), FALSE); }
+
+WebViewTest::WebViewTest() { gtk_init(); }
+
+WebViewTest::~WebViewTest() { TestSupport::runPending(); }
+
+std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConfiguration>& configuration) {
+    auto view = WebView::create(configuration);
+    view->setNavigationDelegate(navigation);
+    view->setUIDelegate(ui);
+    return view;
+}
+
+WebKitWebView* WebViewTest::widgetOf(WebView& view) { return WEBKIT_WEB_VIEW(view.native().widget.get()); }
+
+URLRequest WebViewTest::request(const std::string& url, double timeoutInterval) {
+    return {.url = URL::fromString(url).value(), .timeoutInterval = timeoutInterval};
+}
+
+bool WebViewTest::loadPage(WebView& view, const std::string& path) {
+    server.route(path, HTTPResponse::page(path));
+    view.load(request(server.url(path)));
+    return waitForTitle(view, path);
+}
+
+std::string WebViewTest::evaluate(WebView& view, const std::string& script) {
+    struct Answer {
+        bool isThere = false;
+        std::string text;
+    } answer;
+    webkit_web_view_evaluate_javascript(
+        widgetOf(view), script.c_str(), -1, nullptr, nullptr, nullptr,
+        [](GObject* source, GAsyncResult* result, gpointer data) {
+            auto& answer = *static_cast<Answer*>(data);
+            g_autoptr(GError) error = nullptr;
+            g_autoptr(JSCValue) value =
+                webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(source), result, &error);
+            g_autofree char* text = value ? jsc_value_to_string(value) : nullptr;
+            answer.text = text ? text : error ? error->message : "";
+            answer.isThere = true;
+        },
+        &answer);
+    if (!runUntil([&answer] { return answer.isThere; }))
+        ADD_FAILURE() << "no answer to " << script;
+    return answer.text;
+}
+
+void WebViewTest::run(WebView& view, const std::string& script) {
+    webkit_web_view_evaluate_javascript(widgetOf(view), script.c_str(), -1, nullptr, nullptr, nullptr, nullptr, nullptr);
+}
+
+bool WebViewTest::waitForTitle(WebView& view, const std::string& title) {
+    return runUntil([&] { return view.title() == title && !view.isLoading(); });
+}
+
+bool WebViewTest::waitForFailures(std::size_t count) const {
+    return runUntil([&] { return navigation->failures.size() >= count; });
+}
+
+void WebViewTest::runFor(double seconds) {
+    bool isOver = false;
+    const auto timer = Timer::scheduled(seconds, false, [&isOver] { isOver = true; });
+    EXPECT_TRUE(runUntil([&isOver] { return isOver; }));
+}
+
+std::vector<int> WebViewTest::webProcesses() {
+    struct Process {
+        int parent = 0;
+        std::string name;
+    };
+    std::map<int, Process> processes;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const std::string number = entry.path().filename();
+        if (number.empty() || std::isdigit(static_cast<unsigned char>(number[0])) == 0)
+            continue;
+        std::ifstream file(entry.path() / "stat");
+        std::stringstream contents;
+        contents << file.rdbuf();
+        const std::string text = contents.str();
+        const auto begin = text.find('(');
+        const auto end = text.rfind(')');
+        if (begin == std::string::npos || end == std::string::npos)
+            continue; // it ended meanwhile
+        Process process{.parent = 0, .name = text.substr(begin + 1, end - begin - 1)};
+        char state = 0;
+        std::istringstream(text.substr(end + 1)) >> state >> process.parent;
+        if (state != 'Z')
+            processes[std::stoi(number)] = process;
+    }
+    const auto isBelowThis = [&processes](int process) {
+        for (auto found = processes.find(process); found != processes.end();
+             found = processes.find(found->second.parent)) {
+            if (found->second.parent == ::getpid())
+                return true;
+        }
+        return false;
+    };
+    std::vector<int> result;
+    for (const auto& [number, process] : processes) {
+        if (process.name.starts_with("WebKitWebProc") && isBelowThis(number))
+            result.push_back(number);
+    }
+    return result;
+}

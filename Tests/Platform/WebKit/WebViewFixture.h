@@ -1,0 +1,105 @@
+#pragma once
+
+#include "Platform/Foundation/Timer.h"
+#include "Platform/WebKit/WebView.h"
+#include "Platform/AppKit/linux/ViewNative.h"
+#include "Tests/Support/HTTPServer.h"
+#include "Tests/Support/MainLoop.h"
+
+#include <gtest/gtest.h>
+#include <webkit/webkit.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Keeps what it was told.
+struct RecordingNavigationDelegate final : Platform::NavigationDelegate {
+    void didFailNavigation(Platform::WebView& webView, const Platform::Error& error) override;
+    void didFailProvisionalNavigation(Platform::WebView& webView, const Platform::Error& error) override;
+
+    struct Failure {
+        bool provisional = false;
+        Platform::Error error;
+        /// As the view said when the failure was told.
+        std::optional<Platform::URL> url;
+        bool isLoading = false;
+    };
+    std::vector<Failure> failures;
+    /// Called last, when set.
+    std::function<void()> onFailure;
+};
+
+/// Keeps what it was asked, and answers as the test says.
+struct RecordingUIDelegate final : Platform::UIDelegate {
+    std::shared_ptr<Platform::WebView> createWebView(Platform::WebView& webView,
+                                                     const std::shared_ptr<Platform::WebViewConfiguration>& configuration,
+                                                     const Platform::NavigationAction& action) override;
+    void runJavaScriptAlertPanel(Platform::WebView& webView, const std::string& message,
+                                 const Platform::FrameInfo& frame, std::function<void()> completion) override;
+    void runJavaScriptConfirmPanel(Platform::WebView& webView, const std::string& message,
+                                   const Platform::FrameInfo& frame, std::function<void(bool)> completion) override;
+
+    std::function<std::shared_ptr<Platform::WebView>(const std::shared_ptr<Platform::WebViewConfiguration>&)> onCreate;
+    std::vector<Platform::NavigationAction> windows;
+
+    struct Panel {
+        std::string message;
+        std::optional<Platform::URL> url;
+        std::function<void()> alert;
+        std::function<void(bool)> confirm;
+    };
+    std::vector<Panel> panels;
+    /// Called last, when set.
+    std::function<void()> onPanel;
+};
+
+/// A plain native window around one web view.
+class TestWindow {
+public:
+    explicit TestWindow(Platform::WebView& view);
+    TestWindow(const TestWindow&) = delete;
+    TestWindow& operator=(const TestWindow&) = delete;
+    ~TestWindow();
+
+    void show();
+    void hide();
+
+private:
+    Platform::GObjectPtr<GtkWidget> window_;
+};
+
+class WebViewTest : public testing::Test {
+protected:
+    WebViewTest();
+    ~WebViewTest() override;
+
+    using Property = Platform::WebView::Property;
+
+    /// A view with both delegates.
+    std::shared_ptr<Platform::WebView>
+    makeView(const std::shared_ptr<Platform::WebViewConfiguration>& configuration =
+                 Platform::WebViewConfiguration::create());
+
+    static WebKitWebView* widgetOf(Platform::WebView& view);
+    static Platform::URLRequest request(const std::string& url, double timeoutInterval = 60);
+
+    /// Loads a page of the server with the given title and waits for it.
+    [[nodiscard]] bool loadPage(Platform::WebView& view, const std::string& path);
+    /// What a script of the page gives, as text; the text of the exception should it fail.
+    static std::string evaluate(Platform::WebView& view, const std::string& script);
+    /// Runs a script and does not wait.
+    static void run(Platform::WebView& view, const std::string& script);
+    [[nodiscard]] static bool waitForTitle(Platform::WebView& view, const std::string& title);
+    [[nodiscard]] bool waitForFailures(std::size_t count) const;
+    /// Runs the loop for so long: for what must not happen.
+    static void runFor(double seconds);
+
+    /// The web processes below this one.
+    static std::vector<int> webProcesses();
+
+    TestSupport::HTTPServer server;
+    std::shared_ptr<RecordingNavigationDelegate> navigation = std::make_shared<RecordingNavigationDelegate>();
+    std::shared_ptr<RecordingUIDelegate> ui = std::make_shared<RecordingUIDelegate>();
+};

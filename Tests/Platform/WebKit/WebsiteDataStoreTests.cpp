@@ -1,0 +1,97 @@
+#include "Tests/Platform/WebKit/WebViewFixture.h"
+
+#include "Platform/WebKit/linux/NetworkSession.h"
+
+#include <filesystem>
+#include <fstream>
+
+using namespace Platform;
+using TestSupport::HTTPRequest;
+using TestSupport::HTTPResponse;
+using TestSupport::runUntil;
+
+namespace {
+
+class DefaultWebsiteDataStore : public WebViewTest {
+protected:
+    static std::filesystem::path folder(const char* userDirectory) {
+        return std::filesystem::path(userDirectory) / "velde.orvane.keyloft";
+    }
+    static std::filesystem::perms permissions(const std::filesystem::path& path) {
+        return std::filesystem::status(path).permissions();
+    }
+};
+
+} // namespace
+
+TEST_F(DefaultWebsiteDataStore, isMadeByTheFirstView) {
+    EXPECT_FALSE(std::filesystem::exists(folder(g_get_user_data_dir())));
+    const auto view = makeView();
+    EXPECT_TRUE(std::filesystem::exists(folder(g_get_user_data_dir())));
+    EXPECT_TRUE(std::filesystem::exists(folder(g_get_user_cache_dir())));
+}
+
+TEST_F(DefaultWebsiteDataStore, onlyTheUserMayEnter) {
+    // As an older version, or somebody else, may have left it.
+    std::filesystem::create_directories(folder(g_get_user_data_dir()));
+    std::filesystem::permissions(folder(g_get_user_data_dir()),
+                                 std::filesystem::perms::owner_all | std::filesystem::perms::others_read |
+                                     std::filesystem::perms::others_exec);
+    const auto view = makeView();
+    EXPECT_EQ(permissions(folder(g_get_user_data_dir())), std::filesystem::perms::owner_all);
+    EXPECT_EQ(permissions(folder(g_get_user_cache_dir())), std::filesystem::perms::owner_all);
+}
+
+TEST_F(DefaultWebsiteDataStore, keepsCookiesAndStorage) {
+    const auto view = makeView();
+    server.route("/page", [](const HTTPRequest&) {
+        auto response = HTTPResponse::page("Page");
+        response.headers.emplace_back("Set-Cookie", "kept=yes; Max-Age=1000");
+        return response;
+    });
+    view->load(request(server.url("/page")));
+    ASSERT_TRUE(waitForTitle(*view, "Page"));
+    EXPECT_EQ(evaluate(*view, "localStorage.kept = 'yes'; document.cookie"), "kept=yes");
+    EXPECT_TRUE(runUntil([] { return std::filesystem::exists(folder(g_get_user_data_dir()) / "cookies.sqlite"); }));
+    EXPECT_TRUE(runUntil([] {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(
+                 folder(g_get_user_data_dir()), std::filesystem::directory_options::skip_permission_denied)) {
+            if (entry.path().filename().string().find("localstorage") != std::string::npos)
+                return true;
+        }
+        return false;
+    }));
+}
+
+TEST_F(DefaultWebsiteDataStore, isSharedByAllViews) {
+    const auto one = makeView();
+    const auto other = makeView();
+    EXPECT_EQ(webkit_web_view_get_network_session(widgetOf(*one)), webkit_web_view_get_network_session(widgetOf(*other)));
+    server.route("/set", [](const HTTPRequest&) {
+        auto response = HTTPResponse::page("Set");
+        response.headers.emplace_back("Set-Cookie", "shared=yes");
+        return response;
+    });
+    server.route("/get", [](const HTTPRequest& request) {
+        const auto cookie = request.headers.find("cookie");
+        return HTTPResponse::page(cookie == request.headers.end() ? "none" : cookie->second);
+    });
+    one->load(request(server.url("/set")));
+    ASSERT_TRUE(waitForTitle(*one, "Set"));
+    other->load(request(server.url("/get")));
+    EXPECT_TRUE(waitForTitle(*other, "shared=yes"));
+}
+
+TEST_F(DefaultWebsiteDataStore, aBadCertificateFailsTheLoad) {
+    EXPECT_EQ(webkit_network_session_get_tls_errors_policy(networkSession(WebsiteDataStore::defaultStore)),
+              WEBKIT_TLS_ERRORS_POLICY_FAIL);
+}
+
+TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
+    // A file where the folder is needed stops root as well.
+    std::ofstream(folder(g_get_user_data_dir())) << "in the way";
+    ASSERT_FALSE(std::filesystem::is_directory(folder(g_get_user_data_dir())));
+    const auto view = makeView();
+    EXPECT_TRUE(webkit_network_session_is_ephemeral(webkit_web_view_get_network_session(widgetOf(*view))));
+    EXPECT_TRUE(loadPage(*view, "/page"));
+}

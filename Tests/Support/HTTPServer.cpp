@@ -1,0 +1,337 @@
+#include "Tests/Support/HTTPServer.h"
+
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <mutex>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <thread>
+
+namespace TestSupport {
+
+namespace {
+
+class Descriptor {
+public:
+    Descriptor() = default;
+    explicit Descriptor(int value)
+        : value_(value) {
+        if (value_ < 0)
+            throw std::system_error(errno, std::generic_category(), "test server");
+    }
+    Descriptor(Descriptor&& other) noexcept
+        : value_(std::exchange(other.value_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(value_, other.value_);
+        return *this;
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (value_ >= 0)
+            ::close(value_);
+    }
+
+    int get() const { return value_; }
+
+private:
+    int value_ = -1;
+};
+
+/// Binds to a free port of loopback and returns it.
+int bindToLoopback(int descriptor) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), size) != 0 ||
+        ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+        throw std::system_error(errno, std::generic_category(), "test server's port");
+    return ntohs(address.sin_port);
+}
+
+void sendAll(int descriptor, std::string_view data) {
+    while (!data.empty()) {
+        const ssize_t size = ::send(descriptor, data.data(), data.size(), MSG_NOSIGNAL);
+        if (size < 0)
+            return; // the client went away, which is its good right
+        data.remove_prefix(static_cast<std::size_t>(size));
+    }
+}
+
+std::string lowercase(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return result;
+}
+
+/// The request at the beginning of `text`, or nothing while it is not all there.
+std::optional<HTTPRequest> parse(std::string_view text) {
+    const auto end = text.find("\r\n\r\n");
+    if (end == std::string_view::npos)
+        return std::nullopt;
+    HTTPRequest request;
+    auto head = text.substr(0, end);
+    const auto nextLine = [&head] {
+        const auto lineEnd = head.find("\r\n");
+        const auto line = head.substr(0, lineEnd);
+        head.remove_prefix(lineEnd == std::string_view::npos ? head.size() : lineEnd + 2);
+        return line;
+    };
+    const auto first = nextLine();
+    const auto methodEnd = first.find(' ');
+    const auto targetEnd = first.rfind(' ');
+    request.method = first.substr(0, methodEnd);
+    const auto target = first.substr(methodEnd + 1, targetEnd - methodEnd - 1);
+    const auto question = target.find('?');
+    request.path = target.substr(0, question);
+    if (question != std::string_view::npos)
+        request.query = target.substr(question + 1);
+    while (!head.empty()) {
+        const auto line = nextLine();
+        const auto colon = line.find(':');
+        auto value = line.substr(colon + 1);
+        value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
+        request.headers[lowercase(line.substr(0, colon))] = value;
+    }
+    std::size_t bodySize = 0;
+    if (const auto length = request.headers.find("content-length"); length != request.headers.end())
+        bodySize = static_cast<std::size_t>(std::atoll(length->second.c_str()));
+    const auto body = text.substr(end + 4);
+    if (body.size() < bodySize)
+        return std::nullopt;
+    request.body = body.substr(0, bodySize);
+    return request;
+}
+
+std::string serialize(const HTTPResponse& response) {
+    using Ending = HTTPResponse::Ending;
+    // What a body that is not finished promises beyond what it sends.
+    constexpr std::size_t missing = 100000;
+    const bool isWhole = response.ending == Ending::complete || response.ending == Ending::held;
+    std::string text = "HTTP/1.1 " + std::to_string(response.status) + " Status\r\n";
+    for (const auto& [name, value] : response.headers)
+        text += name + ": " + value + "\r\n";
+    text += "Connection: close\r\nContent-Length: " +
+            std::to_string(response.body.size() + (isWhole ? 0 : missing)) + "\r\n\r\n";
+    return text + response.body;
+}
+
+} // namespace
+
+HTTPResponse HTTPResponse::html(const std::string& body) {
+    return {.status = 200, .headers = {{"Content-Type", "text/html; charset=utf-8"}}, .body = body};
+}
+
+HTTPResponse HTTPResponse::page(const std::string& title) {
+    return html("<!DOCTYPE html><title>" + title + "</title><p>" + title);
+}
+
+HTTPResponse HTTPResponse::redirect(const std::string& location, int status) {
+    return {.status = status, .headers = {{"Location", location}}, .body = {}};
+}
+
+class HTTPServer::Implementation {
+public:
+    Implementation()
+        : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+        , wakeUp_(::eventfd(0, EFD_CLOEXEC)) {
+        port_ = bindToLoopback(listener_.get());
+        if (::listen(listener_.get(), SOMAXCONN) != 0)
+            throw std::system_error(errno, std::generic_category(), "test server");
+        thread_ = std::thread([this] { run(); });
+    }
+    Implementation(const Implementation&) = delete;
+    Implementation& operator=(const Implementation&) = delete;
+    ~Implementation() {
+        {
+            const std::lock_guard lock(mutex_);
+            stopped_ = true;
+        }
+        wake();
+        thread_.join();
+    }
+
+    int port() const { return port_; }
+
+    void route(const std::string& path, Route route) {
+        const std::lock_guard lock(mutex_);
+        routes_[path] = std::move(route);
+    }
+
+    void release(const std::string& path) {
+        {
+            const std::lock_guard lock(mutex_);
+            released_.push_back(path);
+        }
+        wake();
+    }
+
+    std::vector<HTTPRequest> requests(const std::string& path) const {
+        const std::lock_guard lock(mutex_);
+        std::vector<HTTPRequest> result;
+        std::ranges::copy_if(requests_, std::back_inserter(result),
+                             [&path](const HTTPRequest& request) { return request.path == path; });
+        return result;
+    }
+
+private:
+    struct Connection {
+        Descriptor descriptor;
+        std::string received;
+        /// Set once the request is there.
+        std::optional<std::string> path;
+        /// What a release sends.
+        std::string heldAnswer;
+        bool isDone = false;
+    };
+
+    void wake() const {
+        const std::uint64_t one = 1;
+        [[maybe_unused]] const ssize_t size = ::write(wakeUp_.get(), &one, sizeof one);
+    }
+
+    void run() {
+        while (true) {
+            std::vector<pollfd> descriptors{{.fd = wakeUp_.get(), .events = POLLIN, .revents = 0},
+                                            {.fd = listener_.get(), .events = POLLIN, .revents = 0}};
+            for (const auto& connection : connections_)
+                descriptors.push_back({.fd = connection.descriptor.get(), .events = POLLIN, .revents = 0});
+            if (::poll(descriptors.data(), descriptors.size(), -1) < 0)
+                continue;
+            if (descriptors[0].revents != 0 && !obey())
+                return;
+            for (std::size_t index = 2; index < descriptors.size(); ++index) {
+                if (descriptors[index].revents != 0)
+                    read(connections_[index - 2]);
+            }
+            if (descriptors[1].revents != 0)
+                accept();
+            std::erase_if(connections_, [](const Connection& connection) { return connection.isDone; });
+        }
+    }
+
+    /// Does what other threads asked for; false at the end.
+    bool obey() {
+        std::uint64_t times = 0;
+        [[maybe_unused]] const ssize_t size = ::read(wakeUp_.get(), &times, sizeof times);
+        const std::lock_guard lock(mutex_);
+        for (const auto& path : std::exchange(released_, {})) {
+            for (auto& connection : connections_) {
+                if (connection.path == path && !connection.heldAnswer.empty()) {
+                    sendAll(connection.descriptor.get(), connection.heldAnswer);
+                    connection.isDone = true;
+                }
+            }
+        }
+        return !stopped_;
+    }
+
+    void accept() {
+        const int descriptor = ::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC);
+        if (descriptor >= 0)
+            connections_.push_back({.descriptor = Descriptor(descriptor),
+                                    .received = {},
+                                    .path = std::nullopt,
+                                    .heldAnswer = {},
+                                    .isDone = false});
+    }
+
+    void read(Connection& connection) {
+        std::array<char, 16384> buffer{};
+        const ssize_t size = ::recv(connection.descriptor.get(), buffer.data(), buffer.size(), 0);
+        if (size <= 0) {
+            connection.isDone = true;
+            return;
+        }
+        if (connection.path)
+            return; // one request to a connection
+        connection.received.append(buffer.data(), static_cast<std::size_t>(size));
+        if (const auto request = parse(connection.received))
+            answer(connection, *request);
+    }
+
+    void answer(Connection& connection, const HTTPRequest& request) {
+        connection.path = request.path;
+        Route route;
+        {
+            const std::lock_guard lock(mutex_);
+            requests_.push_back(request);
+            if (const auto found = routes_.find(request.path); found != routes_.end())
+                route = found->second;
+        }
+        HTTPResponse response{.status = 404, .headers = {{"Content-Type", "text/plain"}}, .body = "no route"};
+        if (route)
+            response = route(request);
+        switch (response.ending) {
+        case HTTPResponse::Ending::held:
+            connection.heldAnswer = serialize(response);
+            return;
+        case HTTPResponse::Ending::dropped:
+            break;
+        case HTTPResponse::Ending::unfinished:
+            sendAll(connection.descriptor.get(), serialize(response));
+            return;
+        case HTTPResponse::Ending::complete:
+        case HTTPResponse::Ending::cutShort:
+            sendAll(connection.descriptor.get(), serialize(response));
+            break;
+        }
+        connection.isDone = true;
+    }
+
+    Descriptor listener_;
+    Descriptor wakeUp_;
+    int port_ = 0;
+    std::vector<Connection> connections_; // the thread's own
+    mutable std::mutex mutex_;            // guards what follows
+    std::map<std::string, Route> routes_;
+    std::vector<HTTPRequest> requests_;
+    std::vector<std::string> released_;
+    bool stopped_ = false;
+    std::thread thread_;
+};
+
+HTTPServer::HTTPServer()
+    : implementation_(std::make_unique<Implementation>()) {}
+
+HTTPServer::~HTTPServer() = default;
+
+int HTTPServer::port() const { return implementation_->port(); }
+
+std::string HTTPServer::url(const std::string& path) const {
+    return "http://127.0.0.1:" + std::to_string(port()) + path;
+}
+
+void HTTPServer::route(const std::string& path, Route route) { implementation_->route(path, std::move(route)); }
+
+void HTTPServer::route(const std::string& path, const HTTPResponse& response) {
+    route(path, [response](const HTTPRequest&) { return response; });
+}
+
+void HTTPServer::release(const std::string& path) { implementation_->release(path); }
+
+std::size_t HTTPServer::count(const std::string& path) const { return requests(path).size(); }
+
+std::vector<HTTPRequest> HTTPServer::requests(const std::string& path) const { return implementation_->requests(path); }
+
+HTTPServer::RefusedPort::RefusedPort()
+    : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    // Bound, so that nobody else gets it, and not listened on.
+    port_ = bindToLoopback(descriptor_);
+}
+
+HTTPServer::RefusedPort::~RefusedPort() { ::close(descriptor_); }
+
+} // namespace TestSupport
