@@ -53,7 +53,7 @@ TEST(JSON, onlyAnArrayOrObjectAndNothingElseIsRead) {
                                    "[NaN]",
                                    "[1e400]",
                                    "[-1e400]",
-                                   "[\"\\uD800\"]",
+                                   R"(["\uD800"])",
                                    "[\"\xFF\"]",
                                    "[\"\xED\xA0\x80\"]",
                                    "//\n[]",
