@@ -1,8 +1,8 @@
 #include "KeyloftBrowserKit/BookmarkStore.h"
 
 #include "KeyloftBrowserKit/AddressInput.h"
+#include "Tests/Support/Present.h"
 #include "Tests/Support/PrivateMounts.h"
-#include "Tests/Support/Required.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ using Platform::URL;
 using List = std::vector<Bookmark>;
 using Names = std::set<std::string>;
 
-URL url(std::string_view text) { return KeyloftTests::required(URL::fromString(text)); }
+URL url(std::string_view text) { return KeyloftTests::present(URL::fromString(text)); }
 
 Bookmark bookmark(std::string_view title, std::string_view text) {
     return {.title = std::string(title), .url = url(text)};

@@ -1,6 +1,6 @@
 #include "KeyloftBrowserKit/Bookmark.h"
 
-#include "Tests/Support/Required.h"
+#include "Tests/Support/Present.h"
 
 #include <gtest/gtest.h>
 
@@ -11,11 +11,11 @@
 namespace {
 
 using KeyloftBrowserKit::Bookmark;
-using KeyloftTests::required;
+using KeyloftTests::present;
 using Platform::URL;
 
 Bookmark bookmark(std::string_view title, std::string_view url) {
-    return {.title = std::string(title), .url = required(URL::fromString(url))};
+    return {.title = std::string(title), .url = present(URL::fromString(url))};
 }
 
 TEST(Bookmark, isEqualIfTitleAndURLAre) {
@@ -43,14 +43,14 @@ TEST(Bookmark, aListIsPrettyPrintedWithSortedKeysAndEscapedSlashes) {
 TEST(Bookmark, anEmptyListHasALineOfItsOwn) { EXPECT_EQ(Bookmark::encode({}), "[\n\n]"); }
 
 TEST(Bookmark, plainAndEscapedSlashesAreRead) {
-    const auto list = required(Bookmark::decode(
+    const auto list = present(Bookmark::decode(
         R"([{"title":"a/b","url":"https://x.test/"},{"title":"a\/b","url":"https:\/\/x.test\/"}])"));
     ASSERT_EQ(list.size(), 2U);
     EXPECT_EQ(list.at(0), list.at(1));
 }
 
 TEST(Bookmark, unknownKeysArePassedOverWhateverTheyHold) {
-    const auto list = required(Bookmark::decode(
+    const auto list = present(Bookmark::decode(
         R"([{"a":{"title":1,"url":[{}]},"url":"https://x.test/","b":[["title","x"]],"title":"t","c":null,"d":1}])"));
     EXPECT_EQ(list, std::vector{bookmark("t", "https://x.test/")});
 }
@@ -104,7 +104,7 @@ TEST(Bookmark, whatIsEncodedIsDecodedAgain) {
 
 TEST(Bookmark, anIllFormedTitleIsRepairedRatherThanLosingTheFile) {
     const auto list =
-        required(Bookmark::decode(Bookmark::encode(std::vector{bookmark("a\xff", "https://x.test/")})));
+        present(Bookmark::decode(Bookmark::encode(std::vector{bookmark("a\xff", "https://x.test/")})));
     EXPECT_EQ(list.front().title, "a\uFFFD");
 }
 

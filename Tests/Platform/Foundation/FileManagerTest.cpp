@@ -1,7 +1,7 @@
 #include "Platform/Foundation/FileManager.h"
 
+#include "Tests/Support/Present.h"
 #include "Tests/Support/PrivateMounts.h"
-#include "Tests/Support/Required.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 using KeyloftTests::contentsOf;
 using KeyloftTests::namesIn;
-using KeyloftTests::required;
+using KeyloftTests::present;
 using KeyloftTests::TemporaryDirectory;
 using KeyloftTests::writeContents;
 using Platform::FileError;
@@ -51,7 +51,7 @@ template <typename Operation>
 void expectFailure(Code code, const std::string& path, const Operation& operation) {
     const auto failure = failureOf(operation);
     ASSERT_TRUE(failure) << path;
-    const FileError error = required(failure);
+    const FileError error = present(failure);
     EXPECT_EQ(error.code(), code) << error.localizedDescription();
     EXPECT_NE(error.localizedDescription().find('"' + path + '"'), std::string::npos)
         << error.localizedDescription();
