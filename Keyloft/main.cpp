@@ -15,5 +15,8 @@ int main(int argc, char** argv) {
     delegate = Keyloft::AppDelegate::create();
     application.setDelegate(delegate);
     application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
-    return application.run(argc, argv);
+    const int status = application.run(argc, argv);
+    // Windows and pages end while the system underneath them still stands.
+    delegate.reset();
+    return status;
 }

@@ -18,6 +18,10 @@ struct Error {
     static constexpr int urlNetworkConnectionLost = -1005;
     static constexpr int urlServerCertificateUntrusted = -1202;
 
+    /// The domain of the web engine's own errors.
+    static constexpr std::string_view webKitDomain = "WebKitErrorDomain";
+    static constexpr int webKitFrameLoadInterrupted = 102;
+
     std::string domain;
     int code = 0;
     /// A sentence to show to a person.

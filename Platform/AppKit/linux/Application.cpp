@@ -42,6 +42,12 @@ Application::Application()
     // rewritten.
     native_->application = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(identifier, G_APPLICATION_HANDLES_COMMAND_LINE));
+    native_->connections.emplace_back(native_->gtk(), "startup",
+                                      G_CALLBACK(+[](GApplication* /*application*/, gpointer /*data*/) {
+                                          adw_init();
+                                          installStyle();
+                                      }),
+                                      nullptr);
 }
 
 Application::~Application() = default;
@@ -57,7 +63,6 @@ int Application::run(int argc, char** argv) {
     connections.emplace_back(application, "startup",
                              G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
                                  auto* app = static_cast<Application*>(self);
-                                 app->prepare();
                                  g_application_hold(G_APPLICATION(app->native_->gtk()));
                                  if (const auto delegate = app->delegate_.lock())
                                      delegate->applicationWillFinishLaunching();
@@ -69,9 +74,7 @@ int Application::run(int argc, char** argv) {
                              }),
                              this);
     connections.emplace_back(application, "command-line", G_CALLBACK(Native::handleCommandLine), this);
-    const int status = g_application_run(G_APPLICATION(application), argc, argv);
-    connections.clear();
-    return status;
+    return g_application_run(G_APPLICATION(application), argc, argv);
 }
 
 int Application::Native::handleCommandLine(GApplication* /*application*/, GApplicationCommandLine* line,
@@ -84,10 +87,7 @@ int Application::Native::handleCommandLine(GApplication* /*application*/, GAppli
     return 0;
 }
 
-void Application::prepare() {
-    adw_init();
-    installStyle();
-}
+void Application::prepare() { g_application_register(G_APPLICATION(native_->gtk()), nullptr, nullptr); }
 
 void Application::wasStarted(const std::vector<URL>& urls) {
     const auto delegate = delegate_.lock();

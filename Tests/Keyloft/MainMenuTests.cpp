@@ -1,0 +1,211 @@
+#include "Tests/Keyloft/AppDelegateTest.h"
+
+#include "Platform/AppKit/Application.h"
+
+using namespace Platform;
+using KeyloftBrowserKit::Bookmark;
+using TestSupport::hasFocus;
+using TestSupport::pressKey;
+using TestSupport::runUntil;
+
+class MainMenuTest : public AppDelegateTest {
+protected:
+    struct Item {
+        const char* title;
+        const char* key;
+        std::optional<Action> action;
+        ModifierFlags modifiers = ModifierFlags::command;
+        bool isSeparator = false;
+    };
+    static constexpr Item separator{"", "", std::nullopt, ModifierFlags::command, true};
+
+    struct Submenu {
+        const char* itemTitle;
+        const char* title;
+        std::vector<Item> items;
+    };
+
+    static void expectItem(const MenuItem& item, const Item& expected) {
+        EXPECT_EQ(item.isSeparator(), expected.isSeparator);
+        EXPECT_EQ(item.submenu(), nullptr);
+        if (expected.isSeparator)
+            return;
+        EXPECT_EQ(item.title(), expected.title);
+        EXPECT_EQ(item.keyEquivalent(), expected.key);
+        EXPECT_EQ(item.action(), expected.action);
+        EXPECT_EQ(item.keyEquivalentModifiers(), expected.modifiers);
+    }
+
+    static void expectMenu(const Menu& menu, const std::vector<Item>& expected) {
+        ASSERT_EQ(menu.items().size(), expected.size());
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            SCOPED_TRACE(std::to_string(i) + ' ' + expected[i].title);
+            expectItem(*menu.items()[i], expected[i]);
+        }
+    }
+};
+
+TEST_F(MainMenuTest, hasTheseMenusAndItems) {
+    const std::vector<Submenu> expected = {
+        {"Keyloft",
+         "",
+         {{"About Keyloft", "", Action::orderFrontStandardAboutPanel},
+          separator,
+          {"Hide Keyloft", "h", Action::hide},
+          {"Hide Others", "h", Action::hideOtherApplications, ModifierFlags::optionCommand},
+          {"Show All", "", Action::unhideAllApplications},
+          separator,
+          {"Quit Keyloft", "q", Action::terminate}}},
+        {"File",
+         "File",
+         {{"New Tab", "t", Action::newTab},
+          {"Open Location\u2026", "l", Action::focusAddressBar},
+          separator,
+          {"Close Tab", "w", Action::performClose}}},
+        {"Edit",
+         "Edit",
+         {{"Undo", "z", Action::undo},
+          {"Redo", "Z", Action::redo},
+          separator,
+          {"Cut", "x", Action::cut},
+          {"Copy", "c", Action::copy},
+          {"Paste", "v", Action::paste},
+          {"Select All", "a", Action::selectAll}}},
+        {"View", "View", {{"Reload Page", "r", Action::reload}, {"Stop", ".", Action::stopLoading}}},
+        {"History", "History", {{"Back", "[", Action::goBack}, {"Forward", "]", Action::goForward}}},
+        {"Bookmarks", "Bookmarks", {}},
+        {"Window",
+         "Window",
+         {{"Minimize", "m", Action::performMiniaturize},
+          {"Zoom", "", Action::performZoom},
+          separator,
+          {"Show Previous Tab", "{", Action::selectPreviousTab},
+          {"Show Next Tab", "}", Action::selectNextTab},
+          separator,
+          {"Bring All to Front", "", Action::arrangeInFront}}},
+    };
+    const auto menu = Keyloft::AppDelegate::create()->buildMainMenu();
+    ASSERT_EQ(menu->items().size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        SCOPED_TRACE(expected[i].itemTitle);
+        const MenuItem& top = *menu->items()[i];
+        EXPECT_EQ(top.title(), expected[i].itemTitle);
+        EXPECT_EQ(top.keyEquivalent(), "");
+        EXPECT_EQ(top.action(), std::nullopt);
+        EXPECT_FALSE(top.isSeparator());
+        ASSERT_NE(top.submenu(), nullptr);
+        EXPECT_EQ(top.submenu()->title(), expected[i].title);
+        expectMenu(*top.submenu(), expected[i].items);
+    }
+}
+
+TEST_F(MainMenuTest, itsBookmarksMenuIsTheDelegates) {
+    const auto menu = delegate->buildMainMenu();
+    EXPECT_EQ(menu->items().at(5)->submenu(), delegate->bookmarksMenu());
+    EXPECT_EQ(delegate->bookmarksMenu()->delegate(), std::shared_ptr<MenuDelegate>(delegate));
+    EXPECT_EQ(delegate->bookmarksMenu()->title(), "Bookmarks");
+    const auto again = delegate->buildMainMenu();
+    EXPECT_NE(again, menu);
+    EXPECT_EQ(again->items().at(5)->submenu(), delegate->bookmarksMenu());
+}
+
+TEST_F(MainMenuTest, theBookmarksMenuIsMadeAnewForEachOpening) {
+    auto& menu = *delegate->bookmarksMenu();
+    const std::vector<Item> head = {{"Add Bookmark", "d", Action::toggleBookmark}, separator};
+    delegate->menuNeedsUpdate(menu);
+    expectMenu(menu, head);
+
+    delegate->bookmarks()->add({"One", url("https://one.test/")});
+    delegate->bookmarks()->add({"Two", url("https://two.test/")});
+    delegate->menuNeedsUpdate(menu);
+    auto expected = head;
+    expected.insert(expected.end(), {{"One", "", Action::openBookmark}, {"Two", "", Action::openBookmark}});
+    expectMenu(menu, expected);
+    EXPECT_EQ(menu.items()[0]->representedURL(), std::nullopt);
+    EXPECT_EQ(menu.items()[2]->representedURL(), url("https://one.test/"));
+    EXPECT_EQ(menu.items()[3]->representedURL(), url("https://two.test/"));
+
+    delegate->bookmarks()->remove(url("https://one.test/"));
+    delegate->menuNeedsUpdate(menu);
+    expected.erase(expected.begin() + 2);
+    expectMenu(menu, expected);
+}
+
+TEST_F(MainMenuTest, theBookmarksMenuHasNoLimit) {
+    std::vector<Bookmark> bookmarks;
+    for (int i = 0; i < 1000; ++i)
+        bookmarks.push_back({"Page " + std::to_string(i), url("https://page.test/" + std::to_string(i))});
+    KeyloftTests::writeContents(Keyloft::AppDelegate::bookmarksFile().filePath(), Bookmark::encode(bookmarks));
+    const auto other = Keyloft::AppDelegate::create();
+    const auto menu = Menu::create();
+    other->menuNeedsUpdate(*menu);
+    ASSERT_EQ(menu->items().size(), 1002U);
+    for (std::size_t i = 0; i < bookmarks.size(); ++i) {
+        EXPECT_EQ(menu->items()[i + 2]->title(), bookmarks[i].title);
+        EXPECT_EQ(menu->items()[i + 2]->representedURL(), bookmarks[i].url);
+    }
+}
+
+TEST_F(MainMenuTest, everyActionReachesSomebodyWhileATabIsOpen) {
+    launch();
+    for (const auto& top : delegate->buildMainMenu()->items()) {
+        delegate->menuNeedsUpdate(*delegate->bookmarksMenu());
+        for (const auto& item : top->submenu()->items()) {
+            EXPECT_TRUE(item->isSeparator() || Application::shared().targetForAction(*item->action())) << item->title();
+        }
+    }
+}
+
+TEST_F(MainMenuTest, withoutATabNewTabAndTheApplicationsOwnActionsRemain) {
+    for (const Action action : {Action::newTab, Action::terminate, Action::orderFrontStandardAboutPanel})
+        EXPECT_NE(Application::shared().targetForAction(action), nullptr);
+    for (const Action action : {Action::reload, Action::performClose, Action::copy, Action::toggleBookmark})
+        EXPECT_EQ(Application::shared().targetForAction(action), nullptr);
+}
+
+TEST_F(MainMenuTest, itsKeysDoWhatItsItemsSay) {
+    const auto first = launch();
+    TestSupport::activate(*first->window());
+    ASSERT_TRUE(loadPage(first, "/page"));
+
+    pressKey("ctrl+d");
+    EXPECT_TRUE(runUntil([&] { return first->isBookmarked(); }));
+    pressKey("ctrl+d");
+    EXPECT_TRUE(runUntil([&] { return !first->isBookmarked(); }));
+    pressKey("ctrl+l");
+    ASSERT_TRUE(runUntil([&] { return hasFocus(*first->addressField()); }));
+    EXPECT_EQ(TestSupport::selectedText(*first->addressField()), server.url("/page"));
+    pressKey("ctrl+r");
+    EXPECT_TRUE(runUntil([&] { return server.count("/page") == 2 && !first->webView()->isLoading(); }));
+    ASSERT_TRUE(loadPage(first, "/other"));
+    pressKey("ctrl+bracketleft");
+    EXPECT_TRUE(waitForTitle(first, "/page"));
+    pressKey("ctrl+bracketright");
+    EXPECT_TRUE(waitForTitle(first, "/other"));
+
+    pressKey("ctrl+t");
+    ASSERT_TRUE(runUntil([&] { return controllers().size() == 2; }));
+    const auto second = controllers()[1];
+    EXPECT_TRUE(runUntil([&] { return hasFocus(*second->addressField()); }));
+    pressKey("ctrl+shift+bracketleft");
+    EXPECT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*first->window()); }));
+    pressKey("ctrl+shift+bracketright");
+    EXPECT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*second->window()); }));
+    pressKey("ctrl+w");
+    EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{first}; }));
+}
+
+TEST_F(MainMenuTest, theStopKeyStopsAndTheReloadKeyReloadsWhileThePageLoads) {
+    server.route("/endless", unfinishedPage("endless"));
+    const auto tab = launch();
+    TestSupport::activate(*tab->window());
+    tab->load(serverURL("/endless"));
+    ASSERT_TRUE(runUntil([&] { return tab->window()->title() == "endless"; }));
+    pressKey("ctrl+r");
+    ASSERT_TRUE(runUntil([&] { return server.count("/endless") == 2; }));
+    EXPECT_TRUE(tab->webView()->isLoading());
+    pressKey("ctrl+period");
+    EXPECT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
+    EXPECT_EQ(server.count("/endless"), 2U);
+    EXPECT_FALSE(TestSupport::shownSheet(*tab->window()));
+}

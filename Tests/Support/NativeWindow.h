@@ -1,0 +1,113 @@
+#pragma once
+
+#include "Platform/AppKit/Geometry.h"
+#include "Platform/AppKit/TextField.h"
+#include "Platform/AppKit/View.h"
+#include "Platform/AppKit/Window.h"
+#include "Platform/WebKit/WebView.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What a person sees of the application's windows and does with them, asked of the toolkit itself and not of Platform's
+/// objects. Everything runs the main loop where it has to wait; what the toolkit never does is a test failure. Main thread
+/// only.
+namespace TestSupport {
+
+/// Waits until all that was changed so far is laid out and drawn.
+void waitForLayout(Platform::Window& window);
+
+/// The window's content, below menu bar and tab strip, in the native window's coordinates.
+Platform::Rect contentFrame(Platform::Window& window);
+
+/// The native window that the window is, or is a tab of, without its frame.
+Platform::Size nativeWindowSize(Platform::Window& window);
+
+/// Where the toolkit placed the view, relative to its window's content.
+Platform::Rect boundsInContent(Platform::View& view);
+
+/// Whether the view is on the screen.
+bool isShown(Platform::View& view);
+
+/// Gives the native window the size at which the content has the given one, as the user's dragging of a corner does. False
+/// when it does not get it.
+[[nodiscard]] bool resizeContent(Platform::Window& window, Platform::Size size);
+
+/// The least size that the toolkit lets the content have.
+Platform::Size leastContentSize(Platform::Window& window);
+
+/// What the native window's title bar says.
+std::string nativeTitle(Platform::Window& window);
+
+bool shareNativeWindow(Platform::Window& one, Platform::Window& other);
+/// The titles in the tab strip, from left to right.
+std::vector<std::string> tabTitles(Platform::Window& window);
+bool isTabStripShown(Platform::Window& window);
+bool isSelectedTab(Platform::Window& window);
+void selectTab(Platform::Window& window);
+/// Closes the tab as the button on it does.
+void closeTab(Platform::Window& window);
+/// Closes the native window with all its tabs, as the button of its frame does.
+void closeNativeWindow(Platform::Window& window);
+void clickNewTabButton(Platform::Window& window);
+
+/// Whether the keyboard goes to this window's native one.
+bool isActive(Platform::Window& window);
+
+/// Starts a window manager if need be, and waits until the keyboard goes to the window.
+void activate(Platform::Window& window);
+
+/// A native window that has nothing to do with the application's and takes the keyboard.
+class OtherWindow {
+public:
+    OtherWindow();
+    OtherWindow(const OtherWindow&) = delete;
+    OtherWindow& operator=(const OtherWindow&) = delete;
+    ~OtherWindow();
+
+private:
+    struct Native;
+    std::unique_ptr<Native> native_;
+};
+
+/// Presses keys ("ctrl+t", "Return"), types a text or clicks in the middle of a view: real events from the display, for
+/// whoever has the keyboard or stands there. Returns once they are sent, not once they took effect.
+void pressKey(const std::string& key);
+void typeText(const std::string& text);
+void click(Platform::View& view);
+
+/// Whether the keyboard goes to the view while its window is active and its tab selected.
+bool hasFocus(Platform::View& view);
+std::string selectedText(Platform::TextField& field);
+/// What the field shows.
+std::string shownText(Platform::TextField& field);
+
+struct ShownSheet {
+    /// Heading first.
+    std::vector<std::string> texts;
+    /// The default button first.
+    std::vector<std::string> buttons;
+
+    friend bool operator==(const ShownSheet&, const ShownSheet&) = default;
+};
+
+/// The sheet over the window's content, the first if several wait; nothing when there is none.
+std::optional<ShownSheet> shownSheet(Platform::Window& window);
+void pressSheetButton(Platform::Window& window, const std::string& title);
+
+/// Runs a script in the page, without waiting for it.
+void runScript(Platform::WebView& view, const std::string& script);
+
+/// As long as it lives, what web views ask of other hosts than this one goes to a port of loopback, as to a proxy: nothing
+/// leaves the machine.
+class TrafficRedirection {
+public:
+    explicit TrafficRedirection(int port);
+    TrafficRedirection(const TrafficRedirection&) = delete;
+    TrafficRedirection& operator=(const TrafficRedirection&) = delete;
+    ~TrafficRedirection();
+};
+
+} // namespace TestSupport

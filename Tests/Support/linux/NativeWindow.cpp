@@ -1,0 +1,322 @@
+#include "Tests/Support/NativeWindow.h"
+
+#include "Platform/AppKit/linux/TabHost.h"
+#include "Platform/AppKit/linux/ViewNative.h"
+#include "Platform/AppKit/linux/WindowNative.h"
+#include "Platform/WebKit/linux/NetworkSession.h"
+#include "Tests/Support/Display.h"
+#include "Tests/Support/MainLoop.h"
+
+#include <adwaita.h>
+#include <gtest/gtest.h>
+#include <webkit/webkit.h>
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <stdexcept>
+#include <utility>
+
+// Last, as it defines macros by everyday names.
+#include <gdk/x11/gdkx.h>
+
+namespace TestSupport {
+
+using Platform::GObjectPtr;
+using Platform::TabHost;
+
+namespace {
+
+/// A toolkit that has not done something by then never will.
+constexpr auto limit = std::chrono::seconds(10);
+
+TabHost& hostOf(Platform::Window& window) {
+    const auto host = TabHost::of(window);
+    if (!host)
+        throw std::logic_error("the window is not shown");
+    return *host;
+}
+
+GtkWidget* toplevelOf(Platform::Window& window) { return GTK_WIDGET(hostOf(window).toplevel()); }
+
+GtkWidget* pageOf(Platform::Window& window) { return window.native().page.get(); }
+
+GtkWidget* widgetOf(Platform::View& view) { return view.native().widget.get(); }
+
+Platform::Rect boundsIn(GtkWidget* widget, GtkWidget* outer) {
+    graphene_rect_t bounds;
+    if (gtk_widget_compute_bounds(widget, outer, &bounds) == FALSE)
+        throw std::logic_error("the view is not in the window");
+    return {.x = bounds.origin.x, .y = bounds.origin.y, .width = bounds.size.width, .height = bounds.size.height};
+}
+
+/// Calls `found` for every widget below `widget`, from the outside to the inside, those inside of one for which it returns
+/// false left out.
+void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
+    for (GtkWidget* child = gtk_widget_get_first_child(widget); child != nullptr;
+         child = gtk_widget_get_next_sibling(child)) {
+        if (found(child))
+            walk(child, found);
+    }
+}
+
+/// The first widget below `widget` that `wanted` takes.
+GtkWidget* find(GtkWidget* widget, const std::function<bool(GtkWidget*)>& wanted) {
+    GtkWidget* result = nullptr;
+    walk(widget, [&](GtkWidget* child) {
+        if (result == nullptr && wanted(child))
+            result = child;
+        return result == nullptr;
+    });
+    return result;
+}
+
+GtkWidget* sheetOf(Platform::Window& window) {
+    return find(pageOf(window), [](GtkWidget* widget) {
+        return gtk_accessible_get_accessible_role(GTK_ACCESSIBLE(widget)) == GTK_ACCESSIBLE_ROLE_ALERT_DIALOG;
+    });
+}
+
+std::vector<GtkButton*> buttonsOf(GtkWidget* sheet) {
+    std::vector<GtkButton*> buttons;
+    walk(sheet, [&](GtkWidget* widget) {
+        if (!GTK_IS_BUTTON(widget))
+            return true;
+        buttons.push_back(GTK_BUTTON(widget));
+        return false;
+    });
+    // The default button stands at the trailing end.
+    return {buttons.rbegin(), buttons.rend()};
+}
+
+void runTool(const std::vector<std::string>& arguments) {
+    std::vector<const char*> argv{"xdotool"};
+    argv.reserve(arguments.size() + 2);
+    for (const auto& argument : arguments)
+        argv.push_back(argument.c_str());
+    argv.push_back(nullptr);
+    g_autoptr(GError) error = nullptr;
+    const auto tool =
+        GObjectPtr<GSubprocess>::adopt(g_subprocess_newv(argv.data(), G_SUBPROCESS_FLAGS_NONE, &error));
+    if (!tool)
+        throw std::runtime_error(error->message);
+    bool ended = false;
+    g_subprocess_wait_async(
+        tool.get(), nullptr,
+        [](GObject* process, GAsyncResult* result, gpointer data) {
+            g_subprocess_wait_finish(G_SUBPROCESS(process), result, nullptr);
+            *static_cast<bool*>(data) = true;
+        },
+        &ended);
+    EXPECT_TRUE(runUntil([&] { return ended; }));
+    EXPECT_EQ(g_subprocess_get_exit_status(tool.get()), 0) << arguments.front();
+}
+
+GtkText* textOf(Platform::TextField& field) {
+    return GTK_TEXT(gtk_editable_get_delegate(GTK_EDITABLE(widgetOf(field))));
+}
+
+} // namespace
+
+void waitForLayout(Platform::Window& window) {
+    EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(pageOf(window)) == TRUE; }, limit)) << "not shown";
+    runPending();
+    GdkFrameClock* clock = gtk_widget_get_frame_clock(pageOf(window));
+    bool isDrawn = false;
+    const Platform::SignalConnection drawn(
+        clock, "after-paint",
+        G_CALLBACK(+[](GdkFrameClock* /*clock*/, gpointer data) { *static_cast<bool*>(data) = true; }), &isDrawn);
+    gtk_widget_queue_draw(pageOf(window));
+    gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
+    EXPECT_TRUE(runUntil([&] { return isDrawn; }, limit)) << "not drawn";
+}
+
+Platform::Rect contentFrame(Platform::Window& window) { return boundsIn(pageOf(window), toplevelOf(window)); }
+
+Platform::Size nativeWindowSize(Platform::Window& window) {
+    GtkWidget* toplevel = toplevelOf(window);
+    return {.width = static_cast<double>(gtk_widget_get_width(toplevel)),
+            .height = static_cast<double>(gtk_widget_get_height(toplevel))};
+}
+
+Platform::Rect boundsInContent(Platform::View& view) { return boundsIn(widgetOf(view), pageOf(*view.window())); }
+
+bool isShown(Platform::View& view) {
+    return view.nativeIfMade() != nullptr && gtk_widget_get_mapped(widgetOf(view)) == TRUE;
+}
+
+bool resizeContent(Platform::Window& window, Platform::Size size) {
+    waitForLayout(window);
+    const auto whole = nativeWindowSize(window);
+    const auto content = contentFrame(window);
+    gtk_window_set_default_size(GTK_WINDOW(toplevelOf(window)),
+                                static_cast<int>(whole.width - content.width + size.width),
+                                static_cast<int>(whole.height - content.height + size.height));
+    const auto least = leastContentSize(window);
+    const Platform::Size got{.width = std::max(size.width, least.width), .height = std::max(size.height, least.height)};
+    const bool isDone = runUntil(
+        [&] {
+            const auto now = contentFrame(window);
+            return now.width == got.width && now.height == got.height;
+        },
+        limit);
+    EXPECT_TRUE(isDone) << "neither the size asked for nor the least one";
+    waitForLayout(window);
+    return isDone && got == size;
+}
+
+Platform::Size leastContentSize(Platform::Window& window) {
+    int width = 0;
+    int height = 0;
+    gtk_widget_measure(pageOf(window), GTK_ORIENTATION_HORIZONTAL, -1, &width, nullptr, nullptr, nullptr);
+    gtk_widget_measure(pageOf(window), GTK_ORIENTATION_VERTICAL, -1, &height, nullptr, nullptr, nullptr);
+    return {.width = static_cast<double>(width), .height = static_cast<double>(height)};
+}
+
+std::string nativeTitle(Platform::Window& window) { return gtk_window_get_title(GTK_WINDOW(toplevelOf(window))); }
+
+bool shareNativeWindow(Platform::Window& one, Platform::Window& other) {
+    return TabHost::of(one) && TabHost::of(one) == TabHost::of(other);
+}
+
+std::vector<std::string> tabTitles(Platform::Window& window) {
+    AdwTabView* view = hostOf(window).tabView();
+    std::vector<std::string> titles;
+    for (int i = 0; i < adw_tab_view_get_n_pages(view); ++i)
+        titles.emplace_back(adw_tab_page_get_title(adw_tab_view_get_nth_page(view, i)));
+    return titles;
+}
+
+bool isTabStripShown(Platform::Window& window) {
+    GtkWidget* strip = find(toplevelOf(window), [](GtkWidget* widget) { return ADW_IS_TAB_BAR(widget); });
+    return strip != nullptr && adw_tab_bar_get_tabs_revealed(ADW_TAB_BAR(strip)) == TRUE;
+}
+
+bool isSelectedTab(Platform::Window& window) { return hostOf(window).selectedWindow().get() == &window; }
+
+void selectTab(Platform::Window& window) {
+    AdwTabView* view = hostOf(window).tabView();
+    adw_tab_view_set_selected_page(view, adw_tab_view_get_page(view, pageOf(window)));
+}
+
+void closeTab(Platform::Window& window) {
+    AdwTabView* view = hostOf(window).tabView();
+    adw_tab_view_close_page(view, adw_tab_view_get_page(view, pageOf(window)));
+}
+
+void closeNativeWindow(Platform::Window& window) { gtk_window_close(GTK_WINDOW(toplevelOf(window))); }
+
+void clickNewTabButton(Platform::Window& window) {
+    GtkWidget* strip = find(toplevelOf(window), [](GtkWidget* widget) { return ADW_IS_TAB_BAR(widget); });
+    g_signal_emit_by_name(adw_tab_bar_get_end_action_widget(ADW_TAB_BAR(strip)), "clicked");
+}
+
+bool isActive(Platform::Window& window) { return gtk_window_is_active(GTK_WINDOW(toplevelOf(window))) == TRUE; }
+
+void activate(Platform::Window& window) {
+    startWindowManager();
+    gtk_window_present(GTK_WINDOW(toplevelOf(window)));
+    EXPECT_TRUE(runUntil([&] { return isActive(window); }, limit)) << "not active";
+    waitForLayout(window);
+}
+
+struct OtherWindow::Native {
+    GObjectPtr<GtkWidget> window = GObjectPtr<GtkWidget>::retain(gtk_window_new());
+};
+
+OtherWindow::OtherWindow()
+    : native_(std::make_unique<Native>()) {
+    startWindowManager();
+    GtkWindow* window = GTK_WINDOW(native_->window.get());
+    gtk_window_set_default_size(window, 300, 200);
+    gtk_window_present(window);
+    EXPECT_TRUE(runUntil([&] { return gtk_window_is_active(window) == TRUE; }, limit)) << "not active";
+}
+
+OtherWindow::~OtherWindow() { gtk_window_destroy(GTK_WINDOW(native_->window.get())); }
+
+void pressKey(const std::string& key) { runTool({"key", key}); }
+
+void typeText(const std::string& text) { runTool({"type", "--delay", "2", text}); }
+
+void click(Platform::View& view) {
+    GtkWidget* widget = widgetOf(view);
+    GtkNative* native = gtk_widget_get_native(widget);
+    const auto bounds = boundsIn(widget, GTK_WIDGET(native));
+    double surfaceX = 0;
+    double surfaceY = 0;
+    gtk_native_get_surface_transform(native, &surfaceX, &surfaceY);
+    const auto window = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
+    runTool({"mousemove", "--sync", "--window", std::to_string(window),
+             std::to_string(static_cast<int>(surfaceX + bounds.x + (bounds.width / 2))),
+             std::to_string(static_cast<int>(surfaceY + bounds.y + (bounds.height / 2)))});
+    runTool({"click", "1"});
+}
+
+bool hasFocus(Platform::View& view) {
+    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(toplevelOf(*view.window())));
+    return focus != nullptr && view.nativeIfMade() != nullptr &&
+           (focus == widgetOf(view) || gtk_widget_is_ancestor(focus, widgetOf(view)) == TRUE);
+}
+
+std::string selectedText(Platform::TextField& field) {
+    int begin = 0;
+    int end = 0;
+    if (gtk_editable_get_selection_bounds(GTK_EDITABLE(textOf(field)), &begin, &end) == FALSE)
+        return {};
+    g_autofree char* text = gtk_editable_get_chars(GTK_EDITABLE(textOf(field)), begin, end);
+    return text;
+}
+
+std::string shownText(Platform::TextField& field) { return gtk_editable_get_text(GTK_EDITABLE(textOf(field))); }
+
+std::optional<ShownSheet> shownSheet(Platform::Window& window) {
+    GtkWidget* sheet = sheetOf(window);
+    if (sheet == nullptr)
+        return std::nullopt;
+    ShownSheet shown;
+    walk(sheet, [&](GtkWidget* widget) {
+        if (GTK_IS_LABEL(widget))
+            shown.texts.emplace_back(gtk_label_get_text(GTK_LABEL(widget)));
+        return !GTK_IS_BUTTON(widget);
+    });
+    for (GtkButton* button : buttonsOf(sheet))
+        shown.buttons.emplace_back(gtk_button_get_label(button));
+    return shown;
+}
+
+void pressSheetButton(Platform::Window& window, const std::string& title) {
+    GtkWidget* sheet = sheetOf(window);
+    if (sheet == nullptr) {
+        ADD_FAILURE() << "no sheet";
+        return;
+    }
+    for (GtkButton* button : buttonsOf(sheet)) {
+        if (gtk_button_get_label(button) == title) {
+            g_signal_emit_by_name(button, "clicked");
+            return;
+        }
+    }
+    ADD_FAILURE() << "no button " << title;
+}
+
+void runScript(Platform::WebView& view, const std::string& script) {
+    webkit_web_view_evaluate_javascript(WEBKIT_WEB_VIEW(widgetOf(view)), script.c_str(), -1, nullptr, nullptr, nullptr,
+                                        nullptr, nullptr);
+}
+
+TrafficRedirection::TrafficRedirection(int port) {
+    static constexpr const char* here[] = {"127.0.0.1", "localhost", nullptr};
+    const std::string proxy = "http://127.0.0.1:" + std::to_string(port);
+    WebKitNetworkProxySettings* settings = webkit_network_proxy_settings_new(proxy.c_str(), here);
+    webkit_network_session_set_proxy_settings(
+        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_CUSTOM, settings);
+    webkit_network_proxy_settings_free(settings);
+}
+
+TrafficRedirection::~TrafficRedirection() {
+    webkit_network_session_set_proxy_settings(Platform::networkSession(Platform::WebsiteDataStore::defaultStore),
+                                              WEBKIT_NETWORK_PROXY_MODE_DEFAULT, nullptr);
+}
+
+} // namespace TestSupport
