@@ -72,7 +72,8 @@ void sendAll(int descriptor, std::string_view data) {
 
 std::string lowercase(std::string_view text) {
     std::string result(text);
-    std::ranges::transform(result, result.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::ranges::transform(result, result.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return result;
 }
 
@@ -131,7 +132,9 @@ std::string serialize(const HTTPResponse& response) {
 } // namespace
 
 HTTPResponse HTTPResponse::html(const std::string& body) {
-    return {.status = 200, .headers = {{"Content-Type", "text/html; charset=utf-8"}}, .body = body};
+    return {.status = 200,
+            .headers = {{"Content-Type", "text/html; charset=utf-8"}, {"Cache-Control", "no-store"}},
+            .body = body};
 }
 
 HTTPResponse HTTPResponse::page(const std::string& title) {
@@ -314,7 +317,9 @@ std::string HTTPServer::url(const std::string& path) const {
     return "http://127.0.0.1:" + std::to_string(port()) + path;
 }
 
-void HTTPServer::route(const std::string& path, Route route) { implementation_->route(path, std::move(route)); }
+void HTTPServer::route(const std::string& path, Route route) {
+    implementation_->route(path, std::move(route));
+}
 
 void HTTPServer::route(const std::string& path, const HTTPResponse& response) {
     route(path, [response](const HTTPRequest&) { return response; });
@@ -324,7 +329,9 @@ void HTTPServer::release(const std::string& path) { implementation_->release(pat
 
 std::size_t HTTPServer::count(const std::string& path) const { return requests(path).size(); }
 
-std::vector<HTTPRequest> HTTPServer::requests(const std::string& path) const { return implementation_->requests(path); }
+std::vector<HTTPRequest> HTTPServer::requests(const std::string& path) const {
+    return implementation_->requests(path);
+}
 
 HTTPServer::RefusedPort::RefusedPort()
     : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {

@@ -41,14 +41,16 @@ struct HTTPResponse {
     std::string body = {};
     Ending ending = Ending::complete;
 
+    /// A page that is asked for again each time it is shown.
     static HTTPResponse html(const std::string& body);
-    /// A page of this title.
+    /// The same, of this title.
     static HTTPResponse page(const std::string& title);
     static HTTPResponse redirect(const std::string& location, int status = 302);
 };
 
-/// A web server on a free port of loopback, on a thread of its own, that answers as the test says. Everything may be called
-/// from any thread; routes are called on the server's, one at a time, and must not call the server.
+/// A web server on a free port of loopback, on a thread of its own, that answers as the test says. Everything
+/// may be called from any thread; routes are called on the server's, one at a time, and must not call the
+/// server.
 class HTTPServer {
 public:
     using Route = std::function<HTTPResponse(const HTTPRequest&)>;

@@ -6,14 +6,14 @@
 
 namespace TestSupport {
 
-/// Runs the main loop until `condition` holds; false when it does not within `limit`. The condition is asked after every
-/// turn of the loop, and often enough besides for what other threads and processes change.
+/// Runs the main loop until `condition` holds; false when it does not within `limit`. The condition is asked
+/// after every turn of the loop, and often enough besides for what other threads and processes change.
 template <typename Condition>
-[[nodiscard]] bool runUntil(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(30)) {
+[[nodiscard]] bool runUntil(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
     constexpr guint pollInterval = 5;
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    const guint poll = g_timeout_add(
-        pollInterval, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    const guint poll =
+        g_timeout_add(pollInterval, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
     bool holds = condition();
     while (!holds && std::chrono::steady_clock::now() < deadline) {
         g_main_context_iteration(nullptr, TRUE);

@@ -49,6 +49,11 @@ protected:
                                                               : Extent{least.height, size.height};
             }
 
+            void place(Size size) override {
+                ViewLayout::setFrame(content, {0, 0, size.width, size.height});
+                FrameLayout::place(size);
+            }
+
             ContentView& content;
         };
         return makeContainer(*this, std::make_unique<Layout>(*this));

@@ -35,9 +35,8 @@ void refuseDownload(WebKitNetworkSession* /*session*/, WebKitDownload* download,
 WebKitNetworkSession* makeDefaultSession() {
     const auto data = privateFolder(g_get_user_data_dir());
     const auto cache = privateFolder(g_get_user_cache_dir());
-    WebKitNetworkSession* session = data && cache
-                                        ? webkit_network_session_new(data->c_str(), cache->c_str())
-                                        : webkit_network_session_new_ephemeral();
+    WebKitNetworkSession* session = data && cache ? webkit_network_session_new(data->c_str(), cache->c_str())
+                                                  : webkit_network_session_new_ephemeral();
     if (data && cache) {
         webkit_cookie_manager_set_persistent_storage(webkit_network_session_get_cookie_manager(session),
                                                      (*data + "/cookies.sqlite").c_str(),

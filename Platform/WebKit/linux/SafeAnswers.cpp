@@ -10,7 +10,8 @@ namespace {
 
 bool isAttachment(WebKitURIResponse* response) {
     SoupMessageHeaders* headers = webkit_uri_response_get_http_headers(response);
-    const char* disposition = headers ? soup_message_headers_get_one(headers, "Content-Disposition") : nullptr;
+    const char* disposition =
+        headers ? soup_message_headers_get_one(headers, "Content-Disposition") : nullptr;
     if (!disposition)
         return false;
     std::string_view type = disposition;
@@ -40,12 +41,12 @@ gboolean scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpoin
     // A refused departure would leave the view between two pages.
     if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM)
         webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
-    webkit_script_dialog_close(dialog);
+    // Nobody holds the dialog, so that it closes when this returns.
     return TRUE;
 }
 
-gboolean loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/, const char* /*uri*/, GError* /*error*/,
-                    gpointer /*data*/) {
+gboolean loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/, const char* /*uri*/,
+                    GError* /*error*/, gpointer /*data*/) {
     return TRUE;
 }
 
@@ -70,7 +71,9 @@ gboolean runFileChooser(WebKitWebView* /*view*/, WebKitFileChooserRequest* reque
     return TRUE;
 }
 
-gboolean print(WebKitWebView* /*view*/, WebKitPrintOperation* /*operation*/, gpointer /*data*/) { return TRUE; }
+gboolean print(WebKitWebView* /*view*/, WebKitPrintOperation* /*operation*/, gpointer /*data*/) {
+    return TRUE;
+}
 
 gboolean enterFullscreen(WebKitWebView* /*view*/, gpointer /*data*/) { return TRUE; }
 
@@ -106,7 +109,8 @@ void removeRefused(WebKitContextMenu* menu) {
     }
 }
 
-gboolean contextMenu(WebKitWebView* /*view*/, WebKitContextMenu* menu, WebKitHitTestResult* /*hit*/, gpointer /*data*/) {
+gboolean contextMenu(WebKitWebView* /*view*/, WebKitContextMenu* menu, WebKitHitTestResult* /*hit*/,
+                     gpointer /*data*/) {
     removeRefused(menu);
     return webkit_context_menu_get_n_items(menu) == 0 ? TRUE : FALSE;
 }

@@ -15,7 +15,8 @@ void ScriptDialog::answer(bool confirmed) {
         return;
     if (webkit_script_dialog_get_dialog_type(dialog.get()) == WEBKIT_SCRIPT_DIALOG_CONFIRM)
         webkit_script_dialog_confirm_set_confirmed(dialog.get(), confirmed ? TRUE : FALSE);
-    webkit_script_dialog_close(dialog.get());
+    // Giving the last reference back closes the dialog. To close it by hand is an error while the engine
+    // still tells of it, for then it has the last word.
 }
 
 } // namespace Platform

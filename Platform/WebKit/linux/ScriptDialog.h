@@ -6,8 +6,8 @@
 
 namespace Platform {
 
-/// A page's alert or confirmation that waits for its answer. Only the first answer counts; without one, destruction
-/// gives the safe one.
+/// A page's alert or confirmation that waits for its answer. Only the first answer counts; without one,
+/// destruction gives the safe one.
 class ScriptDialog {
 public:
     explicit ScriptDialog(WebKitScriptDialog* dialog);

@@ -26,12 +26,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// After an end of the web process so soon behind the one before, the page itself is to blame: reloading it would
-/// only repeat it.
+/// After an end of the web process so soon behind the one before, the page itself is to blame: reloading it
+/// would only repeat it.
 constexpr auto processEndsInARow = std::chrono::minutes(1);
 
-/// How long the engine may take to confirm that it stopped a load whose time was up. It does not when its web process
-/// hangs.
+/// How long the engine may take to confirm that it stopped a load whose time was up. It does not when its web
+/// process hangs.
 constexpr Timer::Interval stopLimit = 1;
 
 GObjectPtr<WebKitSettings> makeSettings() {
@@ -40,7 +40,8 @@ GObjectPtr<WebKitSettings> makeSettings() {
     webkit_settings_set_enable_fullscreen(settings.get(), FALSE);
     static const bool software = !hasRenderNode();
     if (software)
-        webkit_settings_set_hardware_acceleration_policy(settings.get(), WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+        webkit_settings_set_hardware_acceleration_policy(settings.get(),
+                                                         WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
     return settings;
 }
 
@@ -49,16 +50,13 @@ GObjectPtr<WebKitWebView> makeWebKitView(WebViewConfiguration& configuration) {
     const auto settings = makeSettings();
     const auto opener = std::exchange(native.opener, {});
     // The session goes with the opener; giving it once more is an error.
-    auto* object = opener ? g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", opener.get(), "settings",
-                                         settings.get(), "user-content-manager",
-                                         native.userContentManager.get(), nullptr)
-                          : g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
-                                         networkSession(configuration.websiteDataStore()), "settings",
-                                         settings.get(), "user-content-manager",
-                                         native.userContentManager.get(), nullptr);
-    auto view = GObjectPtr<WebKitWebView>::retain(WEBKIT_WEB_VIEW(object));
-    giveSafeAnswers(view.get());
-    return view;
+    auto* object =
+        opener ? g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", opener.get(), "settings", settings.get(),
+                              "user-content-manager", native.userContentManager.get(), nullptr)
+               : g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
+                              networkSession(configuration.websiteDataStore()), "settings", settings.get(),
+                              "user-content-manager", native.userContentManager.get(), nullptr);
+    return GObjectPtr<WebKitWebView>::retain(WEBKIT_WEB_VIEW(object));
 }
 
 std::optional<std::string> nonEmpty(const char* text) {
@@ -89,8 +87,8 @@ gboolean releaseLater(gpointer /*view*/) { return G_SOURCE_REMOVE; }
 
 } // namespace
 
-/// What connects the view with the engine's widget. It ends with the view, and all its handlers with it; the widget may
-/// live on while the toolkit holds it.
+/// What connects the view with the engine's widget. It ends with the view, and all its handlers with it; the
+/// widget may live on while the toolkit holds it.
 struct WebView::Engine : std::enable_shared_from_this<Engine> {
     Engine(WebView& owner, WebViewConfiguration& configuration);
     Engine(const Engine&) = delete;
@@ -103,7 +101,8 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
         bool ended = false;
     };
 
-    /// How far the navigation that the program asked for has come, or one that the page began itself from `started` on.
+    /// How far the navigation that the program asked for has come, or one that the page began itself from
+    /// `started` on.
     enum class Phase {
         idle,
         requested,
@@ -144,9 +143,10 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     void prewarm();
 
     static void loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer data);
-    static gboolean loadFailed(WebKitWebView*, WebKitLoadEvent event, const char* uri, GError* error, gpointer data);
-    static gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
-                                 gpointer data);
+    static gboolean loadFailed(WebKitWebView*, WebKitLoadEvent event, const char* uri, GError* error,
+                               gpointer data);
+    static gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision,
+                                 WebKitPolicyDecisionType type, gpointer data);
     static GtkWidget* createView(WebKitWebView*, WebKitNavigationAction* action, gpointer data);
     static gboolean scriptDialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer data);
     static void webProcessTerminated(WebKitWebView*, WebKitWebProcessTerminationReason reason, gpointer data);
@@ -197,7 +197,8 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
 WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
     : owner(owner)
     , view(makeWebKitView(configuration)) {
-    const auto notified = [this](const char* property, void (*callback)(WebKitWebView*, GParamSpec*, gpointer)) {
+    const auto notified = [this](const char* property,
+                                 void (*callback)(WebKitWebView*, GParamSpec*, gpointer)) {
         connect(view.get(), property, callback);
     };
     notified("notify::uri", [](WebKitWebView*, GParamSpec*, gpointer data) {
@@ -221,12 +222,13 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
         if (const auto kept = engine.keep())
             engine.updateIsLoading();
     });
-    connect(webkit_web_view_get_back_forward_list(view.get()), "changed",
-            +[](WebKitBackForwardList*, WebKitBackForwardListItem*, gpointer, gpointer data) {
-                auto& engine = *static_cast<Engine*>(data);
-                if (const auto kept = engine.keep())
-                    engine.updateHistory();
-            });
+    connect(
+        webkit_web_view_get_back_forward_list(view.get()), "changed",
+        +[](WebKitBackForwardList*, WebKitBackForwardListItem*, gpointer, gpointer data) {
+            auto& engine = *static_cast<Engine*>(data);
+            if (const auto kept = engine.keep())
+                engine.updateHistory();
+        });
     connect(view.get(), "load-changed", &loadChanged);
     connect(view.get(), "load-failed", &loadFailed);
     connect(view.get(), "decide-policy", &decidePolicy);
@@ -234,6 +236,8 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
     connect(view.get(), "script-dialog", &scriptDialog);
     connect(view.get(), "web-process-terminated", &webProcessTerminated);
     connect(view.get(), "map", &mapped);
+    // Behind the others, for the first answer counts.
+    giveSafeAnswers(view.get());
 }
 
 WebView::Engine::~Engine() {
@@ -244,8 +248,8 @@ WebView::Engine::~Engine() {
         if (const auto pending = dialog.lock())
             pending->answer(false);
     }
-    // The view may be let go from inside one of the widget's signals, whose emitter still works with the widget when the
-    // handler returns.
+    // The view may be let go from inside one of the widget's signals, whose emitter still works with the
+    // widget when the handler returns.
     auto* widget = view.get();
     g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, releaseLater, g_object_ref(widget), g_object_unref);
 }
@@ -284,14 +288,15 @@ void WebView::Engine::updateIsLoading() {
     const bool now = webkit_web_view_is_loading(view.get());
     if (now)
         processEnded = false;
-    else
+    else if (phase != Phase::requested) // or it is the navigation before that is given up
         endNavigation();
     update(isLoading, now, Property::isLoading);
 }
 
 void WebView::Engine::updateHistory() {
     update(canGoBack, static_cast<bool>(webkit_web_view_can_go_back(view.get())), Property::canGoBack);
-    update(canGoForward, static_cast<bool>(webkit_web_view_can_go_forward(view.get())), Property::canGoForward);
+    update(canGoForward, static_cast<bool>(webkit_web_view_can_go_forward(view.get())),
+           Property::canGoForward);
 }
 
 // Navigation
@@ -331,7 +336,8 @@ void WebView::Engine::reload() {
 }
 
 void WebView::Engine::stop() {
-    // Before the engine has asked about the navigation it only forgets it, and would report it as loading for good.
+    // Before the engine has asked about the navigation it only forgets it, and would report it as loading for
+    // good.
     if (phase == Phase::requested && isLoading)
         stoppedURI = nonEmpty(webkit_web_view_get_uri(view.get()));
     timeout.reset();
@@ -374,23 +380,28 @@ gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision
     const auto kept = engine.keep();
     if (!kept || type != WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION)
         return FALSE;
-    auto* action = webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+    auto* action =
+        webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     const std::string uri = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
-    const bool isRequested = engine.phase == Phase::requested && nonEmpty(webkit_web_view_get_uri(view)) == uri;
+    const bool isRequested =
+        engine.phase == Phase::requested && nonEmpty(webkit_web_view_get_uri(view)) == uri;
     if (engine.stoppedURI == uri) {
-        engine.stoppedURI.reset();
+        engine.endNavigation();
         webkit_policy_decision_ignore(decision);
         return TRUE;
     }
     if (usesRestrictedPort(uri.c_str())) {
         if (webkit_navigation_action_is_redirect(action))
             engine.restrictedURI = uri;
+        if (isRequested)
+            engine.endNavigation();
         webkit_policy_decision_ignore(decision);
         if (isRequested) {
-            engine.report(WEBKIT_LOAD_STARTED, Error{.domain = webKitErrorDomain,
-                                                     .code = webKitErrorRestrictedPort,
-                                                     .localizedDescription = "Not allowed to use restricted network port",
-                                                     .failingURL = uri});
+            engine.report(WEBKIT_LOAD_STARTED,
+                          Error{.domain = webKitErrorDomain,
+                                .code = webKitErrorRestrictedPort,
+                                .localizedDescription = "Not allowed to use restricted network port",
+                                .failingURL = uri});
         }
         return TRUE;
     }
@@ -411,8 +422,8 @@ void WebView::Engine::report(WebKitLoadEvent event, const Error& error) {
         delegate->didFailProvisionalNavigation(owner, error);
 }
 
-gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent event, const char* uri, GError* error,
-                                     gpointer data) {
+gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent event, const char* uri,
+                                     GError* error, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
     if (!kept)
@@ -447,6 +458,8 @@ void WebView::Engine::startTimeout() {
 }
 
 void WebView::Engine::timedOut() {
+    if (!isLoading)
+        return;
     const auto failingURL = url ? std::optional<std::string>(url->absoluteString()) : std::nullopt;
     const bool willFail = phase == Phase::started;
     stop();
@@ -523,8 +536,8 @@ gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
 
 // The web process
 
-void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/, WebKitWebProcessTerminationReason /*reason*/,
-                                           gpointer data) {
+void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
+                                           WebKitWebProcessTerminationReason /*reason*/, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
     if (!kept)
@@ -576,8 +589,8 @@ void WebView::Engine::mapped(GtkWidget* widget, gpointer data) {
         });
     }
     if (engine.fresh) {
-        engine.paintConnection = SignalConnection(gtk_widget_get_frame_clock(widget), "after-paint",
-                                                  G_CALLBACK(painted), data);
+        engine.paintConnection =
+            SignalConnection(gtk_widget_get_frame_clock(widget), "after-paint", G_CALLBACK(painted), data);
     }
 }
 
@@ -590,9 +603,9 @@ void WebView::Engine::painted(GdkFrameClock* /*clock*/, gpointer data) {
     engine.paintConnection.disconnect();
 }
 
-/// Starting the web process takes longer than everything else of a first load, and an empty page needs none. Once the
-/// window stands it is started all the same, while the user still types the address: a script that does nothing needs
-/// one, and touches neither history nor properties.
+/// Starting the web process takes longer than everything else of a first load, and an empty page needs none.
+/// Once the window stands it is started all the same, while the user still types the address: a script that
+/// does nothing needs one, and touches neither history nor properties.
 void WebView::Engine::prewarm() {
     if (std::exchange(fresh, false))
         webkit_web_view_evaluate_javascript(view.get(), "1", -1, nullptr, nullptr, nullptr, nullptr, nullptr);
@@ -687,8 +700,8 @@ void WebView::goForward() {
 
 void WebView::setAllowsBackForwardNavigationGestures(bool allows) {
     assertMainThread("WebView::setAllowsBackForwardNavigationGestures");
-    webkit_settings_set_enable_back_forward_navigation_gestures(webkit_web_view_get_settings(engine_->view.get()),
-                                                                allows ? TRUE : FALSE);
+    webkit_settings_set_enable_back_forward_navigation_gestures(
+        webkit_web_view_get_settings(engine_->view.get()), allows ? TRUE : FALSE);
 }
 
 void WebView::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {

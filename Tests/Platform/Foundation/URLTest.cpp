@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <stdexcept>
 #include <unordered_set>
 
 namespace {
@@ -115,6 +117,11 @@ TEST(URL, pathsOfOtherBytesAreEmpty) {
     EXPECT_EQ(parsed("https://%FF.test/").host(), std::nullopt);
 }
 
+TEST(URL, aPathsLeadingByteOrderMarkIsNotShown) {
+    EXPECT_EQ(parsed("\uFEFF\uFEFFa").path(), "\uFEFFa");
+    EXPECT_EQ(parsed("https://x.test/\uFEFFa").path(), "/\uFEFFa");
+}
+
 TEST(URL, equalityIsThatOfTheTexts) {
     EXPECT_EQ(parsed("https://x.test/"), parsed("https://x.test/"));
     EXPECT_EQ(parsed("https://x.test/ "), parsed("https://x.test/%20"));
@@ -149,7 +156,7 @@ TEST(URL, megabytesAreParsed) {
     EXPECT_EQ(parsed("https://x.test/?" + wide).absoluteString().size(), 16 + 9 * 300'000U);
     EXPECT_EQ(parsed("https://" + letters + "/").host(), letters);
     EXPECT_EQ(URL::fromString("https://" + wide + "/"), std::nullopt) << "far longer than any domain name";
-    EXPECT_EQ(parsed("https://" + std::string(1'000'000, '@') + "x/").user()->size(), 999'999U);
+    EXPECT_EQ(parsed("https://" + std::string(1'000'000, '@') + "x/").user(), std::string(999'999, '@'));
     EXPECT_EQ(URL::fromString("https://x:" + std::string(1'000'000, ':')), std::nullopt);
 }
 

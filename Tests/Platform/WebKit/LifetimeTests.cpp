@@ -13,7 +13,8 @@ namespace {
 class WebViewLifetime : public WebViewTest {
 protected:
     static std::ptrdiff_t openDescriptors() {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                             std::filesystem::directory_iterator());
     }
 };
 
@@ -45,8 +46,10 @@ TEST_F(WebViewLifetime, aHundredViewsLeaveNothingBehind) {
             }
         }
     }
-    EXPECT_TRUE(runUntil([&] { return std::ranges::all_of(widgets, [](gpointer widget) { return widget == nullptr; }); }))
-        << std::ranges::count_if(widgets, [](gpointer widget) { return widget != nullptr; }) << " widgets are left";
+    EXPECT_TRUE(runUntil([&] {
+        return std::ranges::all_of(widgets, [](gpointer widget) { return widget == nullptr; });
+    })) << std::ranges::count_if(widgets, [](gpointer widget) { return widget != nullptr; })
+        << " widgets are left";
     EXPECT_TRUE(runUntil([&] { return webProcesses().size() <= processes; })) << webProcesses().size();
     EXPECT_TRUE(runUntil([&] { return openDescriptors() <= descriptors; }))
         << openDescriptors() << " descriptors after " << descriptors;

@@ -33,7 +33,8 @@ TEST_F(WebViewNewWindow, aScriptMayOpenOneWithoutAGesture) {
     acceptWindows();
     server.route("/child", HTTPResponse::html("<title>Child</title><script>document.title = 'Child of ' + "
                                               "(opener ? opener.document.title : 'nobody')</script>"));
-    EXPECT_EQ(evaluate(*opener, "window.opened = window.open('/child'); opened ? 'opened' : 'refused'"), "opened");
+    EXPECT_EQ(evaluate(*opener, "window.opened = window.open('/child'); opened ? 'opened' : 'refused'"),
+              "opened");
     ASSERT_EQ(children.size(), 1U);
     EXPECT_TRUE(waitForTitle(*children[0], "Child of /opener"));
     EXPECT_EQ(evaluate(*opener, "opened.document.title"), "Child of /opener");
@@ -48,9 +49,11 @@ TEST_F(WebViewNewWindow, hasTheOpenersSettingsContentAndSession) {
     ASSERT_EQ(children.size(), 1U);
     WebKitWebView* parent = widgetOf(*opener);
     WebKitWebView* child = widgetOf(*children[0]);
-    EXPECT_EQ(webkit_web_view_get_user_content_manager(parent), webkit_web_view_get_user_content_manager(child));
+    EXPECT_EQ(webkit_web_view_get_user_content_manager(parent),
+              webkit_web_view_get_user_content_manager(child));
     EXPECT_EQ(webkit_web_view_get_network_session(parent), webkit_web_view_get_network_session(child));
-    EXPECT_TRUE(webkit_settings_get_javascript_can_open_windows_automatically(webkit_web_view_get_settings(child)));
+    EXPECT_TRUE(
+        webkit_settings_get_javascript_can_open_windows_automatically(webkit_web_view_get_settings(child)));
     EXPECT_FALSE(webkit_settings_get_enable_fullscreen(webkit_web_view_get_settings(child)));
 }
 
@@ -65,8 +68,9 @@ TEST_F(WebViewNewWindow, aLinkMayOpenOne) {
 TEST_F(WebViewNewWindow, aFormMayOpenOneWithItsMethod) {
     acceptWindows();
     server.route("/child", HTTPResponse::page("Child"));
-    run(*opener, "document.body.innerHTML = '<form id=f target=_blank method=post action=/child><input name=a "
-                 "value=b></form>'; f.submit()");
+    run(*opener,
+        "document.body.innerHTML = '<form id=f target=_blank method=post action=/child><input name=a "
+        "value=b></form>'; f.submit()");
     ASSERT_TRUE(runUntil([&] { return children.size() == 1; }));
     EXPECT_TRUE(waitForTitle(*children[0], "Child"));
     EXPECT_EQ(ui->windows[0].method, "POST");

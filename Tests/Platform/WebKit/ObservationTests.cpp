@@ -39,10 +39,12 @@ TEST_F(WebViewObservation, aFreshViewHasNothing) {
 TEST_F(WebViewObservation, aLoadShowsItsURLAtOnceAndItsTitleWhenItIsThere) {
     const auto view = makeView();
     std::vector<std::string> told;
-    const auto url = view->observe(Property::url, [&] { told.push_back("url " + view->url()->absoluteString()); });
-    const auto title = view->observe(Property::title, [&] { told.push_back("title " + view->title().value_or("-")); });
-    const auto loading =
-        view->observe(Property::isLoading, [&] { told.emplace_back(view->isLoading() ? "loading" : "loaded"); });
+    const auto url =
+        view->observe(Property::url, [&] { told.push_back("url " + view->url()->absoluteString()); });
+    const auto title =
+        view->observe(Property::title, [&] { told.push_back("title " + view->title().value_or("-")); });
+    const auto loading = view->observe(Property::isLoading,
+                                       [&] { told.emplace_back(view->isLoading() ? "loading" : "loaded"); });
     EXPECT_TRUE(told.empty()) << "an observation does not begin with a call";
 
     server.route("/page", HTTPResponse::page("A page"));

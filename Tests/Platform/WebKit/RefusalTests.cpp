@@ -1,6 +1,5 @@
-#include "Tests/Platform/WebKit/WebViewFixture.h"
-
 #include "Platform/WebKit/linux/NetworkSession.h"
+#include "Tests/Platform/WebKit/WebViewFixture.h"
 #include "Tests/Support/Display.h"
 
 #include <filesystem>
@@ -17,7 +16,8 @@ protected:
     /// The files that a download leaves behind, wherever the engine may put them.
     static std::vector<std::string> filesNamed(const std::string& part) {
         std::vector<std::string> result;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(TestSupport::sessionDirectory())) {
+        for (const auto& entry :
+             std::filesystem::recursive_directory_iterator(TestSupport::sessionDirectory())) {
             if (entry.path().filename().string().find(part) != std::string::npos)
                 result.push_back(entry.path());
         }
@@ -63,7 +63,8 @@ bool showsContextMenu(WebKitWebView* view, WebKitContextMenu* menu) {
 TEST_F(WebViewRefusal, anAttachmentIsNotSaved) {
     const auto view = makeView();
     ASSERT_TRUE(loadPage(*view, "/before"));
-    for (const char* disposition : {"attachment; filename=saved.html", " Attachment ;filename=saved.html", "ATTACHMENT"}) {
+    for (const char* disposition :
+         {"attachment; filename=saved.html", " Attachment ;filename=saved.html", "ATTACHMENT"}) {
         navigation->failures.clear();
         server.route("/attachment", attachment(disposition));
         view->load(request(server.url("/attachment")));
@@ -108,7 +109,8 @@ TEST_F(WebViewRefusal, aDownloadLinkSavesNothing) {
                                       }),
                                       &downloads);
     server.route("/file", HTTPResponse::page("File"));
-    run(*view, "document.body.innerHTML = '<a id=a download=\"saved-by-link.html\" href=/file>x</a>'; a.click()");
+    run(*view,
+        "document.body.innerHTML = '<a id=a download=\"saved-by-link.html\" href=/file>x</a>'; a.click()");
     ASSERT_TRUE(runUntil([&] { return downloads == 1 || server.count("/file") == 1; }));
     runFor(0.5);
     EXPECT_EQ(filesNamed("saved-by-link"), std::vector<std::string>());
@@ -121,12 +123,12 @@ TEST_F(WebViewRefusal, aDownloadLinkSavesNothing) {
 
 TEST_F(WebViewRefusal, theContextMenuOffersNoDownload) {
     const auto view = makeView();
-    const auto menu = menuOf({WEBKIT_CONTEXT_MENU_ACTION_OPEN_LINK, WEBKIT_CONTEXT_MENU_ACTION_DOWNLOAD_LINK_TO_DISK,
-                              WEBKIT_CONTEXT_MENU_ACTION_NO_ACTION, WEBKIT_CONTEXT_MENU_ACTION_DOWNLOAD_IMAGE_TO_DISK,
-                              WEBKIT_CONTEXT_MENU_ACTION_NO_ACTION, WEBKIT_CONTEXT_MENU_ACTION_MEDIA_PLAY,
-                              WEBKIT_CONTEXT_MENU_ACTION_DOWNLOAD_VIDEO_TO_DISK,
-                              WEBKIT_CONTEXT_MENU_ACTION_ENTER_VIDEO_FULLSCREEN, WEBKIT_CONTEXT_MENU_ACTION_NO_ACTION,
-                              WEBKIT_CONTEXT_MENU_ACTION_DOWNLOAD_AUDIO_TO_DISK});
+    const auto menu = menuOf(
+        {WEBKIT_CONTEXT_MENU_ACTION_OPEN_LINK, WEBKIT_CONTEXT_MENU_ACTION_DOWNLOAD_LINK_TO_DISK,
+         WEBKIT_CONTEXT_MENU_ACTION_NO_ACTION, WEBKIT_CONTEXT_MENU_ACTION_DOWNLOAD_IMAGE_TO_DISK,
+         WEBKIT_CONTEXT_MENU_ACTION_NO_ACTION, WEBKIT_CONTEXT_MENU_ACTION_MEDIA_PLAY,
+         WEBKIT_CONTEXT_MENU_ACTION_DOWNLOAD_VIDEO_TO_DISK, WEBKIT_CONTEXT_MENU_ACTION_ENTER_VIDEO_FULLSCREEN,
+         WEBKIT_CONTEXT_MENU_ACTION_NO_ACTION, WEBKIT_CONTEXT_MENU_ACTION_DOWNLOAD_AUDIO_TO_DISK});
     EXPECT_TRUE(showsContextMenu(widgetOf(*view), menu.get()));
     EXPECT_EQ(actionsOf(menu.get()),
               (std::vector<WebKitContextMenuAction>{WEBKIT_CONTEXT_MENU_ACTION_OPEN_LINK,
@@ -152,8 +154,9 @@ TEST_F(WebViewRefusal, permissionsAreRefused) {
 TEST_F(WebViewRefusal, fullScreenIsRefused) {
     const auto view = makeView();
     ASSERT_TRUE(loadPage(*view, "/page"));
-    EXPECT_EQ(evaluate(*view, "String(document.fullscreenEnabled || document.webkitFullscreenEnabled || false)"),
-              "false");
+    EXPECT_EQ(
+        evaluate(*view, "String(document.fullscreenEnabled || document.webkitFullscreenEnabled || false)"),
+        "false");
     gboolean isHandled = FALSE;
     g_signal_emit_by_name(widgetOf(*view), "enter-fullscreen", &isHandled);
     EXPECT_TRUE(isHandled);
@@ -189,7 +192,8 @@ TEST_F(WebViewRefusal, theWidgetKeepsItsAnswersWhenTheViewIsGone) {
     view.reset();
     TestSupport::runPending();
     ui->panels.clear();
-    webkit_web_view_evaluate_javascript(widget.get(), "document.title = 'got ' + confirm('Sure?') + window.open('/')", -1,
+    webkit_web_view_evaluate_javascript(widget.get(),
+                                        "document.title = 'got ' + confirm('Sure?') + window.open('/')", -1,
                                         nullptr, nullptr, nullptr, nullptr, nullptr);
     EXPECT_TRUE(runUntil([&] {
         const char* title = webkit_web_view_get_title(widget.get());

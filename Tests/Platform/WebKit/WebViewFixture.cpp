@@ -14,19 +14,22 @@ using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 
 void RecordingNavigationDelegate::didFailNavigation(WebView& webView, const Error& error) {
-    failures.push_back({.provisional = false, .error = error, .url = webView.url(), .isLoading = webView.isLoading()});
+    failures.push_back(
+        {.provisional = false, .error = error, .url = webView.url(), .isLoading = webView.isLoading()});
     if (onFailure)
         onFailure();
 }
 
 void RecordingNavigationDelegate::didFailProvisionalNavigation(WebView& webView, const Error& error) {
-    failures.push_back({.provisional = true, .error = error, .url = webView.url(), .isLoading = webView.isLoading()});
+    failures.push_back(
+        {.provisional = true, .error = error, .url = webView.url(), .isLoading = webView.isLoading()});
     if (onFailure)
         onFailure();
 }
 
 std::shared_ptr<WebView>
-RecordingUIDelegate::createWebView(WebView& /*webView*/, const std::shared_ptr<WebViewConfiguration>& configuration,
+RecordingUIDelegate::createWebView(WebView& /*webView*/,
+                                   const std::shared_ptr<WebViewConfiguration>& configuration,
                                    const NavigationAction& action) {
     windows.push_back(action);
     return onCreate ? onCreate(configuration) : nullptr;
@@ -40,7 +43,8 @@ void RecordingUIDelegate::runJavaScriptAlertPanel(WebView& /*webView*/, const st
 }
 
 void RecordingUIDelegate::runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& message,
-                                                    const FrameInfo& frame, std::function<void(bool)> completion) {
+                                                    const FrameInfo& frame,
+                                                    std::function<void(bool)> completion) {
     panels.push_back({.message = message, .url = frame.url, .alert = {}, .confirm = std::move(completion)});
     if (onPanel)
         onPanel();
@@ -59,9 +63,8 @@ TestWindow::~TestWindow() {
 
 void TestWindow::show() {
     gtk_window_present(GTK_WINDOW(window_.get()));
-    EXPECT_TRUE(runUntil([this] {
-        return gtk_widget_get_mapped(gtk_window_get_child(GTK_WINDOW(window_.get()))) == TRUE;
-    }));
+    EXPECT_TRUE(runUntil(
+        [this] { return gtk_widget_get_mapped(gtk_window_get_child(GTK_WINDOW(window_.get()))) == TRUE; }));
 }
 
 void TestWindow::hide() { gtk_widget_set_visible(window_.get(), FALSE); }
@@ -112,7 +115,8 @@ std::string WebViewTest::evaluate(WebView& view, const std::string& script) {
 }
 
 void WebViewTest::run(WebView& view, const std::string& script) {
-    webkit_web_view_evaluate_javascript(widgetOf(view), script.c_str(), -1, nullptr, nullptr, nullptr, nullptr, nullptr);
+    webkit_web_view_evaluate_javascript(widgetOf(view), script.c_str(), -1, nullptr, nullptr, nullptr,
+                                        nullptr, nullptr);
 }
 
 bool WebViewTest::waitForTitle(WebView& view, const std::string& title) {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/Foundation/Timer.h"
 #include "Platform/WebKit/WebView.h"
-#include "Platform/AppKit/linux/ViewNative.h"
 #include "Tests/Support/HTTPServer.h"
 #include "Tests/Support/MainLoop.h"
 
@@ -33,15 +33,18 @@ struct RecordingNavigationDelegate final : Platform::NavigationDelegate {
 
 /// Keeps what it was asked, and answers as the test says.
 struct RecordingUIDelegate final : Platform::UIDelegate {
-    std::shared_ptr<Platform::WebView> createWebView(Platform::WebView& webView,
-                                                     const std::shared_ptr<Platform::WebViewConfiguration>& configuration,
-                                                     const Platform::NavigationAction& action) override;
+    std::shared_ptr<Platform::WebView>
+    createWebView(Platform::WebView& webView,
+                  const std::shared_ptr<Platform::WebViewConfiguration>& configuration,
+                  const Platform::NavigationAction& action) override;
     void runJavaScriptAlertPanel(Platform::WebView& webView, const std::string& message,
                                  const Platform::FrameInfo& frame, std::function<void()> completion) override;
     void runJavaScriptConfirmPanel(Platform::WebView& webView, const std::string& message,
-                                   const Platform::FrameInfo& frame, std::function<void(bool)> completion) override;
+                                   const Platform::FrameInfo& frame,
+                                   std::function<void(bool)> completion) override;
 
-    std::function<std::shared_ptr<Platform::WebView>(const std::shared_ptr<Platform::WebViewConfiguration>&)> onCreate;
+    std::function<std::shared_ptr<Platform::WebView>(const std::shared_ptr<Platform::WebViewConfiguration>&)>
+        onCreate;
     std::vector<Platform::NavigationAction> windows;
 
     struct Panel {
@@ -78,9 +81,8 @@ protected:
     using Property = Platform::WebView::Property;
 
     /// A view with both delegates.
-    std::shared_ptr<Platform::WebView>
-    makeView(const std::shared_ptr<Platform::WebViewConfiguration>& configuration =
-                 Platform::WebViewConfiguration::create());
+    std::shared_ptr<Platform::WebView> makeView(const std::shared_ptr<Platform::WebViewConfiguration>&
+                                                    configuration = Platform::WebViewConfiguration::create());
 
     static WebKitWebView* widgetOf(Platform::WebView& view);
     static Platform::URLRequest request(const std::string& url, double timeoutInterval = 60);

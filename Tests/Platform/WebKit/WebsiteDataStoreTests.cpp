@@ -1,6 +1,5 @@
-#include "Tests/Platform/WebKit/WebViewFixture.h"
-
 #include "Platform/WebKit/linux/NetworkSession.h"
+#include "Tests/Platform/WebKit/WebViewFixture.h"
 
 #include <filesystem>
 #include <fstream>
@@ -34,9 +33,9 @@ TEST_F(DefaultWebsiteDataStore, isMadeByTheFirstView) {
 TEST_F(DefaultWebsiteDataStore, onlyTheUserMayEnter) {
     // As an older version, or somebody else, may have left it.
     std::filesystem::create_directories(folder(g_get_user_data_dir()));
-    std::filesystem::permissions(folder(g_get_user_data_dir()),
-                                 std::filesystem::perms::owner_all | std::filesystem::perms::others_read |
-                                     std::filesystem::perms::others_exec);
+    std::filesystem::permissions(folder(g_get_user_data_dir()), std::filesystem::perms::owner_all |
+                                                                    std::filesystem::perms::others_read |
+                                                                    std::filesystem::perms::others_exec);
     const auto view = makeView();
     EXPECT_EQ(permissions(folder(g_get_user_data_dir())), std::filesystem::perms::owner_all);
     EXPECT_EQ(permissions(folder(g_get_user_cache_dir())), std::filesystem::perms::owner_all);
@@ -52,7 +51,8 @@ TEST_F(DefaultWebsiteDataStore, keepsCookiesAndStorage) {
     view->load(request(server.url("/page")));
     ASSERT_TRUE(waitForTitle(*view, "Page"));
     EXPECT_EQ(evaluate(*view, "localStorage.kept = 'yes'; document.cookie"), "kept=yes");
-    EXPECT_TRUE(runUntil([] { return std::filesystem::exists(folder(g_get_user_data_dir()) / "cookies.sqlite"); }));
+    EXPECT_TRUE(
+        runUntil([] { return std::filesystem::exists(folder(g_get_user_data_dir()) / "cookies.sqlite"); }));
     EXPECT_TRUE(runUntil([] {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(
                  folder(g_get_user_data_dir()), std::filesystem::directory_options::skip_permission_denied)) {
@@ -66,7 +66,8 @@ TEST_F(DefaultWebsiteDataStore, keepsCookiesAndStorage) {
 TEST_F(DefaultWebsiteDataStore, isSharedByAllViews) {
     const auto one = makeView();
     const auto other = makeView();
-    EXPECT_EQ(webkit_web_view_get_network_session(widgetOf(*one)), webkit_web_view_get_network_session(widgetOf(*other)));
+    EXPECT_EQ(webkit_web_view_get_network_session(widgetOf(*one)),
+              webkit_web_view_get_network_session(widgetOf(*other)));
     server.route("/set", [](const HTTPRequest&) {
         auto response = HTTPResponse::page("Set");
         response.headers.emplace_back("Set-Cookie", "shared=yes");

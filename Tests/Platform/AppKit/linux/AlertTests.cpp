@@ -1,0 +1,141 @@
+#include "Platform/AppKit/Alert.h"
+#include "Tests/Platform/AppKit/linux/AppKitFixture.h"
+
+#include <optional>
+
+namespace Platform::Tests {
+
+using TestSupport::runPending;
+using TestSupport::runUntil;
+
+class AlertTest : public AppKitTest {
+protected:
+    Sheet* sheet() const {
+        const auto& sheets = controller->window()->native().sheets;
+        return sheets.empty() ? nullptr : sheets.front().get();
+    }
+
+    static GtkWidget* findButton(GtkWidget* widget, const std::string& title) {
+        if (GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) == title)
+            return widget;
+        for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
+             child = gtk_widget_get_next_sibling(child)) {
+            if (GtkWidget* found = findButton(child, title))
+                return found;
+        }
+        return nullptr;
+    }
+
+    void press(const std::string& title) const {
+        GtkWidget* button = findButton(sheet()->widgetIfMade(), title);
+        ASSERT_NE(button, nullptr) << title;
+        g_signal_emit_by_name(button, "clicked");
+    }
+
+    std::shared_ptr<RecordingController> controller = RecordingController::create("page");
+};
+
+TEST_F(AlertTest, answersWithTheChosenButtonOnce) {
+    show(controller->window());
+    std::vector<std::size_t> answers;
+    Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}.beginSheetModal(
+        controller->window(), [&](std::size_t button) { answers.push_back(button); });
+    press("Cancel");
+    runPending();
+    EXPECT_EQ(answers, std::vector<std::size_t>{1});
+    EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(AlertTest, hasAnOKButtonWhenNoneIsAskedFor) {
+    show(controller->window());
+    int answers = 0;
+    Alert{.messageText = "Note", .informativeText = "", .buttonTitles = {}}.beginSheetModal(
+        controller->window(), [&](std::size_t) { ++answers; });
+    press("OK");
+    EXPECT_EQ(answers, 1);
+}
+
+TEST_F(AlertTest, sheetsOfOnePageQueue) {
+    show(controller->window());
+    std::vector<std::string> answers;
+    for (const char* name : {"first", "second"}) {
+        Alert{.messageText = name, .informativeText = "", .buttonTitles = {}}.beginSheetModal(
+            controller->window(), [&answers, name](std::size_t) { answers.emplace_back(name); });
+    }
+    press("OK");
+    EXPECT_EQ(answers, std::vector<std::string>{"first"});
+    press("OK");
+    EXPECT_EQ(answers, (std::vector<std::string>{"first", "second"}));
+}
+
+TEST_F(AlertTest, aClosingWindowGivesTheSafeAnswerToEverySheet) {
+    show(controller->window());
+    std::vector<std::size_t> answers;
+    for (int i = 0; i < 2; ++i) {
+        Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}
+            .beginSheetModal(controller->window(), [&](std::size_t button) { answers.push_back(button); });
+    }
+    controller->window()->close();
+    EXPECT_EQ(answers, (std::vector<std::size_t>{1, 1}));
+    runPending();
+}
+
+TEST_F(AlertTest, aClosedWindowAnswersAtOnce) {
+    show(controller->window());
+    controller->window()->close();
+    std::optional<std::size_t> answer;
+    Alert{.messageText = "Late", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}.beginSheetModal(
+        controller->window(), [&](std::size_t button) { answer = button; });
+    EXPECT_EQ(answer, 1U);
+}
+
+TEST_F(AlertTest, whatIsUnderTheSheetIsOutOfReachUntilItIsAnswered) {
+    const auto field = TextField::create();
+    controller->window()->contentView()->addSubview(field);
+    show(controller->window());
+    field->selectText();
+    Alert{.messageText = "Note", .informativeText = "", .buttonTitles = {}}.beginSheetModal(
+        controller->window(), nullptr);
+    GtkWidget* content = widgetOf(controller->window()->contentView());
+    EXPECT_FALSE(gtk_widget_get_can_target(content));
+    EXPECT_FALSE(gtk_widget_get_can_focus(content));
+    press("OK");
+    EXPECT_TRUE(gtk_widget_get_can_target(content));
+    EXPECT_TRUE(runUntil([&] {
+        GtkWidget* focus = gtk_window_get_focus(TabHost::of(*controller->window())->toplevel());
+        return focus && gtk_widget_is_ancestor(focus, widgetOf(field));
+    }));
+}
+
+TEST_F(AlertTest, aSheetOnAHiddenTabWaitsThereAndAsksForAttention) {
+    show(controller->window());
+    const auto other = RecordingController::create("other");
+    controller->window()->addTabbedWindow(other->window());
+    show(other->window());
+    Alert{.messageText = "Note", .informativeText = "", .buttonTitles = {}}.beginSheetModal(
+        controller->window(), nullptr);
+    const auto host = TabHost::of(*controller->window());
+    AdwTabPage* page = adw_tab_view_get_page(host->tabView(), Window::Native::pageOf(*controller->window()));
+    EXPECT_EQ(host->selectedWindow(), other->window());
+    EXPECT_TRUE(adw_tab_page_get_needs_attention(page));
+    show(controller->window());
+    EXPECT_FALSE(adw_tab_page_get_needs_attention(page));
+}
+
+TEST_F(AlertTest, aLongTextKeepsTheButtonsInReach) {
+    show(controller->window());
+    Alert{.messageText = "Note", .informativeText = std::string(10000, 'w'), .buttonTitles = {}}
+        .beginSheetModal(controller->window(), nullptr);
+    GtkWidget* button = findButton(sheet()->widgetIfMade(), "OK");
+    GtkWidget* page = Window::Native::pageOf(*controller->window());
+    const auto isInReach = [&] {
+        graphene_rect_t bounds;
+        return gtk_widget_get_allocated_height(button) > 0 &&
+               gtk_widget_compute_bounds(button, page, &bounds) && bounds.origin.y >= 0 &&
+               bounds.origin.y + bounds.size.height <=
+                   static_cast<float>(gtk_widget_get_allocated_height(page));
+    };
+    EXPECT_TRUE(runUntil(isInReach));
+}
+
+} // namespace Platform::Tests

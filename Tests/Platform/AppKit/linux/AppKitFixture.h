@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/TextField.h"
+#include "Platform/AppKit/WindowController.h"
+#include "Platform/AppKit/linux/TabHost.h"
+#include "Platform/AppKit/linux/ViewNative.h"
+#include "Platform/AppKit/linux/WindowNative.h"
+#include "Tests/Support/MainLoop.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Platform::Tests {
+
+/// A responder that notes what reaches it.
+class Recorder : public Responder {
+public:
+    bool respondsTo(Action action) const override { return !answers || *answers == action; }
+    void perform(Action action, const ActionSender& sender) override {
+        performed.push_back(action);
+        if (whenPerformed)
+            whenPerformed(sender);
+    }
+    bool validateMenuItem(MenuItem& /*item*/) override { return valid; }
+
+    std::optional<Action> answers;
+    bool valid = true;
+    std::vector<Action> performed;
+    std::function<void(const ActionSender&)> whenPerformed;
+};
+
+/// A window's controller and delegate in one, which notes what reaches it.
+class RecordingController : public WindowController, public WindowDelegate {
+public:
+    static std::shared_ptr<RecordingController> create(const std::string& title);
+
+    bool respondsTo(Action action) const override { return recorder.respondsTo(action); }
+    void perform(Action action, const ActionSender& sender) override { recorder.perform(action, sender); }
+    bool validateMenuItem(MenuItem& item) override { return recorder.validateMenuItem(item); }
+    void windowWillClose(Window& window) override {
+        closed.push_back(window.title());
+        if (whenClosing)
+            whenClosing();
+    }
+
+    Recorder recorder;
+    std::vector<std::string> closed;
+    std::function<void()> whenClosing;
+
+protected:
+    RecordingController()
+        : WindowController("RecordingController") {}
+};
+
+/// Windows on the tests' own display.
+class AppKitTest : public testing::Test {
+protected:
+    AppKitTest();
+    ~AppKitTest() override;
+
+    /// Waits until the window is on the screen and has been laid out.
+    static void show(const std::shared_ptr<Window>& window);
+
+    /// The widget of a view, which must have been made.
+    static GtkWidget* widgetOf(const std::shared_ptr<View>& view);
+
+    static void typeInto(const std::shared_ptr<TextField>& field, const std::string& text);
+};
+
+} // namespace Platform::Tests

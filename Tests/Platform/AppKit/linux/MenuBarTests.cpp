@@ -1,0 +1,160 @@
+#include "Tests/Platform/AppKit/linux/AppKitFixture.h"
+#include "Tests/Support/Display.h"
+
+#include <string>
+
+namespace Platform::Tests {
+
+using TestSupport::runPending;
+using TestSupport::runUntil;
+
+namespace {
+
+/// A menu that is made anew each time it is needed.
+struct Maker : MenuDelegate {
+    void menuNeedsUpdate(Menu& menu) override {
+        ++updates;
+        menu.removeAllItems();
+        menu.addItem(MenuItem::create("Made " + std::to_string(updates), Action::toggleBookmark, "d"));
+    }
+    int updates = 0;
+};
+
+} // namespace
+
+class MenuBarTest : public AppKitTest {
+protected:
+    MenuBarTest() {
+        const auto mainMenu = Menu::create();
+        const auto add = [&](const std::shared_ptr<Menu>& menu) {
+            const auto item = MenuItem::create(menu->title(), std::nullopt);
+            item->setSubmenu(menu);
+            mainMenu->addItem(item);
+        };
+        file->addItem(MenuItem::create("New Tab", Action::newTab, "t"));
+        file->addItem(MenuItem::createSeparator());
+        file->addItem(MenuItem::create("under_score", Action::reload));
+        file->addItem(MenuItem::create("Nobody's", Action::goBack));
+        add(file);
+        made->setDelegate(maker);
+        add(made);
+        Application::shared().setMainMenu(mainMenu);
+    }
+
+    static GtkWidget* popover(const std::shared_ptr<Window>& window, int index) {
+        GtkWidget* item = gtk_widget_get_first_child(TabHost::of(*window)->menuBar()->widget());
+        for (; index > 0; --index)
+            item = gtk_widget_get_next_sibling(item);
+        for (GtkWidget* child = gtk_widget_get_first_child(item); child;
+             child = gtk_widget_get_next_sibling(child)) {
+            if (GTK_IS_POPOVER(child))
+                return child;
+        }
+        return nullptr;
+    }
+
+    static GMenuModel* sectionOf(GtkWidget* popover, int section) {
+        return g_menu_model_get_item_link(gtk_popover_menu_get_menu_model(GTK_POPOVER_MENU(popover)), section,
+                                          G_MENU_LINK_SECTION);
+    }
+
+    static std::string attribute(GMenuModel* model, int item, const char* name) {
+        char* text = nullptr;
+        g_menu_model_get_item_attribute(model, item, name, "s", &text);
+        const std::string value = text ? text : "";
+        g_free(text);
+        return value;
+    }
+
+    static void pressKeys(const std::string& keys) {
+        int status = -1;
+        GPid pid = 0;
+        const char* arguments[] = {"xdotool", "key", keys.c_str(), nullptr};
+        ASSERT_TRUE(g_spawn_async(nullptr, const_cast<char**>(arguments), nullptr,
+                                  static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD),
+                                  nullptr, nullptr, &pid, nullptr));
+        g_child_watch_add(
+            pid, [](GPid, int ended, gpointer data) { *static_cast<int*>(data) = ended; }, &status);
+        ASSERT_TRUE(runUntil([&] { return status != -1; })) << keys;
+        ASSERT_EQ(status, 0) << keys;
+    }
+
+    std::shared_ptr<Menu> file = Menu::create("File");
+    std::shared_ptr<Menu> made = Menu::create("Made");
+    std::shared_ptr<Maker> maker = std::make_shared<Maker>();
+    std::shared_ptr<RecordingController> controller = RecordingController::create("page");
+};
+
+TEST_F(MenuBarTest, aMenuIsMadeWhenItOpensAndNotBefore) {
+    show(controller->window());
+    GtkWidget* menu = popover(controller->window(), 1);
+    EXPECT_EQ(g_menu_model_get_n_items(gtk_popover_menu_get_menu_model(GTK_POPOVER_MENU(menu))), 0);
+    const int before = maker->updates;
+    gtk_popover_popup(GTK_POPOVER(menu));
+    EXPECT_EQ(maker->updates, before + 1);
+    const auto section = GObjectPtr<GMenuModel>::adopt(sectionOf(menu, 0));
+    EXPECT_EQ(attribute(section.get(), 0, G_MENU_ATTRIBUTE_LABEL), "Made " + std::to_string(maker->updates));
+    EXPECT_EQ(attribute(section.get(), 0, "accel"), "<Control>d");
+}
+
+TEST_F(MenuBarTest, showsTitlesAsTheyStandAndSeparatorsAsSections) {
+    show(controller->window());
+    GtkWidget* menu = popover(controller->window(), 0);
+    gtk_popover_popup(GTK_POPOVER(menu));
+    EXPECT_EQ(g_menu_model_get_n_items(gtk_popover_menu_get_menu_model(GTK_POPOVER_MENU(menu))), 2);
+    const auto section = GObjectPtr<GMenuModel>::adopt(sectionOf(menu, 1));
+    EXPECT_EQ(attribute(section.get(), 0, G_MENU_ATTRIBUTE_LABEL), "under__score");
+}
+
+TEST_F(MenuBarTest, anItemIsGreyWhenNobodyWouldPerformItOrItsTargetSaysSo) {
+    controller->recorder.answers = Action::reload;
+    show(controller->window());
+    GtkWidget* menu = popover(controller->window(), 0);
+    GtkWidget* toplevel = GTK_WIDGET(TabHost::of(*controller->window())->toplevel());
+    gtk_popover_popup(GTK_POPOVER(menu));
+    const auto section = GObjectPtr<GMenuModel>::adopt(sectionOf(menu, 1));
+    const std::string reload = attribute(section.get(), 0, G_MENU_ATTRIBUTE_ACTION);
+    const std::string goBack = attribute(section.get(), 1, G_MENU_ATTRIBUTE_ACTION);
+    EXPECT_TRUE(gtk_widget_activate_action(toplevel, reload.c_str(), nullptr));
+    EXPECT_EQ(controller->recorder.performed, std::vector{Action::reload});
+    gtk_widget_activate_action(toplevel, goBack.c_str(), nullptr);
+    EXPECT_EQ(controller->recorder.performed.size(), 1U);
+
+    controller->recorder.valid = false;
+    gtk_popover_popdown(GTK_POPOVER(menu));
+    gtk_popover_popup(GTK_POPOVER(menu));
+    const auto again = GObjectPtr<GMenuModel>::adopt(sectionOf(menu, 1));
+    gtk_widget_activate_action(toplevel, attribute(again.get(), 0, G_MENU_ATTRIBUTE_ACTION).c_str(), nullptr);
+    EXPECT_EQ(controller->recorder.performed.size(), 1U);
+}
+
+TEST_F(MenuBarTest, keysWorkBeforeTheirMenuWasEverOpened) {
+    TestSupport::startWindowManager();
+    controller->recorder.answers = Action::toggleBookmark;
+    const auto field = TextField::create();
+    controller->window()->contentView()->addSubview(field);
+    show(controller->window());
+    field->selectText();
+    ASSERT_TRUE(
+        runUntil([&] { return gtk_window_is_active(TabHost::of(*controller->window())->toplevel()); }));
+    pressKeys("ctrl+d");
+    EXPECT_TRUE(
+        runUntil([&] { return controller->recorder.performed == std::vector{Action::toggleBookmark}; }));
+}
+
+TEST_F(MenuBarTest, theKeyOfADisabledItemDoesNothingAnywhere) {
+    TestSupport::startWindowManager();
+    controller->recorder.valid = false;
+    const auto field = TextField::create();
+    controller->window()->contentView()->addSubview(field);
+    show(controller->window());
+    field->selectText();
+    ASSERT_TRUE(
+        runUntil([&] { return gtk_window_is_active(TabHost::of(*controller->window())->toplevel()); }));
+    pressKeys("ctrl+d");
+    pressKeys("x");
+    ASSERT_TRUE(runUntil([&] { return field->stringValue() == "x"; }));
+    EXPECT_TRUE(controller->recorder.performed.empty());
+}
+
+} // namespace Platform::Tests

@@ -1,0 +1,192 @@
+#include "Platform/AppKit/Box.h"
+#include "Platform/AppKit/Button.h"
+#include "Platform/AppKit/LayoutConstraint.h"
+#include "Platform/AppKit/SearchField.h"
+#include "Platform/AppKit/StackView.h"
+#include "Tests/Platform/AppKit/linux/AppKitFixture.h"
+
+#include <thread>
+
+namespace Platform::Tests {
+
+using TestSupport::runPending;
+using TestSupport::runUntil;
+
+class ViewTest : public AppKitTest {};
+
+TEST_F(ViewTest, hasNoWidgetUntilItsWindowIsShown) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto button = Button::create("One", {}, Action::reload);
+    window->contentView()->addSubview(button);
+    EXPECT_EQ(widgetOf(button), nullptr);
+    show(window);
+    ASSERT_NE(widgetOf(button), nullptr);
+    EXPECT_TRUE(gtk_widget_get_mapped(widgetOf(button)));
+}
+
+TEST_F(ViewTest, makesNoWidgetsInATabThatNobodyLooksAt) {
+    const auto first = Window::create({.width = 600, .height = 400}, {});
+    const auto second = Window::create({.width = 600, .height = 400}, {});
+    const auto bar = StackView::create(Orientation::horizontal);
+    first->contentView()->addSubview(bar);
+    show(first);
+    first->addTabbedWindow(second);
+    show(second);
+
+    const auto button = Button::create("Late", {}, Action::reload);
+    bar->addArrangedSubview(button);
+    runPending();
+    EXPECT_EQ(widgetOf(button), nullptr);
+
+    show(first);
+    EXPECT_NE(widgetOf(button), nullptr);
+}
+
+TEST_F(ViewTest, followsItsSubviewsInOrder) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto bar = StackView::create(Orientation::horizontal);
+    LayoutConstraint::activate({LayoutConstraint::equalToSuperview(bar, LayoutAttribute::width),
+                                LayoutConstraint::equalToSuperview(bar, LayoutAttribute::top)});
+    window->contentView()->addSubview(bar);
+    const auto a = Button::create("A", {}, Action::reload);
+    const auto b = Button::create("B", {}, Action::reload);
+    const auto c = Button::create("C", {}, Action::reload);
+    bar->addArrangedSubview(a);
+    bar->addArrangedSubview(b);
+    show(window);
+
+    a->removeFromSuperview();
+    bar->addArrangedSubview(c);
+    bar->addArrangedSubview(a);
+    ASSERT_TRUE(
+        runUntil([&] { return widgetOf(c) && gtk_widget_get_next_sibling(widgetOf(c)) == widgetOf(a); }));
+    EXPECT_EQ(gtk_widget_get_first_child(widgetOf(bar)), widgetOf(b));
+    ASSERT_TRUE(runUntil([&] { return a->frame().x > c->frame().x && c->frame().x > b->frame().x; }));
+}
+
+TEST_F(ViewTest, letsTheWidgetOfARemovedViewGo) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    auto button = Button::create("A", {}, Action::reload);
+    window->contentView()->addSubview(button);
+    show(window);
+    GtkWidget* widget = widgetOf(button);
+    g_object_add_weak_pointer(G_OBJECT(widget), reinterpret_cast<gpointer*>(&widget));
+    button->removeFromSuperview();
+    button.reset();
+    EXPECT_TRUE(runUntil([&] { return widget == nullptr; }));
+}
+
+TEST_F(ViewTest, knowsItsWindow) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto outer = View::create();
+    const auto inner = View::create();
+    outer->addSubview(inner);
+    EXPECT_EQ(inner->window(), nullptr);
+    window->contentView()->addSubview(outer);
+    EXPECT_EQ(inner->window(), window);
+    outer->removeFromSuperview();
+    EXPECT_EQ(inner->window(), nullptr);
+}
+
+TEST_F(ViewTest, showsPropertiesThatWereSetBeforeAndAfter) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto button = Button::create();
+    button->setImage({"chevron.left", "Back"});
+    button->setToolTip("Back");
+    button->setEnabled(false);
+    window->contentView()->addSubview(button);
+    show(window);
+    EXPECT_STREQ(gtk_widget_get_tooltip_text(widgetOf(button)), "Back");
+    EXPECT_STREQ(gtk_button_get_icon_name(GTK_BUTTON(widgetOf(button))), "go-previous-symbolic");
+    EXPECT_FALSE(gtk_widget_get_sensitive(widgetOf(button)));
+
+    button->setEnabled(true);
+    button->setImage({"chevron.right", "Forward"});
+    button->setHidden(true);
+    EXPECT_TRUE(gtk_widget_get_sensitive(widgetOf(button)));
+    EXPECT_STREQ(gtk_button_get_icon_name(GTK_BUTTON(widgetOf(button))), "go-next-symbolic");
+    EXPECT_FALSE(gtk_widget_get_visible(widgetOf(button)));
+}
+
+TEST_F(ViewTest, showsATitleAsItStands) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto button = Button::create("_a <b>&amp;</b>", {}, Action::reload);
+    window->contentView()->addSubview(button);
+    show(window);
+    EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(gtk_button_get_child(GTK_BUTTON(widgetOf(button))))),
+                 "_a <b>&amp;</b>");
+}
+
+TEST_F(ViewTest, aClickSendsTheActionToItsTarget) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto target = std::make_shared<Recorder>();
+    const auto button = Button::create("Go", target, Action::openBookmark);
+    const Control* sender = nullptr;
+    target->whenPerformed = [&](const ActionSender& from) { sender = from.control; };
+    window->contentView()->addSubview(button);
+    show(window);
+    g_signal_emit_by_name(widgetOf(button), "clicked");
+    EXPECT_EQ(target->performed, std::vector{Action::openBookmark});
+    EXPECT_EQ(sender, button.get());
+}
+
+TEST_F(ViewTest, aButtonMayBeLetGoByItsOwnAction) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto target = std::make_shared<Recorder>();
+    auto button = Button::create("Go", target, Action::openBookmark);
+    const std::weak_ptr<Button> weak = button;
+    target->whenPerformed = [&](const ActionSender&) {
+        button->removeFromSuperview();
+        button.reset();
+    };
+    window->contentView()->addSubview(button);
+    show(window);
+    g_signal_emit_by_name(widgetOf(button), "clicked");
+    EXPECT_TRUE(weak.expired());
+    runPending();
+}
+
+TEST_F(ViewTest, aFrameOfALaidOutSubviewIsWhereTheWidgetIs) {
+    class Half : public View {
+    public:
+        static std::shared_ptr<Half> create() {
+            struct Made : Half {};
+            auto half = std::make_shared<Made>();
+            half->addSubview(half->child);
+            return half;
+        }
+        void layout() override { child->setFrame({0, 0, frame().width / 2, frame().height}); }
+        std::shared_ptr<View> child = View::create();
+    };
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto half = Half::create();
+    window->contentView()->addSubview(half);
+    LayoutConstraint::activate({LayoutConstraint::equalToSuperview(half, LayoutAttribute::width),
+                                LayoutConstraint::equalToSuperview(half, LayoutAttribute::top)});
+    show(window);
+    ASSERT_TRUE(runUntil([&] { return half->child->frame().width == 300; }));
+    ASSERT_TRUE(runUntil([&] { return gtk_widget_get_allocated_width(widgetOf(half->child)) == 300; }));
+}
+
+TEST(ViewDeathTest, anUnknownConstraintStopsTheProcess) {
+    const auto view = View::create();
+    EXPECT_DEATH(LayoutConstraint::activate({LayoutConstraint::equalTo(view, LayoutAttribute::top, 3)}),
+                 "layout constraint");
+}
+
+TEST(ViewDeathTest, anUnknownSymbolStopsTheProcess) {
+    const auto button = Button::create();
+    button->setImage({"no.such.symbol", ""});
+    EXPECT_DEATH(
+        {
+            gtk_init();
+            button->native();
+        },
+        "no.such.symbol");
+}
+
+TEST(ViewDeathTest, useOffTheMainThreadStopsTheProcess) {
+    EXPECT_DEATH(std::thread([] { View::create(); }).join(), "main thread");
+}
+
+} // namespace Platform::Tests
