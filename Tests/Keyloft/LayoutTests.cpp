@@ -222,11 +222,12 @@ TEST_F(LayoutTest, aLongPageTitleDoesNotWidenTheWindow) {
     const auto first = openTab();
     const auto tab = openTab(first);
     const Size before = nativeWindowSize(*tab->window());
-    const std::string title(10000, 'm');
-    server.route("/", HTTPResponse::page(title));
+    // The engine keeps as much of it as it likes.
+    server.route("/", HTTPResponse::page(std::string(10000, 'm')));
     tab->load(serverURL("/"));
-    ASSERT_TRUE(waitForTitle(tab, title));
-    EXPECT_EQ(tab->window()->title(), title);
+    ASSERT_TRUE(runUntil([&] { return tab->window()->title().starts_with("mmm"); }));
+    EXPECT_GE(tab->window()->title().size(), 500U);
+    EXPECT_EQ(tab->window()->title(), tab->webView()->title());
     waitForLayout(*tab->window());
     EXPECT_EQ(nativeWindowSize(*tab->window()), before);
     EXPECT_EQ(leastContentSize(*tab->window()), leastSize);
