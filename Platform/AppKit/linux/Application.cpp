@@ -171,7 +171,7 @@ void Application::perform(Action action, const ActionSender& /*sender*/) {
         const auto host = native_->frontHost();
         gtk_show_about_dialog(host ? host->toplevel() : nullptr, "program-name", displayName, "version",
                               KEYLOFT_VERSION, "comments", "A small tabbed web browser", "logo-icon-name",
-                              "web-browser", nullptr);
+                              identifier, nullptr);
         break;
     }
     case Action::hide:

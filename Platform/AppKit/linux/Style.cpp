@@ -1,6 +1,11 @@
 #include "Platform/AppKit/linux/Style.h"
 
+#include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/linux/GObjectPtr.h"
+
+extern "C" {
+#include <Resources.h>
+}
 
 #include <array>
 #include <cstdio>
@@ -32,13 +37,18 @@ constexpr std::array<std::pair<const char*, const char*>, 6> icons = {{
     {"chevron.right", "go-next-symbolic"},
     {"arrow.clockwise", "view-refresh-symbolic"},
     {"xmark", "process-stop-symbolic"},
-    {"bookmark", "non-starred-symbolic"},
-    {"bookmark.fill", "starred-symbolic"},
+    {"bookmark", "keyloft-bookmark-symbolic"},
+    {"bookmark.fill", "keyloft-bookmark-filled-symbolic"},
 }};
 
 } // namespace
 
 void installStyle() {
+    keyloft_register_resource();
+    gtk_icon_theme_add_resource_path(gtk_icon_theme_get_for_display(gdk_display_get_default()),
+                                     "/velde/orvane/keyloft/icons");
+    gtk_window_set_default_icon_name(Application::identifier);
+
     const auto provider = GObjectPtr<GtkCssProvider>::adopt(gtk_css_provider_new());
     gtk_css_provider_load_from_data(provider.get(), rules, -1);
     gtk_style_context_add_provider_for_display(gdk_display_get_default(), GTK_STYLE_PROVIDER(provider.get()),
