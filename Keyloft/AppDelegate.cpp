@@ -96,9 +96,8 @@ AppDelegate::openTab(const std::optional<URL>& url, const std::shared_ptr<Window
             std::erase(self->controllers_, weakController.lock());
     };
     controller->onNewTab =
-        [weakSelf, weakController](
-            const std::optional<URL>& newURL,
-            const std::shared_ptr<Platform::WebViewConfiguration>& newConfiguration)
+        [weakSelf, weakController](const std::optional<URL>& newURL,
+                                   const std::shared_ptr<Platform::WebViewConfiguration>& newConfiguration)
         -> std::shared_ptr<BrowserWindowController> {
         const auto self = weakSelf.lock();
         if (!self)
@@ -121,8 +120,9 @@ AppDelegate::openTab(const std::optional<URL>& url, const std::shared_ptr<Window
 
 std::shared_ptr<Window> AppDelegate::frontBrowserWindow() const {
     const auto mainWindow = Application::shared().mainWindow();
-    const auto front = std::ranges::find_if(
-        controllers_, [&](const auto& controller) { return mainWindow && controller->window() == mainWindow; });
+    const auto front = std::ranges::find_if(controllers_, [&](const auto& controller) {
+        return mainWindow && controller->window() == mainWindow;
+    });
     if (front != controllers_.end())
         return (*front)->window();
     return controllers_.empty() ? nullptr : controllers_.back()->window();

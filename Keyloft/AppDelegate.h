@@ -12,7 +12,8 @@
 
 namespace Keyloft {
 
-/// The browser's top: owns the bookmarks and the open tabs, builds the main menu, and decides where a page opens.
+/// The browser's top: owns the bookmarks and the open tabs, builds the main menu, and decides where a page
+/// opens.
 class AppDelegate : public Platform::ApplicationDelegate,
                     public Platform::MenuDelegate,
                     public std::enable_shared_from_this<AppDelegate> {
@@ -29,7 +30,8 @@ public:
 
     const std::shared_ptr<Platform::Menu>& bookmarksMenu() const { return bookmarksMenu_; }
 
-    /// Opens a tab: in `window`'s window, or in a new one. Without a URL the tab is blank and its address field selected.
+    /// Opens a tab: in `window`'s window, or in a new one. Without a URL the tab is blank and its address
+    /// field selected.
     std::shared_ptr<BrowserWindowController>
     openTab(const std::optional<Platform::URL>& url, const std::shared_ptr<Platform::Window>& window,
             const std::shared_ptr<Platform::WebViewConfiguration>& configuration);

@@ -6,6 +6,7 @@
 #include "Platform/AppKit/LayoutConstraint.h"
 #include "Platform/AppKit/Menu.h"
 
+#include <array>
 #include <utility>
 
 namespace Keyloft {
@@ -37,8 +38,8 @@ const Image stopImage{"xmark", "Stop"};
 const Image addBookmarkImage{"bookmark", "Bookmark this page"};
 const Image removeBookmarkImage{"bookmark.fill", "Remove bookmark"};
 
-void configureToolbarButton(Button& button, const Image& image, const std::weak_ptr<Platform::Responder>& target,
-                            Action action) {
+void configureToolbarButton(Button& button, const Image& image,
+                            const std::weak_ptr<Platform::Responder>& target, Action action) {
     button.setImage(image);
     button.setBezelStyle(Button::BezelStyle::texturedRounded);
     button.setBordered(true);
@@ -54,7 +55,8 @@ std::string panelTitle(const Platform::FrameInfo& frame, const char* fallback) {
 } // namespace
 
 BrowserWindowController::BrowserWindowController(
-    std::shared_ptr<BookmarkStore> bookmarks, const std::shared_ptr<Platform::WebViewConfiguration>& configuration)
+    std::shared_ptr<BookmarkStore> bookmarks,
+    const std::shared_ptr<Platform::WebViewConfiguration>& configuration)
     : WindowController("BrowserWindowController")
     , bookmarks_(std::move(bookmarks))
     , backButton_(Button::create())
@@ -87,8 +89,8 @@ BrowserWindowController::create(std::shared_ptr<BookmarkStore> bookmarks,
 
 void BrowserWindowController::assemble() {
     const auto self = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
-    const auto window =
-        Window::create({.width = 1100, .height = 760}, {.closable = true, .miniaturizable = true, .resizable = true});
+    const auto window = Window::create({.width = 1100, .height = 760},
+                                       {.closable = true, .miniaturizable = true, .resizable = true});
     window->setTabbingIdentifier(tabbingIdentifier);
     window->setMinSize({.width = 480, .height = 320});
     window->setTitle(untitled);
@@ -127,7 +129,8 @@ void BrowserWindowController::buildContent() {
     const auto column = StackView::create(Orientation::vertical);
     column->setAlignment(StackView::Alignment::leading);
     column->setSpacing(0);
-    const std::shared_ptr<Platform::View> rows[] = {toolbar, bookmarksBar_, separator, progressBar_, webView_};
+    const std::array<std::shared_ptr<Platform::View>, 5> rows = {toolbar, bookmarksBar_, separator,
+                                                                 progressBar_, webView_};
     for (const auto& row : rows)
         column->addArrangedSubview(row);
     window()->contentView()->addSubview(column);
@@ -170,8 +173,8 @@ std::shared_ptr<StackView> BrowserWindowController::buildToolbar() {
     toolbar->setSpacing(6);
     toolbar->setEdgeInsets({.top = 8, .left = 10, .bottom = 6, .right = 10});
     toolbar->setHuggingPriority(Platform::LayoutPriorities::defaultLow, Orientation::horizontal);
-    const std::shared_ptr<Platform::View> controls[] = {backButton_,   forwardButton_,  reloadButton_,
-                                                        addressField_, bookmarkButton_, searchField_};
+    const std::array<std::shared_ptr<Platform::View>, 6> controls = {
+        backButton_, forwardButton_, reloadButton_, addressField_, bookmarkButton_, searchField_};
     for (const auto& control : controls)
         toolbar->addArrangedSubview(control);
     return toolbar;
@@ -187,7 +190,8 @@ void BrowserWindowController::observeWebView() {
     observe(Property::isLoading, &BrowserWindowController::loadingChanged);
 }
 
-void BrowserWindowController::observe(WebView::Property property, void (BrowserWindowController::*changed)()) {
+void BrowserWindowController::observe(WebView::Property property,
+                                      void (BrowserWindowController::*changed)()) {
     const std::weak_ptr weak = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
     observations_.push_back(webView_->observe(property, [weak, changed] {
         if (const auto controller = weak.lock())
@@ -267,7 +271,9 @@ void BrowserWindowController::load(const URL& url) {
     window()->makeFirstResponder(webView_);
 }
 
-void BrowserWindowController::controlTextDidBeginEditing(Platform::TextField& /*field*/) { isEditingAddress_ = true; }
+void BrowserWindowController::controlTextDidBeginEditing(Platform::TextField& /*field*/) {
+    isEditingAddress_ = true;
+}
 
 void BrowserWindowController::controlTextDidEndEditing(Platform::TextField& /*field*/,
                                                        Platform::TextMovement movement) {
@@ -435,15 +441,18 @@ void BrowserWindowController::didFailNavigation(WebView& /*webView*/, const Plat
     showLoadError(error);
 }
 
-void BrowserWindowController::didFailProvisionalNavigation(WebView& /*webView*/, const Platform::Error& error) {
+void BrowserWindowController::didFailProvisionalNavigation(WebView& /*webView*/,
+                                                           const Platform::Error& error) {
     showLoadError(error);
 }
 
 void BrowserWindowController::showLoadError(const Platform::Error& error) {
-    // A new navigation replaced the old one, or the page turned into something that is not shown: nothing went wrong.
+    // A new navigation replaced the old one, or the page turned into something that is not shown: nothing
+    // went wrong.
     if (error.domain == Platform::Error::urlDomain && error.code == Platform::Error::urlCancelled)
         return;
-    if (error.domain == Platform::Error::webKitDomain && error.code == Platform::Error::webKitFrameLoadInterrupted)
+    if (error.domain == Platform::Error::webKitDomain &&
+        error.code == Platform::Error::webKitFrameLoadInterrupted)
         return;
     std::string address;
     if (error.failingURL)
@@ -476,7 +485,8 @@ void BrowserWindowController::runJavaScriptAlertPanel(WebView& /*webView*/, cons
                       .messageText = panelTitle(frame, "Alert"),
                       .informativeText = message,
                       .buttonTitles = {}};
-    alert.beginSheetModal(window(), [completion = std::move(completion)](std::size_t /*button*/) { completion(); });
+    alert.beginSheetModal(window(),
+                          [completion = std::move(completion)](std::size_t /*button*/) { completion(); });
 }
 
 void BrowserWindowController::runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& message,

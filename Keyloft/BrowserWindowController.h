@@ -35,7 +35,8 @@ public:
     std::function<void()> onClose;
     /// Opens a tab in this controller's window and returns it, or nothing where that cannot be.
     std::function<std::shared_ptr<BrowserWindowController>(
-        const std::optional<Platform::URL>& url, const std::shared_ptr<Platform::WebViewConfiguration>& configuration)>
+        const std::optional<Platform::URL>& url,
+        const std::shared_ptr<Platform::WebViewConfiguration>& configuration)>
         onNewTab;
 
     void load(const Platform::URL& url);
@@ -85,12 +86,14 @@ public:
     void didFailProvisionalNavigation(Platform::WebView& webView, const Platform::Error& error) override;
 
     std::shared_ptr<Platform::WebView>
-    createWebView(Platform::WebView& webView, const std::shared_ptr<Platform::WebViewConfiguration>& configuration,
+    createWebView(Platform::WebView& webView,
+                  const std::shared_ptr<Platform::WebViewConfiguration>& configuration,
                   const Platform::NavigationAction& action) override;
     void runJavaScriptAlertPanel(Platform::WebView& webView, const std::string& message,
                                  const Platform::FrameInfo& frame, std::function<void()> completion) override;
     void runJavaScriptConfirmPanel(Platform::WebView& webView, const std::string& message,
-                                   const Platform::FrameInfo& frame, std::function<void(bool)> completion) override;
+                                   const Platform::FrameInfo& frame,
+                                   std::function<void(bool)> completion) override;
 
 protected:
     BrowserWindowController(std::shared_ptr<KeyloftBrowserKit::BookmarkStore> bookmarks,

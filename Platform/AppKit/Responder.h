@@ -9,6 +9,8 @@ namespace Platform {
 /// one that responds performs the action; nobody behind it hears of it.
 class Responder {
 public:
+    Responder(const Responder&) = delete;
+    Responder& operator=(const Responder&) = delete;
     virtual ~Responder() = default;
 
     virtual bool respondsTo(Action /*action*/) const { return false; }
@@ -22,8 +24,6 @@ public:
 
 protected:
     Responder() = default;
-    Responder(const Responder&) = default;
-    Responder& operator=(const Responder&) = default;
 };
 
 } // namespace Platform

@@ -4,6 +4,7 @@
 #include "Platform/AppKit/Geometry.h"
 #include "Platform/AppKit/Responder.h"
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -105,8 +106,9 @@ private:
     Color backgroundColor_ = Color::none;
     std::string accessibilityLabel_;
     std::string toolTip_;
-    LayoutPriority hugging_[2] = {LayoutPriorities::defaultLow, LayoutPriorities::defaultLow};
-    LayoutPriority compressionResistance_[2] = {LayoutPriorities::defaultHigh, LayoutPriorities::defaultHigh};
+    std::array<LayoutPriority, 2> hugging_ = {LayoutPriorities::defaultLow, LayoutPriorities::defaultLow};
+    std::array<LayoutPriority, 2> compressionResistance_ = {LayoutPriorities::defaultHigh,
+                                                            LayoutPriorities::defaultHigh};
     SizeConstraints sizeConstraints_;
 
 protected:

@@ -21,7 +21,12 @@ public:
     }
     GObjectPtr(GObjectPtr&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)) {}
-    GObjectPtr& operator=(GObjectPtr other) noexcept {
+    GObjectPtr& operator=(const GObjectPtr& other) {
+        GObjectPtr copy(other);
+        std::swap(object_, copy.object_);
+        return *this;
+    }
+    GObjectPtr& operator=(GObjectPtr&& other) noexcept {
         std::swap(object_, other.object_);
         return *this;
     }

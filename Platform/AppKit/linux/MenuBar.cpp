@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/Application.h"
 
+#include <array>
 #include <cctype>
 #include <optional>
 #include <string_view>
@@ -13,8 +14,8 @@ namespace {
 
 constexpr const char* actionPrefix = "menu";
 
-bool isEditing(Action action) {
-    switch (action) {
+bool isEditing(std::optional<Action> action) {
+    switch (action.value_or(Action::terminate)) {
     case Action::undo:
     case Action::redo:
     case Action::cut:
@@ -29,10 +30,13 @@ bool isEditing(Action action) {
 
 /// The toolkit's text for the item's key, "<Control><Shift>braceleft".
 std::string accelerator(const MenuItem& item) {
-    static constexpr std::pair<char, std::string_view> signs[] = {
-        {'.', "period"},           {'[', "bracketleft"},       {']', "bracketright"},
-        {'{', "<Shift>braceleft"}, {'}', "<Shift>braceright"},
-    };
+    static constexpr std::array<std::pair<char, std::string_view>, 5> signs = {{
+        {'.', "period"},
+        {'[', "bracketleft"},
+        {']', "bracketright"},
+        {'{', "<Shift>braceleft"},
+        {'}', "<Shift>braceright"},
+    }};
     const char key = item.keyEquivalent().front();
     std::string text = "<Control>";
     if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand)
@@ -64,7 +68,8 @@ void update(Menu& menu) {
 }
 
 void send(const std::shared_ptr<MenuItem>& item) {
-    Application::shared().sendAction(*item->action(), nullptr, {.menuItem = item.get()});
+    if (const auto action = item->action())
+        Application::shared().sendAction(*action, nullptr, {.menuItem = item.get()});
 }
 
 } // namespace
@@ -95,9 +100,8 @@ struct MenuBar::KeyEquivalent {
 };
 
 bool validate(MenuItem& item) {
-    if (!item.action())
-        return false;
-    const auto target = Application::shared().targetForAction(*item.action());
+    const auto action = item.action();
+    const auto target = action ? Application::shared().targetForAction(*action) : nullptr;
     return target && target->validateMenuItem(item);
 }
 
@@ -213,7 +217,7 @@ void MenuBar::addKeyEquivalents(GtkWidget* toplevel) {
                 equivalent.get(), nullptr);
             GtkShortcutTrigger* trigger = gtk_shortcut_trigger_parse_string(accelerator(*item).c_str());
             gtk_shortcut_controller_add_shortcut(
-                GTK_SHORTCUT_CONTROLLER(isEditing(*item->action()) ? bubbling : capturing),
+                GTK_SHORTCUT_CONTROLLER(isEditing(item->action()) ? bubbling : capturing),
                 gtk_shortcut_new(trigger, action));
             keyEquivalents_.push_back(std::move(equivalent));
         }

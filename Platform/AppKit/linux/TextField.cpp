@@ -78,8 +78,9 @@ std::unique_ptr<View::Native> TextField::makeNative() {
 }
 
 void TextField::applyFont(Native& native) {
-    gtk_text_set_attributes(static_cast<TextFieldEvents::Native&>(native).text,
-                            fontAttributes(font()->systemFontSize));
+    if (font())
+        gtk_text_set_attributes(static_cast<TextFieldEvents::Native&>(native).text,
+                                fontAttributes(font()->systemFontSize));
 }
 
 void TextField::beginEditing() {

@@ -199,7 +199,7 @@ bool Window::validateMenuItem(MenuItem& item) {
     const auto host = TabHost::of(*this);
     if (!host)
         return false;
-    switch (*item.action()) {
+    switch (item.action().value_or(Action::performClose)) {
     case Action::performClose:
         return style_.closable;
     case Action::performMiniaturize:
