@@ -18,7 +18,9 @@
 #include <utility>
 
 // Last, as it defines macros by everyday names.
+// clang-format off
 #include <gdk/x11/gdkx.h>
+// clang-format on
 
 namespace TestSupport {
 
@@ -47,11 +49,12 @@ Platform::Rect boundsIn(GtkWidget* widget, GtkWidget* outer) {
     graphene_rect_t bounds;
     if (gtk_widget_compute_bounds(widget, outer, &bounds) == FALSE)
         throw std::logic_error("the view is not in the window");
-    return {.x = bounds.origin.x, .y = bounds.origin.y, .width = bounds.size.width, .height = bounds.size.height};
+    return {
+        .x = bounds.origin.x, .y = bounds.origin.y, .width = bounds.size.width, .height = bounds.size.height};
 }
 
-/// Calls `found` for every widget below `widget`, from the outside to the inside, those inside of one for which it returns
-/// false left out.
+/// Calls `found` for every widget below `widget`, from the outside to the inside, those inside of one for
+/// which it returns false left out.
 void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child != nullptr;
          child = gtk_widget_get_next_sibling(child)) {
@@ -119,13 +122,15 @@ GtkText* textOf(Platform::TextField& field) {
 } // namespace
 
 void waitForLayout(Platform::Window& window) {
-    EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(pageOf(window)) == TRUE; }, limit)) << "not shown";
+    EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(pageOf(window)) == TRUE; }, limit))
+        << "not shown";
     runPending();
     GdkFrameClock* clock = gtk_widget_get_frame_clock(pageOf(window));
     bool isDrawn = false;
     const Platform::SignalConnection drawn(
         clock, "after-paint",
-        G_CALLBACK(+[](GdkFrameClock* /*clock*/, gpointer data) { *static_cast<bool*>(data) = true; }), &isDrawn);
+        G_CALLBACK(+[](GdkFrameClock* /*clock*/, gpointer data) { *static_cast<bool*>(data) = true; }),
+        &isDrawn);
     gtk_widget_queue_draw(pageOf(window));
     gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
     EXPECT_TRUE(runUntil([&] { return isDrawn; }, limit)) << "not drawn";
@@ -139,7 +144,9 @@ Platform::Size nativeWindowSize(Platform::Window& window) {
             .height = static_cast<double>(gtk_widget_get_height(toplevel))};
 }
 
-Platform::Rect boundsInContent(Platform::View& view) { return boundsIn(widgetOf(view), pageOf(*view.window())); }
+Platform::Rect boundsInContent(Platform::View& view) {
+    return boundsIn(widgetOf(view), pageOf(*view.window()));
+}
 
 bool isShown(Platform::View& view) {
     return view.nativeIfMade() != nullptr && gtk_widget_get_mapped(widgetOf(view)) == TRUE;
@@ -153,7 +160,8 @@ bool resizeContent(Platform::Window& window, Platform::Size size) {
                                 static_cast<int>(whole.width - content.width + size.width),
                                 static_cast<int>(whole.height - content.height + size.height));
     const auto least = leastContentSize(window);
-    const Platform::Size got{.width = std::max(size.width, least.width), .height = std::max(size.height, least.height)};
+    const Platform::Size got{.width = std::max(size.width, least.width),
+                             .height = std::max(size.height, least.height)};
     const bool isDone = runUntil(
         [&] {
             const auto now = contentFrame(window);
@@ -173,7 +181,9 @@ Platform::Size leastContentSize(Platform::Window& window) {
     return {.width = static_cast<double>(width), .height = static_cast<double>(height)};
 }
 
-std::string nativeTitle(Platform::Window& window) { return gtk_window_get_title(GTK_WINDOW(toplevelOf(window))); }
+std::string nativeTitle(Platform::Window& window) {
+    return gtk_window_get_title(GTK_WINDOW(toplevelOf(window)));
+}
 
 bool shareNativeWindow(Platform::Window& one, Platform::Window& other) {
     return TabHost::of(one) && TabHost::of(one) == TabHost::of(other);
@@ -211,7 +221,9 @@ void clickNewTabButton(Platform::Window& window) {
     g_signal_emit_by_name(adw_tab_bar_get_end_action_widget(ADW_TAB_BAR(strip)), "clicked");
 }
 
-bool isActive(Platform::Window& window) { return gtk_window_is_active(GTK_WINDOW(toplevelOf(window))) == TRUE; }
+bool isActive(Platform::Window& window) {
+    return gtk_window_is_active(GTK_WINDOW(toplevelOf(window))) == TRUE;
+}
 
 void activate(Platform::Window& window) {
     startWindowManager();
@@ -268,7 +280,9 @@ std::string selectedText(Platform::TextField& field) {
     return text;
 }
 
-std::string shownText(Platform::TextField& field) { return gtk_editable_get_text(GTK_EDITABLE(textOf(field))); }
+std::string shownText(Platform::TextField& field) {
+    return gtk_editable_get_text(GTK_EDITABLE(textOf(field)));
+}
 
 std::optional<ShownSheet> shownSheet(Platform::Window& window) {
     GtkWidget* sheet = sheetOf(window);
@@ -301,8 +315,8 @@ void pressSheetButton(Platform::Window& window, const std::string& title) {
 }
 
 void runScript(Platform::WebView& view, const std::string& script) {
-    webkit_web_view_evaluate_javascript(WEBKIT_WEB_VIEW(widgetOf(view)), script.c_str(), -1, nullptr, nullptr, nullptr,
-                                        nullptr, nullptr);
+    webkit_web_view_evaluate_javascript(WEBKIT_WEB_VIEW(widgetOf(view)), script.c_str(), -1, nullptr, nullptr,
+                                        nullptr, nullptr, nullptr);
 }
 
 TrafficRedirection::TrafficRedirection(int port) {
@@ -310,13 +324,15 @@ TrafficRedirection::TrafficRedirection(int port) {
     const std::string proxy = "http://127.0.0.1:" + std::to_string(port);
     WebKitNetworkProxySettings* settings = webkit_network_proxy_settings_new(proxy.c_str(), here);
     webkit_network_session_set_proxy_settings(
-        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_CUSTOM, settings);
+        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_CUSTOM,
+        settings);
     webkit_network_proxy_settings_free(settings);
 }
 
 TrafficRedirection::~TrafficRedirection() {
-    webkit_network_session_set_proxy_settings(Platform::networkSession(Platform::WebsiteDataStore::defaultStore),
-                                              WEBKIT_NETWORK_PROXY_MODE_DEFAULT, nullptr);
+    webkit_network_session_set_proxy_settings(
+        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_DEFAULT,
+        nullptr);
 }
 
 } // namespace TestSupport
