@@ -158,7 +158,6 @@ TEST_F(LayoutTest, theTabStripTakesRoomFromNoTabsRows) {
 
     const auto second = openTab(first);
     EXPECT_TRUE(TestSupport::isTabStripShown(*first->window()));
-    // The strip slides in.
     EXPECT_TRUE(resizeContent(*second->window(), usualSize));
     EXPECT_GT(contentFrame(*second->window()).y, alone);
     expectLayout(second, usualSize);

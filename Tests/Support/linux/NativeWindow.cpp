@@ -74,6 +74,10 @@ GtkWidget* find(GtkWidget* widget, const std::function<bool(GtkWidget*)>& wanted
     return result;
 }
 
+GtkWidget* tabStripOf(Platform::Window& window) {
+    return find(toplevelOf(window), [](GtkWidget* widget) { return ADW_IS_TAB_BAR(widget); });
+}
+
 GtkWidget* sheetOf(Platform::Window& window) {
     return find(pageOf(window), [](GtkWidget* widget) {
         return gtk_accessible_get_accessible_role(GTK_ACCESSIBLE(widget)) == GTK_ACCESSIBLE_ROLE_ALERT_DIALOG;
@@ -154,18 +158,25 @@ bool isShown(Platform::View& view) {
 
 bool resizeContent(Platform::Window& window, Platform::Size size) {
     waitForLayout(window);
-    const auto whole = nativeWindowSize(window);
-    const auto content = contentFrame(window);
-    gtk_window_set_default_size(GTK_WINDOW(toplevelOf(window)),
-                                static_cast<int>(whole.width - content.width + size.width),
-                                static_cast<int>(whole.height - content.height + size.height));
     const auto least = leastContentSize(window);
     const Platform::Size got{.width = std::max(size.width, least.width),
                              .height = std::max(size.height, least.height)};
+    Platform::Size asked;
     const bool isDone = runUntil(
         [&] {
-            const auto now = contentFrame(window);
-            return now.width == got.width && now.height == got.height;
+            const auto whole = nativeWindowSize(window);
+            const auto content = contentFrame(window);
+            if (content.width == got.width && content.height == got.height)
+                return true;
+            // What is above the content may still be moving.
+            const Platform::Size wanted{.width = whole.width - content.width + size.width,
+                                        .height = whole.height - content.height + size.height};
+            if (asked != wanted) {
+                asked = wanted;
+                gtk_window_set_default_size(GTK_WINDOW(toplevelOf(window)), static_cast<int>(wanted.width),
+                                            static_cast<int>(wanted.height));
+            }
+            return false;
         },
         limit);
     EXPECT_TRUE(isDone) << "neither the size asked for nor the least one";
@@ -198,8 +209,7 @@ std::vector<std::string> tabTitles(Platform::Window& window) {
 }
 
 bool isTabStripShown(Platform::Window& window) {
-    GtkWidget* strip = find(toplevelOf(window), [](GtkWidget* widget) { return ADW_IS_TAB_BAR(widget); });
-    return strip != nullptr && adw_tab_bar_get_tabs_revealed(ADW_TAB_BAR(strip)) == TRUE;
+    return adw_tab_bar_get_tabs_revealed(ADW_TAB_BAR(tabStripOf(window))) == TRUE;
 }
 
 bool isSelectedTab(Platform::Window& window) { return hostOf(window).selectedWindow().get() == &window; }
@@ -217,8 +227,7 @@ void closeTab(Platform::Window& window) {
 void closeNativeWindow(Platform::Window& window) { gtk_window_close(GTK_WINDOW(toplevelOf(window))); }
 
 void clickNewTabButton(Platform::Window& window) {
-    GtkWidget* strip = find(toplevelOf(window), [](GtkWidget* widget) { return ADW_IS_TAB_BAR(widget); });
-    g_signal_emit_by_name(adw_tab_bar_get_end_action_widget(ADW_TAB_BAR(strip)), "clicked");
+    g_signal_emit_by_name(adw_tab_bar_get_end_action_widget(ADW_TAB_BAR(tabStripOf(window))), "clicked");
 }
 
 bool isActive(Platform::Window& window) {
@@ -259,7 +268,7 @@ void click(Platform::View& view) {
     double surfaceY = 0;
     gtk_native_get_surface_transform(native, &surfaceX, &surfaceY);
     const auto window = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
-    runTool({"mousemove", "--sync", "--window", std::to_string(window),
+    runTool({"mousemove", "--window", std::to_string(window),
              std::to_string(static_cast<int>(surfaceX + bounds.x + (bounds.width / 2))),
              std::to_string(static_cast<int>(surfaceY + bounds.y + (bounds.height / 2)))});
     runTool({"click", "1"});
