@@ -1,6 +1,5 @@
-#include "Tests/Keyloft/AppDelegateTest.h"
-
 #include "Platform/AppKit/Application.h"
+#include "Tests/Keyloft/AppDelegateTest.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -113,7 +112,8 @@ TEST_F(AppDelegateTest, theBookmarksLieInTheApplicationSupportDirectory) {
     delegate->bookmarks()->add({"Kept", url("https://kept.test/")});
     EXPECT_EQ(KeyloftTests::contentsOf(home + "/Library/Application Support/Keyloft/bookmarks.json"),
               Bookmark::encode(delegate->bookmarks()->bookmarks()));
-    EXPECT_EQ(AppDelegate::create()->bookmarks()->bookmarks(), (std::vector<Bookmark>{{"Kept", url("https://kept.test/")}}));
+    EXPECT_EQ(AppDelegate::create()->bookmarks()->bookmarks(),
+              (std::vector<Bookmark>{{"Kept", url("https://kept.test/")}}));
 }
 
 TEST_F(AppDelegateTest, everyTabSharesTheOneStore) {
@@ -136,7 +136,8 @@ TEST_F(AppDelegateTest, theFirstURLFillsTheBlankTabAndTheSecondOpensOneBesideIt)
     ASSERT_TRUE(waitForTitle(second, server.url("/two")));
     EXPECT_TRUE(shareNativeWindow(*blank->window(), *second->window()));
     EXPECT_TRUE(isSelectedTab(*second->window()));
-    EXPECT_EQ(tabTitles(*blank->window()), (std::vector<std::string>{server.url("/one"), server.url("/two")}));
+    EXPECT_EQ(tabTitles(*blank->window()),
+              (std::vector<std::string>{server.url("/one"), server.url("/two")}));
 }
 
 TEST_F(AppDelegateTest, severalURLsWithoutAWindowShareOneInTheirOrder) {
@@ -189,9 +190,10 @@ TEST_F(AppDelegateTest, otherSchemesOpenNothing) {
     const auto blank = launch();
     const std::string authority = "127.0.0.1:" + std::to_string(server.port());
     for (const std::string& text :
-         {std::string("mailto:someone@example.org"), std::string("file:///etc/hostname"), "HTTP://" + authority + "/upper",
-          "Https://" + authority + "/upper", "httpx://" + authority + "/", std::string("about:blank"),
-          std::string("//" + authority + "/no-scheme"), std::string("data:text/html,x"), std::string("javascript:1")})
+         {std::string("mailto:someone@example.org"), std::string("file:///etc/hostname"),
+          "HTTP://" + authority + "/upper", "Https://" + authority + "/upper", "httpx://" + authority + "/",
+          std::string("about:blank"), std::string("//" + authority + "/no-scheme"),
+          std::string("data:text/html,x"), std::string("javascript:1")})
         delegate->applicationOpenURLs({url(text)});
     EXPECT_EQ(controllers(), std::vector<Tab>{blank});
     EXPECT_TRUE(blank->isEmptyTab());
@@ -207,7 +209,8 @@ TEST_F(AppDelegateTest, otherSchemesOpenNothing) {
 TEST_F(AppDelegateTest, anythingHandedOverBringsTheProgramToTheFront) {
     const auto tab = launch();
     TestSupport::activate(*tab->window());
-    const std::vector<std::vector<URL>> lists = {{}, {url("mailto:someone@example.org")}, {serverURL("/handed")}};
+    const std::vector<std::vector<URL>> lists = {
+        {}, {url("mailto:someone@example.org")}, {serverURL("/handed")}};
     for (const auto& urls : lists) {
         const TestSupport::OtherWindow other;
         EXPECT_TRUE(runUntil([&] { return !isActive(*tab->window()); }));
@@ -225,7 +228,9 @@ TEST_F(AppDelegateTest, anEmptyListWithoutAWindowOpensNone) {
 
 // The front window
 
-TEST_F(AppDelegateTest, thereIsNoFrontWindowWithoutATab) { EXPECT_EQ(delegate->frontBrowserWindow(), nullptr); }
+TEST_F(AppDelegateTest, thereIsNoFrontWindowWithoutATab) {
+    EXPECT_EQ(delegate->frontBrowserWindow(), nullptr);
+}
 
 TEST_F(AppDelegateTest, theFrontWindowIsTheMainOne) {
     const auto first = launch();
@@ -286,7 +291,9 @@ TEST_F(AppDelegateTest, newTabWithoutAWindowOpensOne) {
 
 TEST_F(AppDelegateTest, newTabIsItsOnlyAction) {
     for (int action = 0; action <= static_cast<int>(Action::selectAll); ++action)
-        EXPECT_EQ(delegate->respondsTo(static_cast<Action>(action)), action == static_cast<int>(Action::newTab)) << action;
+        EXPECT_EQ(delegate->respondsTo(static_cast<Action>(action)),
+                  action == static_cast<int>(Action::newTab))
+            << action;
 }
 
 TEST_F(AppDelegateTest, theTabStripsButtonOpensABlankTabBesideTheSelectedOne) {
@@ -302,7 +309,8 @@ TEST_F(AppDelegateTest, theTabStripsButtonOpensABlankTabBesideTheSelectedOne) {
 
 TEST_F(AppDelegateTest, aPopUpJoinsItsOpenersWindow) {
     server.route("/opener", HTTPResponse::html("<title>opener</title>"));
-    server.route("/popup", HTTPResponse::html("<script>document.title = 'opener ' + !!window.opener</script>"));
+    server.route("/popup",
+                 HTTPResponse::html("<script>document.title = 'opener ' + !!window.opener</script>"));
     const auto opener = delegate->openTab(serverURL("/opener"), nullptr, nullptr);
     ASSERT_TRUE(waitForTitle(opener, "opener"));
     const auto elsewhere = openPage("/elsewhere");

@@ -58,7 +58,8 @@ TEST_F(BookmarksTest, aPageWithNeitherTitleNorHostIsNamedAfterItsAddress) {
     tab->load(url("data:text/html,plain"));
     ASSERT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
     tab->toggleBookmark();
-    EXPECT_EQ(store->bookmarks(), (std::vector<Bookmark>{{"data:text/html,plain", url("data:text/html,plain")}}));
+    EXPECT_EQ(store->bookmarks(),
+              (std::vector<Bookmark>{{"data:text/html,plain", url("data:text/html,plain")}}));
 }
 
 TEST_F(BookmarksTest, togglingWithoutAPageDoesNothing) {
@@ -200,7 +201,8 @@ TEST_F(BookmarksTest, aButtonThatItsOwnClickTakesAwayIsSafe) {
     const auto tab = openTab();
     store->add({"Gone", url("about:blank")});
     const std::weak_ptr<Button> button = bookmarkButtons(*tab).at(0);
-    const auto observation = tab->webView()->observe(WebView::Property::url, [&] { store->remove(url("about:blank")); });
+    const auto observation =
+        tab->webView()->observe(WebView::Property::url, [&] { store->remove(url("about:blank")); });
     button.lock()->sendAction();
     EXPECT_TRUE(bookmarkButtons(*tab).empty());
     EXPECT_TRUE(runUntil([&] { return button.expired(); }));

@@ -58,7 +58,7 @@ HTTPResponse BrowserTest::unfinishedPage(const std::string& title) {
     return response;
 }
 
-URL BrowserTest::url(const std::string& text) { return URL::fromString(text).value(); }
+URL BrowserTest::url(const std::string& text) { return KeyloftTests::present(URL::fromString(text)); }
 
 URL BrowserTest::serverURL(const std::string& path) const { return url(server.url(path)); }
 

@@ -6,6 +6,7 @@
 #include "Tests/Support/HTTPServer.h"
 #include "Tests/Support/MainLoop.h"
 #include "Tests/Support/NativeWindow.h"
+#include "Tests/Support/Present.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -24,8 +25,8 @@ protected:
     BrowserTest();
     ~BrowserTest() override;
 
-    /// Opens a tab in the window of another, or in a window of its own, and shows it. It goes from `tabs` when its window
-    /// closes, and opens further ones beside it.
+    /// Opens a tab in the window of another, or in a window of its own, and shows it. It goes from `tabs`
+    /// when its window closes, and opens further ones beside it.
     Tab openTab(const Tab& beside = nullptr, const Configuration& configuration = nullptr);
 
     /// Begins anew with these bookmarks; for before the first tab.

@@ -28,7 +28,9 @@ double middle(const Rect& rect) { return rect.y + (rect.height / 2); }
 /// The middles of two heights may be half a point apart, as nothing begins at half a point.
 constexpr double halfAPoint = 0.5;
 
-double greatestHeight(std::span<const Rect> rects) { return std::ranges::max(rects, {}, &Rect::height).height; }
+double greatestHeight(std::span<const Rect> rects) {
+    return std::ranges::max(rects, {}, &Rect::height).height;
+}
 
 void expectRow(const Rect& row, double top, double width) {
     EXPECT_EQ(row.x, 0);
@@ -62,8 +64,9 @@ protected:
 
 void LayoutTest::expectToolbar(const Tab& tab, const Rect& row) {
     const auto& controls = tab->backButton()->superview()->subviews();
-    const std::vector<std::shared_ptr<View>> expected = {tab->backButton(),   tab->forwardButton(),  tab->reloadButton(),
-                                                         tab->addressField(), tab->bookmarkButton(), tab->searchField()};
+    const std::vector<std::shared_ptr<View>> expected = {tab->backButton(),     tab->forwardButton(),
+                                                         tab->reloadButton(),   tab->addressField(),
+                                                         tab->bookmarkButton(), tab->searchField()};
     ASSERT_EQ(controls, expected);
     std::vector<Rect> bounds;
     for (const auto& control : controls)
@@ -155,7 +158,6 @@ TEST_F(LayoutTest, theTabStripTakesRoomFromNoTabsRows) {
 
     const auto second = openTab(first);
     EXPECT_TRUE(TestSupport::isTabStripShown(*first->window()));
-    // The strip slides in.
     EXPECT_TRUE(resizeContent(*second->window(), usualSize));
     EXPECT_GT(contentFrame(*second->window()).y, alone);
     expectLayout(second, usualSize);
@@ -272,7 +274,8 @@ TEST_F(LayoutTest, theProgressLineShowsExactlyWhileThePageLoads) {
     tab->load(serverURL("/slow"));
     EXPECT_TRUE(bar.isActive());
     EXPECT_FALSE(bar.fill()->isHidden());
-    ASSERT_TRUE(runUntil([&] { return tab->webView()->estimatedProgress() > 0 && server.count("/slow") == 1; }));
+    ASSERT_TRUE(
+        runUntil([&] { return tab->webView()->estimatedProgress() > 0 && server.count("/slow") == 1; }));
     waitForLayout(*tab->window());
     EXPECT_TRUE(TestSupport::isShown(*bar.fill()));
     EXPECT_EQ(bar.progress(), tab->webView()->estimatedProgress());

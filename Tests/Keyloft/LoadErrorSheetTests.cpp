@@ -1,6 +1,7 @@
 #include "Tests/Keyloft/BrowserTest.h"
 
 using namespace Platform;
+using KeyloftTests::present;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 using TestSupport::ShownSheet;
@@ -8,8 +9,12 @@ using TestSupport::shownSheet;
 
 class LoadErrorSheetTest : public BrowserTest {
 protected:
-    static Error error(const std::string& domain, int code, const std::optional<std::string>& failingURL = std::nullopt) {
-        return {.domain = domain, .code = code, .localizedDescription = "It went wrong.", .failingURL = failingURL};
+    static Error error(const std::string& domain, int code,
+                       const std::optional<std::string>& failingURL = std::nullopt) {
+        return {.domain = domain,
+                .code = code,
+                .localizedDescription = "It went wrong.",
+                .failingURL = failingURL};
     }
 
     static ShownSheet sheet(const std::string& text) {
@@ -19,7 +24,8 @@ protected:
 
 TEST_F(LoadErrorSheetTest, saysWhatWentWrongAndWhere) {
     const auto tab = openTab();
-    tab->didFailProvisionalNavigation(*tab->webView(), error("NSURLErrorDomain", -1003, "http://failing.test/"));
+    tab->didFailProvisionalNavigation(*tab->webView(),
+                                      error("NSURLErrorDomain", -1003, "http://failing.test/"));
     EXPECT_EQ(shownSheet(*tab->window()), sheet("It went wrong.\nhttp://failing.test/"));
     TestSupport::pressSheetButton(*tab->window(), "OK");
     EXPECT_EQ(shownSheet(*tab->window()), std::nullopt);
@@ -42,9 +48,11 @@ TEST_F(LoadErrorSheetTest, namesThePageWhereTheFailingAddressIsUnknown) {
 TEST_F(LoadErrorSheetTest, aCancelledOrInterruptedLoadShowsNone) {
     const auto tab = openTab();
     tab->didFailNavigation(*tab->webView(), error("NSURLErrorDomain", -999, "http://failing.test/"));
-    tab->didFailProvisionalNavigation(*tab->webView(), error("NSURLErrorDomain", -999, "http://failing.test/"));
+    tab->didFailProvisionalNavigation(*tab->webView(),
+                                      error("NSURLErrorDomain", -999, "http://failing.test/"));
     tab->didFailNavigation(*tab->webView(), error("WebKitErrorDomain", 102, "http://failing.test/"));
-    tab->didFailProvisionalNavigation(*tab->webView(), error("WebKitErrorDomain", 102, "http://failing.test/"));
+    tab->didFailProvisionalNavigation(*tab->webView(),
+                                      error("WebKitErrorDomain", 102, "http://failing.test/"));
     EXPECT_EQ(shownSheet(*tab->window()), std::nullopt);
 }
 
@@ -87,7 +95,7 @@ TEST_F(LoadErrorSheetTest, aHostThatIsNotFoundShowsItAndTheTabStaysUsable) {
     ASSERT_TRUE(loadPage(tab, "/shown"));
     tab->load(url("http://no-such-host.invalid/path"));
     ASSERT_TRUE(waitForSheet(tab));
-    const auto shown = shownSheet(*tab->window()).value();
+    const auto shown = present(shownSheet(*tab->window()));
     ASSERT_EQ(shown.texts.size(), 2U);
     EXPECT_EQ(shown.texts[0], "Keyloft can't open the page");
     EXPECT_TRUE(shown.texts[1].ends_with("\nhttp://no-such-host.invalid/path")) << shown.texts[1];
@@ -110,7 +118,7 @@ TEST_F(LoadErrorSheetTest, aRefusedConnectionShowsIt) {
     const auto tab = openTab();
     tab->load(url(address));
     ASSERT_TRUE(waitForSheet(tab));
-    EXPECT_TRUE(shownSheet(*tab->window())->texts.at(1).ends_with("\n" + address));
+    EXPECT_TRUE(present(shownSheet(*tab->window())).texts.at(1).ends_with("\n" + address));
     // No page came: the tab is as empty as before.
     EXPECT_TRUE(tab->isEmptyTab());
     EXPECT_EQ(tab->window()->title(), "New Tab");

@@ -1,6 +1,5 @@
-#include "Tests/Keyloft/AppDelegateTest.h"
-
 #include "Platform/AppKit/Application.h"
+#include "Tests/Keyloft/AppDelegateTest.h"
 
 using namespace Platform;
 using KeyloftBrowserKit::Bookmark;
@@ -135,7 +134,8 @@ TEST_F(MainMenuTest, theBookmarksMenuHasNoLimit) {
     std::vector<Bookmark> bookmarks;
     for (int i = 0; i < 1000; ++i)
         bookmarks.push_back({"Page " + std::to_string(i), url("https://page.test/" + std::to_string(i))});
-    KeyloftTests::writeContents(Keyloft::AppDelegate::bookmarksFile().filePath(), Bookmark::encode(bookmarks));
+    KeyloftTests::writeContents(Keyloft::AppDelegate::bookmarksFile().filePath(),
+                                Bookmark::encode(bookmarks));
     const auto other = Keyloft::AppDelegate::create();
     const auto menu = Menu::create();
     other->menuNeedsUpdate(*menu);
@@ -152,7 +152,8 @@ TEST_F(MainMenuTest, everyActionReachesSomebodyWhileATabIsOpen) {
     const auto menu = delegate->buildMainMenu();
     for (const auto& top : menu->items()) {
         for (const auto& item : top->submenu()->items()) {
-            EXPECT_TRUE(item->isSeparator() || Application::shared().targetForAction(*item->action())) << item->title();
+            EXPECT_TRUE(item->isSeparator() || Application::shared().targetForAction(*item->action()))
+                << item->title();
         }
     }
 }

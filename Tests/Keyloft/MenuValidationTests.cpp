@@ -55,8 +55,9 @@ TEST_F(MenuValidationTest, theBookmarkItemSaysWhatItWillDo) {
 
 TEST_F(MenuValidationTest, everythingElseIsAlwaysEnabled) {
     const auto tab = openTab();
-    for (const Action action : {Action::focusAddressBar, Action::navigateFromAddressField, Action::searchFromSearchField,
-                                Action::reload, Action::openBookmark, Action::newWindowForTab, Action::newTab})
+    for (const Action action :
+         {Action::focusAddressBar, Action::navigateFromAddressField, Action::searchFromSearchField,
+          Action::reload, Action::openBookmark, Action::newWindowForTab, Action::newTab})
         EXPECT_TRUE(isEnabled(*tab, action)) << static_cast<int>(action);
     const auto item = MenuItem::create("Kept", Action::openBookmark);
     EXPECT_TRUE(tab->validateMenuItem(*item));
@@ -65,10 +66,12 @@ TEST_F(MenuValidationTest, everythingElseIsAlwaysEnabled) {
 
 TEST_F(MenuValidationTest, theControllerRespondsToItsOwnActionsOnly) {
     const auto tab = openTab();
-    for (const Action action : {Action::focusAddressBar, Action::navigateFromAddressField, Action::searchFromSearchField,
-                                Action::goBack, Action::goForward, Action::stopLoading, Action::reload,
-                                Action::toggleBookmark, Action::openBookmark, Action::newWindowForTab})
+    for (const Action action :
+         {Action::focusAddressBar, Action::navigateFromAddressField, Action::searchFromSearchField,
+          Action::goBack, Action::goForward, Action::stopLoading, Action::reload, Action::toggleBookmark,
+          Action::openBookmark, Action::newWindowForTab})
         EXPECT_TRUE(tab->respondsTo(action)) << static_cast<int>(action);
-    for (const Action action : {Action::newTab, Action::terminate, Action::performClose, Action::selectNextTab, Action::copy})
+    for (const Action action :
+         {Action::newTab, Action::terminate, Action::performClose, Action::selectNextTab, Action::copy})
         EXPECT_FALSE(tab->respondsTo(action)) << static_cast<int>(action);
 }

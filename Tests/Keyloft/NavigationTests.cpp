@@ -13,7 +13,8 @@ TEST_F(NavigationTest, theAddressFieldFollowsThePage) {
     EXPECT_EQ(tab->addressField()->stringValue(), server.url("/one"));
     EXPECT_EQ(TestSupport::shownText(*tab->addressField()), server.url("/one"));
     TestSupport::runScript(*tab->webView(), "history.pushState(null, '', '/elsewhere#there')");
-    EXPECT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/elsewhere#there"); }));
+    EXPECT_TRUE(
+        runUntil([&] { return tab->addressField()->stringValue() == server.url("/elsewhere#there"); }));
     server.route("/from", HTTPResponse::redirect("/to"));
     server.route("/to", HTTPResponse::page("to"));
     tab->load(serverURL("/from"));

@@ -30,8 +30,10 @@ TEST_F(NewTabRequestTest, withoutAnybodyToAskTheNewTabButtonDoesNothing) {
 class PopUpTest : public BrowserTest {
 protected:
     PopUpTest() {
-        server.route("/opener", HTTPResponse::html("<title>opener</title><a id=a target=_blank href=/popup>x</a>"));
-        server.route("/popup", HTTPResponse::html("<script>document.title = 'opener ' + !!window.opener</script>"));
+        server.route("/opener",
+                     HTTPResponse::html("<title>opener</title><a id=a target=_blank href=/popup>x</a>"));
+        server.route("/popup",
+                     HTTPResponse::html("<script>document.title = 'opener ' + !!window.opener</script>"));
     }
 
     [[nodiscard]] Tab openOpener() {
@@ -58,7 +60,8 @@ TEST_F(PopUpTest, aLinkToANewWindowOpensATabInTheSameWindow) {
 
 TEST_F(PopUpTest, aScriptsNewWindowIsATabThatKnowsItsOpener) {
     const auto opener = openOpener();
-    TestSupport::runScript(*opener->webView(), "w = window.open('/popup', '', 'width=200,height=100'); document.title = !!w");
+    TestSupport::runScript(*opener->webView(),
+                           "w = window.open('/popup', '', 'width=200,height=100'); document.title = !!w");
     ASSERT_TRUE(runUntil([&] { return tabs.size() == 2; }));
     ASSERT_TRUE(waitForTitle(tabs[1], "opener true"));
     EXPECT_TRUE(waitForTitle(opener, "true"));

@@ -1,6 +1,7 @@
 #include "Tests/Keyloft/BrowserTest.h"
 
 using namespace Platform;
+using KeyloftTests::present;
 using TestSupport::HTTPResponse;
 using TestSupport::pressKey;
 using TestSupport::pressSheetButton;
@@ -12,8 +13,9 @@ class ScriptPanelTest : public BrowserTest {
 protected:
     /// A page that asks and shows the answer as its title.
     [[nodiscard]] Tab openAsking() {
-        server.route("/", HTTPResponse::html("<script>onload = () => setTimeout(() => {"
-                                             "document.title = 'answered ' + confirm('Really\\nso?') })</script>"));
+        server.route(
+            "/", HTTPResponse::html("<script>onload = () => setTimeout(() => {"
+                                    "document.title = 'answered ' + confirm('Really\\nso?') })</script>"));
         const auto tab = openTab();
         tab->load(serverURL("/"));
         EXPECT_TRUE(waitForSheet(tab));
@@ -22,7 +24,8 @@ protected:
 
     /// Asks without a page; the answers that come are added to `answers`.
     static void ask(const Tab& tab, const std::string& message, std::vector<bool>& answers) {
-        tab->runJavaScriptConfirmPanel(*tab->webView(), message, {}, [&answers](bool answer) { answers.push_back(answer); });
+        tab->runJavaScriptConfirmPanel(*tab->webView(), message, {},
+                                       [&answers](bool answer) { answers.push_back(answer); });
     }
 };
 
@@ -78,15 +81,16 @@ TEST_F(ScriptPanelTest, withoutAHostThePanelsKindIsTheHeading) {
 
     std::vector<bool> answers;
     ask(tab, "Really?", answers);
-    EXPECT_EQ(shownSheet(*tab->window()), (ShownSheet{.texts = {"Confirm", "Really?"}, .buttons = {"OK", "Cancel"}}));
+    EXPECT_EQ(shownSheet(*tab->window()),
+              (ShownSheet{.texts = {"Confirm", "Really?"}, .buttons = {"OK", "Cancel"}}));
     pressSheetButton(*tab->window(), "Cancel");
     EXPECT_EQ(answers, std::vector<bool>{false});
 
     tab->runJavaScriptAlertPanel(*tab->webView(), "", {.url = url("data:text/html,x")}, [] {});
-    EXPECT_EQ(shownSheet(*tab->window())->texts.at(0), "Alert");
+    EXPECT_EQ(present(shownSheet(*tab->window())).texts.at(0), "Alert");
     pressSheetButton(*tab->window(), "OK");
     tab->runJavaScriptAlertPanel(*tab->webView(), "", {.url = url("http://speaker.test:81/x")}, [] {});
-    EXPECT_EQ(shownSheet(*tab->window())->texts.at(0), "speaker.test");
+    EXPECT_EQ(present(shownSheet(*tab->window())).texts.at(0), "speaker.test");
     pressSheetButton(*tab->window(), "OK");
 }
 
@@ -94,7 +98,7 @@ TEST_F(ScriptPanelTest, messagesAreShownAsTheyStand) {
     const auto tab = openTab();
     const std::string message = "<b>_Bold_</b> &amp; \u00e9 " + std::string(5000, 'm');
     tab->runJavaScriptAlertPanel(*tab->webView(), message, {}, [] {});
-    EXPECT_EQ(shownSheet(*tab->window())->texts.at(1), message);
+    EXPECT_EQ(present(shownSheet(*tab->window())).texts.at(1), message);
     TestSupport::waitForLayout(*tab->window());
     EXPECT_EQ(TestSupport::leastContentSize(*tab->window()), (Size{.width = 480, .height = 320}));
 }

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-/// What a person sees of the application's windows and does with them, asked of the toolkit itself and not of Platform's
-/// objects. Everything runs the main loop where it has to wait; what the toolkit never does is a test failure. Main thread
-/// only.
+/// What a person sees of the application's windows and does with them, asked of the toolkit itself and not of
+/// Platform's objects. Everything runs the main loop where it has to wait; what the toolkit never does is a
+/// test failure. Main thread only.
 namespace TestSupport {
 
 /// Waits until all that was changed so far is laid out and drawn.
@@ -31,8 +31,8 @@ Platform::Rect boundsInContent(Platform::View& view);
 /// Whether the view is on the screen.
 bool isShown(Platform::View& view);
 
-/// Gives the native window the size at which the content has the given one, as the user's dragging of a corner does. False
-/// when it does not get it.
+/// Gives the native window the size at which the content has the given one, as the user's dragging of a
+/// corner does. False when it does not get it.
 [[nodiscard]] bool resizeContent(Platform::Window& window, Platform::Size size);
 
 /// The least size that the toolkit lets the content have.
@@ -72,8 +72,9 @@ private:
     std::unique_ptr<Native> native_;
 };
 
-/// Presses keys ("ctrl+t", "Return"), types a text or clicks in the middle of a view: real events from the display, for
-/// whoever has the keyboard or stands there. Returns once they are sent, not once they took effect.
+/// Presses keys ("ctrl+t", "Return"), types a text or clicks in the middle of a view: real events from the
+/// display, for whoever has the keyboard or stands there. Returns once they are sent, not once they took
+/// effect.
 void pressKey(const std::string& key);
 void typeText(const std::string& text);
 void click(Platform::View& view);
@@ -100,8 +101,8 @@ void pressSheetButton(Platform::Window& window, const std::string& title);
 /// Runs a script in the page, without waiting for it.
 void runScript(Platform::WebView& view, const std::string& script);
 
-/// As long as it lives, what web views ask of other hosts than this one goes to a port of loopback, as to a proxy: nothing
-/// leaves the machine.
+/// As long as it lives, what web views ask of other hosts than this one goes to a port of loopback, as to a
+/// proxy: nothing leaves the machine.
 class TrafficRedirection {
 public:
     explicit TrafficRedirection(int port);

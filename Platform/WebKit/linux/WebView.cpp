@@ -136,6 +136,7 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     void recover();
     void recoverIfVisible();
     void prewarm();
+    void updateGestures();
 
     static void loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer data);
     static gboolean loadFailed(WebKitWebView*, WebKitLoadEvent event, const char* uri, GError* error,
@@ -166,6 +167,7 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     Phase phase = Phase::idle;
     /// The navigation came by `load`.
     bool byLoad = false;
+    bool allowsGestures = false;
     /// Nothing was loaded yet, and no web process asked for.
     bool fresh = true;
     /// A navigation that was stopped before the engine asked about it: that question is answered with no.
@@ -606,6 +608,14 @@ void WebView::Engine::prewarm() {
         webkit_web_view_evaluate_javascript(view.get(), "1", -1, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
+/// For the gestures the engine takes a picture of each page that is left, and crashes where there is no window to take it
+/// of: in a closed tab, in one that was never shown, and in one that is being dragged from window to window.
+void WebView::Engine::updateGestures() {
+    const bool inWindow = gtk_widget_get_root(GTK_WIDGET(view.get())) != nullptr;
+    webkit_settings_set_enable_back_forward_navigation_gestures(webkit_web_view_get_settings(view.get()),
+                                                                allowsGestures && inWindow ? TRUE : FALSE);
+}
+
 // The view
 
 std::shared_ptr<WebView> WebView::create(const std::shared_ptr<WebViewConfiguration>& configuration) {
@@ -695,8 +705,8 @@ void WebView::goForward() {
 
 void WebView::setAllowsBackForwardNavigationGestures(bool allows) {
     assertMainThread("WebView::setAllowsBackForwardNavigationGestures");
-    webkit_settings_set_enable_back_forward_navigation_gestures(
-        webkit_web_view_get_settings(engine_->view.get()), allows ? TRUE : FALSE);
+    engine_->allowsGestures = allows;
+    engine_->updateGestures();
 }
 
 void WebView::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {

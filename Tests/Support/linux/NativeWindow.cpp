@@ -18,7 +18,9 @@
 #include <utility>
 
 // Last, as it defines macros by everyday names.
+// clang-format off
 #include <gdk/x11/gdkx.h>
+// clang-format on
 
 namespace TestSupport {
 
@@ -47,11 +49,12 @@ Platform::Rect boundsIn(GtkWidget* widget, GtkWidget* outer) {
     graphene_rect_t bounds;
     if (gtk_widget_compute_bounds(widget, outer, &bounds) == FALSE)
         throw std::logic_error("the view is not in the window");
-    return {.x = bounds.origin.x, .y = bounds.origin.y, .width = bounds.size.width, .height = bounds.size.height};
+    return {
+        .x = bounds.origin.x, .y = bounds.origin.y, .width = bounds.size.width, .height = bounds.size.height};
 }
 
-/// Calls `found` for every widget below `widget`, from the outside to the inside, those inside of one for which it returns
-/// false left out.
+/// Calls `found` for every widget below `widget`, from the outside to the inside, those inside of one for
+/// which it returns false left out.
 void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child != nullptr;
          child = gtk_widget_get_next_sibling(child)) {
@@ -69,6 +72,10 @@ GtkWidget* find(GtkWidget* widget, const std::function<bool(GtkWidget*)>& wanted
         return result == nullptr;
     });
     return result;
+}
+
+GtkWidget* tabStripOf(Platform::Window& window) {
+    return find(toplevelOf(window), [](GtkWidget* widget) { return ADW_IS_TAB_BAR(widget); });
 }
 
 GtkWidget* sheetOf(Platform::Window& window) {
@@ -119,13 +126,15 @@ GtkText* textOf(Platform::TextField& field) {
 } // namespace
 
 void waitForLayout(Platform::Window& window) {
-    EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(pageOf(window)) == TRUE; }, limit)) << "not shown";
+    EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(pageOf(window)) == TRUE; }, limit))
+        << "not shown";
     runPending();
     GdkFrameClock* clock = gtk_widget_get_frame_clock(pageOf(window));
     bool isDrawn = false;
     const Platform::SignalConnection drawn(
         clock, "after-paint",
-        G_CALLBACK(+[](GdkFrameClock* /*clock*/, gpointer data) { *static_cast<bool*>(data) = true; }), &isDrawn);
+        G_CALLBACK(+[](GdkFrameClock* /*clock*/, gpointer data) { *static_cast<bool*>(data) = true; }),
+        &isDrawn);
     gtk_widget_queue_draw(pageOf(window));
     gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
     EXPECT_TRUE(runUntil([&] { return isDrawn; }, limit)) << "not drawn";
@@ -139,7 +148,9 @@ Platform::Size nativeWindowSize(Platform::Window& window) {
             .height = static_cast<double>(gtk_widget_get_height(toplevel))};
 }
 
-Platform::Rect boundsInContent(Platform::View& view) { return boundsIn(widgetOf(view), pageOf(*view.window())); }
+Platform::Rect boundsInContent(Platform::View& view) {
+    return boundsIn(widgetOf(view), pageOf(*view.window()));
+}
 
 bool isShown(Platform::View& view) {
     return view.nativeIfMade() != nullptr && gtk_widget_get_mapped(widgetOf(view)) == TRUE;
@@ -147,17 +158,25 @@ bool isShown(Platform::View& view) {
 
 bool resizeContent(Platform::Window& window, Platform::Size size) {
     waitForLayout(window);
-    const auto whole = nativeWindowSize(window);
-    const auto content = contentFrame(window);
-    gtk_window_set_default_size(GTK_WINDOW(toplevelOf(window)),
-                                static_cast<int>(whole.width - content.width + size.width),
-                                static_cast<int>(whole.height - content.height + size.height));
     const auto least = leastContentSize(window);
-    const Platform::Size got{.width = std::max(size.width, least.width), .height = std::max(size.height, least.height)};
+    const Platform::Size got{.width = std::max(size.width, least.width),
+                             .height = std::max(size.height, least.height)};
+    Platform::Size asked;
     const bool isDone = runUntil(
         [&] {
-            const auto now = contentFrame(window);
-            return now.width == got.width && now.height == got.height;
+            const auto whole = nativeWindowSize(window);
+            const auto content = contentFrame(window);
+            if (content.width == got.width && content.height == got.height)
+                return true;
+            // What is above the content may still be moving.
+            const Platform::Size wanted{.width = whole.width - content.width + size.width,
+                                        .height = whole.height - content.height + size.height};
+            if (asked != wanted) {
+                asked = wanted;
+                gtk_window_set_default_size(GTK_WINDOW(toplevelOf(window)), static_cast<int>(wanted.width),
+                                            static_cast<int>(wanted.height));
+            }
+            return false;
         },
         limit);
     EXPECT_TRUE(isDone) << "neither the size asked for nor the least one";
@@ -173,7 +192,9 @@ Platform::Size leastContentSize(Platform::Window& window) {
     return {.width = static_cast<double>(width), .height = static_cast<double>(height)};
 }
 
-std::string nativeTitle(Platform::Window& window) { return gtk_window_get_title(GTK_WINDOW(toplevelOf(window))); }
+std::string nativeTitle(Platform::Window& window) {
+    return gtk_window_get_title(GTK_WINDOW(toplevelOf(window)));
+}
 
 bool shareNativeWindow(Platform::Window& one, Platform::Window& other) {
     return TabHost::of(one) && TabHost::of(one) == TabHost::of(other);
@@ -188,8 +209,7 @@ std::vector<std::string> tabTitles(Platform::Window& window) {
 }
 
 bool isTabStripShown(Platform::Window& window) {
-    GtkWidget* strip = find(toplevelOf(window), [](GtkWidget* widget) { return ADW_IS_TAB_BAR(widget); });
-    return strip != nullptr && adw_tab_bar_get_tabs_revealed(ADW_TAB_BAR(strip)) == TRUE;
+    return adw_tab_bar_get_tabs_revealed(ADW_TAB_BAR(tabStripOf(window))) == TRUE;
 }
 
 bool isSelectedTab(Platform::Window& window) { return hostOf(window).selectedWindow().get() == &window; }
@@ -207,11 +227,12 @@ void closeTab(Platform::Window& window) {
 void closeNativeWindow(Platform::Window& window) { gtk_window_close(GTK_WINDOW(toplevelOf(window))); }
 
 void clickNewTabButton(Platform::Window& window) {
-    GtkWidget* strip = find(toplevelOf(window), [](GtkWidget* widget) { return ADW_IS_TAB_BAR(widget); });
-    g_signal_emit_by_name(adw_tab_bar_get_end_action_widget(ADW_TAB_BAR(strip)), "clicked");
+    g_signal_emit_by_name(adw_tab_bar_get_end_action_widget(ADW_TAB_BAR(tabStripOf(window))), "clicked");
 }
 
-bool isActive(Platform::Window& window) { return gtk_window_is_active(GTK_WINDOW(toplevelOf(window))) == TRUE; }
+bool isActive(Platform::Window& window) {
+    return gtk_window_is_active(GTK_WINDOW(toplevelOf(window))) == TRUE;
+}
 
 void activate(Platform::Window& window) {
     startWindowManager();
@@ -247,7 +268,7 @@ void click(Platform::View& view) {
     double surfaceY = 0;
     gtk_native_get_surface_transform(native, &surfaceX, &surfaceY);
     const auto window = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
-    runTool({"mousemove", "--sync", "--window", std::to_string(window),
+    runTool({"mousemove", "--window", std::to_string(window),
              std::to_string(static_cast<int>(surfaceX + bounds.x + (bounds.width / 2))),
              std::to_string(static_cast<int>(surfaceY + bounds.y + (bounds.height / 2)))});
     runTool({"click", "1"});
@@ -268,7 +289,9 @@ std::string selectedText(Platform::TextField& field) {
     return text;
 }
 
-std::string shownText(Platform::TextField& field) { return gtk_editable_get_text(GTK_EDITABLE(textOf(field))); }
+std::string shownText(Platform::TextField& field) {
+    return gtk_editable_get_text(GTK_EDITABLE(textOf(field)));
+}
 
 std::optional<ShownSheet> shownSheet(Platform::Window& window) {
     GtkWidget* sheet = sheetOf(window);
@@ -301,8 +324,8 @@ void pressSheetButton(Platform::Window& window, const std::string& title) {
 }
 
 void runScript(Platform::WebView& view, const std::string& script) {
-    webkit_web_view_evaluate_javascript(WEBKIT_WEB_VIEW(widgetOf(view)), script.c_str(), -1, nullptr, nullptr, nullptr,
-                                        nullptr, nullptr);
+    webkit_web_view_evaluate_javascript(WEBKIT_WEB_VIEW(widgetOf(view)), script.c_str(), -1, nullptr, nullptr,
+                                        nullptr, nullptr, nullptr);
 }
 
 TrafficRedirection::TrafficRedirection(int port) {
@@ -310,13 +333,15 @@ TrafficRedirection::TrafficRedirection(int port) {
     const std::string proxy = "http://127.0.0.1:" + std::to_string(port);
     WebKitNetworkProxySettings* settings = webkit_network_proxy_settings_new(proxy.c_str(), here);
     webkit_network_session_set_proxy_settings(
-        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_CUSTOM, settings);
+        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_CUSTOM,
+        settings);
     webkit_network_proxy_settings_free(settings);
 }
 
 TrafficRedirection::~TrafficRedirection() {
-    webkit_network_session_set_proxy_settings(Platform::networkSession(Platform::WebsiteDataStore::defaultStore),
-                                              WEBKIT_NETWORK_PROXY_MODE_DEFAULT, nullptr);
+    webkit_network_session_set_proxy_settings(
+        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_DEFAULT,
+        nullptr);
 }
 
 } // namespace TestSupport
