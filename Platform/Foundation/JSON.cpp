@@ -1,0 +1,261 @@
+#include "Platform/Foundation/JSON.h"
+
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <utility>
+
+namespace Platform {
+
+namespace {
+
+/// Builds a JSONValue from the library's events, whose reader keeps no stack of its own but a list of flags.
+class Builder {
+public:
+    using number_integer_t = nlohmann::json::number_integer_t;
+    using number_unsigned_t = nlohmann::json::number_unsigned_t;
+    using number_float_t = nlohmann::json::number_float_t;
+    using string_t = nlohmann::json::string_t;
+    using binary_t = nlohmann::json::binary_t;
+
+    bool null() { return add(nullptr); }
+    bool boolean(bool value) { return add(value); }
+    bool number_integer(number_integer_t value) { return add(static_cast<double>(value)); }
+    bool number_unsigned(number_unsigned_t value) { return add(static_cast<double>(value)); }
+    bool number_float(number_float_t value, const string_t& /*text*/) {
+        return std::isfinite(value) && add(value);
+    }
+    bool string(string_t& value) { return add(std::move(value)); }
+    static bool binary(binary_t& /*value*/) { return false; }
+
+    bool start_object(std::size_t /*count*/) { return open(JSONValue::Object()); }
+    bool start_array(std::size_t /*count*/) { return open(JSONValue::Array()); }
+    bool key(string_t& name) {
+        open_.back().name = std::move(name);
+        return true;
+    }
+    bool end_object() { return close(); }
+    bool end_array() { return close(); }
+
+    static bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                            const nlohmann::json::exception& /*error*/) {
+        return false;
+    }
+
+    JSONValue take() { return std::move(top_); }
+
+private:
+    /// An array or object that is not closed yet, and the name of the member that comes next.
+    struct Open {
+        std::variant<JSONValue::Array, JSONValue::Object> container;
+        std::string name;
+    };
+
+    bool add(JSONValue value) {
+        if (open_.empty()) {
+            top_ = std::move(value);
+            return true;
+        }
+        Open& parent = open_.back();
+        if (auto* array = std::get_if<JSONValue::Array>(&parent.container)) {
+            array->push_back(std::move(value));
+        } else {
+            std::get<JSONValue::Object>(parent.container)
+                .insert_or_assign(std::move(parent.name), std::move(value));
+        }
+        return true;
+    }
+
+    template <typename Container>
+    bool open(Container container) {
+        if (open_.size() == JSONValue::maxDepth) {
+            return false;
+        }
+        open_.push_back({std::move(container), {}});
+        return true;
+    }
+
+    bool close() {
+        auto container = std::move(open_.back().container);
+        open_.pop_back();
+        return std::visit([this](auto& contents) { return add(JSONValue(std::move(contents))); }, container);
+    }
+
+    std::vector<Open> open_;
+    JSONValue top_;
+};
+
+void appendLiteral(std::string& out, std::string_view text, JSONSlashes slashes) {
+    constexpr std::string_view hexDigits = "0123456789abcdef";
+    out += '"';
+    for (const char character : text) {
+        switch (character) {
+        case '"':
+            out += "\\\"";
+            break;
+        case '\\':
+            out += "\\\\";
+            break;
+        case '/':
+            out += slashes == JSONSlashes::escaped ? "\\/" : "/";
+            break;
+        case '\b':
+            out += "\\b";
+            break;
+        case '\f':
+            out += "\\f";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        case '\t':
+            out += "\\t";
+            break;
+        default: {
+            const auto byte = static_cast<unsigned char>(character);
+            if (byte < 0x20) {
+                out += "\\u00";
+                out += hexDigits[byte >> 4U];
+                out += hexDigits[byte & 0xFU];
+            } else {
+                out += character;
+            }
+        }
+        }
+    }
+    out += '"';
+}
+
+std::string numberText(double value) {
+    // 2^53: beyond it not every integer has a double of its own, and shortest notation is as good.
+    constexpr double exactIntegers = 9007199254740992.0;
+    std::array<char, 32> buffer{};
+    const auto result =
+        std::trunc(value) == value && std::abs(value) <= exactIntegers
+            ? std::to_chars(buffer.data(), buffer.data() + buffer.size(), static_cast<std::int64_t>(value))
+            : std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    return {buffer.data(), result.ptr};
+}
+
+class Writer {
+public:
+    Writer(bool pretty, JSONSlashes slashes)
+        : pretty_(pretty)
+        , slashes_(slashes) {}
+
+    void write(const JSONValue& value) {
+        if (const bool* boolean = value.boolean()) {
+            out_ += *boolean ? "true" : "false";
+        } else if (const double* number = value.number()) {
+            out_ += numberText(*number);
+        } else if (const std::string* string = value.string()) {
+            appendLiteral(out_, *string, slashes_);
+        } else if (const JSONValue::Array* array = value.array()) {
+            writeElements('[', ']', *array, [this](const JSONValue& element) { write(element); });
+        } else if (const JSONValue::Object* object = value.object()) {
+            writeElements('{', '}', *object, [this](const JSONValue::Object::value_type& member) {
+                appendLiteral(out_, member.first, slashes_);
+                out_ += pretty_ ? " : " : ":";
+                write(member.second);
+            });
+        } else {
+            out_ += "null";
+        }
+    }
+
+    std::string take() { return std::move(out_); }
+
+private:
+    template <typename Container, typename WriteElement>
+    void writeElements(char opening, char closing, const Container& container, WriteElement writeElement) {
+        out_ += opening;
+        ++depth_;
+        bool first = true;
+        for (const auto& element : container) {
+            if (!first) {
+                out_ += ',';
+            }
+            first = false;
+            breakLine();
+            writeElement(element);
+        }
+        // An empty container spans three lines, the middle one empty.
+        if (pretty_ && first) {
+            out_ += '\n';
+        }
+        --depth_;
+        breakLine();
+        out_ += closing;
+    }
+
+    void breakLine() {
+        if (pretty_) {
+            out_ += '\n';
+            out_.append(2 * depth_, ' ');
+        }
+    }
+
+    std::string out_;
+    std::size_t depth_ = 0;
+    bool pretty_;
+    JSONSlashes slashes_;
+};
+
+} // namespace
+
+std::optional<JSONValue> JSONValue::parse(std::string_view bytes) {
+    // NUL is valid nowhere in a JSON text, but the library takes it for the end.
+    if (bytes.contains('\0')) {
+        return std::nullopt;
+    }
+    Builder builder;
+    if (!nlohmann::json::sax_parse(bytes.begin(), bytes.end(), &builder)) {
+        return std::nullopt;
+    }
+    JSONValue top = builder.take();
+    if (top.array() == nullptr && top.object() == nullptr) {
+        return std::nullopt;
+    }
+    return top;
+}
+
+const JSONValue* JSONValue::member(std::string_view name) const {
+    const Object* members = object();
+    if (members == nullptr) {
+        return nullptr;
+    }
+    const auto found = members->find(name);
+    return found == members->end() ? nullptr : &found->second;
+}
+
+const std::string* JSONValue::stringMember(std::string_view name) const {
+    const JSONValue* value = member(name);
+    return value == nullptr ? nullptr : value->string();
+}
+
+std::string compactJSON(const JSONValue& value, JSONSlashes slashes) {
+    Writer writer(false, slashes);
+    writer.write(value);
+    return writer.take();
+}
+
+std::string prettyJSON(const JSONValue& value) {
+    Writer writer(true, JSONSlashes::escaped);
+    writer.write(value);
+    return writer.take();
+}
+
+std::string jsonStringLiteral(std::string_view text) {
+    std::string out;
+    out.reserve(text.size() + 2);
+    appendLiteral(out, text, JSONSlashes::escaped);
+    return out;
+}
+
+} // namespace Platform

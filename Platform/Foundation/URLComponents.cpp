@@ -1,0 +1,275 @@
+#include "Platform/Foundation/URLComponents.h"
+
+#include "Platform/Foundation/URLEncoding.h"
+
+#include <tuple>
+#include <utility>
+
+namespace Platform {
+
+using URLEncoding::Allowed;
+
+namespace {
+
+std::optional<std::string> decodedPart(const std::optional<std::string>& part) {
+    return part ? URLEncoding::decoded(*part) : std::nullopt;
+}
+
+std::optional<std::string> copied(std::optional<std::string_view> part) {
+    return part ? std::optional<std::string>(*part) : std::nullopt;
+}
+
+std::optional<std::string> encodedPart(std::optional<std::string_view> part, Allowed allowed) {
+    return part ? std::optional(URLEncoding::encoded(*part, allowed)) : std::nullopt;
+}
+
+std::optional<std::string> keptPart(std::optional<std::string_view> part, Allowed allowed) {
+    return part ? std::optional(URLEncoding::encodedUnlessValid(*part, allowed)) : std::nullopt;
+}
+
+template <typename Transform>
+std::string joined(const std::vector<URLQueryItem>& items, Transform transform) {
+    std::string query;
+    bool first = true;
+    for (const URLQueryItem& item : items) {
+        if (!first) {
+            query += '&';
+        }
+        first = false;
+        query += transform(item.name);
+        if (item.value) {
+            query += '=';
+            query += transform(*item.value);
+        }
+    }
+    return query;
+}
+
+} // namespace
+
+URLComponents::URLComponents(const URL& url) {
+    if (auto parsed = fromString(url.absoluteString())) {
+        *this = *std::move(parsed);
+    }
+}
+
+std::optional<URLComponents> URLComponents::fromString(std::string_view text) {
+    URLEncoding::Parsed parsed;
+    if (!URLEncoding::parse(text, false, parsed)) {
+        return std::nullopt;
+    }
+    URLComponents components;
+    components.scheme_ = copied(parsed.parts.scheme);
+    components.user_ = copied(parsed.parts.user);
+    components.password_ = copied(parsed.parts.password);
+    components.host_ = copied(parsed.parts.host);
+    components.port_ = parsed.port;
+    components.path_ = parsed.parts.path;
+    components.query_ = copied(parsed.parts.query);
+    components.fragment_ = copied(parsed.parts.fragment);
+    components.text_ = std::move(parsed.text);
+    return components;
+}
+
+std::optional<std::string> URLComponents::user() const { return decodedPart(user_); }
+
+std::optional<std::string> URLComponents::password() const { return decodedPart(password_); }
+
+std::optional<std::string> URLComponents::host() const {
+    return host_ ? std::optional(URLEncoding::decodedHost(*host_)) : std::nullopt;
+}
+
+std::string URLComponents::path() const { return URLEncoding::decoded(path_).value_or(std::string()); }
+
+std::optional<std::string> URLComponents::query() const { return decodedPart(query_); }
+
+std::optional<std::string> URLComponents::fragment() const { return decodedPart(fragment_); }
+
+std::optional<std::vector<URLQueryItem>> URLComponents::percentEncodedQueryItems() const {
+    if (!query_) {
+        return std::nullopt;
+    }
+    std::vector<URLQueryItem> items;
+    std::string_view rest = *query_;
+    while (!query_->empty()) {
+        const std::size_t ampersand = rest.find('&');
+        const std::string_view piece = rest.substr(0, ampersand);
+        const std::size_t equals = piece.find('=');
+        URLQueryItem item{.name = std::string(piece.substr(0, equals)), .value = std::nullopt};
+        if (equals != std::string_view::npos) {
+            item.value = std::string(piece.substr(equals + 1));
+        }
+        items.push_back(std::move(item));
+        if (ampersand == std::string_view::npos) {
+            break;
+        }
+        rest.remove_prefix(ampersand + 1);
+    }
+    return items;
+}
+
+std::optional<std::vector<URLQueryItem>> URLComponents::queryItems() const {
+    auto items = percentEncodedQueryItems();
+    if (items) {
+        for (URLQueryItem& item : *items) {
+            item.name = URLEncoding::decoded(item.name).value_or(std::string());
+            if (item.value) {
+                item.value = URLEncoding::decoded(*item.value).value_or(std::string());
+            }
+        }
+    }
+    return items;
+}
+
+bool URLComponents::setScheme(std::optional<std::string_view> scheme) {
+    if (scheme && !URLEncoding::isValidScheme(*scheme)) {
+        return false;
+    }
+    changed();
+    scheme_ = copied(scheme);
+    return true;
+}
+
+void URLComponents::setUser(std::optional<std::string_view> user) {
+    changed();
+    user_ = encodedPart(user, Allowed::user);
+}
+
+void URLComponents::setPassword(std::optional<std::string_view> password) {
+    changed();
+    password_ = encodedPart(password, Allowed::user);
+}
+
+bool URLComponents::setHost(std::optional<std::string_view> host) {
+    std::optional<std::string> encoded;
+    if (host) {
+        encoded = URLEncoding::encodedHost(*host, scheme_);
+        if (!encoded) {
+            return false;
+        }
+    }
+    changed();
+    host_ = std::move(encoded);
+    return true;
+}
+
+bool URLComponents::setPort(std::optional<std::int64_t> port) {
+    if (port && *port < 0) {
+        return false;
+    }
+    changed();
+    port_ = port;
+    return true;
+}
+
+void URLComponents::setPath(std::string_view path) {
+    changed();
+    path_ = URLEncoding::encodedPath(path);
+}
+
+void URLComponents::setPercentEncodedPath(std::string_view path) {
+    changed();
+    path_ = URLEncoding::isValid(path, Allowed::path) ? std::string(path) : URLEncoding::encodedPath(path);
+}
+
+void URLComponents::setQuery(std::optional<std::string_view> query) {
+    changed();
+    query_ = encodedPart(query, Allowed::query);
+}
+
+void URLComponents::setPercentEncodedQuery(std::optional<std::string_view> query) {
+    changed();
+    query_ = keptPart(query, Allowed::query);
+}
+
+void URLComponents::setQueryItems(const std::vector<URLQueryItem>& items) {
+    changed();
+    query_ =
+        joined(items, [](std::string_view text) { return URLEncoding::encoded(text, Allowed::queryItem); });
+}
+
+void URLComponents::setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items) {
+    changed();
+    query_ = joined(items, [](std::string_view text) {
+        return URLEncoding::encodedUnlessValid(text, Allowed::queryItem);
+    });
+}
+
+void URLComponents::setFragment(std::optional<std::string_view> fragment) {
+    changed();
+    fragment_ = encodedPart(fragment, Allowed::query);
+}
+
+void URLComponents::setPercentEncodedFragment(std::optional<std::string_view> fragment) {
+    changed();
+    fragment_ = keptPart(fragment, Allowed::query);
+}
+
+std::optional<std::string> URLComponents::string() const {
+    if (text_) {
+        return text_;
+    }
+    const bool hasAuthority = host_ || user_ || password_ || port_;
+    if (hasAuthority ? !path_.empty() && !path_.starts_with('/') : path_.starts_with("//")) {
+        return std::nullopt;
+    }
+    std::string text;
+    if (scheme_) {
+        text += *scheme_;
+        text += ':';
+    }
+    if (hasAuthority) {
+        text += "//";
+        if (user_ || password_) {
+            text += user_.value_or(std::string());
+            if (password_) {
+                text += ':';
+                text += *password_;
+            }
+            text += '@';
+        }
+        text += host_.value_or(std::string());
+        if (port_) {
+            text += ':';
+            text += std::to_string(*port_);
+        }
+    }
+    if (!scheme_ && !hasAuthority && std::string_view(path_).substr(0, path_.find('/')).contains(':')) {
+        // Without a scheme before it, this ":" would be read as a scheme's.
+        const std::size_t slash = path_.find('/');
+        for (const char character : std::string_view(path_).substr(0, slash)) {
+            if (character == ':') {
+                text += "%3A";
+            } else {
+                text += character;
+            }
+        }
+        text += slash == std::string::npos ? std::string_view() : std::string_view(path_).substr(slash);
+    } else {
+        text += path_;
+    }
+    if (query_) {
+        text += '?';
+        text += *query_;
+    }
+    if (fragment_) {
+        text += '#';
+        text += *fragment_;
+    }
+    return text;
+}
+
+std::optional<URL> URLComponents::url() const {
+    const auto text = string();
+    return text ? URL::fromString(*text) : std::nullopt;
+}
+
+bool operator==(const URLComponents& left, const URLComponents& right) {
+    const auto parts = [](const URLComponents& components) {
+        return std::tie(components.scheme_, components.user_, components.password_, components.host_,
+                        components.port_, components.path_, components.query_, components.fragment_);
+    };
+    return parts(left) == parts(right);
+}
+
+} // namespace Platform

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "Platform/Foundation/URL.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Platform {
+
+/// One "name=value" of a query. A piece without "=" has no value, one that ends in "=" has an empty one.
+struct URLQueryItem {
+    std::string name;
+    std::optional<std::string> value;
+
+    friend bool operator==(const URLQueryItem&, const URLQueryItem&) = default;
+};
+
+/// The parts of a URL, to be read and changed one by one, as Foundation does it.
+///
+/// Parts are kept percent-encoded; the plain getters decode (nothing, or empty text, where the bytes are no
+/// UTF-8), the plain setters encode what their part may not hold. Setters named percentEncoded take text that
+/// is encoded already; what is not valid in it is encoded rather than refused. Setting nothing removes the
+/// part.
+class URLComponents {
+public:
+    /// All parts absent and an empty path.
+    URLComponents() = default;
+    /// The parts of `url` (not resolved against any base).
+    explicit URLComponents(const URL& url);
+    /// The parts of what `text` spells, or nothing where it is no URL. Unlike a URL, components may be empty.
+    static std::optional<URLComponents> fromString(std::string_view text);
+
+    const std::optional<std::string>& scheme() const { return scheme_; }
+    std::optional<std::string> user() const;
+    std::optional<std::string> password() const;
+    std::optional<std::string> host() const;
+    const std::optional<std::string>& percentEncodedHost() const { return host_; }
+    std::optional<std::int64_t> port() const { return port_; }
+    std::string path() const;
+    const std::string& percentEncodedPath() const { return path_; }
+    std::optional<std::string> query() const;
+    const std::optional<std::string>& percentEncodedQuery() const { return query_; }
+    std::optional<std::string> fragment() const;
+    const std::optional<std::string>& percentEncodedFragment() const { return fragment_; }
+
+    /// The query cut at "&" and each piece at its first "=", decoded; "+" stays a plus sign. Absent without a
+    /// query, an empty list for an empty one.
+    std::optional<std::vector<URLQueryItem>> queryItems() const;
+    /// The same, percent-encoded as stored.
+    std::optional<std::vector<URLQueryItem>> percentEncodedQueryItems() const;
+
+    /// False, and nothing changed, for a text that is no scheme.
+    bool setScheme(std::optional<std::string_view> scheme);
+    void setUser(std::optional<std::string_view> user);
+    void setPassword(std::optional<std::string_view> password);
+    /// False, and nothing changed, for a text that can be no host.
+    bool setHost(std::optional<std::string_view> host);
+    /// False, and nothing changed, for a negative number.
+    bool setPort(std::optional<std::int64_t> port);
+    void setPath(std::string_view path);
+    void setPercentEncodedPath(std::string_view path);
+    void setQuery(std::optional<std::string_view> query);
+    void setPercentEncodedQuery(std::optional<std::string_view> query);
+    /// Names and values are encoded so that they are read back the same; of what a query may hold, "&", "=",
+    /// ";" and "#" do not stay literal, while "+", "?" and "/" do. An empty list gives an empty query.
+    void setQueryItems(const std::vector<URLQueryItem>& items);
+    void setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items);
+    void setFragment(std::optional<std::string_view> fragment);
+    void setPercentEncodedFragment(std::optional<std::string_view> fragment);
+
+    /// The text of the parts together, or nothing where they cannot stand together (an authority with a
+    /// relative path, a path that begins with "//" without an authority).
+    std::optional<std::string> string() const;
+    /// The URL of that text.
+    std::optional<URL> url() const;
+
+    /// Equality of the parts.
+    friend bool operator==(const URLComponents& left, const URLComponents& right);
+
+private:
+    void changed() { text_.reset(); }
+
+    std::optional<std::string> scheme_;
+    std::optional<std::string> user_;
+    std::optional<std::string> password_;
+    std::optional<std::string> host_;
+    std::optional<std::int64_t> port_;
+    std::string path_;
+    std::optional<std::string> query_;
+    std::optional<std::string> fragment_;
+    /// The text as it was parsed, until a part is changed: it may spell a port in a way that the number does
+    /// not.
+    std::optional<std::string> text_;
+};
+
+} // namespace Platform

@@ -1,0 +1,408 @@
+#include "Platform/Foundation/URLEncoding.h"
+
+#include "Platform/Foundation/Characters.h"
+
+#include <unicode/bytestream.h>
+#include <unicode/idna.h>
+#include <unicode/stringpiece.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <memory>
+
+namespace Platform::URLEncoding {
+
+namespace {
+
+constexpr std::string_view unreservedMarks = "-._~";
+constexpr std::string_view subDelimiters = "!$&'()*+,;=";
+
+constexpr bool isLetter(char character) {
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+}
+constexpr bool isDigit(char character) { return character >= '0' && character <= '9'; }
+
+constexpr std::array<std::uint8_t, 256> allowedTable() {
+    std::array<std::uint8_t, 256> table{};
+    const auto allow = [&table](std::string_view characters, auto... places) {
+        for (const char character : characters) {
+            table[static_cast<unsigned char>(character)] |= (static_cast<std::uint8_t>(places) | ...);
+        }
+    };
+    const auto allowEverywhere = [&](std::string_view characters) {
+        allow(characters, Allowed::user, Allowed::host, Allowed::pathFirstSegment, Allowed::path,
+              Allowed::query, Allowed::queryItem, Allowed::ipLiteral);
+    };
+    for (int code = 0; code < 128; ++code) {
+        const char character = static_cast<char>(code);
+        if (isLetter(character) || isDigit(character)) {
+            allowEverywhere({&character, 1});
+            allow({&character, 1}, Allowed::schemeTail);
+        }
+    }
+    allow("+-.", Allowed::schemeTail);
+    allowEverywhere(unreservedMarks);
+    allowEverywhere(subDelimiters);
+    table['&'] &= static_cast<std::uint8_t>(~static_cast<unsigned>(Allowed::queryItem));
+    table['='] &= static_cast<std::uint8_t>(~static_cast<unsigned>(Allowed::queryItem));
+    allow("@", Allowed::pathFirstSegment);
+    allow("@:/", Allowed::path, Allowed::query, Allowed::queryItem);
+    allow("?", Allowed::query, Allowed::queryItem);
+    allow(":", Allowed::ipLiteral);
+    return table;
+}
+
+constexpr std::array<std::uint8_t, 256> table = allowedTable();
+
+bool isAllowed(char character, Allowed allowed) {
+    return (table[static_cast<unsigned char>(character)] & static_cast<std::uint8_t>(allowed)) != 0;
+}
+
+int hexValue(char character) {
+    if (isDigit(character)) {
+        return character - '0';
+    }
+    if (character >= 'a' && character <= 'f') {
+        return character - 'a' + 10;
+    }
+    if (character >= 'A' && character <= 'F') {
+        return character - 'A' + 10;
+    }
+    return -1;
+}
+
+bool isEscapeAt(std::string_view text, std::size_t offset) {
+    return offset + 2 < text.size() && text[offset] == '%' && hexValue(text[offset + 1]) >= 0 &&
+           hexValue(text[offset + 2]) >= 0;
+}
+
+void appendEncoded(std::string& out, std::string_view text, Allowed allowed) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    for (const char character : text) {
+        if (isAllowed(character, allowed)) {
+            out += character;
+        } else {
+            const auto byte = static_cast<unsigned char>(character);
+            out += '%';
+            out += digits[byte >> 4U];
+            out += digits[byte & 0xFU];
+        }
+    }
+}
+
+std::string_view take(std::string_view& rest, std::size_t length) {
+    const std::string_view taken = rest.substr(0, length);
+    rest.remove_prefix(taken.size());
+    return taken;
+}
+
+/// Cuts an authority; false where its host and port cannot be told apart.
+bool splitAuthority(std::string_view authority, Parts& parts) {
+    // The last "@" ends the user's part: what is before it may hold others, which are encoded later.
+    if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
+        std::string_view user = authority.substr(0, at);
+        authority.remove_prefix(at + 1);
+        if (const std::size_t colon = user.find(':'); colon != std::string_view::npos) {
+            parts.password = user.substr(colon + 1);
+            user = user.substr(0, colon);
+        }
+        parts.user = user;
+    }
+    std::size_t hostLength = 0;
+    if (authority.starts_with('[')) {
+        const std::size_t bracket = authority.find(']');
+        if (bracket == std::string_view::npos) {
+            return false;
+        }
+        hostLength = bracket + 1;
+    } else {
+        hostLength = std::min(authority.find(':'), authority.size());
+    }
+    parts.host = take(authority, hostLength);
+    if (authority.empty()) {
+        return true;
+    }
+    parts.port = authority.substr(1);
+    return authority.front() == ':' && std::ranges::all_of(*parts.port, isDigit);
+}
+
+bool split(std::string_view text, bool allowEmptyScheme, Parts& parts) {
+    const std::size_t delimiter = text.find_first_of(":/?#[]@");
+    if (delimiter != std::string_view::npos && text[delimiter] == ':' &&
+        (delimiter > 0 || allowEmptyScheme)) {
+        parts.scheme = take(text, delimiter);
+        text.remove_prefix(1);
+        if (!parts.scheme->empty() && !isValidScheme(*parts.scheme)) {
+            return false;
+        }
+    }
+    if (text.starts_with("//")) {
+        text.remove_prefix(2);
+        if (!splitAuthority(take(text, text.find_first_of("/?#")), parts)) {
+            return false;
+        }
+    }
+    parts.path = take(text, text.find_first_of("?#"));
+    if (text.starts_with('?')) {
+        text.remove_prefix(1);
+        parts.query = take(text, text.find('#'));
+    }
+    if (text.starts_with('#')) {
+        parts.fragment = text.substr(1);
+    }
+    return true;
+}
+
+bool isValidIPLiteral(std::string_view host) {
+    std::string_view inner = host.substr(1, host.size() - 2);
+    const std::string_view address = take(inner, inner.find('%'));
+    const auto isAddress = [](char character) { return isAllowed(character, Allowed::ipLiteral); };
+    // The first "%" can only be the one before the zone, and is itself written encoded.
+    return std::ranges::all_of(address, isAddress) &&
+           (inner.empty() || (inner.starts_with("%25") && isValid(inner.substr(3), Allowed::host)));
+}
+
+bool isValidHost(std::string_view host) {
+    return isIPLiteral(host) ? isValidIPLiteral(host) : isValid(host, Allowed::host);
+}
+
+/// Schemes whose "hosts" are no domain names and are percent-encoded.
+bool hasNoDomainNames(std::string_view scheme) {
+    constexpr auto schemes = std::to_array<std::string_view>({
+        "addressbook",
+        "callto",
+        "contact",
+        "facetime",
+        "facetime-audio",
+        "facetime-audio-prompt",
+        "facetime-prompt",
+        "facetimephone",
+        "http+unix",
+        "https+unix",
+        "imap",
+        "phasset",
+        "pop",
+        "tel",
+        "telprompt",
+        "ws+unix",
+        "wss+unix",
+    });
+    std::string lowered(scheme);
+    std::ranges::transform(lowered, lowered.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return std::ranges::find(schemes, lowered) != schemes.end();
+}
+
+const icu::IDNA* idna() {
+    static const std::unique_ptr<icu::IDNA> instance = [] {
+        UErrorCode error = U_ZERO_ERROR;
+        std::unique_ptr<icu::IDNA> made(icu::IDNA::createUTS46Instance(
+            UIDNA_CHECK_BIDI | UIDNA_CHECK_CONTEXTJ | UIDNA_NONTRANSITIONAL_TO_ASCII |
+                UIDNA_NONTRANSITIONAL_TO_UNICODE,
+            error));
+        if (U_FAILURE(error)) {
+            made.reset();
+        }
+        return made;
+    }();
+    return instance.get();
+}
+
+enum class Direction { toASCII, toUnicode };
+
+std::optional<std::string> convertedName(std::string_view name, Direction direction) {
+    // Lengths and hyphens are the resolver's business, not a reason to refuse the text.
+    constexpr std::uint32_t tolerated = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LABEL_TOO_LONG |
+                                        UIDNA_ERROR_DOMAIN_NAME_TOO_LONG | UIDNA_ERROR_LEADING_HYPHEN |
+                                        UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
+    constexpr std::size_t longest = 1U << 16U;
+    if (idna() == nullptr || name.size() > longest) {
+        return std::nullopt;
+    }
+    std::string converted;
+    icu::StringByteSink<std::string> sink(&converted);
+    icu::IDNAInfo info;
+    UErrorCode error = U_ZERO_ERROR;
+    const icu::StringPiece piece(name.data(), static_cast<std::int32_t>(name.size()));
+    if (direction == Direction::toASCII) {
+        idna()->nameToASCII_UTF8(piece, sink, info, error);
+    } else {
+        idna()->nameToUnicodeUTF8(piece, sink, info, error);
+    }
+    if (U_FAILURE(error) || (info.getErrors() & ~tolerated) != 0) {
+        return std::nullopt;
+    }
+    return converted;
+}
+
+std::optional<std::int64_t> portNumber(std::optional<std::string_view> digits) {
+    std::int64_t number = 0;
+    if (!digits || digits->empty() ||
+        std::from_chars(digits->data(), digits->data() + digits->size(), number).ec != std::errc()) {
+        return std::nullopt;
+    }
+    return number;
+}
+
+} // namespace
+
+bool isIPLiteral(std::string_view host) { return host.starts_with('['); }
+
+bool isValid(std::string_view text, Allowed allowed) {
+    for (std::size_t offset = 0; offset < text.size(); ++offset) {
+        if (!isAllowed(text[offset], allowed)) {
+            if (!isEscapeAt(text, offset)) {
+                return false;
+            }
+            offset += 2;
+        }
+    }
+    return true;
+}
+
+bool isValidScheme(std::string_view scheme) {
+    return !scheme.empty() && isLetter(scheme.front()) && std::ranges::all_of(scheme, [](char character) {
+        return isAllowed(character, Allowed::schemeTail);
+    });
+}
+
+std::string encoded(std::string_view text, Allowed allowed) {
+    std::string out;
+    out.reserve(text.size() + text.size() / 2);
+    appendEncoded(out, text, allowed);
+    return out;
+}
+
+std::string encodedUnlessValid(std::string_view text, Allowed allowed) {
+    return isValid(text, allowed) ? std::string(text) : encoded(text, allowed);
+}
+
+std::string encodedPath(std::string_view path) {
+    const std::string_view firstSegment = path.substr(0, path.find('/'));
+    std::string out;
+    out.reserve(path.size() + path.size() / 2);
+    appendEncoded(out, firstSegment, Allowed::pathFirstSegment);
+    appendEncoded(out, path.substr(firstSegment.size()), Allowed::path);
+    return out;
+}
+
+std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme) {
+    if (host.empty()) {
+        return std::string();
+    }
+    if (isIPLiteral(host)) {
+        // A zone's "%" that is not written encoded is taken for what is meant.
+        const std::string_view bare = host.substr(0, host.find('%'));
+        std::string literal(host);
+        if (bare.size() < host.size() && host.ends_with(']')) {
+            const std::string_view zone = host.substr(bare.size() + 1, host.size() - bare.size() - 2);
+            literal = std::string(bare) + "%25" + encoded(zone, Allowed::host) + "]";
+        }
+        return literal.ends_with(']') && isValidIPLiteral(literal) ? std::optional(literal) : std::nullopt;
+    }
+    if (scheme && hasNoDomainNames(*scheme)) {
+        return encoded(host, Allowed::host);
+    }
+    std::optional<std::string> converted = convertedName(host, Direction::toASCII);
+    if (!converted || !isValid(*converted, Allowed::host)) {
+        return std::nullopt;
+    }
+    return converted;
+}
+
+std::optional<std::string> decoded(std::string_view text) {
+    if (!text.contains('%')) {
+        return std::string(text);
+    }
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t offset = 0; offset < text.size(); ++offset) {
+        if (isEscapeAt(text, offset)) {
+            out += static_cast<char>(hexValue(text[offset + 1]) * 16 + hexValue(text[offset + 2]));
+            offset += 2;
+        } else {
+            out += text[offset];
+        }
+    }
+    if (!isValidUTF8(out)) {
+        return std::nullopt;
+    }
+    return out;
+}
+
+std::string decodedHost(std::string_view host) {
+    if (host.contains("xn--")) {
+        if (auto converted = convertedName(host, Direction::toUnicode)) {
+            return *std::move(converted);
+        }
+    }
+    return decoded(host).value_or(std::string());
+}
+
+bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
+    parsed.text = isValidUTF8(text) ? std::string(text) : repairingUTF8(text);
+    Parts& parts = parsed.parts;
+    if (!split(parsed.text, allowEmptyScheme, parts)) {
+        return false;
+    }
+    parsed.port = portNumber(parts.port);
+    const auto holds = [](std::optional<std::string_view> part, Allowed allowed) {
+        return !part || isValid(*part, allowed);
+    };
+    const bool hostHolds = !parts.host || isValidHost(*parts.host);
+    if (holds(parts.user, Allowed::user) && holds(parts.password, Allowed::user) && hostHolds &&
+        isValid(parts.path, Allowed::path) && holds(parts.query, Allowed::query) &&
+        holds(parts.fragment, Allowed::query)) {
+        return true;
+    }
+
+    const std::string source = std::move(parsed.text);
+    Parts old;
+    split(source, allowEmptyScheme, old);
+    std::string out;
+    out.reserve(source.size() + source.size() / 2);
+    if (old.scheme) {
+        out += *old.scheme;
+        out += ':';
+    }
+    if (old.host) {
+        out += "//";
+        if (old.user) {
+            out += encodedUnlessValid(*old.user, Allowed::user);
+            if (old.password) {
+                out += ':';
+                out += encodedUnlessValid(*old.password, Allowed::user);
+            }
+            out += '@';
+        }
+        if (hostHolds) {
+            out += *old.host;
+        } else if (const auto host = encodedHost(*old.host, old.scheme)) {
+            out += *host;
+        } else {
+            return false;
+        }
+        // What is put together anew spells its port as a number, or not at all.
+        if (parsed.port) {
+            out += ':';
+            out += std::to_string(*parsed.port);
+        }
+    }
+    out += isValid(old.path, Allowed::path) ? std::string(old.path) : encodedPath(old.path);
+    if (old.query) {
+        out += '?';
+        out += encodedUnlessValid(*old.query, Allowed::query);
+    }
+    if (old.fragment) {
+        out += '#';
+        out += encodedUnlessValid(*old.fragment, Allowed::query);
+    }
+    parsed.text = std::move(out);
+    parts = Parts();
+    return split(parsed.text, allowEmptyScheme, parts);
+}
+
+} // namespace Platform::URLEncoding
