@@ -1,6 +1,6 @@
 #include "KeyloftCore/NativeMessageFrame.h"
 
-#include "Platform/Dispatch/Stop.h"
+#include "Platform/Foundation/FatalError.h"
 
 #include <limits>
 
@@ -8,7 +8,7 @@ namespace KeyloftCore {
 
 std::string NativeMessageFrame::encode(std::string_view payload) {
     if (payload.size() > std::numeric_limits<std::uint32_t>::max()) {
-        Platform::stopProcess("a relay frame's payload does not fit in 32 bits");
+        Platform::fatalError("a relay frame's payload does not fit in 32 bits");
     }
     const auto count = static_cast<std::uint32_t>(payload.size());
     std::string frame;

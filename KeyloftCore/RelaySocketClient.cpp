@@ -5,7 +5,7 @@
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketAddress.h"
 #include "KeyloftCore/RelaySocketError.h"
-#include "Platform/Dispatch/Stop.h"
+#include "Platform/Foundation/FatalError.h"
 #include "Platform/POSIX/UnixSocket.h"
 
 #include <cmath>
@@ -32,7 +32,7 @@ timeval timevalOf(double seconds) {
     // The largest integer is no double; the power of two above it is.
     constexpr double limit = -static_cast<double>(std::numeric_limits<Seconds>::min());
     if (!std::isfinite(seconds) || whole >= limit || whole < -limit) {
-        Platform::stopProcess("a relay time-out that is not finite or too large");
+        Platform::fatalError("a relay time-out that is not finite or too large");
     }
     return {.tv_sec = static_cast<Seconds>(whole), .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};
 }

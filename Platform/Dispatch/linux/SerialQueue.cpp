@@ -1,6 +1,6 @@
 #include "Platform/Dispatch/SerialQueue.h"
 
-#include "Platform/Dispatch/Stop.h"
+#include "Platform/Foundation/FatalError.h"
 #include "Platform/Dispatch/linux/QueueState.h"
 
 #include <algorithm>
@@ -58,7 +58,7 @@ sigset_t signalsForOthers() {
 }
 
 [[noreturn]] void stopOnError(const char* call, int error) {
-    stopProcess(std::string(call) + ": " + std::generic_category().message(error));
+    fatalError(std::string(call) + ": " + std::generic_category().message(error));
 }
 
 } // namespace
@@ -309,7 +309,7 @@ void SerialQueue::State::wait(int milliseconds) {
     for (std::size_t index = firstSourceIndex; index < polled_.size(); ++index) {
         if (polled_[index].revents != 0) {
             if ((polled_[index].revents & POLLNVAL) != 0 && !polledSources_[index]->cancelled) {
-                stopProcess("a descriptor was closed before its read source was cancelled, on queue " + label);
+                fatalError("a descriptor was closed before its read source was cancelled, on queue " + label);
             }
             ready_.push_back(polledSources_[index]);
         }
@@ -357,7 +357,7 @@ void SerialQueue::asyncAfter(std::chrono::milliseconds delay, Work work) {
 
 void SerialQueue::sync(const Work& work) {
     if (isCurrent()) {
-        stopProcess("a synchronous call on the queue that it would wait for: " + label());
+        fatalError("a synchronous call on the queue that it would wait for: " + label());
     }
     std::mutex mutex;
     std::condition_variable finished;
