@@ -7,14 +7,14 @@ namespace Platform {
 namespace {
 
 constexpr char32_t replacement = 0xFFFD;
+constexpr char32_t zeroWidthNonJoiner = 0x200C;
 
 bool isASCII(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
 /// What the rules of UAX #29 need to know of the code points before a boundary.
 ///
-/// The rules are walked here, over ICU's properties, rather than by ICU's break iterator: that one needs
-/// UTF-16 or a text object and loads its rules per iterator, and its rules differ between versions while
-/// these do not.
+/// The rules are walked here, over ICU's properties, rather than by ICU's break iterator: that one loads its
+/// rules when it is made, which a short text does not repay, and they differ between its versions.
 class ClusterRules {
 public:
     /// Whether a new character begins with `codePoint`, given all those seen since the last beginning.
@@ -98,6 +98,7 @@ private:
         oddIndicators_ = current == U_GCB_REGIONAL_INDICATOR && (begins || !oddIndicators_);
         if (current == U_GCB_EXTEND || current == U_GCB_ZWJ) {
             afterPictographJoiner_ = afterPictograph_ && current == U_GCB_ZWJ;
+            afterConsonant_ = afterConsonant_ && codePoint != zeroWidthNonJoiner;
             seenVirama_ = afterConsonant_ && (seenVirama_ || isVirama(codePoint));
             afterPictograph_ = afterPictograph_ && current == U_GCB_EXTEND;
         } else {

@@ -31,8 +31,8 @@ public:
     bool string(string_t& value) { return add(std::move(value)); }
     static bool binary(binary_t& /*value*/) { return false; }
 
-    bool start_object(std::size_t /*count*/) { return open(JSONValue::Object()); }
-    bool start_array(std::size_t /*count*/) { return open(JSONValue::Array()); }
+    bool start_object(std::size_t /*count*/) { return open(true); }
+    bool start_array(std::size_t /*count*/) { return open(false); }
     bool key(string_t& name) {
         open_.back().name = std::move(name);
         return true;
@@ -50,7 +50,9 @@ public:
 private:
     /// An array or object that is not closed yet, and the name of the member that comes next.
     struct Open {
-        std::variant<JSONValue::Array, JSONValue::Object> container;
+        bool isObject = false;
+        JSONValue::Array array;
+        JSONValue::Object object;
         std::string name;
     };
 
@@ -60,28 +62,27 @@ private:
             return true;
         }
         Open& parent = open_.back();
-        if (auto* array = std::get_if<JSONValue::Array>(&parent.container)) {
-            array->push_back(std::move(value));
+        if (parent.isObject) {
+            parent.object.insert_or_assign(std::move(parent.name), std::move(value));
         } else {
-            std::get<JSONValue::Object>(parent.container)
-                .insert_or_assign(std::move(parent.name), std::move(value));
+            parent.array.push_back(std::move(value));
         }
         return true;
     }
 
-    template <typename Container>
-    bool open(Container container) {
+    bool open(bool isObject) {
         if (open_.size() == JSONValue::maxDepth) {
             return false;
         }
-        open_.push_back({std::move(container), {}});
+        open_.emplace_back().isObject = isObject;
         return true;
     }
 
     bool close() {
-        auto container = std::move(open_.back().container);
+        Open closed = std::move(open_.back());
         open_.pop_back();
-        return std::visit([this](auto& contents) { return add(JSONValue(std::move(contents))); }, container);
+        return add(closed.isObject ? JSONValue(std::move(closed.object))
+                                   : JSONValue(std::move(closed.array)));
     }
 
     std::vector<Open> open_;
@@ -225,6 +226,15 @@ std::optional<JSONValue> JSONValue::parse(std::string_view bytes) {
     return top;
 }
 
+bool operator==(const JSONValue& left, const JSONValue& right) {
+    const auto same = [](const auto* one, const auto* other) {
+        return one != nullptr && other != nullptr && *one == *other;
+    };
+    return (left.isNull() && right.isNull()) || same(left.boolean(), right.boolean()) ||
+           same(left.number(), right.number()) || same(left.string(), right.string()) ||
+           same(left.array(), right.array()) || same(left.object(), right.object());
+}
+
 const JSONValue* JSONValue::member(std::string_view name) const {
     const Object* members = object();
     if (members == nullptr) {
@@ -256,6 +266,10 @@ std::string jsonStringLiteral(std::string_view text) {
     out.reserve(text.size() + 2);
     appendLiteral(out, text, JSONSlashes::escaped);
     return out;
+}
+
+void appendJSONStringLiteral(std::string& out, std::string_view text) {
+    appendLiteral(out, text, JSONSlashes::escaped);
 }
 
 } // namespace Platform

@@ -2,9 +2,11 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -29,15 +31,15 @@ public:
     JSONValue(int value)
         : value_(static_cast<double>(value)) {}
     JSONValue(std::string value)
-        : value_(std::move(value)) {}
+        : value_(std::make_shared<const std::string>(std::move(value))) {}
     JSONValue(std::string_view value)
-        : value_(std::string(value)) {}
+        : JSONValue(std::string(value)) {}
     JSONValue(const char* value)
-        : value_(std::string(value)) {}
+        : JSONValue(std::string(value)) {}
     JSONValue(Array value)
-        : value_(std::move(value)) {}
+        : value_(std::make_shared<const Array>(std::move(value))) {}
     JSONValue(Object value)
-        : value_(std::move(value)) {}
+        : value_(std::make_shared<const Object>(std::move(value))) {}
 
     /// The array or object that `bytes` hold in UTF-8, or nothing. Strict (RFC 8259), except that a leading
     /// byte order mark is passed over; deeper nesting than `maxDepth` and numbers beyond a double are
@@ -48,19 +50,29 @@ public:
     /// The value where it is of that kind, else null.
     const bool* boolean() const { return std::get_if<bool>(&value_); }
     const double* number() const { return std::get_if<double>(&value_); }
-    const std::string* string() const { return std::get_if<std::string>(&value_); }
-    const Array* array() const { return std::get_if<Array>(&value_); }
-    const Object* object() const { return std::get_if<Object>(&value_); }
+    const std::string* string() const { return shared<std::string>(); }
+    const Array* array() const { return shared<Array>(); }
+    const Object* object() const { return shared<Object>(); }
 
     /// An object's member; null where this is no object or has none of that name.
     const JSONValue* member(std::string_view name) const;
     /// An object's member that is a string; null where there is none, or it is anything else.
     const std::string* stringMember(std::string_view name) const;
 
-    friend bool operator==(const JSONValue&, const JSONValue&) = default;
+    friend bool operator==(const JSONValue& left, const JSONValue& right);
 
 private:
-    std::variant<std::nullptr_t, bool, double, std::string, Array, Object> value_ = nullptr;
+    template <typename Contents>
+    const Contents* shared() const {
+        const auto* pointer = std::get_if<std::shared_ptr<const Contents>>(&value_);
+        return pointer == nullptr ? nullptr : pointer->get();
+    }
+
+    /// What is larger than a pointer is shared between copies, which nobody can tell since it never changes;
+    /// a long list of small numbers thus stays bearable.
+    std::variant<std::nullptr_t, bool, double, std::shared_ptr<const std::string>,
+                 std::shared_ptr<const Array>, std::shared_ptr<const Object>>
+        value_ = nullptr;
 };
 
 /// How "/" is written in strings.
@@ -79,5 +91,8 @@ std::string prettyJSON(const JSONValue& value);
 /// `text` as a string literal with its quotation marks, "/" written "\/"; non-ASCII characters stay as they
 /// are.
 std::string jsonStringLiteral(std::string_view text);
+
+/// The same, at the end of `out`.
+void appendJSONStringLiteral(std::string& out, std::string_view text);
 
 } // namespace Platform

@@ -3,7 +3,8 @@
 #include "Platform/Foundation/URLEncoding.h"
 
 #include <algorithm>
-#include <limits>
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 namespace Platform {
@@ -18,11 +19,23 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
     return path;
 }
 
+// Escapes make a text three times as long at most, and must leave its offsets within 32 bits.
+constexpr std::size_t maxTextLength = std::size_t{1} << 28U;
+
+/// The URL of a text that was put together from valid components.
+URL builtFrom(std::string_view text) {
+    auto url = URL::fromString(text);
+    if (!url) {
+        std::fputs("Keyloft: a URL built from valid components is none\n", stderr);
+        std::abort();
+    }
+    return *std::move(url);
+}
+
 } // namespace
 
 std::optional<URL> URL::fromString(std::string_view text) {
-    // Escapes make a text three times as long at most; offsets are 32 bits wide.
-    if (text.empty() || text.size() > std::numeric_limits<std::uint32_t>::max() / 16) {
+    if (text.empty() || text.size() > maxTextLength) {
         return std::nullopt;
     }
     URLEncoding::Parsed parsed;
@@ -32,8 +45,7 @@ std::optional<URL> URL::fromString(std::string_view text) {
     const char* base = parsed.text.data();
     const auto extent = [base](std::optional<std::string_view> part) {
         return part ? Extent{.begin = static_cast<std::uint32_t>(part->data() - base),
-                             .length = static_cast<std::uint32_t>(part->size()),
-                             .present = true}
+                             .length = static_cast<std::uint32_t>(part->size())}
                     : Extent{};
     };
     URL url;
@@ -52,26 +64,27 @@ std::optional<URL> URL::fromString(std::string_view text) {
 URL URL::fromFilePath(std::string_view path, bool isDirectory) {
     path = path.substr(0, path.find('\0'));
     std::string text = path.starts_with('/') ? "file://" : "";
-    text += URLEncoding::encodedPath(path);
+    text += path.empty() ? "./" : URLEncoding::encodedPath(path);
     if (isDirectory && !text.ends_with('/')) {
         text += '/';
     }
-    return fromString(text).value_or(URL());
+    return builtFrom(text);
 }
 
 std::optional<std::string_view> URL::optionalView(Extent extent) const {
-    return extent.present ? std::optional(view(extent)) : std::nullopt;
+    return extent.isPresent() ? std::optional(view(extent)) : std::nullopt;
 }
 
 std::string_view URL::view(Extent extent) const {
-    return std::string_view(text_).substr(extent.begin, extent.length);
+    return extent.isPresent() ? std::string_view(text_).substr(extent.begin, extent.length)
+                              : std::string_view();
 }
 
 std::optional<std::string_view> URL::scheme() const& { return optionalView(scheme_); }
 
 std::optional<std::string> URL::host() const {
     const auto host = optionalView(host_);
-    if (!host || (host->empty() && !user_.present && !port_)) {
+    if (!host || (host->empty() && !user_.isPresent() && !port_)) {
         return std::nullopt;
     }
     if (URLEncoding::isIPLiteral(*host)) {
@@ -98,10 +111,6 @@ std::optional<std::string> URL::password() const {
     return password ? std::optional<std::string>(*password) : std::nullopt;
 }
 
-std::optional<std::string_view> URL::percentEncodedUser() const& { return optionalView(user_); }
-
-std::optional<std::string_view> URL::percentEncodedPassword() const& { return optionalView(password_); }
-
 std::optional<std::string_view> URL::percentEncodedHost() const& { return optionalView(host_); }
 
 std::string_view URL::percentEncodedPath() const& { return view(path_); }
@@ -110,15 +119,18 @@ URL URL::replacingPath(std::string_view percentEncodedPath) const {
     std::string text = text_.substr(0, path_.begin);
     text += percentEncodedPath;
     text += std::string_view(text_).substr(path_.begin + path_.length);
-    return fromString(text).value_or(*this);
+    return builtFrom(text);
 }
 
 URL URL::appendingPathComponent(std::string_view component, bool isDirectory) const {
-    std::string path(view(path_));
     while (component.starts_with('/')) {
         component.remove_prefix(1);
     }
-    if (!path.ends_with('/') && (!path.empty() || host_.present)) {
+    if (component.empty()) {
+        return *this;
+    }
+    std::string path(view(path_));
+    if (!path.ends_with('/') && (!path.empty() || host_.isPresent())) {
         path += '/';
     }
     path += path.empty() ? URLEncoding::encodedPath(component)

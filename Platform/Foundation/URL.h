@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,8 +25,9 @@ public:
     /// The URL that `text` spells, or nothing where Foundation has none.
     static std::optional<URL> fromString(std::string_view text);
 
-    /// The file URL of a path. A relative path gives a relative reference (no working directory is
-    /// consulted); a directory's path ends in "/". A NUL byte ends the path, as it does for the system.
+    /// The file URL of a path. A relative path gives a relative reference without a scheme (no working
+    /// directory is consulted), an empty one "./"; a directory's path ends in "/". A NUL byte ends the path,
+    /// as it does for the system.
     static URL fromFilePath(std::string_view path, bool isDirectory);
 
     /// The whole text, percent-encoded: equality and hash are those of this text.
@@ -52,16 +54,16 @@ public:
     /// Percent-encoded.
     std::optional<std::string> password() const;
 
-    /// The components as they are stored, for whoever takes them apart and puts them together again.
-    std::optional<std::string_view> percentEncodedUser() const&;
-    std::optional<std::string_view> percentEncodedPassword() const&;
+    /// As in the text, an IP literal with its brackets.
     std::optional<std::string_view> percentEncodedHost() const&;
+    std::optional<std::string_view> percentEncodedHost() const&& = delete;
     std::string_view percentEncodedPath() const&;
+    std::string_view percentEncodedPath() const&& = delete;
 
-    /// This URL with `component` (not encoded; "/" in it separates) added to its path, with exactly one "/"
-    /// between; a trailing "/" says that it is a directory.
+    /// This URL with `component` (not encoded; "/" in it separates) added to its path, with one "/" between.
+    /// The path ends in "/" exactly if that makes it a directory's. An empty component adds nothing.
     URL appendingPathComponent(std::string_view component, bool isDirectory) const;
-    /// This URL without its path's last component, the path ending in "/".
+    /// This URL without its path's last component, the path ending in "/"; the same URL at the root.
     URL deletingLastPathComponent() const;
     /// Percent-decoded, without slashes; "/" for the root, empty for an empty path.
     std::string lastPathComponent() const;
@@ -73,11 +75,14 @@ public:
     friend bool operator==(const URL& left, const URL& right) { return left.text_ == right.text_; }
 
 private:
-    /// Offsets into `text_`. A component that is absent has `present` unset, and an empty extent.
+    /// Where a component lies in `text_`.
     struct Extent {
-        std::uint32_t begin = 0;
+        static constexpr std::uint32_t absent = std::numeric_limits<std::uint32_t>::max();
+
+        bool isPresent() const { return begin != absent; }
+
+        std::uint32_t begin = absent;
         std::uint32_t length = 0;
-        bool present = false;
     };
 
     URL() = default;

@@ -27,8 +27,8 @@ std::optional<std::string> keptPart(std::optional<std::string_view> part, Allowe
     return part ? std::optional(URLEncoding::encodedUnlessValid(*part, allowed)) : std::nullopt;
 }
 
-template <typename Transform>
-std::string joined(const std::vector<URLQueryItem>& items, Transform transform) {
+template <typename Encode>
+std::string joined(const std::vector<URLQueryItem>& items, Encode encode) {
     std::string query;
     bool first = true;
     for (const URLQueryItem& item : items) {
@@ -36,10 +36,10 @@ std::string joined(const std::vector<URLQueryItem>& items, Transform transform) 
             query += '&';
         }
         first = false;
-        query += transform(item.name);
+        query += encode(item.name, true);
         if (item.value) {
             query += '=';
-            query += transform(*item.value);
+            query += encode(*item.value, false);
         }
     }
     return query;
@@ -184,14 +184,18 @@ void URLComponents::setPercentEncodedQuery(std::optional<std::string_view> query
 
 void URLComponents::setQueryItems(const std::vector<URLQueryItem>& items) {
     changed();
-    query_ =
-        joined(items, [](std::string_view text) { return URLEncoding::encoded(text, Allowed::queryItem); });
+    query_ = joined(items, [](std::string_view text, bool /*isName*/) {
+        return URLEncoding::encoded(text, Allowed::queryItem);
+    });
 }
 
 void URLComponents::setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items) {
     changed();
-    query_ = joined(items, [](std::string_view text) {
-        return URLEncoding::encodedUnlessValid(text, Allowed::queryItem);
+    query_ = joined(items, [](std::string_view text, bool isName) {
+        // A value may hold "=": only the first one of an item separates.
+        const bool kept = URLEncoding::isValid(text, Allowed::query) &&
+                          text.find_first_of(isName ? "&=" : "&") == std::string_view::npos;
+        return kept ? std::string(text) : URLEncoding::encoded(text, Allowed::queryItem);
     });
 }
 
@@ -234,17 +238,13 @@ std::optional<std::string> URLComponents::string() const {
             text += std::to_string(*port_);
         }
     }
-    if (!scheme_ && !hasAuthority && std::string_view(path_).substr(0, path_.find('/')).contains(':')) {
+    const std::string_view firstSegment = std::string_view(path_).substr(0, path_.find('/'));
+    if (!scheme_ && !hasAuthority && firstSegment.contains(':')) {
         // Without a scheme before it, this ":" would be read as a scheme's.
-        const std::size_t slash = path_.find('/');
-        for (const char character : std::string_view(path_).substr(0, slash)) {
-            if (character == ':') {
-                text += "%3A";
-            } else {
-                text += character;
-            }
+        for (const char character : firstSegment) {
+            text += character == ':' ? "%3A" : std::string(1, character);
         }
-        text += slash == std::string::npos ? std::string_view() : std::string_view(path_).substr(slash);
+        text += std::string_view(path_).substr(firstSegment.size());
     } else {
         text += path_;
     }

@@ -64,8 +64,8 @@ public:
     void setPercentEncodedPath(std::string_view path);
     void setQuery(std::optional<std::string_view> query);
     void setPercentEncodedQuery(std::optional<std::string_view> query);
-    /// Names and values are encoded so that they are read back the same; of what a query may hold, "&", "=",
-    /// ";" and "#" do not stay literal, while "+", "?" and "/" do. An empty list gives an empty query.
+    /// Names and values are encoded so that they are read back the same: of what a query may hold only "&"
+    /// and "=" do not stay literal, while "+", "?", ";" and "/" do. An empty list gives an empty query.
     void setQueryItems(const std::vector<URLQueryItem>& items);
     void setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items);
     void setFragment(std::optional<std::string_view> fragment);

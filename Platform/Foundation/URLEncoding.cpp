@@ -24,11 +24,21 @@ constexpr bool isLetter(char character) {
 }
 constexpr bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-constexpr std::array<std::uint8_t, 256> allowedTable() {
-    std::array<std::uint8_t, 256> table{};
+/// Ends of components, in the same table.
+enum class Delimiter : std::uint16_t {
+    general = 1U << 8U,   ///< All that may end a scheme, or show that there is none.
+    authority = 1U << 9U, ///< What ends an authority.
+    path = 1U << 10U,     ///< What ends a path.
+};
+
+using Table = std::array<std::uint16_t, 256>;
+
+constexpr Table makeTable() {
+    Table table{};
     const auto allow = [&table](std::string_view characters, auto... places) {
         for (const char character : characters) {
-            table[static_cast<unsigned char>(character)] |= (static_cast<std::uint8_t>(places) | ...);
+            auto& entry = table[static_cast<unsigned char>(character)];
+            entry = static_cast<std::uint16_t>(entry | (static_cast<unsigned int>(places) | ...));
         }
     };
     const auto allowEverywhere = [&](std::string_view characters) {
@@ -39,25 +49,37 @@ constexpr std::array<std::uint8_t, 256> allowedTable() {
         const char character = static_cast<char>(code);
         if (isLetter(character) || isDigit(character)) {
             allowEverywhere({&character, 1});
-            allow({&character, 1}, Allowed::schemeTail);
+            allow({&character, 1}, Allowed::scheme);
         }
     }
-    allow("+-.", Allowed::schemeTail);
+    allow("+-.", Allowed::scheme);
     allowEverywhere(unreservedMarks);
     allowEverywhere(subDelimiters);
-    table['&'] &= static_cast<std::uint8_t>(~static_cast<unsigned>(Allowed::queryItem));
-    table['='] &= static_cast<std::uint8_t>(~static_cast<unsigned>(Allowed::queryItem));
+    for (const char separator : {'&', '='}) {
+        auto& entry = table[static_cast<unsigned char>(separator)];
+        entry = static_cast<std::uint16_t>(entry & ~static_cast<unsigned int>(Allowed::queryItem));
+    }
     allow("@", Allowed::pathFirstSegment);
     allow("@:/", Allowed::path, Allowed::query, Allowed::queryItem);
     allow("?", Allowed::query, Allowed::queryItem);
     allow(":", Allowed::ipLiteral);
+    allow(":/?#[]@", Delimiter::general);
+    allow("/?#", Delimiter::authority);
+    allow("?#", Delimiter::path);
     return table;
 }
 
-constexpr std::array<std::uint8_t, 256> table = allowedTable();
+constexpr Table table = makeTable();
 
-bool isAllowed(char character, Allowed allowed) {
-    return (table[static_cast<unsigned char>(character)] & static_cast<std::uint8_t>(allowed)) != 0;
+template <typename Bit>
+bool isIn(char character, Bit bit) {
+    return (table[static_cast<unsigned char>(character)] & static_cast<unsigned int>(bit)) != 0;
+}
+
+/// The length of `text` up to the first of the delimiters.
+std::size_t lengthUpTo(std::string_view text, Delimiter delimiter) {
+    const auto ends = [delimiter](char character) { return isIn(character, delimiter); };
+    return static_cast<std::size_t>(std::ranges::find_if(text, ends) - text.begin());
 }
 
 int hexValue(char character) {
@@ -81,7 +103,7 @@ bool isEscapeAt(std::string_view text, std::size_t offset) {
 void appendEncoded(std::string& out, std::string_view text, Allowed allowed) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     for (const char character : text) {
-        if (isAllowed(character, allowed)) {
+        if (isIn(character, allowed)) {
             out += character;
         } else {
             const auto byte = static_cast<unsigned char>(character);
@@ -129,10 +151,9 @@ bool splitAuthority(std::string_view authority, Parts& parts) {
 }
 
 bool split(std::string_view text, bool allowEmptyScheme, Parts& parts) {
-    const std::size_t delimiter = text.find_first_of(":/?#[]@");
-    if (delimiter != std::string_view::npos && text[delimiter] == ':' &&
-        (delimiter > 0 || allowEmptyScheme)) {
-        parts.scheme = take(text, delimiter);
+    const std::size_t schemeLength = lengthUpTo(text, Delimiter::general);
+    if (schemeLength < text.size() && text[schemeLength] == ':' && (schemeLength > 0 || allowEmptyScheme)) {
+        parts.scheme = take(text, schemeLength);
         text.remove_prefix(1);
         if (!parts.scheme->empty() && !isValidScheme(*parts.scheme)) {
             return false;
@@ -140,11 +161,11 @@ bool split(std::string_view text, bool allowEmptyScheme, Parts& parts) {
     }
     if (text.starts_with("//")) {
         text.remove_prefix(2);
-        if (!splitAuthority(take(text, text.find_first_of("/?#")), parts)) {
+        if (!splitAuthority(take(text, lengthUpTo(text, Delimiter::authority)), parts)) {
             return false;
         }
     }
-    parts.path = take(text, text.find_first_of("?#"));
+    parts.path = take(text, lengthUpTo(text, Delimiter::path));
     if (text.starts_with('?')) {
         text.remove_prefix(1);
         parts.query = take(text, text.find('#'));
@@ -158,7 +179,7 @@ bool split(std::string_view text, bool allowEmptyScheme, Parts& parts) {
 bool isValidIPLiteral(std::string_view host) {
     std::string_view inner = host.substr(1, host.size() - 2);
     const std::string_view address = take(inner, inner.find('%'));
-    const auto isAddress = [](char character) { return isAllowed(character, Allowed::ipLiteral); };
+    const auto isAddress = [](char character) { return isIn(character, Allowed::ipLiteral); };
     // The first "%" can only be the one before the zone, and is itself written encoded.
     return std::ranges::all_of(address, isAddress) &&
            (inner.empty() || (inner.starts_with("%25") && isValid(inner.substr(3), Allowed::host)));
@@ -253,7 +274,7 @@ bool isIPLiteral(std::string_view host) { return host.starts_with('['); }
 
 bool isValid(std::string_view text, Allowed allowed) {
     for (std::size_t offset = 0; offset < text.size(); ++offset) {
-        if (!isAllowed(text[offset], allowed)) {
+        if (!isIn(text[offset], allowed)) {
             if (!isEscapeAt(text, offset)) {
                 return false;
             }
@@ -264,9 +285,8 @@ bool isValid(std::string_view text, Allowed allowed) {
 }
 
 bool isValidScheme(std::string_view scheme) {
-    return !scheme.empty() && isLetter(scheme.front()) && std::ranges::all_of(scheme, [](char character) {
-        return isAllowed(character, Allowed::schemeTail);
-    });
+    return !scheme.empty() && isLetter(scheme.front()) &&
+           std::ranges::all_of(scheme, [](char character) { return isIn(character, Allowed::scheme); });
 }
 
 std::string encoded(std::string_view text, Allowed allowed) {
@@ -330,6 +350,10 @@ std::optional<std::string> decoded(std::string_view text) {
     if (!isValidUTF8(out)) {
         return std::nullopt;
     }
+    // Foundation makes a text of decoded bytes by a way that passes over one leading byte order mark.
+    if (constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; out.starts_with(byteOrderMark)) {
+        out.erase(0, byteOrderMark.size());
+    }
     return out;
 }
 
@@ -343,7 +367,7 @@ std::string decodedHost(std::string_view host) {
 }
 
 bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
-    parsed.text = isValidUTF8(text) ? std::string(text) : repairingUTF8(text);
+    parsed.text = text;
     Parts& parts = parsed.parts;
     if (!split(parsed.text, allowEmptyScheme, parts)) {
         return false;
@@ -359,7 +383,8 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
         return true;
     }
 
-    const std::string source = std::move(parsed.text);
+    // All delimiters are ASCII: mending what is no UTF-8 moves none of them.
+    const std::string source = repairingUTF8(text);
     Parts old;
     split(source, allowEmptyScheme, old);
     std::string out;

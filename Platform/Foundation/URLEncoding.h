@@ -10,7 +10,7 @@
 namespace Platform::URLEncoding {
 
 /// Which characters stand for themselves where; bits of a table over ASCII. "%" belongs to none of them.
-enum class Allowed : std::uint8_t {
+enum class Allowed : std::uint16_t {
     user = 1U << 0U,
     host = 1U << 1U,
     pathFirstSegment = 1U << 2U,
@@ -18,7 +18,7 @@ enum class Allowed : std::uint8_t {
     query = 1U << 4U,
     queryItem = 1U << 5U,
     ipLiteral = 1U << 6U,
-    schemeTail = 1U << 7U,
+    scheme = 1U << 7U,
 };
 
 /// Where the components of a text lie. Nothing is validated but the text's division.
@@ -34,6 +34,7 @@ struct Parts {
 };
 
 /// A parsed text: valid, with `parts` lying in `text`, which was encoded and put together anew where need be.
+/// It stays where it is, so that they do.
 struct Parsed {
     std::string text;
     Parts parts;

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "KeyloftBrowserKit/Bookmark.h"
+#include "Platform/Foundation/NotificationCenter.h"
+#include "Platform/Foundation/URL.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace KeyloftBrowserKit {
+
+/// The ordered list of bookmarks. The list in memory is the truth; after every change it is written whole to
+/// its file, so of two stores on one file the one that saves last wins.
+///
+/// URLs are compared by their exact text. Main thread only, on which `didChange` is posted too.
+class BookmarkStore {
+public:
+    /// Posted on the default centre, with the store as its object, after each save that succeeded.
+    static constexpr Platform::NotificationName didChange{"velde.orvane.keyloft.bookmarksDidChange"};
+
+    /// What the list starts with where there is no file, or none that can be read.
+    static const std::vector<Bookmark>& seed();
+
+    /// Loads the list. Never fails, writes nothing and posts nothing.
+    explicit BookmarkStore(Platform::URL fileURL);
+    BookmarkStore(const BookmarkStore&) = delete;
+    BookmarkStore& operator=(const BookmarkStore&) = delete;
+    ~BookmarkStore() = default;
+
+    /// In display order.
+    const std::vector<Bookmark>& bookmarks() const { return bookmarks_; }
+
+    bool contains(const Platform::URL& url) const;
+
+    /// Appends `bookmark` and saves, unless its URL is present already: then nothing changes, the title
+    /// neither.
+    void add(Bookmark bookmark);
+
+    /// Removes every bookmark with that URL, and saves even if there was none.
+    void remove(const Platform::URL& url);
+
+private:
+    /// Finds a bookmark by its URL without looking at all of them: a hash table of positions in the list.
+    class Index {
+    public:
+        void rebuild(const std::vector<Bookmark>& bookmarks);
+        /// Takes note of the last bookmark in the list.
+        void append(const std::vector<Bookmark>& bookmarks);
+        bool contains(const std::vector<Bookmark>& bookmarks, const Platform::URL& url) const;
+
+    private:
+        using Position = std::uint32_t;
+
+        void insert(const std::vector<Bookmark>& bookmarks, Position position);
+        /// The slot of the URL, or the free one where it belongs.
+        std::size_t slotFor(const std::vector<Bookmark>& bookmarks, const Platform::URL& url) const;
+
+        /// A power of two, at most half of them taken, so that a free one ends every search. Zero is free,
+        /// anything else a position plus one.
+        std::vector<Position> slots_;
+    };
+
+    /// Failure is logged and changes nothing in memory.
+    void save();
+
+    Platform::URL fileURL_;
+    std::vector<Bookmark> bookmarks_;
+    Index index_;
+};
+
+} // namespace KeyloftBrowserKit

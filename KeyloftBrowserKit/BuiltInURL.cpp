@@ -1,0 +1,18 @@
+#include "KeyloftBrowserKit/BuiltInURL.h"
+
+#include "Platform/Foundation/FatalError.h"
+
+#include <string>
+#include <utility>
+
+namespace KeyloftBrowserKit {
+
+Platform::URL builtInURL(std::string_view text) {
+    auto url = Platform::URL::fromString(text);
+    if (!url) {
+        Platform::fatalError("Keyloft: built-in URL does not parse: " + std::string(text));
+    }
+    return *std::move(url);
+}
+
+} // namespace KeyloftBrowserKit

@@ -1,0 +1,25 @@
+#include "Platform/Foundation/RandomBytes.h"
+
+#include <sys/random.h>
+
+#include <cerrno>
+
+namespace Platform {
+
+bool RandomBytes::fill(std::span<std::byte> bytes) {
+    while (!bytes.empty()) {
+        // Longer requests may come back short, and a signal may interrupt the wait for the generator's first
+        // seed.
+        const ssize_t count = getrandom(bytes.data(), bytes.size(), 0);
+        if (count < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+} // namespace Platform

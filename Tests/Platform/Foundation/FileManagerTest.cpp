@@ -1,0 +1,482 @@
+#include "Platform/Foundation/FileManager.h"
+
+#include "Tests/Support/PrivateMounts.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using KeyloftTests::contentsOf;
+using KeyloftTests::namesIn;
+using KeyloftTests::TemporaryDirectory;
+using KeyloftTests::writeContents;
+using Platform::FileError;
+using Platform::FileManager;
+using Platform::URL;
+using Code = FileError::Code;
+using Names = std::set<std::string>;
+
+const FileManager& files() { return FileManager::defaultManager(); }
+
+template <typename Operation>
+std::optional<FileError> failureOf(const Operation& operation) {
+    try {
+        operation();
+    } catch (const FileError& error) {
+        return error;
+    }
+    return std::nullopt;
+}
+
+template <typename Operation>
+void expectFailure(Code code, const std::string& path, const Operation& operation) {
+    const auto error = failureOf(operation);
+    ASSERT_TRUE(error) << path;
+    EXPECT_EQ(error->code(), code) << error->localizedDescription();
+    EXPECT_NE(error->localizedDescription().find('"' + path + '"'), std::string::npos)
+        << error->localizedDescription();
+    EXPECT_TRUE(error->localizedDescription().ends_with('.')) << error->localizedDescription();
+    EXPECT_STREQ(error->what(), error->localizedDescription().c_str());
+}
+
+void expectReadFailure(Code code, const std::string& path) {
+    expectFailure(code, path, [&] { std::ignore = files().contents(path); });
+}
+
+void expectWriteFailure(Code code, const std::string& path, std::string_view data = "new") {
+    expectFailure(code, path, [&] { files().writeAtomically(data, path); });
+}
+
+mode_t modeOf(const std::string& path) {
+    struct stat status = {};
+    EXPECT_EQ(lstat(path.c_str(), &status), 0);
+    return status.st_mode & 07777U;
+}
+
+/// Sets an environment variable for as long as it lives.
+class EnvironmentVariable {
+public:
+    EnvironmentVariable(const char* name, const char* value)
+        : name_(name) {
+        if (const char* previous = std::getenv(name); previous != nullptr) {
+            previous_ = previous;
+        }
+        set(value);
+    }
+    EnvironmentVariable(const EnvironmentVariable&) = delete;
+    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
+    ~EnvironmentVariable() { set(previous_ ? previous_->c_str() : nullptr); }
+
+private:
+    void set(const char* value) const {
+        if (value != nullptr) {
+            setenv(name_, value, 1);
+        } else {
+            unsetenv(name_);
+        }
+    }
+
+    const char* name_;
+    std::optional<std::string> previous_;
+};
+
+TEST(FileManager, theHomeDirectoryIsTheSessions) {
+    const EnvironmentVariable home("HOME", "/home/a b");
+    EXPECT_EQ(files().homeDirectory().filePath(), "/home/a b");
+    EXPECT_EQ(files().homeDirectory().absoluteString(), "file:///home/a%20b/");
+}
+
+TEST(FileManager, withoutAUsableHomeInTheSessionTheUserDatabaseIsAsked) {
+    for (const char* value : {static_cast<const char*>(nullptr), "", "relative"}) {
+        const EnvironmentVariable home("HOME", value);
+        EXPECT_TRUE(files().homeDirectory().filePath().starts_with('/'));
+    }
+}
+
+TEST(FileManager, applicationSupportIsTheHomeDirectorysLiterally) {
+    const EnvironmentVariable home("HOME", "/home/someone");
+    const auto directories = files().applicationSupportDirectories();
+    ASSERT_EQ(directories.size(), 1U);
+    EXPECT_EQ(directories.front().filePath(), "/home/someone/Library/Application Support");
+    EXPECT_EQ(directories.front()
+                  .appendingPathComponent("Keyloft", true)
+                  .appendingPathComponent("bookmarks.json", false)
+                  .absoluteString(),
+              "file:///home/someone/Library/Application%20Support/Keyloft/bookmarks.json");
+}
+
+TEST(FileManager, directoriesAreCreatedWithThoseOnTheWay) {
+    const TemporaryDirectory directory;
+    const std::string path = directory / "a/b c/d";
+    files().createDirectory(path, true);
+    EXPECT_TRUE(fs::is_directory(path));
+    files().createDirectory(path, true);
+    files().createDirectory(directory / "a/e///f/", true);
+    EXPECT_TRUE(fs::is_directory(directory / "a/e/f"));
+    files().createDirectory(directory / "g/./h/../i", true);
+    EXPECT_TRUE(fs::is_directory(directory / "g/i"));
+    files().createDirectory("/", true);
+}
+
+TEST(FileManager, directoriesAreCreatedByURL) {
+    const TemporaryDirectory directory;
+    files().createDirectory(URL::fromFilePath(directory / "é %41/x", true), true);
+    EXPECT_TRUE(fs::is_directory(directory / "é %41/x"));
+}
+
+TEST(FileManager, directoriesAreCreatedRelativeToTheWorkingDirectory) {
+    const TemporaryDirectory directory;
+    const fs::path previous = fs::current_path();
+    fs::current_path(directory.path());
+    files().createDirectory(std::string("a/b"), true);
+    files().createDirectory(std::string("."), true);
+    files().writeAtomically("x", std::string("file"));
+    EXPECT_EQ(files().contents(std::string("file")), "x");
+    fs::current_path(previous);
+    EXPECT_EQ(namesIn(directory.path()), (Names{"a", "file"}));
+    EXPECT_TRUE(fs::is_directory(directory / "a/b"));
+}
+
+TEST(FileManager, withoutIntermediateDirectoriesOnlyTheLastIsCreated) {
+    const TemporaryDirectory directory;
+    files().createDirectory(directory / "a", false);
+    EXPECT_TRUE(fs::is_directory(directory / "a"));
+    const std::string existing = directory / "a";
+    expectFailure(Code::fileExists, existing, [&] { files().createDirectory(existing, false); });
+    const std::string orphan = directory / "b/c";
+    expectFailure(Code::noSuchFile, orphan, [&] { files().createDirectory(orphan, false); });
+}
+
+TEST(FileManager, aLinkToADirectoryIsADirectory) {
+    const TemporaryDirectory directory;
+    fs::create_directory(directory / "real");
+    fs::create_directory_symlink("real", directory / "link");
+    files().createDirectory(directory / "link", true);
+    files().createDirectory(directory / "link/inner", true);
+    EXPECT_TRUE(fs::is_directory(directory / "real/inner"));
+}
+
+TEST(FileManager, aFileInTheWayOfADirectoryIsAnError) {
+    const TemporaryDirectory directory;
+    writeContents(directory / "file", "x");
+    fs::create_symlink("nowhere", directory / "dangling");
+    for (const auto& [name, code] : {std::pair{"file", Code::fileExists},
+                                     {"file/below", Code::notADirectory},
+                                     {"dangling", Code::fileExists}}) {
+        const std::string path = directory / name;
+        expectFailure(code, path, [&] { files().createDirectory(path, true); });
+    }
+    const std::string tooLong = directory / std::string(256, 'n');
+    expectFailure(Code::nameTooLong, tooLong, [&] { files().createDirectory(tooLong, true); });
+    expectFailure(Code::invalidName, "", [&] { files().createDirectory(std::string(), true); });
+}
+
+TEST(FileManager, aFileIsReadWhole) {
+    const TemporaryDirectory directory;
+    for (const std::size_t size : {0U, 1U, 4096U, 1'000'000U}) {
+        std::string data(size, 'x');
+        if (size > 2) {
+            data[size / 2] = '\0';
+        }
+        writeContents(directory / "file", data);
+        EXPECT_EQ(files().contents(directory / "file"), data);
+        EXPECT_EQ(files().contents(URL::fromFilePath(directory / "file", false)), data);
+    }
+}
+
+TEST(FileManager, aFileThatDoesNotKnowItsSizeIsReadWhole) {
+    const std::string data = files().contents(std::string("/proc/self/status"));
+    EXPECT_NE(data.find("\nPid:"), std::string::npos);
+    EXPECT_TRUE(data.ends_with('\n'));
+}
+
+TEST(FileManager, aFileIsReadThroughALink) {
+    const TemporaryDirectory directory;
+    writeContents(directory / "file", "x");
+    fs::create_symlink("file", directory / "link");
+    EXPECT_EQ(files().contents(directory / "link"), "x");
+}
+
+TEST(FileManager, whatCannotBeReadIsAnErrorThatSaysWhy) {
+    const TemporaryDirectory directory;
+    expectReadFailure(Code::noSuchFile, directory / "missing");
+    expectReadFailure(Code::isDirectory, directory.path().string());
+    fs::create_symlink("loop", directory / "loop");
+    expectReadFailure(Code::tooManyLinks, directory / "loop");
+    expectReadFailure(Code::nameTooLong, directory / std::string(256, 'n'));
+    expectReadFailure(Code::invalidName, "");
+    expectReadFailure(Code::invalidName, std::string("/etc/passwd\0x", 13));
+    EXPECT_EQ(
+        failureOf([&] { std::ignore = files().contents(directory / "missing"); })->localizedDescription(),
+        "The file \"" + (directory / "missing") + "\" could not be read: No such file or directory.");
+}
+
+TEST(FileManager, aPipeOrDeviceIsNotWaitedFor) {
+    const TemporaryDirectory directory;
+    ASSERT_EQ(mkfifo((directory / "pipe").c_str(), 0600), 0);
+    expectReadFailure(Code::notARegularFile, directory / "pipe");
+    expectReadFailure(Code::notARegularFile, "/dev/zero");
+}
+
+TEST(FileManager, aFileLargerThanTheLimitIsNotRead) {
+    const TemporaryDirectory directory;
+    writeContents(directory / "huge", "");
+    fs::resize_file(directory / "huge", FileManager::maximumContents + 1);
+    expectReadFailure(Code::tooLarge, directory / "huge");
+}
+
+TEST(FileManager, whatIsWrittenIsReadBackAndLeavesNothingElse) {
+    const TemporaryDirectory directory;
+    const std::string data("a\0b\n", 4);
+    files().writeAtomically(data, directory / "file");
+    EXPECT_EQ(contentsOf(directory / "file"), data);
+    files().writeAtomically("", URL::fromFilePath(directory / "file", false));
+    EXPECT_EQ(contentsOf(directory / "file"), "");
+    const std::string large(5'000'000, 'y');
+    files().writeAtomically(large, directory / "file");
+    EXPECT_EQ(contentsOf(directory / "file"), large);
+    EXPECT_EQ(namesIn(directory.path()), Names{"file"});
+}
+
+TEST(FileManager, aReaderOfTheOldFileKeepsItWhole) {
+    const TemporaryDirectory directory;
+    writeContents(directory / "file", "old contents");
+    std::ifstream reader(directory / "file", std::ios::binary);
+    EXPECT_EQ(reader.get(), 'o');
+    files().writeAtomically("new", directory / "file");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), "ld contents");
+    EXPECT_EQ(contentsOf(directory / "file"), "new");
+}
+
+TEST(FileManager, aNewFileHasTheUsersDefaultPermissions) {
+    const TemporaryDirectory directory;
+    const mode_t previous = umask(022);
+    files().writeAtomically("x", directory / "usual");
+    umask(077);
+    files().writeAtomically("x", directory / "private");
+    // Nobody's default was changed on the way.
+    EXPECT_EQ(umask(previous), 077U);
+    EXPECT_EQ(modeOf(directory / "usual"), 0644U);
+    EXPECT_EQ(modeOf(directory / "private"), 0600U);
+}
+
+TEST(FileManager, anExistingFileKeepsItsPermissions) {
+    const TemporaryDirectory directory;
+    for (const mode_t mode : {0600U, 0640U, 0444U, 0777U}) {
+        writeContents(directory / "file", "old");
+        ASSERT_EQ(chmod((directory / "file").c_str(), mode), 0);
+        files().writeAtomically("new", directory / "file");
+        EXPECT_EQ(modeOf(directory / "file"), mode);
+        EXPECT_EQ(contentsOf(directory / "file"), "new");
+        fs::remove(directory / "file");
+    }
+}
+
+TEST(FileManager, anExistingFileKeepsItsOwner) {
+    const TemporaryDirectory directory;
+    writeContents(directory / "file", "old");
+    if (chown((directory / "file").c_str(), 12345, 54321) != 0) {
+        GTEST_SKIP() << "only root gives files away";
+    }
+    files().writeAtomically("new", directory / "file");
+    struct stat status = {};
+    ASSERT_EQ(stat((directory / "file").c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 12345U);
+    EXPECT_EQ(status.st_gid, 54321U);
+}
+
+TEST(FileManager, aLinkStaysAndIsWrittenThrough) {
+    const TemporaryDirectory directory;
+    fs::create_directories(directory / "deep/er");
+    writeContents(directory / "deep/file", "old");
+    ASSERT_EQ(chmod((directory / "deep/file").c_str(), 0640), 0);
+    fs::create_symlink("../file", directory / "deep/er/second");
+    fs::create_symlink("deep/er/second", directory / "first");
+    fs::create_symlink(directory / "first", directory / "absolute");
+    files().writeAtomically("new", directory / "absolute");
+    EXPECT_EQ(contentsOf(directory / "deep/file"), "new");
+    EXPECT_EQ(modeOf(directory / "deep/file"), 0640U);
+    EXPECT_EQ(fs::read_symlink(directory / "absolute"), directory / "first");
+    EXPECT_EQ(fs::read_symlink(directory / "first"), "deep/er/second");
+    EXPECT_EQ(fs::read_symlink(directory / "deep/er/second"), "../file");
+    EXPECT_EQ(namesIn(directory.path()), (Names{"absolute", "deep", "first"}));
+    EXPECT_EQ(namesIn(directory / "deep"), (Names{"er", "file"}));
+    EXPECT_EQ(namesIn(directory / "deep/er"), Names{"second"});
+}
+
+TEST(FileManager, aLinkToNothingCreatesItsTarget) {
+    const TemporaryDirectory directory;
+    fs::create_directory(directory / "elsewhere");
+    fs::create_symlink("elsewhere/file", directory / "link");
+    files().writeAtomically("new", directory / "link");
+    EXPECT_EQ(contentsOf(directory / "elsewhere/file"), "new");
+    EXPECT_TRUE(fs::is_symlink(directory / "link"));
+}
+
+TEST(FileManager, aLoopOfLinksIsAnError) {
+    const TemporaryDirectory directory;
+    fs::create_symlink("b", directory / "a");
+    fs::create_symlink("a", directory / "b");
+    expectWriteFailure(Code::tooManyLinks, directory / "a");
+    EXPECT_EQ(namesIn(directory.path()), (Names{"a", "b"}));
+}
+
+TEST(FileManager, aLinkIntoAMissingDirectoryIsAnError) {
+    const TemporaryDirectory directory;
+    fs::create_symlink("missing/file", directory / "link");
+    expectWriteFailure(Code::noSuchFile, directory / "link");
+    EXPECT_EQ(namesIn(directory.path()), Names{"link"});
+}
+
+TEST(FileManager, aDirectoryInTheFilesPlaceIsAnErrorAndStays) {
+    const TemporaryDirectory directory;
+    fs::create_directory(directory / "file");
+    expectWriteFailure(Code::isDirectory, directory / "file");
+    expectWriteFailure(Code::isDirectory, directory / "file/");
+    expectWriteFailure(Code::isDirectory, directory / "file/..");
+    fs::create_directory_symlink("file", directory / "link");
+    expectWriteFailure(Code::isDirectory, directory / "link");
+    EXPECT_EQ(namesIn(directory.path()), (Names{"file", "link"}));
+    EXPECT_TRUE(fs::is_empty(directory / "file"));
+}
+
+TEST(FileManager, aDeviceIsNeverReplaced) {
+    const TemporaryDirectory directory;
+    fs::create_symlink("/dev/null", directory / "link");
+    expectWriteFailure(Code::notARegularFile, directory / "link");
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST(FileManager, aPipeIsReplacedWithoutWaiting) {
+    const TemporaryDirectory directory;
+    ASSERT_EQ(mkfifo((directory / "pipe").c_str(), 0600), 0);
+    files().writeAtomically("new", directory / "pipe");
+    EXPECT_EQ(contentsOf(directory / "pipe"), "new");
+}
+
+TEST(FileManager, aMissingDirectoryIsAnError) {
+    const TemporaryDirectory directory;
+    expectWriteFailure(Code::noSuchFile, directory / "missing/file");
+    writeContents(directory / "file", "old");
+    expectWriteFailure(Code::notADirectory, directory / "file/below");
+    EXPECT_EQ(namesIn(directory.path()), Names{"file"});
+    EXPECT_EQ(
+        failureOf([&] { files().writeAtomically("new", directory / "file/below"); })->localizedDescription(),
+        "The file \"" + (directory / "file/below") + "\" could not be written: Not a directory.");
+}
+
+TEST(FileManager, aNameOfTheGreatestLengthIsWrittenAndALongerOneAnError) {
+    const TemporaryDirectory directory;
+    const std::string longest(255, 'n');
+    files().writeAtomically("one", directory / longest);
+    files().writeAtomically("two", directory / longest);
+    EXPECT_EQ(contentsOf(directory / longest), "two");
+    expectWriteFailure(Code::nameTooLong, directory / (longest + "n"));
+    expectWriteFailure(Code::invalidName, "");
+    expectWriteFailure(Code::invalidName, (directory / "a") + std::string("\0b", 2));
+    EXPECT_EQ(namesIn(directory.path()), Names{longest});
+}
+
+TEST(FileManager, aPathOfTheGreatestLengthIsWritten) {
+    const TemporaryDirectory directory;
+    std::string path = directory.path().string();
+    while (path.size() < 3800) {
+        path += '/' + std::string(100, 'd');
+    }
+    files().createDirectory(path, true);
+    path += '/';
+    path += std::string(4095 - path.size(), 'f');
+    files().writeAtomically("x", path);
+    EXPECT_EQ(files().contents(path), "x");
+}
+
+TEST(FileManager, aFullDiskLeavesTheOldFileAndNothingElse) {
+    const TemporaryDirectory directory;
+    KEYLOFT_IN_PRIVATE_MOUNTS([&] {
+        KeyloftTests::mountSmallDisk(directory.path().string(), 65536);
+        writeContents(directory / "file", "old");
+        KeyloftTests::fillDisk(directory.path().string());
+        expectWriteFailure(Code::outOfSpace, directory / "file");
+        EXPECT_EQ(contentsOf(directory / "file"), "old");
+        EXPECT_EQ(namesIn(directory.path()), (Names{"file", "filler"}));
+    });
+}
+
+TEST(FileManager, aDiskThatFillsHalfWayLeavesTheOldFileAndNothingElse) {
+    const TemporaryDirectory directory;
+    KEYLOFT_IN_PRIVATE_MOUNTS([&] {
+        KeyloftTests::mountSmallDisk(directory.path().string(), 262144);
+        writeContents(directory / "file", "old");
+        expectWriteFailure(Code::outOfSpace, directory / "file", std::string(1'000'000, 'x'));
+        EXPECT_EQ(contentsOf(directory / "file"), "old");
+        EXPECT_EQ(namesIn(directory.path()), Names{"file"});
+        files().writeAtomically(std::string(100'000, 'x'), directory / "file");
+    });
+}
+
+TEST(FileManager, aReadOnlyDiskLeavesTheOldFileAndNothingElse) {
+    const TemporaryDirectory directory;
+    KEYLOFT_IN_PRIVATE_MOUNTS([&] {
+        KeyloftTests::mountSmallDisk(directory.path().string(), 65536);
+        writeContents(directory / "file", "old");
+        fs::create_directory(directory / "directory");
+        KeyloftTests::makeReadOnly(directory.path().string());
+        expectWriteFailure(Code::readOnlyVolume, directory / "file");
+        EXPECT_EQ(contentsOf(directory / "file"), "old");
+        EXPECT_EQ(namesIn(directory.path()), (Names{"directory", "file"}));
+        files().createDirectory(directory / "directory", true);
+        const std::string inner = directory / "directory/inner";
+        expectFailure(Code::readOnlyVolume, inner, [&] { files().createDirectory(inner, true); });
+    });
+}
+
+TEST(FileManager, aFileSizeLimitLeavesTheOldFileAndNothingElse) {
+    // A write beyond the limit comes back short first, then fails.
+    const TemporaryDirectory directory;
+    writeContents(directory / "file", "old");
+    KEYLOFT_IN_PRIVATE_MOUNTS([&] {
+        ASSERT_NE(signal(SIGXFSZ, SIG_IGN), SIG_ERR);
+        const rlimit limit = {.rlim_cur = 1000, .rlim_max = 1000};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        expectWriteFailure(Code::tooLarge, directory / "file", std::string(5000, 'x'));
+    });
+    EXPECT_EQ(contentsOf(directory / "file"), "old");
+    EXPECT_EQ(namesIn(directory.path()), Names{"file"});
+}
+
+TEST(FileManager, noDescriptorIsLeftOpen) {
+    const TemporaryDirectory directory;
+    fs::create_directory(directory / "directory");
+    fs::create_symlink("loop", directory / "loop");
+    const auto work = [&] {
+        files().writeAtomically("x", directory / "file");
+        std::ignore = files().contents(directory / "file");
+        for (const char* name : {"directory", "loop", "missing/file"}) {
+            EXPECT_TRUE(failureOf([&] { files().writeAtomically("x", directory / name); }));
+            EXPECT_TRUE(failureOf([&] { std::ignore = files().contents(directory / name); }));
+        }
+    };
+    work();
+    const std::size_t before = namesIn("/proc/self/fd").size();
+    work();
+    EXPECT_EQ(namesIn("/proc/self/fd").size(), before);
+}
+
+} // namespace

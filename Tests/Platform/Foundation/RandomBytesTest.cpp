@@ -1,0 +1,54 @@
+#include "Platform/Foundation/RandomBytes.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace {
+
+using Platform::RandomBytes;
+
+TEST(RandomBytes, everyByteIsFilled) {
+    // With so many draws a byte that is never written stays zero each time; one that is does so only by a
+    // miracle.
+    std::array<std::byte, 300> seen = {};
+    for (int draw = 0; draw < 8; ++draw) {
+        std::array<std::byte, 300> bytes = {};
+        ASSERT_TRUE(RandomBytes::fill(bytes));
+        std::ranges::transform(seen, bytes, seen.begin(), [](std::byte a, std::byte b) { return a | b; });
+    }
+    EXPECT_EQ(std::ranges::count(seen, std::byte{0}), 0);
+}
+
+TEST(RandomBytes, twoDrawsDiffer) {
+    std::array<std::byte, 32> first = {};
+    std::array<std::byte, 32> second = {};
+    ASSERT_TRUE(RandomBytes::fill(first));
+    ASSERT_TRUE(RandomBytes::fill(second));
+    EXPECT_NE(first, second);
+}
+
+TEST(RandomBytes, nothingToFillSucceeds) { EXPECT_TRUE(RandomBytes::fill({})); }
+
+TEST(RandomBytes, moreThanTheGeneratorGivesAtOnceIsFilledWhole) {
+    // The system hands out 32 MiB at most in one call.
+    std::vector<std::byte> bytes((std::size_t{32} << 20U) + 4096);
+    ASSERT_TRUE(RandomBytes::fill(bytes));
+    const auto tail = std::span(bytes).last(64);
+    EXPECT_LT(std::ranges::count(tail, std::byte{0}), 32);
+}
+
+TEST(RandomBytes, aFailureIsReported) {
+    static constexpr std::size_t size = 4096;
+    void* const page = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(page, MAP_FAILED);
+    EXPECT_FALSE(RandomBytes::fill({static_cast<std::byte*>(page), size}));
+    EXPECT_EQ(munmap(page, size), 0);
+}
+
+} // namespace

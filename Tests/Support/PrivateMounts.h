@@ -1,0 +1,114 @@
+#pragma once
+
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <functional>
+#include <string>
+
+namespace KeyloftTests {
+
+/// What became of the child process of `inPrivateMounts`.
+enum class PrivateMountsResult { passed, failed, notAllowed };
+
+namespace Detail {
+
+inline bool writeFile(const char* path, const std::string& text) {
+    const int file = open(path, O_WRONLY | O_CLOEXEC);
+    if (file < 0) {
+        return false;
+    }
+    const bool written = write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    close(file);
+    return written;
+}
+
+/// A mount namespace of this process's own, as root or as the root of a user namespace of its own.
+inline bool enterPrivateMounts() {
+    if (unshare(CLONE_NEWNS) != 0) {
+        const std::string user = std::to_string(getuid());
+        const std::string group = std::to_string(getgid());
+        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0 || !writeFile("/proc/self/setgroups", "deny") ||
+            !writeFile("/proc/self/uid_map", "0 " + user + " 1") ||
+            !writeFile("/proc/self/gid_map", "0 " + group + " 1")) {
+            return false;
+        }
+    }
+    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+} // namespace Detail
+
+/// Runs `body`, expectations and all, in a child process that may mount what nobody else sees. Full and
+/// read-only disks are the failures that stop root too.
+inline PrivateMountsResult inPrivateMounts(const std::function<void()>& body) {
+    static constexpr int failed = 1;
+    static constexpr int notAllowed = 2;
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (!Detail::enterPrivateMounts()) {
+            _exit(notAllowed);
+        }
+        body();
+        std::fflush(nullptr);
+        _exit(testing::Test::HasFailure() ? failed : 0);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
+        return PrivateMountsResult::failed;
+    }
+    return WEXITSTATUS(status) == 0            ? PrivateMountsResult::passed
+           : WEXITSTATUS(status) == notAllowed ? PrivateMountsResult::notAllowed
+                                               : PrivateMountsResult::failed;
+}
+
+/// Mounts a disk of so many bytes at `directory`.
+inline void mountSmallDisk(const std::string& directory, int bytes) {
+    const std::string options = "size=" + std::to_string(bytes);
+    ASSERT_EQ(mount("none", directory.c_str(), "tmpfs", 0, options.c_str()), 0);
+}
+
+inline void makeReadOnly(const std::string& directory) {
+    ASSERT_EQ(mount("none", directory.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+}
+
+/// Fills the disk under `directory` with a file "filler" until nothing more fits, and proves it.
+inline void fillDisk(const std::string& directory) {
+    const int file = open((directory + "/filler").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_GE(file, 0);
+    const std::string block(4096, 'x');
+    while (write(file, block.data(), block.size()) > 0) {
+    }
+    ASSERT_EQ(errno, ENOSPC);
+    close(file);
+    const int probe = open((directory + "/probe").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    if (probe >= 0) {
+        ASSERT_EQ(write(probe, "x", 1), -1);
+        ASSERT_EQ(errno, ENOSPC);
+        close(probe);
+        ASSERT_EQ(unlink((directory + "/probe").c_str()), 0);
+    } else {
+        ASSERT_EQ(errno, ENOSPC);
+    }
+}
+
+} // namespace KeyloftTests
+
+/// Runs the statements given as a function in private mounts, or skips the test where the system allows none.
+#define KEYLOFT_IN_PRIVATE_MOUNTS(...)                                                                       \
+    do {                                                                                                     \
+        const auto keyloftResult = KeyloftTests::inPrivateMounts(__VA_ARGS__);                               \
+        if (keyloftResult == KeyloftTests::PrivateMountsResult::notAllowed) {                                \
+            GTEST_SKIP() << "this system lets tests have no mount namespace of their own";                   \
+        }                                                                                                    \
+        ASSERT_EQ(keyloftResult, KeyloftTests::PrivateMountsResult::passed);                                 \
+    } while (false)
