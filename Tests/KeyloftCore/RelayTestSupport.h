@@ -3,6 +3,7 @@
 #include "KeyloftCore/NativeMessageFrame.h"
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketClient.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +11,6 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
-#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -31,30 +31,6 @@ namespace KeyloftTests {
 
 /// Seconds that a client waits for what is sure to come.
 inline constexpr double longWait = 30;
-
-/// A new directory, removed with everything in it. Its path is short: socket paths have little room.
-class ScratchDirectory {
-public:
-    ScratchDirectory() {
-        std::string pattern = "/tmp/relay-XXXXXX";
-        if (mkdtemp(pattern.data()) == nullptr) {
-            throw std::system_error(errno, std::generic_category(), "mkdtemp");
-        }
-        path_ = pattern;
-    }
-    ScratchDirectory(const ScratchDirectory&) = delete;
-    ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-    ~ScratchDirectory() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-
-    const std::string& path() const { return path_; }
-    std::string operator/(std::string_view name) const { return path_ + "/" + std::string(name); }
-
-private:
-    std::string path_;
-};
 
 /// A peer that does what it likes: plain system calls on a connected socket, closed with it.
 class RawPeer {
@@ -194,7 +170,7 @@ protected:
         return received;
     }
 
-    const ScratchDirectory directory;
+    const TemporaryDirectory directory;
     const std::string path = directory / "relay.sock";
     std::shared_ptr<RelayListener> listener;
     Event requests;
