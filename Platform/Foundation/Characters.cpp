@@ -260,6 +260,11 @@ char32_t nextCodePoint(std::string_view text, std::size_t& offset) {
 bool isValidUTF8(std::string_view bytes) {
     std::size_t offset = 0;
     while (offset < bytes.size()) {
+        // Most text is ASCII, which needs no decoding.
+        if (static_cast<unsigned char>(bytes[offset]) < 0x80) {
+            ++offset;
+            continue;
+        }
         const std::size_t before = offset;
         // A genuine U+FFFD takes three bytes, an ill-formed byte is passed over alone.
         if (nextCodePoint(bytes, offset) == replacement && offset - before == 1) {

@@ -89,47 +89,52 @@ private:
     JSONValue top_;
 };
 
-void appendLiteral(std::string& out, std::string_view text, JSONSlashes slashes) {
+bool isWrittenAsItIs(char character, JSONSlashes slashes) {
+    return static_cast<unsigned char>(character) >= 0x20 && character != '"' && character != '\\' &&
+           (character != '/' || slashes == JSONSlashes::plain);
+}
+
+void appendEscape(std::string& out, char character) {
     constexpr std::string_view hexDigits = "0123456789abcdef";
-    out += '"';
-    for (const char character : text) {
-        switch (character) {
-        case '"':
-            out += "\\\"";
-            break;
-        case '\\':
-            out += "\\\\";
-            break;
-        case '/':
-            out += slashes == JSONSlashes::escaped ? "\\/" : "/";
-            break;
-        case '\b':
-            out += "\\b";
-            break;
-        case '\f':
-            out += "\\f";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        default: {
-            const auto byte = static_cast<unsigned char>(character);
-            if (byte < 0x20) {
-                out += "\\u00";
-                out += hexDigits[byte >> 4U];
-                out += hexDigits[byte & 0xFU];
-            } else {
-                out += character;
-            }
-        }
+    out += '\\';
+    switch (character) {
+    case '\b':
+        out += 'b';
+        break;
+    case '\f':
+        out += 'f';
+        break;
+    case '\n':
+        out += 'n';
+        break;
+    case '\r':
+        out += 'r';
+        break;
+    case '\t':
+        out += 't';
+        break;
+    default:
+        if (const auto byte = static_cast<unsigned char>(character); byte < 0x20) {
+            out += "u00";
+            out += hexDigits[byte >> 4U];
+            out += hexDigits[byte & 0xFU];
+        } else {
+            out += character;
         }
     }
+}
+
+void appendLiteral(std::string& out, std::string_view text, JSONSlashes slashes) {
+    out += '"';
+    std::size_t written = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (!isWrittenAsItIs(text[i], slashes)) {
+            out += text.substr(written, i - written);
+            appendEscape(out, text[i]);
+            written = i + 1;
+        }
+    }
+    out += text.substr(written);
     out += '"';
 }
 

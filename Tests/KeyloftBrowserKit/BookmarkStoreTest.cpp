@@ -448,12 +448,15 @@ TEST_F(BookmarkStoreTest, invalidFilesOfFiftyMegabytesMeanTheSeed) {
     while (arrays.size() < size) {
         arrays += "[],";
     }
-    for (const std::string& text :
-         {almost, std::string(size, '['), std::string(size, ' '), "[\"" + std::string(size, 'x'),
-          "[" + std::string(size, '1') + "]", std::string(size, '\0'), std::string(size, '\xff'), arrays}) {
+    const auto expectSeed = [&](const std::string& text) {
         write(text);
         EXPECT_EQ(store().bookmarks(), BookmarkStore::seed()) << text.substr(0, 10);
-    }
+    };
+    expectSeed(almost);
+    expectSeed(arrays);
+    expectSeed(std::string(size, '['));
+    expectSeed("[\"" + std::string(size, 'x'));
+    expectSeed('[' + std::string(size, '1') + ']');
 }
 
 } // namespace
