@@ -32,7 +32,7 @@ RelayProtocol::Reply RelayProtocol::reply(std::string_view data, const Authorize
     }
     if (*type == "result") {
         try {
-            return Reply::ack(RelayResult::parse(*message, request));
+            return Reply::ack(RelayResult::parseMessage(*message, request));
         } catch (const RelayResult::ParseError&) {
             return Reply::ack(std::nullopt);
         }

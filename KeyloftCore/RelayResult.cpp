@@ -56,10 +56,10 @@ AuthResult RelayResult::parse(std::string_view data, const AuthorizeRequest& req
     if (!message) {
         throw ParseError(Case::notAResult);
     }
-    return parse(*message, request);
+    return parseMessage(*message, request);
 }
 
-AuthResult RelayResult::parse(const Platform::JSONValue& message, const AuthorizeRequest& request) {
+AuthResult RelayResult::parseMessage(const Platform::JSONValue& message, const AuthorizeRequest& request) {
     const auto* type = message.stringMember("type");
     if (type == nullptr || *type != "result") {
         throw ParseError(Case::notAResult);

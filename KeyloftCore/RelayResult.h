@@ -43,7 +43,7 @@ struct RelayResult {
     static AuthResult parse(std::string_view data, const AuthorizeRequest& request);
 
     /// The same for a message that has been read already.
-    static AuthResult parse(const Platform::JSONValue& message, const AuthorizeRequest& request);
+    static AuthResult parseMessage(const Platform::JSONValue& message, const AuthorizeRequest& request);
 };
 
 } // namespace KeyloftCore

@@ -198,7 +198,7 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
                 ASSERT_TRUE(idle.back().send("\x05\0"sv));
             }
         }
-        EXPECT_TRUE(eventually([&] { return openDescriptors() == before + 2 * count; }));
+        EXPECT_TRUE(eventually([&] { return openDescriptors() >= before + 2 * count; }));
         for (int turn = 0; turn < 50; ++turn) {
             expectService();
         }
@@ -274,13 +274,12 @@ TEST_F(HostilePeerTest, noiseIsNeverARequestThatNobodySent) {
     std::mt19937 random(13); // NOLINT: the same sequence every time is what is wanted
     for (int turn = 0; turn < 100; ++turn) {
         RawPeer peer(path);
-        std::string noise(1 + random() % 200, '\0');
+        std::string noise(4 + random() % 200, '\0');
         for (auto& byte : noise) {
             byte = static_cast<char>(random() % 256);
         }
         // Beyond the limit whatever follows.
         noise[3] = static_cast<char>(random() % 255 + 1);
-        noise.resize(std::max<std::size_t>(noise.size(), 4));
         peer.send(noise);
         EXPECT_EQ(peer.receiveAll(), "");
     }

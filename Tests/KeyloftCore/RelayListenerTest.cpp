@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include <dirent.h>
+#include <fcntl.h>
 #include <pthread.h>
 #include <sys/resource.h>
 
