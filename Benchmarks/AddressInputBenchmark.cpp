@@ -9,7 +9,7 @@ namespace {
 using KeyloftBrowserKit::AddressInput;
 
 void resolve(benchmark::State& state, std::string_view text) {
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(AddressInput::resolve(text));
     }
 }

@@ -21,6 +21,14 @@ using KeyloftBrowserKit::BookmarkStore;
 using Platform::FileManager;
 using Platform::URL;
 
+URL url(const std::string& text) {
+    const auto parsed = URL::fromString(text);
+    if (!parsed) {
+        std::abort();
+    }
+    return *parsed;
+}
+
 /// A bookmarks file of its own, gone when the benchmark is.
 class BookmarksFile {
 public:
@@ -32,9 +40,9 @@ public:
         directory_ = pattern;
         for (std::int64_t i = 0; i < count; ++i) {
             const std::string number = std::to_string(i);
-            bookmarks_.push_back({"A page's title, as long as most: " + number,
-                                  *URL::fromString("https://www.host" + std::to_string(i % 1000) +
-                                                   ".test/articles/2026/" + number + "?ref=bar")});
+            bookmarks_.push_back({.title = "A page's title, as long as most: " + number,
+                                  .url = ::url("https://www.host" + std::to_string(i % 1000) +
+                                               ".test/articles/2026/" + number + "?ref=bar")});
         }
         FileManager::defaultManager().writeAtomically(Bookmark::encode(bookmarks_), path());
     }
@@ -61,7 +69,7 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
 
 void load(benchmark::State& state) {
     const BookmarksFile file(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const BookmarkStore store(file.url());
         benchmark::DoNotOptimize(store.bookmarks().data());
     }
@@ -72,7 +80,7 @@ BENCHMARK(load)->Apply(sizes);
 /// What any reader pays: the file's bytes, unread by anybody.
 void loadFloor(benchmark::State& state) {
     const BookmarksFile file(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(FileManager::defaultManager().contents(file.path()));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file.text().size()));
@@ -82,8 +90,8 @@ BENCHMARK(loadFloor)->Apply(sizes);
 void save(benchmark::State& state) {
     const BookmarksFile file(state.range(0));
     BookmarkStore store(file.url());
-    const URL absent = *URL::fromString("https://absent.test/");
-    for (auto _ : state) {
+    const URL absent = url("https://absent.test/");
+    while (state.KeepRunning()) {
         store.remove(absent);
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file.text().size()));
@@ -94,7 +102,7 @@ BENCHMARK(save)->Apply(sizes)->UseRealTime();
 void saveFloor(benchmark::State& state) {
     const BookmarksFile file(state.range(0));
     const std::string text = file.text();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         FileManager::defaultManager().writeAtomically(text, file.path());
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
@@ -103,7 +111,7 @@ BENCHMARK(saveFloor)->Apply(sizes)->UseRealTime();
 
 void decode(benchmark::State& state) {
     const std::string text = BookmarksFile(state.range(0)).text();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(Bookmark::decode(text));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
@@ -113,7 +121,7 @@ BENCHMARK(decode)->Apply(sizes);
 /// The same text read into values by the general reader, for comparison.
 void decodeAsValues(benchmark::State& state) {
     const std::string text = BookmarksFile(state.range(0)).text();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(Platform::JSONValue::parse(text));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
@@ -122,7 +130,7 @@ BENCHMARK(decodeAsValues)->Apply(sizes);
 
 void encode(benchmark::State& state) {
     const BookmarksFile file(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(Bookmark::encode(file.bookmarks()));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file.text().size()));
@@ -133,7 +141,7 @@ void contains(benchmark::State& state) {
     const BookmarksFile file(state.range(0));
     const BookmarkStore store(file.url());
     std::size_t next = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(store.contains(file.bookmarks()[next].url));
         next = (next + 7919) % file.bookmarks().size();
     }

@@ -86,7 +86,7 @@ std::optional<Platform::URL> AddressInput::search(std::string_view text) {
         return std::nullopt;
     }
     Platform::URLComponents components(searchBase());
-    components.setQueryItems({Platform::URLQueryItem{"q", std::string(trimmed)}});
+    components.setQueryItems({Platform::URLQueryItem{.name = "q", .value = std::string(trimmed)}});
     components.setPercentEncodedQuery(
         escapingPlusAndQuestionMark(components.percentEncodedQuery().value_or("")));
     return components.url();

@@ -17,25 +17,24 @@ namespace {
 
 std::vector<Bookmark> load(const Platform::URL& fileURL) {
     try {
-        if (auto bookmarks = Bookmark::decode(Platform::FileManager::defaultManager().contents(fileURL))) {
-            return *std::move(bookmarks);
-        }
-    } catch (
-        const Platform::FileError&) { // NOLINT(bugprone-empty-catch): no file is how every first run begins
+        auto bookmarks = Bookmark::decode(Platform::FileManager::defaultManager().contents(fileURL));
+        return bookmarks ? *std::move(bookmarks) : BookmarkStore::seed();
+    } catch (const Platform::FileError&) {
+        // No file is how every first run begins.
+        return BookmarkStore::seed();
     }
-    return BookmarkStore::seed();
 }
 
 } // namespace
 
 const std::vector<Bookmark>& BookmarkStore::seed() {
     static const std::vector<Bookmark> bookmarks = {
-        {"Apple", builtInURL("https://www.apple.com/")},
-        {"DuckDuckGo", AddressInput::searchBase()},
-        {"Wikipedia", builtInURL("https://www.wikipedia.org/")},
-        {"Hacker News", builtInURL("https://news.ycombinator.com/")},
-        {"GitHub", builtInURL("https://github.com/")},
-        {"Keyloft", builtInURL("https://keyloft.orvane.velde/")},
+        {.title = "Apple", .url = builtInURL("https://www.apple.com/")},
+        {.title = "DuckDuckGo", .url = AddressInput::searchBase()},
+        {.title = "Wikipedia", .url = builtInURL("https://www.wikipedia.org/")},
+        {.title = "Hacker News", .url = builtInURL("https://news.ycombinator.com/")},
+        {.title = "GitHub", .url = builtInURL("https://github.com/")},
+        {.title = "Keyloft", .url = builtInURL("https://keyloft.orvane.velde/")},
     };
     return bookmarks;
 }
@@ -58,10 +57,9 @@ void BookmarkStore::add(Bookmark bookmark) {
 }
 
 void BookmarkStore::remove(const Platform::URL& url) {
-    // The caller's URL may well be one of those in the list.
-    const Platform::URL wanted = url;
-    const auto removed =
-        std::erase_if(bookmarks_, [&](const Bookmark& bookmark) { return bookmark.url == wanted; });
+    // A copy is compared with: the caller's URL may well be one of those in the list.
+    const auto removed = std::erase_if(
+        bookmarks_, [wanted = url](const Bookmark& bookmark) { return bookmark.url == wanted; });
     if (removed > 0) {
         index_.rebuild(bookmarks_);
     }

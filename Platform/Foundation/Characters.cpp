@@ -275,6 +275,9 @@ bool isValidUTF8(std::string_view bytes) {
 }
 
 std::string repairingUTF8(std::string_view bytes) {
+    if (isValidUTF8(bytes)) {
+        return std::string(bytes);
+    }
     std::string text;
     text.reserve(bytes.size());
     std::size_t offset = 0;

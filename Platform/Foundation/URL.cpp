@@ -95,7 +95,15 @@ std::optional<std::string> URL::host() const {
 
 std::optional<std::int64_t> URL::port() const { return port_; }
 
-std::string URL::path() const { return URLEncoding::decoded(view(path_)).value_or(std::string()); }
+std::string URL::path() const {
+    // Foundation turns a path's bytes into text by a way that passes over one leading byte order mark.
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    std::string path = URLEncoding::decoded(view(path_)).value_or(std::string());
+    if (path.starts_with(byteOrderMark)) {
+        path.erase(0, byteOrderMark.size());
+    }
+    return path;
+}
 
 std::optional<std::string_view> URL::query() const& { return optionalView(query_); }
 

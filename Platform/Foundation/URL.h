@@ -41,7 +41,8 @@ public:
     std::optional<std::string> host() const;
     /// Absent too where the number is too large for 64 bits.
     std::optional<std::int64_t> port() const;
-    /// Percent-decoded, trailing slashes kept; empty where the decoded bytes are no UTF-8.
+    /// Percent-decoded, trailing slashes kept; empty where the decoded bytes are no UTF-8, and without a
+    /// leading byte order mark.
     std::string path() const;
     /// Percent-encoded, without "?".
     std::optional<std::string_view> query() const&;

@@ -350,10 +350,6 @@ std::optional<std::string> decoded(std::string_view text) {
     if (!isValidUTF8(out)) {
         return std::nullopt;
     }
-    // Foundation makes a text of decoded bytes by a way that passes over one leading byte order mark.
-    if (constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; out.starts_with(byteOrderMark)) {
-        out.erase(0, byteOrderMark.size());
-    }
     return out;
 }
 

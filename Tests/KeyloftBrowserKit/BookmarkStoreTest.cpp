@@ -32,9 +32,11 @@ using Platform::URL;
 using List = std::vector<Bookmark>;
 using Names = std::set<std::string>;
 
-URL url(std::string_view text) { return *URL::fromString(text); }
+URL url(std::string_view text) { return URL::fromString(text).value(); }
 
-Bookmark bookmark(std::string_view title, std::string_view text) { return {std::string(title), url(text)}; }
+Bookmark bookmark(std::string_view title, std::string_view text) {
+    return {.title = std::string(title), .url = url(text)};
+}
 
 const Bookmark one = bookmark("One", "https://one.test/");
 const Bookmark two = bookmark("Two", "https://two.test/");

@@ -12,7 +12,7 @@ using KeyloftBrowserKit::Bookmark;
 using Platform::URL;
 
 Bookmark bookmark(std::string_view title, std::string_view url) {
-    return {std::string(title), *URL::fromString(url)};
+    return {.title = std::string(title), .url = URL::fromString(url).value()};
 }
 
 TEST(Bookmark, isEqualIfTitleAndURLAre) {

@@ -37,7 +37,7 @@ TEST(BookmarkVectors, encode) {
             if (!url) {
                 return "no URL: " + element.at("url").get<std::string>();
             }
-            bookmarks.push_back({element.at("title").get<std::string>(), *url});
+            bookmarks.push_back({.title = element.at("title").get<std::string>(), .url = *url});
         }
         return Bookmark::encode(bookmarks);
     });

@@ -211,18 +211,17 @@ public:
     TemporaryFile(const Task& task, const Directory& directory, mode_t mode)
         : task_(task)
         , directory_(directory) {
+        static constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
         static constexpr int attempts = 16;
-        for (int attempt = 0; attempt < attempts && !file_.isOpen(); ++attempt) {
+        int systemError = EEXIST;
+        for (int attempt = 0; attempt < attempts && systemError == EEXIST; ++attempt) {
             chooseName();
-            static constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
             file_ =
                 Descriptor(uninterrupted([&] { return openat(directory.get(), name_.data(), flags, mode); }));
-            if (!file_.isOpen() && errno != EEXIST) {
-                break;
-            }
+            systemError = file_.isOpen() ? 0 : errno;
         }
-        if (!file_.isOpen()) {
-            throw task_.failure(errno);
+        if (systemError != 0) {
+            throw task_.failure(systemError);
         }
     }
     TemporaryFile(const TemporaryFile&) = delete;
@@ -366,7 +365,7 @@ std::vector<URL> FileManager::applicationSupportDirectories() const {
 
 void FileManager::createDirectory(const std::string& path, bool withIntermediateDirectories,
                                   std::optional<unsigned> posixPermissions) const {
-    const Task task = {"directory", "created", path};
+    const Task task = {.subject = "directory", .verb = "created", .path = path};
     task.requireUsablePath();
     if (withIntermediateDirectories) {
         createMissingDirectories(task, path, posixPermissions);
@@ -381,7 +380,7 @@ void FileManager::createDirectory(const URL& url, bool withIntermediateDirectori
 }
 
 std::string FileManager::contents(const std::string& path) const {
-    const Task task = {"file", "read", path};
+    const Task task = {.subject = "file", .verb = "read", .path = path};
     task.requireUsablePath();
 
     // Opening a pipe without a writer would wait for one.
@@ -426,7 +425,7 @@ std::string FileManager::contents(const std::string& path) const {
 std::string FileManager::contents(const URL& url) const { return contents(url.filePath()); }
 
 void FileManager::writeAtomically(std::string_view data, const std::string& path) const {
-    const Task task = {"file", "written", path};
+    const Task task = {.subject = "file", .verb = "written", .path = path};
     task.requireUsablePath();
     const Destination destination(task);
 

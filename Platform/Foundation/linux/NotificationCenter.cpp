@@ -84,7 +84,7 @@ Observation NotificationCenter::addObserver(NotificationName name, const void* o
 void NotificationCenter::post(NotificationName name, const void* object) {
     // The list of those to call is a copy that keeps each observer alive while it runs, even if it ends
     // itself.
-    const Notification notification = {name, object};
+    const Notification notification = {.name = name, .object = object};
     for (const auto& observer : state_->interestedIn(name, object)) {
         if (!observer->ended) {
             observer->callback(notification);

@@ -110,6 +110,11 @@ TEST(URLComponents, itemsAreDecodedButForPlus) {
     EXPECT_EQ(components.percentEncodedQueryItems()->front().name, "a%26b");
 }
 
+TEST(URLComponents, aByteOrderMarkIsPartOfAValue) {
+    EXPECT_EQ(componentsOf("?\uFEFFa=\uFEFFb").queryItems(),
+              (std::vector<URLQueryItem>{{"\uFEFFa", "\uFEFFb"}}));
+}
+
 TEST(URLComponents, encodedItemsAreKeptAsTheyAre) {
     URLComponents components = componentsOf("https://x.test/?a=b=c&%C3%A9=%2F&d+e&f=?/;");
     const auto items = *components.percentEncodedQueryItems();

@@ -115,6 +115,11 @@ TEST(URL, pathsOfOtherBytesAreEmpty) {
     EXPECT_EQ(parsed("https://%FF.test/").host(), std::nullopt);
 }
 
+TEST(URL, aPathsLeadingByteOrderMarkIsNotShown) {
+    EXPECT_EQ(parsed("\uFEFF\uFEFFa").path(), "\uFEFFa");
+    EXPECT_EQ(parsed("https://x.test/\uFEFFa").path(), "/\uFEFFa");
+}
+
 TEST(URL, equalityIsThatOfTheTexts) {
     EXPECT_EQ(parsed("https://x.test/"), parsed("https://x.test/"));
     EXPECT_EQ(parsed("https://x.test/ "), parsed("https://x.test/%20"));

@@ -1,0 +1,93 @@
+#include "Platform/Foundation/URL.h"
+#include "Platform/Foundation/URLComponents.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using Platform::URL;
+using Platform::URLComponents;
+
+/// Stops the run where a promise does not hold.
+void require(bool holds, const char* promise, std::string_view text) {
+    if (!holds) {
+        std::fprintf(stderr, "broken: %s\n  %.*s\n", promise, static_cast<int>(text.size()), text.data());
+        std::abort();
+    }
+}
+
+bool sameParts(const URL& left, const URL& right) {
+    return left.scheme() == right.scheme() && left.user() == right.user() &&
+           left.password() == right.password() && left.host() == right.host() &&
+           left.percentEncodedHost() == right.percentEncodedHost() && left.port() == right.port() &&
+           left.path() == right.path() && left.percentEncodedPath() == right.percentEncodedPath() &&
+           left.query() == right.query() && left.fragment() == right.fragment();
+}
+
+void checkURL(const URL& url) {
+    const std::string& text = url.absoluteString();
+    for (const char character : text) {
+        require(character > ' ' && character < '\x7F', "a URL is printable ASCII", text);
+    }
+    const auto again = URL::fromString(text);
+    require(again && *again == url && sameParts(*again, url), "a URL's text is that URL", text);
+
+    const URL shorter = url.deletingLastPathComponent();
+    const URL longer = url.appendingPathComponent("a:b/c d?", true);
+    for (const URL* other : {&shorter, &longer}) {
+        require(other->scheme() == url.scheme() && other->host() == url.host() &&
+                    other->port() == url.port() && other->query() == url.query() &&
+                    other->fragment() == url.fragment(),
+                "another path changes nothing else", text);
+    }
+    require(longer.lastPathComponent() == "c d?", "an appended component is the last", text);
+}
+
+void checkComponents(URLComponents components, std::string_view text) {
+    const auto whole = components.string();
+    require(whole.has_value(), "parsed components have a text", text);
+    require(URLComponents::fromString(*whole) == components, "components come back from their text", text);
+
+    const auto encodedItems = components.percentEncodedQueryItems();
+    const auto query = components.percentEncodedQuery();
+    require(encodedItems.has_value() == query.has_value(), "there are items if there is a query", text);
+    if (encodedItems) {
+        components.setPercentEncodedQueryItems(*encodedItems);
+        require(components.percentEncodedQuery() == query, "encoded items make the same query again", text);
+        const auto items = components.queryItems();
+        components.setQueryItems(*items);
+        // One item without name and value is written as an empty query, which has no items.
+        const bool isWritten = *items != std::vector<Platform::URLQueryItem>{{}};
+        require(components.queryItems()->size() == (isWritten ? items->size() : 0),
+                "decoded items are as many again", text);
+        components.setPercentEncodedQuery(query);
+    }
+    components.setFragment("f");
+    if (const auto changed = components.string()) {
+        const auto url = URL::fromString(*changed);
+        require(url.has_value() && url->fragment() == "f", "changed components are a URL", *changed);
+        require(URLComponents::fromString(*changed)->percentEncodedHost() == components.percentEncodedHost(),
+                "a changed fragment does not change the host", *changed);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the fuzzer's bytes are text here
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    if (const auto url = URL::fromString(text)) {
+        checkURL(*url);
+        checkComponents(URLComponents(*url), url->absoluteString());
+    }
+    if (const auto components = URLComponents::fromString(text)) {
+        checkComponents(*components, text);
+    }
+    checkURL(URL::fromFilePath(text, size % 2 == 0));
+    return 0;
+}
