@@ -17,6 +17,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -126,6 +127,8 @@ protected:
     using RelayListener = KeyloftCore::RelayListener;
 
     void SetUp() override {
+        // A sanitizer's own thread comes with the first of ours.
+        std::thread([] {}).join();
         descriptors_ = openDescriptors();
         threads_ = runningThreads();
         listener = std::make_shared<RelayListener>();

@@ -23,6 +23,7 @@ int __real_setsockopt(int descriptor, int level, int option, const void* value, 
 namespace KeyloftTests {
 
 std::atomic<const SystemCalls*> SystemCalls::current = nullptr;
+std::atomic<int> SystemCalls::asking = 0;
 
 ssize_t realSend(int descriptor, const void* bytes, std::size_t count, int flags) {
     return __real_send(descriptor, bytes, count, flags);
@@ -35,12 +36,17 @@ namespace {
 using KeyloftTests::SystemCalls;
 
 template <typename Member, typename... Arguments>
-bool answered(Member member, ssize_t& result, Arguments... arguments) {
+SystemCalls::Maybe ask(Member member, Arguments... arguments) {
+    ++SystemCalls::asking;
     const auto* calls = SystemCalls::current.load();
-    if (calls == nullptr || !(calls->*member)) {
-        return false;
-    }
-    const auto answer = (calls->*member)(arguments...);
+    auto answer = calls != nullptr && calls->*member ? (calls->*member)(arguments...) : std::nullopt;
+    --SystemCalls::asking;
+    return answer;
+}
+
+template <typename Member, typename... Arguments>
+bool answered(Member member, ssize_t& result, Arguments... arguments) {
+    const auto answer = ask(member, arguments...);
     if (!answer) {
         return false;
     }

@@ -2,11 +2,9 @@
 
 #include <atomic>
 #include <functional>
-#include <mutex>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
+#include <thread>
 
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -38,8 +36,10 @@ struct SystemCalls {
     std::function<Maybe(int level, int option, void* value)> getsockopt;
     std::function<Maybe(int level, int option, const void* value)> setsockopt;
 
-    /// The ones in force; null for none. Set while no call is under way.
+    /// The ones in force; null for none.
     static std::atomic<const SystemCalls*> current;
+    /// How many threads are asking them just now.
+    static std::atomic<int> asking;
 };
 
 /// Puts `calls` in force until its end.
@@ -48,7 +48,12 @@ public:
     explicit Intercepted(const SystemCalls& calls) { SystemCalls::current = &calls; }
     Intercepted(const Intercepted&) = delete;
     Intercepted& operator=(const Intercepted&) = delete;
-    ~Intercepted() { SystemCalls::current = nullptr; }
+    ~Intercepted() {
+        SystemCalls::current = nullptr;
+        while (SystemCalls::asking != 0) {
+            std::this_thread::yield();
+        }
+    }
 };
 
 /// What the system itself does.
