@@ -20,6 +20,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -128,6 +129,19 @@ public:
         waitpid(process_, nullptr, 0);
     }
 
+    /// What its threads have had of a processor.
+    double processorMicroseconds() const {
+        double total = 0;
+        const auto tasks = "/proc/" + std::to_string(process_) + "/task";
+        for (const auto& task : std::filesystem::directory_iterator(tasks)) {
+            std::ifstream file(task.path() / "schedstat");
+            double nanoseconds = 0;
+            file >> nanoseconds;
+            total += nanoseconds / 1e3;
+        }
+        return total;
+    }
+
 private:
     pid_t process_ = -1;
 };
@@ -140,17 +154,21 @@ private:
     // The relay's own backlog: with another one the two would not be asked the same.
     require(listen(listening, 4) == 0, "listen");
     ready();
-    std::string buffer(request.size(), '\0');
-    for (;;) {
-        const int connection = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
-        if (connection < 0) {
-            continue;
+    // On a thread of its own, as the relay's host has others to do.
+    std::thread([&] {
+        std::string buffer(request.size(), '\0');
+        for (;;) {
+            const int connection = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
+            if (connection < 0) {
+                continue;
+            }
+            if (readFully(connection, buffer.data(), buffer.size())) {
+                writeFully(connection, reply);
+            }
+            close(connection);
         }
-        if (readFully(connection, buffer.data(), buffer.size())) {
-            writeFully(connection, reply);
-        }
-        close(connection);
-    }
+    }).join();
+    std::_Exit(1);
 }
 
 [[noreturn]] void serveRelay(const std::string& path, KeyloftCore::RelayListener::OnFrame onFrame,
@@ -184,6 +202,8 @@ void exchangeRelay(const std::string& path, const std::string& request, std::siz
 struct Contender {
     const char* name;
     std::function<void()> exchange;
+    const ServerProcess* server;
+    double serverMicroseconds;
     std::vector<double> microseconds;
     std::vector<double> perSecondAlone;
     std::vector<double> perSecondTogether;
@@ -195,11 +215,13 @@ double percentile(std::vector<double> values, double part) {
 }
 
 void timeEach(Contender& contender, int count) {
+    const double before = contender.server->processorMicroseconds();
     for (int turn = 0; turn < count; ++turn) {
         const auto begin = Clock::now();
         contender.exchange();
         contender.microseconds.push_back(std::chrono::duration<double, std::micro>(Clock::now() - begin).count());
     }
+    contender.serverMicroseconds += contender.server->processorMicroseconds() - before;
 }
 
 double perSecond(const Contender& contender, int clients, std::chrono::milliseconds duration) {
@@ -265,16 +287,22 @@ int main(int argc, char** argv) {
         std::array contenders = {
             Contender{.name = "plain system calls",
                       .exchange = [&] { exchangeBare(barePath, requestFrame, replyFrame.size()); },
+                      .server = &bare,
+                      .serverMicroseconds = 0,
                       .microseconds = {},
                       .perSecondAlone = {},
                       .perSecondTogether = {}},
             Contender{.name = "relay",
                       .exchange = [&] { exchangeRelay(relayPath, request, reply.size()); },
+                      .server = &relay,
+                      .serverMicroseconds = 0,
                       .microseconds = {},
                       .perSecondAlone = {},
                       .perSecondTogether = {}},
             Contender{.name = "relay, message judged",
                       .exchange = [&] { exchangeRelay(hostPath, request, reply.size()); },
+                      .server = &host,
+                      .serverMicroseconds = 0,
                       .microseconds = {},
                       .perSecondAlone = {},
                       .perSecondTogether = {}},
@@ -282,6 +310,7 @@ int main(int argc, char** argv) {
         for (auto& contender : contenders) {
             timeEach(contender, 500);
             contender.microseconds.clear();
+            contender.serverMicroseconds = 0;
         }
         for (int round = 0; round < rounds; ++round) {
             for (auto& contender : contenders) {
@@ -299,13 +328,16 @@ int main(int argc, char** argv) {
 
         std::printf("request %zu bytes, reply %zu bytes, %zu exchanges each\n", request.size(), reply.size(),
                     contenders[0].microseconds.size());
-        std::printf("%-24s %18s %18s %20s %20s\n", "", "median us", "p99 us", "1 client /s", "8 clients /s");
+        std::printf("%-24s %18s %18s %18s %18s %18s\n", "", "median us", "p99 us", "server's CPU us", "1 client /s",
+                    "8 clients /s");
         const auto& floor = contenders[0];
         for (const auto& contender : contenders) {
             const auto cell = [&](double value, double base) { std::printf(" %10.1f (x%.2f)", value, value / base); };
             std::printf("%-24s", contender.name);
             cell(percentile(contender.microseconds, 0.5), percentile(floor.microseconds, 0.5));
             cell(percentile(contender.microseconds, 0.99), percentile(floor.microseconds, 0.99));
+            cell(contender.serverMicroseconds / static_cast<double>(contender.microseconds.size()),
+                 floor.serverMicroseconds / static_cast<double>(floor.microseconds.size()));
             cell(percentile(contender.perSecondAlone, 0.5), percentile(floor.perSecondAlone, 0.5));
             cell(percentile(contender.perSecondTogether, 0.5), percentile(floor.perSecondTogether, 0.5));
             std::printf("\n");

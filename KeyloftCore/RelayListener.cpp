@@ -15,7 +15,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -70,6 +69,18 @@ std::string deletingLastPathComponent(std::string path) {
 /// then, and would be announced again at once and for ever.
 bool isShortage(int error) { return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM; }
 
+/// Writes one frame, or gives the peer up. Nearly every reply is taken at once, so the time-out is set for those that
+/// are not.
+void sendFrame(int fd, std::string_view payload) {
+    const auto frame = NativeMessageFrame::encode(payload);
+    const auto taken = Platform::writeAtOnce(fd, frame.data(), frame.size());
+    const auto rest = std::string_view(frame).substr(static_cast<std::size_t>(std::max<ssize_t>(taken, 0)));
+    if (!rest.empty()) {
+        Platform::setSendTimeout(fd, sendTimeout);
+        RelayListener::writeAll(fd, rest);
+    }
+}
+
 struct Connection {
     Connection(Platform::SerialQueue& queue, int descriptor)
         : fd(descriptor)
@@ -93,7 +104,8 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     void resumeAccepting();
     void open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame);
     void readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
-    void drop(Connection& connection);
+    void readEarly(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
+    void take(ssize_t count, const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
     Reply replyFor(const std::shared_ptr<Connection>& connection);
 
     // The owner's thread's own.
@@ -103,7 +115,6 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     // The queue's own, once listening.
     std::shared_ptr<Platform::ReadSource> acceptSource;
     std::vector<std::shared_ptr<Connection>> readers;
-    std::unordered_set<int> pending;
     bool acceptingPaused = false;
     std::array<char, readSize> buffer;
     // Last, and so first to go: what still runs on it finds the rest of this in place.
@@ -191,7 +202,6 @@ void RelayListener::State::stop() {
     for (const auto& connection : readers) {
         connection->source.cancel();
     }
-    pending.clear();
 }
 
 void RelayListener::State::release() {
@@ -220,7 +230,6 @@ void RelayListener::State::acceptOne(const std::shared_ptr<const OnFrame>& onFra
         ::close(connection);
         return;
     }
-    Platform::setSendTimeout(connection, sendTimeout);
     open(connection, onFrame);
 }
 
@@ -241,7 +250,6 @@ void RelayListener::State::resumeAccepting() {
 }
 
 void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame) {
-    pending.insert(connectionDescriptor);
     const auto connection = std::make_shared<Connection>(queue, connectionDescriptor);
     const auto weak = weak_from_this();
     // The listener's list alone owns the connection; a reply that is kept for long keeps its memory, nothing else.
@@ -262,12 +270,25 @@ void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<
     });
     readers.push_back(connection);
     connection->source.resume();
+    readEarly(connection, *onFrame);
 }
 
 void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
-    const auto count = read(connection->fd, buffer.data(), buffer.size());
+    take(read(connection->fd, buffer.data(), buffer.size()), connection, onFrame);
+}
+
+/// Most peers have sent their request before their connection is accepted: a look saves waiting for the source.
+void RelayListener::State::readEarly(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
+    const auto count = recv(connection->fd, buffer.data(), buffer.size(), MSG_DONTWAIT);
+    if (count >= 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
+        take(count, connection, onFrame);
+    }
+}
+
+/// What a read into the buffer has given: bytes, the stream's end (0) or a failure (-1).
+void RelayListener::State::take(ssize_t count, const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
     if (count <= 0) {
-        drop(*connection);
+        connection->source.cancel();
         return;
     }
     std::vector<std::string> payloads;
@@ -277,16 +298,10 @@ void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connectio
             return;
         }
     } catch (const NativeMessageFrame::DecodeError&) {
-        drop(*connection);
+        connection->source.cancel();
         return;
     }
-    pending.erase(connection->fd);
     onFrame(std::move(payloads.front()), replyFor(connection));
-}
-
-void RelayListener::State::drop(Connection& connection) {
-    pending.erase(connection.fd);
-    connection.source.cancel();
 }
 
 RelayListener::Reply RelayListener::State::replyFor(const std::shared_ptr<Connection>& connection) {
@@ -300,7 +315,7 @@ RelayListener::Reply RelayListener::State::replyFor(const std::shared_ptr<Connec
             if (!listener || connection->source.isCancelled()) {
                 return;
             }
-            writeAll(connection->fd, NativeMessageFrame::encode(payload));
+            sendFrame(connection->fd, payload);
             connection->source.cancel();
         });
     };

@@ -8,11 +8,11 @@
 #include "Platform/Foundation/FatalError.h"
 #include "Platform/POSIX/UnixSocket.h"
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <memory>
 
 #include <cerrno>
 #include <sys/socket.h>
@@ -64,9 +64,9 @@ std::optional<std::string> RelaySocketClient::readFrame(double timeout) const {
     const timeval limit = timevalOf(timeout);
     setsockopt(fd_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
     FrameDecoder decoder;
-    const auto buffer = std::make_unique_for_overwrite<char[]>(readSize);
+    std::array<char, readSize> buffer; // filled by each read
     for (;;) {
-        const auto count = read(fd_, buffer.get(), readSize);
+        const auto count = read(fd_, buffer.data(), buffer.size());
         if (count < 0 && errno == EINTR) {
             continue;
         }
@@ -74,7 +74,7 @@ std::optional<std::string> RelaySocketClient::readFrame(double timeout) const {
             return std::nullopt;
         }
         try {
-            auto payloads = decoder.append({buffer.get(), static_cast<std::size_t>(count)});
+            auto payloads = decoder.append({buffer.data(), static_cast<std::size_t>(count)});
             if (!payloads.empty()) {
                 return std::move(payloads.front());
             }

@@ -198,9 +198,11 @@ TEST_F(SystemCallTest, anInterruptedReadOfTheListenerEndsTheConnection) {
         return count == 65'536 && ++calls == 1 ? SystemCalls::failure(EINTR) : std::nullopt;
     };
     {
-        const Intercepted intercepted(system);
         RawPeer peer(path);
-        ASSERT_TRUE(peer.send(frame("x")));
+        // Answered in order: by now the peer has been accepted as well.
+        EXPECT_EQ(ask(path, "x"), "echo x");
+        const Intercepted intercepted(system);
+        ASSERT_TRUE(peer.send(frame("y")));
         EXPECT_EQ(peer.receiveAll(), "");
         EXPECT_EQ(calls, 1) << "it is not repeated";
     }
@@ -219,6 +221,7 @@ TEST_F(SystemCallTest, aPeerWhoseUserCannotBeToldIsRefusedUnread) {
             reads += count == 65'536 ? 1 : 0;
             return std::nullopt;
         };
+        system.recv = system.read;
         const Intercepted intercepted(system);
         RawPeer peer(path);
         peer.send(frame("x"));
@@ -246,6 +249,7 @@ TEST_F(SystemCallTest, aPeerOfAnotherUserIsRefusedUnread) {
             reads += count == 65'536 ? 1 : 0;
             return std::nullopt;
         };
+        system.recv = system.read;
         const Intercepted intercepted(system);
         RawPeer peer(path);
         peer.send(frame("x"));
@@ -376,9 +380,13 @@ TEST_F(SystemCallTest, addressesHaveTheirFullLength) {
     EXPECT_EQ(lengths, (std::vector<socklen_t>{sizeof(sockaddr_un), sizeof(sockaddr_un)}));
 }
 
-TEST_F(SystemCallTest, aConnectionsWritesMayWaitThreeSecondsAndItsReadsForEver) {
+TEST_F(SystemCallTest, aReplyMayWaitThreeSecondsAndARequestForEver) {
     std::vector<std::pair<int, timeval>> options;
     std::mutex guard;
+    const auto observed = [&] {
+        const std::lock_guard lock(guard);
+        return options;
+    };
     SystemCalls system;
     system.setsockopt = [&](int level, int option, const void* value) -> SystemCalls::Maybe {
         const std::lock_guard lock(guard);
@@ -388,14 +396,19 @@ TEST_F(SystemCallTest, aConnectionsWritesMayWaitThreeSecondsAndItsReadsForEver) 
     };
     startKeeping();
     const Intercepted intercepted(system);
-    const RawPeer peer(path);
-    ASSERT_TRUE(peer.send(frame("x")));
+    const auto client = RelaySocketClient::connect(path);
+    client.writeFrame("x");
     ASSERT_TRUE(requests.wait());
-    const std::lock_guard lock(guard);
-    ASSERT_EQ(options.size(), 1U);
-    EXPECT_EQ(options[0].first, SO_SNDTIMEO);
-    EXPECT_EQ(options[0].second.tv_sec, 3);
-    EXPECT_EQ(options[0].second.tv_usec, 0);
+    EXPECT_TRUE(observed().empty());
+    // More than is taken at once: the listener has to wait for its reader.
+    keptReply(0)(std::string(1 << 20, 'r'));
+    ASSERT_TRUE(eventually([&] { return !observed().empty(); }));
+    ASSERT_EQ(observed().size(), 1U);
+    EXPECT_EQ(observed()[0].first, SO_SNDTIMEO);
+    EXPECT_EQ(observed()[0].second.tv_sec, 3);
+    EXPECT_EQ(observed()[0].second.tv_usec, 0);
+    EXPECT_EQ(client.readFrame(longWait), std::string(1 << 20, 'r'));
+    client.close();
 }
 
 TEST_F(SystemCallTest, theClientsTimeoutIsCutToMicroseconds) {

@@ -9,6 +9,7 @@
 extern "C" {
 ssize_t __real_send(int descriptor, const void* bytes, size_t count, int flags);
 ssize_t __real_read(int descriptor, void* bytes, size_t count);
+ssize_t __real_recv(int descriptor, void* bytes, size_t count, int flags);
 int __real_accept4(int descriptor, sockaddr* address, socklen_t* length, int flags);
 int __real_socket(int domain, int type, int protocol);
 int __real_bind(int descriptor, const sockaddr* address, socklen_t length);
@@ -71,6 +72,12 @@ ssize_t __wrap_send(int descriptor, const void* bytes, size_t count, int flags) 
 ssize_t __wrap_read(int descriptor, void* bytes, size_t count) {
     ssize_t result = 0;
     return answered(&SystemCalls::read, result, descriptor, count) ? result : __real_read(descriptor, bytes, count);
+}
+
+ssize_t __wrap_recv(int descriptor, void* bytes, size_t count, int flags) {
+    ssize_t result = 0;
+    return answered(&SystemCalls::recv, result, descriptor, count) ? result
+                                                                   : __real_recv(descriptor, bytes, count, flags);
 }
 
 int __wrap_accept4(int descriptor, sockaddr* address, socklen_t* length, int flags) {

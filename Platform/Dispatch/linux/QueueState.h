@@ -5,15 +5,16 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include <poll.h>
@@ -54,6 +55,10 @@ struct ReadSource::State {
 
     Place place = Place::nowhere;
     std::uint64_t lastFired = 0;
+
+    static constexpr std::size_t notListed = std::numeric_limits<std::size_t>::max();
+    /// Where it stands in the queue's list; guarded by the queue's mutex.
+    std::size_t index = notListed;
 };
 
 /// A queue's inner life: its thread and everything handed over to it.
@@ -84,10 +89,10 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
 private:
     void wakeIfAsleep();
     void run();
-    bool runWork();
-    void applyChanges();
-    void apply(const std::shared_ptr<SourceState>& source);
-    void retire(const std::shared_ptr<SourceState>& source);
+    void takeTurn();
+    void takeOver();
+    void removeFromList(SourceState& source);
+    static void retire(SourceState& source);
     void watch(const std::shared_ptr<SourceState>& source);
     void unwatch(const std::shared_ptr<SourceState>& source);
     void makeRoom();
@@ -101,16 +106,18 @@ private:
     std::vector<Work> work_;
     std::multimap<Clock::time_point, Work> delayed_;
     std::vector<std::shared_ptr<SourceState>> changed_;
-    std::unordered_set<std::shared_ptr<SourceState>> sources_;
-    bool asleep_ = false;
+    std::vector<std::shared_ptr<SourceState>> sources_;
     bool ended_ = false;
 
+    /// Whether the thread waits, or is about to, and must be woken. Set with the mutex held.
+    std::atomic<bool> asleep_ = false;
     std::thread thread_;
     OwnedDescriptor wake_;
     // The queue's thread's own.
     OwnedDescriptor overflow_;
     std::vector<Work> running_;
     std::vector<std::shared_ptr<SourceState>> changing_;
+    std::vector<std::shared_ptr<SourceState>> retiring_;
     std::vector<pollfd> polled_;
     std::vector<std::shared_ptr<SourceState>> polledSources_;
     std::unordered_map<const SourceState*, std::shared_ptr<SourceState>> overflowSources_;

@@ -92,7 +92,7 @@ void SerialQueue::State::start() {
 }
 
 void SerialQueue::State::wakeIfAsleep() {
-    if (std::exchange(asleep_, false)) {
+    if (asleep_.exchange(false)) {
         const std::uint64_t one = 1;
         // It cannot fail: the counter is read before it could run full.
         [[maybe_unused]] const auto written = write(wake_.get(), &one, sizeof one);
@@ -113,7 +113,8 @@ void SerialQueue::State::enqueueAt(Clock::time_point due, Work item) {
 
 void SerialQueue::State::add(const std::shared_ptr<SourceState>& source) {
     const std::lock_guard lock(mutex_);
-    sources_.insert(source);
+    source->index = sources_.size();
+    sources_.push_back(source);
 }
 
 void SerialQueue::State::sourceChanged(const std::shared_ptr<SourceState>& source) {
@@ -144,47 +145,71 @@ void SerialQueue::State::run() {
     currentQueue = this;
     nameThread(label);
     for (;;) {
-        applyChanges();
-        const bool more = runWork();
-        if (more) {
-            wait(0);
-        } else {
-            const int milliseconds = waitMilliseconds();
-            if (milliseconds == std::numeric_limits<int>::min()) {
-                return;
-            }
-            wait(milliseconds);
+        takeTurn();
+        const int milliseconds = waitMilliseconds();
+        if (milliseconds == std::numeric_limits<int>::min()) {
+            return;
         }
+        wait(milliseconds);
         for (const auto& source : ready_) {
             fire(source);
             // What the handler handed over (a reply, mostly) goes before the next handler.
-            runWork();
+            takeTurn();
         }
         ready_.clear();
     }
 }
 
-/// Runs what has been handed over by now; tells whether there is more to do at once.
-bool SerialQueue::State::runWork() {
-    {
-        const std::lock_guard lock(mutex_);
-        if (!delayed_.empty()) {
-            const auto now = Clock::now();
-            while (!delayed_.empty() && delayed_.begin()->first <= now) {
-                work_.push_back(std::move(delayed_.begin()->second));
-                delayed_.erase(delayed_.begin());
-            }
+/// Runs what has been handed over by now, and then the cancel handlers of sources cancelled by now.
+void SerialQueue::State::takeTurn() {
+    takeOver();
+    for (const auto& source : changing_) {
+        if (source->wanted && !source->cancelled) {
+            watch(source);
+        } else {
+            unwatch(source);
         }
-        running_.swap(work_);
     }
+    changing_.clear();
     for (auto& item : running_) {
         item();
         // Released here and now, as the next item may count on it.
         item = nullptr;
     }
     running_.clear();
+    for (const auto& source : retiring_) {
+        retire(*source);
+    }
+    retiring_.clear();
+}
+
+/// The one look at what other threads see.
+void SerialQueue::State::takeOver() {
     const std::lock_guard lock(mutex_);
-    return !work_.empty() || !changed_.empty();
+    if (!delayed_.empty()) {
+        const auto now = Clock::now();
+        while (!delayed_.empty() && delayed_.begin()->first <= now) {
+            work_.push_back(std::move(delayed_.begin()->second));
+            delayed_.erase(delayed_.begin());
+        }
+    }
+    running_.swap(work_);
+    changing_.swap(changed_);
+    for (const auto& source : changing_) {
+        if (source->cancelled && source->index != SourceState::notListed) {
+            removeFromList(*source);
+            retiring_.push_back(source);
+        }
+    }
+}
+
+void SerialQueue::State::removeFromList(SourceState& source) {
+    const auto index = std::exchange(source.index, SourceState::notListed);
+    if (index + 1 != sources_.size()) {
+        sources_[index] = std::move(sources_.back());
+        sources_[index]->index = index;
+    }
+    sources_.pop_back();
 }
 
 /// How long there is nothing to do: no limit (-1), some time, or for good (the least integer).
@@ -204,38 +229,12 @@ int SerialQueue::State::waitMilliseconds() {
     return static_cast<int>(std::clamp<decltype(left)>(left, 0, std::numeric_limits<int>::max()));
 }
 
-void SerialQueue::State::applyChanges() {
-    {
-        const std::lock_guard lock(mutex_);
-        changing_.swap(changed_);
+void SerialQueue::State::retire(SourceState& source) {
+    if (source.cancelHandler) {
+        source.cancelHandler();
     }
-    for (const auto& source : changing_) {
-        apply(source);
-    }
-    changing_.clear();
-}
-
-void SerialQueue::State::apply(const std::shared_ptr<SourceState>& source) {
-    const bool cancelled = source->cancelled;
-    if (!cancelled && source->wanted) {
-        watch(source);
-        return;
-    }
-    unwatch(source);
-    if (cancelled) {
-        const std::lock_guard lock(mutex_);
-        if (sources_.erase(source) != 0) {
-            work_.emplace_back([this, source] { retire(source); });
-        }
-    }
-}
-
-void SerialQueue::State::retire(const std::shared_ptr<SourceState>& source) {
-    if (source->cancelHandler) {
-        source->cancelHandler();
-    }
-    source->eventHandler = nullptr;
-    source->cancelHandler = nullptr;
+    source.eventHandler = nullptr;
+    source.cancelHandler = nullptr;
 }
 
 void SerialQueue::State::watch(const std::shared_ptr<SourceState>& source) {
@@ -294,10 +293,7 @@ void SerialQueue::State::wait(int milliseconds) {
     if (count < 0 && errno != EINTR) {
         stopOnError("poll", errno);
     }
-    if (milliseconds != 0) {
-        const std::lock_guard lock(mutex_);
-        asleep_ = false;
-    }
+    asleep_ = false;
     if (count <= 0) {
         return;
     }
