@@ -1,8 +1,9 @@
-// A whole exchange through the relay (connect, request, reply, close) beside the same bytes in plain system calls.
+// A whole exchange through the relay (connect, request, reply, close) beside the same bytes in plain system
+// calls.
 //
-// Both servers run in processes of their own; the client, in this one, turns from one to the other in short blocks,
-// so that whatever else the machine does meets both alike. Prints medians, 99th percentiles, exchanges a second and
-// their ratios.
+// Both servers run in processes of their own; the client, in this one, turns from one to the other in short
+// blocks, so that whatever else the machine does meets both alike. Prints medians, 99th percentiles,
+// exchanges a second and their ratios.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -10,6 +11,13 @@
 #include "KeyloftCore/RelayProtocol.h"
 #include "KeyloftCore/RelaySocketClient.h"
 #include "Platform/Foundation/JSON.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -28,13 +36,6 @@
 #include <utility>
 #include <vector>
 
-#include <fcntl.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -50,9 +51,10 @@ std::string confirmMessage() {
 }
 
 KeyloftCore::AuthorizeRequest pendingRequest() {
-    const auto url = "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example/callback/of/some/"
-                     "length&state=" +
-                     std::string(150, 's');
+    const auto url =
+        "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example/callback/of/some/"
+        "length&state=" +
+        std::string(150, 's');
     return {*Platform::URL::fromString(url), std::string(nonce)};
 }
 
@@ -219,7 +221,8 @@ void timeEach(Contender& contender, int count) {
     for (int turn = 0; turn < count; ++turn) {
         const auto begin = Clock::now();
         contender.exchange();
-        contender.microseconds.push_back(std::chrono::duration<double, std::micro>(Clock::now() - begin).count());
+        contender.microseconds.push_back(
+            std::chrono::duration<double, std::micro>(Clock::now() - begin).count());
     }
     contender.serverMicroseconds += contender.server->processorMicroseconds() - before;
 }
@@ -272,8 +275,7 @@ int main(int argc, char** argv) {
         const ServerProcess bare(
             [&](const auto& ready) { serveBare(barePath, requestFrame, replyFrame, ready); });
         const ServerProcess relay([&](const auto& ready) {
-            serveRelay(
-                relayPath, [&](const std::string&, const auto& answer) { answer(reply); }, ready);
+            serveRelay(relayPath, [&](const std::string&, const auto& answer) { answer(reply); }, ready);
         });
         const ServerProcess host([&](const auto& ready) {
             serveRelay(
@@ -322,17 +324,20 @@ int main(int argc, char** argv) {
                 contender.perSecondAlone.push_back(perSecond(contender, 1, std::chrono::milliseconds(150)));
             }
             for (auto& contender : contenders) {
-                contender.perSecondTogether.push_back(perSecond(contender, 8, std::chrono::milliseconds(150)));
+                contender.perSecondTogether.push_back(
+                    perSecond(contender, 8, std::chrono::milliseconds(150)));
             }
         }
 
         std::printf("request %zu bytes, reply %zu bytes, %zu exchanges each\n", request.size(), reply.size(),
                     contenders[0].microseconds.size());
-        std::printf("%-24s %18s %18s %18s %18s %18s\n", "", "median us", "p99 us", "server's CPU us", "1 client /s",
-                    "8 clients /s");
+        std::printf("%-24s %18s %18s %18s %18s %18s\n", "", "median us", "p99 us", "server's CPU us",
+                    "1 client /s", "8 clients /s");
         const auto& floor = contenders[0];
         for (const auto& contender : contenders) {
-            const auto cell = [&](double value, double base) { std::printf(" %10.1f (x%.2f)", value, value / base); };
+            const auto cell = [&](double value, double base) {
+                std::printf(" %10.1f (x%.2f)", value, value / base);
+            };
             std::printf("%-24s", contender.name);
             cell(percentile(contender.microseconds, 0.5), percentile(floor.microseconds, 0.5));
             cell(percentile(contender.microseconds, 0.99), percentile(floor.microseconds, 0.99));

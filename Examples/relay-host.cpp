@@ -2,8 +2,8 @@
 //
 //   relay-host [AUTHORIZE-URL]
 //
-// Prints the relay URL, which a browser would open, listens on the first relay path whose directory can be made, and
-// ends once a peer (see relay-peer) has handed in a result that belongs to the request.
+// Prints the relay URL, which a browser would open, listens on the first relay path whose directory can be
+// made, and ends once a peer (see relay-peer) has handed in a result that belongs to the request.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/HostError.h"
@@ -29,8 +29,9 @@ namespace {
 
 using namespace KeyloftCore;
 
-constexpr auto exampleURL = "https://appleid.apple.com/auth/authorize?client_id=com.example.client"
-                            "&redirect_uri=https%3A%2F%2Fclient.example%2Fcallback&response_type=code&state=example";
+constexpr auto exampleURL =
+    "https://appleid.apple.com/auth/authorize?client_id=com.example.client"
+    "&redirect_uri=https%3A%2F%2Fclient.example%2Fcallback&response_type=code&state=example";
 
 std::optional<AuthorizeRequest> requestFor(const std::string& text) {
     const auto url = Platform::URL::fromString(text);

@@ -2,8 +2,9 @@
 //
 //   relay-peer RELAY-URL [NAME=VALUE]...
 //
-// Reads the relay target from the URL's fragment, asks the waiting host (see relay-host) whether the target is its own,
-// and if so relays the parameters given, "code=example" by default. The target's state is added by itself.
+// Reads the relay target from the URL's fragment, asks the waiting host (see relay-host) whether the target
+// is its own, and if so relays the parameters given, "code=example" by default. The target's state is added
+// by itself.
 
 #include "KeyloftCore/RelaySocketClient.h"
 #include "KeyloftCore/RelaySocketError.h"
@@ -100,9 +101,8 @@ int main(int argc, char** argv) {
         params.emplace("code", "example");
     }
 
-    JSONValue::Object confirm{{"type", "confirm"},
-                              {"redirectUri", target->redirectURI.absoluteString()},
-                              {"nonce", target->nonce}};
+    JSONValue::Object confirm{
+        {"type", "confirm"}, {"redirectUri", target->redirectURI.absoluteString()}, {"nonce", target->nonce}};
     if (target->state) {
         confirm.emplace("state", *target->state);
         params.emplace("state", *target->state);

@@ -16,7 +16,8 @@ constexpr std::string_view authorizePath = "/auth/authorize";
 using QueryItems = std::vector<Platform::URLQueryItem>;
 
 bool isAuthorizeURL(const Platform::URL& url) {
-    return url.scheme() == "https" && url.host() == AuthorizeRequest::authorizationHost && url.path() == authorizePath;
+    return url.scheme() == "https" && url.host() == AuthorizeRequest::authorizationHost &&
+           url.path() == authorizePath;
 }
 
 /// The first item of that name decides, even if it has no value.
@@ -63,8 +64,8 @@ std::string_view portText(const Platform::URL& url) {
     return colon == std::string_view::npos ? std::string_view() : rest.substr(colon + 1);
 }
 
-/// What `url` reaches, or nothing where that cannot be told: a port beyond an integer would else count as the scheme's
-/// own, and a path that is no UTF-8, which decodes to an empty one, as the root.
+/// What `url` reaches, or nothing where that cannot be told: a port beyond an integer would else count as the
+/// scheme's own, and a path that is no UTF-8, which decodes to an empty one, as the root.
 struct Endpoint {
     std::optional<std::string> scheme;
     std::optional<std::string> host;

@@ -12,7 +12,8 @@
 
 namespace KeyloftCore {
 
-/// A validated Sign in with Apple authorize URL that waits for its result. A plain value, never changed once made.
+/// A validated Sign in with Apple authorize URL that waits for its result. A plain value, never changed once
+/// made.
 ///
 /// All comparisons are of bytes: no case folding, no canonical equivalence.
 class AuthorizeRequest {
@@ -20,8 +21,8 @@ public:
     /// The one host that serves authorize URLs.
     static constexpr std::string_view authorizationHost = "appleid.apple.com";
 
-    /// Validates `url` and reads its query's first "redirect_uri", "response_mode" and "state". `relayNonce` is taken
-    /// as it is.
+    /// Validates `url` and reads its query's first "redirect_uri", "response_mode" and "state". `relayNonce`
+    /// is taken as it is.
     ///
     /// Throws HostError::badRequest: first where the URL is not https on the authorization host with the path
     /// "/auth/authorize", then where "redirect_uri" is missing or not an https URL.
@@ -36,9 +37,9 @@ public:
     const std::optional<std::string>& state() const { return state_; }
     const std::string& relayNonce() const { return relayNonce_; }
 
-    /// Whether `url` goes to the redirect URI: same scheme, host, effective port and path, where an empty path is "/".
-    /// Query, fragment and credentials are not looked at. A path that decodes to no UTF-8, and a port too large for an
-    /// integer, match nothing.
+    /// Whether `url` goes to the redirect URI: same scheme, host, effective port and path, where an empty
+    /// path is "/". Query, fragment and credentials are not looked at. A path that decodes to no UTF-8, and a
+    /// port too large for an integer, match nothing.
     bool matchesRedirect(const Platform::URL& url) const;
 
     /// Whether `value` is there, is a string and is this request's nonce. Null is no value.
@@ -46,8 +47,8 @@ public:
 
     RelayTarget relayTarget() const;
 
-    /// The authorize URL for the relay: the first "response_mode" turned into "form_post" (or that appended), and the
-    /// relay target as its fragment. Everything else is kept as it was encoded.
+    /// The authorize URL for the relay: the first "response_mode" turned into "form_post" (or that appended),
+    /// and the relay target as its fragment. Everything else is kept as it was encoded.
     Platform::URL safariRelayURL() const;
 
     /// The port that `url` reaches: its own, else 443 for "https" and 80 for "http", else none.

@@ -9,9 +9,9 @@ namespace KeyloftCore {
 
 namespace {
 
-/// How far memory may run ahead of the bytes received: far enough for a large frame read in large chunks to be
-/// placed once, not so far that a bare prefix could cost a mebibyte.
-constexpr std::size_t growthFactor = 16;
+/// How far memory may run ahead of the bytes received: far enough for a large frame read in large chunks to
+/// be placed once, not so far that a bare prefix could cost a mebibyte.
+constexpr std::size_t growthFactor = 32;
 
 } // namespace
 

@@ -9,18 +9,19 @@
 
 namespace KeyloftCore {
 
-/// Turns received chunks, cut anywhere, back into the payloads of whole frames. One decoder serves one connection.
+/// Turns received chunks, cut anywhere, back into the payloads of whole frames. One decoder serves one
+/// connection.
 ///
-/// A plain value: a copy continues on its own. Each byte is copied once on its way into its payload, however many
-/// chunks or frames there are, and memory is taken only for lengths within the limit, never much ahead of the bytes
-/// that have really arrived.
+/// A plain value: a copy continues on its own. Each byte is copied once on its way into its payload, however
+/// many chunks or frames there are, and memory is taken only for lengths within the limit, never much ahead
+/// of the bytes that have really arrived.
 class FrameDecoder {
 public:
     /// Takes `chunk` and returns, in order, every payload that is now complete.
     ///
-    /// Throws NativeMessageFrame::DecodeError as soon as a prefix beyond the limit is complete. The payloads completed
-    /// in that very call are lost with it, and every later call throws the same again: the stream cannot be trusted
-    /// to be at a frame's beginning ever after.
+    /// Throws NativeMessageFrame::DecodeError as soon as a prefix beyond the limit is complete. The payloads
+    /// completed in that very call are lost with it, and every later call throws the same again: the stream
+    /// cannot be trusted to be at a frame's beginning ever after.
     std::vector<std::string> append(std::string_view chunk);
 
 private:

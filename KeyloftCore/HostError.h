@@ -6,7 +6,8 @@
 
 namespace KeyloftCore {
 
-/// Why an authorization could not be begun or completed. `code` and `message` are what a host tells its caller.
+/// Why an authorization could not be begun or completed. `code` and `message` are what a host tells its
+/// caller.
 class HostError : public std::exception {
 public:
     enum class Case {

@@ -3,9 +3,9 @@
 #include "Platform/Foundation/Characters.h"
 #include "Platform/POSIX/UnixSocket.h"
 
-#include <cstddef>
-
 #include <unistd.h>
+
+#include <cstddef>
 
 namespace KeyloftCore {
 
@@ -20,7 +20,8 @@ void log(std::string_view message) {
     std::string line(message);
     line.push_back('\n');
     // A reader of the log that has gone must not take the process with it.
-    [[maybe_unused]] const auto written = Platform::writeWithoutSignal(STDERR_FILENO, line.data(), line.size());
+    [[maybe_unused]] const auto written =
+        Platform::writeWithoutSignal(STDERR_FILENO, line.data(), line.size());
 }
 
 std::string redact(std::string_view value) {

@@ -8,8 +8,8 @@
 
 namespace KeyloftCore {
 
-/// How messages travel over the relay socket: a 4-byte little-endian count of payload bytes, then the payload. Frames
-/// follow each other directly; an empty payload is a frame too.
+/// How messages travel over the relay socket: a 4-byte little-endian count of payload bytes, then the
+/// payload. Frames follow each other directly; an empty payload is a frame too.
 struct NativeMessageFrame {
     NativeMessageFrame() = delete;
 

@@ -9,19 +9,19 @@
 #include "Platform/Foundation/FileManager.h"
 #include "Platform/POSIX/UnixSocket.h"
 
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <utility>
 #include <vector>
-
-#include <cerrno>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace KeyloftCore {
 
@@ -65,12 +65,14 @@ std::string deletingLastPathComponent(std::string path) {
     return path;
 }
 
-/// Whether accepting failed because the process or the system has run out of something. The connection still waits
-/// then, and would be announced again at once and for ever.
-bool isShortage(int error) { return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM; }
+/// Whether accepting failed because the process or the system has run out of something. The connection still
+/// waits then, and would be announced again at once and for ever.
+bool isShortage(int error) {
+    return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+}
 
-/// Writes one frame, or gives the peer up. Nearly every reply is taken at once, so the time-out is set for those that
-/// are not.
+/// Writes one frame, or gives the peer up. Nearly every reply is taken at once, so the time-out is set for
+/// those that are not.
 void sendFrame(int fd, std::string_view payload) {
     const auto frame = NativeMessageFrame::encode(payload);
     const auto taken = Platform::writeAtOnce(fd, frame.data(), frame.size());
@@ -93,7 +95,8 @@ struct Connection {
 
 } // namespace
 
-/// What the callbacks hold (weakly) in the listener's place, so that none of them ever holds its last reference.
+/// What the callbacks hold (weakly) in the listener's place, so that none of them ever holds its last
+/// reference.
 struct RelayListener::State : std::enable_shared_from_this<RelayListener::State> {
     void listen(const std::string& path, OnFrame onFrame);
     void stop();
@@ -133,7 +136,9 @@ RelayListener::~RelayListener() {
     }
 }
 
-void RelayListener::listen(const std::string& path, OnFrame onFrame) { state_->listen(path, std::move(onFrame)); }
+void RelayListener::listen(const std::string& path, OnFrame onFrame) {
+    state_->listen(path, std::move(onFrame));
+}
 
 void RelayListener::close() {
     state_->queue.sync([this] { state_->stop(); });
@@ -252,7 +257,8 @@ void RelayListener::State::resumeAccepting() {
 void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame) {
     const auto connection = std::make_shared<Connection>(queue, connectionDescriptor);
     const auto weak = weak_from_this();
-    // The listener's list alone owns the connection; a reply that is kept for long keeps its memory, nothing else.
+    // The listener's list alone owns the connection; a reply that is kept for long keeps its memory, nothing
+    // else.
     const std::weak_ptr<Connection> weakConnection = connection;
     connection->source.setEventHandler([weak, weakConnection, onFrame] {
         const auto self = weak.lock();
@@ -277,7 +283,8 @@ void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connectio
     take(read(connection->fd, buffer.data(), buffer.size()), connection, onFrame);
 }
 
-/// Most peers have sent their request before their connection is accepted: a look saves waiting for the source.
+/// Most peers have sent their request before their connection is accepted: a look saves waiting for the
+/// source.
 void RelayListener::State::readEarly(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
     const auto count = recv(connection->fd, buffer.data(), buffer.size(), MSG_DONTWAIT);
     if (count >= 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
@@ -286,7 +293,8 @@ void RelayListener::State::readEarly(const std::shared_ptr<Connection>& connecti
 }
 
 /// What a read into the buffer has given: bytes, the stream's end (0) or a failure (-1).
-void RelayListener::State::take(ssize_t count, const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
+void RelayListener::State::take(ssize_t count, const std::shared_ptr<Connection>& connection,
+                                const OnFrame& onFrame) {
     if (count <= 0) {
         connection->source.cancel();
         return;

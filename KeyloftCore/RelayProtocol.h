@@ -54,7 +54,8 @@ struct RelayProtocol {
         std::variant<Confirm, Ack, Error> value_;
     };
 
-    /// Answers the message that `data` holds in JSON, whatever it is. Why a message was refused is kept from the peer.
+    /// Answers the message that `data` holds in JSON, whatever it is. Why a message was refused is kept from
+    /// the peer.
     static Reply reply(std::string_view data, const AuthorizeRequest& request);
 };
 

@@ -81,7 +81,9 @@ AuthResult RelayResult::parseMessage(const Platform::JSONValue& message, const A
     if (!request.matchesNonce(message.member("nonce"))) {
         throw ParseError(Case::nonceMismatch);
     }
-    return {.responseMode = request.responseMode(), .redirectURI = request.redirectURI(), .params = *std::move(params)};
+    return {.responseMode = request.responseMode(),
+            .redirectURI = request.redirectURI(),
+            .params = *std::move(params)};
 }
 
 } // namespace KeyloftCore

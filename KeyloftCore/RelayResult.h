@@ -31,7 +31,9 @@ struct RelayResult {
         /// The case's name.
         const char* what() const noexcept override;
 
-        friend bool operator==(const ParseError& left, const ParseError& right) { return left.kind_ == right.kind_; }
+        friend bool operator==(const ParseError& left, const ParseError& right) {
+            return left.kind_ == right.kind_;
+        }
 
     private:
         Case kind_;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string_view>
-
 #include <sys/un.h>
+
+#include <string_view>
 
 namespace KeyloftCore {
 

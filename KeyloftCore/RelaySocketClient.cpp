@@ -8,16 +8,16 @@
 #include "Platform/Foundation/FatalError.h"
 #include "Platform/POSIX/UnixSocket.h"
 
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-
-#include <cerrno>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <unistd.h>
 
 namespace KeyloftCore {
 
@@ -34,7 +34,8 @@ timeval timevalOf(double seconds) {
     if (!std::isfinite(seconds) || whole >= limit || whole < -limit) {
         Platform::fatalError("a relay time-out that is not finite or too large");
     }
-    return {.tv_sec = static_cast<Seconds>(whole), .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};
+    return {.tv_sec = static_cast<Seconds>(whole),
+            .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};
 }
 
 } // namespace

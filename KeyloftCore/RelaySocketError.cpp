@@ -11,7 +11,8 @@ RelaySocketError::RelaySocketError(Case kind, std::string_view call, std::int32_
     , text_(std::move(text)) {}
 
 RelaySocketError RelaySocketError::syscall(std::string_view call, std::int32_t code) {
-    return {Case::syscall, call, code, "syscall(\"" + std::string(call) + "\", " + std::to_string(code) + ")"};
+    return {Case::syscall, call, code,
+            "syscall(\"" + std::string(call) + "\", " + std::to_string(code) + ")"};
 }
 
 RelaySocketError RelaySocketError::pathTooLong() { return {Case::pathTooLong, "", 0, "pathTooLong"}; }

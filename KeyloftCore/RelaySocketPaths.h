@@ -16,8 +16,8 @@ struct RelaySocketPaths {
     static constexpr std::string_view appexBundleID = "velde.orvane.keyloft.relay.Extension";
 
     /// The absolute socket paths under the user's home directory, best first: the group's container, then the
-    /// extension's cache directory. Nothing is created, looked for or checked, the length included. Listen on the
-    /// first whose directory can be made; connect to the first that accepts.
+    /// extension's cache directory. Nothing is created, looked for or checked, the length included. Listen on
+    /// the first whose directory can be made; connect to the first that accepts.
     static std::vector<std::string> candidates();
 };
 

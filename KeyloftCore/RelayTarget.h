@@ -9,8 +9,8 @@
 
 namespace KeyloftCore {
 
-/// Where an authorization's result must go, and what proves that it belongs to the request. It travels in the relay
-/// URL's fragment. A plain value.
+/// Where an authorization's result must go, and what proves that it belongs to the request. It travels in the
+/// relay URL's fragment. A plain value.
 struct RelayTarget {
     /// The name in front of the encoded target.
     static constexpr std::string_view fragmentKey = "keyloft";
@@ -23,12 +23,13 @@ struct RelayTarget {
     std::optional<std::string> state;
     std::string nonce;
 
-    /// The fragment's text, without "#". Nothing is checked: what breaks the reader's rules is written all the same.
+    /// The fragment's text, without "#". Nothing is checked: what breaks the reader's rules is written all
+    /// the same.
     std::string fragment() const;
 
-    /// The target of a fragment's text, or nothing if anything is wrong with it: the redirect URI must be https, on
-    /// a host that is not the provider's and without credentials; the nonce must have a nonce's form; a state must be
-    /// a string within the limit.
+    /// The target of a fragment's text, or nothing if anything is wrong with it: the redirect URI must be
+    /// https, on a host that is not the provider's and without credentials; the nonce must have a nonce's
+    /// form; a state must be a string within the limit.
     static std::optional<RelayTarget> fromFragment(std::string_view fragment);
 
     /// A fresh nonce from the system's secure random source. Stops the process if that fails.

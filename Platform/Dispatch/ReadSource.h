@@ -7,17 +7,17 @@ namespace Platform {
 
 class SerialQueue;
 
-/// Calls back on a queue for as long as a descriptor has something to be read: bytes, a waiting connection, the end of
-/// the stream or an error.
+/// Calls back on a queue for as long as a descriptor has something to be read: bytes, a waiting connection,
+/// the end of the stream or an error.
 ///
-/// The descriptor is one that can be waited for (a socket, a pipe, a terminal), and has one source at a time. It stays
-/// its owner's, who must keep it open until the cancel handler runs, or until `cancel` returns on the source's own
-/// queue. A descriptor closed earlier stops the process where it is noticed.
+/// The descriptor is one that can be waited for (a socket, a pipe, a terminal), and has one source at a time.
+/// It stays its owner's, who must keep it open until the cancel handler runs, or until `cancel` returns on
+/// the source's own queue. A descriptor closed earlier stops the process where it is noticed.
 ///
-/// A new source waits for `resume`. Cancelling is asynchronous: it does not interrupt a running event handler, but no
-/// event handler starts any more after the cancel handler, which is called exactly once, on the queue. Then
-/// both handlers are released, there too. Every operation may be called from any thread, also from the source's own
-/// handlers, and none is harmful twice. Handlers must not throw.
+/// A new source waits for `resume`. Cancelling is asynchronous: it does not interrupt a running event
+/// handler, but no event handler starts any more after the cancel handler, which is called exactly once, on
+/// the queue. Then both handlers are released, there too. Every operation may be called from any thread, also
+/// from the source's own handlers, and none is harmful twice. Handlers must not throw.
 class ReadSource {
 public:
     using Handler = std::function<void()>;

@@ -9,13 +9,15 @@ namespace Platform {
 
 class ReadSource;
 
-/// Runs work one item at a time, in the order in which it was handed over, on a thread that is not the caller's.
+/// Runs work one item at a time, in the order in which it was handed over, on a thread that is not the
+/// caller's.
 ///
 /// Every operation may be called from any thread, unless it says otherwise. Work must not throw.
 ///
-/// Destroying a queue ends it: work that was handed over by then is still run, work that is not yet due is dropped,
-/// and read sources that are not cancelled are cancelled, their cancel handlers included. The destructor waits for all
-/// this, except on the queue itself, where it returns at once and the rest follows after the present item.
+/// Destroying a queue ends it: work that was handed over by then is still run, work that is not yet due is
+/// dropped, and read sources that are not cancelled are cancelled, their cancel handlers included. The
+/// destructor waits for all this, except on the queue itself, where it returns at once and the rest follows
+/// after the present item.
 class SerialQueue {
 public:
     using Work = std::function<void()>;
@@ -35,8 +37,8 @@ public:
     /// Hands `work` over once `delay` has passed.
     void asyncAfter(std::chrono::milliseconds delay, Work work);
 
-    /// Hands `work` over and returns once it has run. On the queue itself that could never happen: such a call stops
-    /// the process with a message.
+    /// Hands `work` over and returns once it has run. On the queue itself that could never happen: such a
+    /// call stops the process with a message.
     void sync(const Work& work);
 
     /// Whether the caller runs on this queue.

@@ -1,8 +1,8 @@
 #include "Platform/POSIX/UnixSocketAddress.h"
 
-#include <cstring>
-
 #include <sys/socket.h>
+
+#include <cstring>
 
 namespace Platform {
 

@@ -26,7 +26,8 @@ void require(bool condition, std::string_view promise) {
 }
 
 AuthorizeRequest request(std::string_view stateItem) {
-    const auto text = "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example" + std::string(stateItem);
+    const auto text = "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example" +
+                      std::string(stateItem);
     return {Platform::URL::fromString(text).value(), "ABCDEFGHIJKLMNOPQRST-_"};
 }
 
@@ -60,7 +61,8 @@ void check(std::string_view data, const AuthorizeRequest& pending) {
         require(result->redirectURI == pending.redirectURI(), "a result is the request's");
         const auto state = result->params.find("state");
         const bool isStateless = state == result->params.end() || state->second.empty();
-        require(isStateless ? !pending.state() : pending.state() == state->second, "a result has the request's state");
+        require(isStateless ? !pending.state() : pending.state() == state->second,
+                "a result has the request's state");
     }
 }
 

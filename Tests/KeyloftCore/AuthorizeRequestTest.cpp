@@ -1,4 +1,5 @@
 #include "KeyloftCore/AuthorizeRequest.h"
+
 #include "KeyloftCore/HostError.h"
 #include "KeyloftCore/ResponseMode.h"
 #include "Platform/Foundation/JSON.h"
@@ -60,7 +61,8 @@ TEST(ResponseMode, hasExactlyFourTexts) {
          {ResponseMode::query, ResponseMode::fragment, ResponseMode::formPost, ResponseMode::webMessage}) {
         EXPECT_EQ(KeyloftCore::responseModeFromRawValue(rawValue(mode)), mode);
     }
-    for (const auto* text : {"", "Query", "FORM_POST", "form-post", "formPost", " query", "query ", "web_messages"}) {
+    for (const auto* text :
+         {"", "Query", "FORM_POST", "form-post", "formPost", " query", "query ", "web_messages"}) {
         EXPECT_EQ(KeyloftCore::responseModeFromRawValue(text), std::nullopt) << text;
     }
 }
@@ -82,18 +84,20 @@ TEST(AuthorizeRequest, refusesAnotherScheme) {
 }
 
 TEST(AuthorizeRequest, refusesAnotherHost) {
-    for (const auto* host : {"appleid.apple.com.evil.test", "AppleID.apple.com", "appleid.apple.com.", "apple.com",
-                             "appleid.apple.com@evil.test", "127.0.0.1"}) {
-        EXPECT_EQ(error("https://" + std::string(host) + "/auth/authorize" + std::string(goodQuery)), notAuthorize)
+    for (const auto* host : {"appleid.apple.com.evil.test", "AppleID.apple.com", "appleid.apple.com.",
+                             "apple.com", "appleid.apple.com@evil.test", "127.0.0.1"}) {
+        EXPECT_EQ(error("https://" + std::string(host) + "/auth/authorize" + std::string(goodQuery)),
+                  notAuthorize)
             << host;
     }
     EXPECT_EQ(error("https:/auth/authorize" + std::string(goodQuery)), notAuthorize);
 }
 
 TEST(AuthorizeRequest, refusesAnotherPath) {
-    for (const auto* path : {"/auth/authorize/", "/auth/Authorize", "/auth//authorize", "/auth/authorize2", "/auth",
-                             "/", "", "/auth/./authorize"}) {
-        EXPECT_EQ(error("https://appleid.apple.com" + std::string(path) + std::string(goodQuery)), notAuthorize)
+    for (const auto* path : {"/auth/authorize/", "/auth/Authorize", "/auth//authorize", "/auth/authorize2",
+                             "/auth", "/", "", "/auth/./authorize"}) {
+        EXPECT_EQ(error("https://appleid.apple.com" + std::string(path) + std::string(goodQuery)),
+                  notAuthorize)
             << path;
     }
 }
@@ -114,8 +118,8 @@ TEST(AuthorizeRequest, refusesAMissingRedirectURI) {
 }
 
 TEST(AuthorizeRequest, refusesARedirectURIThatIsNotHTTPS) {
-    for (const auto* redirect : {"http://client.example", "HTTPS://client.example", "//client.example", "client.example",
-                                 "myapp:/cb", "https%3A//client.example:port", "%3A"}) {
+    for (const auto* redirect : {"http://client.example", "HTTPS://client.example", "//client.example",
+                                 "client.example", "myapp:/cb", "https%3A//client.example:port", "%3A"}) {
         EXPECT_EQ(error(std::string(authorize) + "?redirect_uri=" + redirect), badRedirect) << redirect;
     }
 }
@@ -123,16 +127,19 @@ TEST(AuthorizeRequest, refusesARedirectURIThatIsNotHTTPS) {
 TEST(AuthorizeRequest, checksTheURLBeforeTheRedirectURI) {
     // Both wrong at once: the first check tells.
     EXPECT_EQ(error("http://appleid.apple.com/auth/authorize"), notAuthorize);
-    EXPECT_EQ(error("https://client.example/auth/authorize?redirect_uri=http://client.example"), notAuthorize);
+    EXPECT_EQ(error("https://client.example/auth/authorize?redirect_uri=http://client.example"),
+              notAuthorize);
     EXPECT_EQ(error("https://appleid.apple.com/auth/authorize/?redirect_uri"), notAuthorize);
 }
 
 TEST(AuthorizeRequest, theFirstItemOfANameDecidesEvenWithoutAValue) {
-    EXPECT_EQ(error(std::string(authorize) + "?redirect_uri&redirect_uri=https://client.example"), badRedirect);
+    EXPECT_EQ(error(std::string(authorize) + "?redirect_uri&redirect_uri=https://client.example"),
+              badRedirect);
     EXPECT_EQ(requestWithQuery("redirect_uri=https://a.example&redirect_uri=https://b.example").redirectURI(),
               url("https://a.example"));
-    const auto made = requestWithQuery("redirect_uri=https://a.example&state&state=x&response_mode&response_mode="
-                                       "form_post");
+    const auto made =
+        requestWithQuery("redirect_uri=https://a.example&state&state=x&response_mode&response_mode="
+                         "form_post");
     EXPECT_EQ(made.state(), std::nullopt);
     EXPECT_EQ(made.responseMode(), ResponseMode::query);
 }
@@ -145,8 +152,8 @@ TEST(AuthorizeRequest, readsTheResponseMode) {
     EXPECT_EQ(mode("response_mode=fragment"), ResponseMode::fragment);
     EXPECT_EQ(mode("response_mode=form_post"), ResponseMode::formPost);
     EXPECT_EQ(mode("response_mode=web_message"), ResponseMode::webMessage);
-    for (const auto* item : {"", "response_mode", "response_mode=", "response_mode=FORM_POST", "response_mode=other",
-                             "Response_mode=form_post"}) {
+    for (const auto* item : {"", "response_mode", "response_mode=", "response_mode=FORM_POST",
+                             "response_mode=other", "Response_mode=form_post"}) {
         EXPECT_EQ(mode(item), ResponseMode::query) << item;
     }
 }
@@ -188,9 +195,9 @@ TEST(AuthorizeRequest, effectivePortIsTheURLsOwnOrItsSchemes) {
 TEST(AuthorizeRequest, matchesItsRedirectURIWithAnyQueryFragmentAndCredentials) {
     const auto made = requestTo("https://client.example/cb");
     for (const auto* text :
-         {"https://client.example/cb", "https://client.example/cb?code=1&state=2", "https://client.example/cb#code=1",
-          "https://client.example/cb?#", "https://u:p@client.example/cb", "https://client.example:443/cb",
-          "https://client.example:/cb", "https://client.example/%63b"}) {
+         {"https://client.example/cb", "https://client.example/cb?code=1&state=2",
+          "https://client.example/cb#code=1", "https://client.example/cb?#", "https://u:p@client.example/cb",
+          "https://client.example:443/cb", "https://client.example:/cb", "https://client.example/%63b"}) {
         EXPECT_TRUE(made.matchesRedirect(url(text))) << text;
     }
 }
@@ -219,7 +226,8 @@ TEST(AuthorizeRequest, aPathThatIsNoUTF8MatchesNothing) {
     EXPECT_FALSE(requestTo("https://client.example").matchesRedirect(url("https://client.example/%FF")));
     EXPECT_FALSE(requestTo("https://client.example/").matchesRedirect(url("https://client.example/a%80")));
     EXPECT_FALSE(requestTo("https://client.example/%25FF").matchesRedirect(url("https://client.example/")));
-    EXPECT_FALSE(requestTo("https://client.example/%25FF").matchesRedirect(url("https://client.example/%FF")));
+    EXPECT_FALSE(
+        requestTo("https://client.example/%25FF").matchesRedirect(url("https://client.example/%FF")));
 }
 
 TEST(AuthorizeRequest, aPortTooLargeForAnIntegerMatchesNothing) {
@@ -236,8 +244,10 @@ TEST(AuthorizeRequest, aPortTooLargeForAnIntegerMatchesNothing) {
 }
 
 TEST(AuthorizeRequest, aCanonicallyEquivalentPathIsAnotherPath) {
-    EXPECT_FALSE(requestTo("https://client.example/%25C3%25A9").matchesRedirect(url("https://client.example/e%CC%81")));
-    EXPECT_TRUE(requestTo("https://client.example/%25C3%25A9").matchesRedirect(url("https://client.example/%C3%A9")));
+    EXPECT_FALSE(requestTo("https://client.example/%25C3%25A9")
+                     .matchesRedirect(url("https://client.example/e%CC%81")));
+    EXPECT_TRUE(
+        requestTo("https://client.example/%25C3%25A9").matchesRedirect(url("https://client.example/%C3%A9")));
 }
 
 TEST(AuthorizeRequest, matchesOnlyItsNonceAsAString) {
@@ -264,7 +274,8 @@ TEST(AuthorizeRequest, itsRelayTargetNamesWhereAndWhat) {
 }
 
 TEST(AuthorizeRequest, theRelayURLAsksForAFormPostInPlace) {
-    const auto made = requestWithQuery("a=%20b+c&response_mode=query&redirect_uri=https%3A%2F%2Fclient.example&z");
+    const auto made =
+        requestWithQuery("a=%20b+c&response_mode=query&redirect_uri=https%3A%2F%2Fclient.example&z");
     const auto relay = made.safariRelayURL().absoluteString();
     EXPECT_EQ(relay, std::string(authorize) +
                          "?a=%20b+c&response_mode=form_post&redirect_uri=https%3A%2F%2Fclient.example&z#" +
@@ -279,11 +290,13 @@ TEST(AuthorizeRequest, theRelayURLGetsAResponseModeWhereThereIsNone) {
 }
 
 TEST(AuthorizeRequest, theRelayURLChangesTheFirstResponseModeOnlyAndReplacesAFragment) {
-    const auto made = requestWithQuery("redirect_uri=https://client.example&response_mode&Response_mode=x&response_mode="
-                                       "query#old");
+    const auto made =
+        requestWithQuery("redirect_uri=https://client.example&response_mode&Response_mode=x&response_mode="
+                         "query#old");
     EXPECT_EQ(made.safariRelayURL().absoluteString(),
               std::string(authorize) +
-                  "?redirect_uri=https://client.example&response_mode=form_post&Response_mode=x&response_mode=query#" +
+                  "?redirect_uri=https://"
+                  "client.example&response_mode=form_post&Response_mode=x&response_mode=query#" +
                   made.relayTarget().fragment());
 }
 

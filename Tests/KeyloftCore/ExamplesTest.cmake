@@ -26,7 +26,7 @@ expect_usage("${PEER}")
 expect_usage("${PEER}" https://client.example not-a-pair)
 expect_failure("${HOST}" "bad_request: not an appleid.apple.com/auth/authorize URL" https://client.example)
 expect_failure("${HOST}" "not a URL" "http://[")
-expect_failure("${PEER}" "no relay target" https://client.example/#keyloft=x)
+expect_failure("${PEER}" "no relay target" "https://client.example/#keyloft=x")
 
 # The host goes to the background; its URL is awaited, the peer run with it, and its end awaited.
 execute_process(COMMAND sh -c [[

@@ -2,6 +2,7 @@
 #include "KeyloftCore/NativeMessageFrame.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <array>
@@ -14,8 +15,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <sys/mman.h>
 
 namespace {
 
@@ -74,7 +73,8 @@ TEST(NativeMessageFrameDeathTest, aPayloadBeyondThirtyTwoBitsStopsTheProcess) {
     constexpr std::size_t size = std::size_t{1} << 32U;
     void* area = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     ASSERT_NE(area, MAP_FAILED);
-    EXPECT_DEATH(NativeMessageFrame::encode({static_cast<const char*>(area), size}), "does not fit in 32 bits");
+    EXPECT_DEATH(NativeMessageFrame::encode({static_cast<const char*>(area), size}),
+                 "does not fit in 32 bits");
     munmap(area, size);
 }
 

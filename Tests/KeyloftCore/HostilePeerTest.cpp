@@ -2,7 +2,9 @@
 
 #include "Tests/KeyloftCore/RelayTestSupport.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <chrono>
 #include <random>
@@ -10,9 +12,6 @@
 #include <string_view>
 #include <thread>
 #include <vector>
-
-#include <fcntl.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -42,7 +41,8 @@ double processorSeconds() {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-/// Takes every descriptor that the process may still have. Few, as the limit is lowered to what is open and some more.
+/// Takes every descriptor that the process may still have. Few, as the limit is lowered to what is open and
+/// some more.
 class DescriptorFamine {
 public:
     DescriptorFamine() {
@@ -220,10 +220,13 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
 
 TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
     startEcho();
+    const auto before = openDescriptors();
     RawPeer open(path);
-    // Served once, so that it is known to have been accepted, the listener keeps its end.
     ASSERT_TRUE(open.send("\x05\0"sv));
     expectService();
+    // Answered after it, so it has been accepted: each side holds one descriptor, and no other is on its way
+    // out.
+    ASSERT_TRUE(eventually([&] { return openDescriptors() == before + 2; }));
     std::vector<RawPeer> waiting(2);
     {
         const DescriptorFamine famine;
@@ -231,11 +234,11 @@ TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
             ASSERT_TRUE(peer.connect(path));
             ASSERT_TRUE(peer.send(frame("hungry")));
         }
-        const auto before = requests.count();
+        const auto answered = requests.count();
         const auto processor = processorSeconds();
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         EXPECT_LT(processorSeconds() - processor, 0.1) << "waiting for a descriptor must not be a busy loop";
-        EXPECT_EQ(requests.count(), before);
+        EXPECT_EQ(requests.count(), answered);
 
         open.close(); // two descriptors: this one, and then the listener's
         for (auto& peer : waiting) {
@@ -247,7 +250,9 @@ TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
 
 TEST_F(HostilePeerTest, descriptorsThatSomebodyElseGivesBackAreNoticedToo) {
     startEcho();
+    const auto before = openDescriptors();
     expectService();
+    ASSERT_TRUE(eventually([&] { return openDescriptors() == before; }));
     RawPeer peer;
     {
         DescriptorFamine famine;

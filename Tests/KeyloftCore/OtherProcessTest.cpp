@@ -1,20 +1,19 @@
-// The relay between processes. The children are forked before any thread is started, use plain system calls and the
-// client, and report through their exit status.
+// The relay between processes. The children are forked before any thread is started, use plain system calls
+// and the client, and report through their exit status.
 
 #include "KeyloftCore/RelaySocketError.h"
 #include "Tests/KeyloftCore/RelayTestSupport.h"
 #include "Tests/Platform/Dispatch/Pipe.h"
 
+#include <grp.h>
 #include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <functional>
 #include <string>
-
-#include <grp.h>
-#include <pwd.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -154,7 +153,8 @@ TEST(RelayBetweenProcesses, aProcessOfAnotherUserIsDisconnectedUnread) {
     closedOut.start();
     EXPECT_EQ(closedOut.exitStatus(), refusedByMode) << "the socket's mode is the first door";
 
-    // With that door opened on purpose, and the queue held so that the stranger's bytes are there before it looks.
+    // With that door opened on purpose, and the queue held so that the stranger's bytes are there before it
+    // looks.
     ASSERT_EQ(chmod(path.c_str(), 0666), 0);
     const auto holder = RelaySocketClient::connect(path);
     holder.writeFrame("hold");

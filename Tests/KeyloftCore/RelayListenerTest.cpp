@@ -4,7 +4,10 @@
 #include "Platform/Foundation/FileManager.h"
 #include "Tests/KeyloftCore/RelayTestSupport.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
 
 #include <array>
 #include <atomic>
@@ -12,10 +15,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <fcntl.h>
-#include <pthread.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -99,7 +98,8 @@ TEST_F(RelayListenerTest, answersManyClientsAtOnce) {
 }
 
 TEST_F(RelayListenerTest, carriesEmptyAndLargestPayloads) {
-    listener->listen(path, [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
+    listener->listen(path,
+                     [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
     EXPECT_EQ(ask(path, ""), "");
     std::string largest(1 << 20, '\0');
     for (std::size_t index = 0; index < largest.size(); ++index) {
@@ -339,7 +339,8 @@ TEST_F(RelayListenerTest, directoriesMadeHereAreTheOwnersAloneAndOthersKeepTheir
     chmod(existing.c_str(), 0755);
     const Mask mask(0);
     const auto deep = existing + "/made/here/relay.sock";
-    listener->listen(deep, [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
+    listener->listen(deep,
+                     [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
     EXPECT_EQ(modeOf(existing), 0755U);
     EXPECT_EQ(modeOf(existing + "/made"), 0700U);
     EXPECT_EQ(modeOf(existing + "/made/here"), 0700U);
@@ -393,7 +394,8 @@ TEST_F(RelayListenerTest, pathsUpTo103BytesAreTaken) {
         return base + std::string(length - base.size(), 'p');
     };
     const auto longest = padded(103);
-    listener->listen(longest, [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
+    listener->listen(longest,
+                     [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
     EXPECT_EQ(ask(longest, "x"), "x");
     listener->close();
 

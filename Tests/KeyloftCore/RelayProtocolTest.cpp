@@ -76,7 +76,8 @@ std::optional<Case> parseError(std::string_view data, const AuthorizeRequest& pe
     return std::nullopt;
 }
 
-std::optional<Case> parseError(const JSONValue::Object& message, const AuthorizeRequest& pending = withState) {
+std::optional<Case> parseError(const JSONValue::Object& message,
+                               const AuthorizeRequest& pending = withState) {
     return parseError(text(message), pending);
 }
 
@@ -84,9 +85,10 @@ const auto notAnObject = Reply::error("frame is not a JSON object with a type");
 const auto unknownType = Reply::error("unknown message type");
 
 TEST(RelayProtocol, answersWhatIsNoMessageWithAnError) {
-    for (const auto* data : {"", " ", "x", "{", "[]", "null", "1", "\"confirm\"", "{}", R"([{"type":"confirm"}])",
-                             R"({"type":1})", R"({"type":null})", R"({"type":["confirm"]})", R"({"Type":"confirm"})",
-                             R"({"type":"confirm"} x)", "\xFF"}) {
+    for (const auto* data :
+         {"", " ", "x", "{", "[]", "null", "1", "\"confirm\"", "{}", R"([{"type":"confirm"}])",
+          R"({"type":1})", R"({"type":null})", R"({"type":["confirm"]})", R"({"Type":"confirm"})",
+          R"({"type":"confirm"} x)", "\xFF"}) {
         EXPECT_EQ(RelayProtocol::reply(data, withState), notAnObject) << data;
     }
 }
@@ -100,14 +102,16 @@ TEST(RelayProtocol, answersAnUnknownTypeWithAnError) {
 TEST(RelayProtocol, confirmsATargetThatIsTheRequests) {
     EXPECT_EQ(reply(confirmMessage()), Reply::confirm(true));
     EXPECT_EQ(reply(with(confirmMessage(), "extra", JSONValue::Array{1})), Reply::confirm(true));
-    EXPECT_EQ(reply(with(confirmMessage(), "redirectUri", std::string(redirect) + "?q#f")), Reply::confirm(true));
+    EXPECT_EQ(reply(with(confirmMessage(), "redirectUri", std::string(redirect) + "?q#f")),
+              Reply::confirm(true));
 }
 
 TEST(RelayProtocol, deniesAnotherRedirectURI) {
     EXPECT_EQ(reply(without(confirmMessage(), "redirectUri")), Reply::confirm(false));
-    for (const auto& value : {JSONValue(1), JSONValue(nullptr), JSONValue(JSONValue::Array{redirect}), JSONValue(""),
-                              JSONValue("https://client.example/other"), JSONValue("http://client.example/cb"),
-                              JSONValue("https://client.example:port/cb")}) {
+    for (const auto& value :
+         {JSONValue(1), JSONValue(nullptr), JSONValue(JSONValue::Array{redirect}), JSONValue(""),
+          JSONValue("https://client.example/other"), JSONValue("http://client.example/cb"),
+          JSONValue("https://client.example:port/cb")}) {
         EXPECT_EQ(reply(with(confirmMessage(), "redirectUri", value)), Reply::confirm(false));
     }
     auto renamed = without(confirmMessage(), "redirectUri");
@@ -117,7 +121,8 @@ TEST(RelayProtocol, deniesAnotherRedirectURI) {
 
 TEST(RelayProtocol, deniesAnotherState) {
     EXPECT_EQ(reply(without(confirmMessage(), "state")), Reply::confirm(false));
-    for (const auto& value : {JSONValue(""), JSONValue("XYZ"), JSONValue("xyz "), JSONValue(7), JSONValue(nullptr)}) {
+    for (const auto& value :
+         {JSONValue(""), JSONValue("XYZ"), JSONValue("xyz "), JSONValue(7), JSONValue(nullptr)}) {
         EXPECT_EQ(reply(with(confirmMessage(), "state", value)), Reply::confirm(false));
     }
 }
@@ -143,8 +148,8 @@ TEST(RelayProtocol, statesAreComparedByTheirBytes) {
 
 TEST(RelayProtocol, deniesAnotherNonce) {
     EXPECT_EQ(reply(without(confirmMessage(), "nonce")), Reply::confirm(false));
-    for (const auto& value : {JSONValue(1), JSONValue(nullptr), JSONValue(JSONValue::Array{nonce}), JSONValue(""),
-                              JSONValue("ABCDEFGHIJKLMNOPQRST-x")}) {
+    for (const auto& value : {JSONValue(1), JSONValue(nullptr), JSONValue(JSONValue::Array{nonce}),
+                              JSONValue(""), JSONValue("ABCDEFGHIJKLMNOPQRST-x")}) {
         EXPECT_EQ(reply(with(confirmMessage(), "nonce", value)), Reply::confirm(false));
     }
 }
@@ -159,7 +164,8 @@ TEST(RelayProtocol, acknowledgesAResultWithTheRequestsModeAndURI) {
 
 TEST(RelayProtocol, aRefusedResultIsAcknowledgedWithoutAReason) {
     for (const auto& message :
-         {with(resultMessage(), "params", JSONValue::Object{{"code", 1}}), with(resultMessage(), "nonce", "other"),
+         {with(resultMessage(), "params", JSONValue::Object{{"code", 1}}),
+          with(resultMessage(), "nonce", "other"),
           with(resultMessage(), "redirectUri", "https://evil.test/cb"), without(resultMessage(), "params")}) {
         EXPECT_EQ(reply(message), Reply::ack(std::nullopt));
     }
@@ -173,7 +179,8 @@ TEST(RelayProtocol, repliesHaveTheirJSON) {
     EXPECT_EQ(text(Reply::confirm(false).json()), R"({"ok":false,"type":"confirm"})");
     EXPECT_EQ(text(Reply::ack(result).json()), R"({"relayed":true,"type":"ack"})");
     EXPECT_EQ(text(Reply::ack(std::nullopt).json()), R"({"relayed":false,"type":"ack"})");
-    EXPECT_EQ(text(unknownType.json()), R"({"code":"bad_request","message":"unknown message type","type":"error"})");
+    EXPECT_EQ(text(unknownType.json()),
+              R"({"code":"bad_request","message":"unknown message type","type":"error"})");
     EXPECT_EQ(text(notAnObject.json()),
               R"({"code":"bad_request","message":"frame is not a JSON object with a type","type":"error"})");
 }
@@ -204,11 +211,12 @@ TEST(RelayResult, refusesWhatIsNoResult) {
 
 TEST(RelayResult, refusesParamsThatAreNotAllStrings) {
     EXPECT_EQ(parseError(without(resultMessage(), "params")), Case::badParams);
-    for (const auto& value : {JSONValue(1), JSONValue(nullptr), JSONValue("code=1"),
-                              JSONValue(JSONValue::Array{JSONValue::Array{"code", "1"}}),
-                              JSONValue(JSONValue::Object{{"state", "xyz"}, {"code", 1}}),
-                              JSONValue(JSONValue::Object{{"state", "xyz"}, {"code", nullptr}}),
-                              JSONValue(JSONValue::Object{{"state", "xyz"}, {"user", JSONValue::Object{}}})}) {
+    for (const auto& value :
+         {JSONValue(1), JSONValue(nullptr), JSONValue("code=1"),
+          JSONValue(JSONValue::Array{JSONValue::Array{"code", "1"}}),
+          JSONValue(JSONValue::Object{{"state", "xyz"}, {"code", 1}}),
+          JSONValue(JSONValue::Object{{"state", "xyz"}, {"code", nullptr}}),
+          JSONValue(JSONValue::Object{{"state", "xyz"}, {"user", JSONValue::Object{}}})}) {
         EXPECT_EQ(parseError(with(resultMessage(), "params", value)), Case::badParams);
     }
 }
@@ -219,8 +227,9 @@ TEST(RelayResult, emptyParamsAreParams) {
 
 TEST(RelayResult, refusesAnotherRedirectURI) {
     EXPECT_EQ(parseError(without(resultMessage(), "redirectUri")), Case::redirectMismatch);
-    for (const auto& value : {JSONValue(1), JSONValue(nullptr), JSONValue(""), JSONValue("https://client.example/"),
-                              JSONValue("https://client.example:port/cb")}) {
+    for (const auto& value :
+         {JSONValue(1), JSONValue(nullptr), JSONValue(""), JSONValue("https://client.example/"),
+          JSONValue("https://client.example:port/cb")}) {
         EXPECT_EQ(parseError(with(resultMessage(), "redirectUri", value)), Case::redirectMismatch);
     }
 }
@@ -294,8 +303,8 @@ TEST(RelayProtocol, confirmChecksOneAfterTheOther) {
 }
 
 TEST(RelayResult, errorsHashAndNameTheirCase) {
-    const std::vector<Case> cases = {Case::notAResult, Case::badParams, Case::redirectMismatch, Case::stateMismatch,
-                                     Case::nonceMismatch};
+    const std::vector<Case> cases = {Case::notAResult, Case::badParams, Case::redirectMismatch,
+                                     Case::stateMismatch, Case::nonceMismatch};
     std::unordered_set<std::string> names;
     std::unordered_set<std::size_t> hashes;
     for (const auto kind : cases) {
@@ -304,8 +313,8 @@ TEST(RelayResult, errorsHashAndNameTheirCase) {
         hashes.insert(std::hash<RelayResult::ParseError>()(error));
         EXPECT_EQ(error, RelayResult::ParseError(kind));
     }
-    EXPECT_EQ(names, (std::unordered_set<std::string>{"notAResult", "badParams", "redirectMismatch", "stateMismatch",
-                                                      "nonceMismatch"}));
+    EXPECT_EQ(names, (std::unordered_set<std::string>{"notAResult", "badParams", "redirectMismatch",
+                                                      "stateMismatch", "nonceMismatch"}));
     EXPECT_EQ(hashes.size(), cases.size());
 }
 

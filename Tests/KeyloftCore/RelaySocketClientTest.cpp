@@ -4,6 +4,7 @@
 #include "Tests/KeyloftCore/RelayTestSupport.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <atomic>
 #include <chrono>
@@ -13,8 +14,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-
-#include <pthread.h>
 
 namespace {
 
@@ -37,7 +36,8 @@ public:
         sockaddr_un address = {};
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof address.sun_path - 1);
-        EXPECT_EQ(bind(listening_.descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        EXPECT_EQ(bind(listening_.descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  0);
         EXPECT_EQ(listen(listening_.descriptor(), 4), 0);
         thread_ = std::thread([this, serve = std::move(serve)] {
             const int connection = accept4(listening_.descriptor(), nullptr, nullptr, SOCK_CLOEXEC);
@@ -281,7 +281,8 @@ TEST(RelaySocketClientDeathTest, aTimeoutThatIsNoTimeStopsTheProcess) {
     for (const double timeout :
          {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
           std::numeric_limits<double>::quiet_NaN(), 9.3e18, -9.3e18, std::numeric_limits<double>::max()}) {
-        EXPECT_DEATH(RelaySocketClient::connect(path).readFrame(timeout), "not finite or too large") << timeout;
+        EXPECT_DEATH(RelaySocketClient::connect(path).readFrame(timeout), "not finite or too large")
+            << timeout;
     }
 }
 

@@ -37,10 +37,11 @@ private:
 
 TEST(RelaySocketPaths, areTheTwoKnownPlacesUnderTheHomeDirectory) {
     const Home home("/Users/a");
-    EXPECT_EQ(RelaySocketPaths::candidates(),
-              (std::vector<std::string>{
-                  "/Users/a/Library/Group Containers/group.velde.orvane.keyloft/relay.sock",
-                  "/Users/a/Library/Containers/velde.orvane.keyloft.relay.Extension/Data/Library/Caches/relay.sock"}));
+    EXPECT_EQ(
+        RelaySocketPaths::candidates(),
+        (std::vector<std::string>{"/Users/a/Library/Group Containers/group.velde.orvane.keyloft/relay.sock",
+                                  "/Users/a/Library/Containers/velde.orvane.keyloft.relay.Extension/Data/"
+                                  "Library/Caches/relay.sock"}));
 }
 
 TEST(RelaySocketPaths, theGroupsDirectoryBearsTheGroupsName) {

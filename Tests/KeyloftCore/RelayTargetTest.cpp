@@ -21,7 +21,9 @@ constexpr std::string_view nonce = "ABCDEFGHIJKLMNOPQRST-_";
 constexpr std::string_view redirect = "https://client.example/cb";
 
 RelayTarget target(std::optional<std::string> state = std::nullopt) {
-    return {.redirectURI = URL::fromString(redirect).value(), .state = std::move(state), .nonce = std::string(nonce)};
+    return {.redirectURI = URL::fromString(redirect).value(),
+            .state = std::move(state),
+            .nonce = std::string(nonce)};
 }
 
 std::string fragmentOf(std::string_view json) { return "keyloft=" + Platform::base64Encoded(json); }
@@ -55,7 +57,8 @@ TEST(RelayTarget, hasItsConstants) {
 }
 
 TEST(RelayTarget, writesSortedCompactJSONWithPlainSlashes) {
-    EXPECT_EQ(decoded(target().fragment()), R"({"n":"ABCDEFGHIJKLMNOPQRST-_","r":"https://client.example/cb"})");
+    EXPECT_EQ(decoded(target().fragment()),
+              R"({"n":"ABCDEFGHIJKLMNOPQRST-_","r":"https://client.example/cb"})");
     EXPECT_EQ(decoded(target("").fragment()),
               R"({"n":"ABCDEFGHIJKLMNOPQRST-_","r":"https://client.example/cb","s":""})");
 }
@@ -89,7 +92,8 @@ TEST(RelayTarget, writesWhatItWouldNotRead) {
 TEST(RelayTarget, needsItsKeyInFront) {
     const auto body = target().fragment().substr(8);
     EXPECT_TRUE(RelayTarget::fromFragment("keyloft=" + body));
-    for (const auto* key : {"Keyloft=", "KEYLOFT=", "keyloft", "keyloft:", " keyloft=", "#keyloft=", "x=1&keyloft=", ""}) {
+    for (const auto* key :
+         {"Keyloft=", "KEYLOFT=", "keyloft", "keyloft:", " keyloft=", "#keyloft=", "x=1&keyloft=", ""}) {
         EXPECT_EQ(RelayTarget::fromFragment(key + body), std::nullopt) << key;
     }
     EXPECT_EQ(RelayTarget::fromFragment("keyloft="), std::nullopt);
@@ -112,7 +116,8 @@ TEST(RelayTarget, refusesWhatIsNoBase64) {
 }
 
 TEST(RelayTarget, refusesWhatIsNoJSONObject) {
-    for (const auto* json : {"", "x", "[]", "null", "\"text\"", "1", "{", R"([{"n":"ABCDEFGHIJKLMNOPQRST-_"}])"}) {
+    for (const auto* json :
+         {"", "x", "[]", "null", "\"text\"", "1", "{", R"([{"n":"ABCDEFGHIJKLMNOPQRST-_"}])"}) {
         EXPECT_EQ(read(json), std::nullopt) << json;
     }
 }
@@ -123,21 +128,21 @@ TEST(RelayTarget, needsARedirectURI) {
     EXPECT_EQ(read(object), std::nullopt);
     object["R"] = redirect;
     EXPECT_EQ(read(object), std::nullopt);
-    for (const auto& value : {JSONValue(1), JSONValue(nullptr), JSONValue(JSONValue::Array{redirect}), JSONValue(""),
-                              JSONValue("https://client.example:port/")}) {
+    for (const auto& value : {JSONValue(1), JSONValue(nullptr), JSONValue(JSONValue::Array{redirect}),
+                              JSONValue(""), JSONValue("https://client.example:port/")}) {
         EXPECT_EQ(read(membersWith("r", value)), std::nullopt);
     }
 }
 
 TEST(RelayTarget, theRedirectURIMustBeHTTPSElsewhereAndWithoutCredentials) {
     for (const auto* text :
-         {"http://client.example/", "HTTPS://client.example/", "//client.example/", "/cb", "https:/cb", "https:cb",
-          "https://appleid.apple.com/", "https://appleid.apple.com:8443/x", "https://u@client.example/",
-          "https://u:p@client.example/", "https://:p@client.example/"}) {
+         {"http://client.example/", "HTTPS://client.example/", "//client.example/", "/cb", "https:/cb",
+          "https:cb", "https://appleid.apple.com/", "https://appleid.apple.com:8443/x",
+          "https://u@client.example/", "https://u:p@client.example/", "https://:p@client.example/"}) {
         EXPECT_EQ(read(membersWith("r", text)), std::nullopt) << text;
     }
-    for (const auto* text : {"https://client.example", "https://AppleID.apple.com/", "https://a.appleid.apple.com/",
-                             "https://client.example:8443/cb?x=1#y"}) {
+    for (const auto* text : {"https://client.example", "https://AppleID.apple.com/",
+                             "https://a.appleid.apple.com/", "https://client.example:8443/cb?x=1#y"}) {
         EXPECT_TRUE(read(membersWith("r", text))) << text;
     }
 }
@@ -146,10 +151,11 @@ TEST(RelayTarget, needsANonceOfItsForm) {
     auto object = members();
     object.erase("n");
     EXPECT_EQ(read(object), std::nullopt);
-    for (const auto& value : {JSONValue(1), JSONValue(nullptr), JSONValue(JSONValue::Array{nonce}), JSONValue(""),
-                              JSONValue("ABCDEFGHIJKLMNOPQRST-"), JSONValue("ABCDEFGHIJKLMNOPQRST-_x"),
-                              JSONValue("ABCDEFGHIJKLMNOPQRST+_"), JSONValue("ABCDEFGHIJKLMNOPQRST-/"),
-                              JSONValue("ABCDEFGHIJKLMNOPQRS=-_"), JSONValue("ÄBCDEFGHIJKLMNOPQRST-_")}) {
+    for (const auto& value :
+         {JSONValue(1), JSONValue(nullptr), JSONValue(JSONValue::Array{nonce}), JSONValue(""),
+          JSONValue("ABCDEFGHIJKLMNOPQRST-"), JSONValue("ABCDEFGHIJKLMNOPQRST-_x"),
+          JSONValue("ABCDEFGHIJKLMNOPQRST+_"), JSONValue("ABCDEFGHIJKLMNOPQRST-/"),
+          JSONValue("ABCDEFGHIJKLMNOPQRS=-_"), JSONValue("ÄBCDEFGHIJKLMNOPQRST-_")}) {
         EXPECT_EQ(read(membersWith("n", value)), std::nullopt);
     }
 }
@@ -159,8 +165,8 @@ TEST(RelayTarget, aStateIsOptionalButMustBeAStringWithinTheLimit) {
     EXPECT_EQ(read(membersWith("s", ""))->state, "");
     EXPECT_TRUE(read(membersWith("s", std::string(2048, 's'))));
     EXPECT_EQ(read(membersWith("s", std::string(2049, 's'))), std::nullopt);
-    for (const auto& value : {JSONValue(7), JSONValue(nullptr), JSONValue(true), JSONValue(JSONValue::Array{}),
-                              JSONValue(JSONValue::Object{})}) {
+    for (const auto& value : {JSONValue(7), JSONValue(nullptr), JSONValue(true),
+                              JSONValue(JSONValue::Array{}), JSONValue(JSONValue::Object{})}) {
         EXPECT_EQ(read(membersWith("s", value)), std::nullopt);
     }
 }
@@ -197,10 +203,11 @@ TEST(RelayTarget, recognisesANonce) {
     EXPECT_TRUE(RelayTarget::isNonce(nonce));
     EXPECT_TRUE(RelayTarget::isNonce("0123456789abcdefghijkl"));
     EXPECT_TRUE(RelayTarget::isNonce("wxyzWXYZ________------"));
-    for (const auto* text : {"", "ABCDEFGHIJKLMNOPQRST-", "ABCDEFGHIJKLMNOPQRST-_x", "ABCDEFGHIJKLMNOPQRST-+",
-                             "ABCDEFGHIJKLMNOPQRST-/", "ABCDEFGHIJKLMNOPQRST-=", "ABCDEFGHIJKLMNOPQRST- ",
-                             "ABCDEFGHIJKLMNOPQRST-@", "ABCDEFGHIJKLMNOPQRST-[", "ABCDEFGHIJKLMNOPQRST-`",
-                             "ABCDEFGHIJKLMNOPQRST-{", "ABCDEFGHIJKLMNOPQRST-:", "ÄÖÜÄÖÜÄÖÜÄ", "ÄBCDEFGHIJKLMNOPQRST-_"}) {
+    for (const auto* text :
+         {"", "ABCDEFGHIJKLMNOPQRST-", "ABCDEFGHIJKLMNOPQRST-_x", "ABCDEFGHIJKLMNOPQRST-+",
+          "ABCDEFGHIJKLMNOPQRST-/", "ABCDEFGHIJKLMNOPQRST-=", "ABCDEFGHIJKLMNOPQRST- ",
+          "ABCDEFGHIJKLMNOPQRST-@", "ABCDEFGHIJKLMNOPQRST-[", "ABCDEFGHIJKLMNOPQRST-`",
+          "ABCDEFGHIJKLMNOPQRST-{", "ABCDEFGHIJKLMNOPQRST-:", "ÄÖÜÄÖÜÄÖÜÄ", "ÄBCDEFGHIJKLMNOPQRST-_"}) {
         EXPECT_FALSE(RelayTarget::isNonce(text)) << text;
     }
     EXPECT_FALSE(RelayTarget::isNonce(std::string_view("ABCDEFGHIJKLMNOPQRST-\0", 22)));

@@ -7,8 +7,14 @@
 #include "Tests/Support/Waiting.h"
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <memory>
@@ -20,13 +26,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include <cerrno>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/time.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace KeyloftTests {
 
@@ -100,10 +99,13 @@ private:
     int error_ = 0;
 };
 
-inline std::string frame(std::string_view payload) { return KeyloftCore::NativeMessageFrame::encode(payload); }
+inline std::string frame(std::string_view payload) {
+    return KeyloftCore::NativeMessageFrame::encode(payload);
+}
 
 /// One whole exchange as a client has it: nothing where there was no reply.
-inline std::optional<std::string> ask(const std::string& path, std::string_view request, double timeout = longWait) {
+inline std::optional<std::string> ask(const std::string& path, std::string_view request,
+                                      double timeout = longWait) {
     const auto client = KeyloftCore::RelaySocketClient::connect(path);
     client.writeFrame(request);
     auto reply = client.readFrame(timeout);

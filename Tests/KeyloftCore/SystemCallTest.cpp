@@ -1,4 +1,5 @@
-// What cannot be had from the system on demand: interrupted and short calls, and failures of every single one.
+// What cannot be had from the system on demand: interrupted and short calls, and failures of every single
+// one.
 
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketClient.h"
@@ -7,6 +8,7 @@
 #include "Tests/KeyloftCore/SystemCalls.h"
 
 #include <gtest/gtest.h>
+#include <sys/un.h>
 
 #include <algorithm>
 #include <atomic>
@@ -16,8 +18,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include <sys/un.h>
 
 namespace {
 
@@ -133,8 +133,8 @@ TEST_F(SystemCallTest, aReplyInShortAndInterruptedWritesComesWhole) {
         if (!bytes.empty() && ++calls % 3 == 0) {
             return SystemCalls::failure(EINTR);
         }
-        return SystemCalls::Answer{
-            .result = realSend(descriptor, bytes.data(), std::min<std::size_t>(bytes.size(), 7), MSG_NOSIGNAL)};
+        return SystemCalls::Answer{.result = realSend(descriptor, bytes.data(),
+                                                      std::min<std::size_t>(bytes.size(), 7), MSG_NOSIGNAL)};
     };
     const Intercepted intercepted(system);
     const std::string text(500, 't');
@@ -428,7 +428,8 @@ TEST_F(SystemCallTest, theClientsTimeoutIsCutToMicroseconds) {
         client.readFrame(seconds);
         client.close();
         EXPECT_EQ(values.size(), 1U);
-        return values.empty() ? std::pair<long, long>() : std::pair<long, long>(values[0].tv_sec, values[0].tv_usec);
+        return values.empty() ? std::pair<long, long>()
+                              : std::pair<long, long>(values[0].tv_sec, values[0].tv_usec);
     };
     EXPECT_EQ(timeoutFor(0.25), std::pair(0L, 250'000L));
     EXPECT_EQ(timeoutFor(0), std::pair(0L, 0L));

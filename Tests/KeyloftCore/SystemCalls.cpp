@@ -1,7 +1,8 @@
 #include "Tests/KeyloftCore/SystemCalls.h"
 
-#include <cerrno>
 #include <sys/stat.h>
+
+#include <cerrno>
 
 // The linker's names for the system's functions and for those in their place.
 // NOLINTBEGIN(bugprone-reserved-identifier)
@@ -65,19 +66,22 @@ extern "C" {
 ssize_t __wrap_send(int descriptor, const void* bytes, size_t count, int flags) {
     ssize_t result = 0;
     const std::string_view view(static_cast<const char*>(bytes), count);
-    return answered(&SystemCalls::send, result, descriptor, view) ? result
-                                                                  : __real_send(descriptor, bytes, count, flags);
+    return answered(&SystemCalls::send, result, descriptor, view)
+               ? result
+               : __real_send(descriptor, bytes, count, flags);
 }
 
 ssize_t __wrap_read(int descriptor, void* bytes, size_t count) {
     ssize_t result = 0;
-    return answered(&SystemCalls::read, result, descriptor, count) ? result : __real_read(descriptor, bytes, count);
+    return answered(&SystemCalls::read, result, descriptor, count) ? result
+                                                                   : __real_read(descriptor, bytes, count);
 }
 
 ssize_t __wrap_recv(int descriptor, void* bytes, size_t count, int flags) {
     ssize_t result = 0;
-    return answered(&SystemCalls::recv, result, descriptor, count) ? result
-                                                                   : __real_recv(descriptor, bytes, count, flags);
+    return answered(&SystemCalls::recv, result, descriptor, count)
+               ? result
+               : __real_recv(descriptor, bytes, count, flags);
 }
 
 int __wrap_accept4(int descriptor, sockaddr* address, socklen_t* length, int flags) {
@@ -88,7 +92,8 @@ int __wrap_accept4(int descriptor, sockaddr* address, socklen_t* length, int fla
 
 int __wrap_socket(int domain, int type, int protocol) {
     ssize_t result = 0;
-    return answered(&SystemCalls::socket, result) ? static_cast<int>(result) : __real_socket(domain, type, protocol);
+    return answered(&SystemCalls::socket, result) ? static_cast<int>(result)
+                                                  : __real_socket(domain, type, protocol);
 }
 
 int __wrap_bind(int descriptor, const sockaddr* address, socklen_t length) {

@@ -1,19 +1,19 @@
 #pragma once
 
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/types.h>
+
 #include <atomic>
 #include <functional>
 #include <optional>
 #include <string_view>
 #include <thread>
 
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <sys/types.h>
-
 namespace KeyloftTests {
 
-/// Stands between the code and the system: each function may answer a call in the system's place. The linker leads the
-/// calls here (--wrap); what has no function, or gets no answer, is the system's.
+/// Stands between the code and the system: each function may answer a call in the system's place. The linker
+/// leads the calls here (--wrap); what has no function, or gets no answer, is the system's.
 struct SystemCalls {
     /// A result, and `errno` where it is -1.
     struct Answer {

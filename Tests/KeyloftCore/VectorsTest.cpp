@@ -1,3 +1,5 @@
+#include "Tests/Support/Vectors.h"
+
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/HostError.h"
 #include "KeyloftCore/Log.h"
@@ -6,7 +8,6 @@
 #include "KeyloftCore/RelayTarget.h"
 #include "Platform/Foundation/Base64.h"
 #include "Platform/Foundation/JSON.h"
-#include "Tests/Support/Vectors.h"
 
 #include <gtest/gtest.h>
 
@@ -70,7 +71,8 @@ TEST(RelayProtocolVectors, hold) {
                                        in["nonce"].get<std::string>());
         const auto payload = Platform::base64Decoded(in["payload"].get<std::string>()).value();
         const auto reply = RelayProtocol::reply(payload, request);
-        json out = {{"reply", json::parse(Platform::compactJSON(reply.json(), Platform::JSONSlashes::plain))}};
+        json out = {
+            {"reply", json::parse(Platform::compactJSON(reply.json(), Platform::JSONSlashes::plain))}};
         try {
             out["params"] = RelayResult::parse(payload, request).params;
         } catch (const RelayResult::ParseError& error) {
@@ -81,7 +83,8 @@ TEST(RelayProtocolVectors, hold) {
 }
 
 TEST(RedactVectors, hold) {
-    expectVectors("redact", [](const json& in) -> json { return KeyloftCore::redact(in.get<std::string>()); });
+    expectVectors("redact",
+                  [](const json& in) -> json { return KeyloftCore::redact(in.get<std::string>()); });
 }
 
 } // namespace

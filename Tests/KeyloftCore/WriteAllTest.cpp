@@ -1,20 +1,18 @@
 #include "KeyloftCore/RelayListener.h"
-
 #include "Tests/Platform/Dispatch/Pipe.h"
 #include "Tests/Support/Waiting.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <csignal>
 #include <string>
 #include <thread>
-
-#include <fcntl.h>
-#include <pthread.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace {
 

@@ -3,6 +3,8 @@
 #include "Platform/Dispatch/ReadSource.h"
 #include "Platform/Dispatch/SerialQueue.h"
 
+#include <poll.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -16,8 +18,6 @@
 #include <thread>
 #include <unordered_map>
 #include <vector>
-
-#include <poll.h>
 
 namespace Platform {
 
@@ -63,9 +63,10 @@ struct ReadSource::State {
 
 /// A queue's inner life: its thread and everything handed over to it.
 ///
-/// The thread waits with poll(), which needs no system call to begin or end waiting for a descriptor: connections that
-/// live for a single exchange are the common case. Beyond a handful, the descriptors that have been quiet longest move
-/// into an epoll set that poll() sees as one more descriptor, so that many idle ones cost nothing.
+/// The thread waits with poll(), which needs no system call to begin or end waiting for a descriptor:
+/// connections that live for a single exchange are the common case. Beyond a handful, the descriptors that
+/// have been quiet longest move into an epoll set that poll() sees as one more descriptor, so that many idle
+/// ones cost nothing.
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     using Clock = std::chrono::steady_clock;
     using SourceState = ReadSource::State;

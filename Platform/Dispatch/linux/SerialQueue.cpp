@@ -1,22 +1,22 @@
 #include "Platform/Dispatch/SerialQueue.h"
 
-#include "Platform/Foundation/FatalError.h"
 #include "Platform/Dispatch/linux/QueueState.h"
+#include "Platform/Foundation/FatalError.h"
+
+#include <pthread.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <condition_variable>
 #include <csignal>
 #include <cstring>
 #include <limits>
 #include <system_error>
 #include <utility>
-
-#include <cerrno>
-#include <pthread.h>
-#include <sys/epoll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace Platform {
 
@@ -47,7 +47,8 @@ void nameThread(const std::string& label) {
     pthread_setname_np(pthread_self(), name.c_str());
 }
 
-/// Signals sent to the process are for the program's own threads; faults must still be reported where they happen.
+/// Signals sent to the process are for the program's own threads; faults must still be reported where they
+/// happen.
 sigset_t signalsForOthers() {
     sigset_t set;
     sigfillset(&set);
@@ -225,7 +226,8 @@ int SerialQueue::State::waitMilliseconds() {
     if (delayed_.empty()) {
         return -1;
     }
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(delayed_.begin()->first - Clock::now()).count();
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(delayed_.begin()->first - Clock::now()).count();
     return static_cast<int>(std::clamp<decltype(left)>(left, 0, std::numeric_limits<int>::max()));
 }
 
@@ -259,24 +261,24 @@ void SerialQueue::State::unwatch(const std::shared_ptr<SourceState>& source) {
         polledSources_[index] = std::move(polledSources_.back());
         polledSources_.pop_back();
     } else if (source->place == SourceState::Place::overflow) {
-        // On the queue its owner may have closed the descriptor already, which took it out of the set as well.
+        // On the queue its owner may have closed the descriptor already, which took it out of the set as
+        // well.
         epoll_ctl(overflow_.get(), EPOLL_CTL_DEL, source->descriptor, nullptr);
         overflowSources_.erase(source.get());
     }
     source->place = SourceState::Place::nowhere;
 }
 
-/// Moves the source that has been quiet longest into the epoll set. Where the system refuses, poll() waits for one
-/// more descriptor: slower, and nothing else.
+/// Moves the source that has been quiet longest into the epoll set. Where the system refuses, poll() waits
+/// for one more descriptor: slower, and nothing else.
 void SerialQueue::State::makeRoom() {
     if (overflow_.get() < 0) {
         overflow_.reset(epoll_create1(EPOLL_CLOEXEC));
         polled_[overflowIndex].fd = overflow_.get();
     }
-    const auto quietest = std::min_element(polledSources_.begin() + firstSourceIndex, polledSources_.end(),
-                                           [](const auto& left, const auto& right) {
-                                               return left->lastFired < right->lastFired;
-                                           });
+    const auto quietest = std::min_element(
+        polledSources_.begin() + firstSourceIndex, polledSources_.end(),
+        [](const auto& left, const auto& right) { return left->lastFired < right->lastFired; });
     const auto source = *quietest;
     epoll_event event = {};
     event.events = EPOLLIN;

@@ -1,14 +1,14 @@
 #include "Platform/POSIX/UnixSocket.h"
 
-#include <chrono>
-#include <csignal>
-#include <ctime>
-
-#include <cerrno>
 #include <pthread.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <ctime>
 
 namespace Platform {
 
@@ -80,7 +80,8 @@ int acceptUnixSocket(int listening) { return accept4(listening, nullptr, nullptr
 std::optional<uid_t> unixSocketPeerUser(int descriptor) {
     ucred credentials = {};
     socklen_t length = sizeof credentials;
-    if (getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0 || length != sizeof credentials) {
+    if (getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0 ||
+        length != sizeof credentials) {
         return std::nullopt;
     }
     return credentials.uid;

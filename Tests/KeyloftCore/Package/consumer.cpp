@@ -27,7 +27,8 @@ int main(int argc, char** argv) {
         reply(Platform::compactJSON(json, Platform::JSONSlashes::plain));
     });
 
-    const auto target = RelayTarget::fromFragment(*request.safariRelayURL().fragment());
+    const auto relayURL = request.safariRelayURL();
+    const auto target = RelayTarget::fromFragment(*relayURL.fragment());
     const Platform::JSONValue::Object confirm{{"type", "confirm"},
                                               {"redirectUri", target->redirectURI.absoluteString()},
                                               {"state", *target->state},

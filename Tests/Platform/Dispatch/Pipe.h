@@ -1,12 +1,12 @@
 #pragma once
 
-#include <array>
-#include <string_view>
-#include <system_error>
-
-#include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <string_view>
+#include <system_error>
 
 namespace KeyloftTests {
 

@@ -3,6 +3,8 @@
 #include "Tests/Support/Waiting.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
 
 #include <array>
 #include <atomic>
@@ -13,13 +15,10 @@
 #include <thread>
 #include <vector>
 
-#include <pthread.h>
-#include <sys/resource.h>
-
 namespace {
 
-using KeyloftTests::eventually;
 using KeyloftTests::Event;
+using KeyloftTests::eventually;
 using KeyloftTests::openDescriptors;
 using KeyloftTests::runningThreads;
 using Platform::SerialQueue;
