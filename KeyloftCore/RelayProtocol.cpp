@@ -23,7 +23,10 @@ bool confirms(const Platform::JSONValue& message, const AuthorizeRequest& reques
 
 RelayProtocol::Reply RelayProtocol::reply(std::string_view data, const AuthorizeRequest& request) {
     const auto message = Platform::JSONValue::parse(data);
-    const auto* type = message ? message->stringMember("type") : nullptr;
+    if (!message) {
+        return Reply::error("frame is not a JSON object with a type");
+    }
+    const auto* type = message->stringMember("type");
     if (type == nullptr) {
         return Reply::error("frame is not a JSON object with a type");
     }

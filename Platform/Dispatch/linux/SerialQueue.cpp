@@ -279,7 +279,7 @@ void SerialQueue::State::makeRoom() {
     const auto quietest = std::min_element(
         polledSources_.begin() + firstSourceIndex, polledSources_.end(),
         [](const auto& left, const auto& right) { return left->lastFired < right->lastFired; });
-    const auto source = *quietest;
+    auto source = *quietest; // a copy, as unwatching moves what the place holds
     epoll_event event = {};
     event.events = EPOLLIN;
     event.data.ptr = source.get();
