@@ -33,7 +33,9 @@ function(keyloft_library name alias)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;PUBLIC;PRIVATE")
   add_library(${name} STATIC ${arg_SOURCES})
   add_library(${alias} ALIAS ${name})
-  target_link_libraries(${name} PUBLIC KeyloftOptions ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+  # Our own options stay at home: whoever links an installed library has warnings of their own.
+  target_link_libraries(${name} PUBLIC "$<BUILD_INTERFACE:KeyloftOptions>" ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+  target_compile_features(${name} PUBLIC cxx_std_23)
 endfunction()
 
 # keyloft_test(NAME SOURCES … LINK …)

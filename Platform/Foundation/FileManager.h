@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,9 +62,13 @@ public:
     std::vector<URL> applicationSupportDirectories() const;
 
     /// Creates a directory. With intermediate directories, those missing on the way are created as well and
-    /// an existing directory is fine; without, it is an error. Throws FileError.
-    void createDirectory(const std::string& path, bool withIntermediateDirectories) const;
-    void createDirectory(const URL& url, bool withIntermediateDirectories) const;
+    /// an existing directory is fine; without, it is an error. Every directory created has exactly
+    /// `posixPermissions` if they are given, else the user's default; one that exists keeps its own. Throws
+    /// FileError.
+    void createDirectory(const std::string& path, bool withIntermediateDirectories,
+                         std::optional<unsigned> posixPermissions = std::nullopt) const;
+    void createDirectory(const URL& url, bool withIntermediateDirectories,
+                         std::optional<unsigned> posixPermissions = std::nullopt) const;
 
     /// The whole contents of a regular file, symbolic links followed. Never waits for a pipe's or device's
     /// other end: those are no regular files. Throws FileError.

@@ -1,16 +1,25 @@
 #!/usr/bin/env python3
 """Writes the inputs of recorded answers as files of a fuzzing corpus.
 
-usage: make_corpus.py DIRECTORY VECTORS.jsonl…
+usage: make_corpus.py [--frames] DIRECTORY VECTORS.jsonl…
 """
 
 import base64
 import json
 import pathlib
+import struct
 import sys
 
 # Where "in" is the base64 of bytes rather than text.
 BINARY = {"bookmarks-decode", "json"}
+
+
+def json_of_fragment(fragment):
+    body = fragment.partition("=")[2].rstrip("=").replace("-", "+").replace("_", "/")
+    try:
+        yield base64.b64decode(body + "=" * (-len(body) % 4))
+    except ValueError:
+        pass
 
 
 def seeds(path):
@@ -19,18 +28,26 @@ def seeds(path):
         value = row["in"]
         if path.stem in BINARY:
             yield base64.b64decode(value)
+        elif path.stem == "reply":
+            yield base64.b64decode(value["payload"])
         elif isinstance(value, str):
             yield value.encode("utf-8")
+            if path.stem == "target":
+                yield from json_of_fragment(value)
         else:
             # What was encoded is the more telling input for a decoder.
             yield row["out"].encode("utf-8")
 
 
 def main():
-    directory = pathlib.Path(sys.argv[1])
+    arguments = sys.argv[1:]
+    frames = arguments[0] == "--frames"
+    directory, *files = map(pathlib.Path, arguments[1:] if frames else arguments)
     directory.mkdir(parents=True, exist_ok=True)
-    for vectors in map(pathlib.Path, sys.argv[2:]):
+    for vectors in files:
         for number, seed in enumerate(seeds(vectors)):
+            if frames:
+                seed = bytes([number % 256]) + struct.pack("<I", len(seed)) + seed
             (directory / f"{vectors.stem}-{number:05}").write_bytes(seed)
 
 

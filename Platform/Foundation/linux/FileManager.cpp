@@ -301,6 +301,14 @@ bool isDirectory(const std::string& path) {
 
 constexpr mode_t directoryMode = 0777;
 
+/// `mkdir`, after which permissions that were asked for hold whatever the process's mask takes away.
+int makeDirectory(const std::string& path, std::optional<unsigned> posixPermissions) {
+    if (mkdir(path.c_str(), posixPermissions.value_or(directoryMode)) != 0) {
+        return -1;
+    }
+    return posixPermissions ? chmod(path.c_str(), *posixPermissions) : 0;
+}
+
 /// The path that `path` is an entry of; empty where it names none.
 std::string_view parentOf(std::string_view path) {
     const std::size_t end = path.find_last_not_of('/');
@@ -309,15 +317,16 @@ std::string_view parentOf(std::string_view path) {
                                            : path.substr(0, std::max<std::size_t>(slash, 1));
 }
 
-void createMissingDirectories(const Task& task, const std::string& path) {
+void createMissingDirectories(const Task& task, const std::string& path,
+                              std::optional<unsigned> posixPermissions) {
     // What exists is left alone, so that a directory in which nothing can be created is no obstacle on the
     // way.
-    if (isDirectory(path) || mkdir(path.c_str(), directoryMode) == 0) {
+    if (isDirectory(path) || makeDirectory(path, posixPermissions) == 0) {
         return;
     }
     if (const std::string parent(parentOf(path)); errno == ENOENT && !parent.empty()) {
-        createMissingDirectories(task, parent);
-        if (mkdir(path.c_str(), directoryMode) == 0) {
+        createMissingDirectories(task, parent, posixPermissions);
+        if (makeDirectory(path, posixPermissions) == 0) {
             return;
         }
     }
@@ -354,18 +363,20 @@ std::vector<URL> FileManager::applicationSupportDirectories() const {
     return {homeDirectory().appendingPathComponent("Library/Application Support", true)};
 }
 
-void FileManager::createDirectory(const std::string& path, bool withIntermediateDirectories) const {
+void FileManager::createDirectory(const std::string& path, bool withIntermediateDirectories,
+                                  std::optional<unsigned> posixPermissions) const {
     const Task task = {.subject = "directory", .verb = "created", .path = path};
     task.requireUsablePath();
     if (withIntermediateDirectories) {
-        createMissingDirectories(task, path);
-    } else if (mkdir(path.c_str(), directoryMode) != 0) {
+        createMissingDirectories(task, path, posixPermissions);
+    } else if (makeDirectory(path, posixPermissions) != 0) {
         throw task.failure(errno);
     }
 }
 
-void FileManager::createDirectory(const URL& url, bool withIntermediateDirectories) const {
-    createDirectory(url.filePath(), withIntermediateDirectories);
+void FileManager::createDirectory(const URL& url, bool withIntermediateDirectories,
+                                  std::optional<unsigned> posixPermissions) const {
+    createDirectory(url.filePath(), withIntermediateDirectories, posixPermissions);
 }
 
 std::string FileManager::contents(const std::string& path) const {

@@ -1,0 +1,353 @@
+// A whole exchange through the relay (connect, request, reply, close) beside the same bytes in plain system
+// calls.
+//
+// Both servers run in processes of their own; the client, in this one, turns from one to the other in short
+// blocks, so that whatever else the machine does meets both alike. Prints medians, 99th percentiles,
+// exchanges a second and their ratios.
+
+#include "KeyloftCore/AuthorizeRequest.h"
+#include "KeyloftCore/NativeMessageFrame.h"
+#include "KeyloftCore/RelayListener.h"
+#include "KeyloftCore/RelayProtocol.h"
+#include "KeyloftCore/RelaySocketClient.h"
+#include "Platform/Foundation/JSON.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Platform::JSONValue;
+
+constexpr std::string_view nonce = "ABCDEFGHIJKLMNOPQRST-_";
+constexpr std::string_view redirect = "https://client.example/callback/of/some/length?and=a&query=string";
+
+std::string confirmMessage() {
+    const JSONValue::Object message{
+        {"type", "confirm"}, {"redirectUri", redirect}, {"state", std::string(150, 's')}, {"nonce", nonce}};
+    return Platform::compactJSON(message, Platform::JSONSlashes::plain);
+}
+
+KeyloftCore::AuthorizeRequest pendingRequest() {
+    const auto url =
+        "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example/callback/of/some/"
+        "length&state=" +
+        std::string(150, 's');
+    return {*Platform::URL::fromString(url), std::string(nonce)};
+}
+
+std::string replyMessage() {
+    return Platform::compactJSON(KeyloftCore::RelayProtocol::reply(confirmMessage(), pendingRequest()).json(),
+                                 Platform::JSONSlashes::plain);
+}
+
+void require(bool condition, const char* what) {
+    if (!condition) {
+        std::perror(what);
+        std::_Exit(1);
+    }
+}
+
+bool readFully(int descriptor, char* bytes, std::size_t count) {
+    std::size_t got = 0;
+    while (got < count) {
+        const auto now = read(descriptor, bytes + got, count - got);
+        if (now < 0 && errno == EINTR) {
+            continue;
+        }
+        if (now <= 0) {
+            return false;
+        }
+        got += static_cast<std::size_t>(now);
+    }
+    return true;
+}
+
+bool writeFully(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const auto now = send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (now < 0 && errno == EINTR) {
+            continue;
+        }
+        if (now <= 0) {
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(now));
+    }
+    return true;
+}
+
+sockaddr_un addressOf(const std::string& path) {
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    return address;
+}
+
+/// Starts `serve` in a process of its own and waits until it says that it is ready.
+class ServerProcess {
+public:
+    explicit ServerProcess(const std::function<void(const std::function<void()>& ready)>& serve) {
+        std::array<int, 2> ends = {};
+        require(pipe2(ends.data(), O_CLOEXEC) == 0, "pipe2");
+        process_ = fork();
+        require(process_ >= 0, "fork");
+        if (process_ == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            serve([&] { require(write(ends[1], "x", 1) == 1, "write"); });
+            std::_Exit(1);
+        }
+        char byte = 0;
+        require(read(ends[0], &byte, 1) == 1, "server");
+        close(ends[0]);
+        close(ends[1]);
+    }
+    ServerProcess(const ServerProcess&) = delete;
+    ServerProcess& operator=(const ServerProcess&) = delete;
+    ~ServerProcess() {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+    }
+
+    /// What its threads have had of a processor.
+    double processorMicroseconds() const {
+        double total = 0;
+        const auto tasks = "/proc/" + std::to_string(process_) + "/task";
+        for (const auto& task : std::filesystem::directory_iterator(tasks)) {
+            std::ifstream file(task.path() / "schedstat");
+            double nanoseconds = 0;
+            file >> nanoseconds;
+            total += nanoseconds / 1e3;
+        }
+        return total;
+    }
+
+private:
+    pid_t process_ = -1;
+};
+
+[[noreturn]] void serveBare(const std::string& path, const std::string& request, const std::string& reply,
+                            const std::function<void()>& ready) {
+    const int listening = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const auto address = addressOf(path);
+    require(bind(listening, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "bind");
+    // The relay's own backlog: with another one the two would not be asked the same.
+    require(listen(listening, 4) == 0, "listen");
+    ready();
+    // On a thread of its own, as the relay's host has others to do.
+    std::thread([&] {
+        std::string buffer(request.size(), '\0');
+        for (;;) {
+            const int connection = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
+            if (connection < 0) {
+                continue;
+            }
+            if (readFully(connection, buffer.data(), buffer.size())) {
+                writeFully(connection, reply);
+            }
+            close(connection);
+        }
+    }).join();
+    std::_Exit(1);
+}
+
+[[noreturn]] void serveRelay(const std::string& path, KeyloftCore::RelayListener::OnFrame onFrame,
+                             const std::function<void()>& ready) {
+    KeyloftCore::RelayListener listener;
+    listener.listen(path, std::move(onFrame));
+    ready();
+    for (;;) {
+        pause();
+    }
+}
+
+void exchangeBare(const std::string& path, const std::string& request, std::size_t replySize) {
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const auto address = addressOf(path);
+    require(connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "connect");
+    require(writeFully(descriptor, request), "write");
+    std::array<char, 256> reply = {};
+    require(readFully(descriptor, reply.data(), replySize), "read");
+    close(descriptor);
+}
+
+void exchangeRelay(const std::string& path, const std::string& request, std::size_t replySize) {
+    const auto client = KeyloftCore::RelaySocketClient::connect(path);
+    client.writeFrame(request);
+    const auto reply = client.readFrame(5);
+    require(reply && reply->size() == replySize, "readFrame");
+    client.close();
+}
+
+struct Contender {
+    const char* name;
+    std::function<void()> exchange;
+    const ServerProcess* server;
+    double serverMicroseconds;
+    std::vector<double> microseconds;
+    std::vector<double> perSecondAlone;
+    std::vector<double> perSecondTogether;
+};
+
+double percentile(std::vector<double> values, double part) {
+    std::ranges::sort(values);
+    return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1))];
+}
+
+void timeEach(Contender& contender, int count) {
+    const double before = contender.server->processorMicroseconds();
+    for (int turn = 0; turn < count; ++turn) {
+        const auto begin = Clock::now();
+        contender.exchange();
+        contender.microseconds.push_back(
+            std::chrono::duration<double, std::micro>(Clock::now() - begin).count());
+    }
+    contender.serverMicroseconds += contender.server->processorMicroseconds() - before;
+}
+
+double perSecond(const Contender& contender, int clients, std::chrono::milliseconds duration) {
+    std::atomic<bool> stop = false;
+    std::atomic<std::uint64_t> total = 0;
+    std::vector<std::thread> threads;
+    const auto begin = Clock::now();
+    for (int client = 0; client < clients; ++client) {
+        threads.emplace_back([&] {
+            std::uint64_t own = 0;
+            while (!stop) {
+                contender.exchange();
+                ++own;
+            }
+            total += own;
+        });
+    }
+    std::this_thread::sleep_for(duration);
+    stop = true;
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    return static_cast<double>(total) / std::chrono::duration<double>(Clock::now() - begin).count();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const int rounds = argc > 1 ? std::atoi(argv[1]) : 60;
+    if (rounds < 1) {
+        std::fprintf(stderr, "usage: %s [rounds]\n", argv[0]);
+        return 2;
+    }
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    std::string pattern = (std::filesystem::temp_directory_path() / "relay-benchmark-XXXXXX").string();
+    require(mkdtemp(pattern.data()) != nullptr, "mkdtemp");
+    const std::string directory = pattern;
+
+    const std::string request = confirmMessage();
+    const std::string reply = replyMessage();
+    const std::string requestFrame = KeyloftCore::NativeMessageFrame::encode(request);
+    const std::string replyFrame = KeyloftCore::NativeMessageFrame::encode(reply);
+    const std::string barePath = directory + "/bare.sock";
+    const std::string relayPath = directory + "/relay.sock";
+    const std::string hostPath = directory + "/host.sock";
+
+    {
+        const ServerProcess bare(
+            [&](const auto& ready) { serveBare(barePath, requestFrame, replyFrame, ready); });
+        const ServerProcess relay([&](const auto& ready) {
+            serveRelay(relayPath, [&](const std::string&, const auto& answer) { answer(reply); }, ready);
+        });
+        const ServerProcess host([&](const auto& ready) {
+            serveRelay(
+                hostPath,
+                [pending = pendingRequest()](const std::string& message, const auto& answer) {
+                    const auto json = KeyloftCore::RelayProtocol::reply(message, pending).json();
+                    answer(Platform::compactJSON(json, Platform::JSONSlashes::plain));
+                },
+                ready);
+        });
+        std::array contenders = {
+            Contender{.name = "plain system calls",
+                      .exchange = [&] { exchangeBare(barePath, requestFrame, replyFrame.size()); },
+                      .server = &bare,
+                      .serverMicroseconds = 0,
+                      .microseconds = {},
+                      .perSecondAlone = {},
+                      .perSecondTogether = {}},
+            Contender{.name = "relay",
+                      .exchange = [&] { exchangeRelay(relayPath, request, reply.size()); },
+                      .server = &relay,
+                      .serverMicroseconds = 0,
+                      .microseconds = {},
+                      .perSecondAlone = {},
+                      .perSecondTogether = {}},
+            Contender{.name = "relay, message judged",
+                      .exchange = [&] { exchangeRelay(hostPath, request, reply.size()); },
+                      .server = &host,
+                      .serverMicroseconds = 0,
+                      .microseconds = {},
+                      .perSecondAlone = {},
+                      .perSecondTogether = {}},
+        };
+        for (auto& contender : contenders) {
+            timeEach(contender, 500);
+            contender.microseconds.clear();
+            contender.serverMicroseconds = 0;
+        }
+        for (int round = 0; round < rounds; ++round) {
+            for (auto& contender : contenders) {
+                timeEach(contender, 300);
+            }
+        }
+        for (int round = 0; round < std::max(3, rounds / 6); ++round) {
+            for (auto& contender : contenders) {
+                contender.perSecondAlone.push_back(perSecond(contender, 1, std::chrono::milliseconds(150)));
+            }
+            for (auto& contender : contenders) {
+                contender.perSecondTogether.push_back(
+                    perSecond(contender, 8, std::chrono::milliseconds(150)));
+            }
+        }
+
+        std::printf("request %zu bytes, reply %zu bytes, %zu exchanges each\n", request.size(), reply.size(),
+                    contenders[0].microseconds.size());
+        std::printf("%-24s %18s %18s %18s %18s %18s\n", "", "median us", "p99 us", "server's CPU us",
+                    "1 client /s", "8 clients /s");
+        const auto& floor = contenders[0];
+        for (const auto& contender : contenders) {
+            const auto cell = [&](double value, double base) {
+                std::printf(" %10.1f (x%.2f)", value, value / base);
+            };
+            std::printf("%-24s", contender.name);
+            cell(percentile(contender.microseconds, 0.5), percentile(floor.microseconds, 0.5));
+            cell(percentile(contender.microseconds, 0.99), percentile(floor.microseconds, 0.99));
+            cell(contender.serverMicroseconds / static_cast<double>(contender.microseconds.size()),
+                 floor.serverMicroseconds / static_cast<double>(floor.microseconds.size()));
+            cell(percentile(contender.perSecondAlone, 0.5), percentile(floor.perSecondAlone, 0.5));
+            cell(percentile(contender.perSecondTogether, 0.5), percentile(floor.perSecondTogether, 0.5));
+            std::printf("\n");
+        }
+    }
+    std::filesystem::remove_all(directory);
+    return 0;
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "KeyloftCore/RelayTarget.h"
+#include "KeyloftCore/ResponseMode.h"
+#include "Platform/Foundation/JSON.h"
+#include "Platform/Foundation/URL.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace KeyloftCore {
+
+/// A validated Sign in with Apple authorize URL that waits for its result. A plain value, never changed once
+/// made.
+///
+/// All comparisons are of bytes: no case folding, no canonical equivalence.
+class AuthorizeRequest {
+public:
+    /// The one host that serves authorize URLs.
+    static constexpr std::string_view authorizationHost = "appleid.apple.com";
+
+    /// Validates `url` and reads its query's first "redirect_uri", "response_mode" and "state". `relayNonce`
+    /// is taken as it is.
+    ///
+    /// Throws HostError::badRequest: first where the URL is not https on the authorization host with the path
+    /// "/auth/authorize", then where "redirect_uri" is missing or not an https URL.
+    AuthorizeRequest(Platform::URL url, std::string relayNonce);
+
+    /// As it was given.
+    const Platform::URL& url() const { return url_; }
+    const Platform::URL& redirectURI() const { return redirectURI_; }
+    /// `query` where the URL names none, or none that is known.
+    ResponseMode responseMode() const { return responseMode_; }
+    /// Absent where the URL has no state, or one without "="; "state=" is an empty, present one.
+    const std::optional<std::string>& state() const { return state_; }
+    const std::string& relayNonce() const { return relayNonce_; }
+
+    /// Whether `url` goes to the redirect URI: same scheme, host, effective port and path, where an empty
+    /// path is "/". Query, fragment and credentials are not looked at. A path that decodes to no UTF-8, and a
+    /// port too large for an integer, match nothing.
+    bool matchesRedirect(const Platform::URL& url) const;
+
+    /// Whether `value` is there, is a string and is this request's nonce. Null is no value.
+    bool matchesNonce(const Platform::JSONValue* value) const;
+
+    RelayTarget relayTarget() const;
+
+    /// The authorize URL for the relay: the first "response_mode" turned into "form_post" (or that appended),
+    /// and the relay target as its fragment. Everything else is kept as it was encoded.
+    Platform::URL safariRelayURL() const;
+
+    /// The port that `url` reaches: its own, else 443 for "https" and 80 for "http", else none.
+    static std::optional<std::int64_t> effectivePort(const Platform::URL& url);
+
+private:
+    Platform::URL url_;
+    Platform::URL redirectURI_;
+    ResponseMode responseMode_ = ResponseMode::query;
+    std::optional<std::string> state_;
+    std::string relayNonce_;
+};
+
+} // namespace KeyloftCore

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace KeyloftCore {
+
+/// Why an authorization could not be begun or completed. `code` and `message` are what a host tells its
+/// caller.
+class HostError : public std::exception {
+public:
+    enum class Case {
+        badRequest,
+        noNativeSheet,
+        internalError,
+        cancelled,
+        timeout,
+    };
+
+    static HostError badRequest(std::string message) { return {Case::badRequest, std::move(message)}; }
+    static HostError noNativeSheet(std::string message) { return {Case::noNativeSheet, std::move(message)}; }
+    static HostError internalError(std::string message) { return {Case::internalError, std::move(message)}; }
+    static HostError cancelled() { return {Case::cancelled, "user cancelled"}; }
+    static HostError timeout() { return {Case::timeout, "timed out"}; }
+
+    Case kind() const noexcept { return kind_; }
+    /// "bad_request", "no_native_sheet", "internal", "cancelled" or "timeout".
+    std::string_view code() const noexcept;
+    const std::string& message() const noexcept { return message_; }
+    const char* what() const noexcept override { return message_.c_str(); }
+
+private:
+    HostError(Case kind, std::string message)
+        : kind_(kind)
+        , message_(std::move(message)) {}
+
+    Case kind_;
+    std::string message_;
+};
+
+} // namespace KeyloftCore

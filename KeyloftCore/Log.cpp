@@ -1,0 +1,35 @@
+#include "KeyloftCore/Log.h"
+
+#include "Platform/Foundation/Characters.h"
+#include "Platform/POSIX/UnixSocket.h"
+
+#include <unistd.h>
+
+#include <cstddef>
+
+namespace KeyloftCore {
+
+namespace {
+
+constexpr std::size_t shownWhole = 12;
+constexpr std::size_t shownOfLonger = 8;
+
+} // namespace
+
+void log(std::string_view message) {
+    std::string line(message);
+    line.push_back('\n');
+    // A reader of the log that has gone must not take the process with it.
+    [[maybe_unused]] const auto written =
+        Platform::writeWithoutSignal(STDERR_FILENO, line.data(), line.size());
+}
+
+std::string redact(std::string_view value) {
+    const auto count = Platform::characterCount(value);
+    if (count <= shownWhole) {
+        return std::string(value);
+    }
+    return Platform::characterPrefix(value, shownOfLonger) + "…(" + std::to_string(count) + ")";
+}
+
+} // namespace KeyloftCore

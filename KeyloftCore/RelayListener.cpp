@@ -1,0 +1,335 @@
+#include "KeyloftCore/RelayListener.h"
+
+#include "KeyloftCore/FrameDecoder.h"
+#include "KeyloftCore/NativeMessageFrame.h"
+#include "KeyloftCore/RelaySocketAddress.h"
+#include "KeyloftCore/RelaySocketError.h"
+#include "Platform/Dispatch/ReadSource.h"
+#include "Platform/Dispatch/SerialQueue.h"
+#include "Platform/Foundation/FileManager.h"
+#include "Platform/POSIX/UnixSocket.h"
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace KeyloftCore {
+
+namespace {
+
+constexpr std::size_t readSize = 65'536;
+constexpr int backlog = 4;
+constexpr mode_t directoryMode = 0700;
+constexpr mode_t socketMode = 0600;
+constexpr mode_t maskForBind = 0077;
+constexpr std::chrono::seconds sendTimeout(3);
+
+/// A descriptor that something else in the process gave back is not announced to anyone, so it is looked for.
+constexpr std::chrono::milliseconds pauseWithoutDescriptors(1000);
+
+/// Which file a path leads to.
+struct FileIdentity {
+    std::uint64_t dev;
+    std::uint64_t ino;
+
+    static std::optional<FileIdentity> of(const std::string& path) {
+        struct stat status = {};
+        if (stat(path.c_str(), &status) != 0) {
+            return std::nullopt;
+        }
+        return FileIdentity{.dev = status.st_dev, .ino = status.st_ino};
+    }
+
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
+std::string deletingLastPathComponent(std::string path) {
+    const auto dropSlashes = [&] {
+        while (path.size() > 1 && path.back() == '/') {
+            path.pop_back();
+        }
+    };
+    dropSlashes();
+    path.resize(path.rfind('/') + 1);
+    dropSlashes();
+    return path;
+}
+
+/// Whether accepting failed because the process or the system has run out of something. The connection still
+/// waits then, and would be announced again at once and for ever.
+bool isShortage(int error) {
+    return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+}
+
+/// Writes one frame, or gives the peer up. Nearly every reply is taken at once, so the time-out is set for
+/// those that are not.
+void sendFrame(int fd, std::string_view payload) {
+    const auto frame = NativeMessageFrame::encode(payload);
+    const auto taken = Platform::writeAtOnce(fd, frame.data(), frame.size());
+    const auto rest = std::string_view(frame).substr(static_cast<std::size_t>(std::max<ssize_t>(taken, 0)));
+    if (!rest.empty()) {
+        Platform::setSendTimeout(fd, sendTimeout);
+        RelayListener::writeAll(fd, rest);
+    }
+}
+
+struct Connection {
+    Connection(Platform::SerialQueue& queue, int descriptor)
+        : fd(descriptor)
+        , source(queue, descriptor) {}
+
+    const int fd;
+    FrameDecoder decoder;
+    Platform::ReadSource source;
+};
+
+} // namespace
+
+/// What the callbacks hold (weakly) in the listener's place, so that none of them ever holds its last
+/// reference.
+struct RelayListener::State : std::enable_shared_from_this<RelayListener::State> {
+    void listen(const std::string& path, OnFrame onFrame);
+    void stop();
+    void release();
+
+    void acceptOne(const std::shared_ptr<const OnFrame>& onFrame);
+    void pauseAccepting();
+    void resumeAccepting();
+    void open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame);
+    void readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
+    void readEarly(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
+    void take(ssize_t count, const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
+    Reply replyFor(const std::shared_ptr<Connection>& connection);
+
+    // The owner's thread's own.
+    int fd = -1;
+    std::optional<std::string> path;
+    std::optional<FileIdentity> inode;
+    // The queue's own, once listening.
+    std::shared_ptr<Platform::ReadSource> acceptSource;
+    std::vector<std::shared_ptr<Connection>> readers;
+    bool acceptingPaused = false;
+    std::array<char, readSize> buffer;
+    // Last, and so first to go: what still runs on it finds the rest of this in place.
+    Platform::SerialQueue queue{"velde.orvane.keyloft.relay-listener"};
+};
+
+RelayListener::RelayListener()
+    : state_(std::make_shared<State>()) {}
+
+RelayListener::~RelayListener() {
+    if (state_->queue.isCurrent()) {
+        state_->stop();
+        state_->release();
+    } else {
+        close();
+    }
+}
+
+void RelayListener::listen(const std::string& path, OnFrame onFrame) {
+    state_->listen(path, std::move(onFrame));
+}
+
+void RelayListener::close() {
+    state_->queue.sync([this] { state_->stop(); });
+    state_->release();
+}
+
+bool RelayListener::writeAll(int fd, std::string_view data) {
+    while (!data.empty()) {
+        const auto written = Platform::writeWithoutSignal(fd, data.data(), data.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        data.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame) {
+    Platform::FileManager::defaultManager().createDirectory(deletingLastPathComponent(socketPath), true,
+                                                            directoryMode);
+    unlink(socketPath.c_str());
+    const auto address = sockaddrUn(socketPath);
+    const int listening = Platform::openUnixSocket();
+    if (listening < 0) {
+        throw RelaySocketError::syscall("socket", errno);
+    }
+
+    // The mask is the whole process's: nothing else belongs between these two calls.
+    const auto mask = umask(maskForBind);
+    const int bound = Platform::bindUnixSocket(listening, address);
+    const int bindError = errno;
+    umask(mask);
+    if (bound != 0) {
+        ::close(listening);
+        throw RelaySocketError::syscall("bind", bindError);
+    }
+    chmod(socketPath.c_str(), socketMode);
+    if (::listen(listening, backlog) != 0) {
+        const int error = errno;
+        ::close(listening);
+        unlink(socketPath.c_str());
+        throw RelaySocketError::syscall("listen", error);
+    }
+
+    fd = listening;
+    path = socketPath;
+    inode = FileIdentity::of(socketPath);
+    acceptSource = std::make_shared<Platform::ReadSource>(queue, listening);
+    acceptSource->setEventHandler(
+        [weak = weak_from_this(), handler = std::make_shared<const OnFrame>(std::move(onFrame))] {
+            if (const auto self = weak.lock()) {
+                self->acceptOne(handler);
+            }
+        });
+    acceptSource->resume();
+}
+
+/// On the queue. The connections' cancel handlers close them afterwards.
+void RelayListener::State::stop() {
+    if (const auto source = std::exchange(acceptSource, nullptr)) {
+        source->cancel();
+    }
+    for (const auto& connection : readers) {
+        connection->source.cancel();
+    }
+}
+
+void RelayListener::State::release() {
+    if (fd >= 0) {
+        ::close(std::exchange(fd, -1));
+    }
+    if (path) {
+        // Another listener may have put its own socket there since.
+        if (inode && FileIdentity::of(*path) == inode) {
+            unlink(path->c_str());
+        }
+        path.reset();
+        inode.reset();
+    }
+}
+
+void RelayListener::State::acceptOne(const std::shared_ptr<const OnFrame>& onFrame) {
+    const int connection = Platform::acceptUnixSocket(fd);
+    if (connection < 0) {
+        if (isShortage(errno)) {
+            pauseAccepting();
+        }
+        return;
+    }
+    if (Platform::unixSocketPeerUser(connection) != getuid()) {
+        ::close(connection);
+        return;
+    }
+    open(connection, onFrame);
+}
+
+void RelayListener::State::pauseAccepting() {
+    acceptingPaused = true;
+    acceptSource->suspend();
+    queue.asyncAfter(pauseWithoutDescriptors, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) {
+            self->resumeAccepting();
+        }
+    });
+}
+
+void RelayListener::State::resumeAccepting() {
+    if (std::exchange(acceptingPaused, false) && acceptSource) {
+        acceptSource->resume();
+    }
+}
+
+void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame) {
+    const auto connection = std::make_shared<Connection>(queue, connectionDescriptor);
+    const auto weak = weak_from_this();
+    // The listener's list alone owns the connection; a reply that is kept for long keeps its memory, nothing
+    // else.
+    const std::weak_ptr<Connection> weakConnection = connection;
+    connection->source.setEventHandler([weak, weakConnection, onFrame] {
+        const auto self = weak.lock();
+        const auto reading = weakConnection.lock();
+        if (self && reading) {
+            self->readOnce(reading, *onFrame);
+        }
+    });
+    connection->source.setCancelHandler([weak, connectionDescriptor, identity = connection.get()] {
+        ::close(connectionDescriptor);
+        if (const auto self = weak.lock()) {
+            std::erase_if(self->readers, [&](const auto& reader) { return reader.get() == identity; });
+            self->resumeAccepting();
+        }
+    });
+    readers.push_back(connection);
+    connection->source.resume();
+    readEarly(connection, *onFrame);
+}
+
+void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
+    // The analyzer takes a weak pointer's lock for a mutex's.
+    take(read(connection->fd, buffer.data(), buffer.size()), // NOLINT(clang-analyzer-unix.BlockInCriticalSection)
+         connection, onFrame);
+}
+
+/// Most peers have sent their request before their connection is accepted: a look saves waiting for the
+/// source.
+void RelayListener::State::readEarly(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
+    // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection): as above
+    const auto count = recv(connection->fd, buffer.data(), buffer.size(), MSG_DONTWAIT);
+    if (count >= 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
+        take(count, connection, onFrame);
+    }
+}
+
+/// What a read into the buffer has given: bytes, the stream's end (0) or a failure (-1).
+void RelayListener::State::take(ssize_t count, const std::shared_ptr<Connection>& connection,
+                                const OnFrame& onFrame) {
+    if (count <= 0) {
+        connection->source.cancel();
+        return;
+    }
+    std::vector<std::string> payloads;
+    try {
+        payloads = connection->decoder.append({buffer.data(), static_cast<std::size_t>(count)});
+        if (payloads.empty()) {
+            return;
+        }
+    } catch (const NativeMessageFrame::DecodeError&) {
+        connection->source.cancel();
+        return;
+    }
+    onFrame(std::move(payloads.front()), replyFor(connection));
+}
+
+RelayListener::Reply RelayListener::State::replyFor(const std::shared_ptr<Connection>& connection) {
+    return [weak = weak_from_this(), connection](std::string payload) {
+        const auto self = weak.lock();
+        if (!self) {
+            return;
+        }
+        self->queue.async([weak, connection, payload = std::move(payload)] {
+            const auto listener = weak.lock();
+            if (!listener || connection->source.isCancelled()) {
+                return;
+            }
+            sendFrame(connection->fd, payload);
+            connection->source.cancel();
+        });
+    };
+}
+
+} // namespace KeyloftCore

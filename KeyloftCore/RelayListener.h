@@ -1,0 +1,55 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace KeyloftCore {
+
+/// The listening end of the relay: a Unix-domain socket through which processes of the same user ask one
+/// question per connection and get one answer.
+///
+/// All work, `onFrame` included, runs on one private serial queue ("velde.orvane.keyloft.relay-listener"); no
+/// call blocks it waiting for a client, except that a client that does not read its reply is given up after 3
+/// seconds. `listen` and `close` belong to the owner, one thread at a time.
+class RelayListener {
+public:
+    /// Sends the reply of one connection as one frame and closes it. May be called from any thread, at any
+    /// time, by any copy; the first call counts. Does nothing once the peer has gone or the listener is
+    /// closed or destroyed. A reply that cannot be written is not reported.
+    using Reply = std::function<void(std::string payload)>;
+    /// Gets the payload of a request. Must not throw.
+    using OnFrame = std::function<void(std::string request, Reply reply)>;
+
+    /// Throws std::system_error where the system has no thread or descriptor left for the queue.
+    RelayListener();
+    RelayListener(const RelayListener&) = delete;
+    RelayListener& operator=(const RelayListener&) = delete;
+    /// Closes. Unlike `close` it may happen on the queue, in `onFrame` above all.
+    ~RelayListener();
+
+    /// Removes whatever file is at `path`, listens there and calls `onFrame` for each request. The directory
+    /// is created if it is missing, with mode 0700 as are those above it; the socket has mode 0600. Called
+    /// once.
+    ///
+    /// Throws Platform::FileError where the directory cannot be made, and RelaySocketError: `pathTooLong` for
+    /// a path of 104 bytes or more, `syscall` for "socket", "bind" and "listen". Nothing stays open then.
+    void listen(const std::string& path, OnFrame onFrame);
+
+    /// Stops listening, closes every connection without a reply, and removes the socket file if it is still
+    /// the one that this listener made. Harmless twice, or before `listen`. Waits for the queue, hence never
+    /// called on it: that stops the process.
+    void close();
+
+    /// Writes all of `data` to a socket or pipe, going on after interruptions. False, with `errno`, once that
+    /// fails; a closed peer is an error and no signal.
+    static bool writeAll(int fd, std::string_view data);
+
+private:
+    struct State;
+
+    std::shared_ptr<State> state_;
+};
+
+} // namespace KeyloftCore

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace KeyloftCore {
+
+/// The connecting end of the relay. Every call blocks its caller; connect, write, read and close, in this
+/// order.
+///
+/// A value that names a descriptor and does not own it: copies share it, and nobody closes it but `close`.
+class RelaySocketClient {
+public:
+    /// Throws RelaySocketError: `pathTooLong`, or `syscall` for "socket" and "connect" (nobody listens:
+    /// ENOENT or ECONNREFUSED). There is no time limit.
+    static RelaySocketClient connect(const std::string& path);
+
+    /// The connected socket.
+    int fd() const { return fd_; }
+
+    /// Sends one frame, of any length. Throws RelaySocketError::syscall("write").
+    void writeFrame(std::string_view payload) const;
+
+    /// The first frame that the peer sends, or nothing where it closes, fails, sends a frame beyond the
+    /// limit, or is silent for `timeout` seconds (microseconds count; 0 is no limit). Each wait is limited,
+    /// not the whole: a peer that sends a byte now and then can go on for long. A time-out that is not
+    /// finite, or too large for the system, stops the process.
+    std::optional<std::string> readFrame(double timeout) const;
+
+    /// Closes the descriptor. Called once, for all copies.
+    void close() const;
+
+private:
+    explicit RelaySocketClient(int fd)
+        : fd_(fd) {}
+
+    int fd_;
+};
+
+} // namespace KeyloftCore

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace KeyloftCore {
+
+/// Why the relay socket could not be made, reached or written to.
+class RelaySocketError : public std::exception {
+public:
+    enum class Case {
+        syscall,     ///< `call` failed with `code`
+        pathTooLong, ///< the path does not fit in a socket address
+    };
+
+    /// `call` is the system call's name; `code` its `errno`.
+    static RelaySocketError syscall(std::string_view call, std::int32_t code);
+    static RelaySocketError pathTooLong();
+
+    Case kind() const noexcept { return kind_; }
+    /// Empty and 0 for `pathTooLong`.
+    const std::string& call() const noexcept { return call_; }
+    std::int32_t code() const noexcept { return code_; }
+    /// `syscall("connect", 2)`
+    const char* what() const noexcept override { return text_.c_str(); }
+
+    friend bool operator==(const RelaySocketError& left, const RelaySocketError& right) {
+        return left.kind_ == right.kind_ && left.call_ == right.call_ && left.code_ == right.code_;
+    }
+
+private:
+    RelaySocketError(Case kind, std::string_view call, std::int32_t code, std::string text);
+
+    Case kind_;
+    std::string call_;
+    std::int32_t code_;
+    std::string text_;
+};
+
+} // namespace KeyloftCore

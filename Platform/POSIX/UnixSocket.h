@@ -1,0 +1,47 @@
+#pragma once
+
+#include <sys/types.h>
+#include <sys/un.h>
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+
+namespace Platform {
+
+/// Where systems differ about Unix-domain stream sockets. Everything else about them is plain POSIX. Each
+/// operation is one system call's worth: it fails with -1 (or nothing) and `errno`, and never repeats an
+/// interrupted call.
+///
+/// Descriptors made here are closed on exec. Safe on any thread.
+
+/// A new socket, not connected, on which writing to a closed peer raises no signal.
+int openUnixSocket();
+
+/// `bind` and `connect` to a file. An empty path is no file: ENOENT, where some systems would go by a name
+/// outside the file system, which no file mode protects.
+int bindUnixSocket(int descriptor, const sockaddr_un& address);
+int connectUnixSocket(int descriptor, const sockaddr_un& address);
+
+/// The next connection that waits, blocking as the listening socket does. Writing to its peer raises no
+/// signal.
+int acceptUnixSocket(int listening);
+
+/// The effective user of the process at the other end, as it was when it connected; nothing where the system
+/// does not say.
+std::optional<uid_t> unixSocketPeerUser(int descriptor);
+
+/// How long one write may wait for a peer that does not read. A write that has waited so long fails with
+/// EAGAIN.
+int setSendTimeout(int descriptor, std::chrono::seconds timeout);
+
+/// Writes what a socket takes without waiting, and without ever raising a signal. EAGAIN where it takes
+/// nothing.
+ssize_t writeAtOnce(int descriptor, const void* bytes, std::size_t count);
+
+/// Writes what the descriptor takes, as `write` does, but without ever raising a signal, for sockets and
+/// pipes alike and whatever the process has decided about SIGPIPE. Where a send time-out has cut a write
+/// short, it has failed, although part of the bytes are gone.
+ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count);
+
+} // namespace Platform

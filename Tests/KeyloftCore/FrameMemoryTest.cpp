@@ -1,0 +1,93 @@
+// What a decoder asks memory for. In a program of its own, because every allocation in it is watched.
+
+#include "KeyloftCore/FrameDecoder.h"
+#include "KeyloftCore/NativeMessageFrame.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <string>
+#include <string_view>
+
+namespace {
+
+/// The largest and all requests since they were last set to 0.
+thread_local std::size_t largest = 0;
+thread_local std::size_t total = 0;
+
+} // namespace
+
+// NOLINTBEGIN(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory,misc-new-delete-overloads)
+void* operator new(std::size_t size) {
+    largest = std::max(largest, size);
+    total += size;
+    if (void* memory = std::malloc(size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+// NOLINTEND(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory,misc-new-delete-overloads)
+
+namespace {
+
+using namespace std::string_view_literals;
+using KeyloftCore::FrameDecoder;
+using KeyloftCore::NativeMessageFrame;
+
+template <typename Body>
+std::size_t largestRequestIn(const Body& body) {
+    largest = 0;
+    body();
+    return largest;
+}
+
+TEST(FrameDecoderMemory, theWatchWorks) {
+    EXPECT_GE(largestRequestIn([] { const std::string text(100'000, 'x'); }), 100'000U);
+}
+
+TEST(FrameDecoderMemory, aRefusedLengthIsNeverAllocated) {
+    FrameDecoder decoder;
+    const std::string chunk(65'536, 'x');
+    EXPECT_LT(largestRequestIn([&] {
+                  EXPECT_THROW(decoder.append("\xFF\xFF\xFF\xFF some bytes"),
+                               NativeMessageFrame::DecodeError);
+                  // Nor does what follows it pile up.
+                  for (int turn = 0; turn < 10; ++turn) {
+                      EXPECT_THROW(decoder.append(chunk), NativeMessageFrame::DecodeError);
+                  }
+              }),
+              4096U);
+}
+
+TEST(FrameDecoderMemory, aBarePrefixCostsNothing) {
+    FrameDecoder decoder;
+    EXPECT_EQ(largestRequestIn([&] { decoder.append("\0\0\x10\0"sv); }), 0U);
+}
+
+TEST(FrameDecoderMemory, memoryFollowsTheBytesThatHaveCome) {
+    FrameDecoder decoder;
+    decoder.append("\0\0\x10\0"sv);
+    std::size_t sent = 0;
+    for (int turn = 0; turn < 200; ++turn) {
+        const auto request = largestRequestIn([&] { decoder.append("0123456789"); });
+        sent += 10;
+        EXPECT_LE(request, sent * 32 + 64);
+    }
+}
+
+TEST(FrameDecoderMemory, aLargeFrameInLargeChunksIsPlacedOnce) {
+    const auto frame = NativeMessageFrame::encode(std::string(NativeMessageFrame::maxLength, 'x'));
+    FrameDecoder decoder;
+    total = 0;
+    for (std::size_t offset = 0; offset < frame.size(); offset += 65'536) {
+        decoder.append(std::string_view(frame).substr(offset, 65'536));
+    }
+    EXPECT_LT(total, NativeMessageFrame::maxLength + 4096);
+}
+
+} // namespace

@@ -1,0 +1,295 @@
+// Peers that are up to no good, beside one that is not: whatever the first do, the second gets its answer.
+
+#include "Tests/KeyloftCore/RelayTestSupport.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <chrono>
+#include <random>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace std::string_view_literals;
+using KeyloftCore::RelayListener;
+using KeyloftCore::RelaySocketClient;
+using KeyloftTests::ask;
+using KeyloftTests::eventually;
+using KeyloftTests::frame;
+using KeyloftTests::longWait;
+using KeyloftTests::openDescriptors;
+using KeyloftTests::RawPeer;
+using KeyloftTests::RelayTest;
+using Clock = std::chrono::steady_clock;
+
+class HostilePeerTest : public RelayTest {
+protected:
+    void expectService() { EXPECT_EQ(ask(path, "honest"), "echo honest"); }
+};
+
+double processorSeconds() {
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+/// Takes every descriptor that the process may still have. Few, as the limit is lowered to what is open and
+/// some more.
+class DescriptorFamine {
+public:
+    DescriptorFamine() {
+        getrlimit(RLIMIT_NOFILE, &previous_);
+        const int next = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+        close(next);
+        const rlimit few = {.rlim_cur = static_cast<rlim_t>(next) + 16, .rlim_max = previous_.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &few);
+        for (;;) {
+            const int taken = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+            if (taken < 0) {
+                return;
+            }
+            taken_.push_back(taken);
+        }
+    }
+    DescriptorFamine(const DescriptorFamine&) = delete;
+    DescriptorFamine& operator=(const DescriptorFamine&) = delete;
+    ~DescriptorFamine() { end(); }
+
+    void end() {
+        for (const int taken : taken_) {
+            close(taken);
+        }
+        taken_.clear();
+        setrlimit(RLIMIT_NOFILE, &previous_);
+    }
+
+private:
+    rlimit previous_ = {};
+    std::vector<int> taken_;
+};
+
+TEST_F(HostilePeerTest, aRequestByteByByteIsAnswered) {
+    startEcho();
+    RawPeer peer(path);
+    for (const char byte : frame("slow")) {
+        ASSERT_TRUE(peer.send({&byte, 1}));
+        expectService();
+    }
+    EXPECT_EQ(peer.receiveAll(), frame("echo slow"));
+}
+
+TEST_F(HostilePeerTest, halfAFrameAndSilenceHoldsNobodyUp) {
+    startEcho();
+    const RawPeer prefix(path);
+    ASSERT_TRUE(prefix.send("\x05\0"sv));
+    const RawPeer body(path);
+    ASSERT_TRUE(body.send("\x05\0\0\0ab"sv));
+    const RawPeer large(path);
+    ASSERT_TRUE(large.send("\0\0\x10\0"sv));
+    expectService();
+    EXPECT_EQ(requests.count(), 1U);
+}
+
+TEST_F(HostilePeerTest, anOversizedPrefixIsDisconnectedWithoutAReply) {
+    startEcho();
+    for (const auto prefix : {"\x01\0\x10\0"sv, "\xFF\xFF\xFF\xFF"sv, "\0\0\0\x80"sv}) {
+        RawPeer peer(path);
+        ASSERT_TRUE(peer.send(prefix));
+        EXPECT_EQ(peer.receiveAll(), "");
+        EXPECT_EQ(peer.error(), 0);
+    }
+    expectService();
+    EXPECT_EQ(requests.count(), 1U);
+}
+
+TEST_F(HostilePeerTest, anOversizedPrefixAfterAGoodFrameLosesBoth) {
+    startEcho();
+    RawPeer peer(path);
+    ASSERT_TRUE(peer.send(frame("good") + "\xFF\xFF\xFF\xFF"));
+    EXPECT_EQ(peer.receiveAll(), "");
+    EXPECT_EQ(requests.count(), 0U);
+    expectService();
+}
+
+TEST_F(HostilePeerTest, anOversizedPrefixAfterARequestEndsItsConnection) {
+    startKeeping();
+    RawPeer peer(path);
+    ASSERT_TRUE(peer.send(frame("good")));
+    ASSERT_TRUE(requests.wait());
+    ASSERT_TRUE(peer.send("\xFF\xFF\xFF\xFF"));
+    EXPECT_EQ(peer.receiveAll(), "");
+    keptReply(0)("too late");
+}
+
+TEST_F(HostilePeerTest, twoFramesInOneWriteGetOneReply) {
+    startEcho();
+    RawPeer peer(path);
+    ASSERT_TRUE(peer.send(frame("one") + frame("two")));
+    EXPECT_EQ(peer.receiveAll(), frame("echo one"));
+    EXPECT_EQ(requests.count(), 1U);
+}
+
+TEST_F(HostilePeerTest, peersThatLeaveBeforeTheReplyDoNoHarm) {
+    startEcho();
+    for (int turn = 0; turn < 200; ++turn) {
+        const RawPeer peer(path);
+        ASSERT_TRUE(peer.send(frame("bye")));
+    }
+    expectService();
+}
+
+TEST_F(HostilePeerTest, peersThatLeaveAtAnyMomentDoNoHarm) {
+    startEcho();
+    std::mt19937 random(11); // NOLINT: the same sequence every time is what is wanted
+    const auto whole = frame("leaving") + frame("again");
+    for (int turn = 0; turn < 300; ++turn) {
+        const RawPeer peer(path);
+        ASSERT_TRUE(peer.send(std::string_view(whole).substr(0, random() % whole.size())));
+        if (random() % 2 == 0) {
+            peer.endSending();
+        }
+    }
+    expectService();
+}
+
+TEST_F(HostilePeerTest, aPeerThatNeverReadsIsGivenUpAfterThreeSeconds) {
+    listener->listen(path, [this](const std::string& request, const RelayListener::Reply& reply) {
+        reply(request == "large" ? std::string(1 << 20, 'x') : "echo " + request);
+        requests.signal();
+    });
+    const RawPeer stuck(path);
+    const auto begin = Clock::now();
+    ASSERT_TRUE(stuck.send(frame("large")));
+    ASSERT_TRUE(requests.wait());
+    expectService();
+    const auto waited = Clock::now() - begin;
+    EXPECT_GE(waited, std::chrono::milliseconds(2900));
+    // Were a second write tried after the first had timed out, it would be six.
+    EXPECT_LT(waited, std::chrono::milliseconds(5500));
+    expectService();
+    EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(5800));
+}
+
+TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
+    constexpr std::size_t count = 500;
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const auto previous = limit;
+    limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, std::min<rlim_t>(limit.rlim_max, 2048));
+    setrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_cur < 2 * count + 100) {
+        GTEST_SKIP() << "no more than " << limit.rlim_cur << " descriptors are allowed here";
+    }
+    startEcho();
+    {
+        const auto before = openDescriptors();
+        std::vector<RawPeer> idle;
+        for (std::size_t peer = 0; peer < count; ++peer) {
+            idle.emplace_back(path);
+            if (peer % 3 == 0) {
+                ASSERT_TRUE(idle.back().send("\x05\0"sv));
+            }
+        }
+        EXPECT_TRUE(eventually([&] { return openDescriptors() >= before + 2 * count; }));
+        for (int turn = 0; turn < 50; ++turn) {
+            expectService();
+        }
+        // Idle is not deaf: any of them may go on.
+        for (std::size_t peer = 0; peer < count; peer += 99) {
+            ASSERT_TRUE(idle[peer].send(peer % 3 == 0 ? std::string("\0\0"
+                                                                    "hello",
+                                                                    7)
+                                                      : frame("hello")));
+            EXPECT_EQ(idle[peer].receiveAll(), frame("echo hello")) << peer;
+        }
+        const auto processor = processorSeconds();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        EXPECT_LT(processorSeconds() - processor, 0.05) << "idle connections must not keep the queue busy";
+    }
+    expectService();
+    setrlimit(RLIMIT_NOFILE, &previous);
+}
+
+TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
+    startEcho();
+    const auto before = openDescriptors();
+    RawPeer open(path);
+    ASSERT_TRUE(open.send("\x05\0"sv));
+    expectService();
+    // Answered after it, so it has been accepted: each side holds one descriptor, and no other is on its way
+    // out.
+    ASSERT_TRUE(eventually([&] { return openDescriptors() == before + 2; }));
+    std::vector<RawPeer> waiting(2);
+    {
+        const DescriptorFamine famine;
+        for (const auto& peer : waiting) {
+            ASSERT_TRUE(peer.connect(path));
+            ASSERT_TRUE(peer.send(frame("hungry")));
+        }
+        const auto answered = requests.count();
+        const auto processor = processorSeconds();
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_LT(processorSeconds() - processor, 0.1) << "waiting for a descriptor must not be a busy loop";
+        EXPECT_EQ(requests.count(), answered);
+
+        open.close(); // two descriptors: this one, and then the listener's
+        for (auto& peer : waiting) {
+            EXPECT_EQ(peer.receiveAll(), frame("echo hungry"));
+        }
+    }
+    expectService();
+}
+
+TEST_F(HostilePeerTest, descriptorsThatSomebodyElseGivesBackAreNoticedToo) {
+    startEcho();
+    const auto before = openDescriptors();
+    expectService();
+    ASSERT_TRUE(eventually([&] { return openDescriptors() == before; }));
+    RawPeer peer;
+    {
+        DescriptorFamine famine;
+        ASSERT_TRUE(peer.connect(path));
+        ASSERT_TRUE(peer.send(frame("patient")));
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(requests.count(), 1U);
+        famine.end();
+        EXPECT_EQ(peer.receiveAll(), frame("echo patient"));
+    }
+}
+
+TEST_F(HostilePeerTest, closingWhileAcceptingIsPausedIsNoProblem) {
+    startEcho();
+    const RawPeer peer;
+    const DescriptorFamine famine;
+    ASSERT_TRUE(peer.connect(path));
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    listener->close();
+}
+
+TEST_F(HostilePeerTest, noiseIsNeverARequestThatNobodySent) {
+    startEcho();
+    std::mt19937 random(13); // NOLINT: the same sequence every time is what is wanted
+    for (int turn = 0; turn < 100; ++turn) {
+        RawPeer peer(path);
+        std::string noise(4 + random() % 200, '\0');
+        for (auto& byte : noise) {
+            byte = static_cast<char>(random() % 256);
+        }
+        // Beyond the limit whatever follows.
+        noise[3] = static_cast<char>(random() % 255 + 1);
+        peer.send(noise);
+        EXPECT_EQ(peer.receiveAll(), "");
+    }
+    EXPECT_EQ(requests.count(), 0U);
+    expectService();
+}
+
+} // namespace

@@ -1,0 +1,173 @@
+// The relay between processes. The children are forked before any thread is started, use plain system calls
+// and the client, and report through their exit status.
+
+#include "KeyloftCore/RelaySocketError.h"
+#include "Tests/KeyloftCore/RelayTestSupport.h"
+#include "Tests/Platform/Dispatch/Pipe.h"
+
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+
+namespace {
+
+using KeyloftCore::RelayListener;
+using KeyloftCore::RelaySocketClient;
+using KeyloftTests::ask;
+using KeyloftTests::Event;
+using KeyloftTests::frame;
+using KeyloftTests::longWait;
+using KeyloftTests::Pipe;
+using KeyloftTests::RawPeer;
+using KeyloftTests::TemporaryDirectory;
+
+/// A child that waits for the word before it begins.
+class Child {
+public:
+    explicit Child(const std::function<int()>& body)
+        : process_(fork()) {
+        if (process_ == 0) {
+            char word = 0;
+            start_.closeWriteEnd();
+            const bool told = read(start_.readEnd(), &word, 1) == 1;
+            _exit(told ? body() : 99);
+        }
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() {
+        if (process_ > 0) {
+            start_.closeWriteEnd();
+            waitpid(process_, nullptr, 0);
+        }
+    }
+
+    void start() const { start_.put("x"); }
+
+    int exitStatus() {
+        int status = 0;
+        waitpid(process_, &status, 0);
+        process_ = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    }
+
+private:
+    Pipe start_;
+    pid_t process_;
+};
+
+TEST(RelayBetweenProcesses, aRequestAndItsReplyCross) {
+    const TemporaryDirectory directory;
+    const auto path = directory / "relay.sock";
+    Child child([&] {
+        for (int turn = 0; turn < 100; ++turn) {
+            if (ask(path, "from the child") != "echo from the child") {
+                return 1;
+            }
+        }
+        return 0;
+    });
+    RelayListener listener;
+    listener.listen(path, [](const std::string& request, const RelayListener::Reply& reply) {
+        reply("echo " + request);
+    });
+    child.start();
+    EXPECT_EQ(child.exitStatus(), 0);
+}
+
+TEST(RelayBetweenProcesses, aHostThatEndsLeavesTheClientWithoutAReply) {
+    const TemporaryDirectory directory;
+    const auto path = directory / "relay.sock";
+    const Pipe ready;
+    Child host([&] {
+        RelayListener listener;
+        listener.listen(path, [](const std::string&, const RelayListener::Reply&) { _exit(7); });
+        ready.put("x");
+        pause();
+        return 1;
+    });
+    host.start();
+    char byte = 0;
+    ASSERT_EQ(read(ready.readEnd(), &byte, 1), 1);
+    EXPECT_EQ(ask(path, "x"), std::nullopt);
+    EXPECT_EQ(host.exitStatus(), 7);
+    // What it has left behind is in nobody's way.
+    EXPECT_THROW(ask(path, "x"), KeyloftCore::RelaySocketError);
+    RelayListener next;
+    next.listen(path, [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
+    EXPECT_EQ(ask(path, "x"), "x");
+}
+
+TEST(RelayBetweenProcesses, aProcessOfAnotherUserIsDisconnectedUnread) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the superuser can become somebody else";
+    }
+    const auto* nobody = getpwnam("nobody");
+    if (nobody == nullptr) {
+        GTEST_SKIP() << "there is no user nobody";
+    }
+    const TemporaryDirectory directory;
+    const auto path = directory / "relay.sock";
+    const Pipe sent;
+    enum Outcome { served = 1, refusedByMode = 2, disconnectedRead = 3, disconnectedUnread = 4, other = 5 };
+    const auto body = [&, user = nobody->pw_uid, group = nobody->pw_gid] {
+        if (setgroups(0, nullptr) != 0 || setgid(group) != 0 || setuid(user) != 0 || geteuid() != user) {
+            return static_cast<int>(other);
+        }
+        RawPeer peer;
+        if (!peer.connect(path)) {
+            return static_cast<int>(errno == EACCES ? refusedByMode : other);
+        }
+        peer.send(frame("let me in"));
+        sent.put("x");
+        const auto got = peer.receiveAll();
+        if (!got.empty()) {
+            return static_cast<int>(served);
+        }
+        // The kernel resets a connection that is closed with bytes still unread, and only that.
+        return static_cast<int>(peer.error() == ECONNRESET ? disconnectedUnread : disconnectedRead);
+    };
+    Child closedOut(body);
+    Child letIn(body);
+
+    std::atomic<int> requests = 0;
+    Event held;
+    Event mayGoOn;
+    RelayListener listener;
+    listener.listen(path, [&](const std::string& request, const RelayListener::Reply& reply) {
+        ++requests;
+        if (request == "hold") {
+            held.signal();
+            EXPECT_TRUE(mayGoOn.wait());
+        }
+        reply(request);
+    });
+    ASSERT_EQ(chmod(directory.path().c_str(), 0755), 0);
+
+    closedOut.start();
+    EXPECT_EQ(closedOut.exitStatus(), refusedByMode) << "the socket's mode is the first door";
+
+    // With that door opened on purpose, and the queue held so that the stranger's bytes are there before it
+    // looks.
+    ASSERT_EQ(chmod(path.c_str(), 0666), 0);
+    const auto holder = RelaySocketClient::connect(path);
+    holder.writeFrame("hold");
+    ASSERT_TRUE(held.wait());
+    letIn.start();
+    char byte = 0;
+    ASSERT_EQ(read(sent.readEnd(), &byte, 1), 1);
+    mayGoOn.signal();
+    EXPECT_EQ(letIn.exitStatus(), disconnectedUnread);
+    EXPECT_EQ(holder.readFrame(longWait), "hold");
+    holder.close();
+    EXPECT_EQ(requests, 1);
+    EXPECT_EQ(ask(path, "honest"), "honest");
+}
+
+} // namespace

@@ -1,0 +1,191 @@
+#pragma once
+
+#include "KeyloftCore/NativeMessageFrame.h"
+#include "KeyloftCore/RelayListener.h"
+#include "KeyloftCore/RelaySocketClient.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/Waiting.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace KeyloftTests {
+
+/// Seconds that a client waits for what is sure to come.
+inline constexpr double longWait = 30;
+
+/// A peer that does what it likes: plain system calls on a connected socket, closed with it.
+class RawPeer {
+public:
+    RawPeer()
+        : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
+    explicit RawPeer(const std::string& path)
+        : RawPeer() {
+        EXPECT_TRUE(connect(path)) << path << ": " << std::generic_category().message(errno);
+    }
+    RawPeer(RawPeer&& other) noexcept
+        : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    RawPeer& operator=(RawPeer&&) = delete;
+    RawPeer(const RawPeer&) = delete;
+    RawPeer& operator=(const RawPeer&) = delete;
+    ~RawPeer() { close(); }
+
+    bool connect(const std::string& path) const {
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        return ::connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    }
+
+    int descriptor() const { return descriptor_; }
+
+    bool send(std::string_view bytes) const {
+        while (!bytes.empty()) {
+            const auto count = ::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+            if (count <= 0) {
+                return false;
+            }
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        }
+        return true;
+    }
+
+    void endSending() const { shutdown(descriptor_, SHUT_WR); }
+
+    /// Everything until the other end closes; `error()` then tells how it did (0, or ECONNRESET).
+    std::string receiveAll() {
+        const timeval limit = {.tv_sec = 30, .tv_usec = 0};
+        setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+        std::string all;
+        std::array<char, 4096> buffer = {};
+        for (;;) {
+            const auto count = recv(descriptor_, buffer.data(), buffer.size(), 0);
+            if (count <= 0) {
+                error_ = count < 0 ? errno : 0;
+                return all;
+            }
+            all.append(buffer.data(), static_cast<std::size_t>(count));
+        }
+    }
+
+    int error() const { return error_; }
+
+    void close() {
+        if (descriptor_ >= 0) {
+            ::close(std::exchange(descriptor_, -1));
+        }
+    }
+
+private:
+    int descriptor_;
+    int error_ = 0;
+};
+
+inline std::string frame(std::string_view payload) {
+    return KeyloftCore::NativeMessageFrame::encode(payload);
+}
+
+/// One whole exchange as a client has it: nothing where there was no reply.
+inline std::optional<std::string> ask(const std::string& path, std::string_view request,
+                                      double timeout = longWait) {
+    const auto client = KeyloftCore::RelaySocketClient::connect(path);
+    client.writeFrame(request);
+    auto reply = client.readFrame(timeout);
+    client.close();
+    return reply;
+}
+
+inline mode_t modeOf(const std::string& path) {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
+}
+
+inline bool isSocket(const std::string& path) {
+    struct stat status = {};
+    return lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
+}
+
+/// A listener in a directory of its own. What was opened or started must be gone in the end.
+class RelayTest : public testing::Test {
+protected:
+    using RelayListener = KeyloftCore::RelayListener;
+
+    void SetUp() override {
+        // A sanitizer's own thread comes with the first of ours.
+        std::thread([] {}).join();
+        descriptors_ = openDescriptors();
+        threads_ = runningThreads();
+        listener = std::make_shared<RelayListener>();
+    }
+
+    void TearDown() override {
+        listener.reset();
+        kept.clear();
+        EXPECT_TRUE(eventually([&] { return openDescriptors() == descriptors_; }))
+            << openDescriptors() << " descriptors, were " << descriptors_;
+        EXPECT_TRUE(eventually([&] { return runningThreads() == threads_; }))
+            << runningThreads() << " threads, were " << threads_;
+    }
+
+    /// Answers "echo " and the request.
+    void startEcho() {
+        listener->listen(path, [this](const std::string& request, const RelayListener::Reply& reply) {
+            requests.signal();
+            reply("echo " + request);
+        });
+    }
+
+    /// Keeps every reply function for later.
+    void startKeeping() {
+        listener->listen(path, [this](const std::string& request, RelayListener::Reply reply) {
+            {
+                const std::lock_guard lock(mutex);
+                received.push_back(request);
+                kept.push_back(std::move(reply));
+            }
+            requests.signal();
+        });
+    }
+
+    RelayListener::Reply keptReply(std::size_t index) {
+        const std::lock_guard lock(mutex);
+        return kept.at(index);
+    }
+
+    std::vector<std::string> receivedRequests() {
+        const std::lock_guard lock(mutex);
+        return received;
+    }
+
+    const TemporaryDirectory directory;
+    const std::string path = directory / "relay.sock";
+    std::shared_ptr<RelayListener> listener;
+    Event requests;
+    std::mutex mutex;
+    std::vector<std::string> received;
+    std::vector<RelayListener::Reply> kept;
+
+private:
+    std::size_t descriptors_ = 0;
+    std::size_t threads_ = 0;
+};
+
+} // namespace KeyloftTests

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/types.h>
+
+#include <atomic>
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <thread>
+
+namespace KeyloftTests {
+
+/// Stands between the code and the system: each function may answer a call in the system's place. The linker
+/// leads the calls here (--wrap); what has no function, or gets no answer, is the system's.
+struct SystemCalls {
+    /// A result, and `errno` where it is -1.
+    struct Answer {
+        ssize_t result = 0;
+        int error = 0;
+    };
+    using Maybe = std::optional<Answer>;
+
+    static Maybe failure(int error) { return Answer{.result = -1, .error = error}; }
+
+    std::function<Maybe(int descriptor, std::string_view bytes)> send;
+    std::function<Maybe(int descriptor, std::size_t count)> read;
+    std::function<Maybe(int descriptor, std::size_t count)> recv;
+    std::function<Maybe()> accept;
+    std::function<Maybe()> socket;
+    std::function<Maybe(socklen_t length)> bind;
+    std::function<Maybe(socklen_t length)> connect;
+    std::function<Maybe(int backlog)> listen;
+    std::function<Maybe(std::string_view path)> chmod;
+    std::function<Maybe(std::string_view path)> stat;
+    std::function<Maybe(int level, int option, void* value)> getsockopt;
+    std::function<Maybe(int level, int option, const void* value)> setsockopt;
+
+    /// The ones in force; null for none.
+    static std::atomic<const SystemCalls*> current;
+    /// How many threads are asking them just now.
+    static std::atomic<int> asking;
+};
+
+/// Puts `calls` in force until its end.
+class Intercepted {
+public:
+    explicit Intercepted(const SystemCalls& calls) { SystemCalls::current = &calls; }
+    Intercepted(const Intercepted&) = delete;
+    Intercepted& operator=(const Intercepted&) = delete;
+    ~Intercepted() {
+        SystemCalls::current = nullptr;
+        while (SystemCalls::asking != 0) {
+            std::this_thread::yield();
+        }
+    }
+};
+
+/// What the system itself does.
+ssize_t realSend(int descriptor, const void* bytes, std::size_t count, int flags);
+
+} // namespace KeyloftTests

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <string_view>
+#include <system_error>
+
+namespace KeyloftTests {
+
+/// Both ends of a pipe, closed with it.
+class Pipe {
+public:
+    Pipe() {
+        if (pipe2(ends_.data(), O_CLOEXEC) != 0) {
+            throw std::system_error(errno, std::generic_category(), "pipe2");
+        }
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    ~Pipe() {
+        closeReadEnd();
+        closeWriteEnd();
+    }
+
+    int readEnd() const { return ends_[0]; }
+    int writeEnd() const { return ends_[1]; }
+    /// For whoever closes it in our place.
+    int takeReadEnd() {
+        const int end = ends_[0];
+        ends_[0] = -1;
+        return end;
+    }
+    void put(std::string_view text) const {
+        [[maybe_unused]] const auto written = write(ends_[1], text.data(), text.size());
+    }
+    void closeReadEnd() { closeEnd(ends_[0]); }
+    void closeWriteEnd() { closeEnd(ends_[1]); }
+
+private:
+    static void closeEnd(int& end) {
+        if (end >= 0) {
+            close(end);
+            end = -1;
+        }
+    }
+
+    std::array<int, 2> ends_ = {-1, -1};
+};
+
+} // namespace KeyloftTests

@@ -1,0 +1,225 @@
+#include "Platform/Dispatch/SerialQueue.h"
+
+#include "Tests/Support/Waiting.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using KeyloftTests::Event;
+using KeyloftTests::eventually;
+using KeyloftTests::openDescriptors;
+using KeyloftTests::runningThreads;
+using Platform::SerialQueue;
+
+TEST(SerialQueue, keepsItsLabel) {
+    const SerialQueue queue("velde.orvane.keyloft.test");
+    EXPECT_EQ(queue.label(), "velde.orvane.keyloft.test");
+}
+
+TEST(SerialQueue, namesItsThreadAfterTheLabelsEnd) {
+    SerialQueue queue("velde.orvane.keyloft.a-name-longer-than-the-kernel-keeps");
+    std::array<char, 32> name = {};
+    queue.sync([&] { pthread_getname_np(pthread_self(), name.data(), name.size()); });
+    EXPECT_STREQ(name.data(), "a-name-longer-t");
+}
+
+TEST(SerialQueue, runsWorkInTheOrderOfHandingOver) {
+    std::vector<int> order;
+    SerialQueue queue("test");
+    for (int index = 0; index < 1000; ++index) {
+        queue.async([&order, index] { order.push_back(index); });
+    }
+    queue.sync([&] { order.push_back(1000); });
+    ASSERT_EQ(order.size(), 1001U);
+    for (int index = 0; index <= 1000; ++index) {
+        EXPECT_EQ(order[static_cast<std::size_t>(index)], index);
+    }
+}
+
+TEST(SerialQueue, runsOneItemAtATimeHoweverManyThreadsHandOver) {
+    // Not atomic on purpose: under ThreadSanitizer the queue itself has to be what orders the changes.
+    int count = 0;
+    {
+        SerialQueue queue("test");
+        std::vector<std::thread> threads;
+        threads.reserve(4);
+        for (int thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([&] {
+                for (int turn = 0; turn < 500; ++turn) {
+                    if (turn % 10 == 0) {
+                        queue.sync([&] { ++count; });
+                    } else {
+                        queue.async([&] { ++count; });
+                    }
+                }
+            });
+        }
+        for (auto& thread : threads) {
+            thread.join();
+        }
+    }
+    EXPECT_EQ(count, 2000);
+}
+
+TEST(SerialQueue, workHandedOverByWorkComesAfterWhatWaits) {
+    std::vector<int> order;
+    SerialQueue queue("test");
+    queue.sync([&] {
+        queue.async([&] {
+            order.push_back(1);
+            queue.async([&] { order.push_back(3); });
+        });
+        queue.async([&] { order.push_back(2); });
+    });
+    // The last item but one hands over the last, so asking twice is enough.
+    queue.sync([] {});
+    queue.sync([] {});
+    EXPECT_EQ(order, (std::vector{1, 2, 3}));
+}
+
+TEST(SerialQueue, knowsWhetherTheCallerRunsOnIt) {
+    SerialQueue queue("test");
+    SerialQueue other("other");
+    EXPECT_FALSE(queue.isCurrent());
+    queue.sync([&] {
+        EXPECT_TRUE(queue.isCurrent());
+        EXPECT_FALSE(other.isCurrent());
+    });
+}
+
+TEST(SerialQueue, queuesMayWaitForEachOther) {
+    SerialQueue queue("test");
+    SerialQueue other("other");
+    bool ran = false;
+    queue.sync([&] { other.sync([&] { ran = true; }); });
+    EXPECT_TRUE(ran);
+}
+
+TEST(SerialQueue, delayedWorkRunsNoEarlierThanDue) {
+    SerialQueue queue("test");
+    Event done;
+    const auto begin = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::duration waited{};
+    queue.asyncAfter(std::chrono::milliseconds(20), [&] {
+        waited = std::chrono::steady_clock::now() - begin;
+        done.signal();
+    });
+    ASSERT_TRUE(done.wait());
+    EXPECT_GE(waited, std::chrono::milliseconds(20));
+}
+
+TEST(SerialQueue, delayedWorkRunsInTheOrderOfItsTimes) {
+    SerialQueue queue("test");
+    std::vector<int> order;
+    Event done;
+    queue.asyncAfter(std::chrono::milliseconds(30), [&] {
+        order.push_back(2);
+        done.signal();
+    });
+    queue.asyncAfter(std::chrono::milliseconds(10), [&] { order.push_back(1); });
+    queue.asyncAfter(std::chrono::milliseconds(0), [&] { order.push_back(0); });
+    ASSERT_TRUE(done.wait());
+    EXPECT_EQ(order, (std::vector{0, 1, 2}));
+}
+
+TEST(SerialQueue, theEndRunsWhatWasHandedOverAndDropsWhatIsNotDue) {
+    int ran = 0;
+    const auto token = std::make_shared<int>(0);
+    {
+        SerialQueue queue("test");
+        for (int index = 0; index < 100; ++index) {
+            queue.async([&] { ++ran; });
+        }
+        queue.asyncAfter(std::chrono::hours(1), [&ran, token] { ran += 1000; });
+    }
+    EXPECT_EQ(ran, 100);
+    EXPECT_EQ(token.use_count(), 1) << "what will never run must not be kept";
+}
+
+TEST(SerialQueue, releasesEachItemBeforeTheNextRuns) {
+    SerialQueue queue("test");
+    auto token = std::make_shared<int>(0);
+    const std::weak_ptr<int> weak = token;
+    bool released = false;
+    queue.sync([&] {
+        queue.async([token = std::move(token)] {});
+        queue.async([&] { released = weak.expired(); });
+    });
+    queue.sync([] {});
+    EXPECT_TRUE(released);
+}
+
+TEST(SerialQueue, mayBeReleasedOnItself) {
+    const auto threads = runningThreads();
+    const auto descriptors = openDescriptors();
+    Event ran;
+    auto queue = std::make_shared<SerialQueue>("test");
+    auto* handle = queue.get();
+    handle->async([&ran, queue = std::move(queue)]() mutable {
+        queue->async([&ran] { ran.signal(); });
+        queue.reset();
+        ran.signal();
+    });
+    ASSERT_TRUE(ran.wait(2)) << "work handed over before the release is still run";
+    EXPECT_TRUE(eventually([&] { return runningThreads() == threads && openDescriptors() == descriptors; }));
+}
+
+TEST(SerialQueue, leavesNoThreadAndNoDescriptor) {
+    const auto threads = runningThreads();
+    const auto descriptors = openDescriptors();
+    for (int turn = 0; turn < 50; ++turn) {
+        SerialQueue queue("test");
+        queue.sync([] {});
+        EXPECT_EQ(runningThreads(), threads + 1);
+    }
+    // A thread that has been waited for may still stand in the list for a moment.
+    EXPECT_TRUE(eventually([&] { return runningThreads() == threads; }));
+    EXPECT_EQ(openDescriptors(), descriptors);
+}
+
+TEST(SerialQueue, leavesTheProcessesSignalsToOtherThreads) {
+    SerialQueue queue("test");
+    sigset_t mask;
+    queue.sync([&] { pthread_sigmask(SIG_SETMASK, nullptr, &mask); });
+    EXPECT_EQ(sigismember(&mask, SIGINT), 1);
+    EXPECT_EQ(sigismember(&mask, SIGUSR1), 1);
+    EXPECT_EQ(sigismember(&mask, SIGSEGV), 0);
+}
+
+TEST(SerialQueue, cannotBeMadeWithoutADescriptor) {
+#if defined(__has_feature)
+#if __has_feature(undefined_behavior_sanitizer)
+    GTEST_SKIP() << "the sanitizer needs descriptors of its own to look at what is thrown";
+#endif
+#endif
+    rlimit previous = {};
+    getrlimit(RLIMIT_NOFILE, &previous);
+    const rlimit none = {.rlim_cur = 0, .rlim_max = previous.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_THROW(SerialQueue("test"), std::system_error);
+    setrlimit(RLIMIT_NOFILE, &previous);
+}
+
+TEST(SerialQueueDeathTest, aSynchronousCallOnItselfStopsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(
+        {
+            SerialQueue queue("velde.orvane.keyloft.test");
+            queue.sync([&] { queue.sync([] {}); });
+        },
+        "synchronous call on the queue.*velde.orvane.keyloft.test");
+}
+
+} // namespace

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace KeyloftTests {
+
+/// Long enough for a loaded machine under a sanitizer: only a failing test ever waits so long.
+inline constexpr std::chrono::seconds patience(30);
+
+/// Something that happens on another thread, any number of times.
+class Event {
+public:
+    void signal() {
+        const std::lock_guard lock(mutex_);
+        ++count_;
+        changed_.notify_all();
+    }
+
+    /// Whether it has happened `times` times, waiting for it if need be.
+    [[nodiscard]] bool wait(std::size_t times = 1) {
+        std::unique_lock lock(mutex_);
+        return changed_.wait_for(lock, patience, [&] { return count_ >= times; });
+    }
+
+    std::size_t count() {
+        const std::lock_guard lock(mutex_);
+        return count_;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::size_t count_ = 0;
+};
+
+/// Waits for what nobody announces (a file, a number in /proc): true as soon as it holds.
+template <typename Condition>
+[[nodiscard]] bool eventually(const Condition& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+inline std::size_t entriesOf(const std::filesystem::path& directory) {
+    std::size_t count = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(directory)) {
+        ++count;
+    }
+    return count;
+}
+
+/// Of this process (reading the list takes one itself, every time).
+inline std::size_t openDescriptors() { return entriesOf("/proc/self/fd"); }
+inline std::size_t runningThreads() { return entriesOf("/proc/self/task"); }
+
+} // namespace KeyloftTests

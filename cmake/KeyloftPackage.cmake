@@ -1,0 +1,46 @@
+# What other programs link: the package KeyloftCore, a component a room.
+#
+#   find_package(KeyloftCore COMPONENTS Relay)          target_link_libraries(… KeyloftCore::Relay)
+#   pkg-config --cflags --libs keyloftcore-relay
+
+include(CMakePackageConfigHelpers)
+
+set(KEYLOFT_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/KeyloftCore")
+set(KEYLOFT_ARCHIVE_DIR "${CMAKE_INSTALL_LIBDIR}/keyloft")
+set(KEYLOFT_HEADER_DIR "${CMAKE_INSTALL_INCLUDEDIR}/keyloft")
+
+# keyloft_install_package(COMPONENT TARGETS the component's own, then what it stands on … HEADERS …)
+#
+# The libraries are static, so that a program has no file of ours to look for when it runs.
+function(keyloft_install_package component)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "TARGETS;HEADERS")
+  list(GET arg_TARGETS 0 own)
+  set_target_properties(${own} PROPERTIES EXPORT_NAME ${component})
+  set(install_component KeyloftCore${component})
+
+  install(TARGETS ${arg_TARGETS} EXPORT KeyloftCore${component}
+    ARCHIVE DESTINATION "${KEYLOFT_ARCHIVE_DIR}" COMPONENT ${install_component}
+    INCLUDES DESTINATION "${KEYLOFT_HEADER_DIR}"
+  )
+  foreach(header IN LISTS arg_HEADERS)
+    get_filename_component(folder "${header}" DIRECTORY)
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}"
+      DESTINATION "${KEYLOFT_HEADER_DIR}/${folder}" COMPONENT ${install_component})
+  endforeach()
+
+  install(EXPORT KeyloftCore${component} FILE KeyloftCore${component}Targets.cmake NAMESPACE KeyloftCore::
+    DESTINATION "${KEYLOFT_PACKAGE_DIR}" COMPONENT ${install_component})
+  configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/KeyloftCoreConfig.cmake.in"
+    "${PROJECT_BINARY_DIR}/KeyloftCoreConfig.cmake" INSTALL_DESTINATION "${KEYLOFT_PACKAGE_DIR}")
+  write_basic_package_version_file("${PROJECT_BINARY_DIR}/KeyloftCoreConfigVersion.cmake"
+    COMPATIBILITY SameMinorVersion)
+  install(FILES "${PROJECT_BINARY_DIR}/KeyloftCoreConfig.cmake" "${PROJECT_BINARY_DIR}/KeyloftCoreConfigVersion.cmake"
+    DESTINATION "${KEYLOFT_PACKAGE_DIR}" COMPONENT ${install_component})
+
+  # Relative to the file itself, so that the installed tree can be moved.
+  file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  string(TOLOWER "keyloftcore-${component}" package)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in" "${PROJECT_BINARY_DIR}/${package}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${package}.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ${install_component})
+endfunction()
