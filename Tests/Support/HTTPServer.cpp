@@ -51,6 +51,8 @@ private:
 
 /// Binds to a free port of loopback and returns it.
 int bindToLoopback(int descriptor) {
+    if (descriptor < 0)
+        throw std::system_error(errno, std::generic_category(), "test server's socket");
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -123,7 +125,7 @@ std::string serialize(const HTTPResponse& response) {
     const bool isWhole = response.ending == Ending::complete || response.ending == Ending::held;
     std::string text = "HTTP/1.1 " + std::to_string(response.status) + " Status\r\n";
     for (const auto& [name, value] : response.headers)
-        text += name + ": " + value + "\r\n";
+        text.append(name).append(": ").append(value).append("\r\n");
     text += "Connection: close\r\nContent-Length: " +
             std::to_string(response.body.size() + (isWhole ? 0 : missing)) + "\r\n\r\n";
     return text + response.body;

@@ -38,7 +38,7 @@ struct HTTPResponse {
 
     int status = 200;
     std::vector<std::pair<std::string, std::string>> headers;
-    std::string body = {};
+    std::string body;
     Ending ending = Ending::complete;
 
     /// A page that is asked for again each time it is shown.

@@ -39,7 +39,7 @@ TEST_F(WebViewNewWindow, aScriptMayOpenOneWithoutAGesture) {
     EXPECT_TRUE(waitForTitle(*children[0], "Child of /opener"));
     EXPECT_EQ(evaluate(*opener, "opened.document.title"), "Child of /opener");
     ASSERT_EQ(ui->windows.size(), 1U);
-    EXPECT_EQ(ui->windows[0].url->absoluteString(), server.url("/child"));
+    EXPECT_EQ(textOf(ui->windows[0].url), server.url("/child"));
     EXPECT_EQ(ui->windows[0].method, "GET");
 }
 

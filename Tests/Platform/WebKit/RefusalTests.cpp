@@ -72,7 +72,7 @@ TEST_F(WebViewRefusal, anAttachmentIsNotSaved) {
         EXPECT_TRUE(navigation->failures[0].provisional);
         EXPECT_EQ(navigation->failures[0].error.domain, "WebKitErrorDomain");
         EXPECT_EQ(navigation->failures[0].error.code, 102);
-        EXPECT_EQ(view->url()->absoluteString(), server.url("/before"));
+        EXPECT_EQ(urlOf(*view), server.url("/before"));
     }
     runFor(0.3);
     EXPECT_EQ(filesNamed("saved"), std::vector<std::string>());

@@ -33,10 +33,9 @@ TEST_F(WebProcess, aVisiblePageComesBackAtOnce) {
     ASSERT_TRUE(loadPage(*view, "/first"));
     ASSERT_TRUE(loadPage(*view, "/page"));
     std::vector<std::string> urls;
-    const auto url = view->observe(
-        Property::url, [&] { urls.push_back(view->url() ? view->url()->absoluteString() : "none"); });
+    const auto url = view->observe(Property::url, [&] { urls.push_back(urlOf(*view)); });
     endProcess();
-    EXPECT_EQ(view->url()->absoluteString(), server.url("/page"));
+    EXPECT_EQ(urlOf(*view), server.url("/page"));
     EXPECT_EQ(view->title(), "/page");
     EXPECT_FALSE(view->isLoading());
     EXPECT_TRUE(waitForLoad("/page", 2));
@@ -50,7 +49,7 @@ TEST_F(WebProcess, aHiddenPageComesBackWhenItIsNextVisible) {
     endProcess();
     runFor(0.3);
     EXPECT_EQ(server.count("/page"), 1U);
-    EXPECT_EQ(view->url()->absoluteString(), server.url("/page"));
+    EXPECT_EQ(urlOf(*view), server.url("/page"));
     EXPECT_EQ(view->title(), "/page");
     window->show();
     EXPECT_TRUE(waitForLoad("/page", 2));
@@ -68,7 +67,7 @@ TEST_F(WebProcess, aSecondEndWithinAMinuteWaitsForTheUser) {
     endProcess();
     runFor(0.4);
     EXPECT_EQ(server.count("/page"), 2U);
-    EXPECT_EQ(view->url()->absoluteString(), server.url("/page"));
+    EXPECT_EQ(urlOf(*view), server.url("/page"));
     EXPECT_EQ(view->title(), "/page");
     EXPECT_FALSE(view->isLoading());
     view->reload();
@@ -107,7 +106,7 @@ TEST_F(WebProcess, aFirstLoadThatWasInterruptedIsBegunAgain) {
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
     endProcess();
     EXPECT_FALSE(view->isLoading());
-    EXPECT_EQ(view->url()->absoluteString(), server.url("/held"));
+    EXPECT_EQ(urlOf(*view), server.url("/held"));
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 2; }));
     server.release("/held");
     EXPECT_TRUE(waitForTitle(*view, "/held"));

@@ -1,5 +1,7 @@
 #include "Tests/Platform/WebKit/WebViewFixture.h"
 
+#include "Platform/Foundation/FatalError.h"
+
 #include <unistd.h>
 
 #include <cctype>
@@ -80,10 +82,15 @@ std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConf
     return view;
 }
 
+std::string WebViewTest::textOf(const std::optional<URL>& url) { return url ? url->absoluteString() : ""; }
+
 WebKitWebView* WebViewTest::widgetOf(WebView& view) { return WEBKIT_WEB_VIEW(view.native().widget.get()); }
 
 URLRequest WebViewTest::request(const std::string& url, double timeoutInterval) {
-    return {.url = URL::fromString(url).value(), .timeoutInterval = timeoutInterval};
+    auto parsed = URL::fromString(url);
+    if (!parsed)
+        fatalError("A test's URL does not parse: " + url);
+    return {.url = *std::move(parsed), .timeoutInterval = timeoutInterval};
 }
 
 bool WebViewTest::loadPage(WebView& view, const std::string& path) {
@@ -143,7 +150,7 @@ std::vector<int> WebViewTest::webProcesses() {
         const std::string number = entry.path().filename();
         if (number.empty() || std::isdigit(static_cast<unsigned char>(number[0])) == 0)
             continue;
-        std::ifstream file(entry.path() / "stat");
+        const std::ifstream file(entry.path() / "stat");
         std::stringstream contents;
         contents << file.rdbuf();
         const std::string text = contents.str();

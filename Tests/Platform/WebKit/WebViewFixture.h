@@ -74,15 +74,23 @@ private:
 };
 
 class WebViewTest : public testing::Test {
+public:
+    WebViewTest(const WebViewTest&) = delete;
+    WebViewTest& operator=(const WebViewTest&) = delete;
+    ~WebViewTest() override;
+
 protected:
     WebViewTest();
-    ~WebViewTest() override;
 
     using Property = Platform::WebView::Property;
 
     /// A view with both delegates.
     std::shared_ptr<Platform::WebView> makeView(const std::shared_ptr<Platform::WebViewConfiguration>&
                                                     configuration = Platform::WebViewConfiguration::create());
+
+    /// Empty where there is none.
+    static std::string textOf(const std::optional<Platform::URL>& url);
+    static std::string urlOf(const Platform::WebView& view) { return textOf(view.url()); }
 
     static WebKitWebView* widgetOf(Platform::WebView& view);
     static Platform::URLRequest request(const std::string& url, double timeoutInterval = 60);
