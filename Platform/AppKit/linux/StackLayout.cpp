@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace Platform {
 
@@ -48,7 +49,7 @@ std::vector<double> distribute(const std::vector<StackItem>& items, double room)
         if (items[i].compressionResistance < LayoutPriorities::defaultHigh)
             yielding.push_back(i);
     }
-    std::ranges::stable_sort(yielding, {}, [&](std::size_t i) { return items[i].compressionResistance; });
+    std::ranges::sort(yielding, {}, [&](std::size_t i) { return std::pair(items[i].compressionResistance, i); });
     for (const std::size_t i : yielding) {
         const double taken = std::min(-left, lengths[i] - items[i].extent.minimum);
         if (taken > 0) {
