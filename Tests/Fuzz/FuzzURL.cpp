@@ -3,9 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -13,12 +16,25 @@ namespace {
 using Platform::URL;
 using Platform::URLComponents;
 
+[[noreturn]] void fail(std::string_view promise, std::string_view text) {
+    std::cerr << "broken: " << promise << "\n  " << text << '\n';
+    std::abort();
+}
+
 /// Stops the run where a promise does not hold.
-void require(bool holds, const char* promise, std::string_view text) {
+void require(bool holds, std::string_view promise, std::string_view text) {
     if (!holds) {
-        std::fprintf(stderr, "broken: %s\n  %.*s\n", promise, static_cast<int>(text.size()), text.data());
-        std::abort();
+        fail(promise, text);
     }
+}
+
+/// `value`, which is promised to be there.
+template <typename Value>
+Value required(std::optional<Value> value, std::string_view promise, std::string_view text) {
+    if (!value) {
+        fail(promise, text);
+    }
+    return *std::move(value);
 }
 
 bool sameParts(const URL& left, const URL& right) {
@@ -34,8 +50,8 @@ void checkURL(const URL& url) {
     for (const char character : text) {
         require(character > ' ' && character < '\x7F', "a URL is printable ASCII", text);
     }
-    const auto again = URL::fromString(text);
-    require(again && *again == url && sameParts(*again, url), "a URL's text is that URL", text);
+    const URL again = required(URL::fromString(text), "a URL's text is a URL", text);
+    require(again == url && sameParts(again, url), "a URL's text is that URL", text);
 
     const URL shorter = url.deletingLastPathComponent();
     const URL longer = url.appendingPathComponent("a:b/c d?", true);
@@ -49,29 +65,29 @@ void checkURL(const URL& url) {
 }
 
 void checkComponents(URLComponents components, std::string_view text) {
-    const auto whole = components.string();
-    require(whole.has_value(), "parsed components have a text", text);
-    require(URLComponents::fromString(*whole) == components, "components come back from their text", text);
+    const std::string whole = required(components.string(), "parsed components have a text", text);
+    require(URLComponents::fromString(whole) == components, "components come back from their text", text);
 
-    const auto encodedItems = components.percentEncodedQueryItems();
     const auto query = components.percentEncodedQuery();
-    require(encodedItems.has_value() == query.has_value(), "there are items if there is a query", text);
-    if (encodedItems) {
-        components.setPercentEncodedQueryItems(*encodedItems);
+    require(components.queryItems().has_value() == query.has_value(), "there are items if there is a query",
+            text);
+    if (query) {
+        const auto encodedItems = required(components.percentEncodedQueryItems(), "there are items", text);
+        components.setPercentEncodedQueryItems(encodedItems);
         require(components.percentEncodedQuery() == query, "encoded items make the same query again", text);
-        const auto items = components.queryItems();
-        components.setQueryItems(*items);
+        const auto items = required(components.queryItems(), "there are items", text);
+        components.setQueryItems(items);
         // One item without name and value is written as an empty query, which has no items.
-        const bool isWritten = *items != std::vector<Platform::URLQueryItem>{{}};
-        require(components.queryItems()->size() == (isWritten ? items->size() : 0),
+        const std::size_t count = items == std::vector<Platform::URLQueryItem>{{}} ? 0 : items.size();
+        require(required(components.queryItems(), "there are items", text).size() == count,
                 "decoded items are as many again", text);
-        components.setPercentEncodedQuery(query);
+        components.setPercentEncodedQuery(*query);
     }
     components.setFragment("f");
     if (const auto changed = components.string()) {
-        const auto url = URL::fromString(*changed);
-        require(url.has_value() && url->fragment() == "f", "changed components are a URL", *changed);
-        require(URLComponents::fromString(*changed)->percentEncodedHost() == components.percentEncodedHost(),
+        const URL url = required(URL::fromString(*changed), "changed components are a URL", *changed);
+        require(url.fragment() == "f", "a changed fragment is in the text", *changed);
+        require(URLComponents(url).percentEncodedHost() == components.percentEncodedHost(),
                 "a changed fragment does not change the host", *changed);
     }
 }

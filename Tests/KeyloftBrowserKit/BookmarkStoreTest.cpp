@@ -1,6 +1,7 @@
 #include "KeyloftBrowserKit/BookmarkStore.h"
 
 #include "KeyloftBrowserKit/AddressInput.h"
+#include "Tests/Support/Present.h"
 #include "Tests/Support/PrivateMounts.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -32,7 +33,7 @@ using Platform::URL;
 using List = std::vector<Bookmark>;
 using Names = std::set<std::string>;
 
-URL url(std::string_view text) { return URL::fromString(text).value(); }
+URL url(std::string_view text) { return KeyloftTests::present(URL::fromString(text)); }
 
 Bookmark bookmark(std::string_view title, std::string_view text) {
     return {.title = std::string(title), .url = url(text)};

@@ -1,5 +1,6 @@
 #include "Platform/Foundation/FileManager.h"
 
+#include "Tests/Support/Present.h"
 #include "Tests/Support/PrivateMounts.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -25,6 +26,7 @@ namespace fs = std::filesystem;
 
 using KeyloftTests::contentsOf;
 using KeyloftTests::namesIn;
+using KeyloftTests::present;
 using KeyloftTests::TemporaryDirectory;
 using KeyloftTests::writeContents;
 using Platform::FileError;
@@ -47,13 +49,14 @@ std::optional<FileError> failureOf(const Operation& operation) {
 
 template <typename Operation>
 void expectFailure(Code code, const std::string& path, const Operation& operation) {
-    const auto error = failureOf(operation);
-    ASSERT_TRUE(error) << path;
-    EXPECT_EQ(error->code(), code) << error->localizedDescription();
-    EXPECT_NE(error->localizedDescription().find('"' + path + '"'), std::string::npos)
-        << error->localizedDescription();
-    EXPECT_TRUE(error->localizedDescription().ends_with('.')) << error->localizedDescription();
-    EXPECT_STREQ(error->what(), error->localizedDescription().c_str());
+    const auto failure = failureOf(operation);
+    ASSERT_TRUE(failure) << path;
+    const FileError error = present(failure);
+    EXPECT_EQ(error.code(), code) << error.localizedDescription();
+    EXPECT_NE(error.localizedDescription().find('"' + path + '"'), std::string::npos)
+        << error.localizedDescription();
+    EXPECT_TRUE(error.localizedDescription().ends_with('.')) << error.localizedDescription();
+    EXPECT_STREQ(error.what(), error.localizedDescription().c_str());
 }
 
 void expectReadFailure(Code code, const std::string& path) {

@@ -5,10 +5,13 @@
 #include "Platform/Foundation/URLComponents.h"
 #include "Tests/Support/Vectors.h"
 
+#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 #include <unicode/uchar.h>
 
-#include <array>
+#include <cstdint>
+#include <stdexcept>
+#include <vector>
 
 namespace {
 
@@ -26,6 +29,21 @@ json itemsAsJSON(const std::optional<std::vector<Platform::URLQueryItem>>& items
         list.push_back(json::array({item.name, orNull(item.value)}));
     }
     return list;
+}
+
+TEST(VectorRows, everyDifferingRowIsReported) {
+    const std::size_t count = readVectors("base64").size();
+    testing::TestPartResultArray failures;
+    {
+        const testing::ScopedFakeTestPartResultReporter reporter(
+            testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &failures);
+        expectVectors("base64", [](const json& /*in*/) -> json { return "no text's base64"; });
+    }
+    EXPECT_EQ(failures.size(), static_cast<int>(count));
+}
+
+TEST(VectorRows, aMissingFileFails) {
+    EXPECT_NONFATAL_FAILURE(expectVectors("missing", [](const json& in) { return in; }), "has no rows");
 }
 
 TEST(URLVectors, fromStringAnswersAsFoundation) {

@@ -1,9 +1,12 @@
 #include "Platform/Foundation/JSON.h"
 
+#include "Tests/Support/Present.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
+using KeyloftTests::present;
 using Platform::JSONSlashes;
 using Platform::JSONValue;
 
@@ -16,22 +19,21 @@ std::string repeated(std::string_view text, std::size_t count) {
 }
 
 TEST(JSON, membersAreReachedByNameAndKind) {
-    const auto value = JSONValue::parse(
-        R"({"s":"x\u0000é","n":-1.5,"i":7,"b":true,"z":null,"a":[1,{"k":"v"}],"o":{"p":{"q":"r"}}})");
-    ASSERT_TRUE(value);
-    EXPECT_EQ(*value->stringMember("s"), std::string("x\0é", 4));
-    EXPECT_EQ(*value->member("n")->number(), -1.5);
-    EXPECT_EQ(*value->member("i")->number(), 7);
-    EXPECT_TRUE(*value->member("b")->boolean());
-    EXPECT_TRUE(value->member("z")->isNull());
-    EXPECT_EQ(value->member("a")->array()->size(), 2U);
-    EXPECT_EQ(*value->member("a")->array()->at(1).stringMember("k"), "v");
-    EXPECT_EQ(*value->member("o")->member("p")->stringMember("q"), "r");
+    const JSONValue value = present(JSONValue::parse(
+        R"({"s":"x\u0000é","n":-1.5,"i":7,"b":true,"z":null,"a":[1,{"k":"v"}],"o":{"p":{"q":"r"}}})"));
+    EXPECT_EQ(*value.stringMember("s"), std::string("x\0é", 4));
+    EXPECT_EQ(*value.member("n")->number(), -1.5);
+    EXPECT_EQ(*value.member("i")->number(), 7);
+    EXPECT_TRUE(*value.member("b")->boolean());
+    EXPECT_TRUE(value.member("z")->isNull());
+    EXPECT_EQ(value.member("a")->array()->size(), 2U);
+    EXPECT_EQ(*value.member("a")->array()->at(1).stringMember("k"), "v");
+    EXPECT_EQ(*value.member("o")->member("p")->stringMember("q"), "r");
     for (const auto* const name : {"n", "i", "b", "z", "a", "o", "missing"}) {
-        EXPECT_EQ(value->stringMember(name), nullptr) << name;
+        EXPECT_EQ(value.stringMember(name), nullptr) << name;
     }
-    EXPECT_EQ(value->member("missing"), nullptr);
-    EXPECT_EQ(value->member("a")->member("k"), nullptr) << "an array has no members";
+    EXPECT_EQ(value.member("missing"), nullptr);
+    EXPECT_EQ(value.member("a")->member("k"), nullptr) << "an array has no members";
 }
 
 TEST(JSON, onlyAnArrayOrObjectAndNothingElseIsRead) {
@@ -51,7 +53,7 @@ TEST(JSON, onlyAnArrayOrObjectAndNothingElseIsRead) {
                                    "[NaN]",
                                    "[1e400]",
                                    "[-1e400]",
-                                   "[\"\\uD800\"]",
+                                   R"(["\uD800"])",
                                    "[\"\xFF\"]",
                                    "[\"\xED\xA0\x80\"]",
                                    "//\n[]",
@@ -71,8 +73,8 @@ TEST(JSON, nestingIsTakenUpToItsLimit) {
     const std::size_t most = JSONValue::maxDepth;
     EXPECT_TRUE(JSONValue::parse(repeated("[", most) + repeated("]", most)));
     EXPECT_FALSE(JSONValue::parse(repeated("[", most + 1) + repeated("]", most + 1)));
-    EXPECT_TRUE(JSONValue::parse(repeated("{\"a\":", most - 1) + "[]" + repeated("}", most - 1)));
-    EXPECT_FALSE(JSONValue::parse(repeated("{\"a\":", most) + "[]" + repeated("}", most)));
+    EXPECT_TRUE(JSONValue::parse(repeated(R"({"a":)", most - 1) + "[]" + repeated("}", most - 1)));
+    EXPECT_FALSE(JSONValue::parse(repeated(R"({"a":)", most) + "[]" + repeated("}", most)));
     EXPECT_TRUE(JSONValue::parse("[" + repeated("[[]],", 2000) + "[]]")) << "depth, not number";
 }
 
@@ -82,20 +84,17 @@ TEST(JSON, hugeInputsNeitherCrashNorOverflowTheStack) {
     EXPECT_FALSE(JSONValue::parse("[" + std::string(size, '"')));
     EXPECT_FALSE(JSONValue::parse("[\"" + std::string(size, '\\')));
     EXPECT_FALSE(JSONValue::parse("[" + std::string(size, '9') + "]")) << "a number beyond a double";
-    const auto text = JSONValue::parse("[\"" + std::string(size, 'x') + "\"]");
-    ASSERT_TRUE(text);
-    EXPECT_EQ(text->array()->front().string()->size(), size);
-    const auto list = JSONValue::parse("[" + repeated("1,", 500'000) + "1]");
-    ASSERT_TRUE(list);
-    EXPECT_EQ(list->array()->size(), 500'001U);
+    const JSONValue text = present(JSONValue::parse("[\"" + std::string(size, 'x') + "\"]"));
+    EXPECT_EQ(text.array()->front().string()->size(), size);
+    const JSONValue list = present(JSONValue::parse("[" + repeated("1,", 500'000) + "1]"));
+    EXPECT_EQ(list.array()->size(), 500'001U);
 }
 
 TEST(JSON, copiesAreEqualAndIndependentOfTheOriginal) {
-    std::optional<JSONValue> original = JSONValue::parse(R"({"a":[1,"x",{"b":null}]})");
-    ASSERT_TRUE(original);
-    const JSONValue copy = *original;
-    EXPECT_EQ(copy, *original);
-    original.reset();
+    JSONValue original = present(JSONValue::parse(R"({"a":[1,"x",{"b":null}]})"));
+    const JSONValue copy = original;
+    EXPECT_EQ(copy, original);
+    original = JSONValue();
     EXPECT_EQ(copy, JSONValue::parse(R"( {"a" : [1.0,"\u0078",{"b":null}]} )"));
     EXPECT_NE(copy, JSONValue::parse(R"({"a":[1,"x",{"b":false}]})"));
     EXPECT_NE(JSONValue(0), JSONValue(false));

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -33,17 +32,17 @@ TEST(NotificationCenter, theDefaultCenterIsOne) {
 TEST(NotificationCenter, aPostIsDeliveredBeforeItReturnsOnThePostingThread) {
     NotificationCenter center;
     const int object = 0;
-    std::optional<Notification> received;
+    std::vector<Notification> received;
     std::thread::id thread;
     const Observation observation =
         center.addObserver(something, &object, [&](const Notification& notification) {
-            received.emplace(notification);
+            received.push_back(notification);
             thread = std::this_thread::get_id();
         });
     center.post(something, &object);
-    ASSERT_TRUE(received);
-    EXPECT_EQ(received->name, something);
-    EXPECT_EQ(received->object, &object);
+    ASSERT_EQ(received.size(), 1U);
+    EXPECT_EQ(received.front().name, something);
+    EXPECT_EQ(received.front().object, &object);
     EXPECT_EQ(thread, std::this_thread::get_id());
 
     std::thread([&] {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <stdexcept>
 #include <unordered_set>
 
 namespace {
@@ -154,7 +156,7 @@ TEST(URL, megabytesAreParsed) {
     EXPECT_EQ(parsed("https://x.test/?" + wide).absoluteString().size(), 16 + 9 * 300'000U);
     EXPECT_EQ(parsed("https://" + letters + "/").host(), letters);
     EXPECT_EQ(URL::fromString("https://" + wide + "/"), std::nullopt) << "far longer than any domain name";
-    EXPECT_EQ(parsed("https://" + std::string(1'000'000, '@') + "x/").user()->size(), 999'999U);
+    EXPECT_EQ(parsed("https://" + std::string(1'000'000, '@') + "x/").user(), std::string(999'999, '@'));
     EXPECT_EQ(URL::fromString("https://x:" + std::string(1'000'000, ':')), std::nullopt);
 }
 
