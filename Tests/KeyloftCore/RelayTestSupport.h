@@ -141,7 +141,8 @@ protected:
         kept.clear();
         EXPECT_TRUE(eventually([&] { return openDescriptors() == descriptors_; }))
             << openDescriptors() << " descriptors, were " << descriptors_;
-        EXPECT_TRUE(eventually([&] { return runningThreads() == threads_; }))
+        // A thread that has been waited for may still have stood in the list when they were counted.
+        EXPECT_TRUE(eventually([&] { return runningThreads() <= threads_; }))
             << runningThreads() << " threads, were " << threads_;
     }
 

@@ -261,6 +261,7 @@ TEST_F(SystemCallTest, aPeerOfAnotherUserIsRefusedUnread) {
 
 TEST_F(SystemCallTest, withoutDescriptorsAcceptingIsTriedOnceAndThenAgainNowAndThen) {
     for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM}) {
+        const auto begin = std::chrono::steady_clock::now();
         startEcho();
         std::atomic<int> calls = 0;
         SystemCalls system;
@@ -273,7 +274,10 @@ TEST_F(SystemCallTest, withoutDescriptorsAcceptingIsTriedOnceAndThenAgainNowAndT
             RawPeer peer(path);
             EXPECT_TRUE(eventually([&] { return calls > 0; }));
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            EXPECT_EQ(calls, 1);
+            // One more for each second that a busy machine has made of this.
+            const auto seconds =
+                std::chrono::floor<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
+            EXPECT_LE(calls, 1 + seconds.count());
         }
         listener->close();
     }

@@ -314,8 +314,9 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
     for (std::size_t index = 0; index < count; ++index) {
         pipes.push_back(std::make_unique<Pipe>());
         sources.push_back(std::make_unique<ReadSource>(queue, pipes.back()->readEnd()));
-        sources.back()->setEventHandler([&, index] {
-            readSome(pipes[index]->readEnd());
+        // The handler may run while the list still grows, so it holds what it needs itself.
+        sources.back()->setEventHandler([&fired, &event, index, descriptor = pipes.back()->readEnd()] {
+            readSome(descriptor);
             ++fired[index];
             event.signal();
         });
