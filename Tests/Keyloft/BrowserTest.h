@@ -4,7 +4,7 @@
 #include "KeyloftBrowserKit/BookmarkStore.h"
 #include "Platform/AppKit/Menu.h"
 #include "Tests/Support/HTTPServer.h"
-#include "Tests/Support/MainLoop.h"
+#include "Tests/Support/linux/MainLoop.h"
 #include "Tests/Support/NativeWindow.h"
 #include "Tests/Support/Present.h"
 #include "Tests/Support/TemporaryDirectory.h"

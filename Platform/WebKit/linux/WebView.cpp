@@ -233,6 +233,9 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
     connect(view.get(), "script-dialog", &scriptDialog);
     connect(view.get(), "web-process-terminated", &webProcessTerminated);
     connect(view.get(), "map", &mapped);
+    notified("notify::root", [](WebKitWebView*, GParamSpec*, gpointer data) {
+        static_cast<Engine*>(data)->updateGestures();
+    });
     // Behind the others, for the first answer counts.
     giveSafeAnswers(view.get());
 }

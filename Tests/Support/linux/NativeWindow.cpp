@@ -5,7 +5,7 @@
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/WebKit/linux/NetworkSession.h"
 #include "Tests/Support/Display.h"
-#include "Tests/Support/MainLoop.h"
+#include "Tests/Support/linux/MainLoop.h"
 
 #include <adwaita.h>
 #include <gtest/gtest.h>

@@ -6,7 +6,7 @@
 #include "Platform/AppKit/linux/TabHost.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
-#include "Tests/Support/MainLoop.h"
+#include "Tests/Support/linux/MainLoop.h"
 
 #include <gtest/gtest.h>
 

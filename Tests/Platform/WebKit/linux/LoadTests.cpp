@@ -1,4 +1,4 @@
-#include "Tests/Platform/WebKit/WebViewFixture.h"
+#include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
 #include <algorithm>
 #include <chrono>
@@ -498,6 +498,8 @@ TEST_F(WebViewLoad, swipingIsASettingOfTheView) {
     const auto configuration = WebViewConfiguration::create();
     const auto one = makeView(configuration);
     const auto other = makeView(configuration);
+    TestWindow oneWindow(*one);
+    TestWindow otherWindow(*other);
     const auto swipes = [](WebView& view) {
         return webkit_settings_get_enable_back_forward_navigation_gestures(
             webkit_web_view_get_settings(widgetOf(view)));
@@ -507,4 +509,17 @@ TEST_F(WebViewLoad, swipingIsASettingOfTheView) {
     EXPECT_FALSE(swipes(*other));
     one->setAllowsBackForwardNavigationGestures(false);
     EXPECT_FALSE(swipes(*one));
+}
+
+// The engine would take a picture of what is in no window, and crash.
+TEST_F(WebViewLoad, aViewInNoWindowIsNotSwiped) {
+    const auto view = makeView(WebViewConfiguration::create());
+    view->setAllowsBackForwardNavigationGestures(true);
+    WebKitSettings* settings = webkit_web_view_get_settings(widgetOf(*view));
+    EXPECT_FALSE(webkit_settings_get_enable_back_forward_navigation_gestures(settings));
+    {
+        TestWindow window(*view);
+        EXPECT_TRUE(webkit_settings_get_enable_back_forward_navigation_gestures(settings));
+    }
+    EXPECT_FALSE(webkit_settings_get_enable_back_forward_navigation_gestures(settings));
 }

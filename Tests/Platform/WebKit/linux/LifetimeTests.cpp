@@ -1,4 +1,4 @@
-#include "Tests/Platform/WebKit/WebViewFixture.h"
+#include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "Tests/Platform/WebKit/WebViewFixture.h"
+#include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
 using namespace Platform;
 using TestSupport::HTTPResponse;

@@ -1,5 +1,5 @@
 #include "Platform/WebKit/linux/NetworkSession.h"
-#include "Tests/Platform/WebKit/WebViewFixture.h"
+#include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
 #include <filesystem>
 #include <fstream>

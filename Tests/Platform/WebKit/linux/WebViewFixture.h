@@ -4,7 +4,7 @@
 #include "Platform/Foundation/Timer.h"
 #include "Platform/WebKit/WebView.h"
 #include "Tests/Support/HTTPServer.h"
-#include "Tests/Support/MainLoop.h"
+#include "Tests/Support/linux/MainLoop.h"
 
 #include <gtest/gtest.h>
 #include <webkit/webkit.h>
