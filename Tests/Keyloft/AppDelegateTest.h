@@ -9,9 +9,13 @@
 
 /// The application's delegate with its menu bar, before it finished launching, and no bookmarks.
 class AppDelegateTest : public BrowserTest {
+public:
+    AppDelegateTest(const AppDelegateTest&) = delete;
+    AppDelegateTest& operator=(const AppDelegateTest&) = delete;
+    ~AppDelegateTest() override;
+
 protected:
     AppDelegateTest();
-    ~AppDelegateTest() override;
 
     /// Launches without URLs and returns the blank tab.
     Tab launch();

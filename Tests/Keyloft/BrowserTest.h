@@ -17,13 +17,17 @@
 
 /// Tabs as the application opens them, a bookmark store of the test's own, and a web server for the pages.
 class BrowserTest : public testing::Test {
+public:
+    BrowserTest(const BrowserTest&) = delete;
+    BrowserTest& operator=(const BrowserTest&) = delete;
+    ~BrowserTest() override;
+
 protected:
     using Controller = Keyloft::BrowserWindowController;
     using Tab = std::shared_ptr<Controller>;
     using Configuration = std::shared_ptr<Platform::WebViewConfiguration>;
 
     BrowserTest();
-    ~BrowserTest() override;
 
     /// Opens a tab in the window of another, or in a window of its own, and shows it. It goes from `tabs`
     /// when its window closes, and opens further ones beside it.

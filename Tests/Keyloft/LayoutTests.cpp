@@ -42,9 +42,13 @@ void expectRow(const Rect& row, double top, double width) {
 
 /// With the main menu, so that the content begins below a menu bar.
 class LayoutTest : public BrowserTest {
+public:
+    LayoutTest(const LayoutTest&) = delete;
+    LayoutTest& operator=(const LayoutTest&) = delete;
+    ~LayoutTest() override { Application::shared().setMainMenu(nullptr); }
+
 protected:
     LayoutTest() { delegate->applicationWillFinishLaunching(); }
-    ~LayoutTest() override { Application::shared().setMainMenu(nullptr); }
 
     static Size contentSizeOf(const Tab& tab) {
         const Rect frame = contentFrame(*tab->window());

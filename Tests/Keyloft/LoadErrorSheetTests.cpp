@@ -2,7 +2,6 @@
 
 using namespace Platform;
 using KeyloftTests::present;
-using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 using TestSupport::ShownSheet;
 using TestSupport::shownSheet;

@@ -611,8 +611,9 @@ void WebView::Engine::prewarm() {
         webkit_web_view_evaluate_javascript(view.get(), "1", -1, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
-/// For the gestures the engine takes a picture of each page that is left, and crashes where there is no window to take it
-/// of: in a closed tab, in one that was never shown, and in one that is being dragged from window to window.
+/// For the gestures the engine takes a picture of each page that is left, and crashes where there is no
+/// window to take it of: in a closed tab, in one that was never shown, and in one that is being dragged from
+/// window to window.
 void WebView::Engine::updateGestures() {
     const bool inWindow = gtk_widget_get_root(GTK_WIDGET(view.get())) != nullptr;
     webkit_settings_set_enable_back_forward_navigation_gestures(webkit_web_view_get_settings(view.get()),
