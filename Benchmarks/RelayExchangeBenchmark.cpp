@@ -55,7 +55,7 @@ KeyloftCore::AuthorizeRequest pendingRequest() {
         "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example/callback/of/some/"
         "length&state=" +
         std::string(150, 's');
-    return {*Platform::URL::fromString(url), std::string(nonce)};
+    return {Platform::URL::fromString(url).value(), std::string(nonce)};
 }
 
 std::string replyMessage() {
@@ -151,6 +151,7 @@ private:
 [[noreturn]] void serveBare(const std::string& path, const std::string& request, const std::string& reply,
                             const std::function<void()>& ready) {
     const int listening = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    require(listening >= 0, "socket");
     const auto address = addressOf(path);
     require(bind(listening, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "bind");
     // The relay's own backlog: with another one the two would not be asked the same.
@@ -185,6 +186,7 @@ private:
 
 void exchangeBare(const std::string& path, const std::string& request, std::size_t replySize) {
     const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    require(descriptor >= 0, "socket");
     const auto address = addressOf(path);
     require(connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "connect");
     require(writeFully(descriptor, request), "write");
@@ -231,6 +233,7 @@ double perSecond(const Contender& contender, int clients, std::chrono::milliseco
     std::atomic<bool> stop = false;
     std::atomic<std::uint64_t> total = 0;
     std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(clients));
     const auto begin = Clock::now();
     for (int client = 0; client < clients; ++client) {
         threads.emplace_back([&] {

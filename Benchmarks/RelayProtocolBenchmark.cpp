@@ -26,8 +26,8 @@ using KeyloftCore::RelayProtocol;
 using KeyloftCore::RelayTarget;
 using Platform::JSONValue;
 
-constexpr std::size_t chunkSize = 64 * 1024;
-constexpr std::size_t streamSize = 4 << 20;
+constexpr std::size_t chunkSize = 65'536;
+constexpr std::size_t streamSize = std::size_t{4} << 20U;
 constexpr std::string_view nonce = "ABCDEFGHIJKLMNOPQRST-_";
 
 std::string streamOf(std::size_t payloadSize) {
@@ -115,11 +115,13 @@ void encoding(benchmark::State& state) {
 }
 
 Platform::URL authorizeURL() {
-    return *Platform::URL::fromString(
-        "https://appleid.apple.com/auth/"
-        "authorize?client_id=com.example.client&redirect_uri=https%3A%2F%2Fclient."
-        "example%2Fcallback&response_mode=form_post&response_type=code%20id_token&scope=name%20email&state=a-"
-        "state");
+    return Platform::URL::fromString(
+               "https://appleid.apple.com/auth/"
+               "authorize?client_id=com.example.client&redirect_uri=https%3A%2F%2Fclient."
+               "example%2Fcallback&response_mode=form_post&response_type=code%20id_token&scope=name%20email&"
+               "state=a-"
+               "state")
+        .value();
 }
 
 void replyToConfirm(benchmark::State& state) {

@@ -52,7 +52,7 @@ bool listenSomewhere(RelayListener& listener, const RelayListener::OnFrame& onFr
     for (const auto& path : RelaySocketPaths::candidates()) {
         try {
             listener.listen(path, onFrame);
-            std::cout << "listening on " << path << std::endl;
+            std::cout << "listening on " << path << '\n' << std::flush;
             return true;
         } catch (const Platform::FileError& error) {
             std::cerr << "relay-host: " << error.localizedDescription() << "\n";
@@ -80,7 +80,7 @@ int main(int argc, char** argv) {
     const auto onFrame = [&](const std::string& message, const RelayListener::Reply& sendReply) {
         const auto reply = RelayProtocol::reply(message, *request);
         const auto json = Platform::compactJSON(reply.json(), Platform::JSONSlashes::plain);
-        std::cout << "a message of " << message.size() << " bytes, answered " << json << std::endl;
+        std::cout << "a message of " << message.size() << " bytes, answered " << json << '\n' << std::flush;
         sendReply(json);
         if (const auto* ack = reply.ack(); ack != nullptr && ack->result && !isAccepted) {
             isAccepted = true;
@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
     if (!listenSomewhere(listener, onFrame)) {
         return 1;
     }
-    std::cout << "relay URL: " << request->safariRelayURL().absoluteString() << std::endl;
+    std::cout << "relay URL: " << request->safariRelayURL().absoluteString() << '\n' << std::flush;
 
     const auto result = accepted.get_future().get();
     std::cout << "result for " << result.redirectURI.absoluteString() << ":\n";

@@ -62,6 +62,8 @@ std::unique_ptr<View::Native> Button::makeNative() {
 }
 
 void Button::applyImage(Native& native) const {
+    if (!image_)
+        return;
     gtk_button_set_icon_name(GTK_BUTTON(native.widget.get()), iconName(image_->symbolName));
     gtk_accessible_update_property(GTK_ACCESSIBLE(native.widget.get()), GTK_ACCESSIBLE_PROPERTY_LABEL,
                                    image_->accessibilityDescription.c_str(), -1);
@@ -78,8 +80,8 @@ void Button::applyStyle(Native& native) const {
 
 void Button::applyFont(Native& native) {
     GtkWidget* label = gtk_button_get_child(GTK_BUTTON(native.widget.get()));
-    if (GTK_IS_LABEL(label))
-        gtk_label_set_attributes(GTK_LABEL(label), fontAttributes(font()->systemFontSize));
+    if (const auto wanted = font(); wanted && GTK_IS_LABEL(label))
+        gtk_label_set_attributes(GTK_LABEL(label), fontAttributes(wanted->systemFontSize));
 }
 
 } // namespace Platform

@@ -150,6 +150,9 @@ GType containerType() {
 }
 
 struct ContainerNative final : View::Native {
+    ContainerNative() = default;
+    ContainerNative(const ContainerNative&) = delete;
+    ContainerNative& operator=(const ContainerNative&) = delete;
     ~ContainerNative() override {
         if (widget)
             stateOf(widget.get()).view = nullptr;

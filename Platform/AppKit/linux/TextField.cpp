@@ -78,9 +78,9 @@ std::unique_ptr<View::Native> TextField::makeNative() {
 }
 
 void TextField::applyFont(Native& native) {
-    if (font())
+    if (const auto wanted = font())
         gtk_text_set_attributes(static_cast<TextFieldEvents::Native&>(native).text,
-                                fontAttributes(font()->systemFontSize));
+                                fontAttributes(wanted->systemFontSize));
 }
 
 void TextField::beginEditing() {
