@@ -11,6 +11,7 @@
 #include "KeyloftCore/RelayProtocol.h"
 #include "KeyloftCore/RelaySocketClient.h"
 #include "Platform/Foundation/JSON.h"
+#include "Tests/Support/Present.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -55,7 +56,7 @@ KeyloftCore::AuthorizeRequest pendingRequest() {
         "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example/callback/of/some/"
         "length&state=" +
         std::string(150, 's');
-    return {Platform::URL::fromString(url).value(), std::string(nonce)};
+    return {KeyloftTests::present(Platform::URL::fromString(url)), std::string(nonce)};
 }
 
 std::string replyMessage() {

@@ -6,6 +6,7 @@
 #include "KeyloftCore/RelayProtocol.h"
 #include "KeyloftCore/RelayTarget.h"
 #include "Platform/Foundation/JSON.h"
+#include "Tests/Support/Present.h"
 
 #include <benchmark/benchmark.h>
 
@@ -115,13 +116,12 @@ void encoding(benchmark::State& state) {
 }
 
 Platform::URL authorizeURL() {
-    return Platform::URL::fromString(
-               "https://appleid.apple.com/auth/"
-               "authorize?client_id=com.example.client&redirect_uri=https%3A%2F%2Fclient."
-               "example%2Fcallback&response_mode=form_post&response_type=code%20id_token&scope=name%20email&"
-               "state=a-"
-               "state")
-        .value();
+    return KeyloftTests::present(Platform::URL::fromString(
+        "https://appleid.apple.com/auth/"
+        "authorize?client_id=com.example.client&redirect_uri=https%3A%2F%2Fclient."
+        "example%2Fcallback&response_mode=form_post&response_type=code%20id_token&scope=name%20email&"
+        "state=a-"
+        "state"));
 }
 
 void replyToConfirm(benchmark::State& state) {

@@ -4,6 +4,7 @@
 #include "Platform/Foundation/FatalError.h"
 #include "Platform/Foundation/JSON.h"
 #include "Platform/Foundation/URL.h"
+#include "Tests/Support/Present.h"
 
 #include <array>
 #include <cstddef>
@@ -28,7 +29,7 @@ void require(bool condition, std::string_view promise) {
 AuthorizeRequest request(std::string_view stateItem) {
     const auto text = "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example" +
                       std::string(stateItem);
-    return {Platform::URL::fromString(text).value(), "ABCDEFGHIJKLMNOPQRST-_"};
+    return {KeyloftTests::present(Platform::URL::fromString(text)), "ABCDEFGHIJKLMNOPQRST-_"};
 }
 
 std::optional<AuthResult> parsed(std::string_view data, const AuthorizeRequest& pending) {

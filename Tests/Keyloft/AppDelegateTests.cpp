@@ -106,9 +106,11 @@ TEST_F(AppDelegateTest, reopeningOpensABlankTabOnlyWithoutAVisibleWindow) {
 }
 
 TEST_F(AppDelegateTest, theBookmarksLieInTheApplicationSupportDirectory) {
-    const std::string home = std::getenv("HOME");
-    EXPECT_EQ(AppDelegate::bookmarksFile(),
-              URL::fromFilePath(home + "/Library/Application Support/Keyloft/bookmarks.json", false));
+    const char* home = std::getenv("HOME");
+    ASSERT_NE(home, nullptr);
+    EXPECT_EQ(
+        AppDelegate::bookmarksFile(),
+        URL::fromFilePath(std::string(home) + "/Library/Application Support/Keyloft/bookmarks.json", false));
     delegate->bookmarks()->add({"Kept", url("https://kept.test/")});
     EXPECT_EQ(KeyloftTests::contentsOf(home + "/Library/Application Support/Keyloft/bookmarks.json"),
               Bookmark::encode(delegate->bookmarks()->bookmarks()));

@@ -1,7 +1,6 @@
 #include "Tests/Keyloft/BrowserTest.h"
 
 using namespace Platform;
-using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 
 class MenuValidationTest : public BrowserTest {

@@ -434,7 +434,7 @@ TEST_F(BookmarkStoreTest, manyAddsGrowTheIndex) {
 }
 
 TEST_F(BookmarkStoreTest, aFileOfFiftyMegabytesIsLoadedAndSaved) {
-    std::string text = Bookmark::encode(largeList(520'000));
+    const std::string text = Bookmark::encode(largeList(520'000));
     ASSERT_GE(text.size(), 50'000'000U);
     write(text);
     BookmarkStore store = this->store();
@@ -447,7 +447,7 @@ TEST_F(BookmarkStoreTest, invalidFilesOfFiftyMegabytesMeanTheSeed) {
     static constexpr std::size_t size = 50'000'000;
     std::string almost = Bookmark::encode(largeList(520'000));
     almost.pop_back();
-    std::string arrays = "[{\"title\":\"t\",\"url\":\"u\",\"x\":[";
+    std::string arrays = R"([{"title":"t","url":"u","x":[)";
     while (arrays.size() < size) {
         arrays += "[],";
     }

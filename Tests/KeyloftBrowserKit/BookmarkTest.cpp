@@ -109,7 +109,7 @@ TEST(Bookmark, anIllFormedTitleIsRepairedRatherThanLosingTheFile) {
 }
 
 TEST(Bookmark, deepNestingIsRefusedWithoutDeepRecursion) {
-    std::string arrays(1'000'000, '[');
+    const std::string arrays(1'000'000, '[');
     EXPECT_FALSE(Bookmark::decode(arrays));
     const auto withDepth = [](std::size_t depth) {
         return R"([{"title":"t","url":"https://x.test/","x":)" + std::string(depth, '[') +

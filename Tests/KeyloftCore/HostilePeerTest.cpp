@@ -16,12 +16,9 @@
 namespace {
 
 using namespace std::string_view_literals;
-using KeyloftCore::RelayListener;
-using KeyloftCore::RelaySocketClient;
 using KeyloftTests::ask;
 using KeyloftTests::eventually;
 using KeyloftTests::frame;
-using KeyloftTests::longWait;
 using KeyloftTests::openDescriptors;
 using KeyloftTests::RawPeer;
 using KeyloftTests::RelayTest;

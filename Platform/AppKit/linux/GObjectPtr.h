@@ -22,8 +22,8 @@ public:
     GObjectPtr(GObjectPtr&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)) {}
     GObjectPtr& operator=(const GObjectPtr& other) {
-        GObjectPtr copy(other);
-        std::swap(object_, copy.object_);
+        if (this != &other)
+            *this = GObjectPtr(other);
         return *this;
     }
     GObjectPtr& operator=(GObjectPtr&& other) noexcept {
