@@ -357,6 +357,7 @@ TEST_F(RelayListenerTest, replacesWhateverFileIsInItsPlace) {
 TEST_F(RelayListenerTest, replacesASocketLeftByAnEarlierRun) {
     {
         const RawPeer unused;
+        ASSERT_GE(unused.descriptor(), 0);
         sockaddr_un address = {};
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof address.sun_path - 1);
@@ -529,6 +530,7 @@ TEST_F(RelayListenerTest, closingDuringTrafficEndsEveryClient) {
                             client.writeFrame("x");
                             reply = client.readFrame(longWait);
                         } catch (const RelaySocketError&) {
+                            reply.reset(); // closed on the listener's side
                         }
                         client.close();
                         if (!reply) {

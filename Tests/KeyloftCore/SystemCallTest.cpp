@@ -271,7 +271,7 @@ TEST_F(SystemCallTest, withoutDescriptorsAcceptingIsTriedOnceAndThenAgainNowAndT
         };
         {
             const Intercepted intercepted(system);
-            RawPeer peer(path);
+            const RawPeer peer(path);
             EXPECT_TRUE(eventually([&] { return calls > 0; }));
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
             // One more for each second that a busy machine has made of this.

@@ -59,9 +59,13 @@ protected:
 
 /// Windows on the tests' own display.
 class AppKitTest : public testing::Test {
+public:
+    AppKitTest(const AppKitTest&) = delete;
+    AppKitTest& operator=(const AppKitTest&) = delete;
+    ~AppKitTest() override;
+
 protected:
     AppKitTest();
-    ~AppKitTest() override;
 
     /// Waits until the window is on the screen and has been laid out.
     static void show(const std::shared_ptr<Window>& window);
