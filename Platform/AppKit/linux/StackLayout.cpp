@@ -49,7 +49,8 @@ std::vector<double> distribute(const std::vector<StackItem>& items, double room)
         if (items[i].compressionResistance < LayoutPriorities::defaultHigh)
             yielding.push_back(i);
     }
-    std::ranges::sort(yielding, {}, [&](std::size_t i) { return std::pair(items[i].compressionResistance, i); });
+    std::ranges::sort(yielding, {},
+                      [&](std::size_t i) { return std::pair(items[i].compressionResistance, i); });
     for (const std::size_t i : yielding) {
         const double taken = std::min(-left, lengths[i] - items[i].extent.minimum);
         if (taken > 0) {

@@ -148,6 +148,8 @@ void TabHost::selectNeighbour(int step) {
 void TabHost::present() {
     Application::shared().native().lastActive = weak_from_this();
     gtk_window_present(toplevel());
+    // The window manager can work while the page's first load is prepared here.
+    gdk_display_flush(gtk_widget_get_display(toplevel_.get()));
 }
 
 gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/, gpointer self) {
