@@ -281,8 +281,9 @@ void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<
 
 void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
     // The analyzer takes a weak pointer's lock for a mutex's.
-    take(read(connection->fd, buffer.data(), buffer.size()), // NOLINT(clang-analyzer-unix.BlockInCriticalSection)
-         connection, onFrame);
+    // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection)
+    const ssize_t count = read(connection->fd, buffer.data(), buffer.size());
+    take(count, connection, onFrame);
 }
 
 /// Most peers have sent their request before their connection is accepted: a look saves waiting for the

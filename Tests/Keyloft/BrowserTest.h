@@ -4,10 +4,10 @@
 #include "KeyloftBrowserKit/BookmarkStore.h"
 #include "Platform/AppKit/Menu.h"
 #include "Tests/Support/HTTPServer.h"
-#include "Tests/Support/linux/MainLoop.h"
 #include "Tests/Support/NativeWindow.h"
 #include "Tests/Support/Present.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/linux/MainLoop.h"
 
 #include <gtest/gtest.h>
 

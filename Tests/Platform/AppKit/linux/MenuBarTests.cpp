@@ -5,7 +5,6 @@
 
 namespace Platform::Tests {
 
-using TestSupport::runPending;
 using TestSupport::runUntil;
 
 namespace {

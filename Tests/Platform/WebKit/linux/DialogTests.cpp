@@ -1,7 +1,6 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
 using namespace Platform;
-using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 
 namespace {
