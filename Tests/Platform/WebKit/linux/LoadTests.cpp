@@ -498,8 +498,8 @@ TEST_F(WebViewLoad, swipingIsASettingOfTheView) {
     const auto configuration = WebViewConfiguration::create();
     const auto one = makeView(configuration);
     const auto other = makeView(configuration);
-    TestWindow oneWindow(*one);
-    TestWindow otherWindow(*other);
+    const TestWindow oneWindow(*one);
+    const TestWindow otherWindow(*other);
     const auto swipes = [](WebView& view) {
         return webkit_settings_get_enable_back_forward_navigation_gestures(
             webkit_web_view_get_settings(widgetOf(view)));
@@ -518,7 +518,7 @@ TEST_F(WebViewLoad, aViewInNoWindowIsNotSwiped) {
     WebKitSettings* settings = webkit_web_view_get_settings(widgetOf(*view));
     EXPECT_FALSE(webkit_settings_get_enable_back_forward_navigation_gestures(settings));
     {
-        TestWindow window(*view);
+        const TestWindow window(*view);
         EXPECT_TRUE(webkit_settings_get_enable_back_forward_navigation_gestures(settings));
     }
     EXPECT_FALSE(webkit_settings_get_enable_back_forward_navigation_gestures(settings));
