@@ -112,8 +112,9 @@ TEST_F(AppDelegateTest, theBookmarksLieInTheApplicationSupportDirectory) {
         AppDelegate::bookmarksFile(),
         URL::fromFilePath(std::string(home) + "/Library/Application Support/Keyloft/bookmarks.json", false));
     delegate->bookmarks()->add({"Kept", url("https://kept.test/")});
-    EXPECT_EQ(KeyloftTests::contentsOf(home + "/Library/Application Support/Keyloft/bookmarks.json"),
-              Bookmark::encode(delegate->bookmarks()->bookmarks()));
+    EXPECT_EQ(
+        KeyloftTests::contentsOf(std::string(home) + "/Library/Application Support/Keyloft/bookmarks.json"),
+        Bookmark::encode(delegate->bookmarks()->bookmarks()));
     EXPECT_EQ(AppDelegate::create()->bookmarks()->bookmarks(),
               (std::vector<Bookmark>{{"Kept", url("https://kept.test/")}}));
 }

@@ -2,7 +2,6 @@
 
 using namespace Platform;
 using TestSupport::HTTPResponse;
-using TestSupport::runPending;
 using TestSupport::runUntil;
 using Ending = TestSupport::HTTPResponse::Ending;
 
