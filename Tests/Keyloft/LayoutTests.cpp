@@ -228,12 +228,11 @@ TEST_F(LayoutTest, aLongPageTitleDoesNotWidenTheWindow) {
     const auto first = openTab();
     const auto tab = openTab(first);
     const Size before = nativeWindowSize(*tab->window());
-    // The engine keeps as much of it as it likes.
+    // The engine shows a title while it is still coming, and keeps as much of it as it likes.
     server.route("/", HTTPResponse::page(std::string(10000, 'm')));
     tab->load(serverURL("/"));
-    ASSERT_TRUE(runUntil([&] { return tab->window()->title().starts_with("mmm"); }));
-    EXPECT_GE(tab->window()->title().size(), 500U);
-    EXPECT_EQ(tab->window()->title(), tab->webView()->title());
+    const std::string wide(300, 'm');
+    ASSERT_TRUE(runUntil([&] { return tab->window()->title().starts_with(wide); }));
     waitForLayout(*tab->window());
     EXPECT_EQ(nativeWindowSize(*tab->window()), before);
     EXPECT_EQ(leastContentSize(*tab->window()), leastSize);
