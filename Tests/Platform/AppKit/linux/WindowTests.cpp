@@ -4,7 +4,6 @@
 namespace Platform::Tests {
 
 using TestSupport::runPending;
-using TestSupport::runUntil;
 
 class WindowTest : public AppKitTest {};
 
