@@ -21,6 +21,7 @@ struct Error {
     /// The domain of the web engine's own errors.
     static constexpr std::string_view webKitDomain = "WebKitErrorDomain";
     static constexpr int webKitFrameLoadInterrupted = 102;
+    static constexpr int webKitRestrictedPort = 103;
 
     std::string domain;
     int code = 0;

@@ -40,7 +40,7 @@ Kind kindOf(const GError& error) {
     if (error.domain == WEBKIT_NETWORK_ERROR && error.code == WEBKIT_NETWORK_ERROR_CANCELLED)
         return urlError(Error::urlCancelled);
     if (error.domain == WEBKIT_POLICY_ERROR)
-        return {.domain = webKitErrorDomain, .code = error.code};
+        return {.domain = std::string(Error::webKitDomain), .code = error.code};
     if (error.domain == G_RESOLVER_ERROR)
         return urlError(Error::urlCannotFindHost);
     if (error.domain == G_TLS_ERROR)
@@ -63,6 +63,20 @@ std::optional<Error> loadError(const GError& error, const char* failingURI) {
     if (failingURI && *failingURI)
         result.failingURL = failingURI;
     return result;
+}
+
+Error timedOutError(const std::optional<std::string>& failingURL) {
+    return {.domain = std::string(Error::urlDomain),
+            .code = Error::urlTimedOut,
+            .localizedDescription = "The request timed out.",
+            .failingURL = failingURL};
+}
+
+Error restrictedPortError(const std::optional<std::string>& failingURL) {
+    return {.domain = std::string(Error::webKitDomain),
+            .code = Error::webKitRestrictedPort,
+            .localizedDescription = "Not allowed to use restricted network port",
+            .failingURL = failingURL};
 }
 
 } // namespace Platform

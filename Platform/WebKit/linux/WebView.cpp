@@ -396,13 +396,8 @@ gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision
         if (isRequested)
             engine.endNavigation();
         webkit_policy_decision_ignore(decision);
-        if (isRequested) {
-            engine.report(WEBKIT_LOAD_STARTED,
-                          Error{.domain = webKitErrorDomain,
-                                .code = webKitErrorRestrictedPort,
-                                .localizedDescription = "Not allowed to use restricted network port",
-                                .failingURL = uri});
-        }
+        if (isRequested)
+            engine.report(WEBKIT_LOAD_STARTED, restrictedPortError(uri));
         return TRUE;
     }
     if (isRequested)
@@ -435,14 +430,11 @@ gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent ev
     const bool isCancelled = reported->domain == Error::urlDomain && reported->code == Error::urlCancelled;
     if (isCancelled && engine.stopTimer) {
         engine.stopTimer.reset();
-        reported->code = Error::urlTimedOut;
-        reported->localizedDescription = "The request timed out.";
+        reported = timedOutError(reported->failingURL);
     }
     const auto restricted = std::exchange(engine.restrictedURI, std::nullopt);
-    if (restricted && reported->domain == webKitErrorDomain && reported->failingURL == restricted) {
-        reported->code = webKitErrorRestrictedPort;
-        reported->localizedDescription = "Not allowed to use restricted network port";
-    }
+    if (restricted && reported->domain == Error::webKitDomain && reported->failingURL == restricted)
+        reported = restrictedPortError(restricted);
     engine.report(event, *reported);
     return TRUE;
 }
@@ -465,10 +457,7 @@ void WebView::Engine::timedOut() {
     stop();
     const auto reportNow = [this, failingURL] {
         stopTimer.reset();
-        report(WEBKIT_LOAD_STARTED, Error{.domain = std::string(Error::urlDomain),
-                                          .code = Error::urlTimedOut,
-                                          .localizedDescription = "The request timed out.",
-                                          .failingURL = failingURL});
+        report(WEBKIT_LOAD_STARTED, timedOutError(failingURL));
     };
     if (!willFail) {
         reportNow();
