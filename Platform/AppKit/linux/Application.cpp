@@ -223,6 +223,10 @@ void Application::Native::hostEmptied(const std::shared_ptr<TabHost>& host) {
         return G_SOURCE_REMOVE;
     };
     g_idle_add(forget, std::make_unique<std::shared_ptr<TabHost>>(host).release());
+    Application& application = Application::shared();
+    const auto delegate = application.delegate_.lock();
+    if (hosts.empty() && delegate && delegate->applicationShouldTerminateAfterLastWindowClosed())
+        application.terminate();
 }
 
 } // namespace Platform
