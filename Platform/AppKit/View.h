@@ -31,7 +31,7 @@ public:
 
     /// Adds the view in front of the other subviews; takes it out of where it was before.
     void addSubview(const std::shared_ptr<View>& view);
-    virtual void removeFromSuperview();
+    void removeFromSuperview();
     std::shared_ptr<View> superview() const { return superview_.lock(); }
     const std::vector<std::shared_ptr<View>>& subviews() const { return subviews_; }
 
@@ -89,11 +89,10 @@ protected:
 
     virtual std::unique_ptr<Native> makeNative();
 
+private:
     /// The list of subviews changed: the native side follows when it is on the screen, else when it next is.
     void subviewsChanged();
-    void insertSubview(const std::shared_ptr<View>& view);
 
-private:
     friend class LayoutConstraint;
     friend class Window;
     friend struct ViewLayout;
@@ -110,8 +109,6 @@ private:
     std::array<LayoutPriority, 2> compressionResistance_ = {LayoutPriorities::defaultHigh,
                                                             LayoutPriorities::defaultHigh};
     SizeConstraints sizeConstraints_;
-
-protected:
     std::unique_ptr<Native> native_;
 };
 

@@ -36,7 +36,7 @@ void StackView::setHuggingPriority(LayoutPriority priority, Orientation orientat
     setContentHuggingPriority(priority, orientation);
 }
 
-void StackView::addArrangedSubview(const std::shared_ptr<View>& view) { insertSubview(view); }
+void StackView::addArrangedSubview(const std::shared_ptr<View>& view) { addSubview(view); }
 
 std::unique_ptr<View::Native> StackView::makeNative() {
     return makeContainer(*this, std::make_unique<StackLayout>(*this));

@@ -21,7 +21,6 @@ namespace {
 constexpr const char* rules = R"css(
 .keyloft-accent { background-color: @accent_bg_color; }
 button.keyloft-recessed { padding: 2px 8px; min-height: 20px; font-weight: normal; }
-.keyloft-menubar { border-bottom: 1px solid alpha(@borders, 0.6); }
 .keyloft-shade { background-color: alpha(black, 0.25); }
 .keyloft-sheet {
   background-color: @popover_bg_color;

@@ -63,9 +63,7 @@ std::shared_ptr<View> View::create() {
     return std::make_shared<Made>();
 }
 
-void View::addSubview(const std::shared_ptr<View>& view) { insertSubview(view); }
-
-void View::insertSubview(const std::shared_ptr<View>& view) {
+void View::addSubview(const std::shared_ptr<View>& view) {
     view->removeFromSuperview();
     subviews_.push_back(view);
     view->superview_ = weak_from_this();

@@ -22,16 +22,7 @@ GQuark windowQuark() {
 /// The content has the window's size, whatever it would like itself: nothing in it widens the window.
 class ContentView final : public View {
 public:
-    static std::shared_ptr<ContentView> create(Window& window) {
-        auto view = std::make_shared<ContentView>(Passkey());
-        view->window_ = &window;
-        return view;
-    }
-
-    struct Passkey {};
-    explicit ContentView(Passkey /*key*/) {}
-
-    void forgetWindow() { window_ = nullptr; }
+    ContentView() = default;
 
 protected:
     std::unique_ptr<Native> makeNative() override {
@@ -41,10 +32,11 @@ protected:
                 , content(view) {}
 
             Extent measure(Orientation orientation) const override {
-                if (!content.window_)
+                const auto window = content.window();
+                if (!window)
                     return {};
-                const Size least = content.window_->minSize();
-                const Size size = content.window_->contentSize();
+                const Size least = window->minSize();
+                const Size size = window->contentSize();
                 return orientation == Orientation::horizontal ? Extent{least.width, size.width}
                                                               : Extent{least.height, size.height};
             }
@@ -58,9 +50,6 @@ protected:
         };
         return makeContainer(*this, std::make_unique<Layout>(*this));
     }
-
-private:
-    Window* window_ = nullptr;
 };
 
 } // namespace
@@ -78,13 +67,12 @@ std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
             : Window(contentSize, style) {}
     };
     auto window = std::make_shared<Made>(contentSize, style);
-    window->contentView_ = ContentView::create(*window);
+    window->contentView_ = std::make_shared<ContentView>();
     window->contentView_->window_ = window;
     return window;
 }
 
 Window::~Window() {
-    static_cast<ContentView&>(*contentView_).forgetWindow();
     if (GtkWidget* page = native_->page.get()) {
         const auto host = TabHost::of(*this);
         g_object_set_qdata(G_OBJECT(page), windowQuark(), nullptr);
