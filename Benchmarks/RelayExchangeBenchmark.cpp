@@ -1,9 +1,14 @@
 // A whole exchange through the relay (connect, request, reply, close) beside the same bytes in plain system
 // calls.
 //
-// Both servers run in processes of their own; the client, in this one, turns from one to the other in short
-// blocks, so that whatever else the machine does meets both alike. Prints medians, 99th percentiles,
-// exchanges a second and their ratios.
+// The plain exchange is written twice: with nothing but the bytes, and with what the relay owes its users on
+// top (whose process the peer is, how long a reply may take to be written and read), so that the price of the
+// promises and the price of the library can be told apart.
+//
+// The servers run in processes of their own; the client, in this one, turns from one to the other in short
+// blocks, so that whatever else the machine does meets all alike. Prints medians, 99th percentiles, exchanges
+// a second and their ratios. On one processor (taskset -c 0) the medians hardly vary; on several, where the
+// scheduler happens to put a server's thread can outweigh everything else.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -16,6 +21,7 @@
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -149,8 +155,25 @@ private:
     pid_t process_ = -1;
 };
 
+/// What the plain exchange does besides sending the bytes.
+enum class Checks {
+    none,
+    sameAsRelay,
+};
+
+bool isOwnUser(int connection) {
+    ucred peer = {};
+    socklen_t length = sizeof peer;
+    return getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 && peer.uid == getuid();
+}
+
+void setTimeout(int descriptor, int option, int seconds) {
+    const timeval limit = {.tv_sec = seconds, .tv_usec = 0};
+    setsockopt(descriptor, SOL_SOCKET, option, &limit, sizeof limit);
+}
+
 [[noreturn]] void serveBare(const std::string& path, const std::string& request, const std::string& reply,
-                            const std::function<void()>& ready) {
+                            Checks checks, const std::function<void()>& ready) {
     const int listening = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     require(listening >= 0, "socket");
     const auto address = addressOf(path);
@@ -165,6 +188,10 @@ private:
             const int connection = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
             if (connection < 0) {
                 continue;
+            }
+            if (checks == Checks::sameAsRelay) {
+                require(isOwnUser(connection), "peer");
+                setTimeout(connection, SO_SNDTIMEO, 3);
             }
             if (readFully(connection, buffer.data(), buffer.size())) {
                 writeFully(connection, reply);
@@ -185,12 +212,15 @@ private:
     }
 }
 
-void exchangeBare(const std::string& path, const std::string& request, std::size_t replySize) {
+void exchangeBare(const std::string& path, const std::string& request, std::size_t replySize, Checks checks) {
     const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     require(descriptor >= 0, "socket");
     const auto address = addressOf(path);
     require(connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "connect");
     require(writeFully(descriptor, request), "write");
+    if (checks == Checks::sameAsRelay) {
+        setTimeout(descriptor, SO_RCVTIMEO, 5);
+    }
     std::array<char, 256> reply = {};
     require(readFully(descriptor, reply.data(), replySize), "read");
     close(descriptor);
@@ -205,10 +235,15 @@ void exchangeRelay(const std::string& path, const std::string& request, std::siz
 }
 
 struct Contender {
+    Contender(const char* title, const ServerProcess& process, std::function<void()> oneExchange)
+        : name(title)
+        , exchange(std::move(oneExchange))
+        , server(process) {}
+
     const char* name;
     std::function<void()> exchange;
-    const ServerProcess* server;
-    double serverMicroseconds;
+    const ServerProcess& server;
+    double serverMicroseconds = 0;
     std::vector<double> microseconds;
     std::vector<double> perSecondAlone;
     std::vector<double> perSecondTogether;
@@ -220,14 +255,14 @@ double percentile(std::vector<double> values, double part) {
 }
 
 void timeEach(Contender& contender, int count) {
-    const double before = contender.server->processorMicroseconds();
+    const double before = contender.server.processorMicroseconds();
     for (int turn = 0; turn < count; ++turn) {
         const auto begin = Clock::now();
         contender.exchange();
         contender.microseconds.push_back(
             std::chrono::duration<double, std::micro>(Clock::now() - begin).count());
     }
-    contender.serverMicroseconds += contender.server->processorMicroseconds() - before;
+    contender.serverMicroseconds += contender.server.processorMicroseconds() - before;
 }
 
 double perSecond(const Contender& contender, int clients, std::chrono::milliseconds duration) {
@@ -272,12 +307,16 @@ int main(int argc, char** argv) {
     const std::string requestFrame = KeyloftCore::NativeMessageFrame::encode(request);
     const std::string replyFrame = KeyloftCore::NativeMessageFrame::encode(reply);
     const std::string barePath = directory + "/bare.sock";
+    const std::string checkedPath = directory + "/checked.sock";
     const std::string relayPath = directory + "/relay.sock";
     const std::string hostPath = directory + "/host.sock";
 
     {
         const ServerProcess bare(
-            [&](const auto& ready) { serveBare(barePath, requestFrame, replyFrame, ready); });
+            [&](const auto& ready) { serveBare(barePath, requestFrame, replyFrame, Checks::none, ready); });
+        const ServerProcess checked([&](const auto& ready) {
+            serveBare(checkedPath, requestFrame, replyFrame, Checks::sameAsRelay, ready);
+        });
         const ServerProcess relay([&](const auto& ready) {
             serveRelay(relayPath, [&](const std::string&, const auto& answer) { answer(reply); }, ready);
         });
@@ -291,27 +330,13 @@ int main(int argc, char** argv) {
                 ready);
         });
         std::array contenders = {
-            Contender{.name = "plain system calls",
-                      .exchange = [&] { exchangeBare(barePath, requestFrame, replyFrame.size()); },
-                      .server = &bare,
-                      .serverMicroseconds = 0,
-                      .microseconds = {},
-                      .perSecondAlone = {},
-                      .perSecondTogether = {}},
-            Contender{.name = "relay",
-                      .exchange = [&] { exchangeRelay(relayPath, request, reply.size()); },
-                      .server = &relay,
-                      .serverMicroseconds = 0,
-                      .microseconds = {},
-                      .perSecondAlone = {},
-                      .perSecondTogether = {}},
-            Contender{.name = "relay, message judged",
-                      .exchange = [&] { exchangeRelay(hostPath, request, reply.size()); },
-                      .server = &host,
-                      .serverMicroseconds = 0,
-                      .microseconds = {},
-                      .perSecondAlone = {},
-                      .perSecondTogether = {}},
+            Contender("plain", bare,
+                      [&] { exchangeBare(barePath, requestFrame, replyFrame.size(), Checks::none); }),
+            Contender(
+                "plain, checked", checked,
+                [&] { exchangeBare(checkedPath, requestFrame, replyFrame.size(), Checks::sameAsRelay); }),
+            Contender("relay", relay, [&] { exchangeRelay(relayPath, request, reply.size()); }),
+            Contender("relay, message judged", host, [&] { exchangeRelay(hostPath, request, reply.size()); }),
         };
         for (auto& contender : contenders) {
             timeEach(contender, 500);

@@ -107,7 +107,6 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     void resumeAccepting();
     void open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame);
     void readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
-    void readEarly(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
     void take(ssize_t count, const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
     Reply replyFor(const std::shared_ptr<Connection>& connection);
 
@@ -276,7 +275,6 @@ void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<
     });
     readers.push_back(connection);
     connection->source.resume();
-    readEarly(connection, *onFrame);
 }
 
 void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
@@ -284,16 +282,6 @@ void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connectio
     // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection)
     const ssize_t count = read(connection->fd, buffer.data(), buffer.size());
     take(count, connection, onFrame);
-}
-
-/// Most peers have sent their request before their connection is accepted: a look saves waiting for the
-/// source.
-void RelayListener::State::readEarly(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
-    // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection): as above
-    const auto count = recv(connection->fd, buffer.data(), buffer.size(), MSG_DONTWAIT);
-    if (count >= 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
-        take(count, connection, onFrame);
-    }
 }
 
 /// What a read into the buffer has given: bytes, the stream's end (0) or a failure (-1).
