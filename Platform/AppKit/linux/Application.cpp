@@ -88,7 +88,11 @@ int Application::run(int argc, char** argv) {
                              }),
                              this);
     connections.emplace_back(application, "command-line", G_CALLBACK(Native::handleCommandLine), this);
-    return g_application_run(G_APPLICATION(application), argc, argv);
+    const int status = g_application_run(G_APPLICATION(application), argc, argv);
+    native_->aboutPanel.close();
+    if (native_->frames)
+        native_->frames->save();
+    return status;
 }
 
 int Application::Native::handleCommandLine(GApplication* /*application*/, GApplicationCommandLine* line,
@@ -116,8 +120,8 @@ void Application::wasStarted(const std::vector<URL>& urls) {
         const bool visible = std::ranges::any_of(native_->hosts, [](const auto& host) {
             return gtk_widget_get_visible(GTK_WIDGET(host->toplevel()));
         });
-        if (delegate->applicationShouldHandleReopen(visible))
-            activateIgnoringOtherApps();
+        if (delegate->applicationShouldHandleReopen(visible) && visible)
+            native_->bringAllToFront();
     }
 }
 
@@ -125,7 +129,7 @@ void Application::terminate() { g_application_quit(G_APPLICATION(native_->gtk())
 
 void Application::setMainMenu(const std::shared_ptr<Menu>& menu) { native_->mainMenu = menu; }
 
-void Application::setWindowsMenu(const std::shared_ptr<Menu>& menu) { windowsMenu_ = menu; }
+void Application::setWindowsMenu(const std::shared_ptr<Menu>& menu) { native_->windowsMenu = menu; }
 
 std::shared_ptr<Window> Application::mainWindow() const {
     const auto host = native_->frontHost();
@@ -179,23 +183,19 @@ bool Application::respondsTo(Action action) const {
 }
 
 void Application::perform(Action action, const ActionSender& /*sender*/) {
-    const auto hosts = native_->hosts;
     switch (action) {
     case Action::orderFrontStandardAboutPanel: {
         const auto host = native_->frontHost();
-        gtk_show_about_dialog(host ? host->toplevel() : nullptr, "program-name", displayName, "version",
-                              KEYLOFT_VERSION, "comments", "A small tabbed web browser", "logo-icon-name",
-                              identifier, nullptr);
+        native_->aboutPanel.orderFront(host ? host->toplevel() : nullptr);
         break;
     }
     case Action::hide:
-        for (const auto& host : hosts)
+        for (const auto& host : native_->hosts)
             gtk_window_minimize(host->toplevel());
         break;
     case Action::unhideAllApplications:
     case Action::arrangeInFront:
-        for (const auto& host : hosts)
-            gtk_window_present(host->toplevel());
+        native_->bringAllToFront();
         break;
     case Action::terminate:
         terminate();
@@ -210,10 +210,22 @@ bool Application::validateMenuItem(MenuItem& item) {
     return item.action() != Action::hideOtherApplications;
 }
 
+SavedFrames& Application::Native::savedFrames() {
+    if (!frames)
+        frames = std::make_unique<SavedFrames>(g_get_user_state_dir());
+    return *frames;
+}
+
 std::shared_ptr<TabHost> Application::Native::frontHost() const {
-    if (auto host = lastActive.lock())
-        return host;
-    return hosts.empty() ? nullptr : hosts.back();
+    const auto front = std::ranges::max_element(hosts, {}, &TabHost::lastUse);
+    return front == hosts.end() ? nullptr : *front;
+}
+
+void Application::Native::bringAllToFront() const {
+    auto byUse = hosts;
+    std::ranges::sort(byUse, {}, &TabHost::lastUse);
+    for (const auto& host : byUse)
+        host->present();
 }
 
 void Application::Native::hostEmptied(const std::shared_ptr<TabHost>& host) {

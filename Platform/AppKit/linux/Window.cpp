@@ -112,7 +112,7 @@ void Window::makeKeyAndOrderFront() {
     auto host = TabHost::of(*this);
     if (!host) {
         host = TabHost::create();
-        host->setDefaultSize(*this);
+        host->setFrame(*this);
         host->addPage(*this, nullptr);
     }
     host->select(*this);
@@ -126,8 +126,7 @@ void Window::makeFirstResponder(const std::shared_ptr<View>& view) {
     assertMainThread("Window::makeFirstResponder");
     const auto keptAlive = shared_from_this();
     Native::focusMoved(*this, *view);
-    native_->focusPending = true;
-    Native::becameVisible(*this);
+    Native::takeFocus(*this);
 }
 
 std::shared_ptr<View> Window::firstResponder() const { return native_->firstResponder.lock(); }
@@ -245,6 +244,11 @@ void Window::Native::becameVisible(Window& window) {
     gtk_widget_grab_focus(view->native().widget.get());
 }
 
+void Window::Native::takeFocus(Window& window) {
+    window.native_->focusPending = true;
+    becameVisible(window);
+}
+
 void Window::Native::willClose(Window& window) {
     if (window.closed_)
         return;
@@ -296,8 +300,7 @@ void Window::Native::sheetAnswered(Window& window, std::size_t button) {
         gtk_widget_set_can_focus(content, TRUE);
         if (const auto host = TabHost::of(window))
             host->setNeedsAttention(window, false);
-        native.focusPending = true;
-        becameVisible(window);
+        takeFocus(window);
     } else if (!window.closed_) {
         showSheet(window);
     }
