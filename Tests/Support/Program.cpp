@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <system_error>
 
 namespace KeyloftTests {
@@ -121,6 +122,18 @@ void Program::signal(int number) const {
 bool Program::isRunning() const {
     pollfd polled{.fd = ended_, .events = POLLIN, .revents = 0};
     return !status_ && poll(&polled, 1, 0) == 0;
+}
+
+bool Program::hasThread(const std::string& name) const {
+    std::error_code error;
+    std::filesystem::directory_iterator thread("/proc/" + std::to_string(process_) + "/task", error);
+    for (; !error && thread != std::filesystem::directory_iterator(); thread.increment(error)) {
+        std::string line;
+        if (std::getline(std::ifstream(thread->path() / "comm"), line) && line == name) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::optional<int> Program::waitForExit() {

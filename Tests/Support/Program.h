@@ -25,6 +25,8 @@ public:
 
     void signal(int number) const;
     bool isRunning() const;
+    /// Whether one of its threads has the name now.
+    bool hasThread(const std::string& name) const;
 
     /// Waits until the program has ended; its exit status, or nothing if it did not end or a signal ended it.
     std::optional<int> waitForExit();

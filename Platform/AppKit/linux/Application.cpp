@@ -6,11 +6,14 @@
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/TabHost.h"
+#include "Platform/Foundation/DiagnosticLog.h"
 
 #include <adwaita.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <span>
+#include <string>
 
 namespace Platform {
 
@@ -39,6 +42,27 @@ void startLibadwaita() {
     adw_init();
 }
 
+/// The engine takes a session bus that does not answer for a reason to abort; without one it goes on.
+void forgetDeadBus(GApplication* application) {
+    if (!g_application_get_dbus_connection(application))
+        g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
+}
+
+/// Makes this process the one that runs, or finds the one that does. Should that one end while it is asked, asking
+/// again makes this one take its place; one that just does not answer is left alone.
+bool registerApplication(GApplication* application) {
+    for (bool isAskedAgain = false;; isAskedAgain = true) {
+        GError* failure = nullptr;
+        if (g_application_register(application, nullptr, &failure))
+            return true;
+        const std::unique_ptr<GError, decltype(&g_error_free)> error(failure, &g_error_free);
+        if (isAskedAgain || g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) {
+            diagnosticLog(std::string("Keyloft: the one that is running does not answer: ") + error->message);
+            return false;
+        }
+    }
+}
+
 } // namespace
 
 Application& Application::shared() {
@@ -57,7 +81,8 @@ Application::Application()
     native_->application = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(identifier, G_APPLICATION_HANDLES_COMMAND_LINE));
     native_->connections.emplace_back(native_->gtk(), "startup",
-                                      G_CALLBACK(+[](GApplication* /*application*/, gpointer /*data*/) {
+                                      G_CALLBACK(+[](GApplication* application, gpointer /*data*/) {
+                                          forgetDeadBus(application);
                                           startLibadwaita();
                                           installStyle();
                                       }),
@@ -88,6 +113,8 @@ int Application::run(int argc, char** argv) {
                              }),
                              this);
     connections.emplace_back(application, "command-line", G_CALLBACK(Native::handleCommandLine), this);
+    if (!registerApplication(G_APPLICATION(application)))
+        return EXIT_FAILURE;
     const int status = g_application_run(G_APPLICATION(application), argc, argv);
     native_->aboutPanel.close();
     if (native_->frames)

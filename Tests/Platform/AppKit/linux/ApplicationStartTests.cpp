@@ -1,4 +1,5 @@
 #include "Tests/Support/Program.h"
+#include "Tests/Support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -192,6 +193,16 @@ TEST_F(ApplicationStartTest, aFirstThatHangsForAWhileLosesNothing) {
     first->signal(SIGCONT);
     expectLines(*first, {"open 1", "http://host.test/"});
     EXPECT_EQ(second->waitForExit(), 0) << second->errors();
+}
+
+TEST_F(ApplicationStartTest, whenTheFirstDiesWhileItIsAskedTheSecondTakesItsPlace) {
+    const auto first = startFirst();
+    first->signal(SIGSTOP);
+    const auto second = start({"http://host.test/"});
+    ASSERT_TRUE(KeyloftTests::eventually([&] { return second->hasThread("gdbus"); }));
+    first->signal(SIGKILL);
+    expectLines(*second, {willFinish, "open 1", "http://host.test/", didFinish});
+    expectHandedOver({}, *second, {"reopen 0"});
 }
 
 TEST_F(ApplicationStartTest, withoutASessionBusEachStartRunsByItself) {
