@@ -415,7 +415,7 @@ TEST_F(AppDelegateTest, closingAWindowClosesEachOfItsManyTabsOnceInOrder) {
     const auto elsewhere = openPage("/elsewhere");
     std::vector<Tab> tabs = {first};
     std::vector<Tab> closed;
-    for (int i = 1; i < 30; ++i)
+    for (int i = 1; i < 12; ++i)
         tabs.push_back(delegate->openTab(std::nullopt, tabs.back()->window(), nullptr));
     for (const auto& tab : tabs) {
         tab->onClose = [&closed, tab = tab.get(), onClose = tab->onClose] {
@@ -423,8 +423,8 @@ TEST_F(AppDelegateTest, closingAWindowClosesEachOfItsManyTabsOnceInOrder) {
             onClose();
         };
     }
-    tabs[20]->window()->makeKeyAndOrderFront();
-    TestSupport::activate(*tabs[20]->window());
+    tabs[8]->window()->makeKeyAndOrderFront();
+    TestSupport::activate(*tabs[8]->window());
     TestSupport::pressKey("alt+F4");
     ASSERT_TRUE(runUntil([&] { return controllers().size() == 1; }));
     TestSupport::runPending();

@@ -174,8 +174,8 @@ TEST_F(MainMenuTest, itsKeysDoWhatItsItemsSayWhereverTheFocusIs) {
     const auto search = [](const Tab& tab) -> std::shared_ptr<View> { return tab->searchField(); };
     auto first = launch();
     TestSupport::activate(*first->window());
-    for (const std::function<std::shared_ptr<View>(const Tab&)>& place : {std::function(page), std::function(address),
-                                                                           std::function(search)}) {
+    for (const std::function<std::shared_ptr<View>(const Tab&)>& place :
+         {std::function(page), std::function(address), std::function(search)}) {
         const auto press = [&](const Tab& tab, const std::string& key) {
             tab->window()->makeFirstResponder(place(tab));
             ASSERT_TRUE(runUntil([&] { return hasFocus(*place(tab)); })) << key;

@@ -142,10 +142,8 @@ TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
         std::string seen;
     };
     const std::vector<Given> pages = {
-        {"/plain", "/plain", "%2Fplain"},
-        {"/part#frag", "/part", "%2Fpart%23frag"},
-        {"/a%2Fb", "/a%2Fb", "%2Fa%252Fb"},
-        {"/a b", "/a%20b", "%2Fa%2520b"},
+        {"/plain", "/plain", "%2Fplain"},   {"/part#frag", "/part", "%2Fpart%23frag"},
+        {"/a%2Fb", "/a%2Fb", "%2Fa%252Fb"}, {"/a b", "/a%20b", "%2Fa%2520b"},
         {"/ü", "/%C3%BC", "%2F%25C3%25BC"},
     };
     Lines first;
@@ -260,7 +258,8 @@ TEST_F(ProgramTest, afterACrashItStartsAnew) {
 
 TEST_F(ProgramTest, theWindowComesBackAsItWasLeft) {
     const auto geometry = [](const char* title) {
-        const auto lines = ask("search --onlyvisible --name '^" + std::string(title) + "$' getwindowgeometry %@");
+        const auto lines =
+            ask("search --onlyvisible --name '^" + std::string(title) + "$' getwindowgeometry %@");
         return lines.size() < 3 ? "" : lines[2].substr(lines[2].find(':') + 2);
     };
     auto program = start();

@@ -48,8 +48,8 @@ void forgetDeadBus(GApplication* application) {
         g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
 }
 
-/// Makes this process the one that runs, or finds the one that does. Should that one end while it is asked, asking
-/// again makes this one take its place; one that just does not answer is left alone.
+/// Makes this process the one that runs, or finds the one that does. Should that one end while it is asked,
+/// asking again makes this one take its place; one that just does not answer is left alone.
 bool registerApplication(GApplication* application) {
     for (bool isAskedAgain = false;; isAskedAgain = true) {
         GError* failure = nullptr;

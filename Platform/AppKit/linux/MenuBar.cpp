@@ -74,7 +74,8 @@ void update(Menu& menu) {
         delegate->menuNeedsUpdate(menu);
 }
 
-/// Once the menus are closed, the keyboard goes back to the page: the toolkit may leave it with the tab strip.
+/// Once the menus are closed, the keyboard goes back to the page: the toolkit may leave it with the tab
+/// strip.
 void returnFocus() {
     const std::weak_ptr<Window> main = Application::shared().mainWindow();
     // Later, as the next menu may open at once, and the chosen item's action may move the focus itself.

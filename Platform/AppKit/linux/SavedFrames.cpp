@@ -78,8 +78,8 @@ void SavedFrames::save() {
     if (!folder)
         return;
     gsize length = 0;
-    const std::unique_ptr<char, decltype(&g_free)> text(
-        g_key_file_to_data(frames_.get(), &length, nullptr), &g_free);
+    const std::unique_ptr<char, decltype(&g_free)> text(g_key_file_to_data(frames_.get(), &length, nullptr),
+                                                        &g_free);
     try {
         FileManager::defaultManager().writeAtomically(std::string_view(text.get(), length),
                                                       *folder + "/" + fileName);

@@ -136,8 +136,9 @@ TEST_F(ApplicationStartTest, aSecondStartWithoutURLsReopens) {
 }
 
 TEST_F(ApplicationStartTest, whatIsNoURLIsPassedOver) {
-    const Lines words = {"example.test", "/etc/hostname", "", "--option", "-x", "a b", "\xff\xfe",
-                         "http://host.test:port:/", "//host.test/"};
+    const Lines words = {"example.test", "/etc/hostname", "",         "--option",
+                         "-x",           "a b",           "\xff\xfe", "http://host.test:port:/",
+                         "//host.test/"};
     const auto first = start(words);
     expectLines(*first, {willFinish, didFinish});
     expectHandedOver(words, *first, {"reopen 0"});

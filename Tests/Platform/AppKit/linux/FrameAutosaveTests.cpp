@@ -2,7 +2,7 @@
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
 #include "Tests/Support/Display.h"
 
-#include <algorithm>
+#include <filesystem>
 #include <memory>
 
 namespace Platform::Tests {
@@ -14,7 +14,11 @@ class FrameAutosaveTest : public AppKitTest {
 protected:
     static constexpr const char* name = "Kept Window";
 
-    FrameAutosaveTest() { TestSupport::startWindowManager(); }
+    FrameAutosaveTest() {
+        TestSupport::startWindowManager();
+        Application::shared().native().frames.reset();
+        std::filesystem::remove_all(g_get_user_state_dir());
+    }
 
     static SavedFrames& frames() { return Application::shared().native().savedFrames(); }
 

@@ -1,5 +1,4 @@
 #include "Platform/AppKit/linux/SavedFrames.h"
-
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/linux/MainLoop.h"
 
@@ -128,9 +127,8 @@ TEST_F(SavedFramesTest, aFailedWriteIsLoggedAndLosesNothing) {
         fs::path inTheWay;
         bool asFolder;
     };
-    for (const Failure& failure :
-         {Failure{"a file where the folder belongs", folder, false},
-          Failure{"a folder where the file belongs", file, true}}) {
+    for (const Failure& failure : {Failure{"a file where the folder belongs", folder, false},
+                                   Failure{"a folder where the file belongs", file, true}}) {
         SCOPED_TRACE(failure.what);
         fs::remove_all(folder);
         if (failure.asFolder)
