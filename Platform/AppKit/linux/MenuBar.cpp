@@ -2,7 +2,6 @@
 
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/TabHost.h"
-#include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/RunLoop.h"
 
@@ -80,14 +79,8 @@ void returnFocus() {
     const std::weak_ptr<Window> main = Application::shared().mainWindow();
     // Later, as the next menu may open at once, and the chosen item's action may move the focus itself.
     RunLoop::main().perform([main] {
-        const auto window = main.lock();
-        const auto host = window ? TabHost::of(*window) : nullptr;
-        if (!host)
-            return;
-        GtkWidget* focus = gtk_window_get_focus(host->toplevel());
-        GtkWidget* menu = focus ? gtk_widget_get_ancestor(focus, GTK_TYPE_POPOVER) : nullptr;
-        if (!(menu && gtk_widget_get_visible(menu)) && !viewOfWidget(focus))
-            Window::Native::takeFocus(*window);
+        if (const auto window = main.lock())
+            Window::Native::takeFocusBack(*window);
     });
 }
 

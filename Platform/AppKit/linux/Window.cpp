@@ -117,7 +117,7 @@ void Window::makeKeyAndOrderFront() {
     }
     host->select(*this);
     host->present();
-    Native::becameVisible(*this);
+    Native::takeFocusBack(*this);
 }
 
 bool Window::isVisible() const { return native_->page && gtk_widget_get_mapped(native_->page.get()); }
@@ -247,6 +247,17 @@ void Window::Native::becameVisible(Window& window) {
 void Window::Native::takeFocus(Window& window) {
     window.native_->focusPending = true;
     becameVisible(window);
+}
+
+void Window::Native::takeFocusBack(Window& window) {
+    const auto host = TabHost::of(window);
+    if (!host)
+        return;
+    GtkWidget* focus = gtk_window_get_focus(host->toplevel());
+    GtkWidget* menu = focus ? gtk_widget_get_ancestor(focus, GTK_TYPE_POPOVER) : nullptr;
+    const View* view = viewOfWidget(focus);
+    if (!(menu && gtk_widget_get_visible(menu)) && !(view && view->window().get() == &window))
+        takeFocus(window);
 }
 
 void Window::Native::willClose(Window& window) {

@@ -188,6 +188,28 @@ TEST_F(WindowsMenuTest, listsHundreds) {
     EXPECT_EQ(Application::shared().mainWindow(), others.back()->window());
 }
 
+TEST_F(WindowsMenuTest, choosingAWindowTakesTheFocusFromTheTabStripToItsFirstResponder) {
+    const auto a = open("a");
+    const auto field = TextField::create();
+    a->window()->contentView()->addSubview(field);
+    field->selectText();
+    ASSERT_TRUE(runUntil([&] { return widgetOf(field) && gtk_widget_get_mapped(widgetOf(field)); }));
+    typeInto(field, "half typed");
+    const auto b = open("b", a.get());
+    GtkWindow* toplevel = TabHost::of(*a->window())->toplevel();
+    for (GtkWidget* child = gtk_widget_get_first_child(gtk_window_get_child(toplevel)); child;
+         child = gtk_widget_get_next_sibling(child)) {
+        if (ADW_IS_TAB_BAR(child))
+            gtk_widget_child_focus(child, GTK_DIR_TAB_FORWARD);
+    }
+    ASSERT_EQ(viewOfWidget(gtk_window_get_focus(toplevel)), nullptr) << "the strip does not have it";
+    openMenu(*b);
+    choose(*b, 0);
+    EXPECT_TRUE(runUntil([&] { return viewOfWidget(gtk_window_get_focus(toplevel)) == field.get(); }));
+    EXPECT_EQ(field->stringValue(), "half typed");
+    EXPECT_TRUE(field->isEditing());
+}
+
 TEST_F(WindowsMenuTest, theFocusComesBackFromTheMenus) {
     TestSupport::startWindowManager();
     const auto a = open("a");
