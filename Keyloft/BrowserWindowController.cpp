@@ -359,59 +359,31 @@ void BrowserWindowController::rebuildBookmarksBar() {
     updateBookmarkButton();
 }
 
-bool BrowserWindowController::respondsTo(Action action) const {
-    switch (action) {
-    case Action::focusAddressBar:
-    case Action::navigateFromAddressField:
-    case Action::searchFromSearchField:
-    case Action::goBack:
-    case Action::goForward:
-    case Action::stopLoading:
-    case Action::reload:
-    case Action::toggleBookmark:
-    case Action::openBookmark:
-    case Action::newWindowForTab:
-        return true;
-    default:
-        return false;
-    }
-}
+bool BrowserWindowController::respondsTo(Action action) const { return handlers().contains(action); }
 
 void BrowserWindowController::perform(Action action, const ActionSender& sender) {
-    switch (action) {
-    case Action::focusAddressBar:
-        focusAddressBar();
-        break;
-    case Action::navigateFromAddressField:
-        navigateFromAddressField();
-        break;
-    case Action::searchFromSearchField:
-        searchFromSearchField();
-        break;
-    case Action::goBack:
-        goBack();
-        break;
-    case Action::goForward:
-        goForward();
-        break;
-    case Action::stopLoading:
-        stopLoading();
-        break;
-    case Action::reload:
-        reload(sender);
-        break;
-    case Action::toggleBookmark:
-        toggleBookmark();
-        break;
-    case Action::openBookmark:
-        openBookmark(sender);
-        break;
-    case Action::newWindowForTab:
-        newWindowForTab();
-        break;
-    default:
-        break;
-    }
+    if (const auto handler = handlers().find(action); handler != handlers().end())
+        handler->second(*this, sender);
+}
+
+const std::map<Action, BrowserWindowController::Handler>& BrowserWindowController::handlers() {
+    using Self = BrowserWindowController;
+    using Sender = ActionSender;
+    static const std::map<Action, Handler> table = {
+        {Action::focusAddressBar, [](Self& self, const Sender& /*sender*/) { self.focusAddressBar(); }},
+        {Action::navigateFromAddressField,
+         [](Self& self, const Sender& /*sender*/) { self.navigateFromAddressField(); }},
+        {Action::searchFromSearchField,
+         [](Self& self, const Sender& /*sender*/) { self.searchFromSearchField(); }},
+        {Action::goBack, [](Self& self, const Sender& /*sender*/) { self.goBack(); }},
+        {Action::goForward, [](Self& self, const Sender& /*sender*/) { self.goForward(); }},
+        {Action::stopLoading, [](Self& self, const Sender& /*sender*/) { self.stopLoading(); }},
+        {Action::reload, [](Self& self, const Sender& sender) { self.reload(sender); }},
+        {Action::toggleBookmark, [](Self& self, const Sender& /*sender*/) { self.toggleBookmark(); }},
+        {Action::openBookmark, [](Self& self, const Sender& sender) { self.openBookmark(sender); }},
+        {Action::newWindowForTab, [](Self& self, const Sender& /*sender*/) { self.newWindowForTab(); }},
+    };
+    return table;
 }
 
 bool BrowserWindowController::validateMenuItem(Platform::MenuItem& item) {

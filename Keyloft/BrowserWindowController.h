@@ -12,6 +12,7 @@
 #include "Platform/WebKit/WebView.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -100,6 +101,10 @@ protected:
                             const std::shared_ptr<Platform::WebViewConfiguration>& configuration);
 
 private:
+    using Handler = void (*)(BrowserWindowController& self, const Platform::ActionSender& sender);
+    /// Every action that the controller responds to, and what it does then.
+    static const std::map<Platform::Action, Handler>& handlers();
+
     /// What needs the controller to be held already: delegates, targets, observations.
     void assemble();
     void buildContent();

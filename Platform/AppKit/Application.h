@@ -92,7 +92,6 @@ private:
     void wasStarted(const std::vector<URL>& urls);
 
     std::weak_ptr<ApplicationDelegate> delegate_;
-    std::weak_ptr<Menu> windowsMenu_;
     std::unique_ptr<Native> native_;
 };
 

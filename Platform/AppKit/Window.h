@@ -55,7 +55,8 @@ public:
     /// In the middle of the screen when it is first shown, where the system lets a program choose.
     void center() { centered_ = true; }
 
-    /// The name under which the system keeps the frame from one run to the next.
+    /// The name under which the system keeps the frame from one run to the next: size and maximised state,
+    /// and where the system tells it, the position. A new window takes the frame that was kept last.
     const std::string& frameAutosaveName() const { return frameAutosaveName_; }
     void setFrameAutosaveName(const std::string& name) { frameAutosaveName_ = name; }
 

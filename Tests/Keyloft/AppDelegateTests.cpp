@@ -1,5 +1,6 @@
 #include "Platform/AppKit/Application.h"
 #include "Tests/Keyloft/AppDelegateTest.h"
+#include "Tests/Support/Program.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -269,6 +270,36 @@ TEST_F(AppDelegateTest, otherProgramsWindowsDoNotChangeTheFrontOne) {
     EXPECT_EQ(delegate->frontBrowserWindow(), first->window());
 }
 
+TEST_F(AppDelegateTest, pagesAndTabsGoToTheWindowUsedLastWhileAnotherProgramHasTheKeyboard) {
+    const auto older = openPage("/older");
+    const auto newer = openPage("/newer");
+    TestSupport::activate(*newer->window());
+    TestSupport::activate(*older->window());
+    const KeyloftTests::Program other(KEYLOFT_OTHER_PROGRAM, {});
+    ASSERT_TRUE(runUntil([&] { return !isActive(*older->window()) && !isActive(*newer->window()); }));
+
+    EXPECT_EQ(delegate->frontBrowserWindow(), older->window());
+    openURLs({server.url("/handed")});
+    ASSERT_EQ(controllers().size(), 3U);
+    EXPECT_TRUE(shareNativeWindow(*older->window(), *controllers()[2]->window()));
+    EXPECT_TRUE(runUntil([&] { return isActive(*older->window()); }));
+    EXPECT_TRUE(Application::shared().sendAction(Action::newTab, nullptr, {}));
+    ASSERT_EQ(controllers().size(), 4U);
+    EXPECT_TRUE(shareNativeWindow(*older->window(), *controllers()[3]->window()));
+}
+
+TEST_F(AppDelegateTest, onceTheFrontWindowIsGoneTheOneUsedBeforeItIsInFront) {
+    const auto first = openPage("/first");
+    const auto second = openPage("/second");
+    const auto third = openPage("/third");
+    first->window()->makeKeyAndOrderFront();
+    third->window()->makeKeyAndOrderFront();
+    third->window()->close();
+    EXPECT_EQ(delegate->frontBrowserWindow(), first->window());
+    first->window()->close();
+    EXPECT_EQ(delegate->frontBrowserWindow(), second->window());
+}
+
 // New tabs
 
 TEST_F(AppDelegateTest, newTabOpensABlankTabInTheFrontWindow) {
@@ -377,6 +408,29 @@ TEST_F(AppDelegateTest, closingATabTakesExactlyThatOneOut) {
     fourth->window()->close();
     first->window()->close();
     EXPECT_TRUE(controllers().empty());
+}
+
+TEST_F(AppDelegateTest, closingAWindowClosesEachOfItsManyTabsOnceInOrder) {
+    const auto first = launch();
+    const auto elsewhere = openPage("/elsewhere");
+    std::vector<Tab> tabs = {first};
+    std::vector<Tab> closed;
+    for (int i = 1; i < 12; ++i)
+        tabs.push_back(delegate->openTab(std::nullopt, tabs.back()->window(), nullptr));
+    for (const auto& tab : tabs) {
+        tab->onClose = [&closed, tab = tab.get(), onClose = tab->onClose] {
+            closed.push_back(std::static_pointer_cast<Controller>(tab->shared_from_this()));
+            onClose();
+        };
+    }
+    tabs[8]->window()->makeKeyAndOrderFront();
+    TestSupport::activate(*tabs[8]->window());
+    TestSupport::pressKey("alt+F4");
+    ASSERT_TRUE(runUntil([&] { return controllers().size() == 1; }));
+    TestSupport::runPending();
+    EXPECT_EQ(closed, tabs);
+    EXPECT_EQ(controllers(), std::vector<Tab>{elsewhere});
+    EXPECT_EQ(delegate->frontBrowserWindow(), elsewhere->window());
 }
 
 TEST_F(AppDelegateTest, nothingOfAClosedTabIsLeft) {

@@ -12,6 +12,7 @@ using TestSupport::runUntil;
 
 BrowserTest::BrowserTest() {
     Application::shared().prepare();
+    TestSupport::forgetWindowFrames();
     setBookmarks({});
 }
 

@@ -1,6 +1,8 @@
 #include "Platform/AppKit/Application.h"
 #include "Tests/Keyloft/AppDelegateTest.h"
 
+#include <functional>
+
 using namespace Platform;
 using KeyloftBrowserKit::Bookmark;
 using TestSupport::hasFocus;
@@ -166,36 +168,63 @@ TEST_F(MainMenuTest, withoutATabNewTabAndTheApplicationsOwnActionsRemain) {
         EXPECT_EQ(Application::shared().targetForAction(action), nullptr);
 }
 
-TEST_F(MainMenuTest, itsKeysDoWhatItsItemsSay) {
-    const auto first = launch();
+TEST_F(MainMenuTest, itsKeysDoWhatItsItemsSayWhereverTheFocusIs) {
+    const auto page = [](const Tab& tab) -> std::shared_ptr<View> { return tab->webView(); };
+    const auto address = [](const Tab& tab) -> std::shared_ptr<View> { return tab->addressField(); };
+    const auto search = [](const Tab& tab) -> std::shared_ptr<View> { return tab->searchField(); };
+    auto first = launch();
     TestSupport::activate(*first->window());
-    ASSERT_TRUE(loadPage(first, "/page"));
+    for (const std::function<std::shared_ptr<View>(const Tab&)>& place :
+         {std::function(page), std::function(address), std::function(search)}) {
+        const auto press = [&](const Tab& tab, const std::string& key) {
+            tab->window()->makeFirstResponder(place(tab));
+            ASSERT_TRUE(runUntil([&] { return hasFocus(*place(tab)); })) << key;
+            pressKey(key);
+        };
+        ASSERT_TRUE(loadPage(first, "/page"));
+        const auto visits = server.count("/page");
+        press(first, "ctrl+d");
+        EXPECT_TRUE(runUntil([&] { return first->isBookmarked(); }));
+        press(first, "ctrl+d");
+        EXPECT_TRUE(runUntil([&] { return !first->isBookmarked(); }));
+        press(first, "ctrl+l");
+        ASSERT_TRUE(runUntil([&] { return hasFocus(*first->addressField()); }));
+        EXPECT_TRUE(runUntil(
+            [&] { return TestSupport::selectedText(*first->addressField()) == server.url("/page"); }));
+        press(first, "ctrl+r");
+        EXPECT_TRUE(
+            runUntil([&] { return server.count("/page") > visits && !first->webView()->isLoading(); }));
+        ASSERT_TRUE(loadPage(first, "/other"));
+        press(first, "ctrl+bracketleft");
+        EXPECT_TRUE(waitForTitle(first, "/page"));
+        press(first, "ctrl+bracketright");
+        EXPECT_TRUE(waitForTitle(first, "/other"));
 
-    pressKey("ctrl+d");
-    EXPECT_TRUE(runUntil([&] { return first->isBookmarked(); }));
-    pressKey("ctrl+d");
-    EXPECT_TRUE(runUntil([&] { return !first->isBookmarked(); }));
-    pressKey("ctrl+l");
-    ASSERT_TRUE(runUntil([&] { return hasFocus(*first->addressField()); }));
-    EXPECT_EQ(TestSupport::selectedText(*first->addressField()), server.url("/page"));
-    pressKey("ctrl+r");
-    EXPECT_TRUE(runUntil([&] { return server.count("/page") == 2 && !first->webView()->isLoading(); }));
-    ASSERT_TRUE(loadPage(first, "/other"));
-    pressKey("ctrl+bracketleft");
-    EXPECT_TRUE(waitForTitle(first, "/page"));
-    pressKey("ctrl+bracketright");
-    EXPECT_TRUE(waitForTitle(first, "/other"));
+        press(first, "ctrl+t");
+        ASSERT_TRUE(runUntil([&] { return controllers().size() == 2; }));
+        const auto second = controllers()[1];
+        EXPECT_TRUE(runUntil([&] { return hasFocus(*second->addressField()); }));
+        press(second, "ctrl+shift+bracketleft");
+        EXPECT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*first->window()); }));
+        press(first, "ctrl+shift+bracketright");
+        EXPECT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*second->window()); }));
+        press(second, "ctrl+w");
+        EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{first}; }));
 
-    pressKey("ctrl+t");
-    ASSERT_TRUE(runUntil([&] { return controllers().size() == 2; }));
-    const auto second = controllers()[1];
-    EXPECT_TRUE(runUntil([&] { return hasFocus(*second->addressField()); }));
-    pressKey("ctrl+shift+bracketleft");
-    EXPECT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*first->window()); }));
-    pressKey("ctrl+shift+bracketright");
-    EXPECT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*second->window()); }));
-    pressKey("ctrl+w");
-    EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{first}; }));
+        for (const char* key : {"ctrl+m", "ctrl+h"}) {
+            press(first, key);
+            EXPECT_TRUE(runUntil([&] { return !TestSupport::isActive(*first->window()); })) << key;
+            TestSupport::activate(*first->window());
+        }
+        // Nobody's: it changes nothing, and is not typed either.
+        const auto text = first->addressField()->stringValue();
+        press(first, "ctrl+alt+h");
+        press(first, "ctrl+period");
+        press(first, "ctrl+l");
+        ASSERT_TRUE(runUntil([&] { return hasFocus(*first->addressField()); }));
+        EXPECT_EQ(first->addressField()->stringValue(), text);
+        EXPECT_TRUE(TestSupport::isActive(*first->window()));
+    }
 }
 
 TEST_F(MainMenuTest, theStopKeyStopsAndTheReloadKeyReloadsWhileThePageLoads) {

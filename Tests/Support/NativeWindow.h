@@ -38,6 +38,9 @@ bool isShown(Platform::View& view);
 /// The least size that the toolkit lets the content have.
 Platform::Size leastContentSize(Platform::Window& window);
 
+/// Lets the application forget the frames that windows kept, so that the next one opens as at a first start.
+void forgetWindowFrames();
+
 /// What the native window's title bar says.
 std::string nativeTitle(Platform::Window& window);
 

@@ -6,11 +6,14 @@
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/TabHost.h"
+#include "Platform/Foundation/DiagnosticLog.h"
 
 #include <adwaita.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <span>
+#include <string>
 
 namespace Platform {
 
@@ -39,6 +42,27 @@ void startLibadwaita() {
     adw_init();
 }
 
+/// The engine takes a session bus that does not answer for a reason to abort; without one it goes on.
+void forgetDeadBus(GApplication* application) {
+    if (!g_application_get_dbus_connection(application))
+        g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
+}
+
+/// Makes this process the one that runs, or finds the one that does. Should that one end while it is asked,
+/// asking again makes this one take its place; one that just does not answer is left alone.
+bool registerApplication(GApplication* application) {
+    for (bool isAskedAgain = false;; isAskedAgain = true) {
+        GError* failure = nullptr;
+        if (g_application_register(application, nullptr, &failure))
+            return true;
+        const std::unique_ptr<GError, decltype(&g_error_free)> error(failure, &g_error_free);
+        if (isAskedAgain || g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) {
+            diagnosticLog(std::string("Keyloft: the one that is running does not answer: ") + error->message);
+            return false;
+        }
+    }
+}
+
 } // namespace
 
 Application& Application::shared() {
@@ -57,7 +81,8 @@ Application::Application()
     native_->application = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(identifier, G_APPLICATION_HANDLES_COMMAND_LINE));
     native_->connections.emplace_back(native_->gtk(), "startup",
-                                      G_CALLBACK(+[](GApplication* /*application*/, gpointer /*data*/) {
+                                      G_CALLBACK(+[](GApplication* application, gpointer /*data*/) {
+                                          forgetDeadBus(application);
                                           startLibadwaita();
                                           installStyle();
                                       }),
@@ -88,7 +113,13 @@ int Application::run(int argc, char** argv) {
                              }),
                              this);
     connections.emplace_back(application, "command-line", G_CALLBACK(Native::handleCommandLine), this);
-    return g_application_run(G_APPLICATION(application), argc, argv);
+    if (!registerApplication(G_APPLICATION(application)))
+        return EXIT_FAILURE;
+    const int status = g_application_run(G_APPLICATION(application), argc, argv);
+    native_->aboutPanel.close();
+    if (native_->frames)
+        native_->frames->save();
+    return status;
 }
 
 int Application::Native::handleCommandLine(GApplication* /*application*/, GApplicationCommandLine* line,
@@ -116,8 +147,8 @@ void Application::wasStarted(const std::vector<URL>& urls) {
         const bool visible = std::ranges::any_of(native_->hosts, [](const auto& host) {
             return gtk_widget_get_visible(GTK_WIDGET(host->toplevel()));
         });
-        if (delegate->applicationShouldHandleReopen(visible))
-            activateIgnoringOtherApps();
+        if (delegate->applicationShouldHandleReopen(visible) && visible)
+            native_->bringAllToFront();
     }
 }
 
@@ -125,7 +156,7 @@ void Application::terminate() { g_application_quit(G_APPLICATION(native_->gtk())
 
 void Application::setMainMenu(const std::shared_ptr<Menu>& menu) { native_->mainMenu = menu; }
 
-void Application::setWindowsMenu(const std::shared_ptr<Menu>& menu) { windowsMenu_ = menu; }
+void Application::setWindowsMenu(const std::shared_ptr<Menu>& menu) { native_->windowsMenu = menu; }
 
 std::shared_ptr<Window> Application::mainWindow() const {
     const auto host = native_->frontHost();
@@ -179,23 +210,19 @@ bool Application::respondsTo(Action action) const {
 }
 
 void Application::perform(Action action, const ActionSender& /*sender*/) {
-    const auto hosts = native_->hosts;
     switch (action) {
     case Action::orderFrontStandardAboutPanel: {
         const auto host = native_->frontHost();
-        gtk_show_about_dialog(host ? host->toplevel() : nullptr, "program-name", displayName, "version",
-                              KEYLOFT_VERSION, "comments", "A small tabbed web browser", "logo-icon-name",
-                              identifier, nullptr);
+        native_->aboutPanel.orderFront(host ? host->toplevel() : nullptr);
         break;
     }
     case Action::hide:
-        for (const auto& host : hosts)
+        for (const auto& host : native_->hosts)
             gtk_window_minimize(host->toplevel());
         break;
     case Action::unhideAllApplications:
     case Action::arrangeInFront:
-        for (const auto& host : hosts)
-            gtk_window_present(host->toplevel());
+        native_->bringAllToFront();
         break;
     case Action::terminate:
         terminate();
@@ -210,10 +237,22 @@ bool Application::validateMenuItem(MenuItem& item) {
     return item.action() != Action::hideOtherApplications;
 }
 
+SavedFrames& Application::Native::savedFrames() {
+    if (!frames)
+        frames = std::make_unique<SavedFrames>(g_get_user_state_dir());
+    return *frames;
+}
+
 std::shared_ptr<TabHost> Application::Native::frontHost() const {
-    if (auto host = lastActive.lock())
-        return host;
-    return hosts.empty() ? nullptr : hosts.back();
+    const auto front = std::ranges::max_element(hosts, {}, &TabHost::lastUse);
+    return front == hosts.end() ? nullptr : *front;
+}
+
+void Application::Native::bringAllToFront() const {
+    auto byUse = hosts;
+    std::ranges::sort(byUse, {}, &TabHost::lastUse);
+    for (const auto& host : byUse)
+        host->present();
 }
 
 void Application::Native::hostEmptied(const std::shared_ptr<TabHost>& host) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/linux/AboutPanel.h"
 #include "Platform/AppKit/linux/GObjectPtr.h"
+#include "Platform/AppKit/linux/SavedFrames.h"
 
 #include <memory>
 #include <vector>
@@ -13,16 +15,24 @@ class TabHost;
 struct Application::Native {
     GObjectPtr<GtkApplication> application;
     std::shared_ptr<Menu> mainMenu;
+    std::weak_ptr<Menu> windowsMenu;
     /// Every top-level that stands, in the order they were made; the only strong owner.
     std::vector<std::shared_ptr<TabHost>> hosts;
-    std::weak_ptr<TabHost> lastActive;
+    /// Made when the first window is.
+    std::unique_ptr<SavedFrames> frames;
+    AboutPanel aboutPanel;
     bool finishedLaunching = false;
     std::vector<SignalConnection> connections;
 
     static int handleCommandLine(GApplication* application, GApplicationCommandLine* line, gpointer self);
 
     GtkApplication* gtk() const { return application.get(); }
+    SavedFrames& savedFrames();
+
+    /// The top-level that was last worked in.
     std::shared_ptr<TabHost> frontHost() const;
+    /// Brings every top-level to the front, minimised ones too, in the order in which they were worked in.
+    void bringAllToFront() const;
 
     /// The host's last page is gone: lets the host go once its own callbacks have returned.
     void hostEmptied(const std::shared_ptr<TabHost>& host);

@@ -1,9 +1,14 @@
 #include "Platform/AppKit/linux/MenuBar.h"
 
-#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/TabHost.h"
+#include "Platform/AppKit/linux/WindowNative.h"
+#include "Platform/Foundation/RunLoop.h"
 
 #include <array>
 #include <cctype>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -13,6 +18,7 @@ namespace Platform {
 namespace {
 
 constexpr const char* actionPrefix = "menu";
+constexpr const char* windowAction = "window";
 
 bool isEditing(std::optional<Action> action) {
     switch (action.value_or(Action::terminate)) {
@@ -65,6 +71,17 @@ std::string menuLabel(const std::string& title) {
 void update(Menu& menu) {
     if (const auto delegate = menu.delegate())
         delegate->menuNeedsUpdate(menu);
+}
+
+/// Once the menus are closed, the keyboard goes back to the page: the toolkit may leave it with the tab
+/// strip.
+void returnFocus() {
+    const std::weak_ptr<Window> main = Application::shared().mainWindow();
+    // Later, as the next menu may open at once, and the chosen item's action may move the focus itself.
+    RunLoop::main().perform([main] {
+        if (const auto window = main.lock())
+            Window::Native::takeFocusBack(*window);
+    });
 }
 
 void send(const std::shared_ptr<MenuItem>& item) {
@@ -120,6 +137,7 @@ MenuBar::MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu)
     }
     bar_ = GObjectPtr<GtkWidget>::retain(gtk_popover_menu_bar_new_from_model(G_MENU_MODEL(model.get())));
     gtk_widget_insert_action_group(toplevel, actionPrefix, G_ACTION_GROUP(actions_.get()));
+    addWindowAction();
     connectPopovers();
     addKeyEquivalents(toplevel);
 }
@@ -136,11 +154,15 @@ void MenuBar::connectPopovers() {
              child = gtk_widget_get_next_sibling(child)) {
             if (!GTK_IS_POPOVER(child))
                 continue;
-            connections_.emplace_back(child, "show", G_CALLBACK(+[](GtkWidget* /*popover*/, gpointer data) {
+            // Once it is shown, the first item has the focus already and must stay.
+            connections_.emplace_back(child, "map", G_CALLBACK(+[](GtkWidget* /*popover*/, gpointer data) {
                                           auto* opened = static_cast<OpenMenu*>(data);
                                           opened->bar->rebuild(*opened);
                                       }),
                                       menu->get());
+            connections_.emplace_back(
+                child, "closed",
+                G_CALLBACK(+[](GtkPopover* /*popover*/, gpointer /*data*/) { returnFocus(); }), nullptr);
         }
     }
 }
@@ -188,6 +210,45 @@ void MenuBar::rebuild(OpenMenu& menu) {
         g_menu_append_item(section.get(), native.get());
     }
     endSection();
+    if (submenu == Application::shared().native().windowsMenu.lock())
+        appendWindows(menu.model.get());
+}
+
+void MenuBar::addWindowAction() {
+    const auto action = GObjectPtr<GSimpleAction>::adopt(
+        g_simple_action_new_stateful(windowAction, G_VARIANT_TYPE_INT32, g_variant_new_int32(-1)));
+    connections_.emplace_back(action.get(), "activate",
+                              G_CALLBACK(+[](GSimpleAction* /*action*/, GVariant* index, gpointer self) {
+                                  const auto& windows = static_cast<MenuBar*>(self)->windows_;
+                                  const auto chosen = static_cast<std::size_t>(g_variant_get_int32(index));
+                                  if (chosen >= windows.size())
+                                      return;
+                                  if (const auto window = windows[chosen].lock())
+                                      window->makeKeyAndOrderFront();
+                              }),
+                              this);
+    g_action_map_add_action(G_ACTION_MAP(actions_.get()), G_ACTION(action.get()));
+}
+
+void MenuBar::appendWindows(GMenu* model) {
+    const auto mainWindow = Application::shared().mainWindow();
+    const std::string action = std::string(actionPrefix) + "." + windowAction;
+    const auto section = GObjectPtr<GMenu>::adopt(g_menu_new());
+    windows_.clear();
+    for (const auto& host : Application::shared().native().hosts) {
+        for (const auto& window : host->windows()) {
+            const auto index = static_cast<gint32>(windows_.size());
+            if (window == mainWindow)
+                g_action_group_change_action_state(G_ACTION_GROUP(actions_.get()), windowAction,
+                                                   g_variant_new_int32(index));
+            const auto item =
+                GObjectPtr<GMenuItem>::adopt(g_menu_item_new(menuLabel(window->title()).c_str(), nullptr));
+            g_menu_item_set_action_and_target(item.get(), action.c_str(), "i", index);
+            g_menu_append_item(section.get(), item.get());
+            windows_.push_back(window);
+        }
+    }
+    g_menu_append_section(model, nullptr, G_MENU_MODEL(section.get()));
 }
 
 void MenuBar::addKeyEquivalents(GtkWidget* toplevel) {

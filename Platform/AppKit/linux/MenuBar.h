@@ -9,10 +9,12 @@
 
 namespace Platform {
 
+class Window;
+
 /// Shows the main menu as a menu bar, and obeys its key equivalents in one top-level.
 ///
 /// A menu's items are made and validated each time it opens, so that a bar that nobody opens costs only its
-/// titles.
+/// titles. The application's windows menu ends with the open windows, of which the main one is marked.
 class MenuBar {
 public:
     MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu);
@@ -28,12 +30,16 @@ private:
 
     void connectPopovers();
     void rebuild(OpenMenu& menu);
+    void addWindowAction();
+    void appendWindows(GMenu* model);
     void addKeyEquivalents(GtkWidget* toplevel);
 
     std::shared_ptr<Menu> mainMenu_;
     GObjectPtr<GtkWidget> bar_;
     GObjectPtr<GSimpleActionGroup> actions_;
     std::vector<std::unique_ptr<OpenMenu>> menus_;
+    /// Those that the Windows menu listed when it was last opened.
+    std::vector<std::weak_ptr<Window>> windows_;
     std::vector<std::unique_ptr<KeyEquivalent>> keyEquivalents_;
     std::vector<SignalConnection> connections_;
 };

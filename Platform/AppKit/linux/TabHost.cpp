@@ -5,6 +5,8 @@
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 
+#include <algorithm>
+
 namespace Platform {
 
 namespace {
@@ -12,6 +14,26 @@ namespace {
 GQuark hostQuark() {
     static const GQuark quark = g_quark_from_static_string("keyloft-host");
     return quark;
+}
+
+/// The size of the largest screen: no window need be larger. Without a screen there is no such limit.
+SavedFrame fittedToScreens(SavedFrame frame) {
+    GListModel* screens = gdk_display_get_monitors(gdk_display_get_default());
+    int width = 0;
+    int height = 0;
+    for (guint i = 0; i < g_list_model_get_n_items(screens); ++i) {
+        const auto screen =
+            GObjectPtr<GdkMonitor>::adopt(static_cast<GdkMonitor*>(g_list_model_get_item(screens, i)));
+        GdkRectangle area;
+        gdk_monitor_get_geometry(screen.get(), &area);
+        width = std::max(width, area.width);
+        height = std::max(height, area.height);
+    }
+    if (width > 0)
+        frame.width = std::min(frame.width, width);
+    if (height > 0)
+        frame.height = std::min(frame.height, height);
+    return frame;
 }
 
 } // namespace
@@ -72,21 +94,31 @@ void TabHost::connect() {
     connections_.emplace_back(toplevel_.get(), "close-request", G_CALLBACK(closeRequested), this);
     connections_.emplace_back(toplevel_.get(), "notify::focus-widget", G_CALLBACK(focusChanged), this);
     connections_.emplace_back(toplevel_.get(), "notify::is-active", G_CALLBACK(activeChanged), this);
+    for (const char* property : {"notify::default-width", "notify::default-height", "notify::maximized"})
+        connections_.emplace_back(toplevel_.get(), property, G_CALLBACK(frameChanged), this);
     connections_.emplace_back(tabView_, "close-page", G_CALLBACK(closePageRequested), this);
     connections_.emplace_back(tabView_, "notify::n-pages", G_CALLBACK(pageCountChanged), this);
     connections_.emplace_back(tabView_, "notify::selected-page", G_CALLBACK(selectionChanged), this);
     connections_.emplace_back(tabView_, "create-window", G_CALLBACK(windowWanted), this);
 }
 
-void TabHost::setDefaultSize(const Window& window) {
+void TabHost::setFrame(const Window& window) {
+    gtk_window_set_resizable(toplevel(), window.style().resizable);
     int barHeight = 0;
     if (menuBar_) {
         gtk_widget_measure(menuBar_->widget(), GTK_ORIENTATION_VERTICAL, -1, nullptr, &barHeight, nullptr,
                            nullptr);
     }
-    gtk_window_set_default_size(toplevel(), static_cast<int>(window.contentSize().width),
-                                static_cast<int>(window.contentSize().height) + barHeight);
-    gtk_window_set_resizable(toplevel(), window.style().resizable);
+    SavedFrame frame{.width = static_cast<int>(window.contentSize().width),
+                     .height = static_cast<int>(window.contentSize().height) + barHeight};
+    if (const auto saved = Application::shared().native().savedFrames().frame(window.frameAutosaveName())) {
+        frame = fittedToScreens(*saved);
+        frame.width = std::max(frame.width, static_cast<int>(window.minSize().width));
+        frame.height = std::max(frame.height, static_cast<int>(window.minSize().height) + barHeight);
+    }
+    gtk_window_set_default_size(toplevel(), frame.width, frame.height);
+    if (frame.isMaximized)
+        gtk_window_maximize(toplevel());
 }
 
 void TabHost::addPage(Window& window, Window* neighbour) {
@@ -146,14 +178,21 @@ void TabHost::selectNeighbour(int step) {
 }
 
 void TabHost::present() {
-    Application::shared().native().lastActive = weak_from_this();
+    wasUsed();
     gtk_window_present(toplevel());
     // The window manager can work while the page's first load is prepared here.
     gdk_display_flush(gtk_widget_get_display(toplevel_.get()));
 }
 
+void TabHost::wasUsed() {
+    static std::uint64_t uses = 0;
+    lastUse_ = ++uses;
+}
+
 gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/, gpointer self) {
     const auto host = static_cast<TabHost*>(self)->shared_from_this();
+    // Unseen, a tab is not shown each time the one before it closes.
+    gtk_widget_set_visible(host->toplevel_.get(), FALSE);
     // The toolkit would drop the pages without asking; each tab is to close on its own, in order.
     while (adw_tab_view_get_n_pages(host->tabView_) > 0)
         adw_tab_view_close_page(host->tabView_, adw_tab_view_get_nth_page(host->tabView_, 0));
@@ -206,14 +245,23 @@ void TabHost::focusChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpoint
         Window::Native::focusMoved(*window, *view);
 }
 
+void TabHost::frameChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer self) {
+    const auto window = static_cast<TabHost*>(self)->selectedWindow();
+    if (!window || window->frameAutosaveName().empty())
+        return;
+    SavedFrame frame{.isMaximized = gtk_window_is_maximized(toplevel) == TRUE};
+    gtk_window_get_default_size(toplevel, &frame.width, &frame.height);
+    Application::shared().native().savedFrames().setFrame(window->frameAutosaveName(), frame);
+}
+
 void TabHost::activeChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer self) {
     if (gtk_window_is_active(toplevel))
-        Application::shared().native().lastActive = static_cast<TabHost*>(self)->weak_from_this();
+        static_cast<TabHost*>(self)->wasUsed();
 }
 
 void TabHost::newTabClicked(GtkButton* /*button*/, gpointer self) {
     const auto host = static_cast<TabHost*>(self)->shared_from_this();
-    Application::shared().native().lastActive = host;
+    host->wasUsed();
     Application::shared().sendAction(Action::newWindowForTab, nullptr, {});
 }
 

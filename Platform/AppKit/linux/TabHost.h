@@ -6,6 +6,7 @@
 
 #include <adwaita.h>
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -41,24 +42,31 @@ public:
     void selectNeighbour(int step);
     void present();
 
-    /// Makes the top-level fit `window`'s content size; before it is first presented.
-    void setDefaultSize(const Window& window);
+    /// Gives the top-level the frame that is kept under `window`'s autosave name, or else one that fits its
+    /// content size; before it is first presented.
+    void setFrame(const Window& window);
+
+    /// Greater than that of every top-level that was worked in before this one.
+    std::uint64_t lastUse() const { return lastUse_; }
 
 private:
     TabHost();
     void connect();
+    void wasUsed();
     static gboolean closeRequested(GtkWindow* toplevel, gpointer self);
     static gboolean closePageRequested(AdwTabView* view, AdwTabPage* page, gpointer self);
     static void pageCountChanged(AdwTabView* view, GParamSpec* property, gpointer self);
     static void selectionChanged(AdwTabView* view, GParamSpec* property, gpointer self);
     static AdwTabView* windowWanted(AdwTabView* view, gpointer self);
     static void focusChanged(GtkWindow* toplevel, GParamSpec* property, gpointer self);
+    static void frameChanged(GtkWindow* toplevel, GParamSpec* property, gpointer self);
     static void activeChanged(GtkWindow* toplevel, GParamSpec* property, gpointer self);
     static void newTabClicked(GtkButton* button, gpointer self);
 
     GObjectPtr<GtkWidget> toplevel_;
     AdwTabView* tabView_ = nullptr; // held by `toplevel_`
     std::unique_ptr<MenuBar> menuBar_;
+    std::uint64_t lastUse_ = 0;
     std::vector<SignalConnection> connections_;
 };
 

@@ -112,12 +112,12 @@ void Window::makeKeyAndOrderFront() {
     auto host = TabHost::of(*this);
     if (!host) {
         host = TabHost::create();
-        host->setDefaultSize(*this);
+        host->setFrame(*this);
         host->addPage(*this, nullptr);
     }
     host->select(*this);
     host->present();
-    Native::becameVisible(*this);
+    Native::takeFocusBack(*this);
 }
 
 bool Window::isVisible() const { return native_->page && gtk_widget_get_mapped(native_->page.get()); }
@@ -126,8 +126,7 @@ void Window::makeFirstResponder(const std::shared_ptr<View>& view) {
     assertMainThread("Window::makeFirstResponder");
     const auto keptAlive = shared_from_this();
     Native::focusMoved(*this, *view);
-    native_->focusPending = true;
-    Native::becameVisible(*this);
+    Native::takeFocus(*this);
 }
 
 std::shared_ptr<View> Window::firstResponder() const { return native_->firstResponder.lock(); }
@@ -245,6 +244,22 @@ void Window::Native::becameVisible(Window& window) {
     gtk_widget_grab_focus(view->native().widget.get());
 }
 
+void Window::Native::takeFocus(Window& window) {
+    window.native_->focusPending = true;
+    becameVisible(window);
+}
+
+void Window::Native::takeFocusBack(Window& window) {
+    const auto host = TabHost::of(window);
+    if (!host)
+        return;
+    GtkWidget* focus = gtk_window_get_focus(host->toplevel());
+    GtkWidget* menu = focus ? gtk_widget_get_ancestor(focus, GTK_TYPE_POPOVER) : nullptr;
+    const View* view = viewOfWidget(focus);
+    if (!(menu && gtk_widget_get_visible(menu)) && !(view && view->window().get() == &window))
+        takeFocus(window);
+}
+
 void Window::Native::willClose(Window& window) {
     if (window.closed_)
         return;
@@ -296,8 +311,7 @@ void Window::Native::sheetAnswered(Window& window, std::size_t button) {
         gtk_widget_set_can_focus(content, TRUE);
         if (const auto host = TabHost::of(window))
             host->setNeedsAttention(window, false);
-        native.focusPending = true;
-        becameVisible(window);
+        takeFocus(window);
     } else if (!window.closed_) {
         showSheet(window);
     }

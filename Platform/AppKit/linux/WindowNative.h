@@ -33,6 +33,11 @@ struct Window::Native {
     static void focusMoved(Window& window, View& view);
     /// The page came onto the screen or its window to the front.
     static void becameVisible(Window& window);
+    /// Gives the toolkit's focus to the first responder, now or when the page is next on the screen.
+    static void takeFocus(Window& window);
+    /// The same where the focus is with no view of the page and in no open menu: the toolkit may have left it
+    /// with the tab strip.
+    static void takeFocusBack(Window& window);
     /// The page is on its way out: tells the delegate, once.
     static void willClose(Window& window);
 

@@ -1,32 +1,10 @@
 #include "Platform/WebKit/linux/NetworkSession.h"
 
-#include "Platform/AppKit/Application.h"
-#include "Platform/Foundation/DiagnosticLog.h"
-
-#include <cerrno>
-#include <filesystem>
-#include <optional>
-#include <string>
-#include <system_error>
+#include "Platform/AppKit/linux/PrivateFolder.h"
 
 namespace Platform {
 
 namespace {
-
-/// The application's own folder in one of the user's directories, which only the user may enter.
-std::optional<std::string> privateFolder(const char* userDirectory) {
-    const std::filesystem::path folder = std::filesystem::path(userDirectory) / Application::identifier;
-    std::error_code error;
-    if (g_mkdir_with_parents(folder.c_str(), 0700) != 0)
-        error = std::error_code(errno, std::generic_category());
-    else
-        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
-    if (error) {
-        diagnosticLog("Keyloft: no folder for the web's data at " + folder.string() + ": " + error.message());
-        return std::nullopt;
-    }
-    return folder.string();
-}
 
 void refuseDownload(WebKitNetworkSession* /*session*/, WebKitDownload* download, gpointer /*data*/) {
     webkit_download_cancel(download);

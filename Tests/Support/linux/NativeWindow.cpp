@@ -1,5 +1,6 @@
 #include "Tests/Support/NativeWindow.h"
 
+#include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/TabHost.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <utility>
@@ -190,6 +192,11 @@ Platform::Size leastContentSize(Platform::Window& window) {
     gtk_widget_measure(pageOf(window), GTK_ORIENTATION_HORIZONTAL, -1, &width, nullptr, nullptr, nullptr);
     gtk_widget_measure(pageOf(window), GTK_ORIENTATION_VERTICAL, -1, &height, nullptr, nullptr, nullptr);
     return {.width = static_cast<double>(width), .height = static_cast<double>(height)};
+}
+
+void forgetWindowFrames() {
+    Platform::Application::shared().native().frames.reset();
+    std::filesystem::remove_all(g_get_user_state_dir());
 }
 
 std::string nativeTitle(Platform::Window& window) {

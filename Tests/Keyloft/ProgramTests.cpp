@@ -1,0 +1,284 @@
+#include "Tests/Support/Display.h"
+#include "Tests/Support/HTTPServer.h"
+#include "Tests/Support/Program.h"
+#include "Tests/Support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using KeyloftTests::eventually;
+using KeyloftTests::Program;
+using TestSupport::HTTPResponse;
+using Lines = std::vector<std::string>;
+
+/// What xdotool answers, line by line.
+Lines ask(const std::string& arguments) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> answer(
+        popen(("xdotool " + arguments + " 2>/dev/null").c_str(), "r"), &pclose);
+    if (!answer)
+        throw std::runtime_error("xdotool does not start");
+    std::string text;
+    std::array<char, 4096> bytes{};
+    while (const auto size = fread(bytes.data(), 1, bytes.size(), answer.get()))
+        text.append(bytes.data(), size);
+    Lines lines;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const auto end = text.find('\n', begin);
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end == std::string::npos ? text.size() : end + 1;
+    }
+    return lines;
+}
+
+/// The real program, seen through its windows and through what it asks a web server for.
+class ProgramTest : public testing::Test {
+public:
+    ProgramTest(const ProgramTest&) = delete;
+    ProgramTest& operator=(const ProgramTest&) = delete;
+    ~ProgramTest() override = default;
+
+protected:
+    ProgramTest() {
+        TestSupport::startWindowManager();
+        server.route("/seen", HTTPResponse::html(""));
+    }
+
+    /// The URL of a page whose title is the name, and which reports its own URL when it is shown.
+    std::string page(const std::string& path, const std::string& title) {
+        server.route(path,
+                     HTTPResponse::html("<title>" + title +
+                                        "</title><script>new Image().src = '/seen?' + "
+                                        "encodeURIComponent(location.href.slice(location.origin.length))"
+                                        "</script>"));
+        return server.url(path);
+    }
+    std::string page(const std::string& path) { return page(path, path); }
+
+    /// What the pages have reported, the server's own address left out; sorted, as they load side by side.
+    Lines seen() const {
+        Lines urls;
+        for (const auto& request : server.requests("/seen"))
+            urls.push_back(request.query);
+        std::ranges::sort(urls);
+        return urls;
+    }
+
+    static std::unique_ptr<Program> start(const Lines& arguments = {},
+                                          const Program::Environment& environment = {}) {
+        return std::make_unique<Program>(KEYLOFT_PROGRAM, arguments, environment);
+    }
+    /// Starts the program again, which is to end at once and well.
+    static void startAgain(const Lines& arguments = {}) {
+        const auto second = start(arguments);
+        EXPECT_EQ(second->waitForExit(), 0) << second->errors();
+    }
+
+    /// The titles of the windows that are on the screen.
+    static Lines windows() { return ask("search --onlyvisible --class keyloft getwindowname %@"); }
+    [[nodiscard]] static bool waitForWindows(const Lines& titles) {
+        const bool came = eventually([&] { return windows() == titles; });
+        if (!came)
+            ADD_FAILURE() << "windows: " << testing::PrintToString(windows());
+        return came;
+    }
+    [[nodiscard]] static bool waitForFocus(const std::string& title) {
+        return eventually([&] { return ask("getactivewindow getwindowname") == Lines{title}; });
+    }
+    static void press(const std::string& key) { ask("key " + key); }
+    static void type(const std::string& text) { ask("type --delay 2 '" + text + "'"); }
+
+    static void quit(Program& program) {
+        press("ctrl+q");
+        EXPECT_EQ(program.waitForExit(), 0) << program.errors();
+    }
+
+    TestSupport::HTTPServer server;
+};
+
+TEST_F(ProgramTest, startsWithOneBlankTabThatWaitsForAnAddress) {
+    const auto program = start();
+    ASSERT_TRUE(waitForWindows({"New Tab"}));
+    ASSERT_TRUE(waitForFocus("New Tab"));
+    type(page("/typed"));
+    press("Return");
+    ASSERT_TRUE(waitForWindows({"/typed"}));
+    quit(*program);
+}
+
+TEST_F(ProgramTest, startsWithThePageItIsGivenAndNoOther) {
+    const auto program = start({page("/given")});
+    ASSERT_TRUE(waitForWindows({"/given"}));
+    // Were there a blank tab, closing this one would show it.
+    ASSERT_TRUE(waitForFocus("/given"));
+    press("ctrl+w");
+    ASSERT_TRUE(waitForWindows({}));
+    EXPECT_TRUE(program->isRunning());
+}
+
+TEST_F(ProgramTest, aWordIsNoAddressAndNoError) {
+    const auto program = start({"example.test"});
+    ASSERT_TRUE(waitForWindows({"New Tab"}));
+    startAgain({"example.test"});
+    EXPECT_EQ(windows(), Lines{"New Tab"});
+    ASSERT_TRUE(waitForFocus("New Tab"));
+    EXPECT_EQ(program->errors().find("Keyloft"), std::string::npos) << program->errors();
+    quit(*program);
+}
+
+TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
+    struct Given {
+        std::string argument;
+        std::string path;
+        std::string seen;
+    };
+    const std::vector<Given> pages = {
+        {"/plain", "/plain", "%2Fplain"},   {"/part#frag", "/part", "%2Fpart%23frag"},
+        {"/a%2Fb", "/a%2Fb", "%2Fa%252Fb"}, {"/a b", "/a%20b", "%2Fa%2520b"},
+        {"/ü", "/%C3%BC", "%2F%25C3%25BC"},
+    };
+    Lines first;
+    Lines second;
+    Lines expected;
+    for (const auto& given : pages) {
+        page(given.path);
+        first.push_back(server.url(given.argument));
+        // The second start gives the same, told apart by a query.
+        const auto hash = given.argument.find('#');
+        second.push_back(server.url(given.argument.substr(0, hash) + "?2" +
+                                    (hash == std::string::npos ? "" : given.argument.substr(hash))));
+        expected.push_back(given.seen);
+        const auto seenHash = given.seen.find("%23");
+        expected.push_back(given.seen.substr(0, seenHash) + "%3F2" +
+                           (seenHash == std::string::npos ? "" : given.seen.substr(seenHash)));
+    }
+    std::ranges::sort(expected);
+    // Upper case is another scheme, and passed over.
+    page("/upper");
+    auto upper = server.url("/upper");
+    upper.replace(0, 4, "HTTP");
+    first.insert(first.begin() + 1, upper);
+    second.insert(second.begin(), upper);
+
+    const auto program = start(first);
+    ASSERT_TRUE(eventually([&] { return seen().size() == pages.size(); }));
+    startAgain(second);
+    EXPECT_TRUE(eventually([&] { return seen() == expected; })) << testing::PrintToString(seen());
+    EXPECT_EQ(server.count("/upper"), 0U);
+}
+
+TEST_F(ProgramTest, aSecondStartHandsItsPagesToTheFirst) {
+    const auto program = start({page("/one")});
+    ASSERT_TRUE(waitForWindows({"/one"}));
+    startAgain({page("/two"), page("/three")});
+    ASSERT_TRUE(waitForWindows({"/three"}));
+    ASSERT_TRUE(waitForFocus("/three"));
+    for (const char* left : {"/two", "/one"}) {
+        press("ctrl+w");
+        ASSERT_TRUE(waitForWindows({left}));
+    }
+    quit(*program);
+}
+
+TEST_F(ProgramTest, staysWithoutAWindowAndOpensOneWhenStartedAgain) {
+    const auto program = start({page("/one")});
+    ASSERT_TRUE(waitForWindows({"/one"}));
+    ASSERT_TRUE(waitForFocus("/one"));
+    press("alt+F4");
+    ASSERT_TRUE(waitForWindows({}));
+    startAgain();
+    ASSERT_TRUE(waitForWindows({"New Tab"}));
+    ASSERT_TRUE(waitForFocus("New Tab"));
+    press("ctrl+w");
+    ASSERT_TRUE(waitForWindows({}));
+    startAgain({page("/two")});
+    ASSERT_TRUE(waitForWindows({"/two"}));
+    EXPECT_TRUE(program->isRunning());
+    ASSERT_TRUE(waitForFocus("/two"));
+    quit(*program);
+}
+
+TEST_F(ProgramTest, startingAgainBringsHiddenWindowsBackWithoutABlankTab) {
+    const auto program = start({page("/one")});
+    ASSERT_TRUE(waitForWindows({"/one"}));
+    ASSERT_TRUE(waitForFocus("/one"));
+    for (const Lines& arguments : {Lines{}, Lines{page("/two")}}) {
+        press("ctrl+h");
+        ASSERT_TRUE(waitForWindows({}));
+        startAgain(arguments);
+        ASSERT_TRUE(waitForWindows({arguments.empty() ? "/one" : "/two"}));
+        ASSERT_TRUE(waitForFocus(arguments.empty() ? "/one" : "/two"));
+    }
+    press("ctrl+w");
+    ASSERT_TRUE(waitForWindows({"/one"}));
+    press("ctrl+w");
+    EXPECT_TRUE(waitForWindows({}));
+}
+
+TEST_F(ProgramTest, anotherProgramInFrontDoesNotChangeWherePagesGo) {
+    const auto program = start({page("/one")});
+    ASSERT_TRUE(waitForWindows({"/one"}));
+    const Program other(KEYLOFT_OTHER_PROGRAM, {});
+    ASSERT_TRUE(waitForFocus("Other Program"));
+    startAgain({page("/two")});
+    ASSERT_TRUE(waitForWindows({"/two"}));
+    EXPECT_TRUE(waitForFocus("/two"));
+}
+
+TEST_F(ProgramTest, runsWithoutASessionBus) {
+    const std::optional<std::string> addresses[] = {"unix:path=/nonexistent/bus", std::nullopt};
+    for (const auto& address : addresses) {
+        const auto program = start({page("/one")}, {{"DBUS_SESSION_BUS_ADDRESS", address}});
+        ASSERT_TRUE(waitForWindows({"/one"}));
+        ASSERT_TRUE(waitForFocus("/one"));
+        quit(*program);
+        ASSERT_TRUE(waitForWindows({}));
+    }
+}
+
+TEST_F(ProgramTest, afterACrashItStartsAnew) {
+    const auto first = start({page("/one")});
+    ASSERT_TRUE(waitForWindows({"/one"}));
+    first->signal(SIGKILL);
+    ASSERT_TRUE(waitForWindows({}));
+    const auto next = start({page("/two")});
+    ASSERT_TRUE(waitForWindows({"/two"}));
+    ASSERT_TRUE(waitForFocus("/two"));
+    quit(*next);
+}
+
+TEST_F(ProgramTest, theWindowComesBackAsItWasLeft) {
+    const auto geometry = [](const char* title) {
+        const auto lines =
+            ask("search --onlyvisible --name '^" + std::string(title) + "$' getwindowgeometry %@");
+        return lines.size() < 3 ? "" : lines[2].substr(lines[2].find(':') + 2);
+    };
+    auto program = start();
+    ASSERT_TRUE(waitForWindows({"New Tab"}));
+    ASSERT_TRUE(waitForFocus("New Tab"));
+    const auto firstWidth = geometry("New Tab").substr(0, 5);
+    EXPECT_EQ(firstWidth, "1100x");
+    // A window that was just shown may still settle.
+    ASSERT_TRUE(eventually([&] {
+        ask("search --onlyvisible --name '^New Tab$' windowsize %@ 900 700");
+        return geometry("New Tab") == "900x700";
+    }));
+    quit(*program);
+
+    program = start();
+    ASSERT_TRUE(waitForWindows({"New Tab"}));
+    EXPECT_TRUE(eventually([&] { return geometry("New Tab") == "900x700"; })) << geometry("New Tab");
+    const auto folder = TestSupport::sessionDirectory() / "state" / "velde.orvane.keyloft";
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all);
+}
+
+} // namespace

@@ -1,0 +1,37 @@
+#include "Platform/AppKit/Application.h"
+
+#include <iostream>
+#include <memory>
+#include <vector>
+
+namespace {
+
+/// Writes what it is told as lines to standard output. The URL "quit:" ends the program.
+class Delegate : public Platform::ApplicationDelegate {
+public:
+    void applicationWillFinishLaunching() override { std::cout << "will finish launching" << std::endl; }
+    void applicationDidFinishLaunching() override { std::cout << "did finish launching" << std::endl; }
+    void applicationOpenURLs(const std::vector<Platform::URL>& urls) override {
+        std::cout << "open " << urls.size() << '\n';
+        for (const auto& url : urls) {
+            std::cout << url.absoluteString() << '\n';
+            if (url.scheme() == "quit")
+                Platform::Application::shared().terminate();
+        }
+        std::cout.flush();
+    }
+    bool applicationShouldHandleReopen(bool hasVisibleWindows) override {
+        std::cout << "reopen " << hasVisibleWindows << std::endl;
+        return true;
+    }
+    bool applicationShouldTerminateAfterLastWindowClosed() override { return false; }
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const auto delegate = std::make_shared<Delegate>();
+    auto& application = Platform::Application::shared();
+    application.setDelegate(delegate);
+    return application.run(argc, argv);
+}
