@@ -245,6 +245,19 @@ void Window::Native::becameVisible(Window& window) {
     gtk_widget_grab_focus(view->native().widget.get());
 }
 
+void Window::Native::returnFocus(Window& window) {
+    Native& native = *window.native_;
+    const auto field = std::dynamic_pointer_cast<TextField>(native.firstResponder.lock());
+    native.focusPending = true;
+    if (!field || !field->nativeIfMade() || !gtk_widget_get_mapped(native.page.get())) {
+        becameVisible(window);
+        return;
+    }
+    native.focusPending = false;
+    // Whoever was typing goes on where they were, and does not replace what they typed.
+    TextFieldEvents::takeFocusBack(*field);
+}
+
 void Window::Native::willClose(Window& window) {
     if (window.closed_)
         return;
@@ -296,8 +309,7 @@ void Window::Native::sheetAnswered(Window& window, std::size_t button) {
         gtk_widget_set_can_focus(content, TRUE);
         if (const auto host = TabHost::of(window))
             host->setNeedsAttention(window, false);
-        native.focusPending = true;
-        becameVisible(window);
+        returnFocus(window);
     } else if (!window.closed_) {
         showSheet(window);
     }

@@ -33,6 +33,8 @@ struct Window::Native {
     static void focusMoved(Window& window, View& view);
     /// The page came onto the screen or its window to the front.
     static void becameVisible(Window& window);
+    /// The last sheet went: the first responder has the toolkit's focus again.
+    static void returnFocus(Window& window);
     /// The page is on its way out: tells the delegate, once.
     static void willClose(Window& window);
 
