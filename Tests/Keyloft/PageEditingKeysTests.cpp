@@ -13,14 +13,14 @@ protected:
     /// Opens a page with a text area that has the keyboard. The page's title is the area's text and, in
     /// order, the kinds of change that came to it.
     void openEditor(const std::string& script = "") {
-        server.route("/editor", HTTPResponse::html(
-                                    "<title>editor</title><textarea id=area></textarea><script>"
-                                    "const kinds = []; const show = () => document.title ="
-                                    "    area.value + '|' + kinds.join(' ');"
-                                    "area.addEventListener('input', event => {"
-                                    "    kinds.push(event.inputType); show() });"
-                                    "onload = () => area.focus();" +
-                                    script + "</script>"));
+        server.route("/editor",
+                     HTTPResponse::html("<title>editor</title><textarea id=area></textarea><script>"
+                                        "const kinds = []; const show = () => document.title ="
+                                        "    area.value + '|' + kinds.join(' ');"
+                                        "area.addEventListener('input', event => {"
+                                        "    kinds.push(event.inputType); show() });"
+                                        "onload = () => area.focus();" +
+                                        script + "</script>"));
         tab = delegate->openTab(serverURL("/editor"), nullptr, nullptr);
         ASSERT_TRUE(waitForTitle(tab, "editor"));
         TestSupport::activate(*tab->window());

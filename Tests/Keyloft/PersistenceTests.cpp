@@ -45,9 +45,9 @@ protected:
     /// A page that does what the script says and then tells the server what `report` is.
     void route(const std::string& path, const std::string& script, const std::string& report,
                const std::string& cookie = "") {
-        auto response = HTTPResponse::html("<title>" + path + "</title><script>" + script +
-                                           ";new Image().src = '" + path +
-                                           "-report?' + encodeURIComponent(" + report + ")</script>");
+        auto response =
+            HTTPResponse::html("<title>" + path + "</title><script>" + script + ";new Image().src = '" +
+                               path + "-report?' + encodeURIComponent(" + report + ")</script>");
         if (!cookie.empty())
             response.headers.emplace_back("Set-Cookie", cookie);
         server.route(path, response);
@@ -74,7 +74,8 @@ protected:
 };
 
 TEST_F(PersistenceTest, aCookieWithAnExpiryAndAnItemOfLocalStorageAreThereInTheNextRun) {
-    route("/keep", "document.cookie = 'passing=yes'; localStorage.kept = 'yes'; sessionStorage.passing = 'yes'",
+    route("/keep",
+          "document.cookie = 'passing=yes'; localStorage.kept = 'yes'; sessionStorage.passing = 'yes'",
           "document.cookie.split('; ').sort().join()", "lasting=yes; Max-Age=3600");
     route("/look", "", "document.cookie + ' ' + localStorage.kept + ' ' + sessionStorage.passing");
     EXPECT_EQ(run("/keep"), "lasting%3Dyes%2Cpassing%3Dyes");

@@ -85,7 +85,8 @@ TEST_F(SheetTest, otherTabsAndWindowsStayUsable) {
     EXPECT_EQ(asking->webView()->title(), "asking");
     TestSupport::activate(*beside->window());
     pressKey("ctrl+shift+bracketleft");
-    ASSERT_TRUE(runUntil([&] { return isSelectedTab(*asking->window()) && hasSheetFocus(*asking->window()); }));
+    ASSERT_TRUE(
+        runUntil([&] { return isSelectedTab(*asking->window()) && hasSheetFocus(*asking->window()); }));
     clickSheetButton(*asking->window(), "OK");
     EXPECT_TRUE(waitForTitle(asking, "true"));
 }
@@ -163,8 +164,9 @@ TEST_F(SheetTest, closingItsTabByKeyAnswersThePageWithNo) {
 }
 
 TEST_F(SheetTest, aPageThatAlertsForeverCanBeClosed) {
-    server.route("/forever", HTTPResponse::html("<title>forever</title><script>onload = () => setTimeout("
-                                                "() => { for (let n = 1;; ++n) alert('Number ' + n) })</script>"));
+    server.route("/forever",
+                 HTTPResponse::html("<title>forever</title><script>onload = () => setTimeout("
+                                    "() => { for (let n = 1;; ++n) alert('Number ' + n) })</script>"));
     const auto beside = openPage("/beside");
     const auto before = TestSupport::webProcesses();
     for (const bool byKey : {true, false}) {

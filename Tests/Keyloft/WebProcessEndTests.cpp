@@ -69,11 +69,10 @@ TEST_F(WebProcessEndTest, theShownPageComesBackAndNobodyElseIsTouched) {
     const auto shown = openCounting("/shown", other);
     std::vector<std::string> addresses;
     std::vector<std::string> titles;
-    const auto followURL = shown->webView()->observe(WebView::Property::url, [&] {
-        addresses.push_back(shown->addressField()->stringValue());
-    });
-    const auto followTitle = shown->webView()->observe(
-        WebView::Property::title, [&] { titles.push_back(shown->window()->title()); });
+    const auto followURL = shown->webView()->observe(
+        WebView::Property::url, [&] { addresses.push_back(shown->addressField()->stringValue()); });
+    const auto followTitle = shown->webView()->observe(WebView::Property::title,
+                                                       [&] { titles.push_back(shown->window()->title()); });
     ASSERT_TRUE(kill(process));
     ASSERT_TRUE(waitForTitle(shown, "/shown 2"));
     expectUnchanged(shown, "/shown", "/shown 2");
