@@ -123,6 +123,23 @@ TEST_F(LoadErrorSheetTest, aRefusedConnectionShowsIt) {
     EXPECT_EQ(tab->window()->title(), "New Tab");
 }
 
+TEST_F(LoadErrorSheetTest, aServerThatNeverAnswersShowsItOnceTheTimeIsUp) {
+    server.route("/held", heldResponse());
+    const auto tab = openTab();
+    ASSERT_TRUE(loadPage(tab, "/shown"));
+    tab->webView()->load({.url = serverURL("/held"), .timeoutInterval = 0.3});
+    EXPECT_TRUE(tab->progressBar()->isActive());
+    ASSERT_TRUE(waitForSheet(tab));
+    EXPECT_EQ(shownSheet(*tab->window()), sheet("The request timed out.\n" + server.url("/held")));
+    EXPECT_FALSE(tab->progressBar()->isActive());
+    EXPECT_EQ(tab->addressField()->stringValue(), server.url("/shown"));
+    EXPECT_EQ(tab->window()->title(), "/shown");
+    TestSupport::pressSheetButton(*tab->window(), "OK");
+    TestSupport::runPending();
+    EXPECT_EQ(shownSheet(*tab->window()), std::nullopt);
+    EXPECT_TRUE(loadPage(tab, "/next"));
+}
+
 TEST_F(LoadErrorSheetTest, aNavigationThatReplacesAnotherShowsNone) {
     server.route("/held", heldResponse());
     const auto tab = openTab();

@@ -94,6 +94,25 @@ TEST_F(ScriptPanelTest, withoutAHostThePanelsKindIsTheHeading) {
     pressSheetButton(*tab->window(), "OK");
 }
 
+TEST_F(ScriptPanelTest, aPageWithoutAHostBearsThePanelsKind) {
+    KeyloftTests::writeContents(directory / "page.html", "<title>file</title>");
+    const auto tab = openTab();
+    for (const std::string& address :
+         {std::string("about:blank"), std::string("data:text/html,<title>data</title>"),
+          "file://" + (directory / "page.html")}) {
+        SCOPED_TRACE(address);
+        tab->load(url(address));
+        ASSERT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
+        for (const auto& [script, heading] :
+             {std::pair("alert('Hello')", "Alert"), std::pair("confirm('Really?')", "Confirm")}) {
+            TestSupport::runScript(*tab->webView(), script);
+            ASSERT_TRUE(waitForSheet(tab));
+            EXPECT_EQ(present(shownSheet(*tab->window())).texts.at(0), heading);
+            pressSheetButton(*tab->window(), "OK");
+        }
+    }
+}
+
 TEST_F(ScriptPanelTest, messagesAreShownAsTheyStand) {
     const auto tab = openTab();
     const std::string message = "<b>_Bold_</b> &amp; \u00e9 " + std::string(5000, 'm');

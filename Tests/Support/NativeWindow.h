@@ -49,6 +49,8 @@ bool shareNativeWindow(Platform::Window& one, Platform::Window& other);
 std::vector<std::string> tabTitles(Platform::Window& window);
 bool isTabStripShown(Platform::Window& window);
 bool isSelectedTab(Platform::Window& window);
+/// Whether the tab is marked as one that wants to be looked at.
+bool needsAttention(Platform::Window& window);
 void selectTab(Platform::Window& window);
 /// Closes the tab as the button on it does.
 void closeTab(Platform::Window& window);
@@ -100,6 +102,15 @@ struct ShownSheet {
 /// The sheet over the window's content, the first if several wait; nothing when there is none.
 std::optional<ShownSheet> shownSheet(Platform::Window& window);
 void pressSheetButton(Platform::Window& window, const std::string& title);
+/// Clicks where the button is to be seen, in the middle of it.
+void clickSheetButton(Platform::Window& window, const std::string& title);
+/// Where the button of the sheet is, relative to the window's content.
+Platform::Rect sheetButtonFrame(Platform::Window& window, const std::string& title);
+/// Whether the keyboard goes to the window's sheet while the window is active and its tab selected.
+bool hasSheetFocus(Platform::Window& window);
+
+/// Lives as long as the toolkit's own object of the view, and keeps nothing alive.
+std::weak_ptr<void> nativeLifetime(Platform::View& view);
 
 /// Runs a script in the page, without waiting for it.
 void runScript(Platform::WebView& view, const std::string& script);

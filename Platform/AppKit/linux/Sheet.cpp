@@ -1,6 +1,7 @@
 #include "Platform/AppKit/linux/Sheet.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace Platform {
@@ -8,7 +9,7 @@ namespace Platform {
 namespace {
 
 constexpr int cardWidth = 380;
-constexpr int textHeight = 260;
+constexpr int textHeight = 300;
 
 GtkWidget* makeLabel(const std::string& text, const char* cssClass) {
     GtkWidget* label = gtk_label_new(text.c_str());
@@ -57,21 +58,45 @@ GtkWidget* Sheet::widget(std::function<void(std::size_t)> answered) {
     GtkEventController* keys = gtk_event_controller_key_new();
     gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
     gtk_widget_add_controller(shade_.get(), keys);
-    connections_.emplace_back(keys, "key-pressed",
-                              G_CALLBACK(+[](GtkEventControllerKey* /*keys*/, guint keyval, guint /*keycode*/,
-                                             GdkModifierType /*state*/, gpointer self) -> gboolean {
-                                  if (keyval != GDK_KEY_Escape)
-                                      return GDK_EVENT_PROPAGATE;
-                                  auto* sheet = static_cast<Sheet*>(self);
-                                  const auto& titles = sheet->alert_.buttonTitles;
-                                  const auto cancel = std::ranges::find(titles, "Cancel");
-                                  sheet->answer(cancel == titles.end()
-                                                    ? sheet->safeButton()
-                                                    : static_cast<std::size_t>(cancel - titles.begin()));
-                                  return GDK_EVENT_STOP;
-                              }),
-                              this);
+    connections_.emplace_back(keys, "key-pressed", G_CALLBACK(keyPressed), this);
     return shade_.get();
+}
+
+gboolean Sheet::keyPressed(GtkEventControllerKey* /*keys*/, guint keyval, guint /*keycode*/,
+                           GdkModifierType state, gpointer self) {
+    auto& sheet = *static_cast<Sheet*>(self);
+    const bool withControl = (state & GDK_CONTROL_MASK) != 0;
+    switch (keyval) {
+    case GDK_KEY_Escape:
+        sheet.answer(sheet.escapeButton());
+        return GDK_EVENT_STOP;
+    case GDK_KEY_Tab:
+    case GDK_KEY_KP_Tab:
+    case GDK_KEY_ISO_Left_Tab:
+        if (withControl) // goes to the next page
+            return GDK_EVENT_PROPAGATE;
+        sheet.moveFocus((state & GDK_SHIFT_MASK) != 0 ? -1 : 1);
+        return GDK_EVENT_STOP;
+    default:
+        return GDK_EVENT_PROPAGATE;
+    }
+}
+
+std::size_t Sheet::escapeButton() const {
+    const auto cancel = std::ranges::find(alert_.buttonTitles, "Cancel");
+    return cancel == alert_.buttonTitles.end()
+               ? safeButton()
+               : static_cast<std::size_t>(cancel - alert_.buttonTitles.begin());
+}
+
+void Sheet::moveFocus(std::ptrdiff_t step) {
+    const auto count = std::ssize(stops_);
+    const auto focused = std::ranges::find_if(stops_, gtk_widget_is_focus);
+    auto next = focused - stops_.begin();
+    do
+        next = (next + step + count) % count;
+    while (!gtk_widget_get_focusable(stops_[static_cast<std::size_t>(next)]));
+    gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
 GtkWidget* Sheet::makeCard() {
@@ -83,15 +108,26 @@ GtkWidget* Sheet::makeCard() {
     gtk_widget_set_size_request(card, cardWidth, -1);
     gtk_accessible_update_property(GTK_ACCESSIBLE(card), GTK_ACCESSIBLE_PROPERTY_LABEL,
                                    alert_.messageText.c_str(), -1);
-    gtk_box_append(GTK_BOX(card), makeLabel(alert_.messageText, "title-4"));
-
-    // However long the text is, the buttons stay in reach.
+    // However long the texts are, the buttons stay in reach.
+    GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
+    gtk_box_append(GTK_BOX(texts), makeLabel(alert_.messageText, "title-4"));
+    gtk_box_append(GTK_BOX(texts), makeLabel(alert_.informativeText, "body"));
     GtkWidget* scroller = gtk_scrolled_window_new();
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
     gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scroller), TRUE);
     gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(scroller), textHeight);
-    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), makeLabel(alert_.informativeText, "body"));
+    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), texts);
+    // The keyboard stops at texts only where there is more of them to see.
+    gtk_widget_set_focusable(scroller, FALSE);
+    connections_.emplace_back(gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)), "changed",
+                              G_CALLBACK(+[](GtkAdjustment* visible, gpointer scroller) {
+                                  gtk_widget_set_focusable(GTK_WIDGET(scroller),
+                                                           gtk_adjustment_get_upper(visible) >
+                                                               gtk_adjustment_get_page_size(visible));
+                              }),
+                              scroller);
     gtk_box_append(GTK_BOX(card), scroller);
+    stops_.push_back(scroller);
 
     GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
     gtk_box_set_homogeneous(GTK_BOX(row), TRUE);
@@ -112,6 +148,7 @@ GtkWidget* Sheet::makeCard() {
         // The default button stands at the trailing end, where the eye ends.
         gtk_box_prepend(GTK_BOX(row), button);
     }
+    stops_.insert(stops_.end(), buttons_.rbegin(), buttons_.rend());
     gtk_box_append(GTK_BOX(card), row);
     return card;
 }

@@ -3,6 +3,7 @@
 #include "Platform/AppKit/Alert.h"
 #include "Platform/AppKit/linux/GObjectPtr.h"
 
+#include <cstddef>
 #include <functional>
 #include <vector>
 
@@ -34,12 +35,19 @@ public:
 private:
     GtkWidget* makeCard();
     void answer(std::size_t button);
+    std::size_t escapeButton() const;
+    /// Goes on inside the sheet, round and round.
+    void moveFocus(std::ptrdiff_t step);
+    static gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode,
+                               GdkModifierType state, gpointer self);
 
     Alert alert_;
     Alert::Completion completion_;
     std::function<void(std::size_t)> answered_;
     GObjectPtr<GtkWidget> shade_;
     std::vector<GtkWidget*> buttons_;
+    /// Where the keyboard can be, from the first to the last.
+    std::vector<GtkWidget*> stops_;
     std::vector<SignalConnection> connections_;
 };
 

@@ -125,6 +125,10 @@ void TextFieldEvents::focusLeft(TextField& field) {
     field.endEditing(TextMovement::other);
 }
 
+void TextFieldEvents::takeFocusBack(TextField& field) {
+    gtk_text_grab_focus_without_selecting(nativeOf(field).text);
+}
+
 void TextFieldEvents::changed(GtkEditable* editable, gpointer self) {
     auto& field = *static_cast<TextField*>(self);
     if (nativeOf(field).settingText)

@@ -18,6 +18,9 @@ struct TextFieldEvents {
     /// Another control of the same page took the focus.
     static void focusLeft(TextField& field);
 
+    /// Gives the focus back to a field that lost it to no other control: the selection is as it was.
+    static void takeFocusBack(TextField& field);
+
 private:
     static Native& nativeOf(TextField& field) { return static_cast<Native&>(field.native()); }
     static void changed(GtkEditable* editable, gpointer self);

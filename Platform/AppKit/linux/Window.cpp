@@ -260,6 +260,18 @@ void Window::Native::takeFocusBack(Window& window) {
         takeFocus(window);
 }
 
+void Window::Native::returnFocus(Window& window) {
+    Native& native = *window.native_;
+    const auto field = std::dynamic_pointer_cast<TextField>(native.firstResponder.lock());
+    if (!field || !field->nativeIfMade() || !gtk_widget_get_mapped(native.page.get())) {
+        takeFocus(window);
+        return;
+    }
+    native.focusPending = false;
+    // Whoever was typing goes on where they were, and does not replace what they typed.
+    TextFieldEvents::takeFocusBack(*field);
+}
+
 void Window::Native::willClose(Window& window) {
     if (window.closed_)
         return;
@@ -311,7 +323,7 @@ void Window::Native::sheetAnswered(Window& window, std::size_t button) {
         gtk_widget_set_can_focus(content, TRUE);
         if (const auto host = TabHost::of(window))
             host->setNeedsAttention(window, false);
-        takeFocus(window);
+        returnFocus(window);
     } else if (!window.closed_) {
         showSheet(window);
     }

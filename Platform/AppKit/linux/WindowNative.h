@@ -38,6 +38,8 @@ struct Window::Native {
     /// The same where the focus is with no view of the page and in no open menu: the toolkit may have left it
     /// with the tab strip.
     static void takeFocusBack(Window& window);
+    /// The last sheet went: the first responder has the toolkit's focus again.
+    static void returnFocus(Window& window);
     /// The page is on its way out: tells the delegate, once.
     static void willClose(Window& window);
 

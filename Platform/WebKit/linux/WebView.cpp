@@ -153,6 +153,8 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     GObjectPtr<WebKitWebView> view;
 
     std::optional<URL> url;
+    /// The page that is shown while another is on its way, whose URL `url` may be already.
+    std::optional<URL> shownURL;
     std::optional<std::string> title;
     bool canGoBack = false;
     bool canGoForward = false;
@@ -249,9 +251,10 @@ WebView::Engine::~Engine() {
             pending->answer(false);
     }
     // The view may be let go from inside one of the widget's signals, whose emitter still works with the
-    // widget when the handler returns.
+    // widget when the handler returns. Not when the loop is idle, for a page that asks forever, and now gets
+    // its answers at once, never lets it be.
     auto* widget = view.get();
-    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, releaseLater, g_object_ref(widget), g_object_unref);
+    g_idle_add_full(G_PRIORITY_HIGH, releaseLater, g_object_ref(widget), g_object_unref);
 }
 
 // Observation
@@ -303,6 +306,8 @@ void WebView::Engine::updateHistory() {
 
 /// The program asks for a navigation, which replaces the one under way.
 void WebView::Engine::beginNavigation() {
+    if (phase == Phase::idle)
+        shownURL = url;
     endNavigation();
     stopTimer.reset();
     restrictedURI.reset();
@@ -354,6 +359,8 @@ void WebView::Engine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
         // The page went elsewhere before the load was through.
         if (engine.phase == Phase::started)
             engine.endNavigation();
+        else if (engine.phase == Phase::idle)
+            engine.shownURL = engine.url;
         engine.phase = Phase::started;
         engine.fresh = false;
         break;
@@ -365,6 +372,8 @@ void WebView::Engine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
         // In an earlier phase it is the page before that is still coming in.
         if (engine.phase == Phase::started)
             engine.endNavigation();
+        else
+            engine.shownURL.reset();
         engine.updateTitle();
         engine.updateHistory();
         break;
@@ -514,7 +523,8 @@ gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
     std::erase_if(engine.dialogs, [](const auto& other) { return other.expired(); });
     engine.dialogs.push_back(pending);
     const std::string message = webkit_script_dialog_get_message(dialog);
-    const FrameInfo frame{.url = engine.url};
+    // A page must not speak in the name of the one that comes after it.
+    const FrameInfo frame{.url = engine.phase == Phase::idle ? engine.url : engine.shownURL};
     if (type == WEBKIT_SCRIPT_DIALOG_ALERT)
         delegate->runJavaScriptAlertPanel(*kept, message, frame, [pending] { pending->answer(true); });
     else

@@ -3,6 +3,7 @@
 #include <glib.h>
 
 #include <chrono>
+#include <cstddef>
 
 namespace TestSupport {
 
@@ -27,6 +28,12 @@ template <typename Condition>
 inline void runPending() {
     while (g_main_context_iteration(nullptr, FALSE)) {
     }
+}
+
+/// Runs at most so many turns of the main loop, and none that would have to wait.
+inline void runTurns(std::size_t count) {
+    while (count > 0 && g_main_context_iteration(nullptr, FALSE))
+        --count;
 }
 
 } // namespace TestSupport

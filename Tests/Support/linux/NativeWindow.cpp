@@ -98,6 +98,19 @@ std::vector<GtkButton*> buttonsOf(GtkWidget* sheet) {
     return {buttons.rbegin(), buttons.rend()};
 }
 
+/// A button of the window's sheet; a failure of the test and nothing when there is none.
+GtkWidget* sheetButton(Platform::Window& window, const std::string& title) {
+    GtkWidget* sheet = sheetOf(window);
+    if (sheet != nullptr) {
+        for (GtkButton* button : buttonsOf(sheet)) {
+            if (gtk_button_get_label(button) == title)
+                return GTK_WIDGET(button);
+        }
+    }
+    ADD_FAILURE() << (sheet == nullptr ? "no sheet" : "no button " + title);
+    return nullptr;
+}
+
 void runTool(const std::vector<std::string>& arguments) {
     std::vector<const char*> argv{"xdotool"};
     argv.reserve(arguments.size() + 2);
@@ -119,6 +132,19 @@ void runTool(const std::vector<std::string>& arguments) {
         &ended);
     EXPECT_TRUE(runUntil([&] { return ended; }));
     EXPECT_EQ(g_subprocess_get_exit_status(tool.get()), 0) << arguments.front();
+}
+
+void clickWidget(GtkWidget* widget) {
+    GtkNative* native = gtk_widget_get_native(widget);
+    const auto bounds = boundsIn(widget, GTK_WIDGET(native));
+    double surfaceX = 0;
+    double surfaceY = 0;
+    gtk_native_get_surface_transform(native, &surfaceX, &surfaceY);
+    const auto window = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
+    runTool({"mousemove", "--window", std::to_string(window),
+             std::to_string(static_cast<int>(surfaceX + bounds.x + (bounds.width / 2))),
+             std::to_string(static_cast<int>(surfaceY + bounds.y + (bounds.height / 2)))});
+    runTool({"click", "1"});
 }
 
 GtkText* textOf(Platform::TextField& field) {
@@ -221,6 +247,11 @@ bool isTabStripShown(Platform::Window& window) {
 
 bool isSelectedTab(Platform::Window& window) { return hostOf(window).selectedWindow().get() == &window; }
 
+bool needsAttention(Platform::Window& window) {
+    AdwTabView* view = hostOf(window).tabView();
+    return adw_tab_page_get_needs_attention(adw_tab_view_get_page(view, pageOf(window))) == TRUE;
+}
+
 void selectTab(Platform::Window& window) {
     AdwTabView* view = hostOf(window).tabView();
     adw_tab_view_set_selected_page(view, adw_tab_view_get_page(view, pageOf(window)));
@@ -267,19 +298,7 @@ void pressKey(const std::string& key) { runTool({"key", key}); }
 
 void typeText(const std::string& text) { runTool({"type", "--delay", "2", text}); }
 
-void click(Platform::View& view) {
-    GtkWidget* widget = widgetOf(view);
-    GtkNative* native = gtk_widget_get_native(widget);
-    const auto bounds = boundsIn(widget, GTK_WIDGET(native));
-    double surfaceX = 0;
-    double surfaceY = 0;
-    gtk_native_get_surface_transform(native, &surfaceX, &surfaceY);
-    const auto window = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
-    runTool({"mousemove", "--window", std::to_string(window),
-             std::to_string(static_cast<int>(surfaceX + bounds.x + (bounds.width / 2))),
-             std::to_string(static_cast<int>(surfaceY + bounds.y + (bounds.height / 2)))});
-    runTool({"click", "1"});
-}
+void click(Platform::View& view) { clickWidget(widgetOf(view)); }
 
 bool hasFocus(Platform::View& view) {
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(toplevelOf(*view.window())));
@@ -316,18 +335,37 @@ std::optional<ShownSheet> shownSheet(Platform::Window& window) {
 }
 
 void pressSheetButton(Platform::Window& window, const std::string& title) {
+    if (GtkWidget* button = sheetButton(window, title))
+        g_signal_emit_by_name(button, "clicked");
+}
+
+void clickSheetButton(Platform::Window& window, const std::string& title) {
+    waitForLayout(window);
+    if (GtkWidget* button = sheetButton(window, title))
+        clickWidget(button);
+}
+
+Platform::Rect sheetButtonFrame(Platform::Window& window, const std::string& title) {
+    GtkWidget* button = sheetButton(window, title);
+    return button != nullptr ? boundsIn(button, pageOf(window)) : Platform::Rect{};
+}
+
+bool hasSheetFocus(Platform::Window& window) {
     GtkWidget* sheet = sheetOf(window);
-    if (sheet == nullptr) {
-        ADD_FAILURE() << "no sheet";
-        return;
-    }
-    for (GtkButton* button : buttonsOf(sheet)) {
-        if (gtk_button_get_label(button) == title) {
-            g_signal_emit_by_name(button, "clicked");
-            return;
-        }
-    }
-    ADD_FAILURE() << "no button " << title;
+    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(toplevelOf(window)));
+    return sheet != nullptr && focus != nullptr && gtk_widget_is_ancestor(focus, sheet) == TRUE;
+}
+
+std::weak_ptr<void> nativeLifetime(Platform::View& view) {
+    auto life = std::make_unique<std::shared_ptr<void>>(std::make_shared<char>());
+    std::weak_ptr<void> lifetime = *life;
+    g_object_weak_ref(
+        G_OBJECT(widgetOf(view)),
+        [](gpointer data, GObject* /*ended*/) {
+            const std::unique_ptr<std::shared_ptr<void>> owned(static_cast<std::shared_ptr<void>*>(data));
+        },
+        life.release());
+    return lifetime;
 }
 
 void runScript(Platform::WebView& view, const std::string& script) {

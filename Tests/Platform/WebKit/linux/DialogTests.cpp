@@ -1,7 +1,9 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
+#include "Tests/Support/Waiting.h"
 
 using namespace Platform;
 using TestSupport::runUntil;
+using TestSupport::webProcesses;
 
 namespace {
 
@@ -33,6 +35,32 @@ TEST_F(WebViewDialog, anAlertWaitsForItsCompletion) {
     ui->panels[0].alert();
     EXPECT_TRUE(waitForTitle(*view, "got undefined"));
     ui->panels[0].alert();
+}
+
+TEST_F(WebViewDialog, isThePagesThatIsShownWhileAnotherIsOnItsWay) {
+    auto held = TestSupport::HTTPResponse::page("Held");
+    held.ending = TestSupport::HTTPResponse::Ending::held;
+    server.route("/held", held);
+    const auto expectSpeaker = [&](const std::string& path) {
+        ui->panels.clear();
+        ask("alert('Hello')");
+        ASSERT_TRUE(waitForPanel());
+        EXPECT_EQ(textOf(ui->panels[0].url), server.url(path));
+        ui->panels[0].alert();
+    };
+    view->load(request(server.url("/held")));
+    ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
+    ASSERT_EQ(urlOf(*view), server.url("/held"));
+    expectSpeaker("/page");
+    view->load(request(server.url("/held?again")));
+    ASSERT_TRUE(runUntil([&] { return server.count("/held") == 2; }));
+    expectSpeaker("/page");
+    run(*view, "location = '/held?from-the-page'");
+    ASSERT_TRUE(runUntil([&] { return server.count("/held") == 3; }));
+    expectSpeaker("/page");
+    server.release("/held");
+    ASSERT_TRUE(waitForTitle(*view, "Held"));
+    expectSpeaker("/held?from-the-page");
 }
 
 TEST_F(WebViewDialog, aConfirmationGivesItsAnswer) {
@@ -120,6 +148,18 @@ TEST_F(WebViewDialog, viewAndDelegateMayGoFromInsideTheCall) {
     };
     ask("confirm('Sure?')");
     EXPECT_TRUE(runUntil([&] { return widget == nullptr; }));
+}
+
+TEST_F(WebViewDialog, aScriptThatAsksForeverEndsWithItsView) {
+    const auto before = webProcesses();
+    run(*view, "setTimeout(() => { for (;;) confirm('Again?') })");
+    ASSERT_TRUE(waitForPanel());
+    gpointer widget = widgetOf(*view);
+    g_object_add_weak_pointer(G_OBJECT(widget), &widget);
+    view.reset();
+    ASSERT_TRUE(runUntil([&] { return widget == nullptr; }));
+    // The engine gives it ten seconds.
+    EXPECT_TRUE(runUntil([&] { return webProcesses().size() < before.size(); }, KeyloftTests::patience));
 }
 
 TEST_F(WebViewDialog, anAnswerAfterTheWebProcessEndedIsHarmless) {

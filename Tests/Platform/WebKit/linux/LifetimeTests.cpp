@@ -7,6 +7,7 @@
 using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
+using TestSupport::webProcesses;
 
 namespace {
 

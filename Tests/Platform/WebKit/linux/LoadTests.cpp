@@ -11,6 +11,7 @@ using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::HTTPServer;
 using TestSupport::runUntil;
+using TestSupport::webProcesses;
 using Ending = TestSupport::HTTPResponse::Ending;
 
 namespace {

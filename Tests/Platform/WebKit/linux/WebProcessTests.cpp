@@ -3,6 +3,7 @@
 using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
+using TestSupport::webProcesses;
 using Ending = TestSupport::HTTPResponse::Ending;
 
 namespace {

@@ -4,6 +4,7 @@
 #include "Platform/Foundation/Timer.h"
 #include "Platform/WebKit/WebView.h"
 #include "Tests/Support/HTTPServer.h"
+#include "Tests/Support/WebProcesses.h"
 #include "Tests/Support/linux/MainLoop.h"
 
 #include <gtest/gtest.h>
@@ -105,9 +106,6 @@ protected:
     [[nodiscard]] bool waitForFailures(std::size_t count) const;
     /// Runs the loop for so long: for what must not happen.
     static void runFor(double seconds);
-
-    /// The web processes below this one.
-    static std::vector<int> webProcesses();
 
     TestSupport::HTTPServer server;
     std::shared_ptr<RecordingNavigationDelegate> navigation = std::make_shared<RecordingNavigationDelegate>();

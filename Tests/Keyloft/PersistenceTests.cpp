@@ -1,0 +1,95 @@
+#include "Tests/Support/Display.h"
+#include "Tests/Support/HTTPServer.h"
+#include "Tests/Support/Program.h"
+#include "Tests/Support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using KeyloftTests::eventually;
+using KeyloftTests::Program;
+using TestSupport::HTTPResponse;
+
+/// The first line that xdotool answers.
+std::string ask(const std::string& arguments) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> answer(
+        popen(("xdotool " + arguments + " 2>/dev/null").c_str(), "r"), &pclose);
+    if (!answer)
+        throw std::runtime_error("xdotool does not start");
+    std::array<char, 4096> line{};
+    std::string text = std::fgets(line.data(), line.size(), answer.get()) ? line.data() : "";
+    while (text.ends_with('\n'))
+        text.pop_back();
+    return text;
+}
+
+/// The real program, run several times by the same user.
+class PersistenceTest : public testing::Test {
+public:
+    PersistenceTest(const PersistenceTest&) = delete;
+    PersistenceTest& operator=(const PersistenceTest&) = delete;
+    ~PersistenceTest() override = default;
+
+protected:
+    PersistenceTest() { TestSupport::startWindowManager(); }
+
+    /// A page that does what the script says and then tells the server what `report` is.
+    void route(const std::string& path, const std::string& script, const std::string& report,
+               const std::string& cookie = "") {
+        auto response =
+            HTTPResponse::html("<title>" + path + "</title><script>" + script + ";new Image().src = '" +
+                               path + "-report?' + encodeURIComponent(" + report + ")</script>");
+        if (!cookie.empty())
+            response.headers.emplace_back("Set-Cookie", cookie);
+        server.route(path, response);
+    }
+
+    /// Starts the program with the page, waits for the page's report, and ends the program as a person does.
+    std::string run(const std::string& path) {
+        Program program(KEYLOFT_PROGRAM, {server.url(path)});
+        EXPECT_TRUE(eventually([&] { return server.count(path + "-report") == 1; })) << program.errors();
+        EXPECT_TRUE(eventually([&] { return ask("getactivewindow getwindowname") == path; }));
+        ask("key ctrl+q");
+        EXPECT_EQ(program.waitForExit(), 0) << program.errors();
+        const auto reports = server.requests(path + "-report");
+        return reports.empty() ? "" : reports.front().query;
+    }
+
+    static std::filesystem::perms permissions(const char* directoryVariable) {
+        return std::filesystem::status(std::filesystem::path(std::getenv(directoryVariable)) /
+                                       "velde.orvane.keyloft")
+            .permissions();
+    }
+
+    TestSupport::HTTPServer server;
+};
+
+TEST_F(PersistenceTest, aCookieWithAnExpiryAndAnItemOfLocalStorageAreThereInTheNextRun) {
+    route("/keep",
+          "document.cookie = 'passing=yes'; localStorage.kept = 'yes'; sessionStorage.passing = 'yes'",
+          "document.cookie.split('; ').sort().join()", "lasting=yes; Max-Age=3600");
+    route("/look", "", "document.cookie + ' ' + localStorage.kept + ' ' + sessionStorage.passing");
+    EXPECT_EQ(run("/keep"), "lasting%3Dyes%2Cpassing%3Dyes");
+    EXPECT_EQ(run("/look"), "lasting%3Dyes%20yes%20undefined");
+    const auto requests = server.requests("/look");
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].headers.at("cookie"), "lasting=yes");
+}
+
+TEST_F(PersistenceTest, whatTheEngineKeepsOnlyTheUserMayEnter) {
+    route("/page", "", "'here'");
+    run("/page");
+    EXPECT_EQ(permissions("XDG_DATA_HOME"), std::filesystem::perms::owner_all);
+    EXPECT_EQ(permissions("XDG_CACHE_HOME"), std::filesystem::perms::owner_all);
+}
+
+} // namespace

@@ -1,0 +1,159 @@
+#include "Tests/Keyloft/AppDelegateTest.h"
+#include "Tests/Support/Waiting.h"
+#include "Tests/Support/WebProcesses.h"
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace Platform;
+using TestSupport::HTTPResponse;
+using TestSupport::runUntil;
+using TestSupport::webProcesses;
+
+/// Tabs that come and go in an order that nobody thought of, most of them before their page has come.
+class SoakTest : public AppDelegateTest {
+protected:
+    /// All that ought to go with a tab.
+    struct Remains {
+        explicit Remains(const Tab& tab)
+            : controller(tab)
+            , window(tab->window())
+            , content(tab->window()->contentView())
+            , webView(tab->webView())
+            , webWidget(TestSupport::nativeLifetime(*tab->webView()))
+            , views{tab->backButton(),   tab->forwardButton(), tab->reloadButton(),
+                    tab->addressField(), tab->searchField(),   tab->bookmarkButton(),
+                    tab->bookmarksBar(), tab->progressBar(),   tab->progressBar()->fill()} {}
+
+        std::string left() const {
+            std::string text;
+            const auto add = [&](bool isGone, const char* name) {
+                if (!isGone)
+                    text.append(text.empty() ? "" : ", ").append(name);
+            };
+            add(controller.expired(), "controller");
+            add(window.expired(), "window");
+            add(content.expired(), "content");
+            add(webView.expired(), "web view");
+            add(webWidget.expired(), "the toolkit's web view");
+            add(std::ranges::all_of(views, [](const auto& view) { return view.expired(); }), "controls");
+            return text;
+        }
+
+        std::weak_ptr<Controller> controller;
+        std::weak_ptr<Window> window;
+        std::weak_ptr<View> content;
+        std::weak_ptr<WebView> webView;
+        std::weak_ptr<void> webWidget;
+        std::vector<std::weak_ptr<View>> views;
+    };
+
+    SoakTest() {
+        server.route("/held", heldResponse());
+        server.route("/endless", unfinishedPage("endless"));
+        server.route("/page", HTTPResponse::page("page"));
+        server.route("/opening", HTTPResponse::html("<title>opening</title><script>"
+                                                    "for (let i = 0; i < 5; ++i) window.open('/page')"
+                                                    "</script>"));
+        server.route("/asking", HTTPResponse::html("<title>asking</title><script>"
+                                                   "setTimeout(() => confirm('Really?'))</script>"));
+    }
+
+    std::size_t below(std::size_t bound) { return random() % bound; }
+
+    void watchNewTabs() {
+        for (const auto& tab : controllers()) {
+            const bool isKnown = std::ranges::any_of(
+                remains, [&](const Remains& known) { return known.controller.lock() == tab; });
+            if (!isKnown)
+                remains.emplace_back(tab);
+        }
+    }
+
+    /// Half of the tabs stay blank, for each page has a web process to be started; those that pages open
+    /// share one.
+    void openAny() {
+        static constexpr const char* paths[] = {"/page", "/page", "/held", "/endless", "/asking", "/opening"};
+        const auto open = controllers();
+        const auto beside = open.empty() || below(8) == 0 ? nullptr : open[below(open.size())]->window();
+        const auto kind = below(2 * std::size(paths));
+        const auto address = kind < std::size(paths) ? std::optional(serverURL(paths[kind])) : std::nullopt;
+        delegate->openTab(address, beside, nullptr);
+        watchNewTabs();
+    }
+
+    void closeAny() {
+        const auto open = controllers();
+        if (!open.empty())
+            closeTab(*open[below(open.size())]);
+    }
+
+    void closeTab(Controller& tab) {
+        switch (below(3)) {
+        case 0:
+            tab.window()->close();
+            break;
+        case 1:
+            tab.window()->perform(Action::performClose, {});
+            break;
+        default:
+            TestSupport::closeTab(*tab.window());
+            break;
+        }
+    }
+
+    /// Opens and closes until so many tabs were there, and closes what is left.
+    void openAndClose(std::size_t count) {
+        while (remains.size() < count) {
+            if (controllers().size() < 12 && below(5) < 3)
+                openAny();
+            else
+                closeAny();
+            // Some follow each other at once, and some when the others have come a little further.
+            if (below(3) == 0)
+                TestSupport::runTurns(below(100));
+            watchNewTabs();
+        }
+        while (!controllers().empty()) {
+            closeAny();
+            TestSupport::runTurns(below(20));
+            watchNewTabs();
+        }
+    }
+
+    void expectNothingIsLeft() {
+        const auto isGone = [](const Remains& remains) { return remains.left().empty(); };
+        EXPECT_TRUE(runUntil([&] { return std::ranges::all_of(remains, isGone); }, KeyloftTests::patience));
+        for (std::size_t i = 0; i < remains.size(); ++i)
+            EXPECT_EQ(remains[i].left(), "") << "tab " << i << " of " << remains.size();
+    }
+
+    std::mt19937 random{20250611};
+    std::vector<Remains> remains;
+};
+
+TEST_F(SoakTest, tabsOpenedAndClosedInRandomOrderLeaveNothingBehind) {
+    std::cout << "seed 20250611\n";
+    // The first ones make what the engine and the toolkit keep for good.
+    openAndClose(20);
+    expectNothingIsLeft();
+    ASSERT_TRUE(runUntil([] { return webProcesses().size() <= 1; }, KeyloftTests::patience));
+    remains.clear();
+    const auto descriptors = KeyloftTests::openDescriptors();
+
+    openAndClose(250);
+    expectNothingIsLeft();
+    // The engine may have one process in store.
+    EXPECT_TRUE(runUntil([] { return webProcesses().size() <= 1; }, KeyloftTests::patience))
+        << webProcesses().size();
+    // It keeps a few connections for a while; what leaks would be there for each tab.
+    EXPECT_TRUE(
+        runUntil([&] { return KeyloftTests::openDescriptors() < descriptors + 30; }, KeyloftTests::patience))
+        << KeyloftTests::openDescriptors() << " descriptors after " << descriptors;
+}

@@ -1,0 +1,75 @@
+#include "Tests/Support/WebProcesses.h"
+
+#include <unistd.h>
+
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace TestSupport {
+
+namespace {
+
+struct Process {
+    pid_t parent = 0;
+    std::string name;
+};
+
+std::optional<pid_t> number(std::string_view text) {
+    pid_t value = 0;
+    const auto [end, error] = std::from_chars(text.begin(), text.end(), value);
+    return error == std::errc() && end == text.end() ? std::optional(value) : std::nullopt;
+}
+
+/// Nothing for a process that has ended, whether somebody has taken notice or not.
+std::optional<Process> readProcess(const std::filesystem::path& folder) {
+    const std::ifstream file(folder / "stat");
+    std::ostringstream contents;
+    contents << file.rdbuf();
+    const std::string text = contents.str();
+    const auto begin = text.find('(');
+    const auto end = text.rfind(')');
+    if (begin == std::string::npos || end == std::string::npos)
+        return std::nullopt;
+    Process process{.parent = 0, .name = text.substr(begin + 1, end - begin - 1)};
+    char state = 0;
+    std::istringstream(text.substr(end + 1)) >> state >> process.parent;
+    return state == 'Z' ? std::nullopt : std::optional(std::move(process));
+}
+
+std::map<pid_t, Process> allProcesses() {
+    std::map<pid_t, Process> processes;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const auto id = number(entry.path().filename().string());
+        auto process = id ? readProcess(entry.path()) : std::nullopt;
+        if (process)
+            processes.emplace(*id, *std::move(process));
+    }
+    return processes;
+}
+
+} // namespace
+
+std::vector<pid_t> webProcesses() {
+    const auto processes = allProcesses();
+    const auto isBelowThis = [&](pid_t process) {
+        auto found = processes.find(process);
+        while (found != processes.end() && found->second.parent != ::getpid())
+            found = processes.find(found->second.parent);
+        return found != processes.end();
+    };
+    std::vector<pid_t> result;
+    for (const auto& [id, process] : processes) {
+        if (process.name.starts_with("WebKitWebProc") && isBelowThis(id))
+            result.push_back(id);
+    }
+    return result;
+}
+
+} // namespace TestSupport
