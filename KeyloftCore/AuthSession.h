@@ -13,9 +13,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Platform {
 class Timer;
+class WebView;
 class Window;
 } // namespace Platform
 
@@ -30,10 +32,10 @@ namespace KeyloftCore {
 /// A started session keeps itself alive until its completion has been called; from then on only its creator
 /// does. As long as the creator holds it, the window, hidden by then, and its page are still there, and what
 /// the page does is logged and changes nothing.
-class AuthSession final : public Platform::NavigationDelegate,
-                          public Platform::UIDelegate,
-                          public Platform::ScriptMessageHandler,
-                          public std::enable_shared_from_this<AuthSession> {
+class AuthSession : public Platform::NavigationDelegate,
+                    public Platform::UIDelegate,
+                    public Platform::ScriptMessageHandler,
+                    public std::enable_shared_from_this<AuthSession> {
 public:
     using Result = std::expected<AuthResult, HostError>;
     /// Called once, on the main thread: with what the provider answered, or with
@@ -67,17 +69,23 @@ public:
     void webViewDidClose(Platform::WebView& webView) override;
     void didReceiveScriptMessage(const Platform::ScriptMessage& message) override;
 
+protected:
+    AuthSession(AuthorizeRequest request, Completion completion);
+
 private:
     /// Tests look into a session and shorten its limits by it.
     friend struct AuthSessionInspector;
 
-    AuthSession(AuthorizeRequest request, Completion completion);
+    /// What one `start` made.
+    struct Run {
+        std::shared_ptr<Platform::WebView> webView;
+        std::shared_ptr<Platform::Window> window;
+        std::shared_ptr<Platform::Timer> timeoutTimer;
+    };
 
     std::shared_ptr<Platform::WebView> makeWebView();
-    void showWindow();
-    void armTimeout();
-    void beginLoading();
-    void capture(const Platform::NavigationAction& action);
+    std::shared_ptr<Platform::Timer> makeTimeoutTimer();
+    void beginLoading(Platform::WebView& webView) const;
     void finish(const Result& result);
 
     AuthorizeRequest request_;
@@ -85,9 +93,8 @@ private:
     /// Seconds; only tests choose others.
     double sessionTimeout_ = 300;
     double requestTimeout_ = 60;
-    std::shared_ptr<Platform::Window> window_;
-    std::shared_ptr<Platform::WebView> webView_;
-    std::shared_ptr<Platform::Timer> timeoutTimer_;
+    /// The last one counts; the earlier ones stay as they are.
+    std::vector<Run> runs_;
     std::optional<SubmittedForm> lastSubmittedForm_;
     bool finished_ = false;
     /// The session itself, from its start to its completion.

@@ -16,7 +16,7 @@ namespace KeyloftCore {
 struct SubmittedForm {
     static constexpr std::string_view messageHandlerName = "keyloft";
     /// For every frame, from the document's start.
-    static const std::string hookScript;
+    static const std::string_view hookScript;
 
     /// Where the form goes.
     std::string action;
@@ -25,6 +25,9 @@ struct SubmittedForm {
 
     /// What a message of the script tells, or nothing where it is not as the script writes it.
     static std::optional<SubmittedForm> fromMessage(const Platform::JSONValue& body);
+
+    /// The action as a log shows it: its first 80 characters.
+    std::string shownAction() const;
 
     friend bool operator==(const SubmittedForm&, const SubmittedForm&) = default;
 };
