@@ -84,8 +84,9 @@ TEST_F(DefaultWebsiteDataStore, isSharedByAllViews) {
 }
 
 TEST_F(DefaultWebsiteDataStore, aBadCertificateFailsTheLoad) {
-    EXPECT_EQ(webkit_network_session_get_tls_errors_policy(networkSession(WebsiteDataStore::defaultStore).get()),
-              WEBKIT_TLS_ERRORS_POLICY_FAIL);
+    EXPECT_EQ(
+        webkit_network_session_get_tls_errors_policy(networkSession(WebsiteDataStore::defaultStore).get()),
+        WEBKIT_TLS_ERRORS_POLICY_FAIL);
 }
 
 TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
