@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <iostream>
 
 namespace KeyloftTests {
 
@@ -39,6 +40,11 @@ AuthSessionTest::AuthSessionTest() {
 }
 
 AuthSessionTest::~AuthSessionTest() {
+    if (HasFailure()) {
+        for (const auto& line : everything()) {
+            std::cout << "on standard error: " << line << '\n';
+        }
+    }
     // A session that has not ended would call its completion some time.
     for (const auto& weak : sessions_) {
         if (const auto session = weak.lock()) {
@@ -87,11 +93,17 @@ std::vector<NavigationActionPolicy> AuthSessionTest::ask(const Session& session,
 }
 
 bool AuthSessionTest::showPage(const Session& session, const std::string& body) {
+    const auto& view = Inspector::webView(*session);
+    // The engine may lose one of two loads that it is asked for at once.
+    view->stopLoading();
+    if (!runUntil([&] { return !view->isLoading(); })) {
+        return false;
+    }
     const auto finished = [this] {
         return std::ranges::count(lines(), "didFinish https://appleid.apple.com/");
     };
     const auto before = finished();
-    Inspector::webView(*session)->loadHTMLString("<!doctype html>" + body, url("https://appleid.apple.com/"));
+    view->loadHTMLString("<!doctype html>" + body, url("https://appleid.apple.com/"));
     return runUntil([&] { return finished() > before; });
 }
 
