@@ -3,8 +3,8 @@
 #include "KeyloftCore/AuthSession.h"
 #include "Tests/Support/HTTPServer.h"
 #include "Tests/Support/StandardError.h"
-#include "Tests/Support/linux/ProviderNetwork.h"
-#include "Tests/Support/linux/TLSServer.h"
+#include "Tests/Support/ProviderNetwork.h"
+#include "Tests/Support/TLSServer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Tests/Support/linux/ProviderNetwork.h"
+#include "Tests/Support/ProviderNetwork.h"
 
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/linux/CertificateAuthority.h"

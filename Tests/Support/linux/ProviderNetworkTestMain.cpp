@@ -1,5 +1,5 @@
 #include "Tests/Support/Display.h"
-#include "Tests/Support/linux/ProviderNetwork.h"
+#include "Tests/Support/ProviderNetwork.h"
 
 #include <gtest/gtest.h>
 

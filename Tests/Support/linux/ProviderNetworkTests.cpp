@@ -1,8 +1,8 @@
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Tests/Support/HTTPServer.h"
+#include "Tests/Support/ProviderNetwork.h"
+#include "Tests/Support/TLSServer.h"
 #include "Tests/Support/linux/MainLoop.h"
-#include "Tests/Support/linux/ProviderNetwork.h"
-#include "Tests/Support/linux/TLSServer.h"
 
 #include <gtest/gtest.h>
 #include <webkit/webkit.h>

@@ -1,4 +1,4 @@
-#include "Tests/Support/linux/TLSServer.h"
+#include "Tests/Support/TLSServer.h"
 
 #include "Platform/AppKit/linux/GObjectPtr.h"
 
