@@ -2,8 +2,8 @@
 
 #include "KeyloftCore/AuthSession.h"
 #include "Tests/Support/HTTPServer.h"
-#include "Tests/Support/StandardError.h"
 #include "Tests/Support/ProviderNetwork.h"
+#include "Tests/Support/StandardError.h"
 #include "Tests/Support/TLSServer.h"
 
 #include <gtest/gtest.h>
