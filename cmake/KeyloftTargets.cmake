@@ -41,22 +41,29 @@ function(keyloft_library name alias)
   target_compile_features(${name} PUBLIC cxx_std_23)
 endfunction()
 
-# keyloft_test(NAME SOURCES … LINK …)
+# keyloft_test(NAME [DISPLAY | PROVIDER_NETWORK] [TIMEOUT seconds] SOURCES … LINK …)
 #
-# A GoogleTest program; each of its tests is a CTest test of its own, run in its own process.
+# A GoogleTest program; each of its tests is a CTest test of its own, run in its own process. DISPLAY gives it a display
+# session, PROVIDER_NETWORK a network with the identity provider's hosts besides.
 function(keyloft_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "DISPLAY" "" "SOURCES;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "DISPLAY;PROVIDER_NETWORK" "TIMEOUT" "SOURCES;LINK")
   add_executable(${name} ${arg_SOURCES})
   target_compile_definitions(${name} PRIVATE KEYLOFT_TEST_DATA="${PROJECT_SOURCE_DIR}/Tests")
   if(arg_DISPLAY)
     target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK} KeyloftDisplayTestMain GTest::gtest)
     set(kind display)
+  elseif(arg_PROVIDER_NETWORK)
+    target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK} KeyloftProviderNetworkTestMain GTest::gtest)
+    set(kind display)
   else()
     target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK} GTest::gtest GTest::gtest_main)
     set(kind plain)
   endif()
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
   include(GoogleTest)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${kind} TIMEOUT 120)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${kind} TIMEOUT ${arg_TIMEOUT})
 endfunction()
 
 # keyloft_benchmark(NAME SOURCES … LINK …)

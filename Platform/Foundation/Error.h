@@ -16,6 +16,7 @@ struct Error {
     static constexpr int urlCannotFindHost = -1003;
     static constexpr int urlCannotConnectToHost = -1004;
     static constexpr int urlNetworkConnectionLost = -1005;
+    static constexpr int urlSecureConnectionFailed = -1200;
     static constexpr int urlServerCertificateUntrusted = -1202;
 
     /// The domain of the web engine's own errors.

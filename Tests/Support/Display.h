@@ -6,16 +6,21 @@
 #include <string>
 #include <vector>
 
-/// What a test program linked to KeyloftDisplayTestMain can rely on, and ask for.
+/// What a program in a display session can rely on, and ask for; every test program linked to
+/// KeyloftDisplayTestMain is in one.
 ///
-/// Its main() starts a private X server (DISPLAY; 1600 by 1200 pixels, 24 bits) and a private session bus
-/// (DBUS_SESSION_BUS_ADDRESS; nothing but the accessibility bus can be activated on it) before the first test
-/// and ends them after the last. HOME and every XDG directory lie in a fresh temporary directory that is
+/// The session has a private X server (DISPLAY; 1600 by 1200 pixels, 24 bits) and a private session bus
+/// (DBUS_SESSION_BUS_ADDRESS; nothing but the accessibility bus can be activated on it), which end with the
+/// program. HOME and every XDG directory lie in a fresh temporary directory that is
 /// removed at the end. The toolkit draws in software, and settings are kept in memory. Should the test
 /// program crash, its helpers end with it.
 ///
 /// Main thread only.
 namespace TestSupport {
+
+/// Begins the session, before the program uses the toolkit. Throws std::exception where a helper does not
+/// come up.
+void beginDisplaySession();
 
 /// Starts a window manager (openbox) on the private display unless that was done before, and returns once it
 /// manages windows. Without one, windows have no frame and the keyboard focus is not given to new windows.

@@ -31,21 +31,23 @@ inline bool writeFile(const char* path, const std::string& text) {
     return written;
 }
 
-/// A mount namespace of this process's own, as root or as the root of a user namespace of its own.
-inline bool enterPrivateMounts() {
-    if (unshare(CLONE_NEWNS) != 0) {
+} // namespace Detail
+
+/// A mount namespace of this process's own, and others beside it, in a user namespace of its own where the
+/// system wants one. The user's number stays as it is: whoever is spoken to outside sees the same one.
+inline bool enterNamespaces(int others = 0) {
+    const int kinds = CLONE_NEWNS | others;
+    if (unshare(kinds) != 0) {
         const std::string user = std::to_string(getuid());
         const std::string group = std::to_string(getgid());
-        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0 || !writeFile("/proc/self/setgroups", "deny") ||
-            !writeFile("/proc/self/uid_map", "0 " + user + " 1") ||
-            !writeFile("/proc/self/gid_map", "0 " + group + " 1")) {
+        if (unshare(CLONE_NEWUSER | kinds) != 0 || !Detail::writeFile("/proc/self/setgroups", "deny") ||
+            !Detail::writeFile("/proc/self/uid_map", user + " " + user + " 1") ||
+            !Detail::writeFile("/proc/self/gid_map", group + " " + group + " 1")) {
             return false;
         }
     }
     return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
-
-} // namespace Detail
 
 /// Runs `body`, expectations and all, in a child process that may mount what nobody else sees. Full and
 /// read-only disks are the failures that stop root too.
@@ -55,7 +57,7 @@ inline PrivateMountsResult inPrivateMounts(const std::function<void()>& body) {
     std::fflush(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        if (!Detail::enterPrivateMounts()) {
+        if (!enterNamespaces()) {
             _exit(notAllowed);
         }
         body();

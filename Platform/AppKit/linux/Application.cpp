@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <span>
 #include <string>
 
@@ -28,6 +29,8 @@ std::vector<URL> urlsOf(std::span<char* const> arguments) {
     }
     return urls;
 }
+
+bool isMade = false;
 
 constexpr const char* themeVariable = "GTK_THEME";
 constexpr const char* emptyTheme = "Adwaita-empty";
@@ -71,9 +74,12 @@ Application& Application::shared() {
     return application;
 }
 
+bool Application::exists() { return isMade; }
+
 Application::Application()
     : native_(std::make_unique<Native>()) {
     assertMainThread("Application::shared");
+    isMade = true;
     chooseAcceleration();
     holdBackToolkitTheme();
     // What is handed over is text: as a command line it arrives untouched, where a list of files would be
@@ -132,7 +138,13 @@ int Application::Native::handleCommandLine(GApplication* /*application*/, GAppli
     return 0;
 }
 
-void Application::prepare() { g_application_register(G_APPLICATION(native_->gtk()), nullptr, nullptr); }
+void Application::prepare() {
+    // Nothing is handed over to such a program, and the browser may be running beside it.
+    auto* application = G_APPLICATION(native_->gtk());
+    g_application_set_flags(application, static_cast<GApplicationFlags>(g_application_get_flags(application) |
+                                                                        G_APPLICATION_NON_UNIQUE));
+    g_application_register(application, nullptr, nullptr);
+}
 
 void Application::wasStarted(const std::vector<URL>& urls) {
     const auto delegate = delegate_.lock();
@@ -144,9 +156,7 @@ void Application::wasStarted(const std::vector<URL>& urls) {
         native_->finishedLaunching = true;
         delegate->applicationDidFinishLaunching();
     } else if (urls.empty()) {
-        const bool visible = std::ranges::any_of(native_->hosts, [](const auto& host) {
-            return gtk_widget_get_visible(GTK_WIDGET(host->toplevel()));
-        });
+        const bool visible = !native_->visibleHosts().empty();
         if (delegate->applicationShouldHandleReopen(visible) && visible)
             native_->bringAllToFront();
     }
@@ -217,7 +227,7 @@ void Application::perform(Action action, const ActionSender& /*sender*/) {
         break;
     }
     case Action::hide:
-        for (const auto& host : native_->hosts)
+        for (const auto& host : native_->visibleHosts())
             gtk_window_minimize(host->toplevel());
         break;
     case Action::unhideAllApplications:
@@ -243,13 +253,22 @@ SavedFrames& Application::Native::savedFrames() {
     return *frames;
 }
 
+std::vector<std::shared_ptr<TabHost>> Application::Native::visibleHosts() const {
+    std::vector<std::shared_ptr<TabHost>> visible;
+    std::ranges::copy_if(hosts, std::back_inserter(visible), [](const auto& host) {
+        return gtk_widget_get_visible(GTK_WIDGET(host->toplevel()));
+    });
+    return visible;
+}
+
 std::shared_ptr<TabHost> Application::Native::frontHost() const {
-    const auto front = std::ranges::max_element(hosts, {}, &TabHost::lastUse);
-    return front == hosts.end() ? nullptr : *front;
+    const auto visible = visibleHosts();
+    const auto front = std::ranges::max_element(visible, {}, &TabHost::lastUse);
+    return front == visible.end() ? nullptr : *front;
 }
 
 void Application::Native::bringAllToFront() const {
-    auto byUse = hosts;
+    auto byUse = visibleHosts();
     std::ranges::sort(byUse, {}, &TabHost::lastUse);
     for (const auto& host : byUse)
         host->present();

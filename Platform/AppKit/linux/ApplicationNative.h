@@ -29,7 +29,9 @@ struct Application::Native {
     GtkApplication* gtk() const { return application.get(); }
     SavedFrames& savedFrames();
 
-    /// The top-level that was last worked in.
+    /// Those that are on the screen, minimised ones too; the others were ordered out.
+    std::vector<std::shared_ptr<TabHost>> visibleHosts() const;
+    /// The one of them that was last worked in.
     std::shared_ptr<TabHost> frontHost() const;
     /// Brings every top-level to the front, minimised ones too, in the order in which they were worked in.
     void bringAllToFront() const;

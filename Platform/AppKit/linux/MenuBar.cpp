@@ -235,7 +235,7 @@ void MenuBar::appendWindows(GMenu* model) {
     const std::string action = std::string(actionPrefix) + "." + windowAction;
     const auto section = GObjectPtr<GMenu>::adopt(g_menu_new());
     windows_.clear();
-    for (const auto& host : Application::shared().native().hosts) {
+    for (const auto& host : Application::shared().native().visibleHosts()) {
         for (const auto& window : host->windows()) {
             const auto index = static_cast<gint32>(windows_.size());
             if (window == mainWindow)

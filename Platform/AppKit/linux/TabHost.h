@@ -41,6 +41,8 @@ public:
 
     void selectNeighbour(int step);
     void present();
+    /// Takes the top-level off the screen; its pages stay as they are.
+    void orderOut();
 
     /// Gives the top-level the frame that is kept under `window`'s autosave name, or else one that fits its
     /// content size; before it is first presented.

@@ -92,6 +92,15 @@ void Window::setMinSize(Size size) {
     contentView_->setNeedsLayout();
 }
 
+void Window::setContentView(const std::shared_ptr<View>& view) {
+    assertMainThread("Window::setContentView");
+    contentView_->window_.reset();
+    contentView_ = view;
+    view->window_ = weak_from_this();
+    if (native_->page)
+        gtk_overlay_set_child(GTK_OVERLAY(native_->page.get()), view->native().widget.get());
+}
+
 void Window::addTabbedWindow(const std::shared_ptr<Window>& window) {
     assertMainThread("Window::addTabbedWindow");
     auto host = TabHost::of(*this);
@@ -120,6 +129,12 @@ void Window::makeKeyAndOrderFront() {
     Native::takeFocusBack(*this);
 }
 
+void Window::orderOut() {
+    assertMainThread("Window::orderOut");
+    if (const auto host = TabHost::of(*this))
+        host->orderOut();
+}
+
 bool Window::isVisible() const { return native_->page && gtk_widget_get_mapped(native_->page.get()); }
 
 void Window::makeFirstResponder(const std::shared_ptr<View>& view) {
@@ -134,7 +149,9 @@ std::shared_ptr<View> Window::firstResponder() const { return native_->firstResp
 void Window::close() {
     assertMainThread("Window::close");
     const auto keptAlive = shared_from_this();
-    if (const auto host = TabHost::of(*this))
+    if (!releasedWhenClosed_)
+        orderOut();
+    else if (const auto host = TabHost::of(*this))
         host->closePage(*this);
     else
         Native::willClose(*this);

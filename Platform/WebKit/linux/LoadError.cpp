@@ -44,7 +44,8 @@ Kind kindOf(const GError& error) {
     if (error.domain == G_RESOLVER_ERROR)
         return urlError(Error::urlCannotFindHost);
     if (error.domain == G_TLS_ERROR)
-        return urlError(Error::urlServerCertificateUntrusted);
+        return urlError(error.code == G_TLS_ERROR_BAD_CERTIFICATE ? Error::urlServerCertificateUntrusted
+                                                                  : Error::urlSecureConnectionFailed);
     if (error.domain == G_IO_ERROR)
         return kindOfInputOutputError(error);
     return {.domain = g_quark_to_string(error.domain), .code = error.code};

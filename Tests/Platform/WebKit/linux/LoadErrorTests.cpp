@@ -39,6 +39,7 @@ TEST(LoadError, hasTheDomainsAndCodesOfFoundationAndWebKit) {
     EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_PARTIAL_INPUT), url(-1005));
     EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_CONNECTION_CLOSED), url(-1005));
     EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE), url(-1202));
+    EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_NOT_TLS), url(-1200));
     EXPECT_EQ(mapped(WEBKIT_POLICY_ERROR, 101), std::pair(std::string("WebKitErrorDomain"), 101));
     EXPECT_EQ(mapped(WEBKIT_POLICY_ERROR, 102), std::pair(std::string("WebKitErrorDomain"), 102));
 }

@@ -1,4 +1,5 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
+#include "Tests/Support/linux/WebProcesses.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,0 +1,142 @@
+// What a sign-in leaves behind: nothing in the engine's stores and files, and of its secrets no more in the
+// log than the beginnings that the lines show.
+
+#include "Platform/WebKit/WebView.h"
+#include "Tests/KeyloftCore/linux/SignInTest.h"
+#include "Tests/Support/Display.h"
+#include "Tests/Support/Present.h"
+#include "Tests/Support/linux/MainLoop.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+using namespace KeyloftCore;
+using TestSupport::HTTPRequest;
+using TestSupport::HTTPResponse;
+using TestSupport::runUntil;
+
+namespace {
+
+class SignInSecrecyTest : public SignInTest {
+protected:
+    /// A page that keeps the marker as cookie and in its storage, and tells in its form, which goes to the
+    /// redirect URI, and in its title what was there before.
+    static auto keepingPage(const std::string& marker) {
+        return [marker](const HTTPRequest& request) {
+            const auto cookie = request.headers.find("cookie");
+            const std::string cookies = cookie == request.headers.end() ? "none" : cookie->second;
+            auto response = HTTPResponse::html(
+                "<!DOCTYPE html><form method=post action=" + std::string(callback) +
+                "><input name=cookies value='" + cookies +
+                "'><input name=stored></form><script>"
+                "const field = document.forms[0].stored; field.value = localStorage.kept; "
+                "localStorage.kept = 'stored-" +
+                marker +
+                "'; "
+                "document.title = document.forms[0].cookies.value + ' and ' + field.value</script>");
+            response.headers.emplace_back("Set-Cookie", "kept=cookie-" + marker + "; Max-Age=10000; Secure");
+            return response;
+        };
+    }
+
+    /// Whether a file of the user's directories holds the text, as bytes or in two bytes a character.
+    static bool isOnDisk(const std::string& text) {
+        std::string wide;
+        for (const char character : text)
+            wide.append({character, '\0'});
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(
+                 TestSupport::sessionDirectory(),
+                 std::filesystem::directory_options::skip_permission_denied)) {
+            std::error_code gone;
+            if (!entry.is_regular_file(gone))
+                continue;
+            std::ifstream file(entry.path(), std::ios::binary);
+            const std::string contents(std::istreambuf_iterator<char>(file), {});
+            if (contents.contains(text) || contents.contains(wide) || entry.path().string().contains(text))
+                return true;
+        }
+        return false;
+    }
+
+    /// What is told, without the lines that show the beginning of a URL.
+    std::string textWithoutURLs() const {
+        std::string rest;
+        std::istringstream text(standardError->text());
+        for (std::string line; std::getline(text, line);) {
+            if (!line.starts_with("nav ") && !line.starts_with("loading ") && !line.starts_with("didFinish "))
+                rest += line + "\n";
+        }
+        return rest;
+    }
+
+    void answerByForm() {
+        run("document.forms[0].requestSubmit()");
+        ASSERT_TRUE(waitForEnding());
+    }
+};
+
+} // namespace
+
+TEST_F(SignInSecrecyTest, nothingThatAPageKeepsOutlivesItsSession) {
+    server->route("/auth/authorize", keepingPage("of-a-session"));
+    showPage();
+    run("location.reload()");
+    ASSERT_TRUE(waitForTitle("kept=cookie-of-a-session and stored-of-a-session"));
+    answerByForm();
+    expectResult(ResponseMode::formPost,
+                 {{"cookies", "kept=cookie-of-a-session"}, {"stored", "stored-of-a-session"}});
+
+    const auto first = session;
+    for (const auto& previous : {first, std::shared_ptr<AuthSession>()}) {
+        SCOPED_TRACE(previous ? "beside the first session" : "after it");
+        results.clear();
+        standardError.emplace();
+        showPage();
+        answerByForm();
+        expectResult(ResponseMode::formPost, {{"cookies", "none"}, {"stored", "undefined"}});
+    }
+
+    session.reset();
+    const auto browser = Platform::WebView::create(Platform::WebViewConfiguration::create());
+    server->route("/auth/authorize", keepingPage("of-the-browser"));
+    browser->load({.url = request(ResponseMode::formPost).url()});
+    EXPECT_TRUE(runUntil([&] { return browser->title() == "none and undefined"; }));
+    // The search finds what is there.
+    EXPECT_TRUE(runUntil([] { return isOnDisk("cookie-of-the-browser"); }));
+    EXPECT_TRUE(runUntil([] { return isOnDisk("stored-of-the-browser"); }));
+    EXPECT_FALSE(isOnDisk("cookie-of-a-session"));
+    EXPECT_FALSE(isOnDisk("stored-of-a-session"));
+}
+
+TEST_F(SignInSecrecyTest, ofAFormNoSecretIsToldInWhole) {
+    server->route("/auth/authorize",
+                  HTTPResponse::html("<!DOCTYPE html><title>Sign in</title><form method=post action=" +
+                                     std::string(callback) +
+                                     "><input name=code value=code-of-the-provider><input name=state value=" +
+                                     state + "><input name=id_token value=token.of.the.provider></form>"));
+    showPage();
+    answerByForm();
+    expectResult(ResponseMode::formPost,
+                 {{"code", "code-of-the-provider"}, {"state", state}, {"id_token", "token.of.the.provider"}});
+    const auto text = standardError->text();
+    EXPECT_TRUE(text.contains("code=code-of-…(20) state=state-of…(20)")) << "nothing was told";
+    for (const char* secret : {"code-of-the-provider", "token.of.the.provider", state})
+        EXPECT_FALSE(text.contains(secret)) << secret;
+}
+
+TEST_F(SignInSecrecyTest, ofAnAnswerInTheURLOnlyTheURLsBeginningsTell) {
+    server->route(
+        "/auth/authorize",
+        HTTPResponse::redirect(std::string(callback) + "?code=code-of-the-provider&state=" + state +
+                               "&id_token=token.of.the.provider.that.goes.on.beyond.all.that.is.shown"));
+    start(ResponseMode::query);
+    ASSERT_TRUE(waitForLine(redirectStopped));
+    const auto text = standardError->text();
+    EXPECT_FALSE(text.contains("token.of.the.provider.that.goes.on.beyond.all.that.is.shown"));
+    const auto rest = textWithoutURLs();
+    EXPECT_TRUE(rest.contains("code=code-of-…(20) state=state-of…(20)")) << "nothing was told";
+    for (const char* secret : {"code-of-the-provider", "token.of", state})
+        EXPECT_FALSE(rest.contains(secret)) << secret;
+}

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "KeyloftCore/AuthSession.h"
+#include "Tests/Support/HTTPServer.h"
+#include "Tests/Support/ProviderNetwork.h"
+#include "Tests/Support/StandardError.h"
+#include "Tests/Support/TLSServer.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Sign-ins with the real engine at the provider's true host name, where a server of the test's own answers
+/// for all hosts alike.
+class SignInTest : public testing::Test {
+public:
+    SignInTest(const SignInTest&) = delete;
+    SignInTest& operator=(const SignInTest&) = delete;
+    ~SignInTest() override = default;
+
+protected:
+    using Lines = std::vector<std::string>;
+    using Params = std::map<std::string, std::string>;
+
+    static constexpr auto callback = "https://client.example/callback";
+    static constexpr auto initiator = "https://client.example";
+    static constexpr auto state = "state-of-the-request";
+
+    SignInTest() = default;
+    void SetUp() override;
+    void TearDown() override;
+
+    /// The URL that is asked for; its secrets stand behind everything that log lines show of it.
+    static std::string authorizeURL(KeyloftCore::ResponseMode mode);
+    static KeyloftCore::AuthorizeRequest request(KeyloftCore::ResponseMode mode);
+
+    /// Makes a session whose endings go to `results`.
+    std::shared_ptr<KeyloftCore::AuthSession>
+    makeSession(KeyloftCore::ResponseMode mode = KeyloftCore::ResponseMode::formPost,
+                const std::optional<std::string>& initiatorOrigin = std::nullopt);
+    /// Makes `session` and starts it.
+    void start(KeyloftCore::ResponseMode mode = KeyloftCore::ResponseMode::formPost,
+               const std::optional<std::string>& initiatorOrigin = std::nullopt);
+    /// The same, and waits until the provider's page is there.
+    void showPage(KeyloftCore::ResponseMode mode = KeyloftCore::ResponseMode::formPost,
+                  const std::optional<std::string>& initiatorOrigin = std::nullopt);
+
+    const std::shared_ptr<Platform::WebView>& webView() const;
+    const std::shared_ptr<Platform::Window>& window() const;
+
+    /// Runs a script in the session's page and does not wait.
+    void run(const std::string& script) const;
+
+    [[nodiscard]] bool waitForEnding() const;
+    [[nodiscard]] bool waitForLine(const std::string& line) const;
+    [[nodiscard]] bool waitForTitle(const std::string& title) const;
+
+    /// What sessions told on standard error.
+    Lines lines() const;
+    /// Expects exactly these lines, of which the last may still be on its way.
+    void expectLines(const Lines& expected) const;
+    /// The same, and that none follows.
+    void expectLinesOnceQuiet(const Lines& expected) const;
+
+    /// The lines of a session that shows the provider's page.
+    static Lines linesOfPage(KeyloftCore::ResponseMode mode,
+                             const std::optional<std::string>& initiatorOrigin = std::nullopt);
+    static std::string navigation(std::string_view method, std::string_view url, int type = -1);
+    static std::string finished(std::string_view url);
+    /// What follows when a redirect was stopped.
+    static constexpr auto redirectStopped = "didFailProvisional WebKitErrorDomain 102 Frame load interrupted";
+
+    /// Expects one ending, with these parameters for the request of this mode.
+    void expectResult(KeyloftCore::ResponseMode mode, const Params& params) const;
+    /// Expects one ending, with this error.
+    void expectError(const KeyloftCore::HostError& error) const;
+
+    std::optional<TestSupport::HTTPServer> server;
+    std::optional<TestSupport::TLSServer> tls;
+    std::shared_ptr<KeyloftCore::AuthSession> session;
+    std::vector<KeyloftCore::AuthSession::Result> results;
+    std::optional<TestSupport::StandardError> standardError;
+};

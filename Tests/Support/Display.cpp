@@ -1,0 +1,381 @@
+#include "Tests/Support/Display.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace TestSupport {
+namespace {
+
+// How long a helper may take to come up on a machine under load.
+constexpr auto startLimit = std::chrono::seconds(30);
+
+[[noreturn]] void fail(const std::string& what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+class Descriptor {
+public:
+    Descriptor() = default;
+    explicit Descriptor(int value)
+        : value_(value) {}
+    Descriptor(Descriptor&& other) noexcept
+        : value_(std::exchange(other.value_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(value_, other.value_);
+        return *this;
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { reset(); }
+
+    [[nodiscard]] int get() const { return value_; }
+    void reset() {
+        if (value_ >= 0) {
+            ::close(std::exchange(value_, -1));
+        }
+    }
+
+private:
+    int value_ = -1;
+};
+
+struct Pipe {
+    Descriptor readEnd;
+    Descriptor writeEnd;
+
+    Pipe() {
+        std::array<int, 2> ends{};
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+            fail("pipe2");
+        }
+        readEnd = Descriptor(ends[0]);
+        writeEnd = Descriptor(ends[1]);
+    }
+};
+
+/// Waits until one of the descriptors is readable or closed at the other end; false when the time is up.
+template <std::size_t count>
+bool waitForAny(std::array<pollfd, count>& descriptors) {
+    const auto deadline = std::chrono::steady_clock::now() + startLimit;
+    while (true) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0) {
+            return false;
+        }
+        const int ready = ::poll(descriptors.data(), descriptors.size(), static_cast<int>(left.count()));
+        if (ready > 0) {
+            return true;
+        }
+        if (ready < 0 && errno != EINTR) {
+            std::perror("poll");
+            std::abort();
+        }
+    }
+}
+
+/// Where an object was made. A process that a test forks and that exits in the ordinary way destroys copies
+/// of its parent's objects, and must leave alone what they stand for.
+class Maker {
+public:
+    [[nodiscard]] bool isThisProcess() const { return ::getpid() == process_; }
+
+private:
+    pid_t process_ = ::getpid();
+};
+
+/// A helper process that ends with this object, or with this process should that come first.
+class Child {
+public:
+    /// `output`, where given, becomes the child's standard output.
+    Child(std::string name, const std::vector<std::string>& arguments, int output = -1)
+        : name_(std::move(name)) {
+        // Everything the child needs is made before the fork: a test may have started threads by now, and
+        // between fork and exec the child may then neither allocate nor take a lock.
+        std::vector<std::string> texts = arguments;
+        std::vector<char*> argv;
+        argv.reserve(texts.size() + 1);
+        for (std::string& text : texts) {
+            argv.push_back(text.data());
+        }
+        argv.push_back(nullptr);
+
+        const pid_t parent = ::getpid();
+        process_ = ::fork();
+        if (process_ < 0) {
+            fail("fork");
+        }
+        if (process_ == 0) {
+            // The parent may have died before the request reached the kernel; then nobody would end this
+            // process.
+            if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || ::getppid() != parent) {
+                ::_exit(126);
+            }
+            // Whatever the test program blocks or ignores, its helpers can be ended.
+            ::signal(SIGTERM, SIG_DFL);
+            sigset_t none;
+            ::sigemptyset(&none);
+            ::sigprocmask(SIG_SETMASK, &none, nullptr);
+            if (output >= 0) {
+                ::dup2(output, STDOUT_FILENO);
+            }
+            ::execvp(argv[0], argv.data());
+            ::_exit(127);
+        }
+        ended_ = Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, process_, 0)));
+        if (ended_.get() < 0) {
+            const int error = errno;
+            stop();
+            errno = error;
+            fail("pidfd_open");
+        }
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() {
+        if (maker_.isThisProcess()) {
+            stop();
+        }
+    }
+
+    [[nodiscard]] pid_t process() const { return process_; }
+
+    /// The first line that comes from `source`. Throws when the child ends or the time is up before that.
+    std::string readLine(int source) const {
+        std::string line;
+        while (true) {
+            std::array<pollfd, 2> descriptors{{{.fd = source, .events = POLLIN, .revents = 0},
+                                               {.fd = ended_.get(), .events = POLLIN, .revents = 0}}};
+            if (!waitForAny(descriptors)) {
+                throw std::runtime_error(name_ + " did not come up in time");
+            }
+            if ((descriptors[0].revents & POLLIN) != 0) {
+                char character = 0;
+                const ssize_t size = ::read(source, &character, 1);
+                if (size == 1 && character == '\n') {
+                    return line;
+                }
+                if (size == 1) {
+                    line += character;
+                    continue;
+                }
+            }
+            if (descriptors[1].revents != 0 || (descriptors[0].revents & (POLLHUP | POLLERR)) != 0) {
+                throw std::runtime_error(name_ + " could not be started, or ended at once");
+            }
+        }
+    }
+
+private:
+    void stop() {
+        ::kill(process_, SIGTERM);
+        std::array<pollfd, 1> descriptors{{{.fd = ended_.get(), .events = POLLIN, .revents = 0}}};
+        if (ended_.get() < 0 || !waitForAny(descriptors)) {
+            ::kill(process_, SIGKILL);
+        }
+        while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+
+    Maker maker_;
+    std::string name_;
+    pid_t process_ = -1;
+    Descriptor ended_;
+};
+
+class TemporaryDirectory {
+public:
+    TemporaryDirectory() {
+        std::string pattern = std::filesystem::temp_directory_path() / "keyloft-test-XXXXXX";
+        if (::mkdtemp(pattern.data()) == nullptr) {
+            fail("mkdtemp " + pattern);
+        }
+        path_ = pattern;
+    }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+    ~TemporaryDirectory() {
+        if (!maker_.isThisProcess()) {
+            return;
+        }
+        // What the tests started may still be writing its last files while it ends.
+        std::error_code error;
+        for (int attempt = 0; attempt < 10; ++attempt) {
+            std::filesystem::remove_all(path_, error);
+            if (!error) {
+                return;
+            }
+        }
+        std::fprintf(stderr, "%s could not be removed: %s\n", path_.c_str(), error.message().c_str());
+    }
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+private:
+    Maker maker_;
+    std::filesystem::path path_;
+};
+
+void setVariable(const char* name, const std::string& value) {
+    if (::setenv(name, value.c_str(), 1) != 0) {
+        fail("setenv");
+    }
+}
+
+class Session {
+public:
+    Session() {
+        setEnvironment();
+        startDisplay();
+        startBus();
+    }
+
+    void startWindowManager() {
+        if (windowManager_) {
+            return;
+        }
+        // openbox runs the startup command once it manages the display.
+        const std::filesystem::path ready = directory_.path() / "window-manager-ready";
+        if (::mkfifo(ready.c_str(), 0600) != 0) {
+            fail("mkfifo");
+        }
+        // Opened for both, the queue does not report an end while nobody has it open for writing yet.
+        const Descriptor source(::open(ready.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+        if (source.get() < 0) {
+            fail("open " + ready.string());
+        }
+        windowManager_.emplace("openbox",
+                               std::vector<std::string>{"openbox", "--sm-disable", "--startup",
+                                                        "sh -c 'echo ready >\"" + ready.string() + "\"'"});
+        windowManager_->readLine(source.get());
+    }
+
+    [[nodiscard]] const std::filesystem::path& directory() const { return directory_.path(); }
+
+    [[nodiscard]] std::vector<pid_t> processes() const {
+        std::vector<pid_t> result;
+        for (const std::optional<Child>* child : {&display_, &bus_, &windowManager_}) {
+            if (*child) {
+                result.push_back((*child)->process());
+            }
+        }
+        return result;
+    }
+
+private:
+    std::filesystem::path makeDirectory(const char* name) {
+        std::filesystem::path path = directory_.path() / name;
+        std::filesystem::create_directory(path);
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+        return path;
+    }
+
+    void setEnvironment() {
+        setVariable("HOME", makeDirectory("home"));
+        setVariable("XDG_CONFIG_HOME", makeDirectory("config"));
+        setVariable("XDG_CACHE_HOME", makeDirectory("cache"));
+        setVariable("XDG_DATA_HOME", makeDirectory("data"));
+        setVariable("XDG_STATE_HOME", makeDirectory("state"));
+        setVariable("XDG_RUNTIME_DIR", makeDirectory("runtime"));
+        setVariable("LANG", "C.UTF-8");
+        setVariable("GDK_BACKEND", "x11");
+        setVariable("GSK_RENDERER", "cairo");
+        setVariable("WEBKIT_DISABLE_DMABUF_RENDERER", "1");
+        setVariable("LIBGL_ALWAYS_SOFTWARE", "1");
+        setVariable("GIO_USE_VFS", "local");
+        setVariable("GSETTINGS_BACKEND", "memory");
+        // Whatever these say concerns the session that the tests were started from.
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS",
+                                 "AT_SPI_BUS_ADDRESS", "NO_AT_BRIDGE", "LC_ALL", "LANGUAGE", "GTK_THEME"}) {
+            ::unsetenv(name);
+        }
+    }
+
+    void startDisplay() {
+        Pipe number;
+        display_.emplace("Xvfb",
+                         std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24",
+                                                  "-nolisten", "tcp", "-noreset"},
+                         number.writeEnd.get());
+        number.writeEnd.reset();
+        setVariable("DISPLAY", ":" + display_->readLine(number.readEnd.get()));
+    }
+
+    // The system's configuration would let the bus start whatever is installed: portals, settings daemons and
+    // key rings, which differ from machine to machine and outlive the test.
+    void startBus() {
+        const std::filesystem::path services = makeDirectory("services");
+        const std::filesystem::path accessibility = "/usr/share/dbus-1/services/org.a11y.Bus.service";
+        if (std::filesystem::exists(accessibility)) {
+            std::filesystem::copy_file(accessibility, services / accessibility.filename());
+        }
+        const std::filesystem::path configuration = directory_.path() / "session.conf";
+        std::ofstream(configuration)
+            << "<busconfig><type>session</type><listen>unix:path=" << (directory_.path() / "bus").string()
+            << "</listen><servicedir>" << services.string()
+            << "</servicedir><policy context=\"default\"><allow send_destination=\"*\" "
+               "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/></policy>"
+               "</busconfig>\n";
+        Pipe address;
+        bus_.emplace("dbus-daemon",
+                     std::vector<std::string>{"dbus-daemon", "--config-file=" + configuration.string(),
+                                              "--nofork", "--nopidfile", "--print-address=1"},
+                     address.writeEnd.get());
+        address.writeEnd.reset();
+        setVariable("DBUS_SESSION_BUS_ADDRESS", bus_->readLine(address.readEnd.get()));
+    }
+
+    // Ended from the last to the first; the directory goes when nobody uses it any more.
+    TemporaryDirectory directory_;
+    std::optional<Child> display_;
+    std::optional<Child> bus_;
+    std::optional<Child> windowManager_;
+};
+
+// Ended by its destructor after main(): what the toolkit and the engine do at exit still needs the display,
+// and since they are first used later than this, their exit handlers run earlier.
+std::optional<Session>& theSession() {
+    static std::optional<Session> session;
+    return session;
+}
+
+Session& runningSession() {
+    std::optional<Session>& session = theSession();
+    if (!session) {
+        std::fputs("The session is there only while tests run.\n", stderr);
+        std::abort();
+    }
+    return *session;
+}
+
+} // namespace
+
+void beginDisplaySession() { theSession().emplace(); }
+
+void startWindowManager() { runningSession().startWindowManager(); }
+
+const std::filesystem::path& sessionDirectory() { return runningSession().directory(); }
+
+std::vector<pid_t> sessionProcesses() { return runningSession().processes(); }
+
+} // namespace TestSupport
