@@ -9,7 +9,6 @@
 
 namespace Platform::Tests {
 
-using KeyloftTests::contentsOf;
 using KeyloftTests::namesIn;
 using KeyloftTests::writeContents;
 using TestSupport::runUntil;

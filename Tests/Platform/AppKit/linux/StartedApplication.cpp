@@ -9,8 +9,12 @@ namespace {
 /// Writes what it is told as lines to standard output. The URL "quit:" ends the program.
 class Delegate : public Platform::ApplicationDelegate {
 public:
-    void applicationWillFinishLaunching() override { std::cout << "will finish launching" << std::endl; }
-    void applicationDidFinishLaunching() override { std::cout << "did finish launching" << std::endl; }
+    void applicationWillFinishLaunching() override {
+        std::cout << "will finish launching" << '\n' << std::flush;
+    }
+    void applicationDidFinishLaunching() override {
+        std::cout << "did finish launching" << '\n' << std::flush;
+    }
     void applicationOpenURLs(const std::vector<Platform::URL>& urls) override {
         std::cout << "open " << urls.size() << '\n';
         for (const auto& url : urls) {
@@ -21,7 +25,7 @@ public:
         std::cout.flush();
     }
     bool applicationShouldHandleReopen(bool hasVisibleWindows) override {
-        std::cout << "reopen " << hasVisibleWindows << std::endl;
+        std::cout << "reopen " << hasVisibleWindows << '\n' << std::flush;
         return true;
     }
     bool applicationShouldTerminateAfterLastWindowClosed() override { return false; }
