@@ -10,13 +10,14 @@ namespace {
 
 constexpr int cardWidth = 380;
 constexpr int textHeight = 300;
+constexpr int textWidthInCharacters = 40;
 
 GtkWidget* makeLabel(const std::string& text, const char* cssClass) {
     GtkWidget* label = gtk_label_new(text.c_str());
     gtk_label_set_wrap(GTK_LABEL(label), TRUE);
     gtk_label_set_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
     gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), 40);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), textWidthInCharacters);
     gtk_widget_add_css_class(label, cssClass);
     return label;
 }
@@ -111,7 +112,11 @@ GtkWidget* Sheet::makeCard() {
     // However long the texts are, the buttons stay in reach.
     GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
     gtk_box_append(GTK_BOX(texts), makeLabel(alert_.messageText, "title-4"));
-    gtk_box_append(GTK_BOX(texts), makeLabel(alert_.informativeText, "body"));
+    GtkWidget* text = makeLabel(alert_.informativeText, "body");
+    // Free to choose, the toolkit lays a long text out again and again for seconds to find the width it
+    // likes.
+    gtk_label_set_width_chars(GTK_LABEL(text), textWidthInCharacters);
+    gtk_box_append(GTK_BOX(texts), text);
     GtkWidget* scroller = gtk_scrolled_window_new();
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
     gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scroller), TRUE);
