@@ -2,6 +2,8 @@
 #
 #   find_package(KeyloftCore COMPONENTS Relay)          target_link_libraries(… KeyloftCore::Relay)
 #   pkg-config --cflags --libs keyloftcore-relay
+#
+# and the same with AuthSession and keyloftcore-authsession, which bring the relay along.
 
 include(CMakePackageConfigHelpers)
 

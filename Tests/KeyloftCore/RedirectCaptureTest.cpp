@@ -1,5 +1,6 @@
 #include "KeyloftCore/RedirectCapture.h"
 
+#include "KeyloftCore/AuthSession.h"
 #include "Platform/Foundation/Base64.h"
 #include "Platform/Foundation/JSON.h"
 #include "Tests/Support/CapturedError.h"
@@ -326,6 +327,15 @@ TEST(FormHook, isTheScriptThatPagesAreGiven) {
         joined += (joined.empty() ? "" : "\n") + line;
     }
     EXPECT_EQ(SubmittedForm::hookScript, joined);
+}
+
+// The session without an application
+
+TEST(AuthSessionDeathTest, needsTheApplicationObject) {
+    const auto session = KeyloftCore::AuthSession::create(
+        {url("https://appleid.apple.com/auth/authorize?redirect_uri=https://a.example"), "nonce"},
+        [](const KeyloftCore::AuthSession::Result&) {});
+    EXPECT_DEATH(session->start(), "before there was an application object");
 }
 
 JSONValue message(std::string_view text) { return present(JSONValue::parse(text)); }

@@ -3,14 +3,7 @@
 #
 #   cmake -D BUILD=… -D SOURCE=… -D GENERATOR=… -D COMPILER=… -D CONFIG=… -P PackageTest.cmake
 
-function(run)
-  execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
-  if(NOT result EQUAL 0)
-    list(JOIN ARGV " " command)
-    message(FATAL_ERROR "${command}\n${result}\n${output}${errors}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/Run.cmake")
 
 function(expect_exchange program)
   run("${program}" "${SCRATCH}/relay.sock")
@@ -55,13 +48,5 @@ run("${COMPILER}" -std=c++23 -Wall -Wextra -Werror "${SOURCE}/consumer.cpp" -o "
 expect_exchange("${SCRATCH}/by-pkg-config")
 expect_no_toolkit("${SCRATCH}/by-pkg-config")
 
-# Every installed header stands on its own.
-file(GLOB_RECURSE headers RELATIVE "${SCRATCH}/prefix/include/keyloft" "${SCRATCH}/prefix/include/keyloft/*.h")
-if(NOT headers)
-  message(FATAL_ERROR "no headers were installed")
-endif()
-foreach(header IN LISTS headers)
-  run("${COMPILER}" -std=c++23 -Wall -Wextra -Werror -fsyntax-only -x c++ "-I${SCRATCH}/prefix/include/keyloft"
-    -include "${header}" /dev/null)
-endforeach()
+expect_headers_alone("${SCRATCH}/prefix/include/keyloft" "${COMPILER}")
 file(REMOVE_RECURSE "${SCRATCH}")

@@ -1,0 +1,20 @@
+# run(COMMAND…): its output is in `output`; its failure ends the script.
+function(run)
+  execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+  if(NOT result EQUAL 0)
+    list(JOIN ARGV " " command)
+    message(FATAL_ERROR "${command}\n${result}\n${output}${errors}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+# expect_headers_alone(FOLDER COMPILER): every installed header stands on its own.
+function(expect_headers_alone folder compiler)
+  file(GLOB_RECURSE headers RELATIVE "${folder}" "${folder}/*.h")
+  if(NOT headers)
+    message(FATAL_ERROR "no headers were installed")
+  endif()
+  foreach(header IN LISTS headers)
+    run("${compiler}" -std=c++23 -Wall -Wextra -Werror -fsyntax-only -x c++ "-I${folder}" -include "${header}" /dev/null)
+  endforeach()
+endfunction()
