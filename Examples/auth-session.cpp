@@ -14,6 +14,7 @@
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/URL.h"
 
+#include <expected>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -38,22 +39,27 @@ AuthorizeRequest requestFor(const std::string& text) {
     return {*url, RelayTarget::mintNonce()};
 }
 
-AuthResult signIn(const AuthorizeRequest& request, const std::optional<std::string>& initiatorOrigin) {
+AuthSession::Result signIn(const AuthorizeRequest& request,
+                           const std::optional<std::string>& initiatorOrigin) {
     Platform::Application::shared().prepare();
-    std::optional<AuthSession::Result> ending;
-    const auto session = AuthSession::create(request, [&ending](const AuthSession::Result& result) {
+    AuthSession::Result ending = std::unexpected(HostError::cancelled());
+    bool hasEnded = false;
+    const auto session = AuthSession::create(request, [&](const AuthSession::Result& result) {
         ending = result;
+        hasEnded = true;
         Platform::RunLoop::main().stop();
     });
     session->initiatorOrigin = initiatorOrigin;
     session->start();
-    if (!ending) {
+    if (!hasEnded) {
         Platform::RunLoop::main().run();
     }
-    if (!ending->has_value()) {
-        throw ending->error();
-    }
-    return **ending;
+    return ending;
+}
+
+int failed(const HostError& error) {
+    std::cerr << "auth-session: " << error.code() << ": " << error.message() << '\n';
+    return 1;
 }
 
 } // namespace
@@ -64,11 +70,13 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        const auto result = signIn(requestFor(argv[1]), argc == 3 ? std::optional(argv[2]) : std::nullopt);
-        std::cout << json(result) << '\n';
+        const auto ending = signIn(requestFor(argv[1]), argc == 3 ? std::optional(argv[2]) : std::nullopt);
+        if (!ending) {
+            return failed(ending.error());
+        }
+        std::cout << json(*ending) << '\n';
         return 0;
     } catch (const HostError& error) {
-        std::cerr << "auth-session: " << error.code() << ": " << error.message() << '\n';
-        return 1;
+        return failed(error);
     }
 }

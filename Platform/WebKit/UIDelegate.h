@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Platform {
 
@@ -32,12 +33,14 @@ public:
 
     virtual void runJavaScriptAlertPanel(WebView& /*webView*/, const std::string& /*message*/,
                                          const FrameInfo& /*frame*/, std::function<void()> completion) {
-        completion();
+        const auto answer = std::move(completion);
+        answer();
     }
 
     virtual void runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& /*message*/,
                                            const FrameInfo& /*frame*/, std::function<void(bool)> completion) {
-        completion(false);
+        const auto answer = std::move(completion);
+        answer(false);
     }
 };
 
