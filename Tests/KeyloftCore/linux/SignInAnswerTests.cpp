@@ -4,162 +4,148 @@
 #include "Tests/KeyloftCore/linux/SignInTest.h"
 #include "Tests/Support/NativeWindow.h"
 
-#include <algorithm>
+#include <functional>
 
 using KeyloftCore::ResponseMode;
-using TestSupport::HTTPRequest;
 using TestSupport::HTTPResponse;
-using TestSupport::HTTPServer;
 
 namespace {
 
-constexpr auto code = "c0123456789.provider's code";
-constexpr auto answerInURL = "code=c0123456789.provider+s+code&state=state-of-the-request";
+constexpr auto formCode = "c0123456789.provider's code";
+constexpr auto urlCode = "c0123456789.provider+s+code";
+/// Both, as the log shows them, and the request's state.
+constexpr auto shownValues = " code=c0123456…(27) state=state-of…(20)";
+
+/// Where the sign-in page goes on at the provider.
+constexpr auto next = "https://appleid.apple.com/auth/continue";
 
 /// A form whose one button fills the page and has the keyboard.
 std::string form(const std::string& action, const std::string& attributes = "") {
     return "<form method=post action='" + action + "' " + attributes +
-           "><input type=hidden name=code value=\"" + code +
+           "><input type=hidden name=code value=\"" + formCode +
            "\"><input type=hidden name=state value=state-of-the-request>"
            "<input type=hidden name=user value='{\"name\": \"Zoë\"}'>"
            "<button autofocus style='position: fixed; inset: 0; width: 100%; height: 100%'>Continue</button>"
            "</form>";
 }
 
-/// One way to answer.
-struct Answer {
-    std::string name;
-    ResponseMode mode = ResponseMode::formPost;
-    /// What the sign-in page holds.
-    std::string page;
-    /// What is at "/auth/continue".
-    HTTPResponse next;
-    /// What a script of the page does once it is there, or what a person does.
-    std::string script;
-    enum class Person { waits, clicks, pressesReturn } person = Person::waits;
-    std::map<std::string, std::string> params;
-    /// What is told between the page's begin and its end, and from there on.
-    std::vector<std::string> linesOfFrames;
-    std::vector<std::string> lines;
-};
+class SignInAnswerTest : public SignInTest {
+protected:
+    /// One way to answer.
+    struct Answer {
+        std::string name;
+        ResponseMode mode = ResponseMode::formPost;
+        /// What the sign-in page holds, and what is there where it goes on.
+        std::string page;
+        HTTPResponse continuation;
+        /// What the page or a person does once the page is there.
+        std::function<void()> act;
+        Params params;
+        /// What is told before the page has come in whole, and from the act on.
+        Lines linesOfFrames;
+        Lines lines;
+    };
 
-class SignInAnswerTest : public SignInTest, public testing::WithParamInterface<std::tuple<Answer, bool>> {
-public:
-    static std::vector<Answer> answers() {
-        const Params inURL{{"code", "c0123456789.provider+s+code"}, {"state", state}};
-        const Params inForm{{"code", code}, {"state", state}, {"user", "{\"name\": \"Zoë\"}"}};
-        const std::string next = "https://appleid.apple.com/auth/continue";
-        const std::string hooked = "form submit hooked → ";
-        const std::string keysOfForm = " keys=[\"code\", \"state\", \"user\"]";
-        const std::string missing = "POST body missing; using hooked form fields for ";
-        const std::string values = " code=c0123456…(27) state=state-of…(20)";
-        const std::string captured = "captured keys=[\"code\", \"state\"]" + values;
-        const std::string capturedForm = "captured keys=[\"code\", \"state\", \"user\"]" + values;
-        const Lines posted{hooked + callback + keysOfForm, navigation("POST", callback, 1),
-                           missing + callback, capturedForm};
-        const auto byForm = [&](const std::string& name, const std::string& script, Answer::Person person) {
-            return Answer{.name = name,
-                          .mode = ResponseMode::formPost,
-                          .page = form(callback),
-                          .next = {},
-                          .script = script,
-                          .person = person,
-                          .params = inForm,
-                          .linesOfFrames = {},
-                          .lines = posted};
+    std::function<void()> script(const std::string& text) const {
+        return [this, text] { run(text); };
+    }
+
+    static Lines linesOfPost() {
+        return {hooked(callback), navigation("POST", callback, 1),
+                std::string("POST body missing; using hooked form fields for ") + callback, capturedForm()};
+    }
+    static std::string hooked(const std::string& action) {
+        return "form submit hooked → " + action + R"( keys=["code", "state", "user"])";
+    }
+    static std::string capturedForm() {
+        return std::string(R"(captured keys=["code", "state", "user"])") + shownValues;
+    }
+
+    /// A form of the page itself that goes to the redirect URI.
+    Answer byForm(const std::string& name, std::function<void()> act) const {
+        return {.name = name,
+                .mode = ResponseMode::formPost,
+                .page = form(callback),
+                .continuation = {},
+                .act = std::move(act),
+                .params = formParams(),
+                .linesOfFrames = {},
+                .lines = linesOfPost()};
+    }
+
+    /// The same in a frame.
+    Answer byFrame(const std::string& name, const std::string& attributes) const {
+        auto answer = byForm(name, script("frames[0].document.forms[0].requestSubmit()"));
+        answer.page = "<iframe src=/auth/continue></iframe>";
+        answer.continuation = HTTPResponse::html(form(callback, attributes));
+        answer.linesOfFrames = {navigation("GET", next)};
+        return answer;
+    }
+
+    /// A form that goes to the provider, which passes it on as it is.
+    Answer byPassedOnForm() const {
+        auto answer = byForm("a form passed on by 307", script("document.forms[0].requestSubmit()"));
+        answer.page = form("/auth/continue");
+        answer.continuation = HTTPResponse::redirect(callback, 307);
+        answer.lines = {hooked(next),
+                        navigation("POST", next, 1),
+                        navigation("POST", callback, 1),
+                        std::string("POST body missing; using hooked form fields for ") + next,
+                        capturedForm(),
+                        redirectStopped};
+        return answer;
+    }
+
+    /// A redirect whose URL holds the parameters behind `separator`, after a step that is told of so.
+    Answer byRedirect(const std::string& name, ResponseMode mode, char separator, int status,
+                      const std::string& step, const Lines& linesOfStep, int type) const {
+        const auto location = std::string(callback) + separator + "code=" + urlCode + "&state=" + state;
+        auto lines = linesOfStep;
+        lines.push_back(navigation("GET", location, type));
+        lines.push_back(std::string(R"(captured keys=["code", "state"])") + shownValues);
+        lines.emplace_back(redirectStopped);
+        return {.name = name,
+                .mode = mode,
+                .page = form("/auth/continue"),
+                .continuation = HTTPResponse::redirect(location, status),
+                .act = script(step),
+                .params = {{"code", urlCode}, {"state", state}},
+                .linesOfFrames = {},
+                .lines = lines};
+    }
+
+    std::vector<Answer> answers() const {
+        constexpr auto submit = "document.forms[0].requestSubmit()";
+        constexpr auto go = "location.href = '/auth/continue'";
+        const Lines submitted{hooked(next), navigation("POST", next, 1)};
+        const Lines gone{navigation("GET", next)};
+        return {
+            byForm("a click", [this] { click(); }),
+            byForm("the Return key", [this] { pressReturn(); }),
+            byForm("requestSubmit()", script(submit)),
+            byForm("submit()", script("document.forms[0].submit()")),
+            byFrame("a form in a frame", ""),
+            byFrame("a frame's form for the whole window", "target=_top"),
+            byPassedOnForm(),
+            byRedirect("a query by 302", ResponseMode::query, '?', 302, go, gone, -1),
+            byRedirect("a query by 303", ResponseMode::query, '?', 303, submit, submitted, 1),
+            byRedirect("a fragment by 302", ResponseMode::fragment, '#', 302, go, gone, -1),
+            byRedirect("a fragment by 303", ResponseMode::fragment, '#', 303, submit, submitted, 1),
         };
-        std::vector<Answer> answers{byForm("a click", "", Answer::Person::clicks),
-                                    byForm("the Return key", "", Answer::Person::pressesReturn),
-                                    byForm("requestSubmit()", "document.forms[0].requestSubmit()", {}),
-                                    byForm("submit()", "document.forms[0].submit()", {})};
-
-        const std::string frame = "https://appleid.apple.com/auth/continue";
-        auto inFrame = byForm("a form in a frame", "frames[0].document.forms[0].requestSubmit()", {});
-        inFrame.page = "<iframe src=/auth/continue></iframe>";
-        inFrame.next = HTTPResponse::html(form(callback));
-        inFrame.linesOfFrames = {navigation("GET", frame)};
-        answers.push_back(inFrame);
-        auto fromFrame = inFrame;
-        fromFrame.name = "a frame's form for the whole window";
-        fromFrame.next = HTTPResponse::html(form(callback, "target=_top"));
-        answers.push_back(fromFrame);
-
-        answers.push_back(
-            {.name = "a form passed on by 307",
-             .mode = ResponseMode::formPost,
-             .page = form("/auth/continue"),
-             .next = HTTPResponse::redirect(callback, 307),
-             .script = "document.forms[0].requestSubmit()",
-             .person = {},
-             .params = inForm,
-             .linesOfFrames = {},
-             .lines = {hooked + next + keysOfForm, navigation("POST", next, 1),
-                       navigation("POST", callback, 1), missing + next, capturedForm, redirectStopped}});
-        answers.push_back(
-            {.name = "a query by 302",
-             .mode = ResponseMode::query,
-             .page = "<p>Sign in",
-             .next = HTTPResponse::redirect(std::string(callback) + "?" + answerInURL, 302),
-             .script = "location.href = '/auth/continue'",
-             .person = {},
-             .params = inURL,
-             .linesOfFrames = {},
-             .lines = {navigation("GET", next), navigation("GET", std::string(callback) + "?" + answerInURL),
-                       captured, redirectStopped}});
-        answers.push_back({.name = "a query by 303",
-                           .mode = ResponseMode::query,
-                           .page = form("/auth/continue"),
-                           .next = HTTPResponse::redirect(std::string(callback) + "?" + answerInURL, 303),
-                           .script = "document.forms[0].requestSubmit()",
-                           .person = {},
-                           .params = inURL,
-                           .linesOfFrames = {},
-                           .lines = {hooked + next + keysOfForm, navigation("POST", next, 1),
-                                     navigation("GET", std::string(callback) + "?" + answerInURL, 1),
-                                     captured, redirectStopped}});
-        answers.push_back(
-            {.name = "a fragment",
-             .mode = ResponseMode::fragment,
-             .page = "<p>Sign in",
-             .next = HTTPResponse::redirect(std::string(callback) + "#" + answerInURL, 302),
-             .script = "location.href = '/auth/continue'",
-             .person = {},
-             .params = inURL,
-             .linesOfFrames = {},
-             .lines = {navigation("GET", next), navigation("GET", std::string(callback) + "#" + answerInURL),
-                       captured, redirectStopped}});
-        return answers;
     }
 
-    void act(const Answer& answer) const {
-        switch (answer.person) {
-        case Answer::Person::waits:
-            run(answer.script);
-            break;
-        case Answer::Person::clicks:
-            TestSupport::activate(*window());
-            TestSupport::click(*webView());
-            break;
-        case Answer::Person::pressesReturn:
-            TestSupport::activate(*window());
-            TestSupport::pressKey("Return");
-            break;
-        }
-    }
-
-    /// Each answer is captured once, told of as it should be, and never loaded.
-    void expectAnswers(const std::optional<std::string>& origin) {
+    void expectAnswersAreCaptured(const std::optional<std::string>& origin) {
         for (const auto& answer : answers()) {
             SCOPED_TRACE(answer.name);
             results.clear();
             standardError.emplace();
             server->route("/auth/authorize",
                           HTTPResponse::html("<!DOCTYPE html><title>Sign in</title>" + answer.page));
-            server->route("/auth/continue", answer.next);
+            server->route("/auth/continue", answer.continuation);
             showPage(answer.mode, origin);
             EXPECT_TRUE(window()->isVisible());
 
-            act(answer);
+            answer.act();
             ASSERT_TRUE(waitForEnding());
             EXPECT_FALSE(window()->isVisible());
             auto expected = linesOfPage(answer.mode, origin);
@@ -173,10 +159,25 @@ public:
         }
         EXPECT_EQ(server->count("/callback"), 0U);
     }
+
+private:
+    static Params formParams() {
+        return {{"code", formCode}, {"state", state}, {"user", "{\"name\": \"Zoë\"}"}};
+    }
+
+    void click() const {
+        TestSupport::activate(*window());
+        TestSupport::click(*webView());
+    }
+
+    void pressReturn() const {
+        TestSupport::activate(*window());
+        TestSupport::pressKey("Return");
+    }
 };
 
 } // namespace
 
-TEST_F(SignInAnswerTest, isCapturedOnceAndNeverLoaded) { expectAnswers(std::nullopt); }
+TEST_F(SignInAnswerTest, isCapturedOnceAndNeverLoaded) { expectAnswersAreCaptured(std::nullopt); }
 
-TEST_F(SignInAnswerTest, toAnInitiatorIsCapturedOnceAndNeverLoaded) { expectAnswers(initiator); }
+TEST_F(SignInAnswerTest, toAnInitiatorIsCapturedOnceAndNeverLoaded) { expectAnswersAreCaptured(initiator); }

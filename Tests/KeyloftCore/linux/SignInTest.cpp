@@ -12,7 +12,6 @@
 #include <sstream>
 
 using namespace KeyloftCore;
-using TestSupport::HTTPResponse;
 using TestSupport::ProviderNetwork;
 using TestSupport::runUntil;
 
@@ -42,6 +41,11 @@ void SignInTest::SetUp() {
 }
 
 void SignInTest::TearDown() {
+    // One that has not ended would go on, and end in a test that is no more.
+    for (const auto& made : sessions_) {
+        if (const auto running = made.lock(); running && AuthSessionInspector::runCount(*running) > 0)
+            AuthSessionInspector::timeoutTimer(*running)->fire();
+    }
     session.reset();
     TestSupport::runPending();
 }
@@ -62,6 +66,7 @@ std::shared_ptr<AuthSession> SignInTest::makeSession(ResponseMode mode,
     auto made = AuthSession::create(request(mode),
                                     [this](const AuthSession::Result& result) { results.push_back(result); });
     made->initiatorOrigin = initiatorOrigin;
+    sessions_.push_back(made);
     return made;
 }
 

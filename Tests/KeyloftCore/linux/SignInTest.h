@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -85,4 +85,7 @@ protected:
     std::shared_ptr<KeyloftCore::AuthSession> session;
     std::vector<KeyloftCore::AuthSession::Result> results;
     std::optional<TestSupport::StandardError> standardError;
+
+private:
+    std::vector<std::weak_ptr<KeyloftCore::AuthSession>> sessions_;
 };
