@@ -5,6 +5,7 @@
 #include "Platform/AppKit/linux/Acceleration.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/Style.h"
+#include "Platform/AppKit/linux/TabDrag.h"
 #include "Platform/AppKit/linux/TabHost.h"
 
 #include <adwaita.h>
@@ -60,6 +61,7 @@ Application::Application()
                                       G_CALLBACK(+[](GApplication* /*application*/, gpointer /*data*/) {
                                           startLibadwaita();
                                           installStyle();
+                                          endTabDragsOnBareDesktop();
                                       }),
                                       nullptr);
 }
