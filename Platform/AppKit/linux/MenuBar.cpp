@@ -165,7 +165,8 @@ void MenuBar::connectPopovers() {
              child = gtk_widget_get_next_sibling(child)) {
             if (!GTK_IS_POPOVER(child))
                 continue;
-            connections_.emplace_back(child, "show", G_CALLBACK(+[](GtkWidget* popover, gpointer data) {
+            // Before the toolkit looks for an item to give the focus to.
+            connections_.emplace_back(child, "map", G_CALLBACK(+[](GtkWidget* popover, gpointer data) {
                                           auto* opened = static_cast<OpenMenu*>(data);
                                           opened->bar->rebuild(*opened);
                                           cutLongTexts(popover, greatestTextWidth(popover));

@@ -48,6 +48,7 @@ TabHost::TabHost()
     GtkWidget* newTab = gtk_button_new_from_icon_name("tab-new-symbolic");
     gtk_widget_add_css_class(newTab, "flat");
     gtk_widget_set_tooltip_text(newTab, "New Tab");
+    gtk_accessible_update_property(GTK_ACCESSIBLE(newTab), GTK_ACCESSIBLE_PROPERTY_LABEL, "New Tab", -1);
     connections_.emplace_back(newTab, "clicked", G_CALLBACK(newTabClicked), this);
     adw_tab_bar_set_end_action_widget(tabBar, newTab);
     adw_tab_bar_set_view(tabBar, tabView_);

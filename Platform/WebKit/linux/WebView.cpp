@@ -40,6 +40,16 @@ GObjectPtr<WebKitSettings> makeSettings() {
     return settings;
 }
 
+/// The engine looks up its key bindings in a text widget inside its view, which must not be where Tab leads
+/// from a page's last link: there the keyboard would be caught.
+void keepFocusFromInnerWidgets(GtkWidget* view) {
+    for (GtkWidget* child = gtk_widget_get_first_child(view); child;
+         child = gtk_widget_get_next_sibling(child)) {
+        if (GTK_IS_TEXT_VIEW(child))
+            gtk_widget_set_can_focus(child, FALSE);
+    }
+}
+
 GObjectPtr<WebKitWebView> makeWebKitView(WebViewConfiguration& configuration) {
     auto& native = configuration.native();
     const auto settings = makeSettings();
@@ -51,6 +61,7 @@ GObjectPtr<WebKitWebView> makeWebKitView(WebViewConfiguration& configuration) {
                : g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
                               networkSession(configuration.websiteDataStore()), "settings", settings.get(),
                               "user-content-manager", native.userContentManager.get(), nullptr);
+    keepFocusFromInnerWidgets(GTK_WIDGET(object));
     return GObjectPtr<WebKitWebView>::retain(WEBKIT_WEB_VIEW(object));
 }
 
