@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 
@@ -112,6 +113,9 @@ void TabHost::closePage(Window& window) {
 void TabHost::updateTitle(Window& window) {
     AdwTabPage* page = adw_tab_view_get_page(tabView_, Window::Native::pageOf(window));
     adw_tab_page_set_title(page, window.title().c_str());
+    const std::unique_ptr<char, decltype(&g_free)> toolTip(
+        g_markup_escape_text(toolTipText(window.title()).c_str(), -1), &g_free);
+    adw_tab_page_set_tooltip(page, toolTip.get());
     if (adw_tab_view_get_selected_page(tabView_) == page)
         gtk_window_set_title(toplevel(), window.title().c_str());
 }
