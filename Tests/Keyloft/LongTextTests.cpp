@@ -53,6 +53,15 @@ TEST_F(LongTextTest, aMenuIsAtMostHalfAsWideAsTheScreen) {
         EXPECT_EQ(delegate->bookmarksMenu()->items().at(i + 2)->title(), titles[i]);
 }
 
+TEST_F(LongTextTest, noMenuIsWiderWhateverTheTabsAreCalled) {
+    const auto first = launch();
+    const auto tab = openPage("/page", first);
+    first->window()->setTitle(rightToLeft);
+    tab->window()->setTitle(longTitle);
+    for (const char* title : {"Keyloft", "File", "Edit", "View", "History", "Bookmarks", "Window"})
+        EXPECT_LE(openedMenu(*tab->window(), title).width, TestSupport::screenSize().width / 2) << title;
+}
+
 TEST_F(LongTextTest, aMenuOfShortTextsIsAsWideAsTheyNeed) {
     const auto tab = launch();
     const auto menu = openedMenu(*tab->window(), "File");
