@@ -12,6 +12,8 @@ using TestSupport::runUntil;
 using TestSupport::shownText;
 using TestSupport::typeText;
 
+namespace {
+
 /// Where the keyboard is.
 enum class Focus { page, addressField, searchField };
 
@@ -28,6 +30,8 @@ void PrintTo(Focus focus, std::ostream* stream) {
         break;
     }
 }
+
+} // namespace
 
 /// Real keys, each with the focus in the page, in the address field and in the search field.
 class KeyEquivalentTest : public AppDelegateTest, public testing::WithParamInterface<Focus> {
