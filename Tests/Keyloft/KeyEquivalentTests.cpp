@@ -128,7 +128,7 @@ TEST_P(KeyEquivalentTest, everyKeyDoesWhatItsItemSays) {
         SCOPED_TRACE(key);
         ASSERT_TRUE(moveFocus(tab));
         pressKey(key);
-        ASSERT_TRUE(runUntil(isDone));
+        ASSERT_TRUE(runUntil([&isDone] { return isDone(); }));
         if (undo)
             undo();
     }
