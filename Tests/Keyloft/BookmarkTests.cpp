@@ -1,4 +1,4 @@
-#include "Tests/Keyloft/BrowserTest.h"
+#include "Tests/Keyloft/AppDelegateTest.h"
 
 #include <algorithm>
 
@@ -206,4 +206,19 @@ TEST_F(BookmarksTest, aButtonThatItsOwnClickTakesAwayIsSafe) {
     button.lock()->sendAction();
     EXPECT_TRUE(bookmarkButtons(*tab).empty());
     EXPECT_TRUE(runUntil([&] { return button.expired(); }));
+}
+
+using BookmarksMenuTest = AppDelegateTest;
+
+TEST_F(BookmarksMenuTest, isUpToDateEachTimeItOpens) {
+    const auto tab = launch();
+    const auto shownTitles = [&] { return TestSupport::openedMenu(*tab->window(), "Bookmarks").titles; };
+    EXPECT_EQ(shownTitles(), Titles{"Add Bookmark"});
+    delegate->bookmarks()->add({"One", url("https://one.test/")});
+    EXPECT_EQ(shownTitles(), (Titles{"Add Bookmark", "One"}));
+    ASSERT_TRUE(loadPage(tab, "/page"));
+    tab->toggleBookmark();
+    EXPECT_EQ(shownTitles(), (Titles{"Remove Bookmark", "One", "/page"}));
+    delegate->bookmarks()->remove(url("https://one.test/"));
+    EXPECT_EQ(shownTitles(), (Titles{"Remove Bookmark", "/page"}));
 }

@@ -1,5 +1,7 @@
 #include "Tests/Support/Display.h"
 
+#include "Tests/Support/Descriptor.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
@@ -24,6 +26,9 @@
 #include <utility>
 
 namespace TestSupport {
+
+using KeyloftTests::Descriptor;
+
 namespace {
 
 // How long a helper may take to come up on a machine under load.
@@ -32,32 +37,6 @@ constexpr auto startLimit = std::chrono::seconds(30);
 [[noreturn]] void fail(const std::string& what) {
     throw std::system_error(errno, std::generic_category(), what);
 }
-
-class Descriptor {
-public:
-    Descriptor() = default;
-    explicit Descriptor(int value)
-        : value_(value) {}
-    Descriptor(Descriptor&& other) noexcept
-        : value_(std::exchange(other.value_, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept {
-        std::swap(value_, other.value_);
-        return *this;
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { reset(); }
-
-    [[nodiscard]] int get() const { return value_; }
-    void reset() {
-        if (value_ >= 0) {
-            ::close(std::exchange(value_, -1));
-        }
-    }
-
-private:
-    int value_ = -1;
-};
 
 struct Pipe {
     Descriptor readEnd;
@@ -260,10 +239,8 @@ public:
             fail("mkfifo");
         }
         // Opened for both, the queue does not report an end while nobody has it open for writing yet.
-        const Descriptor source(::open(ready.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
-        if (source.get() < 0) {
-            fail("open " + ready.string());
-        }
+        const Descriptor source(::open(ready.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC),
+                                "open " + ready.string());
         windowManager_.emplace("openbox",
                                std::vector<std::string>{"openbox", "--sm-disable", "--startup",
                                                         "sh -c 'echo ready >\"" + ready.string() + "\"'"});

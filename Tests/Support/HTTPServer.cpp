@@ -21,39 +21,12 @@
 
 namespace TestSupport {
 
+using KeyloftTests::Descriptor;
+
 namespace {
-
-class Descriptor {
-public:
-    Descriptor() = default;
-    explicit Descriptor(int value)
-        : value_(value) {
-        if (value_ < 0)
-            throw std::system_error(errno, std::generic_category(), "test server");
-    }
-    Descriptor(Descriptor&& other) noexcept
-        : value_(std::exchange(other.value_, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept {
-        std::swap(value_, other.value_);
-        return *this;
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (value_ >= 0)
-            ::close(value_);
-    }
-
-    int get() const { return value_; }
-
-private:
-    int value_ = -1;
-};
 
 /// Binds to a free port of loopback and returns it.
 int bindToLoopback(int descriptor) {
-    if (descriptor < 0)
-        throw std::system_error(errno, std::generic_category(), "test server's socket");
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -151,8 +124,8 @@ HTTPResponse HTTPResponse::redirect(const std::string& location, int status) {
 class HTTPServer::Implementation {
 public:
     Implementation()
-        : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
-        , wakeUp_(::eventfd(0, EFD_CLOEXEC)) {
+        : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "test server's socket")
+        , wakeUp_(::eventfd(0, EFD_CLOEXEC), "test server's event") {
         port_ = bindToLoopback(listener_.get());
         if (::listen(listener_.get(), SOMAXCONN) != 0)
             throw std::system_error(errno, std::generic_category(), "test server");
@@ -337,11 +310,9 @@ std::vector<HTTPRequest> HTTPServer::requests(const std::string& path) const {
 }
 
 HTTPServer::RefusedPort::RefusedPort()
-    : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "test server's socket") {
     // Bound, so that nobody else gets it, and not listened on.
-    port_ = bindToLoopback(descriptor_);
+    port_ = bindToLoopback(descriptor_.get());
 }
-
-HTTPServer::RefusedPort::~RefusedPort() { ::close(descriptor_); }
 
 } // namespace TestSupport

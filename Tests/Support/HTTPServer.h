@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Tests/Support/Descriptor.h"
+
 #include <cstddef>
 #include <functional>
 #include <map>
@@ -79,13 +81,10 @@ public:
     class RefusedPort {
     public:
         RefusedPort();
-        RefusedPort(const RefusedPort&) = delete;
-        RefusedPort& operator=(const RefusedPort&) = delete;
-        ~RefusedPort();
         int port() const { return port_; }
 
     private:
-        int descriptor_ = -1;
+        KeyloftTests::Descriptor descriptor_;
         int port_ = 0;
     };
 

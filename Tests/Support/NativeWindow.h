@@ -84,6 +84,44 @@ void pressKey(const std::string& key);
 void typeText(const std::string& text);
 void click(Platform::View& view);
 
+/// A point of the screen.
+struct ScreenPoint {
+    int x = 0;
+    int y = 0;
+
+    friend bool operator==(const ScreenPoint&, const ScreenPoint&) = default;
+};
+
+/// A place of the screen that no window of the usual size covers.
+inline constexpr ScreenPoint bareDesktop{.x = 1590, .y = 1190};
+
+/// Where the pointer takes hold of the window's tab, of the button on it, of the strip's new-tab button. The
+/// strip must be shown; a tab's button is once the tab is selected or the pointer over it.
+ScreenPoint tabOnScreen(Platform::Window& window);
+ScreenPoint tabCloseButtonOnScreen(Platform::Window& window);
+ScreenPoint newTabButtonOnScreen(Platform::Window& window);
+
+enum class PointerButton { primary = 1, middle = 2 };
+
+/// Moves the pointer there and clicks.
+void clickAt(ScreenPoint point, PointerButton button = PointerButton::primary);
+/// Takes hold at one place and lets go at the other, with the pauses and the steps of a hand.
+void drag(ScreenPoint from, ScreenPoint to);
+
+struct ShownMenu {
+    double width = 0;
+    /// What the items say in whole, without their keys.
+    std::vector<std::string> titles;
+    /// Whether a title is cut where it is drawn.
+    std::vector<bool> isCut;
+};
+
+/// Opens a menu of the menu bar, closes it, and returns what was to be seen meanwhile.
+ShownMenu openedMenu(Platform::Window& window, const std::string& title);
+
+/// The size of the screen.
+Platform::Size screenSize();
+
 /// Whether the keyboard goes to the view while its window is active and its tab selected.
 bool hasFocus(Platform::View& view);
 std::string selectedText(Platform::TextField& field);

@@ -5,6 +5,7 @@
 #include "Platform/AppKit/linux/Acceleration.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/Style.h"
+#include "Platform/AppKit/linux/TabDrag.h"
 #include "Platform/AppKit/linux/TabHost.h"
 #include "Platform/Foundation/DiagnosticLog.h"
 
@@ -91,6 +92,7 @@ Application::Application()
                                           forgetDeadBus(application);
                                           startLibadwaita();
                                           installStyle();
+                                          endTabDragsOnBareDesktop();
                                       }),
                                       nullptr);
 }

@@ -5,6 +5,7 @@
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/RunLoop.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstddef>
@@ -66,6 +67,34 @@ std::string menuLabel(const std::string& title) {
             label += '_';
     }
     return label;
+}
+
+/// The greatest width of a menu's text, in the toolkit's units of an average character. Two fifths of the
+/// screen leave the rest of one half for the margins and the keys.
+int greatestTextWidth(GtkWidget* widget) {
+    GdkDisplay* display = gtk_widget_get_display(widget);
+    GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gtk_widget_get_root(widget)));
+    GdkRectangle screen{};
+    gdk_monitor_get_geometry(gdk_display_get_monitor_at_surface(display, surface), &screen);
+    const std::unique_ptr<PangoFontMetrics, decltype(&pango_font_metrics_unref)> metrics(
+        pango_context_get_metrics(gtk_widget_get_pango_context(widget), nullptr, nullptr),
+        &pango_font_metrics_unref);
+    const int character = std::max(pango_font_metrics_get_approximate_char_width(metrics.get()),
+                                   pango_font_metrics_get_approximate_digit_width(metrics.get()));
+    return screen.width * 2 / 5 * PANGO_SCALE / std::max(character, PANGO_SCALE);
+}
+
+/// Has every text below `widget` that is too long cut in the middle where it is drawn.
+void cutLongTexts(GtkWidget* widget, int greatestWidth) {
+    for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
+         child = gtk_widget_get_next_sibling(child)) {
+        if (GTK_IS_LABEL(child)) {
+            gtk_label_set_ellipsize(GTK_LABEL(child), PANGO_ELLIPSIZE_MIDDLE);
+            gtk_label_set_max_width_chars(GTK_LABEL(child), greatestWidth);
+        } else {
+            cutLongTexts(child, greatestWidth);
+        }
+    }
 }
 
 void update(Menu& menu) {
@@ -154,10 +183,11 @@ void MenuBar::connectPopovers() {
              child = gtk_widget_get_next_sibling(child)) {
             if (!GTK_IS_POPOVER(child))
                 continue;
-            // Once it is shown, the first item has the focus already and must stay.
-            connections_.emplace_back(child, "map", G_CALLBACK(+[](GtkWidget* /*popover*/, gpointer data) {
+            // Before the toolkit looks for an item to give the focus to.
+            connections_.emplace_back(child, "map", G_CALLBACK(+[](GtkWidget* popover, gpointer data) {
                                           auto* opened = static_cast<OpenMenu*>(data);
                                           opened->bar->rebuild(*opened);
+                                          cutLongTexts(popover, greatestTextWidth(popover));
                                       }),
                                       menu->get());
             connections_.emplace_back(

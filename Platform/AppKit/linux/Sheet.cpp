@@ -12,10 +12,24 @@ constexpr int cardWidth = 380;
 constexpr int textHeight = 300;
 constexpr int textWidthInCharacters = 40;
 
+/// Whether a word is so long that to look for a place to break it at takes noticeable time, which grows with
+/// the square of its length.
+bool hasEndlessWord(const std::string& text) {
+    constexpr std::size_t endless = 500;
+    std::size_t begin = 0;
+    while (begin < text.size()) {
+        const std::size_t end = std::min(text.find_first_of(" \n", begin), text.size());
+        if (end - begin > endless)
+            return true;
+        begin = end + 1;
+    }
+    return false;
+}
+
 GtkWidget* makeLabel(const std::string& text, const char* cssClass) {
     GtkWidget* label = gtk_label_new(text.c_str());
     gtk_label_set_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+    gtk_label_set_wrap_mode(GTK_LABEL(label), hasEndlessWord(text) ? PANGO_WRAP_CHAR : PANGO_WRAP_WORD_CHAR);
     gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
     gtk_label_set_max_width_chars(GTK_LABEL(label), textWidthInCharacters);
     gtk_widget_add_css_class(label, cssClass);

@@ -77,4 +77,16 @@ PangoAttrList* fontAttributes(double points) {
     return list.get();
 }
 
+std::string toolTipText(const std::string& text) {
+    constexpr glong kept = 400; // of each end, in characters
+    const glong length = g_utf8_strlen(text.c_str(), -1);
+    if (length <= 2 * kept)
+        return text;
+    const char* begin = text.c_str();
+    const auto offset = [begin](glong characters) {
+        return static_cast<std::size_t>(g_utf8_offset_to_pointer(begin, characters) - begin);
+    };
+    return text.substr(0, offset(kept)) + "…" + text.substr(offset(length - kept));
+}
+
 } // namespace Platform

@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 
@@ -70,6 +71,7 @@ TabHost::TabHost()
     GtkWidget* newTab = gtk_button_new_from_icon_name("tab-new-symbolic");
     gtk_widget_add_css_class(newTab, "flat");
     gtk_widget_set_tooltip_text(newTab, "New Tab");
+    gtk_accessible_update_property(GTK_ACCESSIBLE(newTab), GTK_ACCESSIBLE_PROPERTY_LABEL, "New Tab", -1);
     connections_.emplace_back(newTab, "clicked", G_CALLBACK(newTabClicked), this);
     adw_tab_bar_set_end_action_widget(tabBar, newTab);
     adw_tab_bar_set_view(tabBar, tabView_);
@@ -143,6 +145,9 @@ void TabHost::closePage(Window& window) {
 void TabHost::updateTitle(Window& window) {
     AdwTabPage* page = adw_tab_view_get_page(tabView_, Window::Native::pageOf(window));
     adw_tab_page_set_title(page, window.title().c_str());
+    const std::unique_ptr<char, decltype(&g_free)> toolTip(
+        g_markup_escape_text(toolTipText(window.title()).c_str(), -1), &g_free);
+    adw_tab_page_set_tooltip(page, toolTip.get());
     if (adw_tab_view_get_selected_page(tabView_) == page)
         gtk_window_set_title(toplevel(), window.title().c_str());
 }

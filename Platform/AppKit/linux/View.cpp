@@ -3,6 +3,7 @@
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/Window.h"
 #include "Platform/AppKit/linux/ContainerWidget.h"
+#include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 
 #include <algorithm>
@@ -24,7 +25,7 @@ GtkWidget* widgetIfMade(const View& view) {
 }
 
 void applyToolTip(GtkWidget* widget, const std::string& toolTip) {
-    gtk_widget_set_tooltip_text(widget, toolTip.empty() ? nullptr : toolTip.c_str());
+    gtk_widget_set_tooltip_text(widget, toolTip.empty() ? nullptr : toolTipText(toolTip).c_str());
 }
 
 void applyAccessibilityLabel(GtkWidget* widget, const std::string& label) {

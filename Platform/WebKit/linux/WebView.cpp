@@ -42,6 +42,16 @@ GObjectPtr<WebKitSettings> makeSettings() {
     return settings;
 }
 
+/// The engine looks up its key bindings in a text widget inside its view, which must not be where Tab leads
+/// from a page's last link: there the keyboard would be caught.
+void keepFocusFromInnerWidgets(GtkWidget* view) {
+    for (GtkWidget* child = gtk_widget_get_first_child(view); child;
+         child = gtk_widget_get_next_sibling(child)) {
+        if (GTK_IS_TEXT_VIEW(child))
+            gtk_widget_set_can_focus(child, FALSE);
+    }
+}
+
 GObjectPtr<WebKitWebView> makeWebKitView(WebViewConfiguration& configuration) {
     const auto settings = makeSettings();
     auto* manager = configuration.userContentController()->native().manager.get();
@@ -55,6 +65,7 @@ GObjectPtr<WebKitWebView> makeWebKitView(WebViewConfiguration& configuration) {
         object = g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "settings",
                               settings.get(), "user-content-manager", manager, nullptr);
     }
+    keepFocusFromInnerWidgets(GTK_WIDGET(object));
     return GObjectPtr<WebKitWebView>::retain(WEBKIT_WEB_VIEW(object));
 }
 

@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <functional>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 // Last, as it defines macros by everyday names.
@@ -134,17 +135,40 @@ void runTool(const std::vector<std::string>& arguments) {
     EXPECT_EQ(g_subprocess_get_exit_status(tool.get()), 0) << arguments.front();
 }
 
-void clickWidget(GtkWidget* widget) {
+ScreenPoint middleOnScreen(GtkWidget* widget) {
     GtkNative* native = gtk_widget_get_native(widget);
     const auto bounds = boundsIn(widget, GTK_WIDGET(native));
     double surfaceX = 0;
     double surfaceY = 0;
     gtk_native_get_surface_transform(native, &surfaceX, &surfaceY);
-    const auto window = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
-    runTool({"mousemove", "--window", std::to_string(window),
-             std::to_string(static_cast<int>(surfaceX + bounds.x + (bounds.width / 2))),
-             std::to_string(static_cast<int>(surfaceY + bounds.y + (bounds.height / 2)))});
-    runTool({"click", "1"});
+    Display* display = gdk_x11_display_get_xdisplay(gtk_widget_get_display(widget));
+    int x = 0;
+    int y = 0;
+    ::Window child = 0;
+    XTranslateCoordinates(display, gdk_x11_surface_get_xid(gtk_native_get_surface(native)),
+                          DefaultRootWindow(display),
+                          static_cast<int>(surfaceX + bounds.x + (bounds.width / 2)),
+                          static_cast<int>(surfaceY + bounds.y + (bounds.height / 2)), &x, &y, &child);
+    return {.x = x, .y = y};
+}
+
+GtkWidget* tabOf(Platform::Window& window) {
+    AdwTabPage* page = adw_tab_view_get_page(hostOf(window).tabView(), pageOf(window));
+    GtkWidget* tab = find(tabStripOf(window), [page](GtkWidget* widget) {
+        if (std::string_view(G_OBJECT_TYPE_NAME(widget)) != "AdwTab")
+            return false;
+        AdwTabPage* shown = nullptr;
+        g_object_get(widget, "page", &shown, nullptr);
+        const auto held = GObjectPtr<AdwTabPage>::adopt(shown);
+        return shown == page;
+    });
+    if (tab == nullptr)
+        throw std::logic_error("the window has no tab in the strip");
+    return tab;
+}
+
+void movePointer(ScreenPoint point) {
+    runTool({"mousemove", std::to_string(point.x), std::to_string(point.y)});
 }
 
 GtkText* textOf(Platform::TextField& field) {
@@ -298,7 +322,82 @@ void pressKey(const std::string& key) { runTool({"key", key}); }
 
 void typeText(const std::string& text) { runTool({"type", "--delay", "2", text}); }
 
-void click(Platform::View& view) { clickWidget(widgetOf(view)); }
+void click(Platform::View& view) { clickAt(middleOnScreen(widgetOf(view))); }
+
+ScreenPoint tabOnScreen(Platform::Window& window) { return middleOnScreen(tabOf(window)); }
+
+ScreenPoint tabCloseButtonOnScreen(Platform::Window& window) {
+    GtkWidget* button = find(tabOf(window), [](GtkWidget* widget) {
+        return GTK_IS_BUTTON(widget) && gtk_widget_has_css_class(widget, "tab-close-button") == TRUE;
+    });
+    if (button == nullptr)
+        throw std::logic_error("the tab has no button");
+    return middleOnScreen(button);
+}
+
+ScreenPoint newTabButtonOnScreen(Platform::Window& window) {
+    return middleOnScreen(adw_tab_bar_get_end_action_widget(ADW_TAB_BAR(tabStripOf(window))));
+}
+
+void clickAt(ScreenPoint point, PointerButton button) {
+    movePointer(point);
+    runTool({"click", std::to_string(static_cast<int>(button))});
+}
+
+void drag(ScreenPoint from, ScreenPoint to) {
+    constexpr int steps = 25;
+    movePointer(from);
+    runTool({"mousedown", "1"});
+    for (int i = 1; i <= steps; ++i) {
+        movePointer(
+            {.x = from.x + ((to.x - from.x) * i / steps), .y = from.y + ((to.y - from.y) * i / steps)});
+        runPending();
+    }
+    // Whoever is under the pointer answers whether it takes what is dragged.
+    constexpr auto pause = std::chrono::milliseconds(200);
+    EXPECT_FALSE(runUntil([] { return false; }, pause));
+    runTool({"mouseup", "1"});
+}
+
+ShownMenu openedMenu(Platform::Window& window, const std::string& title) {
+    GtkWidget* item = find(toplevelOf(window), [&title](GtkWidget* widget) {
+        if (std::string_view(G_OBJECT_TYPE_NAME(widget)) != "GtkPopoverMenuBarItem")
+            return false;
+        GtkWidget* label = find(widget, [](GtkWidget* child) { return GTK_IS_LABEL(child); });
+        return gtk_label_get_text(GTK_LABEL(label)) == title;
+    });
+    if (item == nullptr)
+        throw std::logic_error("no menu " + title);
+    GtkWidget* popover = find(item, [](GtkWidget* widget) { return GTK_IS_POPOVER(widget); });
+    gtk_popover_popup(GTK_POPOVER(popover));
+    EXPECT_TRUE(runUntil(
+        [popover] { return gtk_widget_get_mapped(popover) == TRUE && gtk_widget_get_width(popover) > 0; },
+        limit));
+    waitForLayout(window);
+
+    ShownMenu menu;
+    menu.width = gtk_widget_get_width(popover);
+    walk(popover, [&menu](GtkWidget* widget) {
+        const bool isItem = std::string_view(G_OBJECT_TYPE_NAME(widget)) == "GtkModelButton";
+        if (isItem) {
+            GtkWidget* label = find(widget, [](GtkWidget* child) { return GTK_IS_LABEL(child); });
+            menu.titles.emplace_back(gtk_label_get_text(GTK_LABEL(label)));
+            menu.isCut.push_back(pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(label))) == TRUE);
+        }
+        return !isItem;
+    });
+    gtk_popover_popdown(GTK_POPOVER(popover));
+    runPending();
+    return menu;
+}
+
+Platform::Size screenSize() {
+    const auto monitor = GObjectPtr<GdkMonitor>::adopt(
+        GDK_MONITOR(g_list_model_get_item(gdk_display_get_monitors(gdk_display_get_default()), 0)));
+    GdkRectangle screen{};
+    gdk_monitor_get_geometry(monitor.get(), &screen);
+    return {.width = static_cast<double>(screen.width), .height = static_cast<double>(screen.height)};
+}
 
 bool hasFocus(Platform::View& view) {
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(toplevelOf(*view.window())));
@@ -342,7 +441,7 @@ void pressSheetButton(Platform::Window& window, const std::string& title) {
 void clickSheetButton(Platform::Window& window, const std::string& title) {
     waitForLayout(window);
     if (GtkWidget* button = sheetButton(window, title))
-        clickWidget(button);
+        clickAt(middleOnScreen(button));
 }
 
 Platform::Rect sheetButtonFrame(Platform::Window& window, const std::string& title) {

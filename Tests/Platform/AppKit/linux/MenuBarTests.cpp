@@ -78,6 +78,18 @@ protected:
         ASSERT_EQ(status, 0) << keys;
     }
 
+    /// A field that has the keyboard, in a window that a window manager made the active one.
+    std::shared_ptr<TextField> showActiveField() const {
+        TestSupport::startWindowManager();
+        auto field = TextField::create();
+        controller->window()->contentView()->addSubview(field);
+        show(controller->window());
+        field->selectText();
+        EXPECT_TRUE(
+            runUntil([&] { return gtk_window_is_active(TabHost::of(*controller->window())->toplevel()); }));
+        return field;
+    }
+
     std::shared_ptr<Menu> file = Menu::create("File");
     std::shared_ptr<Menu> made = Menu::create("Made");
     std::shared_ptr<Maker> maker = std::make_shared<Maker>();
@@ -128,28 +140,16 @@ TEST_F(MenuBarTest, anItemIsGreyWhenNobodyWouldPerformItOrItsTargetSaysSo) {
 }
 
 TEST_F(MenuBarTest, keysWorkBeforeTheirMenuWasEverOpened) {
-    TestSupport::startWindowManager();
     controller->recorder.answers = Action::toggleBookmark;
-    const auto field = TextField::create();
-    controller->window()->contentView()->addSubview(field);
-    show(controller->window());
-    field->selectText();
-    ASSERT_TRUE(
-        runUntil([&] { return gtk_window_is_active(TabHost::of(*controller->window())->toplevel()); }));
+    showActiveField();
     pressKeys("ctrl+d");
     EXPECT_TRUE(
         runUntil([&] { return controller->recorder.performed == std::vector{Action::toggleBookmark}; }));
 }
 
 TEST_F(MenuBarTest, theKeyOfADisabledItemDoesNothingAnywhere) {
-    TestSupport::startWindowManager();
     controller->recorder.valid = false;
-    const auto field = TextField::create();
-    controller->window()->contentView()->addSubview(field);
-    show(controller->window());
-    field->selectText();
-    ASSERT_TRUE(
-        runUntil([&] { return gtk_window_is_active(TabHost::of(*controller->window())->toplevel()); }));
+    const auto field = showActiveField();
     pressKeys("ctrl+d");
     pressKeys("x");
     ASSERT_TRUE(runUntil([&] { return field->stringValue() == "x"; }));

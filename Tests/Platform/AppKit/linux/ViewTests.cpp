@@ -117,6 +117,23 @@ TEST_F(ViewTest, showsATitleAsItStands) {
                  "_a <b>&amp;</b>");
 }
 
+TEST_F(ViewTest, aToolTipThatIsTooLongIsCutWhereItIsShown) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto button = Button::create("Go", {}, Action::reload);
+    window->contentView()->addSubview(button);
+    show(window);
+    const auto shown = [&] { return std::string(gtk_widget_get_tooltip_text(widgetOf(button))); };
+    const std::string longest(800, 'u');
+    button->setToolTip(longest);
+    EXPECT_EQ(shown(), longest);
+    const std::string tooLong = "begins " + std::string(10000, 'u') + " ends";
+    button->setToolTip(tooLong);
+    EXPECT_EQ(button->toolTip(), tooLong);
+    EXPECT_EQ(g_utf8_strlen(shown().c_str(), -1), 801);
+    EXPECT_TRUE(shown().starts_with("begins ")) << shown();
+    EXPECT_TRUE(shown().ends_with(" ends")) << shown();
+}
+
 TEST_F(ViewTest, aClickSendsTheActionToItsTarget) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
     const auto target = std::make_shared<Recorder>();

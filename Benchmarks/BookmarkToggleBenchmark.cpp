@@ -1,0 +1,171 @@
+#include "Keyloft/AppDelegate.h"
+#include "Platform/AppKit/Application.h"
+#include "Tests/Support/NativeWindow.h"
+#include "Tests/Support/Present.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/linux/MainLoop.h"
+
+#include <gtest/gtest.h>
+#include <time.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+// How long the main loop is kept from input by what a user does. The figures are for reading: a machine under
+// load may take any time, so nothing here fails on them.
+
+namespace {
+
+using Keyloft::AppDelegate;
+using KeyloftBrowserKit::Bookmark;
+using Platform::Application;
+using Platform::URL;
+using Tab = std::shared_ptr<Keyloft::BrowserWindowController>;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+constexpr int repetitions = 15;
+
+/// How long the main thread has been working: what it waited for the processor on a machine under load left
+/// out.
+Milliseconds workedSoFar() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+struct Turn {
+    Milliseconds elapsed{0};
+    Milliseconds worked{0};
+};
+
+/// The longest time without a look for input while `action` runs and what it leaves to be done is done.
+Turn longestTurn(const std::function<void()>& action) {
+    constexpr auto settling = std::chrono::milliseconds(400);
+    const auto begun = std::chrono::steady_clock::now();
+    auto turn = begun;
+    auto worked = workedSoFar();
+    Turn longest;
+    const auto endTurn = [&] {
+        const auto now = std::chrono::steady_clock::now();
+        const auto workedNow = workedSoFar();
+        longest.elapsed = std::max<Milliseconds>(longest.elapsed, now - turn);
+        longest.worked = std::max(longest.worked, workedNow - worked);
+        turn = now;
+        worked = workedNow;
+    };
+    action();
+    endTurn();
+    while (turn - begun < settling) {
+        g_main_context_iteration(nullptr, FALSE);
+        endTurn();
+    }
+    return longest;
+}
+
+double medianOf(const std::vector<Turn>& turns, Milliseconds Turn::* time, double& greatest) {
+    std::vector<double> times;
+    times.reserve(turns.size());
+    for (const Turn& turn : turns)
+        times.push_back((turn.*time).count());
+    std::ranges::sort(times);
+    greatest = times.back();
+    return times[times.size() / 2];
+}
+
+/// Prints the medians and the greatest of several measurements, and returns the median of the time worked.
+double report(const char* what, const std::vector<Turn>& turns) {
+    double greatestElapsed = 0;
+    double greatestWorked = 0;
+    const double elapsed = medianOf(turns, &Turn::elapsed, greatestElapsed);
+    const double worked = medianOf(turns, &Turn::worked, greatestWorked);
+    std::printf("%-46s elapsed %6.1f (at most %6.1f) ms, worked %6.1f (at most %6.1f) ms\n", what, elapsed,
+                greatestElapsed, worked, greatestWorked);
+    return worked;
+}
+
+/// The browser with so many bookmarks and tabs in one window, the last in front with a page in it.
+class Browser {
+public:
+    Browser(int bookmarkCount, int tabCount) {
+        std::vector<Bookmark> bookmarks;
+        for (int i = 0; i < bookmarkCount; ++i) {
+            const std::string number = std::to_string(i);
+            bookmarks.push_back({"A bookmark " + number,
+                                 KeyloftTests::present(URL::fromString("https://page.test/" + number))});
+        }
+        const std::filesystem::path file = AppDelegate::bookmarksFile().filePath();
+        std::filesystem::create_directories(file.parent_path());
+        KeyloftTests::writeContents(file, Bookmark::encode(bookmarks));
+
+        Application::shared().prepare();
+        delegate_ = AppDelegate::create();
+        Application::shared().setDelegate(delegate_);
+        delegate_->applicationWillFinishLaunching();
+        delegate_->applicationDidFinishLaunching();
+        for (int i = 1; i < tabCount; ++i) {
+            delegate_->openTab(std::nullopt, delegate_->frontBrowserWindow(), nullptr);
+            TestSupport::runPending();
+        }
+        TestSupport::activate(*tab()->window());
+        tab()->load(KeyloftTests::present(URL::fromString("data:text/html,<title>Page</title>")));
+        EXPECT_TRUE(TestSupport::runUntil([this] { return tab()->webView()->title() == "Page"; }));
+        TestSupport::waitForLayout(*tab()->window());
+    }
+    Browser(const Browser&) = delete;
+    Browser& operator=(const Browser&) = delete;
+    ~Browser() {
+        const auto tabs = delegate_->controllers();
+        for (const auto& tab : tabs)
+            tab->window()->close();
+        Application::shared().setMainMenu(nullptr);
+        TestSupport::runPending();
+    }
+
+    const Tab& tab() const { return delegate_->controllers().back(); }
+
+private:
+    std::shared_ptr<AppDelegate> delegate_;
+};
+
+double measureToggle(const char* what, int bookmarkCount, int tabCount) {
+    const Browser browser(bookmarkCount, tabCount);
+    std::vector<Turn> turns;
+    for (int i = 0; i < repetitions; ++i)
+        turns.push_back(longestTurn([&] { browser.tab()->toggleBookmark(); }));
+    return report(what, turns);
+}
+
+} // namespace
+
+TEST(BookmarkToggleBenchmark, toggling) {
+    const double floor = measureToggle("a bookmark toggled, no bookmarks in 1 tab", 0, 1);
+    const double full = measureToggle("a bookmark toggled, 300 bookmarks in 20 tabs", 300, 20);
+    std::printf("%-46s %.1f\n", "ratio", full / floor);
+}
+
+TEST(BookmarkToggleBenchmark, changingTabs) {
+    const Browser browser(300, 20);
+    std::vector<Turn> turns;
+    for (int i = 0; i < repetitions; ++i) {
+        turns.push_back(longestTurn(
+            [&] { Application::shared().sendAction(Platform::Action::selectNextTab, nullptr, {}); }));
+    }
+    report("the next tab selected, 300 bookmarks in 20 tabs", turns);
+}
+
+TEST(BookmarkToggleBenchmark, typing) {
+    const Browser browser(300, 20);
+    browser.tab()->focusAddressBar();
+    std::vector<Turn> turns;
+    for (int i = 0; i < repetitions; ++i) {
+        turns.push_back(
+            longestTurn([] { g_spawn_command_line_async("xdotool type --delay 20 letters", nullptr); }));
+    }
+    report("letters typed, 300 bookmarks in 20 tabs", turns);
+}

@@ -1,0 +1,145 @@
+#include "Tests/Keyloft/AppDelegateTest.h"
+#include "Tests/Support/AccessibilityTree.h"
+
+#include <algorithm>
+
+using TestSupport::AccessibleObject;
+using TestSupport::accessibleObjects;
+using TestSupport::hasFocus;
+using TestSupport::pressKey;
+using TestSupport::runUntil;
+
+/// What somebody who does not see the screen, or uses no pointer, can tell and do.
+class AccessibilityTest : public AppDelegateTest {
+protected:
+    /// Whether exactly one object has the name, and that role.
+    static testing::AssertionResult isNamed(const std::string& name, const std::string& role) {
+        const auto named = accessibleObjects(name);
+        const bool isSo = named.size() == 1 && named[0].role == role;
+        return (isSo ? testing::AssertionSuccess() : testing::AssertionFailure())
+               << named.size() << " of the name " << name << (named.empty() ? "" : ", a " + named[0].role);
+    }
+
+    Tab launchActive() {
+        const auto tab = launch();
+        TestSupport::activate(*tab->window());
+        return tab;
+    }
+};
+
+TEST_F(AccessibilityTest, everyControlHasItsName) {
+    delegate->bookmarks()->add({"Kept", url("https://kept.test/")});
+    const auto tab = launch();
+    for (const char* name : {"Back", "Forward", "Reload", "Bookmark this page"})
+        EXPECT_TRUE(isNamed(name, "button"));
+    EXPECT_TRUE(isNamed("Address", "text box"));
+    EXPECT_TRUE(isNamed("Search DuckDuckGo", "search box"));
+    EXPECT_TRUE(isNamed("Bookmarks bar", "group"));
+    EXPECT_FALSE(accessibleObjects("Back").at(0).isEnabled);
+    EXPECT_TRUE(accessibleObjects("Reload").at(0).isEnabled);
+    EXPECT_TRUE(accessibleObjects("Address").at(0).isFocusable);
+}
+
+TEST_F(AccessibilityTest, theReloadButtonIsCalledStopWhileThePageLoads) {
+    server.route("/held", heldResponse());
+    const auto tab = launch();
+    tab->load(serverURL("/held"));
+    ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
+    EXPECT_TRUE(isNamed("Stop", "button"));
+    EXPECT_TRUE(accessibleObjects("Reload").empty());
+    EXPECT_EQ(tab->reloadButton()->toolTip(), "Reload");
+    server.release("/held");
+    ASSERT_TRUE(waitForTitle(tab, "held"));
+    EXPECT_TRUE(isNamed("Reload", "button"));
+    EXPECT_TRUE(accessibleObjects("Stop").empty());
+}
+
+TEST_F(AccessibilityTest, theBookmarkButtonSaysWhatItWillDo) {
+    const auto tab = launch();
+    ASSERT_TRUE(loadPage(tab, "/page"));
+    tab->toggleBookmark();
+    EXPECT_TRUE(isNamed("Remove bookmark", "button"));
+    EXPECT_TRUE(accessibleObjects("Bookmark this page").empty());
+    EXPECT_EQ(tab->bookmarkButton()->toolTip(), "Bookmark this page");
+    tab->toggleBookmark();
+    EXPECT_TRUE(isNamed("Bookmark this page", "button"));
+}
+
+TEST_F(AccessibilityTest, theTabStripsButtonHasAName) {
+    const auto first = launch();
+    openPage("/second", first);
+    const auto named = accessibleObjects("New Tab");
+    EXPECT_EQ(std::ranges::count(named, "button", &AccessibleObject::role), 1);
+}
+
+TEST_F(AccessibilityTest, aSheetIsAnAlertWithItsTextAndButtons) {
+    const auto tab = launchActive();
+    ASSERT_TRUE(loadPage(tab, "/page"));
+    TestSupport::runScript(*tab->webView(), "confirm('Sure?')");
+    ASSERT_TRUE(waitForSheet(tab));
+    const auto heading = accessibleObjects("127.0.0.1");
+    EXPECT_EQ(std::ranges::count(heading, "alert dialog", &AccessibleObject::role), 1);
+    EXPECT_TRUE(isNamed("Sure?", "label"));
+    for (const char* name : {"OK", "Cancel"})
+        EXPECT_EQ(std::ranges::count(accessibleObjects(name), "button", &AccessibleObject::role), 1) << name;
+    TestSupport::pressSheetButton(*tab->window(), "Cancel");
+}
+
+TEST_F(AccessibilityTest, tabAndShiftTabReachEveryControl) {
+    delegate->bookmarks()->add({"One", url("https://one.test/")});
+    delegate->bookmarks()->add({"Two", url("https://two.test/")});
+    const auto tab = launchActive();
+    ASSERT_TRUE(loadPage(tab, "/one"));
+    ASSERT_TRUE(loadPage(tab, "/two"));
+    tab->goBack();
+    ASSERT_TRUE(waitForTitle(tab, "/one"));
+    const auto bookmarks = bookmarkButtons(*tab);
+    const std::vector<std::shared_ptr<Platform::View>> order = {
+        tab->forwardButton(), tab->reloadButton(), tab->addressField(), tab->bookmarkButton(),
+        tab->searchField(),   bookmarks.at(0),     bookmarks.at(1),     tab->webView()};
+    tab->window()->makeFirstResponder(order.front());
+    ASSERT_TRUE(runUntil([&] { return hasFocus(*order.front()); }));
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        pressKey("Tab");
+        ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
+    }
+    // Out of a page in which nothing takes the keyboard.
+    pressKey("shift+Tab");
+    ASSERT_TRUE(runUntil([&] { return !hasFocus(*tab->webView()); }));
+    tab->window()->makeFirstResponder(order[order.size() - 2]);
+    for (std::size_t i = order.size() - 2; i-- > 0;) {
+        pressKey("shift+Tab");
+        ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
+    }
+}
+
+TEST_F(AccessibilityTest, spaceAndReturnPressAButton) {
+    server.route("/kept", TestSupport::HTTPResponse::page("kept"));
+    delegate->bookmarks()->add({"Kept", serverURL("/kept")});
+    const auto tab = launchActive();
+    ASSERT_TRUE(loadPage(tab, "/page"));
+    tab->window()->makeFirstResponder(tab->reloadButton());
+    ASSERT_TRUE(runUntil([&] { return hasFocus(*tab->reloadButton()); }));
+    pressKey("space");
+    ASSERT_TRUE(runUntil([&] { return server.count("/page") == 2 && !tab->webView()->isLoading(); }));
+    tab->window()->makeFirstResponder(bookmarkButtons(*tab).at(0));
+    pressKey("Return");
+    EXPECT_TRUE(waitForTitle(tab, "kept"));
+}
+
+TEST_F(AccessibilityTest, theMenuBarIsUsedByKeysAlone) {
+    const auto tab = launchActive();
+    // The next menu's first item, "New Tab".
+    pressKey("F10");
+    pressKey("Right");
+    pressKey("Return");
+    ASSERT_TRUE(runUntil([&] { return controllers().size() == 2; }));
+    // The item below it.
+    TestSupport::activate(*controllers()[1]->window());
+    controllers()[1]->window()->makeFirstResponder(controllers()[1]->searchField());
+    pressKey("F10");
+    pressKey("Right");
+    pressKey("Down");
+    pressKey("Return");
+    EXPECT_TRUE(runUntil([&] { return hasFocus(*controllers()[1]->addressField()); }));
+}

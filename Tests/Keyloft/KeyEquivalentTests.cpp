@@ -1,0 +1,233 @@
+#include "Platform/AppKit/Application.h"
+#include "Tests/Keyloft/AppDelegateTest.h"
+
+#include <functional>
+#include <ostream>
+
+using namespace Platform;
+using TestSupport::hasFocus;
+using TestSupport::HTTPResponse;
+using TestSupport::pressKey;
+using TestSupport::runUntil;
+using TestSupport::shownText;
+using TestSupport::typeText;
+
+namespace {
+
+/// Where the keyboard is.
+enum class Focus { page, addressField, searchField };
+
+void PrintTo(Focus focus, std::ostream* stream) {
+    switch (focus) {
+    case Focus::page:
+        *stream << "page";
+        break;
+    case Focus::addressField:
+        *stream << "addressField";
+        break;
+    case Focus::searchField:
+        *stream << "searchField";
+        break;
+    }
+}
+
+} // namespace
+
+/// Real keys, each with the focus in the page, in the address field and in the search field.
+class KeyEquivalentTest : public AppDelegateTest, public testing::WithParamInterface<Focus> {
+protected:
+    /// A page whose title is every key that reached it, and which has a field with the focus.
+    static HTTPResponse listeningPage() {
+        return HTTPResponse::html("<title>ready</title><input autofocus><script>let seen = ''\n"
+                                  "addEventListener('keydown', e => { if (e.key.length == 1) "
+                                  "document.title = seen += e.key })</script>");
+    }
+
+    Tab launchActive() {
+        const auto tab = launch();
+        TestSupport::activate(*tab->window());
+        return tab;
+    }
+
+    [[nodiscard]] static bool moveFocus(const Tab& tab) {
+        const std::shared_ptr<View> view = viewOf(tab);
+        if (GetParam() == Focus::page)
+            tab->window()->makeFirstResponder(view);
+        else
+            std::static_pointer_cast<TextField>(view)->selectText();
+        return runUntil([&] { return hasFocus(*view); });
+    }
+
+    static std::shared_ptr<View> viewOf(const Tab& tab) {
+        switch (GetParam()) {
+        case Focus::page:
+            return tab->webView();
+        case Focus::addressField:
+            return tab->addressField();
+        case Focus::searchField:
+            return tab->searchField();
+        }
+        return nullptr;
+    }
+
+    /// What was typed and reached whoever has the focus.
+    static std::string typed(const Tab& tab) {
+        if (GetParam() == Focus::page)
+            return tab->webView()->title().value_or("");
+        return shownText(*std::static_pointer_cast<TextField>(viewOf(tab)));
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(WithFocusIn, KeyEquivalentTest,
+                         testing::Values(Focus::page, Focus::addressField, Focus::searchField),
+                         testing::PrintToStringParamName());
+
+TEST_P(KeyEquivalentTest, everyKeyDoesWhatItsItemSays) {
+    const auto tab = launchActive();
+    ASSERT_TRUE(loadPage(tab, "/one"));
+    ASSERT_TRUE(loadPage(tab, "/two"));
+    Tab added;
+    struct Case {
+        const char* key;
+        std::function<bool()> isDone;
+        std::function<void()> undo = nullptr;
+    };
+    const std::vector<Case> cases = {
+        // Before the Bookmarks menu was ever opened.
+        {"ctrl+d", [&] { return tab->isBookmarked(); }},
+        {"ctrl+d", [&] { return !tab->isBookmarked(); }},
+        {"ctrl+r", [&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); }},
+        {"ctrl+bracketleft",
+         [&] { return tab->webView()->title() == "/one" && tab->webView()->canGoForward(); }},
+        {"ctrl+bracketright",
+         [&] { return tab->webView()->title() == "/two" && !tab->webView()->isLoading(); }},
+        {"ctrl+l",
+         [&] {
+             return hasFocus(*tab->addressField()) &&
+                    TestSupport::selectedText(*tab->addressField()) == server.url("/two");
+         }},
+        {"ctrl+t",
+         [&] {
+             if (controllers().size() != 2)
+                 return false;
+             added = controllers()[1];
+             return TestSupport::isSelectedTab(*added->window()) && hasFocus(*added->addressField());
+         },
+         [&] { tab->window()->makeKeyAndOrderFront(); }},
+        {"ctrl+shift+bracketright", [&] { return TestSupport::isSelectedTab(*added->window()); },
+         [&] { tab->window()->makeKeyAndOrderFront(); }},
+        {"ctrl+shift+bracketleft", [&] { return TestSupport::isSelectedTab(*added->window()); },
+         [&] { tab->window()->makeKeyAndOrderFront(); }},
+        {"ctrl+m", [&] { return !TestSupport::isActive(*tab->window()); },
+         [&] { TestSupport::activate(*tab->window()); }},
+        {"ctrl+h", [&] { return !TestSupport::isActive(*tab->window()); },
+         [&] { TestSupport::activate(*tab->window()); }},
+        {"ctrl+w", [&] { return controllers() == std::vector<Tab>{added}; }},
+    };
+    for (const auto& [key, isDone, undo] : cases) {
+        SCOPED_TRACE(key);
+        ASSERT_TRUE(moveFocus(tab));
+        pressKey(key);
+        ASSERT_TRUE(runUntil([&isDone] { return isDone(); }));
+        if (undo)
+            undo();
+    }
+}
+
+TEST_P(KeyEquivalentTest, theStopKeyStops) {
+    server.route("/endless", unfinishedPage("endless"));
+    const auto tab = launchActive();
+    tab->load(serverURL("/endless"));
+    ASSERT_TRUE(runUntil([&] { return tab->window()->title() == "endless"; }));
+    ASSERT_TRUE(moveFocus(tab));
+    pressKey("ctrl+period");
+    EXPECT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
+}
+
+TEST_P(KeyEquivalentTest, aDisabledKeyDoesNothing) {
+    server.route("/listening", listeningPage());
+    const auto tab = launchActive();
+    tab->load(serverURL("/listening"));
+    ASSERT_TRUE(waitForTitle(tab, "ready"));
+    ASSERT_TRUE(moveFocus(tab));
+    for (const char* key : {"ctrl+bracketleft", "ctrl+bracketright", "ctrl+period", "ctrl+alt+h",
+                            "ctrl+shift+bracketleft", "ctrl+shift+bracketright"})
+        pressKey(key);
+    typeText("x");
+    EXPECT_TRUE(runUntil([&] { return typed(tab) == "x"; })) << typed(tab);
+    EXPECT_TRUE(TestSupport::isActive(*tab->window()));
+    EXPECT_EQ(server.count("/listening"), 1U);
+    EXPECT_EQ(controllers(), std::vector<Tab>{tab});
+}
+
+TEST_P(KeyEquivalentTest, theEditingKeysEditWhatHasTheFocus) {
+    server.route("/",
+                 HTTPResponse::html("<title>ready</title><input autofocus oninput='document.title = value'>"
+                                    "<script>document.querySelector('input').focus()</script>"));
+    const auto tab = launchActive();
+    tab->load(serverURL("/"));
+    ASSERT_TRUE(waitForTitle(tab, "ready"));
+    ASSERT_TRUE(moveFocus(tab));
+    const auto expectText = [&](const std::string& text) {
+        EXPECT_TRUE(runUntil([&] { return typed(tab) == text; })) << typed(tab) << " for " << text;
+    };
+    typeText("ab");
+    expectText("ab");
+    pressKey("ctrl+a");
+    pressKey("ctrl+x");
+    expectText("");
+    pressKey("ctrl+v");
+    expectText("ab");
+    pressKey("ctrl+v");
+    expectText("abab");
+    pressKey("ctrl+a");
+    pressKey("ctrl+c");
+    pressKey("End");
+    pressKey("ctrl+v");
+    expectText("abababab");
+    // How much is taken back at once is the field's own affair.
+    pressKey("ctrl+z");
+    EXPECT_TRUE(runUntil([&] { return typed(tab) != "abababab"; }));
+    pressKey("ctrl+shift+z");
+    expectText("abababab");
+}
+
+/// Keys that a page takes for itself.
+class PageKeyTest : public AppDelegateTest {};
+
+TEST_F(PageKeyTest, thePageIsNotToldOfTheMenusKeys) {
+    server.route("/", HTTPResponse::html("<title>ready</title><script>addEventListener('keydown', e => {"
+                                         "if (e.key.length == 1) document.title += e.key })</script>"));
+    const auto tab = launch();
+    TestSupport::activate(*tab->window());
+    tab->load(serverURL("/"));
+    ASSERT_TRUE(waitForTitle(tab, "ready"));
+    ASSERT_TRUE(runUntil([&] { return hasFocus(*tab->webView()); }));
+    pressKey("ctrl+d");
+    ASSERT_TRUE(runUntil([&] { return tab->isBookmarked(); }));
+    typeText("x");
+    EXPECT_TRUE(runUntil([&] { return tab->webView()->title() == "readyx"; }));
+}
+
+TEST_F(PageKeyTest, keysOfOtherTabViewsGoToThePage) {
+    server.route(
+        "/", HTTPResponse::html("<title>ready</title><script>addEventListener('keydown', e => {"
+                                "if (e.key.length > 2 && e.key != 'Control') document.title += ' ' + e.key "
+                                "})</script>"));
+    const auto first = launch();
+    const auto second = openPage("/second", first);
+    TestSupport::activate(*second->window());
+    second->load(serverURL("/"));
+    ASSERT_TRUE(waitForTitle(second, "ready"));
+    ASSERT_TRUE(runUntil([&] { return hasFocus(*second->webView()); }));
+    for (const char* key : {"ctrl+Home", "ctrl+End", "ctrl+Prior", "ctrl+Next", "ctrl+shift+Prior"})
+        pressKey(key);
+    EXPECT_TRUE(runUntil([&] {
+        return second->webView()->title() == "ready Home End PageUp PageDown Shift PageUp";
+    })) << second->webView()->title().value_or("");
+    EXPECT_TRUE(TestSupport::isSelectedTab(*second->window()));
+    pressKey("ctrl+Tab");
+    EXPECT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*first->window()); }));
+    pressKey("ctrl+shift+Tab");
+    EXPECT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*second->window()); }));
+}

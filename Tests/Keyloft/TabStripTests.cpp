@@ -1,0 +1,109 @@
+#include "Tests/Keyloft/AppDelegateTest.h"
+
+using TestSupport::runUntil;
+using TestSupport::shareNativeWindow;
+using TestSupport::tabTitles;
+using Titles = std::vector<std::string>;
+
+/// Tabs under the pointer, with a window manager.
+class TabStripTest : public AppDelegateTest {
+protected:
+    /// Opens pages as tabs of one window that is in front, the last one selected.
+    std::vector<Tab> openTabs(const std::vector<std::string>& paths) {
+        std::vector<Tab> tabs;
+        for (const auto& path : paths)
+            tabs.push_back(openPage(path, tabs.empty() ? nullptr : tabs.back()));
+        TestSupport::activate(*tabs.back()->window());
+        waitForTabs(tabs.back());
+        return tabs;
+    }
+
+    /// Waits until the tab that was dragged is on the screen in another window than its old neighbour.
+    [[nodiscard]] static bool waitForOwnWindow(const Tab& tab, const Tab& neighbour) {
+        return runUntil([&] {
+            return tab->window()->isVisible() && !shareNativeWindow(*tab->window(), *neighbour->window());
+        });
+    }
+
+    /// Waits until the strip of a selected tab has stopped moving.
+    static void waitForTabs(const Tab& tab) {
+        TestSupport::ScreenPoint last;
+        EXPECT_TRUE(runUntil([&] {
+            TestSupport::waitForLayout(*tab->window());
+            const auto now = TestSupport::tabOnScreen(*tab->window());
+            return std::exchange(last, now) == now;
+        }));
+    }
+};
+
+TEST_F(TabStripTest, itsButtonOpensABlankTab) {
+    const auto tabs = openTabs({"/one", "/two"});
+    TestSupport::clickAt(TestSupport::newTabButtonOnScreen(*tabs[0]->window()));
+    ASSERT_TRUE(runUntil([&] { return controllers().size() == 3; }));
+    EXPECT_TRUE(controllers()[2]->isEmptyTab());
+    EXPECT_TRUE(runUntil([&] { return TestSupport::hasFocus(*controllers()[2]->addressField()); }));
+    EXPECT_EQ(tabTitles(*tabs[0]->window()), (Titles{"/one", "/two", "New Tab"}));
+}
+
+TEST_F(TabStripTest, aClickSelectsATabAndItsButtonClosesIt) {
+    const auto tabs = openTabs({"/one", "/two", "/three"});
+    TestSupport::clickAt(TestSupport::tabOnScreen(*tabs[0]->window()));
+    ASSERT_TRUE(runUntil([&] { return TestSupport::isSelectedTab(*tabs[0]->window()); }));
+    EXPECT_EQ(TestSupport::nativeTitle(*tabs[0]->window()), "/one");
+    TestSupport::clickAt(TestSupport::tabCloseButtonOnScreen(*tabs[0]->window()));
+    EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{tabs[1], tabs[2]}; }));
+    EXPECT_EQ(tabTitles(*tabs[1]->window()), (Titles{"/two", "/three"}));
+}
+
+TEST_F(TabStripTest, aMiddleClickClosesATabThatIsNotSelected) {
+    const auto tabs = openTabs({"/one", "/two", "/three"});
+    TestSupport::clickAt(TestSupport::tabOnScreen(*tabs[0]->window()), TestSupport::PointerButton::middle);
+    EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{tabs[1], tabs[2]}; }));
+    EXPECT_TRUE(TestSupport::isSelectedTab(*tabs[2]->window()));
+}
+
+TEST_F(TabStripTest, aTabIsDraggedToAnotherPlace) {
+    const auto tabs = openTabs({"/one", "/two", "/three"});
+    TestSupport::drag(TestSupport::tabOnScreen(*tabs[0]->window()),
+                      TestSupport::tabOnScreen(*tabs[2]->window()));
+    EXPECT_TRUE(runUntil([&] { return tabTitles(*tabs[0]->window()) == Titles{"/two", "/three", "/one"}; }));
+    EXPECT_TRUE(TestSupport::isSelectedTab(*tabs[0]->window()));
+    EXPECT_EQ(controllers(), tabs);
+}
+
+TEST_F(TabStripTest, aTabIsDraggedOutIntoAWindowOfItsOwnAndBack) {
+    const auto tabs = openTabs({"/one", "/two", "/three"});
+    const auto loaded = server.count("/three");
+    TestSupport::drag(TestSupport::tabOnScreen(*tabs[2]->window()), TestSupport::bareDesktop);
+    ASSERT_TRUE(waitForOwnWindow(tabs[2], tabs[0]));
+    EXPECT_EQ(tabTitles(*tabs[2]->window()), Titles{"/three"});
+    EXPECT_EQ(tabTitles(*tabs[0]->window()), (Titles{"/one", "/two"}));
+    EXPECT_EQ(TestSupport::nativeTitle(*tabs[2]->window()), "/three");
+
+    // A tab alone in its window has no strip to be dragged by.
+    const auto beside = openPage("/beside", tabs[2]);
+    TestSupport::activate(*beside->window());
+    waitForTabs(beside);
+    TestSupport::drag(TestSupport::tabOnScreen(*tabs[2]->window()),
+                      TestSupport::tabOnScreen(*tabs[1]->window()));
+    ASSERT_TRUE(runUntil([&] { return shareNativeWindow(*tabs[0]->window(), *tabs[2]->window()); }));
+    EXPECT_EQ(tabTitles(*beside->window()), Titles{"/beside"});
+    EXPECT_EQ(tabTitles(*tabs[0]->window()).size(), 3U);
+    EXPECT_EQ(server.count("/three"), loaded);
+    EXPECT_EQ(controllers(), (std::vector<Tab>{tabs[0], tabs[1], tabs[2], beside}));
+}
+
+TEST_F(TabStripTest, aPageThatIsDraggedOutKeepsItsFieldsTextAndGoesOn) {
+    const auto tabs = openTabs({"/one", "/two"});
+    tabs[1]->focusAddressBar();
+    ASSERT_TRUE(runUntil([&] { return TestSupport::hasFocus(*tabs[1]->addressField()); }));
+    TestSupport::typeText("half typed");
+    ASSERT_TRUE(runUntil([&] { return tabs[1]->addressField()->stringValue() == "half typed"; }));
+    TestSupport::runScript(*tabs[1]->webView(), "window.kept = 'kept'");
+    TestSupport::drag(TestSupport::tabOnScreen(*tabs[1]->window()), TestSupport::bareDesktop);
+    ASSERT_TRUE(waitForOwnWindow(tabs[1], tabs[0]));
+    TestSupport::runScript(*tabs[1]->webView(), "document.title = window.kept");
+    EXPECT_TRUE(runUntil([&] { return tabs[1]->window()->title() == "kept"; }));
+    EXPECT_TRUE(tabs[1]->isEditingAddress());
+    EXPECT_EQ(TestSupport::shownText(*tabs[1]->addressField()), "half typed");
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What assistive technology is told of this program, asked over the session's accessibility bus as a screen
+/// reader does. Main thread only; the main loop runs meanwhile, as it is this program that answers.
+namespace TestSupport {
+
+struct AccessibleObject {
+    /// As the bus names it: "push button", "text".
+    std::string role;
+    std::string name;
+    bool isEnabled = false;
+    bool isFocusable = false;
+    bool isFocused = false;
+};
+
+/// Every object of this program, from the outside to the inside, those of web pages left out. Throws
+/// std::runtime_error when the bus does not answer.
+std::vector<AccessibleObject> accessibleObjects();
+
+/// Those of them that have the name.
+std::vector<AccessibleObject> accessibleObjects(const std::string& name);
+
+} // namespace TestSupport
