@@ -1,0 +1,27 @@
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <Foundation/FoundationErrors.h>
+#include <Foundation/NSArray.h>
+#include <Foundation/NSCoder.h>
+#include <Foundation/NSData.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSEnumerator.h>
+#include <Foundation/NSError.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSFileManager.h>
+#include <Foundation/NSGeometry.h>
+#include <Foundation/NSKeyValueObserving.h>
+#include <Foundation/NSNotification.h>
+#include <Foundation/NSObjCRuntime.h>
+#include <Foundation/NSObject.h>
+#include <Foundation/NSPathUtilities.h>
+#include <Foundation/NSRange.h>
+#include <Foundation/NSRunLoop.h>
+#include <Foundation/NSStream.h>
+#include <Foundation/NSString.h>
+#include <Foundation/NSThread.h>
+#include <Foundation/NSTimer.h>
+#include <Foundation/NSURL.h>
+#include <Foundation/NSURLRequest.h>
+#include <Foundation/NSValue.h>
