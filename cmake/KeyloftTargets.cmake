@@ -18,11 +18,11 @@ target_compile_options(KeyloftOptions INTERFACE -Wall -Wextra -Werror)
 target_compile_options(KeyloftOptions INTERFACE
   "$<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>")
 if(KEYLOFT_SYSTEM STREQUAL "macos")
-  # A selector nobody declares, a protocol half implemented, something newer than the oldest system without a check, a
-  # page's answer given twice or on no path: each is an error.
+  # A selector nobody declares, a protocol half implemented, something newer than the oldest system without a check: each
+  # is an error.
   set(objective_c -fobjc-arc -Wundeclared-selector -Wprotocol -Wincomplete-implementation -Wstrict-selector-match
                   -Wsuper-class-method-mismatch -Wnullable-to-nonnull-conversion -Wimplicit-retain-self
-                  -Warc-repeated-use-of-weak -Wcompletion-handler -Wunguarded-availability)
+                  -Warc-repeated-use-of-weak -Wunguarded-availability)
   target_compile_options(KeyloftOptions INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:${objective_c}>" -Wunguarded-availability)
 endif()
 target_include_directories(KeyloftOptions INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
