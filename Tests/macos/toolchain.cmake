@@ -19,12 +19,14 @@ foreach(library unicode nlohmann benchmark gtest gmock)
   file(CREATE_LINK "/usr/include/${library}" "${libraries}/${library}" SYMBOLIC)
 endforeach()
 
-set(flags "-nostdinc++ -nostdlibinc -isystem /usr/lib/llvm-16/include/c++/v1 -isystem ${CMAKE_CURRENT_LIST_DIR}/SDK")
+set(flags "-nostdinc++ -nostdlibinc -isystem ${CMAKE_CURRENT_LIST_DIR}/libcxx -isystem /usr/lib/llvm-16/include/c++/v1 -isystem ${CMAKE_CURRENT_LIST_DIR}/SDK")
 string(APPEND flags " -isystem ${libraries}")
 set(CMAKE_CXX_FLAGS_INIT "${flags}")
 set(CMAKE_OBJCXX_FLAGS_INIT "${flags}")
 
 list(PREPEND CMAKE_MODULE_PATH "${CMAKE_CURRENT_LIST_DIR}/packages")
+
+list(PREPEND CMAKE_PROGRAM_PATH "${CMAKE_CURRENT_LIST_DIR}/tools")
 
 # No archiver here knows Apple's objects: an archive is the list of its objects, which the link takes whole.
 foreach(language CXX OBJCXX)
