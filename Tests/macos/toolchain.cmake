@@ -10,6 +10,7 @@ set(CMAKE_OBJCXX_COMPILER /usr/bin/clang++-19)
 set(CMAKE_CXX_COMPILER_TARGET arm64-apple-macos13.0)
 set(CMAKE_OBJCXX_COMPILER_TARGET arm64-apple-macos13.0)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST) # no test can be asked what it holds
 set(CMAKE_INSTALL_NAME_TOOL ":")
 
 # Headers of libraries that are the same on every system; a folder of their own keeps the C library's away.
