@@ -32,6 +32,8 @@ class Application : public Responder {
 public:
     /// Made at the first call, which must come before anything else of AppKit.
     static Application& shared();
+    /// Whether it has been made.
+    static bool exists();
 
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;

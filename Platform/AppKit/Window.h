@@ -60,6 +60,8 @@ public:
     void setFrameAutosaveName(const std::string& name) { frameAutosaveName_ = name; }
 
     const std::shared_ptr<View>& contentView() const { return contentView_; }
+    /// Takes the place of the view that the window was made with.
+    void setContentView(const std::shared_ptr<View>& view);
 
     void setDelegate(const std::weak_ptr<WindowDelegate>& delegate) { delegate_ = delegate; }
     std::shared_ptr<WindowController> windowController() const { return controller_.lock(); }
@@ -69,12 +71,20 @@ public:
 
     /// Shows the window, selects its tab and gives it the keyboard.
     void makeKeyAndOrderFront();
+    /// Takes the window, with all tabs that share its native one, off the screen. It keeps its content, which
+    /// goes on as before, and may be shown again.
+    void orderOut();
 
     bool isVisible() const;
 
     /// The view that has the keyboard while this window is the key one; remembered while it is not.
     void makeFirstResponder(const std::shared_ptr<View>& view);
     std::shared_ptr<View> firstResponder() const;
+
+    /// Whether closing ends the window, which is how it begins. Otherwise it only orders the window out, and
+    /// nobody is told.
+    bool isReleasedWhenClosed() const { return releasedWhenClosed_; }
+    void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
 
     /// Closes the window: tells the delegate once, answers a pending sheet with its safe answer, lets the
     /// native side go.
@@ -101,6 +111,9 @@ private:
     std::string frameAutosaveName_;
     bool centered_ = false;
     bool closed_ = false;
+    bool releasedWhenClosed_ = true;
+    /// What the window was made with: its content, or around it.
+    std::shared_ptr<View> root_;
     std::shared_ptr<View> contentView_;
     std::weak_ptr<WindowDelegate> delegate_;
     std::weak_ptr<WindowController> controller_;

@@ -11,7 +11,7 @@ namespace Platform {
 class WebView;
 class WebViewConfiguration;
 
-/// What a page wants of the window around it.
+/// What a page wants of the window around it; what a delegate leaves out, WebKit's defaults answer.
 ///
 /// Completions may be called at once or later, from the main thread. One that is destroyed uncalled gives the
 /// page the safe answer (an alert is dismissed, a confirmation refused); calling it again does nothing.
@@ -21,15 +21,24 @@ public:
 
     /// A page opens a window. Returns the web view that the engine then loads, made with exactly this
     /// configuration, or nothing to refuse. The view must be shown, or about to be, when the call returns.
-    virtual std::shared_ptr<WebView> createWebView(WebView& webView,
-                                                   const std::shared_ptr<WebViewConfiguration>& configuration,
-                                                   const NavigationAction& action) = 0;
+    virtual std::shared_ptr<WebView>
+    createWebView(WebView& /*webView*/, const std::shared_ptr<WebViewConfiguration>& /*configuration*/,
+                  const NavigationAction& /*action*/) {
+        return nullptr;
+    }
 
-    virtual void runJavaScriptAlertPanel(WebView& webView, const std::string& message, const FrameInfo& frame,
-                                         std::function<void()> completion) = 0;
+    /// The page closed its own window by script; it goes on until somebody lets the view go.
+    virtual void webViewDidClose(WebView& /*webView*/) {}
 
-    virtual void runJavaScriptConfirmPanel(WebView& webView, const std::string& message,
-                                           const FrameInfo& frame, std::function<void(bool)> completion) = 0;
+    virtual void runJavaScriptAlertPanel(WebView& /*webView*/, const std::string& /*message*/,
+                                         const FrameInfo& /*frame*/, std::function<void()> completion) {
+        completion();
+    }
+
+    virtual void runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& /*message*/,
+                                           const FrameInfo& /*frame*/, std::function<void(bool)> completion) {
+        completion(false);
+    }
 };
 
 } // namespace Platform

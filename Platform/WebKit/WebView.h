@@ -50,6 +50,11 @@ public:
 
     /// The request's time-out begins now and at each redirect, and ends when the page begins to show.
     void load(const URLRequest& request);
+
+    /// Shows a page of the program's own, whose origin and relative links are those of `baseURL`, or of
+    /// nowhere without one. Nothing is asked of the base URL's server, and the delegate's policy is not asked
+    /// about this one page; it is asked about everything that the page then does.
+    void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);
     void reload();
     void stopLoading();
     void goBack();

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Platform/WebKit/UserContentController.h"
+
 #include <memory>
+#include <utility>
 
 namespace Platform {
 
@@ -8,6 +11,9 @@ namespace Platform {
 enum class WebsiteDataStore {
     /// The user's persistent store, shared by all views that have it.
     defaultStore,
+    /// A new one for each view, in memory, that ends with the view: nothing of it reaches a disk, or another
+    /// view except the windows that its pages open.
+    nonPersistent,
 };
 
 /// What a web view is made with; read when the view is created.
@@ -22,6 +28,14 @@ public:
     WebsiteDataStore websiteDataStore() const { return websiteDataStore_; }
     void setWebsiteDataStore(WebsiteDataStore store) { websiteDataStore_ = store; }
 
+    /// What the views' pages are given besides; a configuration has one of its own to begin with.
+    const std::shared_ptr<UserContentController>& userContentController() const {
+        return userContentController_;
+    }
+    void setUserContentController(std::shared_ptr<UserContentController> controller) {
+        userContentController_ = std::move(controller);
+    }
+
     /// The system's side, for Platform's own sources: for a page's new window it carries the opener.
     struct Native;
     Native& native() { return *native_; }
@@ -30,6 +44,7 @@ public:
 
 private:
     WebsiteDataStore websiteDataStore_ = WebsiteDataStore::defaultStore;
+    std::shared_ptr<UserContentController> userContentController_;
     std::unique_ptr<Native> native_;
 };
 

@@ -1,8 +1,9 @@
 #include "KeyloftCore/Log.h"
 
+#include "Tests/Support/CapturedError.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,39 +15,7 @@
 namespace {
 
 using KeyloftCore::redact;
-
-/// Standard error for the length of a test: a packet socket, so that each write stays apart.
-class CapturedError {
-public:
-    CapturedError()
-        : saved_(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3)) {
-        EXPECT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends_.data()), 0);
-        dup2(ends_[1], STDERR_FILENO);
-        close(ends_[1]);
-    }
-    CapturedError(const CapturedError&) = delete;
-    CapturedError& operator=(const CapturedError&) = delete;
-    ~CapturedError() {
-        dup2(saved_, STDERR_FILENO);
-        close(saved_);
-        if (ends_[0] >= 0) {
-            close(ends_[0]);
-        }
-    }
-
-    std::string nextWrite() const {
-        std::string packet(65'536, '\0');
-        const auto count = recv(ends_[0], packet.data(), packet.size(), MSG_DONTWAIT);
-        packet.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-        return packet;
-    }
-
-    void hangUp() { close(std::exchange(ends_[0], -1)); }
-
-private:
-    int saved_;
-    std::array<int, 2> ends_ = {-1, -1};
-};
+using KeyloftTests::CapturedError;
 
 TEST(Log, writesTheMessageAndALineFeedInOneWrite) {
     const CapturedError error;

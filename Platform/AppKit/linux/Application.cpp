@@ -26,6 +26,8 @@ std::vector<URL> urlsOf(std::span<char* const> arguments) {
     return urls;
 }
 
+bool isMade = false;
+
 constexpr const char* themeVariable = "GTK_THEME";
 constexpr const char* emptyTheme = "Adwaita-empty";
 
@@ -47,9 +49,12 @@ Application& Application::shared() {
     return application;
 }
 
+bool Application::exists() { return isMade; }
+
 Application::Application()
     : native_(std::make_unique<Native>()) {
     assertMainThread("Application::shared");
+    isMade = true;
     chooseAcceleration();
     holdBackToolkitTheme();
     // What is handed over is text: as a command line it arrives untouched, where a list of files would be
@@ -101,7 +106,13 @@ int Application::Native::handleCommandLine(GApplication* /*application*/, GAppli
     return 0;
 }
 
-void Application::prepare() { g_application_register(G_APPLICATION(native_->gtk()), nullptr, nullptr); }
+void Application::prepare() {
+    // Nothing is handed over to such a program, and the browser may be running beside it.
+    auto* application = G_APPLICATION(native_->gtk());
+    g_application_set_flags(application, static_cast<GApplicationFlags>(g_application_get_flags(application) |
+                                                                        G_APPLICATION_NON_UNIQUE));
+    g_application_register(application, nullptr, nullptr);
+}
 
 void Application::wasStarted(const std::vector<URL>& urls) {
     const auto delegate = delegate_.lock();
@@ -213,7 +224,10 @@ bool Application::validateMenuItem(MenuItem& item) {
 std::shared_ptr<TabHost> Application::Native::frontHost() const {
     if (auto host = lastActive.lock())
         return host;
-    return hosts.empty() ? nullptr : hosts.back();
+    const auto visible = std::find_if(hosts.rbegin(), hosts.rend(), [](const auto& host) {
+        return gtk_widget_get_visible(GTK_WIDGET(host->toplevel()));
+    });
+    return visible == hosts.rend() ? nullptr : *visible;
 }
 
 void Application::Native::hostEmptied(const std::shared_ptr<TabHost>& host) {

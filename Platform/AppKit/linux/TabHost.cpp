@@ -152,19 +152,32 @@ void TabHost::present() {
     gdk_display_flush(gtk_widget_get_display(toplevel_.get()));
 }
 
+void TabHost::orderOut() {
+    auto& lastActive = Application::shared().native().lastActive;
+    if (lastActive.lock().get() == this)
+        lastActive.reset();
+    gtk_widget_set_visible(toplevel_.get(), FALSE);
+}
+
 gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/, gpointer self) {
     const auto host = static_cast<TabHost*>(self)->shared_from_this();
     // The toolkit would drop the pages without asking; each tab is to close on its own, in order.
-    while (adw_tab_view_get_n_pages(host->tabView_) > 0)
-        adw_tab_view_close_page(host->tabView_, adw_tab_view_get_nth_page(host->tabView_, 0));
+    for (const auto& window : host->windows()) {
+        if (of(*window) == host)
+            host->closePage(*window);
+    }
     return GDK_EVENT_STOP;
 }
 
 gboolean TabHost::closePageRequested(AdwTabView* view, AdwTabPage* page, gpointer self) {
     const auto host = static_cast<TabHost*>(self)->shared_from_this();
-    if (const auto window = Window::Native::ofPage(adw_tab_page_get_child(page)))
+    const auto window = Window::Native::ofPage(adw_tab_page_get_child(page));
+    const bool closes = !window || window->isReleasedWhenClosed();
+    if (window && closes)
         Window::Native::willClose(*window);
-    adw_tab_view_close_page_finish(view, page, TRUE);
+    else if (window)
+        window->orderOut();
+    adw_tab_view_close_page_finish(view, page, closes ? TRUE : FALSE);
     return GDK_EVENT_STOP;
 }
 

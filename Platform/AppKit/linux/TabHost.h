@@ -40,6 +40,8 @@ public:
 
     void selectNeighbour(int step);
     void present();
+    /// Takes the top-level off the screen; its pages stay as they are.
+    void orderOut();
 
     /// Makes the top-level fit `window`'s content size; before it is first presented.
     void setDefaultSize(const Window& window);

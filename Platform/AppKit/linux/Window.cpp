@@ -42,7 +42,10 @@ protected:
             }
 
             void place(Size size) override {
-                ViewLayout::setFrame(content, {0, 0, size.width, size.height});
+                const Rect whole{0, 0, size.width, size.height};
+                ViewLayout::setFrame(content, whole);
+                if (const auto window = content.window(); window && window->contentView().get() != &content)
+                    ViewLayout::setFrame(*window->contentView(), whole);
                 FrameLayout::place(size);
             }
 
@@ -67,8 +70,9 @@ std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
             : Window(contentSize, style) {}
     };
     auto window = std::make_shared<Made>(contentSize, style);
-    window->contentView_ = std::make_shared<ContentView>();
-    window->contentView_->window_ = window;
+    window->root_ = std::make_shared<ContentView>();
+    window->root_->window_ = window;
+    window->contentView_ = window->root_;
     return window;
 }
 
@@ -89,7 +93,14 @@ void Window::setTitle(const std::string& title) {
 
 void Window::setMinSize(Size size) {
     minSize_ = size;
-    contentView_->setNeedsLayout();
+    root_->setNeedsLayout();
+}
+
+void Window::setContentView(const std::shared_ptr<View>& view) {
+    assertMainThread("Window::setContentView");
+    contentView_->removeFromSuperview();
+    contentView_ = view;
+    root_->addSubview(view);
 }
 
 void Window::addTabbedWindow(const std::shared_ptr<Window>& window) {
@@ -120,6 +131,12 @@ void Window::makeKeyAndOrderFront() {
     Native::becameVisible(*this);
 }
 
+void Window::orderOut() {
+    assertMainThread("Window::orderOut");
+    if (const auto host = TabHost::of(*this))
+        host->orderOut();
+}
+
 bool Window::isVisible() const { return native_->page && gtk_widget_get_mapped(native_->page.get()); }
 
 void Window::makeFirstResponder(const std::shared_ptr<View>& view) {
@@ -135,7 +152,9 @@ std::shared_ptr<View> Window::firstResponder() const { return native_->firstResp
 void Window::close() {
     assertMainThread("Window::close");
     const auto keptAlive = shared_from_this();
-    if (const auto host = TabHost::of(*this))
+    if (!releasedWhenClosed_)
+        orderOut();
+    else if (const auto host = TabHost::of(*this))
         host->closePage(*this);
     else
         Native::willClose(*this);
@@ -204,7 +223,7 @@ void Window::Native::makePage(Window& window) {
         return;
     page = GObjectPtr<GtkWidget>::retain(gtk_overlay_new());
     g_object_set_qdata(G_OBJECT(page.get()), windowQuark(), &window);
-    gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.contentView_->native().widget.get());
+    gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.root_->native().widget.get());
     mapped = SignalConnection(page.get(), "map", G_CALLBACK(+[](GtkWidget* widget, gpointer /*data*/) {
                                   if (const auto shown = ofPage(widget))
                                       becameVisible(*shown);

@@ -7,10 +7,12 @@
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/Timer.h"
 #include "Platform/WebKit/linux/LoadError.h"
+#include "Platform/WebKit/linux/NavigationQuestion.h"
 #include "Platform/WebKit/linux/NetworkSession.h"
 #include "Platform/WebKit/linux/RestrictedPort.h"
 #include "Platform/WebKit/linux/SafeAnswers.h"
 #include "Platform/WebKit/linux/ScriptDialog.h"
+#include "Platform/WebKit/linux/UserContentControllerNative.h"
 #include "Platform/WebKit/linux/WebViewConfigurationNative.h"
 
 #include <webkit/webkit.h>
@@ -41,16 +43,18 @@ GObjectPtr<WebKitSettings> makeSettings() {
 }
 
 GObjectPtr<WebKitWebView> makeWebKitView(WebViewConfiguration& configuration) {
-    auto& native = configuration.native();
     const auto settings = makeSettings();
-    const auto opener = std::exchange(native.opener, {});
-    // The session goes with the opener; giving it once more is an error.
-    auto* object =
-        opener ? g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", opener.get(), "settings", settings.get(),
-                              "user-content-manager", native.userContentManager.get(), nullptr)
-               : g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
-                              networkSession(configuration.websiteDataStore()), "settings", settings.get(),
-                              "user-content-manager", native.userContentManager.get(), nullptr);
+    auto* manager = configuration.userContentController()->native().manager.get();
+    gpointer object = nullptr;
+    if (const auto opener = std::exchange(configuration.native().opener, {})) {
+        // The session goes with the opener; giving it once more is an error.
+        object = g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", opener.get(), "settings", settings.get(),
+                              "user-content-manager", manager, nullptr);
+    } else {
+        const auto session = networkSession(configuration.websiteDataStore());
+        object = g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "settings",
+                              settings.get(), "user-content-manager", manager, nullptr);
+    }
     return GObjectPtr<WebKitWebView>::retain(WEBKIT_WEB_VIEW(object));
 }
 
@@ -77,6 +81,15 @@ const char* editingCommand(Action action) {
         return nullptr;
     }
 }
+
+/// `url` as the engine will write it.
+std::string engineText(const URL& url) {
+    const auto request =
+        GObjectPtr<WebKitURIRequest>::adopt(webkit_uri_request_new(url.absoluteString().c_str()));
+    return webkit_uri_request_get_uri(request.get());
+}
+
+constexpr const char* blankURI = "about:blank";
 
 gboolean releaseLater(gpointer /*view*/) { return G_SOURCE_REMOVE; }
 
@@ -126,8 +139,14 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     void beginNavigation();
     void endNavigation();
     void load(const URLRequest& request);
+    void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);
     void reload();
     void stop();
+
+    bool takesOwnPage(const NavigationQuestion& question);
+    void ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested);
+    void answer(NavigationQuestion& question, NavigationActionPolicy policy, bool isRequested);
+    void refuseRestrictedPort(NavigationQuestion& question, bool isRequested);
 
     void startTimeout();
     void timedOut();
@@ -145,6 +164,7 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
                                  WebKitPolicyDecisionType type, gpointer data);
     static GtkWidget* createView(WebKitWebView*, WebKitNavigationAction* action, gpointer data);
     static gboolean scriptDialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer data);
+    static void closed(WebKitWebView*, gpointer data);
     static void webProcessTerminated(WebKitWebView*, WebKitWebProcessTerminationReason reason, gpointer data);
     static void mapped(GtkWidget* widget, gpointer data);
     static void painted(GdkFrameClock* clock, gpointer data);
@@ -172,6 +192,11 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     bool fresh = true;
     /// A navigation that was stopped before the engine asked about it: that question is answered with no.
     std::optional<std::string> stoppedURI;
+    /// The program's own page that is about to be loaded: the engine's question about it is answered with yes
+    /// and not passed on.
+    std::optional<std::string> ownPageURI;
+    /// The engine says of a failed load too that it is finished.
+    bool finishIsFailure = false;
     /// A redirect that was refused for its port; the failure that follows is told under that name.
     std::optional<std::string> restrictedURI;
 
@@ -231,6 +256,7 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
     connect(view.get(), "decide-policy", &decidePolicy);
     connect(view.get(), "create", &createView);
     connect(view.get(), "script-dialog", &scriptDialog);
+    connect(view.get(), "close", &closed);
     connect(view.get(), "web-process-terminated", &webProcessTerminated);
     connect(view.get(), "map", &mapped);
     notified("notify::root", [](WebKitWebView*, GParamSpec*, gpointer data) {
@@ -306,6 +332,7 @@ void WebView::Engine::beginNavigation() {
     endNavigation();
     stopTimer.reset();
     restrictedURI.reset();
+    ownPageURI.reset();
     reloadsWhenVisible = false;
     fresh = false;
     phase = Phase::requested;
@@ -324,6 +351,13 @@ void WebView::Engine::load(const URLRequest& request) {
     timeoutInterval = request.timeoutInterval;
     startTimeout();
     webkit_web_view_load_uri(view.get(), request.url.absoluteString().c_str());
+}
+
+void WebView::Engine::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
+    beginNavigation();
+    ownPageURI = baseURL ? engineText(*baseURL) : blankURI;
+    webkit_web_view_load_html(view.get(), html.c_str(),
+                              baseURL ? baseURL->absoluteString().c_str() : nullptr);
 }
 
 void WebView::Engine::reload() {
@@ -365,44 +399,91 @@ void WebView::Engine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
         // In an earlier phase it is the page before that is still coming in.
         if (engine.phase == Phase::started)
             engine.endNavigation();
+        engine.ownPageURI.reset();
         engine.updateTitle();
         engine.updateHistory();
         break;
     case WEBKIT_LOAD_FINISHED:
         engine.updateHistory();
+        if (std::exchange(engine.finishIsFailure, false))
+            break;
+        if (const auto delegate = engine.navigationDelegate.lock())
+            delegate->didFinishNavigation(*kept);
         break;
     }
 }
+
+// Policy
 
 gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision* decision,
                                        WebKitPolicyDecisionType type, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
-    if (!kept || type != WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION)
+    if (!kept || type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE)
         return FALSE;
-    auto* action =
-        webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-    const std::string uri = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
-    const bool isRequested =
-        engine.phase == Phase::requested && nonEmpty(webkit_web_view_get_uri(view)) == uri;
-    if (engine.stoppedURI == uri) {
+    const auto question = std::make_shared<NavigationQuestion>(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+    if (type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
+        engine.ask(question, false);
+        return TRUE;
+    }
+    if (engine.stoppedURI == question->uri()) {
         engine.endNavigation();
-        webkit_policy_decision_ignore(decision);
+        question->answer(NavigationActionPolicy::cancel);
         return TRUE;
     }
-    if (usesRestrictedPort(uri.c_str())) {
-        if (webkit_navigation_action_is_redirect(action))
-            engine.restrictedURI = uri;
-        if (isRequested)
-            engine.endNavigation();
-        webkit_policy_decision_ignore(decision);
-        if (isRequested)
-            engine.report(WEBKIT_LOAD_STARTED, restrictedPortError(uri));
-        return TRUE;
-    }
-    if (isRequested)
+    const bool isRequested =
+        engine.phase == Phase::requested && nonEmpty(webkit_web_view_get_uri(view)) == question->uri();
+    const bool isOwnPage = engine.takesOwnPage(*question);
+    if (isRequested || isOwnPage)
         engine.phase = Phase::decided;
-    return FALSE;
+    if (isOwnPage)
+        question->answer(NavigationActionPolicy::allow);
+    else
+        engine.ask(question, isRequested);
+    return TRUE;
+}
+
+/// Whether the question is the one about the program's own page; it is the last such one then.
+bool WebView::Engine::takesOwnPage(const NavigationQuestion& question) {
+    const bool isOwnPage = ownPageURI && question.action().navigationType == NavigationType::other &&
+                           !question.isRedirect() &&
+                           (question.uri() == ownPageURI || question.uri() == blankURI);
+    if (isOwnPage)
+        ownPageURI.reset();
+    return isOwnPage;
+}
+
+void WebView::Engine::ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested) {
+    const auto delegate = navigationDelegate.lock();
+    if (!delegate) {
+        answer(*question, NavigationActionPolicy::allow, isRequested);
+        return;
+    }
+    delegate->decidePolicy(owner, question->action(),
+                           [question, isRequested, weak = weak_from_this()](NavigationActionPolicy policy) {
+                               const auto engine = weak.lock();
+                               const auto kept = engine ? engine->keep() : nullptr;
+                               if (kept)
+                                   engine->answer(*question, policy, isRequested);
+                           });
+}
+
+void WebView::Engine::answer(NavigationQuestion& question, NavigationActionPolicy policy, bool isRequested) {
+    if (policy == NavigationActionPolicy::allow && !question.isAnswered() &&
+        usesRestrictedPort(question.uri().c_str()))
+        refuseRestrictedPort(question, isRequested);
+    else
+        question.answer(policy);
+}
+
+void WebView::Engine::refuseRestrictedPort(NavigationQuestion& question, bool isRequested) {
+    if (question.isRedirect())
+        restrictedURI = question.uri();
+    if (isRequested)
+        endNavigation();
+    question.answer(NavigationActionPolicy::cancel);
+    if (isRequested)
+        report(WEBKIT_LOAD_STARTED, restrictedPortError(question.uri()));
 }
 
 // Failures
@@ -424,9 +505,11 @@ gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent ev
     if (!kept)
         return TRUE;
     engine.updateHistory();
+    engine.ownPageURI.reset();
     auto reported = loadError(*error, uri);
     if (!reported)
         return TRUE;
+    engine.finishIsFailure = true;
     const bool isCancelled = reported->domain == Error::urlDomain && reported->code == Error::urlCancelled;
     if (isCancelled && engine.stopTimer) {
         engine.stopTimer.reset();
@@ -479,19 +562,12 @@ GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationActi
         return nullptr;
 
     auto native = std::make_unique<WebViewConfiguration::Native>();
-    native->userContentManager = kept->configuration_->native().userContentManager;
     native->opener = GObjectPtr<WebKitWebView>::retain(view);
     const auto configuration = std::make_shared<WebViewConfiguration>(std::move(native));
+    configuration->setUserContentController(kept->configuration_->userContentController());
     configuration->setWebsiteDataStore(kept->configuration_->websiteDataStore());
 
-    NavigationAction asked;
-    WebKitURIRequest* request = webkit_navigation_action_get_request(action);
-    const char* uri = webkit_uri_request_get_uri(request);
-    asked.url = URL::fromString(uri ? uri : "");
-    if (const char* method = webkit_uri_request_get_http_method(request))
-        asked.method = method;
-
-    const auto child = delegate->createWebView(*kept, configuration, asked);
+    const auto child = delegate->createWebView(*kept, configuration, navigationAction(action));
     configuration->native().opener.reset();
     if (!child)
         return nullptr;
@@ -521,6 +597,13 @@ gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
         delegate->runJavaScriptConfirmPanel(*kept, message, frame,
                                             [pending](bool confirmed) { pending->answer(confirmed); });
     return TRUE;
+}
+
+void WebView::Engine::closed(WebKitWebView* /*view*/, gpointer data) {
+    const auto& engine = *static_cast<Engine*>(data);
+    const auto kept = engine.keep();
+    if (const auto delegate = kept ? engine.uiDelegate.lock() : nullptr)
+        delegate->webViewDidClose(*kept);
 }
 
 // The web process
@@ -664,6 +747,12 @@ void WebView::load(const URLRequest& request) {
     assertMainThread("WebView::load");
     const auto kept = shared_from_this();
     engine_->load(request);
+}
+
+void WebView::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
+    assertMainThread("WebView::loadHTMLString");
+    const auto kept = shared_from_this();
+    engine_->loadHTMLString(html, baseURL);
 }
 
 void WebView::reload() {

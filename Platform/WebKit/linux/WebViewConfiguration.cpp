@@ -14,10 +14,9 @@ WebViewConfiguration::~WebViewConfiguration() = default;
 
 std::shared_ptr<WebViewConfiguration> WebViewConfiguration::create() {
     assertMainThread("WebViewConfiguration::create");
-    auto native = std::make_unique<Native>();
-    native->userContentManager =
-        GObjectPtr<WebKitUserContentManager>::adopt(webkit_user_content_manager_new());
-    return std::make_shared<WebViewConfiguration>(std::move(native));
+    auto configuration = std::make_shared<WebViewConfiguration>(std::make_unique<Native>());
+    configuration->setUserContentController(UserContentController::create());
+    return configuration;
 }
 
 } // namespace Platform

@@ -8,8 +8,6 @@
 namespace Platform {
 
 struct WebViewConfiguration::Native {
-    /// Shared by the views made with this configuration and by the windows that their pages open.
-    GObjectPtr<WebKitUserContentManager> userContentManager;
     /// Set for a page's new window, until its view is made: the engine connects the two pages. It is not kept
     /// any longer, for the configuration lives as long as the new view and the opener need not.
     GObjectPtr<WebKitWebView> opener;

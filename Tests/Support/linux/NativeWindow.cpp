@@ -333,14 +333,14 @@ TrafficRedirection::TrafficRedirection(int port) {
     const std::string proxy = "http://127.0.0.1:" + std::to_string(port);
     WebKitNetworkProxySettings* settings = webkit_network_proxy_settings_new(proxy.c_str(), here);
     webkit_network_session_set_proxy_settings(
-        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_CUSTOM,
+        Platform::networkSession(Platform::WebsiteDataStore::defaultStore).get(), WEBKIT_NETWORK_PROXY_MODE_CUSTOM,
         settings);
     webkit_network_proxy_settings_free(settings);
 }
 
 TrafficRedirection::~TrafficRedirection() {
     webkit_network_session_set_proxy_settings(
-        Platform::networkSession(Platform::WebsiteDataStore::defaultStore), WEBKIT_NETWORK_PROXY_MODE_DEFAULT,
+        Platform::networkSession(Platform::WebsiteDataStore::defaultStore).get(), WEBKIT_NETWORK_PROXY_MODE_DEFAULT,
         nullptr);
 }
 

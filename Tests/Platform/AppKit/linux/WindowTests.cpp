@@ -174,4 +174,77 @@ TEST_F(WindowTest, aTabMovedToAnotherTopLevelIsTheSameWindow) {
     EXPECT_EQ(from->windows().size(), 1U);
 }
 
+TEST_F(WindowTest, orderedOutItKeepsItsContentAndMayBeShownAgain) {
+    const auto controller = RecordingController::create("one");
+    const auto window = controller->window();
+    show(window);
+    window->orderOut();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(Application::shared().mainWindow(), nullptr);
+    runPending();
+    EXPECT_TRUE(controller->closed.empty());
+    show(window);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(Application::shared().mainWindow(), window);
+}
+
+TEST_F(WindowTest, orderingOutWhatWasNeverShownDoesNothing) {
+    Window::create({.width = 300, .height = 200}, {})->orderOut();
+    EXPECT_TRUE(Application::shared().native().hosts.empty());
+}
+
+TEST_F(WindowTest, orderedOutItIsNoMainWindowBesideAnother) {
+    const auto other = Window::create({.width = 300, .height = 200}, {});
+    show(other);
+    const auto window = Window::create({.width = 300, .height = 200}, {});
+    show(window);
+    window->orderOut();
+    EXPECT_EQ(Application::shared().mainWindow(), other);
+}
+
+TEST_F(WindowTest, thatIsNotReleasedWhenClosedOnlyHides) {
+    const auto controller = RecordingController::create("one");
+    const auto window = controller->window();
+    EXPECT_TRUE(window->isReleasedWhenClosed());
+    window->setReleasedWhenClosed(false);
+    const auto close = {+[](Window& window) { gtk_window_close(TabHost::of(window)->toplevel()); },
+                        +[](Window& window) { window.close(); },
+                        +[](Window& window) { TabHost::of(window)->closePage(window); }};
+    for (const auto& closeWindow : close) {
+        show(window);
+        closeWindow(*window);
+        runPending();
+        EXPECT_FALSE(window->isVisible());
+    }
+    EXPECT_TRUE(controller->closed.empty());
+    EXPECT_EQ(Application::shared().native().hosts.size(), 1U);
+}
+
+TEST_F(WindowTest, thatIsNotReleasedWhenClosedGoesWithItsOwner) {
+    auto window = Window::create({.width = 300, .height = 200}, {});
+    window->setReleasedWhenClosed(false);
+    show(window);
+    window->close();
+    window.reset();
+    runPending();
+    EXPECT_TRUE(Application::shared().native().hosts.empty());
+}
+
+TEST_F(WindowTest, mayHaveAnotherContent) {
+    const auto early = View::create();
+    const auto window = Window::create({.width = 300, .height = 200}, {});
+    window->setContentView(early);
+    EXPECT_EQ(window->contentView(), early);
+    EXPECT_EQ(early->window(), window);
+    show(window);
+    EXPECT_TRUE(gtk_widget_get_mapped(widgetOf(early)));
+    EXPECT_EQ(early->frame(), (Rect{0, 0, 300, 200}));
+    const auto late = View::create();
+    window->setContentView(late);
+    EXPECT_EQ(early->window(), nullptr);
+    EXPECT_TRUE(TestSupport::runUntil([&] { return gtk_widget_get_mapped(widgetOf(late)) == TRUE; }));
+    EXPECT_TRUE(TestSupport::runUntil([&] { return late->frame() == Rect{0, 0, 300, 200}; }));
+    EXPECT_EQ(early->superview(), nullptr);
+}
+
 } // namespace Platform::Tests

@@ -1,4 +1,5 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
+#include "Tests/Support/linux/WebProcesses.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -7,6 +8,7 @@
 using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
+using TestSupport::webProcesses;
 
 namespace {
 

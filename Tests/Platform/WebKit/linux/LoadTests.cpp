@@ -1,4 +1,5 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
+#include "Tests/Support/linux/WebProcesses.h"
 
 #include <algorithm>
 #include <chrono>
@@ -11,6 +12,7 @@ using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::HTTPServer;
 using TestSupport::runUntil;
+using TestSupport::webProcesses;
 using Ending = TestSupport::HTTPResponse::Ending;
 
 namespace {

@@ -103,7 +103,8 @@ TEST_F(WebViewRefusal, aDownloadLinkSavesNothing) {
     const auto view = makeView();
     ASSERT_TRUE(loadPage(*view, "/page"));
     int downloads = 0;
-    const SignalConnection connection(networkSession(WebsiteDataStore::defaultStore), "download-started",
+    const SignalConnection connection(networkSession(WebsiteDataStore::defaultStore).get(),
+                                      "download-started",
                                       G_CALLBACK(+[](WebKitNetworkSession*, WebKitDownload*, gpointer data) {
                                           ++*static_cast<int*>(data);
                                       }),

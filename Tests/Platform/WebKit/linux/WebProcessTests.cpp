@@ -1,8 +1,10 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
+#include "Tests/Support/linux/WebProcesses.h"
 
 using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
+using TestSupport::webProcesses;
 using Ending = TestSupport::HTTPResponse::Ending;
 
 namespace {

@@ -106,9 +106,6 @@ protected:
     /// Runs the loop for so long: for what must not happen.
     static void runFor(double seconds);
 
-    /// The web processes below this one.
-    static std::vector<int> webProcesses();
-
     TestSupport::HTTPServer server;
     std::shared_ptr<RecordingNavigationDelegate> navigation = std::make_shared<RecordingNavigationDelegate>();
     std::shared_ptr<RecordingUIDelegate> ui = std::make_shared<RecordingUIDelegate>();

@@ -84,8 +84,9 @@ TEST_F(DefaultWebsiteDataStore, isSharedByAllViews) {
 }
 
 TEST_F(DefaultWebsiteDataStore, aBadCertificateFailsTheLoad) {
-    EXPECT_EQ(webkit_network_session_get_tls_errors_policy(networkSession(WebsiteDataStore::defaultStore)),
-              WEBKIT_TLS_ERRORS_POLICY_FAIL);
+    EXPECT_EQ(
+        webkit_network_session_get_tls_errors_policy(networkSession(WebsiteDataStore::defaultStore).get()),
+        WEBKIT_TLS_ERRORS_POLICY_FAIL);
 }
 
 TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
@@ -95,4 +96,64 @@ TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
     const auto view = makeView();
     EXPECT_TRUE(webkit_network_session_is_ephemeral(webkit_web_view_get_network_session(widgetOf(*view))));
     EXPECT_TRUE(loadPage(*view, "/page"));
+}
+
+class NonPersistentWebsiteDataStore : public WebViewTest {
+protected:
+    static std::shared_ptr<WebViewConfiguration> configuration() {
+        auto configuration = WebViewConfiguration::create();
+        configuration->setWebsiteDataStore(WebsiteDataStore::nonPersistent);
+        return configuration;
+    }
+    /// What the view's page finds of the one before.
+    std::string found(WebView& view) {
+        server.route("/get", HTTPResponse::page("get"));
+        view.load(request(server.url("/get")));
+        EXPECT_TRUE(waitForTitle(view, "get"));
+        return evaluate(view, "document.cookie + ' ' + localStorage.kept");
+    }
+    void leaveTraces(WebView& view) {
+        server.route("/set", [](const HTTPRequest&) {
+            auto response = HTTPResponse::page("set");
+            response.headers.emplace_back("Set-Cookie", "kept=yes; Max-Age=1000");
+            return response;
+        });
+        view.load(request(server.url("/set")));
+        ASSERT_TRUE(waitForTitle(view, "set"));
+        EXPECT_EQ(evaluate(view, "localStorage.kept = 'yes'; document.cookie"), "kept=yes");
+        EXPECT_EQ(found(view), "kept=yes yes");
+    }
+};
+
+TEST_F(NonPersistentWebsiteDataStore, isEachViewsOwn) {
+    const auto one = makeView(configuration());
+    leaveTraces(*one);
+    EXPECT_EQ(found(*makeView(configuration())), " undefined");
+    EXPECT_EQ(found(*makeView(one->configuration())), " undefined");
+    EXPECT_EQ(found(*makeView()), " undefined");
+}
+
+TEST_F(NonPersistentWebsiteDataStore, writesNothing) {
+    const auto view = makeView(configuration());
+    leaveTraces(*view);
+    EXPECT_TRUE(webkit_network_session_is_ephemeral(webkit_web_view_get_network_session(widgetOf(*view))));
+    for (const char* directory : {g_get_user_data_dir(), g_get_user_cache_dir()})
+        EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(directory) / "velde.orvane.keyloft"));
+}
+
+TEST_F(NonPersistentWebsiteDataStore, isSharedWithThePagesNewWindows) {
+    std::shared_ptr<WebView> child;
+    ui->onCreate = [&](const auto& given) { return child = makeView(given); };
+    const auto view = makeView(configuration());
+    leaveTraces(*view);
+    run(*view, "window.open('" + server.url("/get") + "')");
+    ASSERT_TRUE(runUntil([&] { return child && child->title() == "get"; }));
+    EXPECT_EQ(evaluate(*child, "document.cookie"), "kept=yes");
+}
+
+TEST_F(NonPersistentWebsiteDataStore, refusesBadCertificatesAndDownloads) {
+    const auto session = networkSession(WebsiteDataStore::nonPersistent);
+    EXPECT_EQ(webkit_network_session_get_tls_errors_policy(session.get()), WEBKIT_TLS_ERRORS_POLICY_FAIL);
+    EXPECT_TRUE(g_signal_has_handler_pending(
+        session.get(), g_signal_lookup("download-started", WEBKIT_TYPE_NETWORK_SESSION), 0, FALSE));
 }

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Platform/Foundation/JSON.h"
+
+#include <memory>
+#include <string>
+
+namespace Platform {
+
+/// A script that the program adds to pages. A value.
+struct UserScript {
+    enum class InjectionTime {
+        /// Before anything of the page runs.
+        atDocumentStart,
+        atDocumentEnd,
+    };
+
+    std::string source;
+    InjectionTime injectionTime = InjectionTime::atDocumentEnd;
+    /// Otherwise it runs in every frame, of whatever origin.
+    bool forMainFrameOnly = true;
+};
+
+/// What a page's script posted to a handler. A value: tests make it by hand.
+struct ScriptMessage {
+    /// The handler's.
+    std::string name;
+    /// Null for what JSON cannot tell.
+    JSONValue body;
+};
+
+class ScriptMessageHandler {
+public:
+    virtual ~ScriptMessageHandler() = default;
+
+    virtual void didReceiveScriptMessage(const ScriptMessage& message) = 0;
+};
+
+/// What the program adds to the pages of the views that share it. Main thread only.
+class UserContentController {
+public:
+    static std::shared_ptr<UserContentController> create();
+
+    UserContentController(const UserContentController&) = delete;
+    UserContentController& operator=(const UserContentController&) = delete;
+    ~UserContentController();
+
+    /// Pages reach the handler as `window.webkit.messageHandlers.<name>.postMessage(…)`, from any frame. Held
+    /// weakly: messages to a handler that is gone are dropped. A name is given once.
+    void addScriptMessageHandler(const std::weak_ptr<ScriptMessageHandler>& handler, const std::string& name);
+
+    /// Runs in the page's own world, in every page that begins to load from now on.
+    void addUserScript(const UserScript& script);
+
+    /// The system's side, for Platform's own sources.
+    struct Native;
+    Native& native() { return *native_; }
+
+private:
+    UserContentController();
+
+    std::unique_ptr<Native> native_;
+};
+
+} // namespace Platform

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "KeyloftCore/AuthSession.h"
+#include "Platform/AppKit/Window.h"
+#include "Platform/Foundation/Timer.h"
+#include "Platform/WebKit/WebView.h"
+
+#include <cstddef>
+#include <memory>
+
+namespace KeyloftCore {
+
+/// What tests see of a session beyond what everybody does. Runs are counted from its first `start`.
+struct AuthSessionInspector {
+    static std::size_t runCount(const AuthSession& session) { return session.runs_.size(); }
+    static const std::shared_ptr<Platform::WebView>& webView(const AuthSession& session,
+                                                             std::size_t run = 0) {
+        return session.runs_.at(run).webView;
+    }
+    static const std::shared_ptr<Platform::Window>& window(const AuthSession& session, std::size_t run = 0) {
+        return session.runs_.at(run).window;
+    }
+    static const std::shared_ptr<Platform::Timer>& timeoutTimer(const AuthSession& session,
+                                                                std::size_t run = 0) {
+        return session.runs_.at(run).timeoutTimer;
+    }
+
+    /// In seconds; for before `start`.
+    static void setSessionTimeout(AuthSession& session, double timeout) { session.sessionTimeout_ = timeout; }
+    static void setRequestTimeout(AuthSession& session, double timeout) { session.requestTimeout_ = timeout; }
+    static double sessionTimeout(const AuthSession& session) { return session.sessionTimeout_; }
+    static double requestTimeout(const AuthSession& session) { return session.requestTimeout_; }
+};
+
+} // namespace KeyloftCore

@@ -1,0 +1,139 @@
+#include "Tests/KeyloftCore/AuthSessionTest.h"
+
+#include "Platform/AppKit/Application.h"
+#include "Tests/Support/Present.h"
+#include "Tests/Support/linux/MainLoop.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <iostream>
+
+namespace KeyloftTests {
+
+using Platform::NavigationAction;
+using Platform::NavigationActionPolicy;
+using Platform::URL;
+using TestSupport::HTTPResponse;
+using TestSupport::runUntil;
+
+namespace {
+
+bool isSessionLine(const std::string& line) {
+    constexpr auto beginnings = std::to_array<std::string_view>(
+        {"loading ", "nav ", "blocked navigation to ", "form submit hooked ", "POST body ",
+         "captured keys=", "didFinish ", "didFailProvisional ", "webViewDidClose"});
+    return std::ranges::any_of(beginnings, [&line](auto beginning) { return line.starts_with(beginning); });
+}
+
+} // namespace
+
+AuthSessionTest::AuthSessionTest() {
+    HTTPResponse held;
+    held.ending = HTTPResponse::Ending::held;
+    proxy.route(connectTarget, held);
+    for (const auto* variable : {"http_proxy", "https_proxy"}) {
+        setenv(variable, proxy.url("").c_str(), 1);
+    }
+    Platform::Application::shared().prepare();
+    otherView = Platform::WebView::create(Platform::WebViewConfiguration::create());
+}
+
+AuthSessionTest::~AuthSessionTest() {
+    if (HasFailure()) {
+        for (const auto& line : everything()) {
+            std::cout << "on standard error: " << line << '\n';
+        }
+    }
+    // A session that has not ended would call its completion some time.
+    for (const auto& weak : sessions_) {
+        if (const auto session = weak.lock()) {
+            session->webViewDidClose(*otherView);
+        }
+    }
+    for (const auto& line : everything()) {
+        EXPECT_EQ(line.find("CRITICAL"), std::string::npos) << line;
+    }
+}
+
+URL AuthSessionTest::url(std::string_view text) { return present(URL::fromString(text)); }
+
+std::string AuthSessionTest::authorizeURL(std::string_view rest) {
+    return std::string(authorize) + "?redirect_uri=" + std::string(redirect) + std::string(rest);
+}
+
+AuthSessionTest::Session AuthSessionTest::makeSession(std::string_view rest) {
+    auto session = KeyloftCore::AuthSession::create(
+        {url(authorizeURL(rest)), "ABCDEFGHIJKLMNOPQRST-_"},
+        [this](const KeyloftCore::AuthSession::Result& result) { endings.push_back(result); });
+    sessions_.push_back(session);
+    return session;
+}
+
+AuthSessionTest::Session AuthSessionTest::startSession(const std::optional<std::string>& initiatorOrigin) {
+    auto session = makeSession();
+    session->initiatorOrigin = initiatorOrigin;
+    session->start();
+    return session;
+}
+
+NavigationAction AuthSessionTest::get(std::string_view text) {
+    NavigationAction action;
+    action.url = url(text);
+    action.method = "GET";
+    return action;
+}
+
+std::vector<NavigationActionPolicy> AuthSessionTest::ask(const Session& session,
+                                                         const NavigationAction& action) {
+    std::vector<NavigationActionPolicy> answers;
+    session->decidePolicy(*otherView, action,
+                          [&answers](NavigationActionPolicy policy) { answers.push_back(policy); });
+    return answers;
+}
+
+bool AuthSessionTest::showPage(const Session& session, const std::string& body) {
+    const auto& view = Inspector::webView(*session);
+    // The engine may lose one of two loads that it is asked for at once.
+    view->stopLoading();
+    if (!runUntil([&] { return !view->isLoading(); })) {
+        return false;
+    }
+    const auto finished = [this] {
+        return std::ranges::count(lines(), "didFinish https://appleid.apple.com/");
+    };
+    const auto before = finished();
+    view->loadHTMLString("<!doctype html>" + body, url("https://appleid.apple.com/"));
+    return runUntil([&] { return finished() > before; });
+}
+
+bool AuthSessionTest::waitForEnding() {
+    const bool ended = runUntil([this] { return !endings.empty(); });
+    TestSupport::runPending();
+    return ended;
+}
+
+bool AuthSessionTest::waitForLine(const std::string& line) {
+    return runUntil([&] { return std::ranges::count(lines(), line) > 0; });
+}
+
+const AuthSessionTest::Lines& AuthSessionTest::lines() {
+    readError();
+    return lines_;
+}
+
+const AuthSessionTest::Lines& AuthSessionTest::everything() {
+    readError();
+    return everything_;
+}
+
+void AuthSessionTest::readError() {
+    for (const auto& message : error_.messages()) {
+        everything_.push_back(message);
+        if (isSessionLine(message)) {
+            lines_.push_back(message);
+        }
+    }
+}
+
+} // namespace KeyloftTests

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "KeyloftCore/AuthSession.h"
+#include "Tests/KeyloftCore/AuthSessionInspector.h"
+#include "Tests/Support/CapturedError.h"
+#include "Tests/Support/HTTPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace KeyloftTests {
+
+/// Sessions whose pages reach no network: whatever they ask of a server goes to a proxy that does not answer
+/// unless a test says so.
+class AuthSessionTest : public testing::Test {
+public:
+    AuthSessionTest(const AuthSessionTest&) = delete;
+    AuthSessionTest& operator=(const AuthSessionTest&) = delete;
+    ~AuthSessionTest() override;
+
+protected:
+    using Session = std::shared_ptr<KeyloftCore::AuthSession>;
+    using Inspector = KeyloftCore::AuthSessionInspector;
+    using Lines = std::vector<std::string>;
+
+    static constexpr std::string_view authorize = "https://appleid.apple.com/auth/authorize";
+    static constexpr std::string_view redirect = "https://client.example/cb";
+    /// What the proxy is asked for before anything else.
+    static constexpr const char* connectTarget = "appleid.apple.com:443";
+
+    AuthSessionTest();
+
+    static Platform::URL url(std::string_view text);
+    /// The authorize URL with the redirect URI and `rest` behind it.
+    static std::string authorizeURL(std::string_view rest = "");
+
+    /// A session that adds its ending to `endings`.
+    Session makeSession(std::string_view rest = "");
+    Session startSession(const std::optional<std::string>& initiatorOrigin = std::nullopt);
+
+    static Platform::NavigationAction get(std::string_view url);
+    /// Asks the session, and tells how often and what it answered.
+    std::vector<Platform::NavigationActionPolicy> ask(const Session& session,
+                                                      const Platform::NavigationAction& action);
+
+    /// Shows a page of the provider's origin in the session's view, and waits for it.
+    [[nodiscard]] bool showPage(const Session& session, const std::string& body);
+    /// Waits until the session has ended, and returns once what that causes is done.
+    [[nodiscard]] bool waitForEnding();
+    /// Waits until the line has been logged.
+    [[nodiscard]] bool waitForLine(const std::string& line);
+
+    /// What sessions have logged so far.
+    const Lines& lines();
+    /// And all that stands on standard error.
+    const Lines& everything();
+
+    /// The first ending's parts.
+    const KeyloftCore::AuthResult& result() const { return endings.at(0).value(); }
+    const KeyloftCore::HostError& error() const { return endings.at(0).error(); }
+
+    TestSupport::HTTPServer proxy;
+    std::vector<KeyloftCore::AuthSession::Result> endings;
+    /// For what is called by hand: a session does not look at the view.
+    std::shared_ptr<Platform::WebView> otherView;
+
+private:
+    void readError();
+
+    CapturedError error_;
+    std::vector<std::weak_ptr<KeyloftCore::AuthSession>> sessions_;
+    Lines everything_;
+    Lines lines_;
+};
+
+} // namespace KeyloftTests
