@@ -14,6 +14,12 @@ NS_ASSUME_NONNULL_BEGIN
 @property (readonly) BOOL acceptsFirstResponder;
 @end
 
+@protocol NSStandardKeyBindingResponding <NSObject>
+@optional
+- (void)selectAll:(nullable id)sender;
+- (void)cancelOperation:(nullable id)sender;
+@end
+
 @interface NSResponder (NSWindowTabbing)
 - (IBAction)newWindowForTab:(nullable id)sender API_AVAILABLE(macos(10.12));
 @end

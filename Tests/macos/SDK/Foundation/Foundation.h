@@ -24,4 +24,5 @@
 #include <Foundation/NSTimer.h>
 #include <Foundation/NSURL.h>
 #include <Foundation/NSURLRequest.h>
+#include <Foundation/NSUserDefaults.h>
 #include <Foundation/NSValue.h>

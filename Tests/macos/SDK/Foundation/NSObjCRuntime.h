@@ -17,8 +17,8 @@ typedef double NSTimeInterval;
     enum name : type;                                                                                        \
     enum __attribute__((enum_extensibility(open))) name : type
 #define NS_OPTIONS(type, name)                                                                               \
-    enum __attribute__((flag_enum, enum_extensibility(open))) name : type;                                   \
-    enum __attribute__((flag_enum, enum_extensibility(open))) name : type
+    type name;                                                                                               \
+    enum __attribute__((flag_enum, enum_extensibility(open))) : name
 #define NS_DESIGNATED_INITIALIZER __attribute__((objc_designated_initializer))
 #define NS_FORMAT_FUNCTION(text, first) __attribute__((format(__NSString__, text, first)))
 #define NS_NOESCAPE __attribute__((noescape))
