@@ -28,6 +28,13 @@ bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector)
 /// leaves.
 BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem);
 
+/// What AppKit takes as the target of `responder`'s actions: the object that stands for it, or a new one,
+/// which the caller keeps. nil for nothing.
+id _Nullable targetFor(const std::shared_ptr<Responder>& responder);
+
+/// Our responder behind an object of AppKit's responder chain, or nothing.
+std::shared_ptr<Responder> responderOf(id _Nullable native);
+
 /// The subclass of a proxy class that the object runtime knows under the name a module gives. Made at the
 /// first call; stops the process where the name belongs to a class of another kind.
 Class _Nonnull registeredSubclass(Class _Nonnull proxyClass, std::string_view name);

@@ -1,14 +1,47 @@
 #include "Platform/AppKit/macos/ResponderProxy.h"
 
+#include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/Control.h"
+#include "Platform/AppKit/WindowController.h"
 #include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/NativeReference.h"
+#include "Platform/AppKit/macos/WindowNative.h"
 #include "Platform/Foundation/FatalError.h"
 #include "Platform/Foundation/macos/Conversions.h"
 
 #import <objc/runtime.h>
 
 #include <string>
+
+/// The target of a control where AppKit has no object that stands for it.
+@interface KeyloftActionTarget : NSObject <KeyloftResponderProxy> {
+@public
+    std::weak_ptr<Platform::Responder> responder;
+}
+@end
+
+@implementation KeyloftActionTarget
+
++ (void)initialize {
+    if (self == KeyloftActionTarget.class) {
+        Platform::addActionMethods(self);
+    }
+}
+
+- (std::shared_ptr<Platform::Responder>)keyloftResponder {
+    return responder.lock();
+}
+
+- (BOOL)respondsToSelector:(SEL)selector {
+    return Platform::isAction(selector) ? Platform::respondsTo(self, selector)
+                                        : [super respondsToSelector:selector];
+}
+
+- (BOOL)validateMenuItem:(NSMenuItem*)menuItem {
+    return Platform::validate(self, menuItem);
+}
+
+@end
 
 namespace Platform {
 
@@ -52,6 +85,32 @@ BOOL validate(id<KeyloftResponderProxy> proxy, NSMenuItem* nativeItem) {
     const bool enabled = responder->validateMenuItem(*item);
     nativeItem.title = toNSString(item->title());
     return enabled ? YES : NO;
+}
+
+id targetFor(const std::shared_ptr<Responder>& responder) {
+    if (responder == nullptr) {
+        return nil;
+    }
+    const auto controller = std::dynamic_pointer_cast<WindowController>(responder);
+    if (controller != nullptr && controller->window() != nullptr) {
+        return controller->window()->native().controller;
+    }
+    KeyloftActionTarget* const target = [[KeyloftActionTarget alloc] init];
+    target->responder = responder;
+    return target;
+}
+
+std::shared_ptr<Responder> responderOf(id native) {
+    if ([native conformsToProtocol:@protocol(KeyloftResponderProxy)]) {
+        return [static_cast<id<KeyloftResponderProxy>>(native) keyloftResponder];
+    }
+    if (native == NSApplication.sharedApplication) {
+        return {std::shared_ptr<void>(), &Application::shared()}; // lives as long as the process
+    }
+    if (auto window = windowOf(native)) {
+        return window;
+    }
+    return viewAround(native);
 }
 
 Class registeredSubclass(Class proxyClass, std::string_view name) {

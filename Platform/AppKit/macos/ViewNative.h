@@ -6,8 +6,8 @@
 
 namespace Platform {
 
-/// AppKit's view behind a view. It is owned here; it knows ours weakly (`viewOf`). Views that need more derive
-/// from this.
+/// AppKit's view behind a view. It is owned here; it knows ours weakly (`viewOf`). Views that need more
+/// derive from this.
 struct View::Native {
     explicit Native(NSView* _Nonnull made)
         : view(made) {}
@@ -20,5 +20,7 @@ struct View::Native {
 
     NSView* __strong _Nonnull const view;
 };
+
+NSLayoutConstraintOrientation toNSOrientation(Orientation orientation);
 
 } // namespace Platform
