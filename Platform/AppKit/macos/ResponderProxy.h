@@ -17,7 +17,7 @@ namespace Platform {
 
 /// Gives every action's selector a method that performs the action on the proxy's responder. To be called
 /// once for each proxy class, in its `initialize`.
-void addActionMethods(Class<KeyloftResponderProxy> _Nonnull proxyClass);
+void addActionMethods(Class _Nonnull proxyClass);
 
 /// What a proxy's `respondsToSelector:` answers where the selector is an action's: whether its responder
 /// does.
