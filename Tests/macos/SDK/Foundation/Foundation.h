@@ -13,6 +13,7 @@
 #include <Foundation/NSGeometry.h>
 #include <Foundation/NSKeyValueObserving.h>
 #include <Foundation/NSNotification.h>
+#include <Foundation/NSNull.h>
 #include <Foundation/NSObjCRuntime.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSPathUtilities.h>
@@ -23,6 +24,7 @@
 #include <Foundation/NSThread.h>
 #include <Foundation/NSTimer.h>
 #include <Foundation/NSURL.h>
+#include <Foundation/NSURLError.h>
 #include <Foundation/NSURLRequest.h>
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/NSValue.h>
