@@ -23,6 +23,13 @@ typedef NS_ENUM(NSInteger, NSWindowTabbingMode) {
     NSWindowTabbingModeDisallowed,
 };
 
+typedef NS_OPTIONS(NSUInteger, NSWindowOcclusionState) {
+    NSWindowOcclusionStateVisible = 1UL << 1,
+} API_AVAILABLE(macos(10.9));
+
+FOUNDATION_EXPORT NSNotificationName const NSWindowDidChangeOcclusionStateNotification
+    API_AVAILABLE(macos(10.9));
+
 typedef NSString* NSWindowFrameAutosaveName;
 typedef NSString* NSWindowTabbingIdentifier;
 
@@ -43,6 +50,7 @@ typedef NSString* NSWindowTabbingIdentifier;
 - (void)makeKeyAndOrderFront:(nullable id)sender;
 - (void)orderOut:(nullable id)sender;
 @property (readonly, getter=isVisible) BOOL visible;
+@property (readonly) NSWindowOcclusionState occlusionState API_AVAILABLE(macos(10.9));
 @property NSSize minSize;
 - (IBAction)performClose:(nullable id)sender;
 - (IBAction)performMiniaturize:(nullable id)sender;
