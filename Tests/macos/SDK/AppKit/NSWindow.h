@@ -27,8 +27,8 @@ typedef NS_OPTIONS(NSUInteger, NSWindowOcclusionState) {
     NSWindowOcclusionStateVisible = 1UL << 1,
 } API_AVAILABLE(macos(10.9));
 
-FOUNDATION_EXPORT NSNotificationName const NSWindowDidChangeOcclusionStateNotification
-    API_AVAILABLE(macos(10.9));
+FOUNDATION_EXPORT NSNotificationName const
+    NSWindowDidChangeOcclusionStateNotification API_AVAILABLE(macos(10.9));
 
 typedef NSString* NSWindowFrameAutosaveName;
 typedef NSString* NSWindowTabbingIdentifier;
