@@ -21,14 +21,13 @@ std::shared_ptr<WebView> WebView::create(const std::shared_ptr<WebViewConfigurat
     };
     auto view = std::make_shared<Made>(configuration);
     view->native();
+    view->engine_->connect(view);
     return view;
 }
 
 WebView::WebView(std::shared_ptr<WebViewConfiguration> configuration)
     : configuration_(std::move(configuration))
-    , engine_(std::make_shared<Engine>(*this, *configuration_)) {
-    engine_->connect();
-}
+    , engine_(std::make_shared<Engine>(*configuration_)) {}
 
 WebView::~WebView() { assertMainThread("WebView"); }
 

@@ -36,13 +36,13 @@ public:
         bool ended = false;
     };
 
-    WebViewEngine(WebView& owner, WebViewConfiguration& configuration);
+    explicit WebViewEngine(WebViewConfiguration& configuration);
     WebViewEngine(const WebViewEngine&) = delete;
     WebViewEngine& operator=(const WebViewEngine&) = delete;
     ~WebViewEngine();
 
-    /// To be called once, as soon as the engine is held.
-    void connect();
+    /// From now on WebKit tells and asks; called once, by the view that owns the engine.
+    void connect(const std::weak_ptr<WebView>& owner);
 
     WKWebView* _Nonnull view() const { return view_; }
     const std::optional<URL>& url() const { return url_; }
@@ -89,8 +89,8 @@ private:
         std::optional<URL> baseURL;
     };
 
-    /// The owner, kept alive for the caller; nothing while it is being made or is on its way out.
-    std::shared_ptr<WebView> keep() const;
+    /// The owner, kept alive for the caller; nothing when it is on its way out.
+    std::shared_ptr<WebView> keep() const { return owner_.lock(); }
 
     void tell(Property property);
     template <typename Value>
@@ -104,7 +104,7 @@ private:
     bool takesOwnPage(WKNavigationAction* _Nonnull action);
     void recoverIfVisible();
 
-    WebView& owner_;
+    std::weak_ptr<WebView> owner_;
     WKWebView* __strong _Nonnull const view_;
     KeyloftWebViewDelegate* __strong _Nonnull const delegate_;
 

@@ -83,13 +83,13 @@ bool isEditingAction(Action action) {
     }
 }
 
-WebViewEngine::WebViewEngine(WebView& owner, WebViewConfiguration& configuration)
-    : owner_(owner)
-    , view_([[KeyloftWebView alloc] initWithFrame:NSZeroRect
+WebViewEngine::WebViewEngine(WebViewConfiguration& configuration)
+    : view_([[KeyloftWebView alloc] initWithFrame:NSZeroRect
                                     configuration:nativeConfiguration(configuration)])
     , delegate_([[KeyloftWebViewDelegate alloc] init]) {}
 
-void WebViewEngine::connect() {
+void WebViewEngine::connect(const std::weak_ptr<WebView>& owner) {
+    owner_ = owner;
     delegate_->engine = weak_from_this();
     view_.navigationDelegate = delegate_;
     view_.UIDelegate = delegate_;
@@ -115,10 +115,6 @@ WebViewEngine::~WebViewEngine() {
     // The view may be let go from inside one of WebKit's calls, which still works with its own when it
     // returns.
     RunLoop::main().perform([kept = view_] { (void)kept; });
-}
-
-std::shared_ptr<WebView> WebViewEngine::keep() const {
-    return std::static_pointer_cast<WebView>(owner_.weak_from_this().lock());
 }
 
 // Observation
