@@ -169,7 +169,10 @@ void Application::setWindowsMenu(const std::shared_ptr<Menu>& menu) {
         menu != nullptr ? nativeMenuOf(*menu, nativeApplication().mainMenu) : nil;
 }
 
-std::shared_ptr<Window> Application::mainWindow() const { return windowOf(nativeApplication().mainWindow); }
+std::shared_ptr<Window> Application::mainWindow() const {
+    assertMainThread("Application::mainWindow");
+    return windowOf(nativeApplication().mainWindow);
+}
 
 void Application::activateIgnoringOtherApps() {
     assertMainThread("Application::activateIgnoringOtherApps");

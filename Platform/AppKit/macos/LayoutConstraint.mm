@@ -23,7 +23,7 @@ NSLayoutAttribute toNSLayoutAttribute(LayoutAttribute attribute) {
     case LayoutAttribute::height:
         return NSLayoutAttributeHeight;
     }
-    fatalError("a layout constraint has an attribute that this system does not know");
+    fatalError("a layout constraint has an unknown attribute");
 }
 
 } // namespace
@@ -51,8 +51,13 @@ void LayoutConstraint::activate(const std::vector<LayoutConstraint>& constraints
     NSMutableArray<NSLayoutConstraint*>* const all = [NSMutableArray array];
     for (const LayoutConstraint& constraint : constraints) {
         const auto superview = constraint.view_->superview();
-        if (constraint.toSuperview_ && superview == nullptr) {
-            fatalError("a layout constraint speaks of a superview that is not there");
+        const bool isLength = constraint.attribute_ == LayoutAttribute::width ||
+                              constraint.attribute_ == LayoutAttribute::height;
+        const bool isKnown = constraint.toSuperview_
+                                 ? superview != nullptr && constraint.attribute_ != LayoutAttribute::height
+                                 : isLength;
+        if (!isKnown) {
+            fatalError("a layout constraint has a form that this system does not know");
         }
         // The superview first: it takes its subviews in when it is made.
         NSView* const other = constraint.toSuperview_ ? superview->native().view : nil;

@@ -22,11 +22,11 @@ void addActionMethods(Class _Nonnull proxyClass);
 /// What a proxy's `respondsToSelector:` answers where the selector is an action's: whether its responder
 /// does.
 bool isAction(SEL _Nonnull selector);
-bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector);
+bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
 /// What a proxy's `validateMenuItem:` does: asks the responder about our item, and shows the title that it
 /// leaves.
-BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem);
+BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem) noexcept;
 
 /// What AppKit takes as the target of `responder`'s actions: the object that stands for it, or a new one,
 /// which the caller keeps. nil for nothing.

@@ -70,13 +70,13 @@ void addActionMethods(Class proxyClass) {
 
 bool isAction(SEL selector) { return actionFor(selector).has_value(); }
 
-bool respondsTo(id<KeyloftResponderProxy> proxy, SEL selector) {
+bool respondsTo(id<KeyloftResponderProxy> proxy, SEL selector) noexcept {
     const auto responder = [proxy keyloftResponder];
     const auto action = actionFor(selector);
     return responder != nullptr && action && responder->respondsTo(*action);
 }
 
-BOOL validate(id<KeyloftResponderProxy> proxy, NSMenuItem* nativeItem) {
+BOOL validate(id<KeyloftResponderProxy> proxy, NSMenuItem* nativeItem) noexcept {
     const auto responder = [proxy keyloftResponder];
     const auto item = menuItemOf(nativeItem);
     if (responder == nullptr || item == nullptr) {

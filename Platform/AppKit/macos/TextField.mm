@@ -62,6 +62,7 @@ std::shared_ptr<TextField> TextField::create() {
 }
 
 std::string TextField::stringValue() const {
+    assertMainThread("TextField::stringValue");
     Native* const made = nativeIfMade();
     return made != nullptr ? fromNSString(TextFieldEvents::fieldOf(*made).stringValue) : stringValue_;
 }

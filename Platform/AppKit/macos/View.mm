@@ -125,6 +125,7 @@ std::shared_ptr<Window> View::window() const {
 }
 
 Rect View::frame() const {
+    assertMainThread("View::frame");
     NSView* const native = nsViewOf(*this);
     if (native == nil) {
         return frame_;

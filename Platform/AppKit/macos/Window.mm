@@ -18,6 +18,12 @@
 
 @implementation KeyloftWindowDelegate
 
+- (void)windowDidBecomeKey:(NSNotification*)notification {
+    if (const auto window = Platform::windowOf(notification.object)) {
+        Platform::Window::Native::becameKey(*window);
+    }
+}
+
 - (void)windowWillClose:(NSNotification*)notification {
     if (const auto window = Platform::windowOf(notification.object)) {
         Platform::Window::Native::willClose(*window);
@@ -53,6 +59,12 @@ NSWindow* makeNativeWindow(Size contentSize, const Window::Style& style) {
     // Ours owns it; closing is not to release it once more.
     window.releasedWhenClosed = NO;
     return window;
+}
+
+/// Whether the window is what its tabs show, be it the only one.
+bool isSelectedTab(NSWindow* window) {
+    NSWindow* const selected = window.tabGroup.selectedWindow;
+    return selected == nil || selected == window;
 }
 
 } // namespace
@@ -132,7 +144,10 @@ void Window::orderOut() {
     [native_->window orderOut:nil];
 }
 
-bool Window::isVisible() const { return native_->window.visible; }
+bool Window::isVisible() const {
+    assertMainThread("Window::isVisible");
+    return native_->window.visible && isSelectedTab(native_->window);
+}
 
 void Window::makeFirstResponder(const std::shared_ptr<View>& view) {
     assertMainThread("Window::makeFirstResponder");
@@ -140,7 +155,10 @@ void Window::makeFirstResponder(const std::shared_ptr<View>& view) {
     [native_->window makeFirstResponder:view->native().view];
 }
 
-std::shared_ptr<View> Window::firstResponder() const { return viewAround(native_->window.firstResponder); }
+std::shared_ptr<View> Window::firstResponder() const {
+    assertMainThread("Window::firstResponder");
+    return viewAround(native_->window.firstResponder);
+}
 
 void Window::close() {
     assertMainThread("Window::close");
@@ -153,6 +171,7 @@ bool Window::respondsTo(Action action) const {
 }
 
 void Window::perform(Action action, const ActionSender& /*sender*/) {
+    assertMainThread("Window::perform");
     const auto keptAlive = shared_from_this();
     [NSApplication.sharedApplication sendAction:selectorFor(action) to:native_->window from:nil];
 }
@@ -226,40 +245,43 @@ void Window::Native::addSheet(Window& window, const std::shared_ptr<Sheet>& shee
         sheet->answerSafely();
         return;
     }
-    auto& sheets = window.native_->sheets_;
-    sheets.push_back(sheet);
-    if (sheets.size() == 1) {
-        showSheet(window);
-    }
+    window.native_->sheets_.push_back(sheet);
+    showSheet(window);
 }
 
 void Window::Native::showSheet(Window& window) {
+    Native& native = *window.native_;
+    // AppKit would select the tab to show its sheet: a page nobody looks at is not to come to the front so.
+    if (native.sheets_.empty() || native.isSheetShown_ || !isSelectedTab(native.window)) {
+        return;
+    }
+    native.isSheetShown_ = true;
     const std::weak_ptr<Window> weak = window.weak_from_this();
-    [window.native_->sheets_.front()->alert() beginSheetModalForWindow:window.native_->window
-                                                     completionHandler:^(NSModalResponse response) {
-                                                         if (const auto answered = weak.lock()) {
-                                                             sheetAnswered(*answered, response);
-                                                         }
-                                                     }];
+    [native.sheets_.front()->alert() beginSheetModalForWindow:native.window
+                                            completionHandler:^(NSModalResponse response) {
+                                                if (const auto answered = weak.lock()) {
+                                                    sheetAnswered(*answered, response);
+                                                }
+                                            }];
 }
 
 void Window::Native::sheetAnswered(Window& window, NSModalResponse response) noexcept {
-    auto& sheets = window.native_->sheets_;
-    if (sheets.empty()) { // answered for it when the window closed
+    Native& native = *window.native_;
+    if (native.sheets_.empty()) { // answered for it when the window closed
         return;
     }
-    const auto answered = std::exchange(sheets.front(), nullptr);
-    sheets.pop_front();
-    if (!sheets.empty()) {
-        showSheet(window);
-    }
+    const auto answered = std::exchange(native.sheets_.front(), nullptr);
+    native.sheets_.pop_front();
+    native.isSheetShown_ = false;
+    showSheet(window);
     answered->answer(response);
 }
 
 void Window::Native::answerSheets(Window& window) {
-    const auto unanswered = std::exchange(window.native_->sheets_, {});
-    if (!unanswered.empty()) {
-        [window.native_->window endSheet:unanswered.front()->alert().window];
+    Native& native = *window.native_;
+    const auto unanswered = std::exchange(native.sheets_, {});
+    if (std::exchange(native.isSheetShown_, false)) {
+        [native.window endSheet:unanswered.front()->alert().window];
     }
     for (const auto& sheet : unanswered) {
         sheet->answerSafely();

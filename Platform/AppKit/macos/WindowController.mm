@@ -54,6 +54,12 @@
     return Platform::validate(self, menuItem);
 }
 
+- (void)windowDidBecomeKey:(NSNotification*)notification {
+    if (const auto window = Platform::windowOf(notification.object)) {
+        Platform::Window::Native::becameKey(*window);
+    }
+}
+
 - (void)windowWillClose:(NSNotification*)notification {
     if (const auto window = Platform::windowOf(notification.object)) {
         Platform::Window::Native::willClose(*window);

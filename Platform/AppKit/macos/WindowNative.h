@@ -24,6 +24,9 @@ struct Window::Native {
     /// The window is on its way out: tells the delegate, once.
     static void willClose(Window& window) noexcept;
 
+    /// The window has the keyboard, and its tab is the selected one.
+    static void becameKey(Window& window) noexcept { showSheet(window); }
+
     static void addSheet(Window& window, const std::shared_ptr<Sheet>& sheet);
 
     NSWindow* __strong _Nonnull const window;
@@ -32,14 +35,15 @@ struct Window::Native {
     id<NSWindowDelegate> __strong _Nullable delegate;
 
 private:
+    /// Shows the sheet at the front as soon as nothing stands in its way.
     static void showSheet(Window& window);
     static void sheetAnswered(Window& window, NSModalResponse response) noexcept;
     static void answerSheets(Window& window);
     static void passFrameNameOn(const Window& window);
 
     bool isPrepared_ = false;
-    /// The one at the front is shown.
     std::deque<std::shared_ptr<Sheet>> sheets_;
+    bool isSheetShown_ = false;
 
     friend class Window;
 };

@@ -28,4 +28,5 @@
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 #include <AppKit/NSWindowController.h>
+#include <AppKit/NSWindowTabGroup.h>
 #include <Foundation/Foundation.h>

@@ -19,7 +19,7 @@ NS_ASSUME_NONNULL_BEGIN
 @property NSRect bounds;
 @property (readonly, getter=isFlipped) BOOL flipped;
 @property BOOL needsLayout API_AVAILABLE(macos(10.7));
-- (void)layout NS_REQUIRES_SUPER API_AVAILABLE(macos(10.7));
+- (void)layout API_AVAILABLE(macos(10.7));
 @property BOOL wantsLayer;
 @property (nullable, strong) CALayer* layer;
 @property (nullable, copy) NSString* toolTip;

@@ -5,7 +5,7 @@
 #include <AppKit/NSResponder.h>
 #include <AppKit/NSView.h>
 
-@class NSWindowController;
+@class NSWindowController, NSWindowTabGroup;
 @protocol NSWindowDelegate;
 
 NS_ASSUME_NONNULL_BEGIN
@@ -58,17 +58,19 @@ typedef NSString* NSWindowTabbingIdentifier;
 - (void)saveFrameUsingName:(NSWindowFrameAutosaveName)name;
 - (BOOL)setFrameAutosaveName:(NSWindowFrameAutosaveName)name;
 @property (readonly, copy) NSWindowFrameAutosaveName frameAutosaveName;
-- (void)endSheet:(NSWindow*)sheetWindow;
+- (void)endSheet:(NSWindow*)sheetWindow API_AVAILABLE(macos(10.9));
 @property (nullable, weak) __kindof NSWindowController* windowController;
 @property NSWindowTabbingMode tabbingMode API_AVAILABLE(macos(10.12));
 @property (copy) NSWindowTabbingIdentifier tabbingIdentifier API_AVAILABLE(macos(10.12));
 - (IBAction)selectNextTab:(nullable id)sender API_AVAILABLE(macos(10.12));
 - (IBAction)selectPreviousTab:(nullable id)sender API_AVAILABLE(macos(10.12));
 - (void)addTabbedWindow:(NSWindow*)window ordered:(NSWindowOrderingMode)ordered API_AVAILABLE(macos(10.12));
+@property (nullable, readonly, weak) NSWindowTabGroup* tabGroup API_AVAILABLE(macos(10.13));
 @end
 
 @protocol NSWindowDelegate <NSObject>
 @optional
+- (void)windowDidBecomeKey:(NSNotification*)notification;
 - (void)windowWillClose:(NSNotification*)notification;
 @end
 
