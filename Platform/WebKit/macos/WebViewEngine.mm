@@ -239,13 +239,17 @@ void WebViewEngine::stopLoading() {
 }
 
 void WebViewEngine::goBack() {
-    beginNavigation();
-    [view_ goBack];
+    if (view_.canGoBack) {
+        beginNavigation();
+        [view_ goBack];
+    }
 }
 
 void WebViewEngine::goForward() {
-    beginNavigation();
-    [view_ goForward];
+    if (view_.canGoForward) {
+        beginNavigation();
+        [view_ goForward];
+    }
 }
 
 void WebViewEngine::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {
