@@ -220,7 +220,9 @@ void WebViewEngine::refuse(const URL& url) {
 void WebViewEngine::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
     beginNavigation();
     ownPage_ = OwnPage{.baseURL = baseURL};
-    [view_ loadHTMLString:toNSString(html) baseURL:baseURL ? toNSURL(*baseURL) : nil];
+    // A relative reference is a base of nothing, and WebKit would ask about a page without any URL.
+    const bool isAbsolute = baseURL && baseURL->scheme();
+    [view_ loadHTMLString:toNSString(html) baseURL:isAbsolute ? toNSURL(*baseURL) : nil];
 }
 
 void WebViewEngine::reload() {
@@ -337,8 +339,8 @@ bool WebViewEngine::takesOwnPage(WKNavigationAction* action) {
         return false;
     }
     const auto& baseURL = ownPage_->baseURL;
-    const bool isOwnPage = url->absoluteString() == "about:blank" ||
-                           (baseURL && (*url == *baseURL || Origin(*url) == Origin(*baseURL)));
+    const bool isOwnPage =
+        url->absoluteString() == "about:blank" || (baseURL && Origin(*url) == Origin(*baseURL));
     if (isOwnPage) {
         ownPage_.reset();
     }
