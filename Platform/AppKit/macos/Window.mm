@@ -213,30 +213,29 @@ void Window::Native::willClose(Window& window) noexcept {
     // AppKit is not done with the window yet when the delegate lets it go.
     RunLoop::main().perform([keptAlive = window.shared_from_this()] {});
     answerSheets(window);
-    passFrameNameOn(window);
+    [window.native_->window setFrameAutosaveName:@""];
     if (const auto delegate = window.delegate_.lock()) {
         delegate->windowWillClose(window);
     }
 }
 
-/// AppKit lets one window have a frame's name. When that one closes, another that asked for it gets it, so
-/// that the frame goes on being kept.
-void Window::Native::passFrameNameOn(const Window& window) {
-    NSWindow* const closing = window.native_->window;
-    NSString* const name = toNSString(window.frameAutosaveName_);
-    if (window.frameAutosaveName_.empty() || ![closing.frameAutosaveName isEqualToString:name]) {
+void Window::Native::becameKey(Window& window) noexcept {
+    if (!window.closed_) {
+        takeFrameName(window);
+        showSheet(window);
+    }
+}
+
+/// AppKit lets one window have a frame's name. Once that one is closed the next that is used takes the name,
+/// so that the frame goes on being kept; it stays where it is.
+void Window::Native::takeFrameName(const Window& window) {
+    NSWindow* const native = window.native_->window;
+    if (window.frameAutosaveName_.empty() || native.frameAutosaveName.length > 0) {
         return;
     }
-    [closing setFrameAutosaveName:@""];
-    for (NSWindow* other in NSApplication.sharedApplication.windows) {
-        const auto heir = windowOf(other);
-        if (heir == nullptr || heir->closed_ || heir->frameAutosaveName_ != window.frameAutosaveName_) {
-            continue;
-        }
-        // With its own frame under it, the name does not move the window.
-        [other saveFrameUsingName:name];
-        [other setFrameAutosaveName:name];
-        return;
+    const NSRect frame = native.frame;
+    if ([native setFrameAutosaveName:toNSString(window.frameAutosaveName_)]) {
+        [native setFrame:frame display:YES];
     }
 }
 

@@ -25,7 +25,7 @@ struct Window::Native {
     static void willClose(Window& window) noexcept;
 
     /// The window has the keyboard, and its tab is the selected one.
-    static void becameKey(Window& window) noexcept { showSheet(window); }
+    static void becameKey(Window& window) noexcept;
 
     static void addSheet(Window& window, const std::shared_ptr<Sheet>& sheet);
 
@@ -39,7 +39,7 @@ private:
     static void showSheet(Window& window);
     static void sheetAnswered(Window& window, NSModalResponse response) noexcept;
     static void answerSheets(Window& window);
-    static void passFrameNameOn(const Window& window);
+    static void takeFrameName(const Window& window);
 
     bool isPrepared_ = false;
     std::deque<std::shared_ptr<Sheet>> sheets_;
