@@ -38,7 +38,8 @@ void addSeparator(Menu& menu) { menu.addItem(MenuItem::createSeparator()); }
 } // namespace
 
 AppDelegate::AppDelegate()
-    : bookmarks_(std::make_shared<KeyloftBrowserKit::BookmarkStore>(bookmarksFile()))
+    : ApplicationDelegate("AppDelegate")
+    , bookmarks_(std::make_shared<KeyloftBrowserKit::BookmarkStore>(bookmarksFile()))
     , bookmarksMenu_(Menu::create("Bookmarks")) {}
 
 std::shared_ptr<AppDelegate> AppDelegate::create() {

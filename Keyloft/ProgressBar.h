@@ -24,7 +24,8 @@ public:
     void layout() override;
 
 protected:
-    ProgressBar() = default;
+    ProgressBar()
+        : View("ProgressBar") {}
 
 private:
     std::shared_ptr<Platform::View> fill_ = Platform::View::create();

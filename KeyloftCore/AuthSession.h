@@ -32,7 +32,7 @@ namespace KeyloftCore {
 /// A started session keeps itself alive until its completion has been called; from then on only its creator
 /// does. As long as the creator holds it, the window, hidden by then, and its page are still there, and what
 /// the page does is logged and changes nothing.
-class AuthSession : public Platform::NavigationDelegate,
+class AuthSession : public Platform::NavigationPolicyDelegate,
                     public Platform::UIDelegate,
                     public Platform::ScriptMessageHandler,
                     public std::enable_shared_from_this<AuthSession> {

@@ -39,8 +39,8 @@ constexpr std::chrono::milliseconds pauseWithoutDescriptors(1000);
 
 /// Which file a path leads to.
 struct FileIdentity {
-    std::uint64_t dev;
-    std::uint64_t ino;
+    dev_t dev;
+    ino_t ino;
 
     static std::optional<FileIdentity> of(const std::string& path) {
         struct stat status = {};

@@ -5,6 +5,8 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
 elseif(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
   set(KEYLOFT_SYSTEM macos)
   enable_language(OBJCXX)
+  set(CMAKE_OBJCXX_STANDARD 23)
+  set(CMAKE_OBJCXX_EXTENSIONS OFF)
 else()
   message(FATAL_ERROR "Keyloft has no Platform for ${CMAKE_SYSTEM_NAME}: Linux and macOS only.")
 endif()
@@ -15,6 +17,14 @@ target_compile_options(KeyloftOptions INTERFACE -Wall -Wextra -Werror)
 # GCC 12 sees overlapping copies in its own string concatenation (its bug 105651).
 target_compile_options(KeyloftOptions INTERFACE
   "$<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>")
+if(KEYLOFT_SYSTEM STREQUAL "macos")
+  # A selector nobody declares, a protocol half implemented, something newer than the oldest system without a check: each
+  # is an error.
+  set(objective_c -fobjc-arc -Wundeclared-selector -Wprotocol -Wincomplete-implementation -Wstrict-selector-match
+                  -Wsuper-class-method-mismatch -Wnullable-to-nonnull-conversion -Wimplicit-retain-self
+                  -Warc-repeated-use-of-weak -Wunguarded-availability)
+  target_compile_options(KeyloftOptions INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:${objective_c}>" -Wunguarded-availability)
+endif()
 target_include_directories(KeyloftOptions INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
 if(KEYLOFT_SANITIZE)
   target_compile_options(KeyloftOptions INTERFACE "-fsanitize=${KEYLOFT_SANITIZE}" -fno-omit-frame-pointer
@@ -39,6 +49,15 @@ function(keyloft_library name alias)
   # Our own options stay at home: whoever links an installed library has warnings of their own.
   target_link_libraries(${name} PUBLIC "$<BUILD_INTERFACE:KeyloftOptions>" ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
   target_compile_features(${name} PUBLIC cxx_std_23)
+endfunction()
+
+# keyloft_frameworks(NAME FRAMEWORK…)
+#
+# Links a library, and whoever links it, to frameworks of macOS.
+function(keyloft_frameworks name)
+  foreach(framework IN LISTS ARGN)
+    target_link_libraries(${name} PUBLIC "-framework ${framework}")
+  endforeach()
 endfunction()
 
 # keyloft_test(NAME [DISPLAY | PROVIDER_NETWORK] [TIMEOUT seconds] SOURCES … LINK …)

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Platform {
@@ -25,6 +26,16 @@ public:
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
 
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
+
+protected:
+    /// `className` is the name under which an object runtime, where there is one, knows the class.
+    explicit ApplicationDelegate(std::string_view className = {})
+        : className_(className) {}
+
+private:
+    friend class Application;
+
+    std::string className_;
 };
 
 /// The one application object. Main thread only.
@@ -62,7 +73,7 @@ public:
     void setWindowsMenu(const std::shared_ptr<Menu>& menu);
 
     /// The selected tab of the window that the user last worked in; menus, sheets and other programs do not
-    /// change it.
+    /// change it. On macOS there is none while the application is not the active one.
     std::shared_ptr<Window> mainWindow() const;
 
     /// Brings the program to the front.

@@ -24,7 +24,7 @@ public:
 
     /// What the control stands for, on macOS its cell's represented object.
     const std::optional<URL>& representedURL() const { return representedURL_; }
-    void setRepresentedURL(const std::optional<URL>& url) { representedURL_ = url; }
+    void setRepresentedURL(const std::optional<URL>& url);
 
     /// Sends the action, as the user's click or Return does.
     void sendAction();
@@ -36,6 +36,8 @@ protected:
     virtual void applyFont(Native& native) = 0;
 
 private:
+    friend struct ControlNative;
+
     bool enabled_ = true;
     std::optional<Font> font_;
     std::weak_ptr<Responder> target_;

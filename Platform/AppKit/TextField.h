@@ -32,7 +32,7 @@ public:
 
     /// The text as it now stands, the user's changes included. Line breaks that are set are dropped, as the
     /// field has one line.
-    const std::string& stringValue() const { return stringValue_; }
+    std::string stringValue() const;
     void setStringValue(const std::string& value);
 
     const std::string& placeholder() const { return placeholder_; }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Platform {
@@ -40,7 +41,7 @@ public:
 
     /// Where the view stands in its superview. For a view inside a stack or under constraints the layout
     /// decides.
-    Rect frame() const { return frame_; }
+    Rect frame() const;
     void setFrame(const Rect& frame);
 
     bool isHidden() const { return hidden_; }
@@ -85,7 +86,8 @@ public:
     const SizeConstraints& sizeConstraints() const { return sizeConstraints_; }
 
 protected:
-    View();
+    /// `className` is the name under which an object runtime, where there is one, knows the class.
+    explicit View(std::string_view className = {});
 
     virtual std::unique_ptr<Native> makeNative();
 
@@ -97,6 +99,7 @@ private:
     friend class Window;
     friend struct ViewLayout;
 
+    std::string className_;
     std::weak_ptr<View> superview_;
     std::weak_ptr<Window> window_; // set on a content view only
     std::vector<std::shared_ptr<View>> subviews_;

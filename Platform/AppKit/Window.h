@@ -23,7 +23,7 @@ public:
 /// A window, or one tab of a window that several share. Main thread only.
 ///
 /// Windows with the same tabbing identifier may be tabs of one native window; each still has its own title,
-/// content and first responder. Nothing native is made before the window is first shown.
+/// content and first responder. On Linux nothing native is made before the window is first shown.
 class Window : public Responder, public std::enable_shared_from_this<Window> {
 public:
     struct Style {
@@ -45,7 +45,7 @@ public:
     Size contentSize() const { return contentSize_; }
     const Style& style() const { return style_; }
 
-    /// The least size of the content.
+    /// The least size that the user can give it: of the content, or on macOS of the window with its frame.
     Size minSize() const { return minSize_; }
     void setMinSize(Size size);
 
@@ -72,8 +72,8 @@ public:
 
     /// Shows the window, selects its tab and gives it the keyboard.
     void makeKeyAndOrderFront();
-    /// Takes the window, with all tabs that share its native one, off the screen. It keeps its content, which
-    /// goes on as before, and may be shown again.
+    /// Takes the window off the screen, on Linux with all tabs that share its native one. It keeps its
+    /// content, which goes on as before, and may be shown again.
     void orderOut();
 
     bool isVisible() const;

@@ -2,8 +2,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <utility>
@@ -141,12 +139,11 @@ void appendLiteral(std::string& out, std::string_view text, JSONSlashes slashes)
 std::string numberText(double value) {
     // 2^53: beyond it not every integer has a double of its own, and shortest notation is as good.
     constexpr double exactIntegers = 9007199254740992.0;
-    std::array<char, 32> buffer{};
-    const auto result =
-        std::trunc(value) == value && std::abs(value) <= exactIntegers
-            ? std::to_chars(buffer.data(), buffer.data() + buffer.size(), static_cast<std::int64_t>(value))
-            : std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    return {buffer.data(), result.ptr};
+    if (std::trunc(value) == value && std::abs(value) <= exactIntegers) {
+        return std::to_string(static_cast<std::int64_t>(value));
+    }
+    // The C++ library of macOS 13.0 cannot do this yet.
+    return nlohmann::json(value).dump();
 }
 
 class Writer {

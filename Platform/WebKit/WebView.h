@@ -63,6 +63,7 @@ public:
     /// Swiping sideways goes back and forward.
     void setAllowsBackForwardNavigationGestures(bool allows);
 
+    /// Whether it is a `NavigationPolicyDelegate` is read now.
     void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate);
     void setUIDelegate(const std::weak_ptr<UIDelegate>& delegate);
 

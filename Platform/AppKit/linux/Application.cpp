@@ -1,6 +1,7 @@
 #include "Platform/AppKit/Application.h"
 
 #include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/StartArguments.h"
 #include "Platform/AppKit/WindowController.h"
 #include "Platform/AppKit/linux/Acceleration.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
@@ -20,16 +21,6 @@
 namespace Platform {
 
 namespace {
-
-/// The arguments that are URLs with a scheme, exactly as given.
-std::vector<URL> urlsOf(std::span<char* const> arguments) {
-    std::vector<URL> urls;
-    for (const char* argument : arguments) {
-        if (auto url = URL::fromString(argument); url && url->scheme())
-            urls.push_back(std::move(*url));
-    }
-    return urls;
-}
 
 bool isMade = false;
 
@@ -178,15 +169,6 @@ std::shared_ptr<Window> Application::mainWindow() const {
 void Application::activateIgnoringOtherApps() {
     if (const auto host = native_->frontHost())
         gtk_window_present(host->toplevel());
-}
-
-bool Application::sendAction(Action action, const std::shared_ptr<Responder>& target,
-                             const ActionSender& sender) {
-    const auto receiver = target ? target : targetForAction(action);
-    if (!receiver || !receiver->respondsTo(action))
-        return false;
-    receiver->perform(action, sender);
-    return true;
 }
 
 std::shared_ptr<Responder> Application::targetForAction(Action action) const {

@@ -24,6 +24,8 @@ void Control::setTarget(const std::weak_ptr<Responder>& target, Action action) {
     action_ = action;
 }
 
+void Control::setRepresentedURL(const std::optional<URL>& url) { representedURL_ = url; }
+
 void Control::sendAction() {
     if (!action_)
         return;

@@ -38,6 +38,8 @@ TextField::TextField() { setContentHuggingPriority(LayoutPriorities::defaultLow,
 
 std::shared_ptr<TextField> TextField::create() { return std::make_shared<MadeTextField>(); }
 
+std::string TextField::stringValue() const { return stringValue_; }
+
 void TextField::setStringValue(const std::string& value) {
     std::string line = value;
     std::erase_if(line, [](char c) { return c == '\n' || c == '\r'; });

@@ -55,7 +55,10 @@ View* viewOfWidget(GtkWidget* widget) {
     return nullptr;
 }
 
-View::View() { assertMainThread("View"); }
+View::View(std::string_view className)
+    : className_(className) {
+    assertMainThread("View");
+}
 
 View::~View() = default;
 
@@ -92,6 +95,8 @@ std::shared_ptr<Window> View::window() const {
         window = view->window_.lock();
     return window;
 }
+
+Rect View::frame() const { return frame_; }
 
 void View::setFrame(const Rect& frame) {
     if (frame_ == frame)

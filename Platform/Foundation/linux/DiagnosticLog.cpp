@@ -1,5 +1,7 @@
 #include "Platform/Foundation/DiagnosticLog.h"
 
+#include "Platform/Foundation/LogText.h"
+
 #include <pthread.h>
 #include <unistd.h>
 
@@ -26,39 +28,6 @@ std::string prefix() {
     std::snprintf(fraction.data(), fraction.size(), ".%03d ", static_cast<int>(now.tv_nsec / 1'000'000));
     return std::string(date.data(), dateLength) + fraction.data() + program_invocation_short_name + '[' +
            std::to_string(getpid()) + "] ";
-}
-
-void appendEscape(std::string& line, unsigned char byte) {
-    static constexpr std::string_view digits = "0123456789abcdef";
-    switch (byte) {
-    case '\n':
-        line += "\\n";
-        return;
-    case '\r':
-        line += "\\r";
-        return;
-    default:
-        line += "\\x";
-        line += digits[byte >> 4U];
-        line += digits[byte & 0xFU];
-    }
-}
-
-void appendHarmless(std::string& line, std::string_view text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
-        // U+0080 to U+009F are controls as well; in UTF-8 they are C2 80 to C2 9F.
-        const bool isHighControl = byte == 0xC2 && next >= 0x80 && next < 0xA0;
-        if ((byte < 0x20 && byte != '\t') || byte == 0x7F) {
-            appendEscape(line, byte);
-        } else if (isHighControl) {
-            appendEscape(line, next);
-            ++i;
-        } else {
-            line += text[i];
-        }
-    }
 }
 
 /// Keeps a broken pipe from ending the process while it lives, without touching the process's signal
@@ -93,10 +62,7 @@ private:
 } // namespace
 
 void diagnosticLog(std::string_view text) {
-    std::string line = prefix();
-    line.reserve(line.size() + text.size() + 1);
-    appendHarmless(line, text);
-    line += '\n';
+    const std::string line = prefix() + escapingControlCharacters(text) + '\n';
 
     const BrokenPipeSignalBlock block;
     std::string_view rest = line;

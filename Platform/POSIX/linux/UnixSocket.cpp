@@ -1,14 +1,12 @@
 #include "Platform/POSIX/UnixSocket.h"
 
-#include <pthread.h>
+#include "Platform/POSIX/Writing.h"
+
 #include <sys/socket.h>
 #include <sys/time.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
-#include <csignal>
-#include <ctime>
 
 namespace Platform {
 
@@ -21,40 +19,6 @@ bool isAbstract(const sockaddr_un& address) {
         return true;
     }
     return false;
-}
-
-/// `write` on a descriptor that is no socket, with the SIGPIPE it may raise taken back before anyone sees it.
-ssize_t writeHoldingBackSignal(int descriptor, const void* bytes, std::size_t count) {
-    sigset_t pipeSignal;
-    sigemptyset(&pipeSignal);
-    sigaddset(&pipeSignal, SIGPIPE);
-    sigset_t previous;
-    pthread_sigmask(SIG_BLOCK, &pipeSignal, &previous);
-    sigset_t pending;
-    sigpending(&pending);
-    const bool wasPending = sigismember(&pending, SIGPIPE) == 1;
-
-    const ssize_t written = write(descriptor, bytes, count);
-    const int error = errno;
-    if (written < 0 && error == EPIPE && !wasPending) {
-        const timespec noTime = {};
-        while (sigtimedwait(&pipeSignal, nullptr, &noTime) < 0 && errno == EINTR) {
-        }
-    }
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-    errno = error;
-    return written;
-}
-
-/// The kernel reports a send that ran into its time-out as a success with fewer bytes.
-bool hasTimedOut(int descriptor, std::chrono::steady_clock::duration waited) {
-    timeval timeout = {};
-    socklen_t length = sizeof timeout;
-    if (getsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &timeout, &length) != 0) {
-        return false;
-    }
-    const auto limit = std::chrono::seconds(timeout.tv_sec) + std::chrono::microseconds(timeout.tv_usec);
-    return limit.count() != 0 && waited >= limit;
 }
 
 } // namespace

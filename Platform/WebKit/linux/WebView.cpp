@@ -474,7 +474,7 @@ bool WebView::Engine::takesOwnPage(const NavigationQuestion& question) {
 }
 
 void WebView::Engine::ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested) {
-    const auto delegate = navigationDelegate.lock();
+    const auto delegate = std::dynamic_pointer_cast<NavigationPolicyDelegate>(navigationDelegate.lock());
     if (!delegate) {
         answer(*question, NavigationActionPolicy::allow, isRequested);
         return;

@@ -14,7 +14,7 @@ using TestSupport::runUntil;
 namespace {
 
 /// Keeps what it was asked and told, and answers as the test says.
-struct PolicyDelegate final : NavigationDelegate {
+struct PolicyDelegate final : NavigationPolicyDelegate {
     void decidePolicy(WebView& /*webView*/, const NavigationAction& action,
                       const DecisionHandler& decisionHandler) override {
         actions.push_back(action);
@@ -42,12 +42,12 @@ protected:
 
     /// Cancels what goes to `path` of the server and allows the rest.
     void cancelOnly(const std::string& path) {
-        delegate->onQuestion = [blocked =
-                                    server.url(path)](const NavigationAction& action,
-                                                      const NavigationDelegate::DecisionHandler& decide) {
-            decide(textOf(action.url).starts_with(blocked) ? NavigationActionPolicy::cancel
-                                                           : NavigationActionPolicy::allow);
-        };
+        delegate->onQuestion =
+            [blocked = server.url(path)](const NavigationAction& action,
+                                         const NavigationPolicyDelegate::DecisionHandler& decide) {
+                decide(textOf(action.url).starts_with(blocked) ? NavigationActionPolicy::cancel
+                                                               : NavigationActionPolicy::allow);
+            };
     }
     bool waitForQuestions(std::size_t count) const {
         return runUntil([&] { return delegate->actions.size() >= count; });
@@ -62,7 +62,7 @@ class HTMLString : public NavigationPolicy {
 protected:
     HTMLString() {
         delegate->onQuestion = [](const NavigationAction&,
-                                  const NavigationDelegate::DecisionHandler& decide) {
+                                  const NavigationPolicyDelegate::DecisionHandler& decide) {
             decide(NavigationActionPolicy::cancel);
         };
     }
@@ -180,7 +180,7 @@ TEST_F(NavigationPolicy, theFirstAnswerCounts) {
 }
 
 TEST_F(NavigationPolicy, anAnswerMayComeLater) {
-    NavigationDelegate::DecisionHandler kept;
+    NavigationPolicyDelegate::DecisionHandler kept;
     delegate->onQuestion = [&kept](const auto&, const auto& decide) { kept = decide; };
     server.route("/page", HTTPResponse::page("Page"));
     view->load(request(server.url("/page")));
@@ -192,7 +192,7 @@ TEST_F(NavigationPolicy, anAnswerMayComeLater) {
 }
 
 TEST_F(NavigationPolicy, anAnswerThatNeverComesIsNo) {
-    NavigationDelegate::DecisionHandler kept;
+    NavigationPolicyDelegate::DecisionHandler kept;
     delegate->onQuestion = [&kept](const auto&, const auto& decide) { kept = decide; };
     view->load(request(server.url("/page")));
     ASSERT_TRUE(waitForQuestions(1));
@@ -205,7 +205,7 @@ TEST_F(NavigationPolicy, anAnswerThatNeverComesIsNo) {
 }
 
 TEST_F(NavigationPolicy, anAnswerMayComeAfterTheView) {
-    NavigationDelegate::DecisionHandler kept;
+    NavigationPolicyDelegate::DecisionHandler kept;
     delegate->onQuestion = [&kept](const auto&, const auto& decide) { kept = decide; };
     view->load(request(server.url("/page")));
     ASSERT_TRUE(waitForQuestions(1));

@@ -1,0 +1,14 @@
+#include "Platform/AppKit/Application.h"
+
+namespace Platform {
+
+bool Application::sendAction(Action action, const std::shared_ptr<Responder>& target,
+                             const ActionSender& sender) {
+    const auto receiver = target ? target : targetForAction(action);
+    if (!receiver || !receiver->respondsTo(action))
+        return false;
+    receiver->perform(action, sender);
+    return true;
+}
+
+} // namespace Platform

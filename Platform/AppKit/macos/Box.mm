@@ -1,0 +1,18 @@
+#include "Platform/AppKit/Box.h"
+
+#include "Platform/AppKit/macos/ViewNative.h"
+
+namespace Platform {
+
+std::shared_ptr<Box> Box::createSeparator() {
+    struct Made : Box {};
+    return std::make_shared<Made>();
+}
+
+std::unique_ptr<View::Native> Box::makeNative() {
+    NSBox* const box = [[NSBox alloc] initWithFrame:NSZeroRect];
+    box.boxType = NSBoxSeparator;
+    return std::make_unique<Native>(box);
+}
+
+} // namespace Platform

@@ -1,0 +1,89 @@
+#include "Platform/AppKit/Button.h"
+
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/macos/ControlNative.h"
+#include "Platform/Foundation/FatalError.h"
+#include "Platform/Foundation/macos/Conversions.h"
+
+namespace Platform {
+
+namespace {
+
+NSButton* buttonOf(View::Native& native) { return static_cast<NSButton*>(ControlNative::of(native).control); }
+
+NSBezelStyle toNSBezelStyle(Button::BezelStyle style) {
+    return style == Button::BezelStyle::recessed ? NSBezelStyleRecessed : NSBezelStyleTexturedRounded;
+}
+
+} // namespace
+
+std::shared_ptr<Button> Button::create() {
+    struct Made : Button {};
+    return std::make_shared<Made>();
+}
+
+std::shared_ptr<Button> Button::create(const std::string& title, const std::weak_ptr<Responder>& target,
+                                       Action action) {
+    auto button = create();
+    button->title_ = title;
+    button->setTarget(target, action);
+    return button;
+}
+
+void Button::setImage(const Image& image) {
+    assertMainThread("Button::setImage");
+    image_ = image;
+    if (Native* const made = nativeIfMade()) {
+        applyImage(*made);
+    }
+}
+
+void Button::setBezelStyle(BezelStyle style) {
+    assertMainThread("Button::setBezelStyle");
+    bezelStyle_ = style;
+    if (Native* const made = nativeIfMade()) {
+        applyStyle(*made);
+    }
+}
+
+void Button::setBordered(bool bordered) {
+    assertMainThread("Button::setBordered");
+    bordered_ = bordered;
+    if (Native* const made = nativeIfMade()) {
+        applyStyle(*made);
+    }
+}
+
+std::unique_ptr<View::Native> Button::makeNative() {
+    auto native = std::make_unique<ControlNative>([NSButton buttonWithTitle:toNSString(title_)
+                                                                     target:nil
+                                                                     action:nil]);
+    applyStyle(*native);
+    applyImage(*native);
+    native->takeOver(*this);
+    return native;
+}
+
+void Button::applyImage(Native& native) const {
+    if (!image_) {
+        return;
+    }
+    NSImage* const symbol = [NSImage imageWithSystemSymbolName:toNSString(image_->symbolName)
+                                      accessibilityDescription:toNSString(image_->accessibilityDescription)];
+    if (symbol == nil) {
+        fatalError("there is no system symbol " + image_->symbolName);
+    }
+    NSButton* const button = buttonOf(native);
+    button.image = symbol;
+    button.imagePosition = NSImageOnly;
+}
+
+void Button::applyStyle(Native& native) const {
+    NSButton* const button = buttonOf(native);
+    button.bezelStyle = toNSBezelStyle(bezelStyle_);
+    button.bordered = bordered_;
+}
+
+void Button::applyFont(Native& native) { ControlNative::of(native).applyFont(*this); }
+
+} // namespace Platform

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Platform/AppKit/Menu.h"
+#include "Platform/AppKit/View.h"
+#include "Platform/AppKit/Window.h"
+
+#import <AppKit/AppKit.h>
+
+#include <memory>
+
+/// From AppKit's objects back to ours. AppKit's object holds ours weakly; ours owns AppKit's. Main thread
+/// only.
+namespace Platform {
+
+void setReference(NSView* _Nonnull native, const std::weak_ptr<View>& view);
+void setReference(NSWindow* _Nonnull native, const std::weak_ptr<Window>& window);
+void setReference(NSMenu* _Nonnull native, const std::weak_ptr<Menu>& menu);
+void setReference(NSMenuItem* _Nonnull native, const std::weak_ptr<MenuItem>& item);
+
+/// Nothing for what is not ours, or once ours has gone.
+std::shared_ptr<View> viewOf(id _Nullable native);
+std::shared_ptr<Window> windowOf(id _Nullable native);
+std::shared_ptr<Menu> menuOf(id _Nullable native);
+std::shared_ptr<MenuItem> menuItemOf(id _Nullable native);
+
+/// Our view that `responder` belongs to: its own, the one around it, or the field that it edits the text of.
+std::shared_ptr<View> viewAround(NSResponder* _Nullable responder);
+
+} // namespace Platform

@@ -1,0 +1,87 @@
+#include "Platform/AppKit/macos/NativeReference.h"
+
+#import <objc/runtime.h>
+
+#include <variant>
+
+namespace {
+
+using Referenced = std::variant<std::weak_ptr<Platform::View>, std::weak_ptr<Platform::Window>,
+                                std::weak_ptr<Platform::Menu>, std::weak_ptr<Platform::MenuItem>>;
+
+} // namespace
+
+@interface KeyloftReference : NSObject {
+@public
+    Referenced referenced;
+}
+@end
+
+@implementation KeyloftReference
+@end
+
+namespace Platform {
+
+namespace {
+
+/// Its address is the key under which an object keeps its reference.
+constexpr char referenceKey = 0;
+
+void attach(const Referenced& referenced, id native) {
+    KeyloftReference* const reference = [[KeyloftReference alloc] init];
+    reference->referenced = referenced;
+    objc_setAssociatedObject(native, &referenceKey, reference, OBJC_ASSOCIATION_RETAIN_NONATOMIC);
+}
+
+template <typename Type>
+std::shared_ptr<Type> referencedBy(id native) {
+    KeyloftReference* const reference = native != nil ? objc_getAssociatedObject(native, &referenceKey) : nil;
+    if (reference == nil) {
+        return nullptr;
+    }
+    const auto* const weak = std::get_if<std::weak_ptr<Type>>(&reference->referenced);
+    return weak != nullptr ? weak->lock() : nullptr;
+}
+
+/// The window's one editor of text stands in for the field that it edits, which is its delegate.
+NSResponder* editedField(NSResponder* responder) {
+    if (![responder isKindOfClass:NSText.class]) {
+        return responder;
+    }
+    NSText* const text = static_cast<NSText*>(responder);
+    const id field = text.fieldEditor ? text.delegate : nil;
+    return [field isKindOfClass:NSResponder.class] ? field : responder;
+}
+
+} // namespace
+
+void setReference(NSView* native, const std::weak_ptr<View>& view) { attach(view, native); }
+
+void setReference(NSWindow* native, const std::weak_ptr<Window>& window) { attach(window, native); }
+
+void setReference(NSMenu* native, const std::weak_ptr<Menu>& menu) { attach(menu, native); }
+
+void setReference(NSMenuItem* native, const std::weak_ptr<MenuItem>& item) { attach(item, native); }
+
+std::shared_ptr<View> viewOf(id native) { return referencedBy<View>(native); }
+
+std::shared_ptr<Window> windowOf(id native) { return referencedBy<Window>(native); }
+
+std::shared_ptr<Menu> menuOf(id native) { return referencedBy<Menu>(native); }
+
+std::shared_ptr<MenuItem> menuItemOf(id native) { return referencedBy<MenuItem>(native); }
+
+std::shared_ptr<View> viewAround(NSResponder* responder) {
+    NSResponder* const first = editedField(responder);
+    if (![first isKindOfClass:NSView.class]) {
+        return nullptr;
+    }
+    for (NSView* native = static_cast<NSView*>(first); native != nil; native = native.superview) {
+        if (auto view = viewOf(native)) {
+            return view;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace Platform

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Platform/AppKit/Responder.h"
+
+#import <AppKit/AppKit.h>
+
+#include <memory>
+#include <string_view>
+
+/// An object of AppKit that stands for one of our responders in AppKit's responder chain: a window's
+/// controller, the application's delegate. It holds it weakly.
+@protocol KeyloftResponderProxy <NSObject, NSMenuItemValidation>
+- (std::shared_ptr<Platform::Responder>)keyloftResponder;
+@end
+
+namespace Platform {
+
+/// Gives every action's selector a method that performs the action on the proxy's responder. To be called
+/// once for each proxy class, in its `initialize`.
+void addActionMethods(Class _Nonnull proxyClass);
+
+/// What a proxy's `respondsToSelector:` answers where the selector is an action's: whether its responder
+/// does.
+bool isAction(SEL _Nonnull selector);
+bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
+
+/// What a proxy's `validateMenuItem:` does: asks the responder about our item, and shows the title that it
+/// leaves.
+BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem) noexcept;
+
+/// What AppKit takes as the target of `responder`'s actions: the object that stands for it, or a new one,
+/// which the caller keeps. nil for nothing.
+id _Nullable targetFor(const std::shared_ptr<Responder>& responder);
+
+/// Our responder behind an object of AppKit's responder chain, or nothing.
+std::shared_ptr<Responder> responderOf(id _Nullable native);
+
+/// The subclass of a proxy class that the object runtime knows under the name a module gives. Made at the
+/// first call; stops the process where the name belongs to a class of another kind.
+Class _Nonnull registeredSubclass(Class _Nonnull proxyClass, std::string_view name);
+
+/// For initialisers that nobody may call, `initWithCoder:` above all.
+[[noreturn]] void notSupported();
+
+} // namespace Platform

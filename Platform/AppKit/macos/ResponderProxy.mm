@@ -1,0 +1,134 @@
+#include "Platform/AppKit/macos/ResponderProxy.h"
+
+#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/Control.h"
+#include "Platform/AppKit/WindowController.h"
+#include "Platform/AppKit/macos/ActionSelectors.h"
+#include "Platform/AppKit/macos/NativeReference.h"
+#include "Platform/AppKit/macos/WindowNative.h"
+#include "Platform/Foundation/FatalError.h"
+#include "Platform/Foundation/macos/Conversions.h"
+
+#import <objc/runtime.h>
+
+#include <string>
+
+/// The target of a control where AppKit has no object that stands for it.
+@interface KeyloftActionTarget : NSObject <KeyloftResponderProxy> {
+@public
+    std::weak_ptr<Platform::Responder> responder;
+}
+@end
+
+@implementation KeyloftActionTarget
+
++ (void)initialize {
+    if (self == KeyloftActionTarget.class) {
+        Platform::addActionMethods(self);
+    }
+}
+
+- (std::shared_ptr<Platform::Responder>)keyloftResponder {
+    return responder.lock();
+}
+
+- (BOOL)respondsToSelector:(SEL)selector {
+    return Platform::isAction(selector) ? Platform::respondsTo(self, selector)
+                                        : [super respondsToSelector:selector];
+}
+
+- (BOOL)validateMenuItem:(NSMenuItem*)menuItem {
+    return Platform::validate(self, menuItem);
+}
+
+@end
+
+namespace Platform {
+
+namespace {
+
+/// The method behind every action's selector. Must not throw: AppKit's frames lie behind it.
+void performAction(id<KeyloftResponderProxy> self, SEL selector, id sender) noexcept {
+    const auto responder = [self keyloftResponder];
+    const auto action = actionFor(selector);
+    if (responder == nullptr || !action) {
+        return;
+    }
+    // Kept until the action has been performed, whatever it closes.
+    const auto control = std::dynamic_pointer_cast<Control>(viewOf(sender));
+    const auto menuItem = menuItemOf(sender);
+    responder->perform(*action, {.control = control.get(), .menuItem = menuItem.get()});
+}
+
+} // namespace
+
+void addActionMethods(Class proxyClass) {
+    for (const auto& entry : actionSelectors()) {
+        class_addMethod(proxyClass, entry.selector, reinterpret_cast<IMP>(&performAction), "v@:@");
+    }
+}
+
+bool isAction(SEL selector) { return actionFor(selector).has_value(); }
+
+bool respondsTo(id<KeyloftResponderProxy> proxy, SEL selector) noexcept {
+    const auto responder = [proxy keyloftResponder];
+    const auto action = actionFor(selector);
+    return responder != nullptr && action && responder->respondsTo(*action);
+}
+
+BOOL validate(id<KeyloftResponderProxy> proxy, NSMenuItem* nativeItem) noexcept {
+    const auto responder = [proxy keyloftResponder];
+    const auto item = menuItemOf(nativeItem);
+    if (responder == nullptr || item == nullptr) {
+        return NO;
+    }
+    const bool enabled = responder->validateMenuItem(*item);
+    nativeItem.title = toNSString(item->title());
+    return enabled ? YES : NO;
+}
+
+id targetFor(const std::shared_ptr<Responder>& responder) {
+    if (responder == nullptr) {
+        return nil;
+    }
+    const auto controller = std::dynamic_pointer_cast<WindowController>(responder);
+    if (controller != nullptr && controller->window() != nullptr) {
+        return controller->window()->native().controller;
+    }
+    KeyloftActionTarget* const target = [[KeyloftActionTarget alloc] init];
+    target->responder = responder;
+    return target;
+}
+
+std::shared_ptr<Responder> responderOf(id native) {
+    if ([native conformsToProtocol:@protocol(KeyloftResponderProxy)]) {
+        return [static_cast<id<KeyloftResponderProxy>>(native) keyloftResponder];
+    }
+    if (native == NSApplication.sharedApplication) {
+        return {std::shared_ptr<void>(), &Application::shared()}; // lives as long as the process
+    }
+    if (auto window = windowOf(native)) {
+        return window;
+    }
+    return viewAround(native);
+}
+
+Class registeredSubclass(Class proxyClass, std::string_view name) {
+    const std::string className(name);
+    if (const Class known = objc_lookUpClass(className.c_str()); known != Nil) {
+        if (class_getSuperclass(known) != proxyClass) {
+            fatalError("the name " + className + " belongs to another class");
+        }
+        return known;
+    }
+    const Class made = objc_allocateClassPair(proxyClass, className.c_str(), 0);
+    if (made == Nil) {
+        fatalError("the class " + className + " could not be made");
+    }
+    objc_registerClassPair(made);
+    return made;
+}
+
+void notSupported() { fatalError("not supported"); }
+
+} // namespace Platform

@@ -1,0 +1,183 @@
+#include "Platform/AppKit/TextField.h"
+
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/macos/ActionSelectors.h"
+#include "Platform/AppKit/macos/NativeReference.h"
+#include "Platform/AppKit/macos/TextFieldNative.h"
+#include "Platform/Foundation/macos/Conversions.h"
+
+#include <algorithm>
+
+@interface KeyloftTextFieldDelegate : NSObject <NSTextFieldDelegate>
+@end
+
+@implementation KeyloftTextFieldDelegate
+
+- (void)controlTextDidBeginEditing:(NSNotification*)obj {
+    Platform::TextFieldEvents::didBegin(obj.object);
+}
+
+- (void)controlTextDidEndEditing:(NSNotification*)obj {
+    NSNumber* const movement = obj.userInfo[NSTextMovementUserInfoKey];
+    Platform::TextFieldEvents::didEnd(obj.object, static_cast<NSTextMovement>(movement.integerValue));
+}
+
+- (BOOL)control:(NSControl*)control textView:(NSTextView*)textView doCommandBySelector:(SEL)commandSelector {
+    return commandSelector == @selector(cancelOperation:) &&
+           Platform::TextFieldEvents::cancelled(static_cast<NSTextField*>(control));
+}
+
+@end
+
+namespace Platform {
+
+namespace {
+
+std::shared_ptr<TextField> textFieldOf(id field) {
+    return std::dynamic_pointer_cast<TextField>(viewOf(field));
+}
+
+TextMovement fromNSTextMovement(NSTextMovement movement) {
+    switch (movement) {
+    case NSTextMovementReturn:
+        return TextMovement::returnKey;
+    case NSTextMovementTab:
+        return TextMovement::tab;
+    case NSTextMovementBacktab:
+        return TextMovement::backtab;
+    case NSTextMovementCancel:
+        return TextMovement::cancel;
+    default:
+        return TextMovement::other;
+    }
+}
+
+} // namespace
+
+TextField::TextField() = default;
+
+std::shared_ptr<TextField> TextField::create() {
+    struct Made : TextField {};
+    return std::make_shared<Made>();
+}
+
+std::string TextField::stringValue() const {
+    assertMainThread("TextField::stringValue");
+    Native* const made = nativeIfMade();
+    return made != nullptr ? fromNSString(TextFieldEvents::fieldOf(*made).stringValue) : stringValue_;
+}
+
+void TextField::setStringValue(const std::string& value) {
+    assertMainThread("TextField::setStringValue");
+    std::string line = value;
+    std::erase_if(line, [](char c) { return c == '\n' || c == '\r'; });
+    // Setting what is there already would move the insertion point.
+    if (stringValue() == line) {
+        return;
+    }
+    stringValue_ = line;
+    if (Native* const made = nativeIfMade()) {
+        TextFieldEvents::fieldOf(*made).stringValue = toNSString(line);
+    }
+}
+
+void TextField::setPlaceholder(const std::string& placeholder) {
+    assertMainThread("TextField::setPlaceholder");
+    placeholder_ = placeholder;
+    if (Native* const made = nativeIfMade()) {
+        TextFieldEvents::fieldOf(*made).placeholderString = toNSString(placeholder);
+    }
+}
+
+void TextField::selectText() { [TextFieldEvents::fieldOf(native()) selectText:nil]; }
+
+bool TextField::respondsTo(Action action) const {
+    switch (action) {
+    case Action::undo:
+    case Action::redo:
+    case Action::cut:
+    case Action::copy:
+    case Action::paste:
+    case Action::selectAll:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TextField::perform(Action action, const ActionSender& /*sender*/) {
+    // The editor does what it can itself and leaves undo and redo to its window.
+    [[TextFieldEvents::fieldOf(native()) currentEditor] tryToPerform:selectorFor(action) with:nil];
+}
+
+std::unique_ptr<View::Native> TextField::makeNative() {
+    NSTextField* const field = [[NSTextField alloc] initWithFrame:NSZeroRect];
+    field.bezeled = YES;
+    field.bezelStyle = NSTextFieldRoundedBezel;
+    return TextFieldEvents::make(*this, field);
+}
+
+void TextField::applyFont(Native& native) { ControlNative::of(native).applyFont(*this); }
+
+void TextField::beginEditing() {
+    if (editing_) {
+        return;
+    }
+    editing_ = true;
+    if (const auto delegate = delegate_.lock()) {
+        delegate->controlTextDidBeginEditing(*this);
+    }
+}
+
+void TextField::endEditing(TextMovement movement) {
+    if (!editing_) {
+        return;
+    }
+    editing_ = false;
+    if (const auto delegate = delegate_.lock()) {
+        delegate->controlTextDidEndEditing(*this, movement);
+    }
+}
+
+std::unique_ptr<View::Native> TextFieldEvents::make(const TextField& field, NSTextField* made) {
+    auto native = std::make_unique<Native>(made);
+    NSCell* const cell = made.cell;
+    cell.usesSingleLineMode = YES;
+    cell.scrollable = YES;
+    cell.lineBreakMode = NSLineBreakByTruncatingTail;
+    // The action is Return's alone, not that of every edit's end.
+    cell.sendsActionOnEndEditing = NO;
+    made.placeholderString = toNSString(field.placeholder());
+    made.stringValue = toNSString(field.stringValue());
+    native->delegate = [[KeyloftTextFieldDelegate alloc] init];
+    made.delegate = native->delegate;
+    native->takeOver(field);
+    return native;
+}
+
+void TextFieldEvents::didBegin(id field) noexcept {
+    if (const auto edited = textFieldOf(field)) {
+        edited->beginEditing();
+    }
+}
+
+void TextFieldEvents::didEnd(id field, NSTextMovement movement) noexcept {
+    if (const auto edited = textFieldOf(field)) {
+        edited->endEditing(fromNSTextMovement(movement));
+    }
+}
+
+bool TextFieldEvents::cancelled(NSTextField* field) noexcept {
+    const auto edited = textFieldOf(field);
+    // A search field empties itself.
+    if (edited == nullptr || [field isKindOfClass:NSSearchField.class]) {
+        return false;
+    }
+    // AppKit's edit ends too, so that the next change begins another.
+    [field abortEditing];
+    edited->endEditing(TextMovement::cancel);
+    [field selectText:nil];
+    return true;
+}
+
+} // namespace Platform

@@ -1,0 +1,95 @@
+#include "Platform/AppKit/WindowController.h"
+
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/macos/NativeReference.h"
+#include "Platform/AppKit/macos/ResponderProxy.h"
+#include "Platform/AppKit/macos/WindowNative.h"
+
+/// Known to the object runtime under the name that the controller's module gives.
+@interface KeyloftWindowController : NSWindowController <KeyloftResponderProxy, NSWindowDelegate> {
+@private
+    std::weak_ptr<Platform::WindowController> _controller;
+}
+- (instancetype)initWithController:(const std::weak_ptr<Platform::WindowController>&)controller
+                            window:(NSWindow*)window NS_DESIGNATED_INITIALIZER;
+- (instancetype)initWithWindow:(NSWindow*)window NS_UNAVAILABLE;
+- (instancetype)initWithCoder:(NSCoder*)coder NS_UNAVAILABLE;
+@end
+
+@implementation KeyloftWindowController
+
++ (void)initialize {
+    if (self == KeyloftWindowController.class) {
+        Platform::addActionMethods(self);
+    }
+}
+
+- (instancetype)initWithController:(const std::weak_ptr<Platform::WindowController>&)controller
+                            window:(NSWindow*)window {
+    self = [super initWithWindow:window];
+    if (self != nil) {
+        _controller = controller;
+    }
+    return self;
+}
+
+- (instancetype)initWithWindow:(NSWindow*)window {
+    Platform::notSupported();
+}
+
+- (instancetype)initWithCoder:(NSCoder*)coder {
+    Platform::notSupported();
+}
+
+- (std::shared_ptr<Platform::Responder>)keyloftResponder {
+    return _controller.lock();
+}
+
+- (BOOL)respondsToSelector:(SEL)selector {
+    return Platform::isAction(selector) ? Platform::respondsTo(self, selector)
+                                        : [super respondsToSelector:selector];
+}
+
+- (BOOL)validateMenuItem:(NSMenuItem*)menuItem {
+    return Platform::validate(self, menuItem);
+}
+
+- (void)windowDidBecomeKey:(NSNotification*)notification {
+    if (const auto window = Platform::windowOf(notification.object)) {
+        Platform::Window::Native::becameKey(*window);
+    }
+}
+
+- (void)windowWillClose:(NSNotification*)notification {
+    if (const auto window = Platform::windowOf(notification.object)) {
+        Platform::Window::Native::willClose(*window);
+    }
+}
+
+@end
+
+namespace Platform {
+
+WindowController::WindowController(std::string_view className)
+    : className_(className) {}
+
+WindowController::~WindowController() = default;
+
+void WindowController::setWindow(const std::shared_ptr<Window>& window) {
+    assertMainThread("WindowController::setWindow");
+    window_ = window;
+    window->controller_ = weak_from_this();
+    Window::Native& native = window->native();
+    const Class controllerClass = registeredSubclass(KeyloftWindowController.class, className_);
+    native.setController([static_cast<KeyloftWindowController*>([controllerClass alloc])
+        initWithController:weak_from_this()
+                    window:native.window]);
+}
+
+void WindowController::showWindow() {
+    assertMainThread("WindowController::showWindow");
+    Window::Native::prepareToShow(*window_);
+    [window_->native().controller showWindow:nil];
+}
+
+} // namespace Platform

@@ -1,0 +1,100 @@
+#include "Platform/Dispatch/ReadSource.h"
+
+#include "Platform/Dispatch/macos/QueueState.h"
+
+#include <utility>
+
+namespace Platform {
+
+ReadSource::State::State(const std::shared_ptr<SerialQueue::State>& serialQueue, int descriptor)
+    : source(dispatch_source_create(DISPATCH_SOURCE_TYPE_READ, static_cast<uintptr_t>(descriptor), 0,
+                                    serialQueue->queue))
+    , queue(serialQueue) {}
+
+/// Dispatch wants a source started before it lets it go, a cancelled one too, and takes handlers only before.
+/// From here until the source is cancelled its blocks keep this state.
+void ReadSource::State::start() {
+    const auto self = shared_from_this();
+    dispatch_source_set_event_handler(source, ^{
+        self->fired();
+    });
+    dispatch_source_set_cancel_handler(source, ^{
+        self->retire();
+    });
+    dispatch_activate(source);
+}
+
+void ReadSource::State::fired() {
+    if (eventHandler) {
+        eventHandler();
+    }
+}
+
+void ReadSource::State::retire() {
+    if (cancelHandler) {
+        cancelHandler();
+    }
+    eventHandler = nullptr;
+    cancelHandler = nullptr;
+    if (const auto owner = queue.lock()) {
+        owner->remove(*this);
+    }
+}
+
+void ReadSource::State::resume() {
+    const std::lock_guard lock(mutex);
+    if (cancelled || stage == Stage::running) {
+        return;
+    }
+    if (std::exchange(stage, Stage::running) == Stage::idle) {
+        start();
+    } else {
+        dispatch_resume(source);
+    }
+}
+
+void ReadSource::State::suspend() {
+    const std::lock_guard lock(mutex);
+    if (!cancelled && stage == Stage::running) {
+        stage = Stage::suspended;
+        dispatch_suspend(source);
+    }
+}
+
+void ReadSource::State::cancel() {
+    const std::lock_guard lock(mutex);
+    if (std::exchange(cancelled, true)) {
+        return;
+    }
+    dispatch_source_cancel(source);
+    // The cancel handler waits for a source that is not running.
+    if (stage == Stage::idle) {
+        start();
+    } else if (stage == Stage::suspended) {
+        dispatch_resume(source);
+    }
+}
+
+ReadSource::ReadSource(SerialQueue& queue, int descriptor)
+    : state_(std::make_shared<State>(queue.state_, descriptor)) {
+    queue.state_->add(state_);
+}
+
+ReadSource::~ReadSource() { cancel(); }
+
+void ReadSource::setEventHandler(Handler handler) { state_->eventHandler = std::move(handler); }
+
+void ReadSource::setCancelHandler(Handler handler) { state_->cancelHandler = std::move(handler); }
+
+void ReadSource::resume() { state_->resume(); }
+
+void ReadSource::suspend() { state_->suspend(); }
+
+void ReadSource::cancel() { state_->cancel(); }
+
+bool ReadSource::isCancelled() const {
+    const std::lock_guard lock(state_->mutex);
+    return state_->cancelled;
+}
+
+} // namespace Platform

@@ -1,0 +1,48 @@
+#include "Platform/POSIX/Writing.h"
+
+#include <pthread.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+
+namespace Platform {
+
+ssize_t writeHoldingBackSignal(int descriptor, const void* bytes, std::size_t count) {
+    sigset_t pipeSignal;
+    sigemptyset(&pipeSignal);
+    sigaddset(&pipeSignal, SIGPIPE);
+    sigset_t previous;
+    pthread_sigmask(SIG_BLOCK, &pipeSignal, &previous);
+    sigset_t pending;
+    sigpending(&pending);
+    const bool wasPending = sigismember(&pending, SIGPIPE) == 1;
+
+    const ssize_t written = write(descriptor, bytes, count);
+    const int error = errno;
+    if (written < 0 && error == EPIPE && !wasPending) {
+        // A process that ignores the signal has none pending, and a wait for it would not end.
+        sigpending(&pending);
+        int signal = 0;
+        if (sigismember(&pending, SIGPIPE) == 1) {
+            sigwait(&pipeSignal, &signal);
+        }
+    }
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    errno = error;
+    return written;
+}
+
+bool hasTimedOut(int descriptor, std::chrono::steady_clock::duration waited) {
+    timeval timeout = {};
+    socklen_t length = sizeof timeout;
+    if (getsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &timeout, &length) != 0) {
+        return false;
+    }
+    const auto limit = std::chrono::seconds(timeout.tv_sec) + std::chrono::microseconds(timeout.tv_usec);
+    return limit.count() != 0 && waited >= limit;
+}
+
+} // namespace Platform

@@ -1,0 +1,109 @@
+#include "Platform/POSIX/UnixSocket.h"
+
+#include "Platform/POSIX/Writing.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/ucred.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+
+namespace Platform {
+
+namespace {
+
+bool raisesNoSignal(int descriptor) {
+    const int on = 1;
+    return setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on) == 0;
+}
+
+/// There is no way to make a socket closed on exec in the same call.
+int prepared(int descriptor) {
+    if (descriptor < 0) {
+        return -1;
+    }
+    if (fcntl(descriptor, F_SETFD, FD_CLOEXEC) != 0) {
+        const int error = errno;
+        close(descriptor);
+        errno = error;
+        return -1;
+    }
+    raisesNoSignal(descriptor);
+    return descriptor;
+}
+
+/// A descriptor's socket does not wait while this lives. Nobody else may use it meanwhile.
+class NotWaiting {
+public:
+    explicit NotWaiting(int descriptor)
+        : descriptor_(descriptor)
+        , flags_(fcntl(descriptor, F_GETFL)) {
+        fcntl(descriptor_, F_SETFL, flags_ | O_NONBLOCK);
+    }
+    NotWaiting(const NotWaiting&) = delete;
+    NotWaiting& operator=(const NotWaiting&) = delete;
+    ~NotWaiting() {
+        const int error = errno;
+        fcntl(descriptor_, F_SETFL, flags_);
+        errno = error;
+    }
+
+private:
+    int descriptor_;
+    int flags_;
+};
+
+} // namespace
+
+int openUnixSocket() { return prepared(socket(AF_UNIX, SOCK_STREAM, 0)); }
+
+int bindUnixSocket(int descriptor, const sockaddr_un& address) {
+    return bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+}
+
+int connectUnixSocket(int descriptor, const sockaddr_un& address) {
+    return connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+}
+
+int acceptUnixSocket(int listening) { return prepared(accept(listening, nullptr, nullptr)); }
+
+std::optional<uid_t> unixSocketPeerUser(int descriptor) {
+    static_assert(sizeof(xucred) == 76);
+    xucred credentials = {};
+    socklen_t length = sizeof credentials;
+    if (getsockopt(descriptor, SOL_LOCAL, LOCAL_PEERCRED, &credentials, &length) != 0 ||
+        credentials.cr_version != XUCRED_VERSION) {
+        return std::nullopt;
+    }
+    return credentials.cr_uid;
+}
+
+int setSendTimeout(int descriptor, std::chrono::seconds timeout) {
+    const timeval value = {.tv_sec = timeout.count(), .tv_usec = 0};
+    return setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &value, sizeof value);
+}
+
+/// By the descriptor's own flag: the kernel heeds MSG_DONTWAIT when it receives, and not when it sends.
+ssize_t writeAtOnce(int descriptor, const void* bytes, std::size_t count) {
+    const NotWaiting notWaiting(descriptor);
+    return writeWithoutSignal(descriptor, bytes, count);
+}
+
+ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
+    const auto begin = std::chrono::steady_clock::now();
+    // Pipes know no such option, nor does a socket whose peer has gone.
+    const ssize_t written = raisesNoSignal(descriptor) ? write(descriptor, bytes, count)
+                                                       : writeHoldingBackSignal(descriptor, bytes, count);
+    if (written > 0 && static_cast<std::size_t>(written) < count &&
+        hasTimedOut(descriptor, std::chrono::steady_clock::now() - begin)) {
+        errno = EAGAIN;
+        return -1;
+    }
+    return written;
+}
+
+} // namespace Platform

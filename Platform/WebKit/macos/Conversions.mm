@@ -1,0 +1,59 @@
+#include "Platform/WebKit/macos/Conversions.h"
+
+#include "Platform/Foundation/macos/Conversions.h"
+#include "Platform/Foundation/macos/InputStream.h"
+
+namespace Platform {
+
+namespace {
+
+std::optional<std::string> bytesOf(NSData* data) {
+    if (data == nil) {
+        return std::nullopt;
+    }
+    return std::string(static_cast<const char*>(data.bytes), data.length);
+}
+
+NavigationType fromWKNavigationType(WKNavigationType type) {
+    switch (type) {
+    case WKNavigationTypeLinkActivated:
+        return NavigationType::linkActivated;
+    case WKNavigationTypeFormSubmitted:
+        return NavigationType::formSubmitted;
+    case WKNavigationTypeBackForward:
+        return NavigationType::backForward;
+    case WKNavigationTypeReload:
+        return NavigationType::reload;
+    case WKNavigationTypeFormResubmitted:
+        return NavigationType::formResubmitted;
+    case WKNavigationTypeOther:
+        break;
+    }
+    return NavigationType::other;
+}
+
+} // namespace
+
+NSURLRequest* toNSURLRequest(const URLRequest& request) {
+    NSURL* const url = toNSURL(request.url);
+    return url == nil ? nil
+                      : [NSURLRequest requestWithURL:url
+                                         cachePolicy:NSURLRequestUseProtocolCachePolicy
+                                     timeoutInterval:request.timeoutInterval];
+}
+
+NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
+    NSURLRequest* const request = action.request;
+    NSString* const method = request.HTTPMethod;
+    return {
+        .url = fromNSURL(request.URL),
+        .method = method != nil ? std::optional(fromNSString(method)) : std::nullopt,
+        .body = bytesOf(request.HTTPBody),
+        .bodyStream = fromNSInputStream(request.HTTPBodyStream),
+        .navigationType = fromWKNavigationType(action.navigationType),
+    };
+}
+
+FrameInfo fromWKFrameInfo(WKFrameInfo* frame) { return {.url = fromNSURL(frame.request.URL)}; }
+
+} // namespace Platform

@@ -1,0 +1,69 @@
+#include "Platform/WebKit/UserContentController.h"
+
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/Foundation/macos/Conversions.h"
+#include "Platform/WebKit/macos/ScriptValue.h"
+#include "Platform/WebKit/macos/UserContentControllerNative.h"
+
+/// WebKit holds its handlers for as long as there is a page; this one holds ours weakly.
+@interface KeyloftScriptMessageHandler : NSObject <WKScriptMessageHandler> {
+@public
+    std::weak_ptr<Platform::ScriptMessageHandler> handler;
+}
+@end
+
+namespace Platform {
+
+namespace {
+
+/// Must not throw: WebKit's frames lie behind it.
+void deliver(const std::weak_ptr<ScriptMessageHandler>& receiver, WKScriptMessage* message) noexcept {
+    if (const auto handler = receiver.lock()) {
+        handler->didReceiveScriptMessage(
+            {.name = fromNSString(message.name), .body = jsonValue(message.body)});
+    }
+}
+
+} // namespace
+
+} // namespace Platform
+
+@implementation KeyloftScriptMessageHandler
+- (void)userContentController:(WKUserContentController*)userContentController
+      didReceiveScriptMessage:(WKScriptMessage*)message {
+    Platform::deliver(handler, message);
+}
+@end
+
+namespace Platform {
+
+UserContentController::UserContentController()
+    : native_(std::make_unique<Native>()) {}
+
+UserContentController::~UserContentController() { assertMainThread("UserContentController"); }
+
+std::shared_ptr<UserContentController> UserContentController::create() {
+    assertMainThread("UserContentController::create");
+    struct Made : UserContentController {};
+    return std::make_shared<Made>();
+}
+
+void UserContentController::addScriptMessageHandler(const std::weak_ptr<ScriptMessageHandler>& handler,
+                                                    const std::string& name) {
+    assertMainThread("UserContentController::addScriptMessageHandler");
+    KeyloftScriptMessageHandler* const proxy = [[KeyloftScriptMessageHandler alloc] init];
+    proxy->handler = handler;
+    [native_->controller addScriptMessageHandler:proxy name:toNSString(name)];
+}
+
+void UserContentController::addUserScript(const UserScript& script) {
+    assertMainThread("UserContentController::addUserScript");
+    const auto injectionTime = script.injectionTime == UserScript::InjectionTime::atDocumentStart
+                                   ? WKUserScriptInjectionTimeAtDocumentStart
+                                   : WKUserScriptInjectionTimeAtDocumentEnd;
+    [native_->controller addUserScript:[[WKUserScript alloc] initWithSource:toNSString(script.source)
+                                                              injectionTime:injectionTime
+                                                           forMainFrameOnly:script.forMainFrameOnly]];
+}
+
+} // namespace Platform

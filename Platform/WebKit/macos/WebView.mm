@@ -1,0 +1,119 @@
+#include "Platform/WebKit/WebView.h"
+
+#include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/macos/ActionSelectors.h"
+#include "Platform/AppKit/macos/ViewNative.h"
+#include "Platform/WebKit/macos/WebViewEngine.h"
+
+#include <utility>
+
+namespace Platform {
+
+struct WebView::Engine : WebViewEngine {
+    using WebViewEngine::WebViewEngine;
+};
+
+std::shared_ptr<WebView> WebView::create(const std::shared_ptr<WebViewConfiguration>& configuration) {
+    assertMainThread("WebView::create");
+    struct Made final : WebView {
+        explicit Made(std::shared_ptr<WebViewConfiguration> configuration)
+            : WebView(std::move(configuration)) {}
+    };
+    auto view = std::make_shared<Made>(configuration);
+    view->native();
+    view->engine_->connect(view);
+    return view;
+}
+
+WebView::WebView(std::shared_ptr<WebViewConfiguration> configuration)
+    : configuration_(std::move(configuration))
+    , engine_(std::make_shared<Engine>(*configuration_)) {}
+
+WebView::~WebView() { assertMainThread("WebView"); }
+
+std::unique_ptr<View::Native> WebView::makeNative() { return std::make_unique<Native>(engine_->view()); }
+
+std::optional<URL> WebView::url() const { return engine_->url(); }
+
+std::optional<std::string> WebView::title() const { return engine_->title(); }
+
+bool WebView::canGoBack() const { return engine_->view().canGoBack; }
+
+bool WebView::canGoForward() const { return engine_->view().canGoForward; }
+
+double WebView::estimatedProgress() const { return engine_->view().estimatedProgress; }
+
+bool WebView::isLoading() const { return engine_->view().loading; }
+
+Observation WebView::observe(Property property, std::function<void()> changed) {
+    assertMainThread("WebView::observe");
+    const auto observer = engine_->addObserver(property, std::move(changed));
+    return Observation([engine = std::weak_ptr(engine_), weak = std::weak_ptr(observer)] {
+        const auto observed = engine.lock();
+        const auto ended = weak.lock();
+        if (observed != nullptr && ended != nullptr) {
+            observed->removeObserver(ended);
+        }
+    });
+}
+
+void WebView::load(const URLRequest& request) {
+    assertMainThread("WebView::load");
+    const auto kept = shared_from_this();
+    engine_->load(request);
+}
+
+void WebView::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
+    assertMainThread("WebView::loadHTMLString");
+    const auto kept = shared_from_this();
+    engine_->loadHTMLString(html, baseURL);
+}
+
+void WebView::reload() {
+    assertMainThread("WebView::reload");
+    const auto kept = shared_from_this();
+    engine_->reload();
+}
+
+void WebView::stopLoading() {
+    assertMainThread("WebView::stopLoading");
+    const auto kept = shared_from_this();
+    engine_->stopLoading();
+}
+
+void WebView::goBack() {
+    assertMainThread("WebView::goBack");
+    const auto kept = shared_from_this();
+    engine_->goBack();
+}
+
+void WebView::goForward() {
+    assertMainThread("WebView::goForward");
+    const auto kept = shared_from_this();
+    engine_->goForward();
+}
+
+void WebView::setAllowsBackForwardNavigationGestures(bool allows) {
+    assertMainThread("WebView::setAllowsBackForwardNavigationGestures");
+    engine_->view().allowsBackForwardNavigationGestures = allows ? YES : NO;
+}
+
+void WebView::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {
+    assertMainThread("WebView::setNavigationDelegate");
+    engine_->setNavigationDelegate(delegate);
+}
+
+void WebView::setUIDelegate(const std::weak_ptr<UIDelegate>& delegate) {
+    assertMainThread("WebView::setUIDelegate");
+    engine_->setUIDelegate(delegate);
+}
+
+bool WebView::respondsTo(Action action) const { return isEditingAction(action); }
+
+void WebView::perform(Action action, const ActionSender& /*sender*/) {
+    assertMainThread("WebView::perform");
+    // Undo and redo are the window's, which asks the page for them.
+    [engine_->view() tryToPerform:selectorFor(action) with:nil];
+}
+
+} // namespace Platform

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <AppKit/NSView.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+typedef NS_ENUM(NSUInteger, NSBoxType) {
+    NSBoxPrimary = 0,
+    NSBoxSeparator = 2,
+    NSBoxCustom = 4,
+};
+
+@interface NSBox : NSView
+@property NSBoxType boxType;
+@end
+
+NS_ASSUME_NONNULL_END

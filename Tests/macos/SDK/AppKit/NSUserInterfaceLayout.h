@@ -1,0 +1,8 @@
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+typedef NS_ENUM(NSInteger, NSUserInterfaceLayoutOrientation) {
+    NSUserInterfaceLayoutOrientationHorizontal = 0,
+    NSUserInterfaceLayoutOrientationVertical = 1,
+};

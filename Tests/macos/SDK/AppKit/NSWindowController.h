@@ -1,0 +1,16 @@
+#pragma once
+
+#include <AppKit/NSResponder.h>
+
+@class NSWindow;
+
+NS_ASSUME_NONNULL_BEGIN
+
+@interface NSWindowController : NSResponder <NSSecureCoding>
+- (instancetype)initWithWindow:(nullable NSWindow*)window NS_DESIGNATED_INITIALIZER;
+- (nullable instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
+@property (nullable, strong) NSWindow* window;
+- (IBAction)showWindow:(nullable id)sender;
+@end
+
+NS_ASSUME_NONNULL_END

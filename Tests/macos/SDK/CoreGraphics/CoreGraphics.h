@@ -1,0 +1,4 @@
+#pragma once
+
+#include <CoreFoundation/CFCGTypes.h>
+#include <CoreGraphics/CGColor.h>

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+#include <Foundation/Foundation.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@interface CALayer : NSObject <NSSecureCoding>
+@property (nullable) CGColorRef backgroundColor;
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+typedef int32_t OSStatus;
+typedef const struct __SecRandom* SecRandomRef;
+
+enum {
+    errSecSuccess = 0,
+};
+
+extern "C" {
+extern const SecRandomRef _Nullable kSecRandomDefault;
+int SecRandomCopyBytes(SecRandomRef _Nullable rnd, size_t count, void* _Nonnull bytes)
+    __attribute__((warn_unused_result));
+}

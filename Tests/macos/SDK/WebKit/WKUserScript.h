@@ -1,0 +1,19 @@
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+typedef NS_ENUM(NSInteger, WKUserScriptInjectionTime) {
+    WKUserScriptInjectionTimeAtDocumentStart,
+    WKUserScriptInjectionTimeAtDocumentEnd,
+} API_AVAILABLE(macos(10.10));
+
+API_AVAILABLE(macos(10.10))
+@interface WKUserScript : NSObject <NSCopying>
+- (instancetype)initWithSource:(NSString*)source
+                 injectionTime:(WKUserScriptInjectionTime)injectionTime
+              forMainFrameOnly:(BOOL)forMainFrameOnly;
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <sys/types.h>
+
+#define O_RDONLY 0x0000
+#define O_WRONLY 0x0001
+#define O_RDWR 0x0002
+#define O_NONBLOCK 0x00000004
+#define O_NOFOLLOW 0x00000100
+#define O_CREAT 0x00000200
+#define O_TRUNC 0x00000400
+#define O_EXCL 0x00000800
+#define O_NOCTTY 0x00020000
+#define O_DIRECTORY 0x00100000
+#define O_CLOEXEC 0x01000000
+#define O_EXEC 0x40000000
+#define O_SEARCH (O_EXEC | O_DIRECTORY)
+
+#define AT_FDCWD (-2)
+#define AT_SYMLINK_NOFOLLOW 0x0020
+
+#define F_GETFD 1
+#define F_SETFD 2
+#define F_GETFL 3
+#define F_SETFL 4
+#define F_FULLFSYNC 51
+#define F_SETNOSIGPIPE 73
+#define F_GETNOSIGPIPE 74
+#define FD_CLOEXEC 1
+
+extern "C" {
+int fcntl(int, int, ...);
+int open(const char*, int, ...);
+int openat(int, const char*, int, ...);
+}
