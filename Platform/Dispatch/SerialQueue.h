@@ -10,7 +10,7 @@ namespace Platform {
 class ReadSource;
 
 /// Runs work one item at a time, in the order in which it was handed over, on a thread that is not the
-/// caller's.
+/// caller's; only `sync` may borrow the caller's, which waits anyway.
 ///
 /// Every operation may be called from any thread, unless it says otherwise. Work must not throw.
 ///

@@ -30,9 +30,9 @@ struct Notification {
 
 /// Tells whoever observes a name that it happened.
 ///
-/// Callbacks run on the posting thread, in the order of their registration, before `post` returns. Any thread
-/// may register, end and post; an observation that ends on another thread than the one posting may still be
-/// running.
+/// Callbacks run on the posting thread before `post` returns, in an order that nobody may count on. Any
+/// thread may register, end and post; an observation that ends on another thread than the one posting may
+/// still be running.
 class NotificationCenter {
 public:
     using Callback = std::function<void(const Notification&)>;

@@ -3,6 +3,7 @@
 #include "KeyloftCore/NativeMessageFrame.h"
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketClient.h"
+#include "Tests/Support/ProcessCounts.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Waiting.h"
 

@@ -1,13 +1,9 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
-#include <filesystem>
 #include <mutex>
-#include <string>
 #include <thread>
 
 namespace KeyloftTests {
@@ -52,30 +48,6 @@ template <typename Condition>
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
-}
-
-inline std::size_t entriesOf(const std::filesystem::path& directory) {
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(directory)) {
-        ++count;
-    }
-    return count;
-}
-
-/// Of this process (reading the list takes one itself, every time).
-inline std::size_t openDescriptors() { return entriesOf("/proc/self/fd"); }
-inline std::size_t runningThreads() {
-    // A sanitizer begins a thread of its own with the program's first one; the first count must have it
-    // already.
-    [[maybe_unused]] static const bool begun = [] {
-        std::filesystem::path task;
-        std::thread([&task] { task = "/proc/self/task/" + std::to_string(gettid()); }).join();
-        while (std::filesystem::exists(task)) {
-            std::this_thread::yield();
-        }
-        return true;
-    }();
-    return entriesOf("/proc/self/task");
 }
 
 } // namespace KeyloftTests

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,8 +13,8 @@ namespace KeyloftTests {
 class Pipe {
 public:
     Pipe() {
-        if (pipe2(ends_.data(), O_CLOEXEC) != 0) {
-            throw std::system_error(errno, std::generic_category(), "pipe2");
+        if (pipe(ends_.data()) != 0) {
+            throw std::system_error(errno, std::generic_category(), "pipe");
         }
     }
     Pipe(const Pipe&) = delete;

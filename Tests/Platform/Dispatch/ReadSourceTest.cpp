@@ -245,64 +245,6 @@ TEST(ReadSource, aHandlerMayDestroyItsOwnSource) {
     EXPECT_TRUE(cancelled.wait());
 }
 
-TEST(ReadSource, workOfAHandlerRunsBeforeTheNextHandler) {
-    SerialQueue queue("test");
-    const Pipe first;
-    const Pipe second;
-    std::vector<std::string> order;
-    Event done;
-    const auto handler = [&](int descriptor) {
-        return [&, descriptor] {
-            readSome(descriptor);
-            order.emplace_back("event");
-            queue.async([&] {
-                order.emplace_back("work");
-                done.signal();
-            });
-        };
-    };
-    ReadSource one(queue, first.readEnd());
-    one.setEventHandler(handler(first.readEnd()));
-    ReadSource two(queue, second.readEnd());
-    two.setEventHandler(handler(second.readEnd()));
-    queue.sync([&] {
-        first.put("x");
-        second.put("x");
-        one.resume();
-        two.resume();
-    });
-    ASSERT_TRUE(done.wait(2));
-    EXPECT_EQ(order, (std::vector<std::string>{"event", "work", "event", "work"}));
-}
-
-TEST(ReadSource, aSourceCancelledByAnothersHandlerInTheSameTurnStaysSilent) {
-    SerialQueue queue("test");
-    const Pipe first;
-    const Pipe second;
-    int events = 0;
-    ReadSource one(queue, first.readEnd());
-    ReadSource two(queue, second.readEnd());
-    one.setEventHandler([&] {
-        ++events;
-        one.cancel();
-        two.cancel();
-    });
-    two.setEventHandler([&] {
-        ++events;
-        one.cancel();
-        two.cancel();
-    });
-    queue.sync([&] {
-        first.put("x");
-        second.put("x");
-        one.resume();
-        two.resume();
-    });
-    queue.sync([] {});
-    queue.sync([] {});
-    queue.sync([&] { EXPECT_EQ(events, 1); });
-}
-
 TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
     SerialQueue queue("test");
     constexpr std::size_t count = 300;
@@ -408,23 +350,6 @@ TEST(ReadSource, mayBeSteeredFromAnyThread) {
     EXPECT_TRUE(cancelled.wait());
     queue.sync([] {});
     EXPECT_EQ(cancelled.count(), 1U);
-}
-
-TEST(ReadSourceDeathTest, aDescriptorClosedTooEarlyStopsTheProcess) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(
-        {
-            SerialQueue queue("test");
-            Pipe pipe;
-            ReadSource source(queue, pipe.readEnd());
-            source.setEventHandler([] {});
-            pipe.closeReadEnd();
-            source.resume();
-            queue.sync([] {});
-            queue.sync([] {});
-            queue.sync([] {});
-        },
-        "closed before its read source was cancelled");
 }
 
 } // namespace

@@ -3,36 +3,20 @@
 #include "Tests/Support/Waiting.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
-#include <sys/resource.h>
 
-#include <array>
 #include <atomic>
-#include <csignal>
 #include <memory>
-#include <optional>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
 namespace {
 
 using KeyloftTests::Event;
-using KeyloftTests::eventually;
-using KeyloftTests::openDescriptors;
-using KeyloftTests::runningThreads;
 using Platform::SerialQueue;
 
 TEST(SerialQueue, keepsItsLabel) {
     const SerialQueue queue("velde.orvane.keyloft.test");
     EXPECT_EQ(queue.label(), "velde.orvane.keyloft.test");
-}
-
-TEST(SerialQueue, namesItsThreadAfterTheLabelsEnd) {
-    SerialQueue queue("velde.orvane.keyloft.a-name-longer-than-the-kernel-keeps");
-    std::array<char, 32> name = {};
-    queue.sync([&] { pthread_getname_np(pthread_self(), name.data(), name.size()); });
-    EXPECT_STREQ(name.data(), "a-name-longer-t");
 }
 
 TEST(SerialQueue, runsWorkInTheOrderOfHandingOver) {
@@ -159,57 +143,6 @@ TEST(SerialQueue, releasesEachItemBeforeTheNextRuns) {
     });
     queue.sync([] {});
     EXPECT_TRUE(released);
-}
-
-TEST(SerialQueue, mayBeReleasedOnItself) {
-    const auto threads = runningThreads();
-    const auto descriptors = openDescriptors();
-    Event ran;
-    auto queue = std::make_shared<SerialQueue>("test");
-    auto* handle = queue.get();
-    handle->async([&ran, queue = std::move(queue)]() mutable {
-        queue->async([&ran] { ran.signal(); });
-        queue.reset();
-        ran.signal();
-    });
-    ASSERT_TRUE(ran.wait(2)) << "work handed over before the release is still run";
-    EXPECT_TRUE(eventually([&] { return runningThreads() == threads && openDescriptors() == descriptors; }));
-}
-
-TEST(SerialQueue, leavesNoThreadAndNoDescriptor) {
-    const auto threads = runningThreads();
-    const auto descriptors = openDescriptors();
-    for (int turn = 0; turn < 50; ++turn) {
-        SerialQueue queue("test");
-        queue.sync([] {});
-        EXPECT_EQ(runningThreads(), threads + 1);
-    }
-    // A thread that has been waited for may still stand in the list for a moment.
-    EXPECT_TRUE(eventually([&] { return runningThreads() == threads; }));
-    EXPECT_EQ(openDescriptors(), descriptors);
-}
-
-TEST(SerialQueue, leavesTheProcessesSignalsToOtherThreads) {
-    SerialQueue queue("test");
-    sigset_t mask;
-    queue.sync([&] { pthread_sigmask(SIG_SETMASK, nullptr, &mask); });
-    EXPECT_EQ(sigismember(&mask, SIGINT), 1);
-    EXPECT_EQ(sigismember(&mask, SIGUSR1), 1);
-    EXPECT_EQ(sigismember(&mask, SIGSEGV), 0);
-}
-
-TEST(SerialQueue, cannotBeMadeWithoutADescriptor) {
-#if defined(__has_feature)
-#if __has_feature(undefined_behavior_sanitizer)
-    GTEST_SKIP() << "the sanitizer needs descriptors of its own to look at what is thrown";
-#endif
-#endif
-    rlimit previous = {};
-    getrlimit(RLIMIT_NOFILE, &previous);
-    const rlimit none = {.rlim_cur = 0, .rlim_max = previous.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
-    EXPECT_THROW(SerialQueue("test"), std::system_error);
-    setrlimit(RLIMIT_NOFILE, &previous);
 }
 
 TEST(SerialQueueDeathTest, aSynchronousCallOnItselfStopsTheProcess) {

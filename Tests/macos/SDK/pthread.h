@@ -47,6 +47,7 @@ int pthread_detach(pthread_t);
 int pthread_equal(pthread_t, pthread_t);
 void* pthread_getspecific(pthread_key_t);
 int pthread_join(pthread_t, void**);
+int pthread_key_delete(pthread_key_t);
 int pthread_key_create(pthread_key_t*, void (*)(void*));
 int pthread_main_np();
 int pthread_mutex_destroy(pthread_mutex_t*);

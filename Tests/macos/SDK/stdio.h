@@ -21,13 +21,16 @@ extern FILE* __stderrp;
 #define stderr __stderrp
 
 int fclose(FILE*);
+FILE* fdopen(int, const char*);
 int fflush(FILE*);
 int fgetc(FILE*);
 FILE* fopen(const char*, const char*);
 int fprintf(FILE*, const char*, ...) __attribute__((format(printf, 2, 3)));
+int fileno(FILE*);
 int fputc(int, FILE*);
 int fputs(const char*, FILE*);
 size_t fread(void*, size_t, size_t, FILE*);
+FILE* freopen(const char*, const char*, FILE*);
 int fseek(FILE*, long, int);
 int fseeko(FILE*, off_t, int);
 long ftell(FILE*);

@@ -11,6 +11,7 @@ void* memset(void*, int, size_t);
 char* strchr(const char*, int);
 int strcmp(const char*, const char*);
 int strcoll(const char*, const char*);
+char* strdup(const char*);
 char* strerror(int);
 int strerror_r(int, char*, size_t);
 size_t strlen(const char*);

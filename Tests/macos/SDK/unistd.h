@@ -9,6 +9,7 @@
 
 extern "C" {
 unsigned int alarm(unsigned int);
+int chdir(const char*);
 int close(int);
 int dup2(int, int);
 void _exit(int) __attribute__((noreturn));
@@ -18,10 +19,12 @@ int fsync(int);
 pid_t getpid();
 uid_t geteuid();
 uid_t getuid();
+int isatty(int);
 int pause();
 int pipe(int[2]);
 ssize_t read(int, void*, size_t);
 ssize_t readlinkat(int, const char*, char*, size_t);
+int rmdir(const char*);
 long sysconf(int);
 int unlink(const char*);
 int unlinkat(int, const char*, int);
