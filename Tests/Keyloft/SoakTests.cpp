@@ -1,4 +1,5 @@
 #include "Tests/Keyloft/AppDelegateTest.h"
+#include "Tests/Support/ProcessCounts.h"
 #include "Tests/Support/Waiting.h"
 #include "Tests/Support/WebProcesses.h"
 

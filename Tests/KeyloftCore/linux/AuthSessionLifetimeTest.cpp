@@ -4,6 +4,7 @@
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Tests/KeyloftCore/AuthSessionTest.h"
 #include "Tests/Support/NativeWindow.h"
+#include "Tests/Support/ProcessCounts.h"
 #include "Tests/Support/Waiting.h"
 #include "Tests/Support/linux/MainLoop.h"
 #include "Tests/Support/linux/WebProcesses.h"
