@@ -6,8 +6,8 @@
 #include "Tests/Support/NativeWindow.h"
 #include "Tests/Support/ProcessCounts.h"
 #include "Tests/Support/Waiting.h"
+#include "Tests/Support/WebProcesses.h"
 #include "Tests/Support/linux/MainLoop.h"
-#include "Tests/Support/linux/WebProcesses.h"
 
 #include <webkit/webkit.h>
 

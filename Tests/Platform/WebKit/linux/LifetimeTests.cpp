@@ -1,5 +1,5 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
-#include "Tests/Support/linux/WebProcesses.h"
+#include "Tests/Support/WebProcesses.h"
 
 #include <algorithm>
 #include <filesystem>
