@@ -6,11 +6,12 @@
 #include "Tests/Support/linux/MainLoop.h"
 
 #include <gtest/gtest.h>
-#include <time.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -29,7 +30,7 @@ using Platform::URL;
 using Tab = std::shared_ptr<Keyloft::BrowserWindowController>;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-constexpr int repetitions = 15;
+constexpr std::size_t repetitions = 15;
 
 /// How long the main thread has been working: what it waited for the processor on a machine under load left
 /// out.
@@ -135,9 +136,9 @@ private:
 
 double measureToggle(const char* what, int bookmarkCount, int tabCount) {
     const Browser browser(bookmarkCount, tabCount);
-    std::vector<Turn> turns;
-    for (int i = 0; i < repetitions; ++i)
-        turns.push_back(longestTurn([&] { browser.tab()->toggleBookmark(); }));
+    std::vector<Turn> turns(repetitions);
+    for (Turn& turn : turns)
+        turn = longestTurn([&] { browser.tab()->toggleBookmark(); });
     return report(what, turns);
 }
 
@@ -151,10 +152,10 @@ TEST(BookmarkToggleBenchmark, toggling) {
 
 TEST(BookmarkToggleBenchmark, changingTabs) {
     const Browser browser(300, 20);
-    std::vector<Turn> turns;
-    for (int i = 0; i < repetitions; ++i) {
-        turns.push_back(longestTurn(
-            [&] { Application::shared().sendAction(Platform::Action::selectNextTab, nullptr, {}); }));
+    std::vector<Turn> turns(repetitions);
+    for (Turn& turn : turns) {
+        turn = longestTurn(
+            [] { Application::shared().sendAction(Platform::Action::selectNextTab, nullptr, {}); });
     }
     report("the next tab selected, 300 bookmarks in 20 tabs", turns);
 }
@@ -162,10 +163,8 @@ TEST(BookmarkToggleBenchmark, changingTabs) {
 TEST(BookmarkToggleBenchmark, typing) {
     const Browser browser(300, 20);
     browser.tab()->focusAddressBar();
-    std::vector<Turn> turns;
-    for (int i = 0; i < repetitions; ++i) {
-        turns.push_back(
-            longestTurn([] { g_spawn_command_line_async("xdotool type --delay 20 letters", nullptr); }));
-    }
+    std::vector<Turn> turns(repetitions);
+    for (Turn& turn : turns)
+        turn = longestTurn([] { g_spawn_command_line_async("xdotool type --delay 20 letters", nullptr); });
     report("letters typed, 300 bookmarks in 20 tabs", turns);
 }
