@@ -275,7 +275,9 @@ void Window::Native::takeFocusBack(Window& window) {
     GtkWidget* focus = gtk_window_get_focus(host->toplevel());
     GtkWidget* menu = focus ? gtk_widget_get_ancestor(focus, GTK_TYPE_POPOVER) : nullptr;
     const View* view = viewOfWidget(focus);
-    if (!(menu && gtk_widget_get_visible(menu)) && !(view && view->window().get() == &window))
+    const bool isInMenu = menu && gtk_widget_get_visible(menu);
+    const bool isInPage = view && view->window().get() == &window;
+    if (!isInMenu && !isInPage)
         takeFocus(window);
 }
 
