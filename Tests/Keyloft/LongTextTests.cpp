@@ -3,7 +3,6 @@
 #include <algorithm>
 
 using namespace Platform;
-using TestSupport::HTTPResponse;
 using TestSupport::leastContentSize;
 using TestSupport::nativeWindowSize;
 using TestSupport::openedMenu;

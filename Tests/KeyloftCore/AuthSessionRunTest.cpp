@@ -10,7 +10,6 @@
 
 namespace KeyloftTests {
 
-using KeyloftCore::AuthSession;
 using KeyloftCore::HostError;
 using Platform::Size;
 using TestSupport::HTTPResponse;

@@ -306,27 +306,18 @@ TEST(BootstrapPage, goesToTheAuthorizeURL) {
 
 TEST(FormHook, isTheScriptThatPagesAreGiven) {
     EXPECT_EQ(SubmittedForm::hookScript.size(), 570U);
-    const std::vector<std::string> lines{
-        "(function () {",
-        "  function send(form) {",
-        "    try {",
-        "      var fields = {};",
-        "      new FormData(form).forEach(function (v, k) { fields[k] = String(v); });",
-        "      window.webkit.messageHandlers.keyloft.postMessage({ action: form.action, method: "
-        "form.method, fields: fields });",
-        "    } catch (e) {}",
-        "  }",
-        "  document.addEventListener('submit', function (e) { if (e.target && e.target.tagName === 'FORM') "
-        "send(e.target); }, true);",
-        "  var orig = HTMLFormElement.prototype.submit;",
-        "  HTMLFormElement.prototype.submit = function () { send(this); return orig.apply(this, arguments); "
-        "};",
-        "})();"};
-    std::string joined;
-    for (const auto& line : lines) {
-        joined += (joined.empty() ? "" : "\n") + line;
-    }
-    EXPECT_EQ(SubmittedForm::hookScript, joined);
+    EXPECT_EQ(SubmittedForm::hookScript, R"((function () {
+  function send(form) {
+    try {
+      var fields = {};
+      new FormData(form).forEach(function (v, k) { fields[k] = String(v); });
+      window.webkit.messageHandlers.keyloft.postMessage({ action: form.action, method: form.method, fields: fields });
+    } catch (e) {}
+  }
+  document.addEventListener('submit', function (e) { if (e.target && e.target.tagName === 'FORM') send(e.target); }, true);
+  var orig = HTMLFormElement.prototype.submit;
+  HTMLFormElement.prototype.submit = function () { send(this); return orig.apply(this, arguments); };
+})();)");
 }
 
 // The session without an application

@@ -20,8 +20,6 @@
 namespace KeyloftTests {
 
 using KeyloftCore::AuthSession;
-using KeyloftCore::HostError;
-using TestSupport::runPending;
 using TestSupport::runScript;
 using TestSupport::runUntil;
 
@@ -53,7 +51,7 @@ protected:
 };
 
 TEST_F(AuthSessionLifetime, untilTheCompletionASessionHoldsItself) {
-    std::weak_ptr<AuthSession> weak = startSession();
+    const std::weak_ptr<AuthSession> weak = startSession();
     std::weak_ptr<Platform::Window> window;
     std::weak_ptr<Platform::WebView> view;
     std::unique_ptr<WatchedWidget> widget;
