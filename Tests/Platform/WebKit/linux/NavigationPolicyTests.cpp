@@ -6,7 +6,6 @@
 #include <utility>
 
 using namespace Platform;
-using TestSupport::HTTPRequest;
 using TestSupport::HTTPResponse;
 using TestSupport::runPending;
 using TestSupport::runUntil;
