@@ -42,6 +42,21 @@ enum class Action {
     selectAll,
 };
 
+/// Whether the action edits text: the focused field or page has it before anybody else.
+constexpr bool isEditing(Action action) {
+    switch (action) {
+    case Action::undo:
+    case Action::redo:
+    case Action::cut:
+    case Action::copy:
+    case Action::paste:
+    case Action::selectAll:
+        return true;
+    default:
+        return false;
+    }
+}
+
 /// Who sent an action: at most one of the two is set. Valid during the call only.
 struct ActionSender {
     const Control* control = nullptr;

@@ -21,20 +21,6 @@ namespace {
 constexpr const char* actionPrefix = "menu";
 constexpr const char* windowAction = "window";
 
-bool isEditing(std::optional<Action> action) {
-    switch (action.value_or(Action::terminate)) {
-    case Action::undo:
-    case Action::redo:
-    case Action::cut:
-    case Action::copy:
-    case Action::paste:
-    case Action::selectAll:
-        return true;
-    default:
-        return false;
-    }
-}
-
 /// The toolkit's text for the item's key, "<Control><Shift>braceleft".
 std::string accelerator(const MenuItem& item) {
     static constexpr std::array<std::pair<char, std::string_view>, 5> signs = {{
@@ -308,7 +294,7 @@ void MenuBar::addKeyEquivalents(GtkWidget* toplevel) {
                 equivalent.get(), nullptr);
             GtkShortcutTrigger* trigger = gtk_shortcut_trigger_parse_string(accelerator(*item).c_str());
             gtk_shortcut_controller_add_shortcut(
-                GTK_SHORTCUT_CONTROLLER(isEditing(item->action()) ? bubbling : capturing),
+                GTK_SHORTCUT_CONTROLLER(item->action() && isEditing(*item->action()) ? bubbling : capturing),
                 gtk_shortcut_new(trigger, action));
             keyEquivalents_.push_back(std::move(equivalent));
         }

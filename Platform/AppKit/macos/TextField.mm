@@ -91,19 +91,7 @@ void TextField::setPlaceholder(const std::string& placeholder) {
 
 void TextField::selectText() { [TextFieldEvents::fieldOf(native()) selectText:nil]; }
 
-bool TextField::respondsTo(Action action) const {
-    switch (action) {
-    case Action::undo:
-    case Action::redo:
-    case Action::cut:
-    case Action::copy:
-    case Action::paste:
-    case Action::selectAll:
-        return true;
-    default:
-        return false;
-    }
-}
+bool TextField::respondsTo(Action action) const { return Platform::isEditing(action); }
 
 void TextField::perform(Action action, const ActionSender& /*sender*/) {
     // The editor does what it can itself and leaves undo and redo to its window.

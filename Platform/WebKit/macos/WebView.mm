@@ -108,7 +108,7 @@ void WebView::setUIDelegate(const std::weak_ptr<UIDelegate>& delegate) {
     engine_->setUIDelegate(delegate);
 }
 
-bool WebView::respondsTo(Action action) const { return isEditingAction(action); }
+bool WebView::respondsTo(Action action) const { return isEditing(action); }
 
 void WebView::perform(Action action, const ActionSender& /*sender*/) {
     assertMainThread("WebView::perform");

@@ -16,9 +16,6 @@
 
 namespace Platform {
 
-/// Whether an action is for the text that has the focus, in a page as in a field.
-bool isEditingAction(Action action);
-
 /// What connects a web view with WebKit's. It ends with the view, and all that WebKit tells and asks with it;
 /// WebKit's view may live on while AppKit holds it.
 ///

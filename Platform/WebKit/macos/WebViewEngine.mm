@@ -21,7 +21,7 @@
 @implementation KeyloftWebView
 - (BOOL)respondsToSelector:(SEL)selector {
     const auto action = Platform::actionFor(selector);
-    return (!action || Platform::isEditingAction(*action)) && [super respondsToSelector:selector];
+    return (!action || Platform::isEditing(*action)) && [super respondsToSelector:selector];
 }
 @end
 
@@ -68,20 +68,6 @@ bool isVisible(NSView* view) {
 }
 
 } // namespace
-
-bool isEditingAction(Action action) {
-    switch (action) {
-    case Action::undo:
-    case Action::redo:
-    case Action::cut:
-    case Action::copy:
-    case Action::paste:
-    case Action::selectAll:
-        return true;
-    default:
-        return false;
-    }
-}
 
 WebViewEngine::WebViewEngine(WebViewConfiguration& configuration)
     : view_([[KeyloftWebView alloc] initWithFrame:NSZeroRect
