@@ -31,10 +31,18 @@ public:
     void fire();
 
 private:
-    struct Implementation;
-    Timer();
+    /// The system's timer, which calls `fired`.
+    struct Native;
 
-    std::unique_ptr<Implementation> implementation_;
+    Timer();
+    void start(Interval interval);
+    void stop();
+    void fired() noexcept;
+
+    std::unique_ptr<Native> native_;
+    /// Shared, so that the call that is running outlives the timer.
+    std::shared_ptr<const std::function<void()>> callback_;
+    bool repeats_ = false;
 };
 
 } // namespace Platform

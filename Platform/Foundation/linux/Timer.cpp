@@ -20,61 +20,34 @@ guint milliseconds(Timer::Interval interval) {
 
 } // namespace
 
-struct Timer::Implementation {
-    /// Shared, so that the call that is running outlives the timer.
-    std::shared_ptr<const std::function<void()>> callback;
+struct Timer::Native {
     guint source = 0;
-    bool repeats = false;
-
-    static gboolean fired(gpointer data) noexcept {
-        auto& implementation = *static_cast<Implementation*>(data);
-        if (implementation.repeats) {
-            const auto running = implementation.callback;
-            // The timer may be gone when this returns, and with it the source; GLib allows for that.
-            (*running)();
-            return G_SOURCE_CONTINUE;
-        }
-        implementation.source = 0;
-        const auto running = std::exchange(implementation.callback, nullptr);
-        (*running)();
-        return G_SOURCE_REMOVE;
-    }
 };
 
 Timer::Timer()
-    : implementation_(std::make_unique<Implementation>()) {}
+    : native_(std::make_unique<Native>()) {}
 
 Timer::~Timer() { invalidate(); }
 
-std::shared_ptr<Timer> Timer::scheduled(Interval interval, bool repeats, std::function<void()> callback) {
-    struct PublicTimer : Timer {};
-    auto timer = std::make_shared<PublicTimer>();
-    auto& implementation = *timer->implementation_;
-    implementation.callback = std::make_shared<const std::function<void()>>(std::move(callback));
-    implementation.repeats = repeats;
-    implementation.source = g_timeout_add(milliseconds(interval), &Implementation::fired, &implementation);
-    return timer;
+void Timer::start(Interval interval) {
+    const auto fired = [](gpointer data) -> gboolean {
+        auto& timer = *static_cast<Timer*>(data);
+        if (timer.repeats_) {
+            // The timer may be gone when this returns, and with it the source; GLib allows for that.
+            timer.fired();
+            return G_SOURCE_CONTINUE;
+        }
+        timer.native_->source = 0;
+        timer.fired();
+        return G_SOURCE_REMOVE;
+    };
+    native_->source = g_timeout_add(milliseconds(interval), fired, this);
 }
 
-void Timer::invalidate() {
-    if (const guint source = std::exchange(implementation_->source, 0); source != 0) {
+void Timer::stop() {
+    if (const guint source = std::exchange(native_->source, 0); source != 0) {
         g_source_remove(source);
     }
-    // Released last and from a local: what the callback holds may own this timer.
-    const auto released = std::exchange(implementation_->callback, nullptr);
-}
-
-bool Timer::isValid() const { return implementation_->callback != nullptr; }
-
-void Timer::fire() {
-    const auto callback = implementation_->callback;
-    if (callback == nullptr) {
-        return;
-    }
-    if (!implementation_->repeats) {
-        invalidate();
-    }
-    (*callback)();
 }
 
 } // namespace Platform

@@ -1,0 +1,41 @@
+#include "Platform/Foundation/Timer.h"
+
+#include <utility>
+
+namespace Platform {
+
+std::shared_ptr<Timer> Timer::scheduled(Interval interval, bool repeats, std::function<void()> callback) {
+    struct PublicTimer : Timer {};
+    auto timer = std::make_shared<PublicTimer>();
+    timer->callback_ = std::make_shared<const std::function<void()>>(std::move(callback));
+    timer->repeats_ = repeats;
+    timer->start(interval);
+    return timer;
+}
+
+void Timer::invalidate() {
+    stop();
+    // Released last and from a local: what the callback holds may own this timer.
+    const auto released = std::exchange(callback_, nullptr);
+}
+
+bool Timer::isValid() const { return callback_ != nullptr; }
+
+void Timer::fire() {
+    const auto callback = callback_;
+    if (callback == nullptr) {
+        return;
+    }
+    if (!repeats_) {
+        invalidate();
+    }
+    (*callback)();
+}
+
+/// The timer may be gone when the callback returns.
+void Timer::fired() noexcept {
+    const auto running = repeats_ ? callback_ : std::exchange(callback_, nullptr);
+    (*running)();
+}
+
+} // namespace Platform
