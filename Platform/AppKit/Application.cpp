@@ -2,6 +2,21 @@
 
 namespace Platform {
 
+namespace {
+
+bool isMade = false;
+
+} // namespace
+
+Application& Application::shared() {
+    struct Made : Application {};
+    static Made application;
+    isMade = true;
+    return application;
+}
+
+bool Application::exists() { return isMade; }
+
 bool Application::sendAction(Action action, const std::shared_ptr<Responder>& target,
                              const ActionSender& sender) {
     const auto receiver = target ? target : targetForAction(action);

@@ -27,6 +27,12 @@ public:
 private:
     LayoutConstraint() = default;
 
+    bool isLength() const;
+    /// Whether it has one of the forms in use.
+    bool isKnown() const;
+    /// Constraints of known forms; the system's side.
+    static void apply(const std::vector<LayoutConstraint>& constraints);
+
     std::shared_ptr<View> view_;
     LayoutAttribute attribute_ = LayoutAttribute::width;
     bool toSuperview_ = false;

@@ -22,8 +22,6 @@ namespace Platform {
 
 namespace {
 
-bool isMade = false;
-
 constexpr const char* themeVariable = "GTK_THEME";
 constexpr const char* emptyTheme = "Adwaita-empty";
 
@@ -60,18 +58,9 @@ bool registerApplication(GApplication* application) {
 
 } // namespace
 
-Application& Application::shared() {
-    struct Made : Application {};
-    static Made application;
-    return application;
-}
-
-bool Application::exists() { return isMade; }
-
 Application::Application()
     : native_(std::make_unique<Native>()) {
     assertMainThread("Application::shared");
-    isMade = true;
     chooseAcceleration();
     holdBackToolkitTheme();
     // What is handed over is text: as a command line it arrives untouched, where a list of files would be

@@ -5,42 +5,6 @@
 
 namespace Platform {
 
-namespace {
-
-struct MadeButton : Button {};
-
-} // namespace
-
-std::shared_ptr<Button> Button::create() { return std::make_shared<MadeButton>(); }
-
-std::shared_ptr<Button> Button::create(const std::string& title, const std::weak_ptr<Responder>& target,
-                                       Action action) {
-    auto button = create();
-    button->title_ = title;
-    button->setTarget(target, action);
-    return button;
-}
-
-void Button::setImage(const Image& image) {
-    if (image_ == image)
-        return;
-    image_ = image;
-    if (Native* made = nativeIfMade())
-        applyImage(*made);
-}
-
-void Button::setBezelStyle(BezelStyle style) {
-    bezelStyle_ = style;
-    if (Native* made = nativeIfMade())
-        applyStyle(*made);
-}
-
-void Button::setBordered(bool bordered) {
-    bordered_ = bordered;
-    if (Native* made = nativeIfMade())
-        applyStyle(*made);
-}
-
 std::unique_ptr<View::Native> Button::makeNative() {
     auto native = std::make_unique<Native>();
     native->widget = GObjectPtr<GtkWidget>::retain(gtk_button_new());

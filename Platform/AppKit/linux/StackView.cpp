@@ -5,18 +5,6 @@
 
 namespace Platform {
 
-StackView::StackView(Orientation orientation)
-    : orientation_(orientation)
-    , alignment_(orientation == Orientation::horizontal ? Alignment::centerY : Alignment::leading) {}
-
-std::shared_ptr<StackView> StackView::create(Orientation orientation) {
-    struct Made : StackView {
-        explicit Made(Orientation orientation)
-            : StackView(orientation) {}
-    };
-    return std::make_shared<Made>(orientation);
-}
-
 void StackView::setSpacing(double spacing) {
     spacing_ = spacing;
     setNeedsLayout();
@@ -35,8 +23,6 @@ void StackView::setAlignment(Alignment alignment) {
 void StackView::setHuggingPriority(LayoutPriority priority, Orientation orientation) {
     setContentHuggingPriority(priority, orientation);
 }
-
-void StackView::addArrangedSubview(const std::shared_ptr<View>& view) { addSubview(view); }
 
 std::unique_ptr<View::Native> StackView::makeNative() {
     return makeContainer(*this, std::make_unique<StackLayout>(*this));

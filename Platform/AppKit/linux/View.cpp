@@ -62,11 +62,6 @@ View::View(std::string_view className)
 
 View::~View() = default;
 
-std::shared_ptr<View> View::create() {
-    struct Made : View {};
-    return std::make_shared<Made>();
-}
-
 void View::addSubview(const std::shared_ptr<View>& view) {
     view->removeFromSuperview();
     subviews_.push_back(view);
@@ -87,13 +82,6 @@ void View::removeFromSuperview() {
 void View::subviewsChanged() {
     if (native_)
         native_->subviewsChanged();
-}
-
-std::shared_ptr<Window> View::window() const {
-    auto window = window_.lock();
-    for (auto view = superview(); view && !window; view = view->superview())
-        window = view->window_.lock();
-    return window;
 }
 
 Rect View::frame() const { return frame_; }

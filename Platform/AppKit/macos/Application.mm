@@ -74,24 +74,13 @@ namespace Platform {
 
 namespace {
 
-bool isMade = false;
-
 NSApplication* nativeApplication() { return NSApplication.sharedApplication; }
 
 } // namespace
 
-Application& Application::shared() {
-    struct Made : Application {};
-    static Made application;
-    return application;
-}
-
-bool Application::exists() { return isMade; }
-
 Application::Application()
     : native_(std::make_unique<Native>()) {
     assertMainThread("Application::shared");
-    isMade = true;
     [NSApplication sharedApplication];
 }
 

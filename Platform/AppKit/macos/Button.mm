@@ -1,6 +1,5 @@
 #include "Platform/AppKit/Button.h"
 
-#include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/macos/ControlNative.h"
 #include "Platform/Foundation/FatalError.h"
 #include "Platform/Foundation/macos/Conversions.h"
@@ -16,43 +15,6 @@ NSBezelStyle toNSBezelStyle(Button::BezelStyle style) {
 }
 
 } // namespace
-
-std::shared_ptr<Button> Button::create() {
-    struct Made : Button {};
-    return std::make_shared<Made>();
-}
-
-std::shared_ptr<Button> Button::create(const std::string& title, const std::weak_ptr<Responder>& target,
-                                       Action action) {
-    auto button = create();
-    button->title_ = title;
-    button->setTarget(target, action);
-    return button;
-}
-
-void Button::setImage(const Image& image) {
-    assertMainThread("Button::setImage");
-    image_ = image;
-    if (Native* const made = nativeIfMade()) {
-        applyImage(*made);
-    }
-}
-
-void Button::setBezelStyle(BezelStyle style) {
-    assertMainThread("Button::setBezelStyle");
-    bezelStyle_ = style;
-    if (Native* const made = nativeIfMade()) {
-        applyStyle(*made);
-    }
-}
-
-void Button::setBordered(bool bordered) {
-    assertMainThread("Button::setBordered");
-    bordered_ = bordered;
-    if (Native* const made = nativeIfMade()) {
-        applyStyle(*made);
-    }
-}
 
 std::unique_ptr<View::Native> Button::makeNative() {
     auto native = std::make_unique<ControlNative>([NSButton buttonWithTitle:toNSString(title_)

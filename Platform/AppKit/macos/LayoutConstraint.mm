@@ -1,6 +1,5 @@
 #include "Platform/AppKit/LayoutConstraint.h"
 
-#include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/macos/ViewNative.h"
 #include "Platform/Foundation/FatalError.h"
 
@@ -28,36 +27,12 @@ NSLayoutAttribute toNSLayoutAttribute(LayoutAttribute attribute) {
 
 } // namespace
 
-LayoutConstraint LayoutConstraint::equalToSuperview(const std::shared_ptr<View>& view,
-                                                    LayoutAttribute attribute) {
-    LayoutConstraint constraint;
-    constraint.view_ = view;
-    constraint.attribute_ = attribute;
-    constraint.toSuperview_ = true;
-    return constraint;
-}
-
-LayoutConstraint LayoutConstraint::equalTo(const std::shared_ptr<View>& view, LayoutAttribute attribute,
-                                           double constant) {
-    LayoutConstraint constraint;
-    constraint.view_ = view;
-    constraint.attribute_ = attribute;
-    constraint.constant_ = constant;
-    return constraint;
-}
-
-void LayoutConstraint::activate(const std::vector<LayoutConstraint>& constraints) {
-    assertMainThread("LayoutConstraint::activate");
+void LayoutConstraint::apply(const std::vector<LayoutConstraint>& constraints) {
     NSMutableArray<NSLayoutConstraint*>* const all = [NSMutableArray array];
     for (const LayoutConstraint& constraint : constraints) {
         const auto superview = constraint.view_->superview();
-        const bool isLength = constraint.attribute_ == LayoutAttribute::width ||
-                              constraint.attribute_ == LayoutAttribute::height;
-        const bool isKnown = constraint.toSuperview_
-                                 ? superview != nullptr && constraint.attribute_ != LayoutAttribute::height
-                                 : isLength;
-        if (!isKnown) {
-            fatalError("a layout constraint has a form that this system does not know");
+        if (constraint.toSuperview_ && superview == nullptr) {
+            fatalError("a layout constraint names the superview of a view that has none");
         }
         // The superview first: it takes its subviews in when it is made.
         NSView* const other = constraint.toSuperview_ ? superview->native().view : nil;

@@ -37,18 +37,6 @@ NSLayoutAttribute toNSLayoutAttribute(StackView::Alignment alignment) {
 
 } // namespace
 
-StackView::StackView(Orientation orientation)
-    : orientation_(orientation)
-    , alignment_(orientation == Orientation::horizontal ? Alignment::centerY : Alignment::leading) {}
-
-std::shared_ptr<StackView> StackView::create(Orientation orientation) {
-    struct Made : StackView {
-        explicit Made(Orientation orientation)
-            : StackView(orientation) {}
-    };
-    return std::make_shared<Made>(orientation);
-}
-
 void StackView::setSpacing(double spacing) {
     assertMainThread("StackView::setSpacing");
     spacing_ = spacing;
@@ -70,8 +58,6 @@ void StackView::setAlignment(Alignment alignment) {
 void StackView::setHuggingPriority(LayoutPriority priority, Orientation orientation) {
     [stackOf(native()) setHuggingPriority:priority forOrientation:toNSOrientation(orientation)];
 }
-
-void StackView::addArrangedSubview(const std::shared_ptr<View>& view) { addSubview(view); }
 
 std::unique_ptr<View::Native> StackView::makeNative() {
     NSStackView* const stack = [[NSStackView alloc] initWithFrame:NSZeroRect];

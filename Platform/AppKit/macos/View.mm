@@ -89,11 +89,6 @@ View::View(std::string_view className)
 
 View::~View() = default;
 
-std::shared_ptr<View> View::create() {
-    struct Made : View {};
-    return std::make_shared<Made>();
-}
-
 void View::addSubview(const std::shared_ptr<View>& view) {
     assertMainThread("View::addSubview");
     view->removeFromSuperview();
@@ -114,14 +109,6 @@ void View::removeFromSuperview() {
     std::erase(superview->subviews_, keptAlive);
     superview_.reset();
     [nsViewOf(*this) removeFromSuperview];
-}
-
-std::shared_ptr<Window> View::window() const {
-    auto window = window_.lock();
-    for (auto view = superview(); view != nullptr && window == nullptr; view = view->superview()) {
-        window = view->window_.lock();
-    }
-    return window;
 }
 
 Rect View::frame() const {
