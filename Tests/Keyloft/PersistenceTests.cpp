@@ -5,32 +5,17 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
-#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
+using KeyloftTests::askXdotool;
 using KeyloftTests::eventually;
 using KeyloftTests::Program;
 using TestSupport::HTTPResponse;
-
-/// The first line that xdotool answers.
-std::string ask(const std::string& arguments) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> answer(
-        popen(("xdotool " + arguments + " 2>/dev/null").c_str(), "r"), &pclose);
-    if (!answer)
-        throw std::runtime_error("xdotool does not start");
-    std::array<char, 4096> line{};
-    std::string text = std::fgets(line.data(), line.size(), answer.get()) ? line.data() : "";
-    while (text.ends_with('\n'))
-        text.pop_back();
-    return text;
-}
 
 /// The real program, run several times by the same user.
 class PersistenceTest : public testing::Test {
@@ -57,8 +42,9 @@ protected:
     std::string run(const std::string& path) {
         Program program(KEYLOFT_PROGRAM, {server.url(path)});
         EXPECT_TRUE(eventually([&] { return server.count(path + "-report") == 1; })) << program.errors();
-        EXPECT_TRUE(eventually([&] { return ask("getactivewindow getwindowname") == path; }));
-        ask("key ctrl+q");
+        EXPECT_TRUE(
+            eventually([&] { return askXdotool("getactivewindow getwindowname") == std::vector{path}; }));
+        askXdotool("key ctrl+q");
         EXPECT_EQ(program.waitForExit(), 0) << program.errors();
         const auto reports = server.requests(path + "-report");
         return reports.empty() ? "" : reports.front().query;

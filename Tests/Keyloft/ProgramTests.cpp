@@ -6,39 +6,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <csignal>
-#include <cstdio>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace {
 
+using KeyloftTests::askXdotool;
 using KeyloftTests::eventually;
 using KeyloftTests::Program;
 using TestSupport::HTTPResponse;
 using Lines = std::vector<std::string>;
-
-/// What xdotool answers, line by line.
-Lines ask(const std::string& arguments) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> answer(
-        popen(("xdotool " + arguments + " 2>/dev/null").c_str(), "r"), &pclose);
-    if (!answer)
-        throw std::runtime_error("xdotool does not start");
-    std::string text;
-    std::array<char, 4096> bytes{};
-    while (const auto size = fread(bytes.data(), 1, bytes.size(), answer.get()))
-        text.append(bytes.data(), size);
-    Lines lines;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const auto end = text.find('\n', begin);
-        lines.push_back(text.substr(begin, end - begin));
-        begin = end == std::string::npos ? text.size() : end + 1;
-    }
-    return lines;
-}
 
 /// The real program, seen through its windows and through what it asks a web server for.
 class ProgramTest : public testing::Test {
@@ -84,7 +63,7 @@ protected:
     }
 
     /// The titles of the windows that are on the screen.
-    static Lines windows() { return ask("search --onlyvisible --class keyloft getwindowname %@"); }
+    static Lines windows() { return askXdotool("search --onlyvisible --class keyloft getwindowname %@"); }
     [[nodiscard]] static bool waitForWindows(const Lines& titles) {
         const bool came = eventually([&] { return windows() == titles; });
         if (!came)
@@ -92,10 +71,10 @@ protected:
         return came;
     }
     [[nodiscard]] static bool waitForFocus(const std::string& title) {
-        return eventually([&] { return ask("getactivewindow getwindowname") == Lines{title}; });
+        return eventually([&] { return askXdotool("getactivewindow getwindowname") == Lines{title}; });
     }
-    static void press(const std::string& key) { ask("key " + key); }
-    static void type(const std::string& text) { ask("type --delay 2 '" + text + "'"); }
+    static void press(const std::string& key) { askXdotool("key " + key); }
+    static void type(const std::string& text) { askXdotool("type --delay 2 '" + text + "'"); }
 
     static void quit(Program& program) {
         press("ctrl+q");
@@ -259,7 +238,7 @@ TEST_F(ProgramTest, afterACrashItStartsAnew) {
 TEST_F(ProgramTest, theWindowComesBackAsItWasLeft) {
     const auto geometry = [](const char* title) {
         const auto lines =
-            ask("search --onlyvisible --name '^" + std::string(title) + "$' getwindowgeometry %@");
+            askXdotool("search --onlyvisible --name '^" + std::string(title) + "$' getwindowgeometry %@");
         return lines.size() < 3 ? "" : lines[2].substr(lines[2].find(':') + 2);
     };
     auto program = start();
@@ -269,7 +248,7 @@ TEST_F(ProgramTest, theWindowComesBackAsItWasLeft) {
     EXPECT_EQ(firstWidth, "1100x");
     // A window that was just shown may still settle.
     ASSERT_TRUE(eventually([&] {
-        ask("search --onlyvisible --name '^New Tab$' windowsize %@ 900 700");
+        askXdotool("search --onlyvisible --name '^New Tab$' windowsize %@ 900 700");
         return geometry("New Tab") == "900x700";
     }));
     quit(*program);

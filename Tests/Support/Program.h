@@ -46,4 +46,7 @@ private:
     std::optional<int> status_;
 };
 
+/// What xdotool answers, line by line; what goes wrong, no window found above all, is no line.
+std::vector<std::string> askXdotool(const std::string& arguments);
+
 } // namespace KeyloftTests

@@ -7,6 +7,7 @@
 #include "Platform/WebKit/linux/NetworkSession.h"
 #include "Tests/Support/Display.h"
 #include "Tests/Support/linux/MainLoop.h"
+#include "Tests/Support/linux/Xdotool.h"
 
 #include <adwaita.h>
 #include <gtest/gtest.h>
@@ -112,29 +113,6 @@ GtkWidget* sheetButton(Platform::Window& window, const std::string& title) {
     return nullptr;
 }
 
-void runTool(const std::vector<std::string>& arguments) {
-    std::vector<const char*> argv{"xdotool"};
-    argv.reserve(arguments.size() + 2);
-    for (const auto& argument : arguments)
-        argv.push_back(argument.c_str());
-    argv.push_back(nullptr);
-    g_autoptr(GError) error = nullptr;
-    const auto tool =
-        GObjectPtr<GSubprocess>::adopt(g_subprocess_newv(argv.data(), G_SUBPROCESS_FLAGS_NONE, &error));
-    if (!tool)
-        throw std::runtime_error(error->message);
-    bool ended = false;
-    g_subprocess_wait_async(
-        tool.get(), nullptr,
-        [](GObject* process, GAsyncResult* result, gpointer data) {
-            g_subprocess_wait_finish(G_SUBPROCESS(process), result, nullptr);
-            *static_cast<bool*>(data) = true;
-        },
-        &ended);
-    EXPECT_TRUE(runUntil([&] { return ended; }));
-    EXPECT_EQ(g_subprocess_get_exit_status(tool.get()), 0) << arguments.front();
-}
-
 ScreenPoint middleOnScreen(GtkWidget* widget) {
     GtkNative* native = gtk_widget_get_native(widget);
     const auto bounds = boundsIn(widget, GTK_WIDGET(native));
@@ -168,7 +146,7 @@ GtkWidget* tabOf(Platform::Window& window) {
 }
 
 void movePointer(ScreenPoint point) {
-    runTool({"mousemove", std::to_string(point.x), std::to_string(point.y)});
+    runXdotool({"mousemove", std::to_string(point.x), std::to_string(point.y)});
 }
 
 GtkText* textOf(Platform::TextField& field) {
@@ -318,9 +296,9 @@ OtherWindow::OtherWindow()
 
 OtherWindow::~OtherWindow() { gtk_window_destroy(GTK_WINDOW(native_->window.get())); }
 
-void pressKey(const std::string& key) { runTool({"key", key}); }
+void pressKey(const std::string& key) { runXdotool({"key", key}); }
 
-void typeText(const std::string& text) { runTool({"type", "--delay", "2", text}); }
+void typeText(const std::string& text) { runXdotool({"type", "--delay", "2", text}); }
 
 void click(Platform::View& view) { clickAt(middleOnScreen(widgetOf(view))); }
 
@@ -341,13 +319,13 @@ ScreenPoint newTabButtonOnScreen(Platform::Window& window) {
 
 void clickAt(ScreenPoint point, PointerButton button) {
     movePointer(point);
-    runTool({"click", std::to_string(static_cast<int>(button))});
+    runXdotool({"click", std::to_string(static_cast<int>(button))});
 }
 
 void drag(ScreenPoint from, ScreenPoint to) {
     constexpr int steps = 25;
     movePointer(from);
-    runTool({"mousedown", "1"});
+    runXdotool({"mousedown", "1"});
     for (int i = 1; i <= steps; ++i) {
         movePointer(
             {.x = from.x + ((to.x - from.x) * i / steps), .y = from.y + ((to.y - from.y) * i / steps)});
@@ -356,7 +334,7 @@ void drag(ScreenPoint from, ScreenPoint to) {
     // Whoever is under the pointer answers whether it takes what is dragged.
     constexpr auto pause = std::chrono::milliseconds(200);
     EXPECT_FALSE(runUntil([] { return false; }, pause));
-    runTool({"mouseup", "1"});
+    runXdotool({"mouseup", "1"});
 }
 
 ShownMenu openedMenu(Platform::Window& window, const std::string& title) {

@@ -1,5 +1,6 @@
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
 #include "Tests/Support/Display.h"
+#include "Tests/Support/linux/Xdotool.h"
 
 #include <string>
 
@@ -63,19 +64,6 @@ protected:
         const std::string value = text ? text : "";
         g_free(text);
         return value;
-    }
-
-    static void pressKeys(const std::string& keys) {
-        int status = -1;
-        GPid pid = 0;
-        const char* arguments[] = {"xdotool", "key", keys.c_str(), nullptr};
-        ASSERT_TRUE(g_spawn_async(nullptr, const_cast<char**>(arguments), nullptr,
-                                  static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD),
-                                  nullptr, nullptr, &pid, nullptr));
-        g_child_watch_add(
-            pid, [](GPid, int ended, gpointer data) { *static_cast<int*>(data) = ended; }, &status);
-        ASSERT_TRUE(runUntil([&] { return status != -1; })) << keys;
-        ASSERT_EQ(status, 0) << keys;
     }
 
     /// A field that has the keyboard, in a window that a window manager made the active one.
@@ -142,7 +130,7 @@ TEST_F(MenuBarTest, anItemIsGreyWhenNobodyWouldPerformItOrItsTargetSaysSo) {
 TEST_F(MenuBarTest, keysWorkBeforeTheirMenuWasEverOpened) {
     controller->recorder.answers = Action::toggleBookmark;
     showActiveField();
-    pressKeys("ctrl+d");
+    TestSupport::runXdotool({"key", "ctrl+d"});
     EXPECT_TRUE(
         runUntil([&] { return controller->recorder.performed == std::vector{Action::toggleBookmark}; }));
 }
@@ -150,8 +138,8 @@ TEST_F(MenuBarTest, keysWorkBeforeTheirMenuWasEverOpened) {
 TEST_F(MenuBarTest, theKeyOfADisabledItemDoesNothingAnywhere) {
     controller->recorder.valid = false;
     const auto field = showActiveField();
-    pressKeys("ctrl+d");
-    pressKeys("x");
+    TestSupport::runXdotool({"key", "ctrl+d"});
+    TestSupport::runXdotool({"key", "x"});
     ASSERT_TRUE(runUntil([&] { return field->stringValue() == "x"; }));
     EXPECT_TRUE(controller->recorder.performed.empty());
 }

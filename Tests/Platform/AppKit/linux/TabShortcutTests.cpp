@@ -1,5 +1,6 @@
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
 #include "Tests/Support/Display.h"
+#include "Tests/Support/linux/Xdotool.h"
 
 #include <string>
 #include <vector>
@@ -32,21 +33,7 @@ protected:
     void select(std::size_t index) const { show(tabs[index]->window()); }
     bool isSelected(std::size_t index) const { return host->selectedWindow() == tabs[index]->window(); }
 
-    static void press(const std::string& key) {
-        const char* arguments[] = {"xdotool", "key", key.c_str(), nullptr};
-        const auto tool =
-            GObjectPtr<GSubprocess>::adopt(g_subprocess_newv(arguments, G_SUBPROCESS_FLAGS_NONE, nullptr));
-        bool ended = false;
-        g_subprocess_wait_async(
-            tool.get(), nullptr,
-            [](GObject* process, GAsyncResult* result, gpointer data) {
-                g_subprocess_wait_finish(G_SUBPROCESS(process), result, nullptr);
-                *static_cast<bool*>(data) = true;
-            },
-            &ended);
-        ASSERT_TRUE(runUntil([&] { return ended; }));
-        ASSERT_EQ(g_subprocess_get_exit_status(tool.get()), 0) << key;
-    }
+    static void press(const std::string& key) { TestSupport::runXdotool({"key", key}); }
 
     std::vector<std::shared_ptr<RecordingController>> tabs;
     std::vector<std::shared_ptr<TextField>> fields;
