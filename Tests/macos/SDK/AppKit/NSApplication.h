@@ -24,7 +24,7 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 - (IBAction)unhideAllApplications:(nullable id)sender;
 - (IBAction)terminate:(nullable id)sender;
 @property (nullable, readonly, weak) NSWindow* mainWindow;
-- (void)activateIgnoringOtherApps:(BOOL)flag;
+- (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps API_DEPRECATED("activate", macos(10.0, 27.0));
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy API_AVAILABLE(macos(10.6));
 - (void)finishLaunching;
 - (void)run;

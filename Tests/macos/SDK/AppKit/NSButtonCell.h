@@ -5,8 +5,8 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NS_ENUM(NSUInteger, NSBezelStyle) {
-    NSBezelStyleTexturedRounded = 11,
-    NSBezelStyleRecessed = 13,
+    NSBezelStyleTexturedRounded API_DEPRECATED("NSBezelStyleToolbar", macos(10.0, 27.0)) = 11,
+    NSBezelStyleRecessed API_DEPRECATED("NSBezelStyleAccessoryBar", macos(10.0, 27.0)) = 13,
 };
 
 NS_ASSUME_NONNULL_END

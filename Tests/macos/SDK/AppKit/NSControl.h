@@ -17,7 +17,7 @@ NS_ASSUME_NONNULL_BEGIN
 @property (getter=isEnabled) BOOL enabled;
 @property (copy) NSString* stringValue;
 @property (nullable, strong) __kindof NSCell* cell;
-@property (nullable, strong) NSFont* font;
+@property (nullable, copy) NSFont* font;
 - (BOOL)sendAction:(nullable SEL)action to:(nullable id)target;
 @end
 

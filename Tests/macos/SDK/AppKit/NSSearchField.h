@@ -7,8 +7,8 @@
 NS_ASSUME_NONNULL_BEGIN
 
 @interface NSSearchField : NSTextField
-@property BOOL sendsWholeSearchString;
-@property BOOL sendsSearchStringImmediately;
+@property BOOL sendsWholeSearchString API_AVAILABLE(macos(10.10));
+@property BOOL sendsSearchStringImmediately API_AVAILABLE(macos(10.10));
 @property (nullable, weak) id<NSSearchFieldDelegate> delegate;
 @end
 

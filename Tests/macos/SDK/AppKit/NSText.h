@@ -8,7 +8,7 @@ NS_ASSUME_NONNULL_BEGIN
 @end
 
 @interface NSText : NSView
-@property (nullable, weak) id<NSTextDelegate> delegate;
+@property (nullable, assign) id<NSTextDelegate> delegate;
 @property (getter=isFieldEditor) BOOL fieldEditor;
 - (void)copy:(nullable id)sender;
 - (void)cut:(nullable id)sender;
