@@ -9,7 +9,6 @@ NS_ASSUME_NONNULL_BEGIN
 typedef NS_ENUM(NSUInteger, NSAlertStyle) {
     NSAlertStyleWarning = 0,
     NSAlertStyleInformational = 1,
-    NSAlertStyleCritical = 2,
 };
 
 static const NSModalResponse NSAlertFirstButtonReturn = 1000;

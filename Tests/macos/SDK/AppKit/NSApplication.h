@@ -11,9 +11,7 @@ NS_ASSUME_NONNULL_BEGIN
 typedef NSInteger NSModalResponse;
 
 typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
-    NSApplicationActivationPolicyRegular,
-    NSApplicationActivationPolicyAccessory,
-    NSApplicationActivationPolicyProhibited,
+    NSApplicationActivationPolicyRegular = 0,
 };
 
 @interface NSApplication : NSResponder <NSMenuItemValidation>

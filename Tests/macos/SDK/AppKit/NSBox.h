@@ -5,9 +5,7 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NS_ENUM(NSUInteger, NSBoxType) {
-    NSBoxPrimary = 0,
     NSBoxSeparator = 2,
-    NSBoxCustom = 4,
 };
 
 @interface NSBox : NSView

@@ -10,7 +10,6 @@ NS_ASSUME_NONNULL_BEGIN
 + (instancetype)buttonWithTitle:(NSString*)title
                          target:(nullable id)target
                          action:(nullable SEL)action API_AVAILABLE(macos(10.12));
-@property (copy) NSString* title;
 @property NSBezelStyle bezelStyle;
 @property (getter=isBordered) BOOL bordered;
 @property (nullable, strong) NSImage* image;

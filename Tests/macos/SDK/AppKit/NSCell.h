@@ -6,7 +6,6 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NS_ENUM(NSUInteger, NSCellImagePosition) {
-    NSNoImage = 0,
     NSImageOnly = 1,
 };
 

@@ -10,8 +10,6 @@
 NS_ASSUME_NONNULL_BEGIN
 
 @interface NSControl : NSView
-- (instancetype)initWithFrame:(NSRect)frameRect NS_DESIGNATED_INITIALIZER;
-- (nullable instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
 @property (nullable, weak) id target;
 @property (nullable) SEL action;
 @property (getter=isEnabled) BOOL enabled;
@@ -30,7 +28,6 @@ NS_ASSUME_NONNULL_BEGIN
 @optional
 - (void)controlTextDidBeginEditing:(NSNotification*)obj;
 - (void)controlTextDidEndEditing:(NSNotification*)obj;
-- (void)controlTextDidChange:(NSNotification*)obj;
 - (BOOL)control:(NSControl*)control textView:(NSTextView*)textView doCommandBySelector:(SEL)commandSelector;
 @end
 

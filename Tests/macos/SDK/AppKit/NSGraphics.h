@@ -8,6 +8,4 @@ typedef NS_ENUM(NSUInteger, NSBackingStoreType) {
 
 typedef NS_ENUM(NSInteger, NSWindowOrderingMode) {
     NSWindowAbove = 1,
-    NSWindowBelow = -1,
-    NSWindowOut = 0,
 };

@@ -6,9 +6,6 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef float NSLayoutPriority;
-static const NSLayoutPriority NSLayoutPriorityRequired = 1000;
-static const NSLayoutPriority NSLayoutPriorityDefaultHigh = 750;
-static const NSLayoutPriority NSLayoutPriorityWindowSizeStayPut = 500;
 static const NSLayoutPriority NSLayoutPriorityDefaultLow = 250;
 
 typedef NS_ENUM(NSInteger, NSLayoutConstraintOrientation) {
@@ -17,9 +14,7 @@ typedef NS_ENUM(NSInteger, NSLayoutConstraintOrientation) {
 };
 
 typedef NS_ENUM(NSInteger, NSLayoutRelation) {
-    NSLayoutRelationLessThanOrEqual = -1,
     NSLayoutRelationEqual = 0,
-    NSLayoutRelationGreaterThanOrEqual = 1,
 };
 
 typedef NS_ENUM(NSInteger, NSLayoutAttribute) {

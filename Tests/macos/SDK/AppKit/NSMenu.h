@@ -9,8 +9,6 @@ NS_ASSUME_NONNULL_BEGIN
 
 @interface NSMenu : NSObject <NSCopying, NSCoding>
 - (instancetype)initWithTitle:(NSString*)title NS_DESIGNATED_INITIALIZER;
-- (instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
-@property (copy) NSString* title;
 - (void)addItem:(NSMenuItem*)newItem;
 - (void)removeAllItems API_AVAILABLE(macos(10.6));
 @property (copy) NSArray<NSMenuItem*>* itemArray;

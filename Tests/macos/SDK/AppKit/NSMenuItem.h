@@ -12,7 +12,6 @@ NS_ASSUME_NONNULL_BEGIN
 - (instancetype)initWithTitle:(NSString*)string
                        action:(nullable SEL)selector
                 keyEquivalent:(NSString*)charCode NS_DESIGNATED_INITIALIZER;
-- (instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
 @property (nullable, strong) NSMenu* submenu;
 @property (copy) NSString* title;
 @property NSEventModifierFlags keyEquivalentModifierMask;

@@ -2,21 +2,16 @@
 
 #include <Foundation/Foundation.h>
 
-@class NSEvent;
-
 NS_ASSUME_NONNULL_BEGIN
 
 @interface NSResponder : NSObject <NSCoding>
 - (instancetype)init NS_DESIGNATED_INITIALIZER;
 - (nullable instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
-@property (nullable, assign) NSResponder* nextResponder;
 - (BOOL)tryToPerform:(SEL)action with:(nullable id)object;
-@property (readonly) BOOL acceptsFirstResponder;
 @end
 
 @protocol NSStandardKeyBindingResponding <NSObject>
 @optional
-- (void)selectAll:(nullable id)sender;
 - (void)cancelOperation:(nullable id)sender;
 @end
 

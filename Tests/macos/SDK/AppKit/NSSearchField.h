@@ -2,17 +2,11 @@
 
 #include <AppKit/NSTextField.h>
 
-@protocol NSSearchFieldDelegate;
-
 NS_ASSUME_NONNULL_BEGIN
 
 @interface NSSearchField : NSTextField
 @property BOOL sendsWholeSearchString API_AVAILABLE(macos(10.10));
 @property BOOL sendsSearchStringImmediately API_AVAILABLE(macos(10.10));
-@property (nullable, weak) id<NSSearchFieldDelegate> delegate;
-@end
-
-@protocol NSSearchFieldDelegate <NSTextFieldDelegate>
 @end
 
 NS_ASSUME_NONNULL_END

@@ -3,6 +3,5 @@
 #include <Foundation/Foundation.h>
 
 typedef NS_ENUM(NSUInteger, NSTextFieldBezelStyle) {
-    NSTextFieldSquareBezel = 0,
     NSTextFieldRoundedBezel = 1,
 };

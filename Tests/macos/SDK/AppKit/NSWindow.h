@@ -5,7 +5,7 @@
 #include <AppKit/NSResponder.h>
 #include <AppKit/NSView.h>
 
-@class NSWindowController, NSWindowTabGroup;
+@class NSWindowTabGroup;
 @protocol NSWindowDelegate;
 
 NS_ASSUME_NONNULL_BEGIN
@@ -18,9 +18,7 @@ typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) {
 };
 
 typedef NS_ENUM(NSInteger, NSWindowTabbingMode) {
-    NSWindowTabbingModeAutomatic,
-    NSWindowTabbingModePreferred,
-    NSWindowTabbingModeDisallowed,
+    NSWindowTabbingModePreferred = 1,
 };
 
 typedef NS_OPTIONS(NSUInteger, NSWindowOcclusionState) {
@@ -38,7 +36,6 @@ typedef NSString* NSWindowTabbingIdentifier;
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backingStoreType
                               defer:(BOOL)flag NS_DESIGNATED_INITIALIZER;
-- (instancetype)initWithCoder:(NSCoder*)coder NS_UNAVAILABLE;
 @property (copy) NSString* title;
 @property (nullable, strong) __kindof NSView* contentView;
 @property (nullable, weak) id<NSWindowDelegate> delegate;
@@ -60,7 +57,6 @@ typedef NSString* NSWindowTabbingIdentifier;
 - (BOOL)setFrameAutosaveName:(NSWindowFrameAutosaveName)name;
 @property (readonly, copy) NSWindowFrameAutosaveName frameAutosaveName;
 - (void)endSheet:(NSWindow*)sheetWindow API_AVAILABLE(macos(10.9));
-@property (nullable, weak) __kindof NSWindowController* windowController;
 @property NSWindowTabbingMode tabbingMode API_AVAILABLE(macos(10.12));
 @property (copy) NSWindowTabbingIdentifier tabbingIdentifier API_AVAILABLE(macos(10.12));
 - (IBAction)selectNextTab:(nullable id)sender API_AVAILABLE(macos(10.12));

@@ -9,7 +9,6 @@ NS_ASSUME_NONNULL_BEGIN
 @interface NSWindowController : NSResponder
 - (instancetype)initWithWindow:(nullable NSWindow*)window NS_DESIGNATED_INITIALIZER;
 - (nullable instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
-@property (nullable, strong) NSWindow* window;
 - (IBAction)showWindow:(nullable id)sender;
 @end
 

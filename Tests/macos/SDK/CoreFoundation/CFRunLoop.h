@@ -15,12 +15,7 @@ typedef CFStringRef CFRunLoopMode;
 typedef struct __attribute__((objc_bridge_mutable(id))) __CFRunLoop* CFRunLoopRef;
 typedef struct __attribute__((objc_bridge_mutable(id))) __CFRunLoopSource* CFRunLoopSourceRef;
 
-enum CFRunLoopRunResult : int32_t {
-    kCFRunLoopRunFinished = 1,
-    kCFRunLoopRunStopped = 2,
-    kCFRunLoopRunTimedOut = 3,
-    kCFRunLoopRunHandledSource = 4,
-};
+enum CFRunLoopRunResult : int32_t;
 
 typedef struct {
     CFIndex version;

@@ -8,16 +8,13 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSEnumerator.h>
 #include <Foundation/NSError.h>
-#include <Foundation/NSException.h>
 #include <Foundation/NSFileManager.h>
 #include <Foundation/NSGeometry.h>
 #include <Foundation/NSKeyValueObserving.h>
 #include <Foundation/NSNotification.h>
-#include <Foundation/NSNull.h>
 #include <Foundation/NSObjCRuntime.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSPathUtilities.h>
-#include <Foundation/NSRange.h>
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSStream.h>
 #include <Foundation/NSString.h>

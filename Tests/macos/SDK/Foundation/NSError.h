@@ -9,19 +9,12 @@ NS_ASSUME_NONNULL_BEGIN
 typedef NSString* NSErrorDomain;
 typedef NSString* NSErrorUserInfoKey;
 
-FOUNDATION_EXPORT NSErrorDomain const NSCocoaErrorDomain;
 FOUNDATION_EXPORT NSErrorDomain const NSPOSIXErrorDomain;
 FOUNDATION_EXPORT NSErrorDomain const NSURLErrorDomain;
 FOUNDATION_EXPORT NSErrorUserInfoKey const NSUnderlyingErrorKey;
-FOUNDATION_EXPORT NSErrorUserInfoKey const NSLocalizedDescriptionKey;
-FOUNDATION_EXPORT NSString* const NSURLErrorFailingURLErrorKey;
 FOUNDATION_EXPORT NSString* const NSURLErrorFailingURLStringErrorKey;
 
 @interface NSError : NSObject <NSCopying, NSSecureCoding>
-- (instancetype)initWithDomain:(NSErrorDomain)domain
-                          code:(NSInteger)code
-                      userInfo:(nullable NSDictionary<NSErrorUserInfoKey, id>*)dict NS_DESIGNATED_INITIALIZER;
-- (nullable instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
 + (instancetype)errorWithDomain:(NSErrorDomain)domain
                            code:(NSInteger)code
                        userInfo:(nullable NSDictionary<NSErrorUserInfoKey, id>*)dict;

@@ -3,7 +3,6 @@
 #include <CoreFoundation/CFCGTypes.h>
 #include <Foundation/NSObjCRuntime.h>
 
-typedef CGPoint NSPoint;
 typedef CGSize NSSize;
 typedef CGRect NSRect;
 

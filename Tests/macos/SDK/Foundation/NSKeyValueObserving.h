@@ -10,8 +10,6 @@ typedef NSString* NSKeyValueChangeKey;
 
 typedef NS_OPTIONS(NSUInteger, NSKeyValueObservingOptions) {
     NSKeyValueObservingOptionNew = 0x01,
-    NSKeyValueObservingOptionOld = 0x02,
-    NSKeyValueObservingOptionInitial API_AVAILABLE(macos(10.5)) = 0x04,
 };
 
 @interface NSObject (NSKeyValueObserving)

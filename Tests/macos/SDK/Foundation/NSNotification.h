@@ -11,7 +11,6 @@ NS_ASSUME_NONNULL_BEGIN
 typedef NSString* NSNotificationName;
 
 @interface NSNotification : NSObject <NSCopying, NSCoding>
-@property (readonly, copy) NSNotificationName name;
 @property (nullable, readonly, retain) id object;
 @property (nullable, readonly, copy) NSDictionary* userInfo;
 @end

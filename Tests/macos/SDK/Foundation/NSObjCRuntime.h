@@ -7,9 +7,6 @@ typedef long NSInteger;
 typedef unsigned long NSUInteger;
 typedef double NSTimeInterval;
 
-#define NSIntegerMax LONG_MAX
-#define NSNotFound ((NSInteger)0x7fffffffffffffff)
-
 #define FOUNDATION_EXPORT extern "C"
 #define NS_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")
 #define NS_ASSUME_NONNULL_END _Pragma("clang assume_nonnull end")
@@ -22,25 +19,15 @@ typedef double NSTimeInterval;
 #define NS_DESIGNATED_INITIALIZER __attribute__((objc_designated_initializer))
 #define NS_FORMAT_FUNCTION(text, first) __attribute__((format(__NSString__, text, first)))
 #define NS_NOESCAPE __attribute__((noescape))
-#define NS_REQUIRES_SUPER __attribute__((objc_requires_super))
 #define NS_RETURNS_INNER_POINTER __attribute__((objc_returns_inner_pointer))
 #define IBAction void
 #define NS_ROOT_CLASS __attribute__((objc_root_class))
 #define NS_UNAVAILABLE __attribute__((unavailable))
 
-@class NSString, NSCoder, NSMethodSignature, NSInvocation;
-
-typedef NS_ENUM(NSInteger, NSComparisonResult) {
-    NSOrderedAscending = -1L,
-    NSOrderedSame,
-    NSOrderedDescending,
-};
+@class NSString;
 
 NS_ASSUME_NONNULL_BEGIN
 
-FOUNDATION_EXPORT NSString* NSStringFromSelector(SEL aSelector);
-FOUNDATION_EXPORT SEL NSSelectorFromString(NSString* aSelectorName);
-FOUNDATION_EXPORT NSString* NSStringFromClass(Class aClass);
 FOUNDATION_EXPORT void NSLog(NSString* format, ...) NS_FORMAT_FUNCTION(1, 2);
 
 NS_ASSUME_NONNULL_END

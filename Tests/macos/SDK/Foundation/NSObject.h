@@ -2,21 +2,14 @@
 
 #include <Foundation/NSObjCRuntime.h>
 
-@class NSString, NSCoder, NSMethodSignature, NSInvocation;
+@class NSCoder;
 
 NS_ASSUME_NONNULL_BEGIN
 
 @protocol NSObject
-- (BOOL)isEqual:(nullable id)object;
-@property (readonly) NSUInteger hash;
-@property (readonly) Class superclass;
-- (Class)class;
-- (instancetype)self;
 - (BOOL)isKindOfClass:(Class)aClass;
-- (BOOL)isMemberOfClass:(Class)aClass;
 - (BOOL)conformsToProtocol:(Protocol*)aProtocol;
 - (BOOL)respondsToSelector:(SEL)aSelector;
-@property (readonly, copy) NSString* description;
 @end
 
 @protocol NSCopying
@@ -40,17 +33,8 @@ NS_ROOT_CLASS
 @interface NSObject <NSObject>
 + (void)initialize;
 - (instancetype)init NS_DESIGNATED_INITIALIZER;
-+ (instancetype)new;
 + (instancetype)alloc;
-- (void)dealloc;
-- (id)copy;
 + (Class)class;
-+ (nullable Class)superclass;
-+ (BOOL)instancesRespondToSelector:(SEL)aSelector;
-- (void)doesNotRecognizeSelector:(SEL)aSelector;
-- (nullable id)forwardingTargetForSelector:(SEL)aSelector;
-- (void)forwardInvocation:(NSInvocation*)anInvocation;
-- (nullable NSMethodSignature*)methodSignatureForSelector:(SEL)aSelector;
 @end
 
 NS_ASSUME_NONNULL_END

@@ -8,11 +8,9 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NSString* NSRunLoopMode;
-FOUNDATION_EXPORT NSRunLoopMode const NSDefaultRunLoopMode;
 FOUNDATION_EXPORT NSRunLoopMode const NSRunLoopCommonModes API_AVAILABLE(macos(10.5));
 
 @interface NSRunLoop : NSObject
-@property (class, readonly, strong) NSRunLoop* currentRunLoop;
 @property (class, readonly, strong) NSRunLoop* mainRunLoop API_AVAILABLE(macos(10.5));
 - (void)addTimer:(NSTimer*)timer forMode:(NSRunLoopMode)mode;
 @end

@@ -8,10 +8,7 @@ NS_ASSUME_NONNULL_BEGIN
 + (NSTimer*)timerWithTimeInterval:(NSTimeInterval)interval
                           repeats:(BOOL)repeats
                             block:(void (^)(NSTimer* timer))block API_AVAILABLE(macos(10.12));
-- (void)fire;
 - (void)invalidate;
-@property (readonly, getter=isValid) BOOL valid;
-@property NSTimeInterval tolerance API_AVAILABLE(macos(10.9));
 @end
 
 NS_ASSUME_NONNULL_END

@@ -9,10 +9,8 @@ NS_ASSUME_NONNULL_BEGIN
 + (nullable instancetype)URLWithString:(NSString*)URLString;
 + (nullable instancetype)URLWithString:(NSString*)URLString
              encodingInvalidCharacters:(BOOL)encodingInvalidCharacters API_AVAILABLE(macos(14.0));
-+ (NSURL*)fileURLWithPath:(NSString*)path isDirectory:(BOOL)isDir;
 @property (nullable, readonly, copy) NSString* absoluteString;
 @property (nullable, readonly, copy) NSString* path;
-@property (readonly, getter=isFileURL) BOOL fileURL;
 @end
 
 NS_ASSUME_NONNULL_END

@@ -7,11 +7,11 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NS_ENUM(NSInteger, WKNavigationType) {
-    WKNavigationTypeLinkActivated,
-    WKNavigationTypeFormSubmitted,
-    WKNavigationTypeBackForward,
-    WKNavigationTypeReload,
-    WKNavigationTypeFormResubmitted,
+    WKNavigationTypeLinkActivated = 0,
+    WKNavigationTypeFormSubmitted = 1,
+    WKNavigationTypeBackForward = 2,
+    WKNavigationTypeReload = 3,
+    WKNavigationTypeFormResubmitted = 4,
     WKNavigationTypeOther = -1,
 } API_AVAILABLE(macos(10.10));
 

@@ -7,8 +7,8 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NS_ENUM(NSInteger, WKNavigationActionPolicy) {
-    WKNavigationActionPolicyCancel,
-    WKNavigationActionPolicyAllow,
+    WKNavigationActionPolicyCancel = 0,
+    WKNavigationActionPolicyAllow = 1,
 } API_AVAILABLE(macos(10.10));
 
 @protocol WKNavigationDelegate <NSObject>

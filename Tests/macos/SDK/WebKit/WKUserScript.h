@@ -5,8 +5,8 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NS_ENUM(NSInteger, WKUserScriptInjectionTime) {
-    WKUserScriptInjectionTimeAtDocumentStart,
-    WKUserScriptInjectionTimeAtDocumentEnd,
+    WKUserScriptInjectionTimeAtDocumentStart = 0,
+    WKUserScriptInjectionTimeAtDocumentEnd = 1,
 } API_AVAILABLE(macos(10.10));
 
 API_AVAILABLE(macos(10.10))

@@ -12,7 +12,6 @@ API_AVAILABLE(macos(10.10))
 @interface WKWebView : NSView
 - (instancetype)initWithFrame:(CGRect)frame
                 configuration:(WKWebViewConfiguration*)configuration NS_DESIGNATED_INITIALIZER;
-- (nullable instancetype)initWithCoder:(NSCoder*)coder NS_DESIGNATED_INITIALIZER;
 @property (nullable, nonatomic, weak) id<WKNavigationDelegate> navigationDelegate;
 @property (nullable, nonatomic, weak) id<WKUIDelegate> UIDelegate;
 - (nullable WKNavigation*)loadRequest:(NSURLRequest*)request;
@@ -28,13 +27,6 @@ API_AVAILABLE(macos(10.10))
 - (nullable WKNavigation*)reload;
 - (void)stopLoading;
 @property (nonatomic) BOOL allowsBackForwardNavigationGestures;
-@end
-
-@interface WKWebView (WKIBActions)
-- (IBAction)goBack:(nullable id)sender;
-- (IBAction)goForward:(nullable id)sender;
-- (IBAction)reload:(nullable id)sender;
-- (IBAction)stopLoading:(nullable id)sender;
 @end
 
 NS_ASSUME_NONNULL_END

@@ -8,8 +8,6 @@ API_AVAILABLE(macos(10.11))
 @interface WKWebsiteDataStore : NSObject <NSSecureCoding>
 + (WKWebsiteDataStore*)defaultDataStore;
 + (WKWebsiteDataStore*)nonPersistentDataStore;
-+ (instancetype)new NS_UNAVAILABLE;
-- (instancetype)init NS_UNAVAILABLE;
 @end
 
 NS_ASSUME_NONNULL_END

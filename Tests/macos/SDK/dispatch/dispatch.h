@@ -10,13 +10,9 @@ NS_ASSUME_NONNULL_BEGIN
 @end
 @protocol OS_dispatch_queue <OS_dispatch_object>
 @end
-@protocol OS_dispatch_queue_serial <OS_dispatch_queue>
-@end
 @protocol OS_dispatch_source <OS_dispatch_object>
 @end
 @protocol OS_dispatch_group <OS_dispatch_object>
-@end
-@protocol OS_dispatch_semaphore <OS_dispatch_object>
 @end
 @protocol OS_dispatch_queue_attr <OS_dispatch_object>
 @end
@@ -25,14 +21,12 @@ typedef NSObject<OS_dispatch_object>* dispatch_object_t;
 typedef NSObject<OS_dispatch_queue>* dispatch_queue_t;
 typedef NSObject<OS_dispatch_source>* dispatch_source_t;
 typedef NSObject<OS_dispatch_group>* dispatch_group_t;
-typedef NSObject<OS_dispatch_semaphore>* dispatch_semaphore_t;
 typedef NSObject<OS_dispatch_queue_attr>* dispatch_queue_attr_t;
 typedef const struct dispatch_source_type_s* dispatch_source_type_t;
 typedef void (^dispatch_block_t)(void);
 typedef void (*dispatch_function_t)(void* _Nullable);
 typedef uint64_t dispatch_time_t;
 
-#define NSEC_PER_MSEC 1000000ULL
 #define DISPATCH_TIME_NOW (0ull)
 #define DISPATCH_TIME_FOREVER (~0ull)
 #define DISPATCH_QUEUE_SERIAL NULL
