@@ -48,7 +48,7 @@ NSResponder* editedField(NSResponder* responder) {
     if (![responder isKindOfClass:NSText.class]) {
         return responder;
     }
-    NSText* const text = static_cast<NSText*>(responder);
+    auto* const text = static_cast<NSText*>(responder);
     const id field = text.fieldEditor ? text.delegate : nil;
     return [field isKindOfClass:NSResponder.class] ? field : responder;
 }
@@ -76,7 +76,7 @@ std::shared_ptr<View> viewAround(NSResponder* responder) {
     if (![first isKindOfClass:NSView.class]) {
         return nullptr;
     }
-    for (NSView* native = static_cast<NSView*>(first); native != nil; native = native.superview) {
+    for (auto* native = static_cast<NSView*>(first); native != nil; native = native.superview) {
         if (auto view = viewOf(native)) {
             return view;
         }

@@ -56,7 +56,7 @@ Observation NotificationCenter::addObserver(NotificationName name, const void* o
                                           queue:nil
                                      usingBlock:^(NSNotification* notification) {
                                          // Kept alive while it runs, even if it ends itself.
-                                         const auto running = observer;
+                                         const std::shared_ptr<const Observer> running = observer;
                                          running->receive([notification.object pointerValue]);
                                      }];
     return Observation([center, token, observer] {
