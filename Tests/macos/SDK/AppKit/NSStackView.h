@@ -5,6 +5,7 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
+API_AVAILABLE(macos(10.9))
 @interface NSStackView : NSView
 @property NSUserInterfaceLayoutOrientation orientation;
 @property NSLayoutAttribute alignment;
