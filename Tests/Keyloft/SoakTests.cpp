@@ -141,6 +141,13 @@ protected:
         return runUntil([] { return webProcesses().size() <= 3; }, 2 * KeyloftTests::patience);
     }
 
+    /// Of a tab that closes while its web process is just starting, the engine keeps the thread that would
+    /// have received the process's messages, and with the thread its one descriptor. A web view without any
+    /// of our code around it shows the same.
+    static std::size_t openDescriptors() {
+        return KeyloftTests::openDescriptors() - KeyloftTests::runningThreads("ReceiveQueue");
+    }
+
     std::mt19937 random{20250611};
     std::vector<Remains> remains;
 };
@@ -151,13 +158,12 @@ TEST_F(SoakTest, tabsOpenedAndClosedInRandomOrderLeaveNothingBehind) {
     openAndClose(20);
     expectNothingIsLeft();
     remains.clear();
-    const auto descriptors = KeyloftTests::openDescriptors();
+    const auto descriptors = openDescriptors();
 
     openAndClose(250);
     expectNothingIsLeft();
     EXPECT_TRUE(waitForWebProcesses()) << webProcesses().size() << " web processes";
     // The engine keeps a few connections for a while; what leaks would be there for each tab.
-    EXPECT_TRUE(
-        runUntil([&] { return KeyloftTests::openDescriptors() < descriptors + 30; }, KeyloftTests::patience))
-        << KeyloftTests::openDescriptors() << " descriptors after " << descriptors;
+    EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 30; }, KeyloftTests::patience))
+        << openDescriptors() << " descriptors after " << descriptors;
 }

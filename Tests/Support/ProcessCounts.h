@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 
@@ -32,6 +33,17 @@ inline std::size_t runningThreads() {
         return true;
     }();
     return entriesOf("/proc/self/task");
+}
+/// Those of one name. A thread may end while the list is read.
+inline std::size_t runningThreads(const std::string& name) {
+    std::size_t count = 0;
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::string line;
+        if (std::getline(std::ifstream(thread.path() / "comm"), line) && line == name) {
+            ++count;
+        }
+    }
+    return count;
 }
 
 } // namespace KeyloftTests

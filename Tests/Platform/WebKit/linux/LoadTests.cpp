@@ -187,9 +187,13 @@ TEST_F(WebViewLoad, theTimeOutOfASecondLoadOutlivesTheFirst) {
     view->load(request(server.url("/first"), 30));
     ASSERT_TRUE(runUntil([&] { return server.count("/first") == 1; }));
     view->load(request(server.url("/second"), 0.4));
-    ASSERT_TRUE(waitForFailures(2));
-    EXPECT_EQ(navigation->failures[0].error.code, -999);
-    expectFailure(true, urlDomain, -1001, server.url("/second"));
+    const auto timedOut = [](const auto& failure) { return failure.error.code == -1001; };
+    ASSERT_TRUE(runUntil([&] { return std::ranges::any_of(navigation->failures, timedOut); }));
+    // On a slow machine the time may be up before the engine has given the first one up.
+    for (const auto& failure : navigation->failures) {
+        EXPECT_TRUE(timedOut(failure) || failure.error.code == -999);
+        EXPECT_EQ(failure.error.failingURL, server.url(timedOut(failure) ? "/second" : "/first"));
+    }
 }
 
 TEST_F(WebViewLoad, stopGivesThePreviousPagesURLBack) {
