@@ -13,25 +13,12 @@ function(expect_ready program)
   endif()
 endfunction()
 
-execute_process(COMMAND mktemp -d /tmp/keyloft-XXXXXX OUTPUT_VARIABLE SCRATCH OUTPUT_STRIP_TRAILING_WHITESPACE
-  COMMAND_ERROR_IS_FATAL ANY)
-foreach(component KeyloftCoreRelay KeyloftCoreAuthSession)
-  run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${SCRATCH}/first" --component ${component})
-endforeach()
-file(RENAME "${SCRATCH}/first" "${SCRATCH}/prefix")
+install_elsewhere(KeyloftCoreRelay KeyloftCoreAuthSession)
 
-run("${CMAKE_COMMAND}" -S "${SOURCE}/AuthSession" -B "${SCRATCH}/build" -G "${GENERATOR}"
-  "-DCMAKE_PREFIX_PATH=${SCRATCH}/prefix" "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_BUILD_TYPE=${CONFIG}")
-run("${CMAKE_COMMAND}" --build "${SCRATCH}/build")
+build_by_find_package("${SOURCE}/AuthSession")
 expect_ready("${SCRATCH}/build/consumer")
 
-file(GLOB_RECURSE description "${SCRATCH}/prefix/*/keyloftcore-authsession.pc")
-get_filename_component(descriptions "${description}" DIRECTORY)
-set(ENV{PKG_CONFIG_PATH} "${descriptions}")
-run(pkg-config --cflags --libs keyloftcore-authsession)
-separate_arguments(flags UNIX_COMMAND "${output}")
-run("${COMPILER}" -std=c++23 -Wall -Wextra -Werror "${SOURCE}/AuthSession/consumer.cpp" -o "${SCRATCH}/by-pkg-config"
-  ${flags})
+build_by_pkg_config(keyloftcore-authsession "${SOURCE}/AuthSession")
 expect_ready("${SCRATCH}/by-pkg-config")
 
 expect_headers_alone("${SCRATCH}/prefix/include/keyloft" "${COMPILER}")

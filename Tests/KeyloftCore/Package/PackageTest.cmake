@@ -27,24 +27,13 @@ function(expect_no_toolkit program)
   endif()
 endfunction()
 
-# Short, because a socket's path is.
-execute_process(COMMAND mktemp -d /tmp/keyloft-XXXXXX OUTPUT_VARIABLE SCRATCH OUTPUT_STRIP_TRAILING_WHITESPACE
-  COMMAND_ERROR_IS_FATAL ANY)
-run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${SCRATCH}/first" --component KeyloftCoreRelay)
-file(RENAME "${SCRATCH}/first" "${SCRATCH}/prefix")
+install_elsewhere(KeyloftCoreRelay)
 
-run("${CMAKE_COMMAND}" -S "${SOURCE}" -B "${SCRATCH}/build" -G "${GENERATOR}" "-DCMAKE_PREFIX_PATH=${SCRATCH}/prefix"
-  "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_BUILD_TYPE=${CONFIG}")
-run("${CMAKE_COMMAND}" --build "${SCRATCH}/build")
+build_by_find_package("${SOURCE}")
 expect_exchange("${SCRATCH}/build/consumer")
 expect_no_toolkit("${SCRATCH}/build/consumer")
 
-file(GLOB_RECURSE description "${SCRATCH}/prefix/*/keyloftcore-relay.pc")
-get_filename_component(descriptions "${description}" DIRECTORY)
-set(ENV{PKG_CONFIG_PATH} "${descriptions}")
-run(pkg-config --cflags --libs keyloftcore-relay)
-separate_arguments(flags UNIX_COMMAND "${output}")
-run("${COMPILER}" -std=c++23 -Wall -Wextra -Werror "${SOURCE}/consumer.cpp" -o "${SCRATCH}/by-pkg-config" ${flags})
+build_by_pkg_config(keyloftcore-relay "${SOURCE}")
 expect_exchange("${SCRATCH}/by-pkg-config")
 expect_no_toolkit("${SCRATCH}/by-pkg-config")
 

@@ -18,3 +18,31 @@ function(expect_headers_alone folder compiler)
     run("${compiler}" -std=c++23 -Wall -Wextra -Werror -fsyntax-only -x c++ "-I${folder}" -include "${header}" /dev/null)
   endforeach()
 endfunction()
+
+# install_elsewhere(COMPONENT…) installs the components and moves them, which a package must not mind. SCRATCH is the
+# folder that holds all this: short, because a socket's path is.
+macro(install_elsewhere)
+  execute_process(COMMAND mktemp -d /tmp/keyloft-XXXXXX OUTPUT_VARIABLE SCRATCH OUTPUT_STRIP_TRAILING_WHITESPACE
+    COMMAND_ERROR_IS_FATAL ANY)
+  foreach(component ${ARGN})
+    run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${SCRATCH}/first" --component ${component})
+  endforeach()
+  file(RENAME "${SCRATCH}/first" "${SCRATCH}/prefix")
+endmacro()
+
+# Builds the folder's project as SCRATCH/build/consumer.
+function(build_by_find_package folder)
+  run("${CMAKE_COMMAND}" -S "${folder}" -B "${SCRATCH}/build" -G "${GENERATOR}" "-DCMAKE_PREFIX_PATH=${SCRATCH}/prefix"
+    "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_BUILD_TYPE=${CONFIG}")
+  run("${CMAKE_COMMAND}" --build "${SCRATCH}/build")
+endfunction()
+
+# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config.
+function(build_by_pkg_config package folder)
+  file(GLOB_RECURSE description "${SCRATCH}/prefix/*/${package}.pc")
+  get_filename_component(descriptions "${description}" DIRECTORY)
+  set(ENV{PKG_CONFIG_PATH} "${descriptions}")
+  run(pkg-config --cflags --libs "${package}")
+  separate_arguments(flags UNIX_COMMAND "${output}")
+  run("${COMPILER}" -std=c++23 -Wall -Wextra -Werror "${folder}/consumer.cpp" -o "${SCRATCH}/by-pkg-config" ${flags})
+endfunction()
