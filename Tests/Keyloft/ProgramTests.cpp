@@ -114,6 +114,30 @@ TEST_F(ProgramTest, aWordIsNoAddressAndNoError) {
     quit(*program);
 }
 
+TEST_F(ProgramTest, itsKeyQuitsFromEveryField) {
+    for (const Lines& keys : {Lines{"ctrl+l"}, Lines{"ctrl+l", "Tab"}}) {
+        const auto program = start();
+        ASSERT_TRUE(waitForFocus("New Tab"));
+        for (const auto& key : keys)
+            press(key);
+        quit(*program);
+    }
+}
+
+TEST_F(ProgramTest, itsKeyQuitsFromAPageThatTakesEveryKey) {
+    server.route("/taking",
+                 HTTPResponse::html("<title>/taking</title><script>addEventListener('keydown', e => {"
+                                    "document.title = 'taken'; e.preventDefault() })</script>"));
+    const auto program = start({server.url("/taking")});
+    ASSERT_TRUE(waitForFocus("/taking"));
+    askXdotool("getactivewindow mousemove --window %1 500 500 click 1");
+    ASSERT_TRUE(eventually([] {
+        press("x");
+        return windows() == Lines{"taken"};
+    }));
+    quit(*program);
+}
+
 TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
     struct Given {
         std::string argument;

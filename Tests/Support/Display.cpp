@@ -290,9 +290,11 @@ private:
 
     void startDisplay() {
         Pipe number;
+        // Without auto-repeat (-r): on a machine under load a pressed key would be held long enough to
+        // repeat.
         display_.emplace("Xvfb",
                          std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24",
-                                                  "-nolisten", "tcp", "-noreset"},
+                                                  "-nolisten", "tcp", "-noreset", "-r"},
                          number.writeEnd.get());
         number.writeEnd.reset();
         setVariable("DISPLAY", ":" + display_->readLine(number.readEnd.get()));
