@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <limits>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -15,12 +16,20 @@ namespace {
 /// each, so that a callback which runs the loop itself does not hold up those behind it.
 class PerformQueue {
 public:
+    PerformQueue() {
+        CFRunLoopSourceContext context = {};
+        context.perform = [](void* /*unused*/) noexcept { shared().performNext(); };
+        source_ = CFRunLoopSourceCreate(kCFAllocatorDefault, 0, &context);
+        CFRunLoopAddSource(CFRunLoopGetMain(), source_, kCFRunLoopCommonModes);
+    }
     PerformQueue(const PerformQueue&) = delete;
     PerformQueue& operator=(const PerformQueue&) = delete;
 
+    /// Never destroyed. An application ends from inside its loop, with windows still waiting here to be let
+    /// go; they would come back for more while this goes.
     static PerformQueue& shared() {
-        static PerformQueue queue;
-        return queue;
+        static PerformQueue* const queue = std::make_unique<PerformQueue>().release();
+        return *queue;
     }
 
     void push(std::function<void()> callback) {
@@ -32,14 +41,6 @@ public:
     }
 
 private:
-    PerformQueue() {
-        CFRunLoopSourceContext context = {};
-        context.perform = [](void* /*unused*/) noexcept { shared().performNext(); };
-        source_ = CFRunLoopSourceCreate(kCFAllocatorDefault, 0, &context);
-        CFRunLoopAddSource(CFRunLoopGetMain(), source_, kCFRunLoopCommonModes);
-    }
-    ~PerformQueue() { CFRelease(source_); }
-
     void signal() {
         CFRunLoopSourceSignal(source_);
         CFRunLoopWakeUp(CFRunLoopGetMain());
