@@ -25,7 +25,7 @@ bool isAction(SEL _Nonnull selector);
 bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
 /// What a proxy's `validateMenuItem:` does: asks the responder about our item, and shows the title that it
-/// leaves.
+/// leaves. About an item of AppKit's own, such as a tab bar's "New Tab", it asks by the item's action.
 BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem) noexcept;
 
 /// What AppKit takes as the target of `responder`'s actions: the object that stands for it, or a new one,

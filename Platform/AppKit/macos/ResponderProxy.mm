@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/Control.h"
+#include "Platform/AppKit/Menu.h"
 #include "Platform/AppKit/WindowController.h"
 #include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/NativeReference.h"
@@ -78,12 +79,16 @@ bool respondsTo(id<KeyloftResponderProxy> proxy, SEL selector) noexcept {
 
 BOOL validate(id<KeyloftResponderProxy> proxy, NSMenuItem* nativeItem) noexcept {
     const auto responder = [proxy keyloftResponder];
-    const auto item = menuItemOf(nativeItem);
-    if (responder == nullptr || item == nullptr) {
+    if (responder == nullptr) {
         return NO;
     }
-    const bool enabled = responder->validateMenuItem(*item);
-    nativeItem.title = toNSString(item->title());
+    const auto ours = menuItemOf(nativeItem);
+    if (ours == nullptr) {
+        const auto standIn = MenuItem::create(fromNSString(nativeItem.title), actionFor(nativeItem.action));
+        return responder->validateMenuItem(*standIn) ? YES : NO;
+    }
+    const bool enabled = responder->validateMenuItem(*ours);
+    nativeItem.title = toNSString(ours->title());
     return enabled ? YES : NO;
 }
 
