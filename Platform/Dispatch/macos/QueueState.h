@@ -41,8 +41,8 @@ struct ReadSource::State : std::enable_shared_from_this<ReadSource::State> {
 
 private:
     void start();
-    void fired();
-    void retire();
+    void fired() noexcept;
+    void retire() noexcept;
 };
 
 /// A queue's inner life: Dispatch's queue and what ends with ours.
@@ -53,7 +53,11 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void enqueue(Work item);
     void enqueueAfter(std::chrono::milliseconds delay, Work item);
     void add(const std::shared_ptr<ReadSource::State>& source);
+    /// The source is being cancelled; `remove` follows its cancel handler.
+    void beginCancelling();
     void remove(ReadSource::State& source);
+    /// Waits, off the queue, for the cancel handlers of the sources that are being cancelled.
+    void waitForCancelled();
     /// Drops what is not due, cancels the sources and, off the queue, waits until all is done.
     void end();
 
@@ -69,6 +73,8 @@ private:
     std::unordered_map<ReadSource::State*, std::weak_ptr<ReadSource::State>> sources_;
     /// Entered by every source until its cancel handler has run.
     const dispatch_group_t uncancelled_ = dispatch_group_create();
+    /// Entered by every source from its cancellation until its cancel handler has run.
+    const dispatch_group_t cancelling_ = dispatch_group_create();
 };
 
 } // namespace Platform

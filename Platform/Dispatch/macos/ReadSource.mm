@@ -24,13 +24,13 @@ void ReadSource::State::start() {
     dispatch_activate(source);
 }
 
-void ReadSource::State::fired() {
+void ReadSource::State::fired() noexcept {
     if (eventHandler) {
         eventHandler();
     }
 }
 
-void ReadSource::State::retire() {
+void ReadSource::State::retire() noexcept {
     if (cancelHandler) {
         cancelHandler();
     }
@@ -65,6 +65,9 @@ void ReadSource::State::cancel() {
     const std::lock_guard lock(mutex);
     if (std::exchange(cancelled, true)) {
         return;
+    }
+    if (const auto owner = queue.lock()) {
+        owner->beginCancelling();
     }
     dispatch_source_cancel(source);
     // The cancel handler waits for a source that is not running.
