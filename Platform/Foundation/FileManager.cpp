@@ -86,9 +86,9 @@ public:
     int get() const { return descriptor_.isOpen() ? descriptor_.get() : AT_FDCWD; }
 
     void flush() const {
-        // Some file systems cannot flush a directory, and say so with EINVAL.
+        // Some file systems cannot flush a directory, and say so with EINVAL; servers' with ENOTSUP.
         if (canFlush_ && uninterrupted([&] { return FileSystem::flush(descriptor_.get()); }) != 0 &&
-            errno != EINVAL) {
+            errno != EINVAL && errno != ENOTSUP) {
             throw task_.failure(errno);
         }
     }
