@@ -3,6 +3,7 @@
 #include "Platform/Foundation/macos/Conversions.h"
 
 #include <atomic>
+#include <memory>
 #include <utility>
 
 namespace Platform {
@@ -50,14 +51,18 @@ NotificationCenter& NotificationCenter::defaultCenter() {
 
 Observation NotificationCenter::addObserver(NotificationName name, const void* object, Callback callback) {
     const auto observer = std::make_shared<Observer>(name, object, std::move(callback));
+    // Foundation keeps the block for as long as it likes, the token what the block calls.
+    const std::weak_ptr<Observer> weak = observer;
     NSNotificationCenter* const center = state_->center;
     const id token = [center addObserverForName:toNSString(name.rawValue())
                                          object:nil
                                           queue:nil
                                      usingBlock:^(NSNotification* notification) {
                                          // Kept alive while it runs, even if it ends itself.
-                                         const std::shared_ptr<const Observer> running = observer;
-                                         running->receive([notification.object pointerValue]);
+                                         if (const std::shared_ptr<const Observer> running = weak.lock()) {
+                                             NSValue* const address = notification.object;
+                                             running->receive(address.pointerValue);
+                                         }
                                      }];
     return Observation([center, token, observer] {
         observer->ended = true;
