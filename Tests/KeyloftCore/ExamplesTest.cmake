@@ -20,6 +20,8 @@ endfunction()
 execute_process(COMMAND mktemp -d /tmp/keyloft-XXXXXX OUTPUT_VARIABLE SCRATCH OUTPUT_STRIP_TRAILING_WHITESPACE
   COMMAND_ERROR_IS_FATAL ANY)
 set(ENV{HOME} "${SCRATCH}")
+# macOS asks the user database rather than HOME, and this before it.
+set(ENV{CFFIXED_USER_HOME} "${SCRATCH}")
 
 expect_usage("${HOST}" one two)
 expect_usage("${PEER}")

@@ -5,8 +5,10 @@
 #include "Tests/Support/Waiting.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <memory>
@@ -27,6 +29,16 @@ std::string readSome(int descriptor, std::size_t most = 64) {
     const auto count = read(descriptor, text.data(), text.size());
     text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return text;
+}
+
+/// A Mac's shell begins with 256 of them.
+void allowDescriptors(rlim_t count) {
+    rlimit limit = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    if (limit.rlim_cur < count) {
+        limit.rlim_cur = std::min(count, limit.rlim_max);
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    }
 }
 
 TEST(ReadSource, firesOnItsQueueWhileThereIsSomethingToRead) {
@@ -248,6 +260,7 @@ TEST(ReadSource, aHandlerMayDestroyItsOwnSource) {
 TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
     SerialQueue queue("test");
     constexpr std::size_t count = 300;
+    ASSERT_NO_FATAL_FAILURE(allowDescriptors((2 * count) + 100));
     std::vector<std::unique_ptr<Pipe>> pipes;
     std::vector<std::unique_ptr<ReadSource>> sources;
     std::vector<int> fired(count);
