@@ -41,7 +41,9 @@ AuthorizeRequest requestFor(const std::string& text) {
 
 AuthSession::Result signIn(const AuthorizeRequest& request,
                            const std::optional<std::string>& initiatorOrigin) {
-    Platform::Application::shared().prepare();
+    auto& application = Platform::Application::shared();
+    application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
+    application.prepare();
     AuthSession::Result ending = std::unexpected(HostError::cancelled());
     bool hasEnded = false;
     const auto session = AuthSession::create(request, [&](const AuthSession::Result& result) {

@@ -8,6 +8,7 @@
 #include "Platform/AppKit/macos/NativeReference.h"
 #include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/Foundation/macos/Conversions.h"
+#include "Platform/Foundation/macos/RunLoopTurn.h"
 
 #include <span>
 #include <utility>
@@ -76,6 +77,17 @@ namespace {
 
 NSApplication* nativeApplication() { return NSApplication.sharedApplication; }
 
+/// What the user does waits with the application until somebody asks for it.
+void sendWaitingEvents() noexcept {
+    NSApplication* const application = nativeApplication();
+    while (NSEvent* const event = [application nextEventMatchingMask:NSEventMaskAny
+                                                           untilDate:nil
+                                                              inMode:NSDefaultRunLoopMode
+                                                             dequeue:YES]) {
+        [application sendEvent:event];
+    }
+}
+
 } // namespace
 
 Application::Application()
@@ -126,6 +138,7 @@ int Application::run(int argc, char** argv) {
 void Application::prepare() {
     assertMainThread("Application::prepare");
     [nativeApplication() finishLaunching];
+    setBeforeTurn(&sendWaitingEvents);
 }
 
 void Application::wasStarted(const std::vector<URL>& urls) {

@@ -1,5 +1,7 @@
 #include "Platform/Foundation/RunLoop.h"
 
+#include "Platform/Foundation/macos/RunLoopTurn.h"
+
 #import <Foundation/Foundation.h>
 
 #include <deque>
@@ -70,7 +72,11 @@ private:
 /// Whether the innermost `run` is to end; null outside of one.
 bool* innermostStopped = nullptr;
 
+void (*beforeTurn)() noexcept = nullptr;
+
 } // namespace
+
+void setBeforeTurn(void (*turn)() noexcept) { beforeTurn = turn; }
 
 RunLoop& RunLoop::main() {
     static RunLoop loop;
@@ -83,7 +89,12 @@ void RunLoop::run() {
     bool* const outer = std::exchange(innermostStopped, &stopped);
     while (!stopped) {
         @autoreleasepool {
-            CFRunLoopRunInMode(kCFRunLoopDefaultMode, std::numeric_limits<double>::max(), true);
+            if (beforeTurn != nullptr) {
+                beforeTurn();
+            }
+            if (!stopped) {
+                CFRunLoopRunInMode(kCFRunLoopDefaultMode, std::numeric_limits<double>::max(), true);
+            }
         }
     }
     innermostStopped = outer;

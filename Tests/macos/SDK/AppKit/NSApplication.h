@@ -1,8 +1,10 @@
 #pragma once
 
+#include <AppKit/NSEvent.h>
 #include <AppKit/NSMenu.h>
 #include <AppKit/NSResponder.h>
 
+@class NSDate;
 @class NSWindow;
 @protocol NSApplicationDelegate;
 
@@ -26,8 +28,16 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy API_AVAILABLE(macos(10.6));
 - (void)finishLaunching;
 - (void)run;
+- (void)sendEvent:(NSEvent*)event;
 @property (readonly, copy) NSArray<NSWindow*>* windows;
 @property (nullable, strong) NSMenu* mainMenu;
+@end
+
+@interface NSApplication (NSEvent)
+- (nullable NSEvent*)nextEventMatchingMask:(NSEventMask)mask
+                                 untilDate:(nullable NSDate*)expiration
+                                    inMode:(NSRunLoopMode)mode
+                                   dequeue:(BOOL)deqFlag;
 @end
 
 @interface NSApplication (NSResponder)

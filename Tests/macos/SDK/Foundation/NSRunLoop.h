@@ -8,6 +8,7 @@
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NSString* NSRunLoopMode;
+FOUNDATION_EXPORT NSRunLoopMode const NSDefaultRunLoopMode;
 FOUNDATION_EXPORT NSRunLoopMode const NSRunLoopCommonModes API_AVAILABLE(macos(10.5));
 
 @interface NSRunLoop : NSObject
