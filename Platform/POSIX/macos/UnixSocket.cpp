@@ -16,10 +16,9 @@ namespace Platform {
 
 namespace {
 
-bool raisesNoSignal(int descriptor) {
-    const int on = 1;
-    return setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on) == 0;
-}
+/// For pipes, terminals and sockets alike, and for good: the signal is the whole process's, so that a thread
+/// that holds it back leaves it to the others.
+bool raisesNoSignal(int descriptor) { return fcntl(descriptor, F_SETNOSIGPIPE, 1) == 0; }
 
 /// There is no way to make a socket closed on exec in the same call.
 int prepared(int descriptor) {
@@ -32,7 +31,8 @@ int prepared(int descriptor) {
         errno = error;
         return -1;
     }
-    raisesNoSignal(descriptor);
+    const int on = 1;
+    setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
     return descriptor;
 }
 
@@ -95,7 +95,7 @@ ssize_t writeAtOnce(int descriptor, const void* bytes, std::size_t count) {
 
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
     const auto begin = std::chrono::steady_clock::now();
-    // Pipes know no such option, nor does a socket whose peer has gone.
+    // A socket whose peer has gone takes no options any more.
     const ssize_t written = raisesNoSignal(descriptor) ? write(descriptor, bytes, count)
                                                        : writeHoldingBackSignal(descriptor, bytes, count);
     if (written > 0 && static_cast<std::size_t>(written) < count &&
