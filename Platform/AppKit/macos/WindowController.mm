@@ -29,6 +29,8 @@
     self = [super initWithWindow:window];
     if (self != nil) {
         _controller = controller;
+        // The window comes back where it was left.
+        self.shouldCascadeWindows = NO;
     }
     return self;
 }
