@@ -5,7 +5,7 @@
 #include <AppKit/NSResponder.h>
 #include <AppKit/NSView.h>
 
-@class NSWindowTabGroup;
+@class NSWindowController, NSWindowTabGroup;
 @protocol NSWindowDelegate;
 
 NS_ASSUME_NONNULL_BEGIN
@@ -37,6 +37,7 @@ typedef NSString* NSWindowTabbingIdentifier;
                             backing:(NSBackingStoreType)backingStoreType
                               defer:(BOOL)flag NS_DESIGNATED_INITIALIZER;
 @property (copy) NSString* title;
+@property NSWindowStyleMask styleMask;
 @property (nullable, strong) __kindof NSView* contentView;
 @property (nullable, weak) id<NSWindowDelegate> delegate;
 @property (readonly) NSRect frame;
@@ -57,6 +58,7 @@ typedef NSString* NSWindowTabbingIdentifier;
 - (BOOL)setFrameAutosaveName:(NSWindowFrameAutosaveName)name;
 @property (readonly, copy) NSWindowFrameAutosaveName frameAutosaveName;
 - (void)endSheet:(NSWindow*)sheetWindow API_AVAILABLE(macos(10.9));
+@property (nullable, weak) __kindof NSWindowController* windowController;
 @property NSWindowTabbingMode tabbingMode API_AVAILABLE(macos(10.12));
 @property (copy) NSWindowTabbingIdentifier tabbingIdentifier API_AVAILABLE(macos(10.12));
 - (IBAction)selectNextTab:(nullable id)sender API_AVAILABLE(macos(10.12));

@@ -9,6 +9,7 @@ NS_ASSUME_NONNULL_BEGIN
 @interface NSArray<__covariant ObjectType>
     : NSObject <NSCopying, NSMutableCopying, NSSecureCoding, NSFastEnumeration>
 + (instancetype)array;
+@property (readonly) NSUInteger count;
 @end
 
 @interface NSMutableArray<ObjectType> : NSArray <ObjectType>

@@ -7,6 +7,7 @@
 NS_ASSUME_NONNULL_BEGIN
 
 @protocol NSObject
+- (Class)class;
 - (BOOL)isKindOfClass:(Class)aClass;
 - (BOOL)conformsToProtocol:(Protocol*)aProtocol;
 - (BOOL)respondsToSelector:(SEL)aSelector;

@@ -9,6 +9,7 @@ typedef enum : uintptr_t {
 
 extern "C" {
 BOOL class_addMethod(Class _Nullable cls, SEL _Nonnull name, IMP _Nonnull imp, const char* _Nullable types);
+const char* _Nonnull class_getName(Class _Nullable cls);
 Class _Nullable class_getSuperclass(Class _Nullable cls);
 Class _Nullable objc_allocateClassPair(Class _Nullable superclass, const char* _Nonnull name,
                                        size_t extraBytes);
