@@ -134,6 +134,9 @@ TEST_F(AddressEditingTest, returnOnBlankTextEndsTheEditAndNothingElse) {
     EXPECT_EQ(tab->addressField()->stringValue(), "  ");
     EXPECT_FALSE(tab->webView()->isLoading());
     EXPECT_EQ(server.count("/page"), 1U);
+    // Nothing was edited since, but the field is not left with what no page has.
+    pressKey("Tab");
+    EXPECT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/page"); }));
 }
 
 TEST_F(AddressEditingTest, returnInTheSearchFieldSearches) {

@@ -94,8 +94,6 @@ void TextField::beginEditing() {
 }
 
 void TextField::endEditing(TextMovement movement) {
-    if (!editing_)
-        return;
     editing_ = false;
     if (const auto delegate = delegate_.lock())
         delegate->controlTextDidEndEditing(*this, movement);
