@@ -24,8 +24,20 @@ GtkWidget* widgetIfMade(const View& view) {
     return view.nativeIfMade() ? view.nativeIfMade()->widget.get() : nullptr;
 }
 
-void applyToolTip(GtkWidget* widget, const std::string& toolTip) {
-    gtk_widget_set_tooltip_text(widget, toolTip.empty() ? nullptr : toolTipText(toolTip).c_str());
+gboolean queryToolTip(GtkWidget* /*widget*/, int /*x*/, int /*y*/, gboolean /*byKeyboard*/, GtkTooltip* shown,
+                      gpointer view) {
+    gtk_tooltip_set_text(shown, toolTipText(static_cast<View*>(view)->toolTip()).c_str());
+    return TRUE;
+}
+
+/// The toolkit's own text would have each widget that gets one ask the display where the pointer is, and wait
+/// for the answer: hundreds of times for a bar of bookmarks.
+void applyToolTip(View& view, View::Native& native) {
+    GtkWidget* widget = native.widget.get();
+    gtk_widget_set_has_tooltip(widget, !view.toolTip().empty());
+    gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION,
+                                   toolTipText(view.toolTip()).c_str(), -1);
+    native.toolTipConnection = SignalConnection(widget, "query-tooltip", G_CALLBACK(queryToolTip), &view);
 }
 
 void applyAccessibilityLabel(GtkWidget* widget, const std::string& label) {
@@ -43,6 +55,7 @@ void applyBackgroundColor(GtkWidget* widget, Color color) {
 
 View::Native::~Native() {
     connections.clear();
+    toolTipConnection.disconnect();
     if (widget)
         g_object_set_qdata(G_OBJECT(widget.get()), viewQuark(), nullptr);
 }
@@ -116,8 +129,8 @@ void View::setAccessibilityLabel(const std::string& label) {
 
 void View::setToolTip(const std::string& toolTip) {
     toolTip_ = toolTip;
-    if (GtkWidget* widget = widgetIfMade(*this))
-        applyToolTip(widget, toolTip);
+    if (native_)
+        applyToolTip(*this, *native_);
 }
 
 LayoutPriority View::contentHuggingPriority(Orientation orientation) const {
@@ -151,7 +164,7 @@ View::Native& View::native() {
         if (backgroundColor_ != Color::none)
             applyBackgroundColor(widget, backgroundColor_);
         if (!toolTip_.empty())
-            applyToolTip(widget, toolTip_);
+            applyToolTip(*this, *native_);
         if (!accessibilityLabel_.empty())
             applyAccessibilityLabel(widget, accessibilityLabel_);
     }

@@ -21,6 +21,7 @@ struct View::Native {
 
     GObjectPtr<GtkWidget> widget;
     std::vector<SignalConnection> connections;
+    SignalConnection toolTipConnection;
 };
 
 /// The view that `widget` or the nearest widget around it stands for, or nothing.
