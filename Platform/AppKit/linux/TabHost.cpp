@@ -144,10 +144,16 @@ void TabHost::closePage(Window& window) {
 
 void TabHost::updateTitle(Window& window) {
     AdwTabPage* page = adw_tab_view_get_page(tabView_, Window::Native::pageOf(window));
+    // A tab without a tool tip of its own shows its title, as long as that may be.
+    const std::string shown = toolTipText(window.title());
+    if (shown == window.title()) {
+        adw_tab_page_set_tooltip(page, "");
+    } else {
+        const std::unique_ptr<char, decltype(&g_free)> toolTip(g_markup_escape_text(shown.c_str(), -1),
+                                                               &g_free);
+        adw_tab_page_set_tooltip(page, toolTip.get());
+    }
     adw_tab_page_set_title(page, window.title().c_str());
-    const std::unique_ptr<char, decltype(&g_free)> toolTip(
-        g_markup_escape_text(toolTipText(window.title()).c_str(), -1), &g_free);
-    adw_tab_page_set_tooltip(page, toolTip.get());
     if (adw_tab_view_get_selected_page(tabView_) == page)
         gtk_window_set_title(toplevel(), window.title().c_str());
 }

@@ -86,6 +86,8 @@ Window::~Window() {
 }
 
 void Window::setTitle(const std::string& title) {
+    if (title_ == title)
+        return;
     title_ = title;
     if (const auto host = TabHost::of(*this))
         host->updateTitle(*this);
