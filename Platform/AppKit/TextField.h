@@ -20,8 +20,8 @@ public:
     virtual void controlTextDidBeginEditing(TextField& field) = 0;
 
     /// The edit ended: Return (the field's action is sent right after), Escape, or another control of the
-    /// same page took the focus. Another tab, window, menu or program does not end it. Told also where nothing
-    /// was changed since the field had the focus, or since the last end.
+    /// same page took the focus. Another tab, window, menu or program does not end it. Told also where
+    /// nothing was changed since the field had the focus, or since the last end.
     virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;
 };
 
