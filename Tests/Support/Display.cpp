@@ -31,7 +31,7 @@ using KeyloftTests::Descriptor;
 
 namespace {
 
-// How long a helper may take to come up on a machine under load.
+// How long a server may take to come up on a machine under load.
 constexpr auto startLimit = std::chrono::seconds(30);
 
 [[noreturn]] void fail(const std::string& what) {
@@ -83,7 +83,7 @@ private:
     pid_t process_ = ::getpid();
 };
 
-/// A helper process that ends with this object, or with this process should that come first.
+/// A process that ends with this object, or with this process should that come first.
 class Child {
 public:
     /// `output`, where given, becomes the child's standard output.
@@ -110,7 +110,7 @@ public:
             if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || ::getppid() != parent) {
                 ::_exit(126);
             }
-            // Whatever the test program blocks or ignores, its helpers can be ended.
+            // Whatever the test program blocks or ignores, its servers can be ended.
             ::signal(SIGTERM, SIG_DFL);
             sigset_t none;
             ::sigemptyset(&none);

@@ -13,13 +13,13 @@
 /// (DBUS_SESSION_BUS_ADDRESS; nothing but the accessibility bus can be activated on it), which end with the
 /// program. HOME and every XDG directory lie in a fresh temporary directory that is
 /// removed at the end. The toolkit draws in software, and settings are kept in memory. Should the test
-/// program crash, its helpers end with it.
+/// program crash, what the session started ends with it.
 ///
 /// Main thread only.
 namespace TestSupport {
 
-/// Begins the session, before the program uses the toolkit. Throws std::exception where a helper does not
-/// come up.
+/// Begins the session, before the program uses the toolkit. Throws std::exception where a part of it does
+/// not come up.
 void beginDisplaySession();
 
 /// Starts a window manager (openbox) on the private display unless that was done before, and returns once it
@@ -30,8 +30,8 @@ void startWindowManager();
 /// The temporary directory that holds HOME and the rest.
 const std::filesystem::path& sessionDirectory();
 
-/// The process ids of the helpers that run now: the X server, the session bus and, once started, the window
-/// manager.
+/// The session's processes that run now, by their ids: the X server, the session bus and, once started, the
+/// window manager.
 std::vector<pid_t> sessionProcesses();
 
 } // namespace TestSupport
