@@ -7,7 +7,10 @@
 namespace KeyloftCore {
 
 /// Why an authorization could not be begun or completed. `code` and `message` are what a host tells its
-/// caller.
+/// caller. A plain value.
+///
+/// AuthorizeRequest throws `badRequest`; an AuthSession ends with `internalError`, `cancelled` or `timeout`.
+/// `noNativeSheet` is for hosts.
 class HostError : public std::exception {
 public:
     enum class Case {

@@ -11,7 +11,8 @@
 
 namespace KeyloftCore {
 
-/// The host's side of the relay's conversation: what it answers to a peer's message.
+/// The host's side of the relay's conversation: what it answers to a peer's message. Stateless; safe on any
+/// thread.
 struct RelayProtocol {
     RelayProtocol() = delete;
 
@@ -54,8 +55,8 @@ struct RelayProtocol {
         std::variant<Confirm, Ack, Error> value_;
     };
 
-    /// Answers the message that `data` holds in JSON, whatever it is. Why a message was refused is kept from
-    /// the peer.
+    /// Answers the message that `data` holds in JSON, whatever it is: never fails. Why a message was refused
+    /// is kept from the peer.
     static Reply reply(std::string_view data, const AuthorizeRequest& request);
 };
 

@@ -9,7 +9,7 @@
 
 namespace KeyloftCore {
 
-/// Reading the result that a peer relays.
+/// Reading the result that a peer relays. Stateless; safe on any thread.
 struct RelayResult {
     RelayResult() = delete;
 

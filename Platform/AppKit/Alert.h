@@ -9,7 +9,8 @@
 
 namespace Platform {
 
-/// A message with buttons, shown as a sheet on one window or tab. A value: showing it copies it.
+/// A message with buttons, shown as a sheet on one window or tab. A value: showing it copies it. Main thread
+/// only.
 struct Alert {
     enum class Style { warning, informational };
 

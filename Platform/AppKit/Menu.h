@@ -62,7 +62,8 @@ public:
     virtual void menuNeedsUpdate(Menu& menu) = 0;
 };
 
-/// An ordered list of items. A plain object; the system shows it (`Application::setMainMenu`).
+/// An ordered list of items. A plain object; the system shows it (`Application::setMainMenu`). Main thread
+/// only, as its items are.
 class Menu {
 public:
     static std::shared_ptr<Menu> create(const std::string& title = "");

@@ -6,7 +6,7 @@ namespace Platform {
 
 /// Somebody whom actions reach on their way down the responder chain: the key window's first responder and
 /// the views around it, the window, its controller, the application, the application's delegate. The first
-/// one that responds performs the action; nobody behind it hears of it.
+/// one that responds performs the action; nobody behind it hears of it. Main thread only.
 class Responder {
 public:
     Responder(const Responder&) = delete;

@@ -17,6 +17,7 @@ public:
 
     Orientation orientation() const { return orientation_; }
 
+    /// Points between two views that follow each other.
     double spacing() const { return spacing_; }
     void setSpacing(double spacing);
     const EdgeInsets& edgeInsets() const { return edgeInsets_; }

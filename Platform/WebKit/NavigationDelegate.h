@@ -11,7 +11,8 @@ class WebView;
 
 enum class NavigationActionPolicy { cancel, allow };
 
-/// Told of a web view's navigations; what a delegate leaves out, WebKit's defaults answer.
+/// Told of a web view's navigations, on the main thread; what a delegate leaves out, WebKit's defaults
+/// answer.
 ///
 /// Errors bear the domains and codes of Foundation and WebKit: "NSURLErrorDomain" (-999 cancelled, -1001
 /// timed out, -1003 host not found …) and "WebKitErrorDomain" (102 frame load interrupted …).

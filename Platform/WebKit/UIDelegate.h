@@ -12,7 +12,8 @@ namespace Platform {
 class WebView;
 class WebViewConfiguration;
 
-/// What a page wants of the window around it; what a delegate leaves out, WebKit's defaults answer.
+/// What a page wants of the window around it, told on the main thread; what a delegate leaves out, WebKit's
+/// defaults answer.
 ///
 /// Completions may be called at once or later, from the main thread. One that is destroyed uncalled gives the
 /// page the safe answer (an alert is dismissed, a confirmation refused); calling it again does nothing.

@@ -16,7 +16,7 @@ enum class WebsiteDataStore {
     nonPersistent,
 };
 
-/// What a web view is made with; read when the view is created.
+/// What a web view is made with; read when the view is created. Main thread only.
 class WebViewConfiguration {
 public:
     static std::shared_ptr<WebViewConfiguration> create();
