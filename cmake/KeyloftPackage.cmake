@@ -39,6 +39,12 @@ function(keyloft_install_package component)
   install(FILES "${PROJECT_BINARY_DIR}/KeyloftCoreConfig.cmake" "${PROJECT_BINARY_DIR}/KeyloftCoreConfigVersion.cmake"
     DESTINATION "${KEYLOFT_PACKAGE_DIR}" COMPONENT ${install_component})
 
+  if(KEYLOFT_SYSTEM STREQUAL "linux")
+    set(session_packages ", gtk4 >= 4.8, gtk4-x11, x11, libadwaita-1 >= 1.2, webkitgtk-6.0")
+  else()
+    set(relay_frameworks " -framework Foundation -framework Security")
+    set(session_frameworks " -framework AppKit -framework QuartzCore -framework WebKit")
+  endif()
   # Relative to the file itself, so that the installed tree can be moved.
   file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
   string(TOLOWER "keyloftcore-${component}" package)
