@@ -293,8 +293,9 @@ void MenuBar::addKeyEquivalents(GtkWidget* toplevel) {
                 },
                 equivalent.get(), nullptr);
             GtkShortcutTrigger* trigger = gtk_shortcut_trigger_parse_string(accelerator(*item).c_str());
+            const auto itsAction = item->action();
             gtk_shortcut_controller_add_shortcut(
-                GTK_SHORTCUT_CONTROLLER(item->action() && isEditing(*item->action()) ? bubbling : capturing),
+                GTK_SHORTCUT_CONTROLLER(itsAction && isEditing(*itsAction) ? bubbling : capturing),
                 gtk_shortcut_new(trigger, action));
             keyEquivalents_.push_back(std::move(equivalent));
         }
