@@ -9,9 +9,10 @@ bool isMade = false;
 } // namespace
 
 Application& Application::shared() {
-    struct Made : Application {};
+    struct Made : Application {
+        Made() { isMade = true; }
+    };
     static Made application;
-    isMade = true;
     return application;
 }
 

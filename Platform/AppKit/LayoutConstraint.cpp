@@ -4,40 +4,37 @@
 #include "Platform/Foundation/FatalError.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Platform {
 
 LayoutConstraint LayoutConstraint::equalToSuperview(const std::shared_ptr<View>& view,
                                                     LayoutAttribute attribute) {
-    LayoutConstraint constraint;
-    constraint.view_ = view;
-    constraint.attribute_ = attribute;
-    constraint.toSuperview_ = true;
-    return constraint;
+    return {view, attribute, true, 0};
 }
 
 LayoutConstraint LayoutConstraint::equalTo(const std::shared_ptr<View>& view, LayoutAttribute attribute,
                                            double constant) {
-    LayoutConstraint constraint;
-    constraint.view_ = view;
-    constraint.attribute_ = attribute;
-    constraint.constant_ = constant;
-    return constraint;
+    return {view, attribute, false, constant};
 }
 
-bool LayoutConstraint::isLength() const {
-    return attribute_ == LayoutAttribute::width || attribute_ == LayoutAttribute::height;
-}
+LayoutConstraint::LayoutConstraint(std::shared_ptr<View> view, LayoutAttribute attribute, bool toSuperview,
+                                   double constant)
+    : view_(std::move(view))
+    , attribute_(attribute)
+    , toSuperview_(toSuperview)
+    , constant_(constant) {}
 
 bool LayoutConstraint::isKnown() const {
-    return toSuperview_ ? attribute_ != LayoutAttribute::height : isLength();
+    if (toSuperview_)
+        return attribute_ != LayoutAttribute::height;
+    return attribute_ == LayoutAttribute::width || attribute_ == LayoutAttribute::height;
 }
 
 void LayoutConstraint::activate(const std::vector<LayoutConstraint>& constraints) {
     assertMainThread("LayoutConstraint::activate");
-    if (!std::ranges::all_of(constraints, &LayoutConstraint::isKnown)) {
+    if (!std::ranges::all_of(constraints, &LayoutConstraint::isKnown))
         fatalError("a layout constraint has a form that this system does not know");
-    }
     apply(constraints);
 }
 

@@ -25,18 +25,18 @@ public:
     static void activate(const std::vector<LayoutConstraint>& constraints);
 
 private:
-    LayoutConstraint() = default;
+    LayoutConstraint(std::shared_ptr<View> view, LayoutAttribute attribute, bool toSuperview,
+                     double constant);
 
-    bool isLength() const;
     /// Whether it has one of the forms in use.
     bool isKnown() const;
     /// Constraints of known forms; the system's side.
     static void apply(const std::vector<LayoutConstraint>& constraints);
 
     std::shared_ptr<View> view_;
-    LayoutAttribute attribute_ = LayoutAttribute::width;
-    bool toSuperview_ = false;
-    double constant_ = 0;
+    LayoutAttribute attribute_;
+    bool toSuperview_;
+    double constant_;
 };
 
 } // namespace Platform

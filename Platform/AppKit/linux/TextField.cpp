@@ -10,8 +10,6 @@ namespace Platform {
 
 namespace {
 
-struct MadeTextField : TextField {};
-
 /// The name of the text widget's own action for an editing action, or nothing.
 const char* textActionName(Action action) {
     switch (action) {
@@ -35,8 +33,6 @@ const char* textActionName(Action action) {
 } // namespace
 
 TextField::TextField() { setContentHuggingPriority(LayoutPriorities::defaultLow, Orientation::horizontal); }
-
-std::shared_ptr<TextField> TextField::create() { return std::make_shared<MadeTextField>(); }
 
 std::string TextField::stringValue() const { return stringValue_; }
 
@@ -67,8 +63,6 @@ void TextField::selectText() {
         gtk_editable_select_region(GTK_EDITABLE(made->widget.get()), 0, -1);
 }
 
-bool TextField::respondsTo(Action action) const { return textActionName(action) != nullptr; }
-
 void TextField::perform(Action action, const ActionSender& /*sender*/) {
     if (nativeIfMade())
         gtk_widget_activate_action(GTK_WIDGET(TextFieldEvents::nativeOf(*this).text), textActionName(action),
@@ -83,20 +77,6 @@ void TextField::applyFont(Native& native) {
     if (const auto wanted = font())
         gtk_text_set_attributes(static_cast<TextFieldEvents::Native&>(native).text,
                                 fontAttributes(wanted->systemFontSize));
-}
-
-void TextField::beginEditing() {
-    if (editing_)
-        return;
-    editing_ = true;
-    if (const auto delegate = delegate_.lock())
-        delegate->controlTextDidBeginEditing(*this);
-}
-
-void TextField::endEditing(TextMovement movement) {
-    editing_ = false;
-    if (const auto delegate = delegate_.lock())
-        delegate->controlTextDidEndEditing(*this, movement);
 }
 
 std::unique_ptr<View::Native> TextFieldEvents::make(TextField& field, GtkWidget* editable) {

@@ -56,11 +56,6 @@ TextMovement fromNSTextMovement(NSTextMovement movement) {
 
 TextField::TextField() = default;
 
-std::shared_ptr<TextField> TextField::create() {
-    struct Made : TextField {};
-    return std::make_shared<Made>();
-}
-
 std::string TextField::stringValue() const {
     assertMainThread("TextField::stringValue");
     Native* const made = nativeIfMade();
@@ -91,8 +86,6 @@ void TextField::setPlaceholder(const std::string& placeholder) {
 
 void TextField::selectText() { [TextFieldEvents::fieldOf(native()) selectText:nil]; }
 
-bool TextField::respondsTo(Action action) const { return Platform::isEditing(action); }
-
 void TextField::perform(Action action, const ActionSender& /*sender*/) {
     // The editor does what it can itself and leaves undo and redo to its window.
     [[TextFieldEvents::fieldOf(native()) currentEditor] tryToPerform:selectorFor(action) with:nil];
@@ -106,23 +99,6 @@ std::unique_ptr<View::Native> TextField::makeNative() {
 }
 
 void TextField::applyFont(Native& native) { ControlNative::of(native).applyFont(*this); }
-
-void TextField::beginEditing() {
-    if (editing_) {
-        return;
-    }
-    editing_ = true;
-    if (const auto delegate = delegate_.lock()) {
-        delegate->controlTextDidBeginEditing(*this);
-    }
-}
-
-void TextField::endEditing(TextMovement movement) {
-    editing_ = false;
-    if (const auto delegate = delegate_.lock()) {
-        delegate->controlTextDidEndEditing(*this, movement);
-    }
-}
 
 std::unique_ptr<View::Native> TextFieldEvents::make(const TextField& field, NSTextField* made) {
     auto native = std::make_unique<Native>(made);

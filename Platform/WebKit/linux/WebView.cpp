@@ -822,7 +822,7 @@ void WebView::setUIDelegate(const std::weak_ptr<UIDelegate>& delegate) {
     engine_->uiDelegate = delegate;
 }
 
-bool WebView::respondsTo(Action action) const { return editingCommand(action) != nullptr; }
+bool WebView::respondsTo(Action action) const { return isEditing(action); }
 
 void WebView::perform(Action action, const ActionSender& /*sender*/) {
     assertMainThread("WebView::perform");
