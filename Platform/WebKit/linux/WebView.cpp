@@ -148,6 +148,7 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     void updateHistory();
 
     void beginNavigation();
+    std::optional<std::string> requestedURI() const;
     void endNavigation();
     void load(const URLRequest& request);
     void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);
@@ -198,8 +199,9 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     std::vector<std::weak_ptr<ScriptDialog>> dialogs;
 
     Phase phase = Phase::idle;
-    /// The navigation came by `load`.
-    bool byLoad = false;
+    /// Where a navigation that came by `load` leads. The view's own URI may be the page before it again, when
+    /// the engine has just given up an earlier one.
+    std::optional<std::string> loadedURI;
     bool allowsGestures = false;
     /// Nothing was loaded yet, and no web process asked for.
     bool fresh = true;
@@ -215,6 +217,8 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
 
     double timeoutInterval = 0;
     std::shared_ptr<Timer> timeout;
+    /// The time was up between the engine's question and the load's start.
+    bool isOverdue = false;
     /// The time was up and the engine's cancellation has not come yet.
     std::shared_ptr<Timer> stopTimer;
 
@@ -354,16 +358,21 @@ void WebView::Engine::beginNavigation() {
     phase = Phase::requested;
 }
 
+std::optional<std::string> WebView::Engine::requestedURI() const {
+    return loadedURI ? loadedURI : nonEmpty(webkit_web_view_get_uri(view.get()));
+}
+
 void WebView::Engine::endNavigation() {
     phase = Phase::idle;
-    byLoad = false;
+    loadedURI.reset();
     timeout.reset();
+    isOverdue = false;
     stoppedURI.reset();
 }
 
 void WebView::Engine::load(const URLRequest& request) {
     beginNavigation();
-    byLoad = true;
+    loadedURI = engineText(request.url);
     timeoutInterval = request.timeoutInterval;
     startTimeout();
     webkit_web_view_load_uri(view.get(), request.url.absoluteString().c_str());
@@ -388,19 +397,23 @@ void WebView::Engine::reload() {
 void WebView::Engine::stop() {
     // Before the engine has asked about the navigation it only forgets it, and would report it as loading for
     // good.
-    if (phase == Phase::requested && isLoading)
-        stoppedURI = nonEmpty(webkit_web_view_get_uri(view.get()));
+    if (phase == Phase::requested && (isLoading || loadedURI))
+        stoppedURI = requestedURI();
     timeout.reset();
+    isOverdue = false;
     webkit_web_view_stop_loading(view.get());
 }
 
-void WebView::Engine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event, gpointer data) {
+void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
     if (!kept)
         return;
     switch (event) {
     case WEBKIT_LOAD_STARTED:
+        // The engine asks about a load before it starts it: this is still the navigation before.
+        if (engine.phase == Phase::requested && engine.loadedURI)
+            break;
         // The page went elsewhere before the load was through.
         if (engine.phase == Phase::started)
             engine.endNavigation();
@@ -408,10 +421,15 @@ void WebView::Engine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
             engine.shownURL = engine.url;
         engine.phase = Phase::started;
         engine.fresh = false;
+        if (std::exchange(engine.isOverdue, false))
+            engine.timedOut();
         break;
     case WEBKIT_LOAD_REDIRECTED:
-        if (engine.timeout)
-            engine.startTimeout();
+        if (engine.loadedURI && engine.phase == Phase::started) {
+            engine.loadedURI = nonEmpty(webkit_web_view_get_uri(view));
+            if (engine.timeout)
+                engine.startTimeout();
+        }
         break;
     case WEBKIT_LOAD_COMMITTED:
         // In an earlier phase it is the page before that is still coming in.
@@ -435,7 +453,7 @@ void WebView::Engine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
 
 // Policy
 
-gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision* decision,
+gboolean WebView::Engine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision,
                                        WebKitPolicyDecisionType type, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
@@ -451,8 +469,7 @@ gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision
         question->answer(NavigationActionPolicy::cancel);
         return TRUE;
     }
-    const bool isRequested =
-        engine.phase == Phase::requested && nonEmpty(webkit_web_view_get_uri(view)) == question->uri();
+    const bool isRequested = engine.phase == Phase::requested && engine.requestedURI() == question->uri();
     const bool isOwnPage = engine.takesOwnPage(*question);
     if (isRequested || isOwnPage)
         engine.phase = Phase::decided;
@@ -553,9 +570,11 @@ void WebView::Engine::startTimeout() {
 }
 
 void WebView::Engine::timedOut() {
-    if (!isLoading)
+    if (!isLoading && phase != Phase::requested) {
+        isOverdue = phase == Phase::decided;
         return;
-    const auto failingURL = url ? std::optional<std::string>(url->absoluteString()) : std::nullopt;
+    }
+    const auto failingURL = loadedURI;
     const bool willFail = phase == Phase::started;
     stop();
     const auto reportNow = [this, failingURL] {
@@ -641,8 +660,8 @@ void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
     engine.processEnded = true;
     engine.stopTimer.reset();
     // Nothing is committed yet that a reload could bring back.
-    if (engine.byLoad && engine.url)
-        engine.interruptedURI = engine.url->absoluteString();
+    if (engine.loadedURI)
+        engine.interruptedURI = engine.loadedURI;
     else if (engine.phase == Phase::idle)
         engine.interruptedURI.reset();
     for (const auto& dialog : std::exchange(engine.dialogs, {})) {

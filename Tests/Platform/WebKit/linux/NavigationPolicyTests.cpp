@@ -1,4 +1,5 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
+#include "Tests/Support/Waiting.h"
 
 #include <algorithm>
 #include <functional>
@@ -6,6 +7,7 @@
 #include <utility>
 
 using namespace Platform;
+using KeyloftTests::eventually;
 using TestSupport::HTTPResponse;
 using TestSupport::runPending;
 using TestSupport::runUntil;
@@ -260,6 +262,24 @@ TEST_F(NavigationPolicy, onlyWholePagesAreFinished) {
     ASSERT_TRUE(loadPage(*view, "/page"));
     EXPECT_TRUE(runUntil([&] { return !delegate->finished.empty(); }));
     EXPECT_EQ(delegate->finished, std::vector{server.url("/page")});
+}
+
+TEST_F(NavigationPolicy, aLoadTimesOutThoughTheOneBeforeHasNotBegun) {
+    HTTPResponse held;
+    held.ending = HTTPResponse::Ending::held;
+    server.route("/first", held);
+    server.route("/second", held);
+    ASSERT_TRUE(loadPage(*view, "/before"));
+    view->load(request(server.url("/first"), 30));
+    ASSERT_TRUE(waitForQuestions(2));
+    // The request is on its way, and the engine's word of it waits for the main loop.
+    ASSERT_TRUE(eventually([&] { return server.count("/first") == 1; }));
+    view->load(request(server.url("/second"), 0.2));
+    ASSERT_TRUE(runUntil([&] { return delegate->failures.size() == 2; }));
+    EXPECT_EQ(delegate->failures[0].code, Error::urlCancelled);
+    EXPECT_EQ(delegate->failures[0].failingURL, server.url("/first"));
+    EXPECT_EQ(delegate->failures[1].code, Error::urlTimedOut);
+    EXPECT_EQ(delegate->failures[1].failingURL, server.url("/second"));
 }
 
 // The program's own pages
