@@ -2,6 +2,7 @@
 #include "Tests/Support/HTTPServer.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Waiting.h"
+#include "Tests/Support/linux/Xdotool.h"
 
 #include <gtest/gtest.h>
 
@@ -12,9 +13,9 @@
 
 namespace {
 
-using KeyloftTests::askXdotool;
 using KeyloftTests::eventually;
 using KeyloftTests::Program;
+using TestSupport::askXdotool;
 using TestSupport::HTTPResponse;
 
 /// The real program, run several times by the same user.

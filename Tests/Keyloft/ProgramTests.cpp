@@ -1,7 +1,9 @@
+#include "Tests/Support/AccessibilityTree.h"
 #include "Tests/Support/Display.h"
 #include "Tests/Support/HTTPServer.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Waiting.h"
+#include "Tests/Support/linux/Xdotool.h"
 
 #include <gtest/gtest.h>
 
@@ -13,9 +15,9 @@
 
 namespace {
 
-using KeyloftTests::askXdotool;
 using KeyloftTests::eventually;
 using KeyloftTests::Program;
+using TestSupport::askXdotool;
 using TestSupport::HTTPResponse;
 using Lines = std::vector<std::string>;
 
@@ -76,6 +78,15 @@ protected:
     static void press(const std::string& key) { askXdotool("key " + key); }
     static void type(const std::string& text) { askXdotool("type --delay 2 '" + text + "'"); }
 
+    /// Waits until the program's field of the name has the keyboard.
+    [[nodiscard]] static bool waitForField(const Program& program, const std::string& name) {
+        return eventually([&] {
+            const auto objects = TestSupport::accessibleObjects(program.id());
+            return std::ranges::any_of(
+                objects, [&](const auto& object) { return object.isFocused && object.name == name; });
+        });
+    }
+
     static void quit(Program& program) {
         press("ctrl+q");
         EXPECT_EQ(program.waitForExit(), 0) << program.errors();
@@ -115,11 +126,17 @@ TEST_F(ProgramTest, aWordIsNoAddressAndNoError) {
 }
 
 TEST_F(ProgramTest, itsKeyQuitsFromEveryField) {
-    for (const Lines& keys : {Lines{"ctrl+l"}, Lines{"ctrl+l", "Tab"}}) {
+    struct Field {
+        std::string name;
+        Lines keys;
+    };
+    for (const Field& field :
+         {Field{"Address", {"ctrl+l"}}, Field{"Search DuckDuckGo", {"ctrl+l", "Tab", "Tab"}}}) {
         const auto program = start();
         ASSERT_TRUE(waitForFocus("New Tab"));
-        for (const auto& key : keys)
+        for (const auto& key : field.keys)
             press(key);
+        ASSERT_TRUE(waitForField(*program, field.name));
         quit(*program);
     }
 }

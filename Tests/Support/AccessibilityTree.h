@@ -1,10 +1,13 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
-/// What assistive technology is told of this program, asked over the session's accessibility bus as a screen
-/// reader does. Main thread only; the main loop runs meanwhile, as it is this program that answers.
+/// What assistive technology is told of this program or another, asked over the session's accessibility bus
+/// as a screen reader does. Main thread only; the main loop runs meanwhile, as it may be this program that
+/// answers.
 namespace TestSupport {
 
 struct AccessibleObject {
@@ -20,7 +23,10 @@ struct AccessibleObject {
 /// std::runtime_error when the bus does not answer.
 std::vector<AccessibleObject> accessibleObjects();
 
-/// Those of them that have the name.
+/// Every such object of another process.
+std::vector<AccessibleObject> accessibleObjects(pid_t process);
+
+/// Those of this program that have the name.
 std::vector<AccessibleObject> accessibleObjects(const std::string& name);
 
 } // namespace TestSupport

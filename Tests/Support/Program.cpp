@@ -14,10 +14,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <fstream>
-#include <memory>
-#include <stdexcept>
 #include <system_error>
 
 namespace KeyloftTests {
@@ -171,26 +168,6 @@ std::string Program::errors() const {
     const ssize_t size = pread(errors_, text.data(), text.size(), 0);
     text.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
     return text;
-}
-
-std::vector<std::string> askXdotool(const std::string& arguments) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> answer(
-        popen(("xdotool " + arguments + " 2>/dev/null").c_str(), "r"), &pclose);
-    if (!answer) {
-        throw std::runtime_error("xdotool does not start");
-    }
-    std::string text;
-    std::array<char, 4096> bytes{};
-    while (const auto size = fread(bytes.data(), 1, bytes.size(), answer.get())) {
-        text.append(bytes.data(), size);
-    }
-    std::vector<std::string> lines;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const auto end = text.find('\n', begin);
-        lines.push_back(text.substr(begin, end - begin));
-        begin = end == std::string::npos ? text.size() : end + 1;
-    }
-    return lines;
 }
 
 } // namespace KeyloftTests

@@ -23,6 +23,7 @@ public:
     Program& operator=(const Program&) = delete;
     ~Program();
 
+    pid_t id() const { return process_; }
     void signal(int number) const;
     bool isRunning() const;
     /// Whether one of its threads has the name now.
@@ -45,8 +46,5 @@ private:
     std::string buffered_;
     std::optional<int> status_;
 };
-
-/// What xdotool answers, line by line; what goes wrong, no window found above all, is no line.
-std::vector<std::string> askXdotool(const std::string& arguments);
 
 } // namespace KeyloftTests

@@ -141,20 +141,20 @@ void addObjects(Bus& bus, const std::string& owner, const std::string& path,
     });
 }
 
-bool isThisProcess(Bus& bus, const std::string& owner) {
+pid_t processOf(Bus& bus, const std::string& owner) {
     const auto answer = bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                                  "GetConnectionUnixProcessID", g_variant_new("(s)", owner.c_str()));
     std::uint32_t process = 0;
     g_variant_get(answer.get(), "(u)", &process);
-    return process == static_cast<std::uint32_t>(getpid());
+    return static_cast<pid_t>(process);
 }
 
-std::vector<AccessibleObject> askTheBus() {
+std::vector<AccessibleObject> askTheBus(pid_t process) {
     Bus bus;
     std::vector<AccessibleObject> objects;
     forEachChild(bus, "org.a11y.atspi.Registry", rootPath,
                  [&](const std::string& owner, const std::string& path) {
-                     if (isThisProcess(bus, owner))
+                     if (processOf(bus, owner) == process)
                          addObjects(bus, owner, path, objects);
                  });
     return objects;
@@ -162,13 +162,15 @@ std::vector<AccessibleObject> askTheBus() {
 
 } // namespace
 
-std::vector<AccessibleObject> accessibleObjects() {
+std::vector<AccessibleObject> accessibleObjects() { return accessibleObjects(getpid()); }
+
+std::vector<AccessibleObject> accessibleObjects(pid_t process) {
     std::vector<AccessibleObject> objects;
     std::exception_ptr failure;
     std::atomic<bool> isDone = false;
     std::thread asking([&] {
         try {
-            objects = askTheBus();
+            objects = askTheBus(process);
         } catch (...) {
             failure = std::current_exception();
         }

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
 #include <memory>
 #include <stdexcept>
 
@@ -31,6 +33,24 @@ void runXdotool(const std::vector<std::string>& arguments) {
         &ended);
     EXPECT_TRUE(runUntil([&] { return ended; }));
     EXPECT_EQ(g_subprocess_get_exit_status(tool.get()), 0) << arguments.front();
+}
+
+std::vector<std::string> askXdotool(const std::string& arguments) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> answer(
+        popen(("xdotool " + arguments + " 2>/dev/null").c_str(), "r"), &pclose);
+    if (!answer)
+        throw std::runtime_error("xdotool does not start");
+    std::string text;
+    std::array<char, 4096> bytes{};
+    while (const auto size = fread(bytes.data(), 1, bytes.size(), answer.get()))
+        text.append(bytes.data(), size);
+    std::vector<std::string> lines;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const auto end = text.find('\n', begin);
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end == std::string::npos ? text.size() : end + 1;
+    }
+    return lines;
 }
 
 } // namespace TestSupport
