@@ -29,11 +29,13 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <charconv>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -289,14 +291,7 @@ double perSecond(const Contender& contender, int clients, std::chrono::milliseco
     return static_cast<double>(total) / std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    const int rounds = argc > 1 ? std::atoi(argv[1]) : 60;
-    if (rounds < 1) {
-        std::fprintf(stderr, "usage: %s [rounds]\n", argv[0]);
-        return 2;
-    }
+void compare(int rounds) {
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     std::string pattern = (std::filesystem::temp_directory_path() / "relay-benchmark-XXXXXX").string();
     require(mkdtemp(pattern.data()) != nullptr, "mkdtemp");
@@ -378,5 +373,26 @@ int main(int argc, char** argv) {
         }
     }
     std::filesystem::remove_all(directory);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int rounds = 60;
+    if (argc > 1) {
+        const std::string_view digits = argv[1];
+        rounds = 0;
+        std::from_chars(digits.data(), digits.data() + digits.size(), rounds);
+    }
+    if (rounds < 1) {
+        std::fprintf(stderr, "usage: %s [rounds]\n", argv[0]);
+        return 2;
+    }
+    try {
+        compare(rounds);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
     return 0;
 }

@@ -9,6 +9,8 @@ using TestSupport::hasFocus;
 using TestSupport::pressKey;
 using TestSupport::runUntil;
 
+namespace {
+
 /// What somebody who does not see the screen, or uses no pointer, can tell and do.
 class AccessibilityTest : public AppDelegateTest {
 protected:
@@ -26,6 +28,8 @@ protected:
         return tab;
     }
 };
+
+} // namespace
 
 TEST_F(AccessibilityTest, everyControlHasItsName) {
     delegate->bookmarks()->add({"Kept", url("https://kept.test/")});

@@ -147,7 +147,7 @@ TEST_F(AppDelegateTest, theFirstURLFillsTheBlankTabAndTheSecondOpensOneBesideIt)
 TEST_F(AppDelegateTest, severalURLsWithoutAWindowShareOneInTheirOrder) {
     openURLs({server.url("/one"), server.url("/two"), server.url("/three")});
     ASSERT_EQ(controllers().size(), 3U);
-    const char* paths[] = {"/one", "/two", "/three"};
+    const char* const paths[] = {"/one", "/two", "/three"};
     for (std::size_t i = 0; i < 3; ++i)
         ASSERT_TRUE(waitForTitle(controllers()[i], server.url(paths[i])));
     EXPECT_EQ(tabTitles(*controllers()[0]->window()),

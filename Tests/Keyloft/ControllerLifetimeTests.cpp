@@ -7,6 +7,8 @@ using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 
+namespace {
+
 class ControllerLifetimeTest : public BrowserTest {
 protected:
     /// All that ought to go with a tab.
@@ -54,6 +56,8 @@ protected:
         EXPECT_TRUE(tabs.empty());
     }
 };
+
+} // namespace
 
 TEST_F(ControllerLifetimeTest, aTabEndsHoweverItIsClosed) {
     expectEndBy([](Controller& tab) { tab.window()->close(); });

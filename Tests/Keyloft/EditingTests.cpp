@@ -8,6 +8,8 @@ using TestSupport::runUntil;
 using TestSupport::shownText;
 using TestSupport::typeText;
 
+namespace {
+
 /// With a window manager, real keys and clicks.
 class AddressEditingTest : public BrowserTest {
 protected:
@@ -26,6 +28,8 @@ protected:
         return runUntil([&] { return tab->addressField()->stringValue() == text; });
     }
 };
+
+} // namespace
 
 TEST_F(AddressEditingTest, beginsWithTheFirstTypedCharacter) {
     const auto tab = openActiveTab();

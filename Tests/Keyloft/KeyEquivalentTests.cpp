@@ -31,8 +31,6 @@ void PrintTo(Focus focus, std::ostream* stream) {
     }
 }
 
-} // namespace
-
 /// Real keys, each with the focus in the page, in the address field and in the search field.
 class KeyEquivalentTest : public AppDelegateTest, public testing::WithParamInterface<Focus> {
 protected:
@@ -77,6 +75,8 @@ protected:
         return shownText(*std::static_pointer_cast<TextField>(viewOf(tab)));
     }
 };
+
+} // namespace
 
 INSTANTIATE_TEST_SUITE_P(WithFocusIn, KeyEquivalentTest,
                          testing::Values(Focus::page, Focus::addressField, Focus::searchField),
@@ -192,8 +192,12 @@ TEST_P(KeyEquivalentTest, theEditingKeysEditWhatHasTheFocus) {
     expectText("abababab");
 }
 
+namespace {
+
 /// Keys that a page takes for itself.
 class PageKeyTest : public AppDelegateTest {};
+
+} // namespace
 
 TEST_F(PageKeyTest, thePageIsNotToldOfTheMenusKeys) {
     server.route("/", HTTPResponse::html("<title>ready</title><script>addEventListener('keydown', e => {"

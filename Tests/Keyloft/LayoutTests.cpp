@@ -38,8 +38,6 @@ void expectRow(const Rect& row, double top, double width) {
     EXPECT_EQ(row.width, width);
 }
 
-} // namespace
-
 /// With the main menu, so that the content begins below a menu bar.
 class LayoutTest : public BrowserTest {
 public:
@@ -65,6 +63,8 @@ protected:
 
     std::shared_ptr<Keyloft::AppDelegate> delegate = Keyloft::AppDelegate::create();
 };
+
+} // namespace
 
 void LayoutTest::expectToolbar(const Tab& tab, const Rect& row) {
     const auto& controls = tab->backButton()->superview()->subviews();

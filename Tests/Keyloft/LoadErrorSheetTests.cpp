@@ -6,6 +6,8 @@ using TestSupport::runUntil;
 using TestSupport::ShownSheet;
 using TestSupport::shownSheet;
 
+namespace {
+
 class LoadErrorSheetTest : public BrowserTest {
 protected:
     static Error error(const std::string& domain, int code,
@@ -20,6 +22,8 @@ protected:
         return {.texts = {"Keyloft can't open the page", text}, .buttons = {"OK"}};
     }
 };
+
+} // namespace
 
 TEST_F(LoadErrorSheetTest, saysWhatWentWrongAndWhere) {
     const auto tab = openTab();

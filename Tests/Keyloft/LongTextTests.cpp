@@ -23,8 +23,6 @@ const std::string rightToLeft = repeated("שלום ", 2000);
 const std::string emoji = repeated("👩‍👩‍👧‍👦🎉", 1000);
 const std::string markup = "<b>bold</b> & &amp;";
 
-} // namespace
-
 /// Titles that are too long, run from right to left, or look like something else to the toolkit.
 class LongTextTest : public AppDelegateTest {
 protected:
@@ -36,6 +34,8 @@ protected:
 
     const std::vector<std::string> titles = {underscored, longTitle, rightToLeft, emoji, markup};
 };
+
+} // namespace
 
 TEST_F(LongTextTest, aMenuIsAtMostHalfAsWideAsTheScreen) {
     addBookmarks();

@@ -9,6 +9,8 @@ using TestSupport::hasFocus;
 using TestSupport::pressKey;
 using TestSupport::runUntil;
 
+namespace {
+
 class MainMenuTest : public AppDelegateTest {
 protected:
     struct Item {
@@ -45,6 +47,8 @@ protected:
         }
     }
 };
+
+} // namespace
 
 TEST_F(MainMenuTest, hasTheseMenusAndItems) {
     const std::vector<Submenu> expected = {

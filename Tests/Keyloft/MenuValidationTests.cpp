@@ -3,6 +3,8 @@
 using namespace Platform;
 using TestSupport::runUntil;
 
+namespace {
+
 class MenuValidationTest : public BrowserTest {
 protected:
     static std::string titleAfterValidation(Controller& tab) {
@@ -11,6 +13,8 @@ protected:
         return item->title();
     }
 };
+
+} // namespace
 
 TEST_F(MenuValidationTest, backAndForwardFollowTheHistory) {
     const auto tab = openTab();

@@ -11,6 +11,8 @@ using TestSupport::pressKey;
 using TestSupport::runUntil;
 using TestSupport::typeText;
 
+namespace {
+
 class MisbehavingPageTest : public AppDelegateTest {
 protected:
     /// Runs the script, which no click has to do with, and waits until there are so many tabs.
@@ -20,6 +22,8 @@ protected:
             << controllers().size();
     }
 };
+
+} // namespace
 
 TEST_F(MisbehavingPageTest, aHundredWindowsBecomeAHundredTabsOfItsWindow) {
     server.route("/popup", HTTPResponse::page("popup"));

@@ -6,6 +6,8 @@ using TestSupport::pressKey;
 using TestSupport::runUntil;
 using TestSupport::typeText;
 
+namespace {
+
 /// The editing keys with the keyboard in the page. The menu has the same keys; whatever happens must happen
 /// once.
 class PageEditingKeysTest : public AppDelegateTest {
@@ -35,6 +37,8 @@ protected:
 
     Tab tab;
 };
+
+} // namespace
 
 TEST_F(PageEditingKeysTest, undoAndRedoWorkOnce) {
     openEditor();

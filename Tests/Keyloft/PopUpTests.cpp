@@ -27,6 +27,8 @@ TEST_F(NewTabRequestTest, withoutAnybodyToAskTheNewTabButtonDoesNothing) {
     EXPECT_EQ(tabs.size(), 1U);
 }
 
+namespace {
+
 class PopUpTest : public BrowserTest {
 protected:
     PopUpTest() {
@@ -43,6 +45,8 @@ protected:
         return tab;
     }
 };
+
+} // namespace
 
 TEST_F(PopUpTest, aLinkToANewWindowOpensATabInTheSameWindow) {
     const auto opener = openOpener();

@@ -9,6 +9,8 @@ using TestSupport::runUntil;
 using TestSupport::ShownSheet;
 using TestSupport::shownSheet;
 
+namespace {
+
 class ScriptPanelTest : public BrowserTest {
 protected:
     /// A page that asks and shows the answer as its title.
@@ -28,6 +30,8 @@ protected:
                                        [&answers](bool answer) { answers.push_back(answer); });
     }
 };
+
+} // namespace
 
 TEST_F(ScriptPanelTest, anAlertBearsTheHostAndHoldsThePage) {
     server.route("/", HTTPResponse::html("<script>onload = () => setTimeout(() => {"

@@ -19,6 +19,8 @@ using TestSupport::runUntil;
 using TestSupport::shownSheet;
 using TestSupport::typeText;
 
+namespace {
+
 /// Sheets of real pages, with a window manager, real keys and clicks.
 class SheetTest : public AppDelegateTest {
 protected:
@@ -60,6 +62,8 @@ protected:
         EXPECT_LE(frame.y + frame.height, content.height);
     }
 };
+
+} // namespace
 
 TEST_F(SheetTest, otherTabsAndWindowsStayUsable) {
     const auto asking = openAsking();

@@ -5,6 +5,8 @@ using TestSupport::shareNativeWindow;
 using TestSupport::tabTitles;
 using Titles = std::vector<std::string>;
 
+namespace {
+
 /// Tabs under the pointer, with a window manager.
 class TabStripTest : public AppDelegateTest {
 protected:
@@ -35,6 +37,8 @@ protected:
         }));
     }
 };
+
+} // namespace
 
 TEST_F(TabStripTest, itsButtonOpensABlankTab) {
     const auto tabs = openTabs({"/one", "/two"});

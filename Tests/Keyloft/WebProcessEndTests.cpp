@@ -12,6 +12,8 @@ using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 using TestSupport::webProcesses;
 
+namespace {
+
 /// What remains of tabs whose web process is killed from outside.
 class WebProcessEndTest : public BrowserTest {
 protected:
@@ -61,6 +63,8 @@ protected:
     /// The web process of the page opened last.
     pid_t process = 0;
 };
+
+} // namespace
 
 TEST_F(WebProcessEndTest, theShownPageComesBackAndNobodyElseIsTouched) {
     const auto other = openCounting("/other");

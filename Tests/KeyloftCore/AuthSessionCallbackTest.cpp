@@ -47,11 +47,11 @@ NavigationAction post(std::string_view text) {
     return action;
 }
 
-} // namespace
-
 class AuthSessionPolicy : public AuthSessionTest {};
 class AuthSessionCapture : public AuthSessionTest {};
 class AuthSessionEnding : public AuthSessionTest {};
+
+} // namespace
 
 // Policy
 

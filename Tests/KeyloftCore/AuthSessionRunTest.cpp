@@ -21,13 +21,13 @@ namespace {
 
 using Parameters = std::map<std::string, std::string>;
 
-} // namespace
-
 class AuthSessionWindow : public AuthSessionTest {};
 class AuthSessionLoad : public AuthSessionTest {};
 class AuthSessionTimeout : public AuthSessionTest {};
 class AuthSessionPage : public AuthSessionTest {};
 class AuthSessionAsWritten : public AuthSessionTest {};
+
+} // namespace
 
 // The window
 
@@ -94,8 +94,12 @@ TEST_F(AuthSessionLoad, comesFromAPageOfTheInitiatorsOrigin) {
     EXPECT_EQ(proxy.count("client.example:443"), 0U);
 }
 
+namespace {
+
 class AuthSessionLoadWithoutOrigin : public AuthSessionTest,
                                      public testing::WithParamInterface<const char*> {};
+
+} // namespace
 
 TEST_P(AuthSessionLoadWithoutOrigin, comesFromAPageOfNoOrigin) {
     const auto session = startSession(GetParam());
@@ -206,7 +210,11 @@ TEST_F(AuthSessionPage, thatGoesToTheRedirectURIIsCaptured) {
     EXPECT_EQ(proxy.count("client.example:443"), 0U);
 }
 
+namespace {
+
 class AuthSessionForm : public AuthSessionTest, public testing::WithParamInterface<const char*> {};
+
+} // namespace
 
 TEST_P(AuthSessionForm, isSeenBeforeItsNavigation) {
     const auto session = startSession();

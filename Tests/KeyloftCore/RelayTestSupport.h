@@ -159,7 +159,7 @@ protected:
     void startKeeping() {
         listener->listen(path, [this](const std::string& request, RelayListener::Reply reply) {
             {
-                const std::lock_guard lock(mutex);
+                const std::scoped_lock lock(mutex);
                 received.push_back(request);
                 kept.push_back(std::move(reply));
             }
@@ -168,12 +168,12 @@ protected:
     }
 
     RelayListener::Reply keptReply(std::size_t index) {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         return kept.at(index);
     }
 
     std::vector<std::string> receivedRequests() {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         return received;
     }
 

@@ -388,12 +388,12 @@ TEST_F(SystemCallTest, aReplyMayWaitThreeSecondsAndARequestForEver) {
     std::vector<std::pair<int, timeval>> options;
     std::mutex guard;
     const auto observed = [&] {
-        const std::lock_guard lock(guard);
+        const std::scoped_lock lock(guard);
         return options;
     };
     SystemCalls system;
     system.setsockopt = [&](int level, int option, const void* value) -> SystemCalls::Maybe {
-        const std::lock_guard lock(guard);
+        const std::scoped_lock lock(guard);
         EXPECT_EQ(level, SOL_SOCKET);
         options.emplace_back(option, *static_cast<const timeval*>(value));
         return std::nullopt;

@@ -10,8 +10,8 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <charconv>
 #include <cstdint>
-#include <cstdlib>
 #include <iterator>
 #include <mutex>
 #include <optional>
@@ -83,8 +83,10 @@ std::optional<HTTPRequest> parse(std::string_view text) {
         request.headers[lowercase(line.substr(0, colon))] = value;
     }
     std::size_t bodySize = 0;
-    if (const auto length = request.headers.find("content-length"); length != request.headers.end())
-        bodySize = static_cast<std::size_t>(std::atoll(length->second.c_str()));
+    if (const auto length = request.headers.find("content-length"); length != request.headers.end()) {
+        const auto& digits = length->second;
+        std::from_chars(digits.data(), digits.data() + digits.size(), bodySize);
+    }
     const auto body = text.substr(end + 4);
     if (body.size() < bodySize)
         return std::nullopt;
@@ -135,7 +137,7 @@ public:
     Implementation& operator=(const Implementation&) = delete;
     ~Implementation() {
         {
-            const std::lock_guard lock(mutex_);
+            const std::scoped_lock lock(mutex_);
             stopped_ = true;
         }
         wake();
@@ -145,20 +147,20 @@ public:
     int port() const { return port_; }
 
     void route(const std::string& path, Route route) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         routes_[path] = std::move(route);
     }
 
     void release(const std::string& path) {
         {
-            const std::lock_guard lock(mutex_);
+            const std::scoped_lock lock(mutex_);
             released_.push_back(path);
         }
         wake();
     }
 
     std::vector<HTTPRequest> requests(const std::string& path) const {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         std::vector<HTTPRequest> result;
         std::ranges::copy_if(requests_, std::back_inserter(result),
                              [&path](const HTTPRequest& request) { return request.path == path; });
@@ -205,7 +207,7 @@ private:
     bool obey() {
         std::uint64_t times = 0;
         [[maybe_unused]] const ssize_t size = ::read(wakeUp_.get(), &times, sizeof times);
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         for (const auto& path : std::exchange(released_, {})) {
             for (auto& connection : connections_) {
                 if (connection.path == path && !connection.heldAnswer.empty()) {
@@ -245,7 +247,7 @@ private:
         connection.path = request.path;
         Route route;
         {
-            const std::lock_guard lock(mutex_);
+            const std::scoped_lock lock(mutex_);
             requests_.push_back(request);
             if (const auto found = routes_.find(request.path); found != routes_.end())
                 route = found->second;

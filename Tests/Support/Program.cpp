@@ -34,7 +34,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 std::vector<std::string> environmentWith(const Program::Environment& changes) {
     std::vector<std::string> variables;
-    for (char** variable = environ; *variable != nullptr; ++variable) {
+    for (const char* const* variable = environ; *variable != nullptr; ++variable) {
         const std::string text = *variable;
         if (!changes.contains(text.substr(0, text.find('=')))) {
             variables.push_back(text);

@@ -15,7 +15,7 @@ inline constexpr std::chrono::seconds patience(30);
 class Event {
 public:
     void signal() {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         ++count_;
         changed_.notify_all();
     }
@@ -27,7 +27,7 @@ public:
     }
 
     std::size_t count() {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         return count_;
     }
 

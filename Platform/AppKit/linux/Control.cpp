@@ -9,7 +9,7 @@ Control::Control() { setContentHuggingPriority(LayoutPriorities::defaultHigh, Or
 
 void Control::setEnabled(bool enabled) {
     enabled_ = enabled;
-    if (Native* made = nativeIfMade())
+    if (const Native* made = nativeIfMade())
         gtk_widget_set_sensitive(made->widget.get(), enabled);
 }
 
@@ -27,10 +27,11 @@ void Control::setTarget(const std::weak_ptr<Responder>& target, Action action) {
 void Control::setRepresentedURL(const std::optional<URL>& url) { representedURL_ = url; }
 
 void Control::sendAction() {
-    if (!action_)
+    const auto action = action_;
+    if (!action)
         return;
     const auto keptAlive = shared_from_this();
-    Application::shared().sendAction(*action_, target_.lock(), {.control = this});
+    Application::shared().sendAction(*action, target_.lock(), {.control = this});
 }
 
 } // namespace Platform

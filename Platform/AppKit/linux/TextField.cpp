@@ -52,14 +52,14 @@ void TextField::setStringValue(const std::string& value) {
 
 void TextField::setPlaceholder(const std::string& placeholder) {
     placeholder_ = placeholder;
-    if (Native* made = nativeIfMade())
+    if (const Native* made = nativeIfMade())
         g_object_set(made->widget.get(), "placeholder-text", placeholder.c_str(), nullptr);
 }
 
 void TextField::selectText() {
     if (const auto window = this->window())
         window->makeFirstResponder(shared_from_this());
-    if (Native* made = nativeIfMade())
+    if (const Native* made = nativeIfMade())
         gtk_editable_select_region(GTK_EDITABLE(made->widget.get()), 0, -1);
 }
 

@@ -101,32 +101,32 @@ void SerialQueue::State::wakeIfAsleep() {
 }
 
 void SerialQueue::State::enqueue(Work item) {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     work_.push_back(std::move(item));
     wakeIfAsleep();
 }
 
 void SerialQueue::State::enqueueAt(Clock::time_point due, Work item) {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     delayed_.emplace(due, std::move(item));
     wakeIfAsleep();
 }
 
 void SerialQueue::State::add(const std::shared_ptr<SourceState>& source) {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     source->index = sources_.size();
     sources_.push_back(source);
 }
 
 void SerialQueue::State::sourceChanged(const std::shared_ptr<SourceState>& source) {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     changed_.push_back(source);
     wakeIfAsleep();
 }
 
 void SerialQueue::State::end() {
     {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         ended_ = true;
         for (const auto& source : sources_) {
             if (!source->cancelled.exchange(true)) {
@@ -186,7 +186,7 @@ void SerialQueue::State::takeTurn() {
 
 /// The one look at what other threads see.
 void SerialQueue::State::takeOver() {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     if (!delayed_.empty()) {
         const auto now = Clock::now();
         while (!delayed_.empty() && delayed_.begin()->first <= now) {
@@ -215,7 +215,7 @@ void SerialQueue::State::removeFromList(SourceState& source) {
 
 /// How long there is nothing to do: no limit (-1), some time, or for good (the least integer).
 int SerialQueue::State::waitMilliseconds() {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     if (!work_.empty() || !changed_.empty()) {
         return 0;
     }
@@ -362,7 +362,7 @@ void SerialQueue::sync(const Work& work) {
     bool done = false;
     state_->enqueue([&] {
         work();
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         done = true;
         finished.notify_one();
     });

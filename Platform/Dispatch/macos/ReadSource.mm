@@ -42,7 +42,7 @@ void ReadSource::State::retire() noexcept {
 }
 
 void ReadSource::State::resume() {
-    const std::lock_guard lock(mutex);
+    const std::scoped_lock lock(mutex);
     if (cancelled || stage == Stage::running) {
         return;
     }
@@ -54,7 +54,7 @@ void ReadSource::State::resume() {
 }
 
 void ReadSource::State::suspend() {
-    const std::lock_guard lock(mutex);
+    const std::scoped_lock lock(mutex);
     if (!cancelled && stage == Stage::running) {
         stage = Stage::suspended;
         dispatch_suspend(source);
@@ -62,7 +62,7 @@ void ReadSource::State::suspend() {
 }
 
 void ReadSource::State::cancel() {
-    const std::lock_guard lock(mutex);
+    const std::scoped_lock lock(mutex);
     if (std::exchange(cancelled, true)) {
         return;
     }
@@ -96,7 +96,7 @@ void ReadSource::suspend() { state_->suspend(); }
 void ReadSource::cancel() { state_->cancel(); }
 
 bool ReadSource::isCancelled() const {
-    const std::lock_guard lock(state_->mutex);
+    const std::scoped_lock lock(state_->mutex);
     return state_->cancelled;
 }
 

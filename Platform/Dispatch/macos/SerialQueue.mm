@@ -45,7 +45,7 @@ void SerialQueue::State::enqueue(Work item) {
 void SerialQueue::State::enqueueAfter(std::chrono::milliseconds delay, Work item) {
     const auto shared = std::make_shared<Work>(std::move(item));
     {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         delayed_.insert(shared);
     }
     const auto usable = std::clamp(delay, std::chrono::milliseconds::zero(), longestDelay);
@@ -62,7 +62,7 @@ void SerialQueue::State::enqueueAfter(std::chrono::milliseconds delay, Work item
 
 void SerialQueue::State::performDelayed(const std::shared_ptr<Work>& item) {
     {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         if (delayed_.erase(item) == 0) {
             return;
         }
@@ -71,7 +71,7 @@ void SerialQueue::State::performDelayed(const std::shared_ptr<Work>& item) {
 }
 
 void SerialQueue::State::add(const std::shared_ptr<ReadSource::State>& source) {
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     dispatch_group_enter(uncancelled_);
     sources_.emplace(source.get(), source);
 }
@@ -80,7 +80,7 @@ void SerialQueue::State::beginCancelling() { dispatch_group_enter(cancelling_); 
 
 void SerialQueue::State::remove(ReadSource::State& source) {
     {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         sources_.erase(&source);
     }
     dispatch_group_leave(cancelling_);
@@ -92,14 +92,14 @@ void SerialQueue::State::waitForCancelled() { dispatch_group_wait(cancelling_, D
 /// What was delayed is released outside the lock: its destructors may call back.
 void SerialQueue::State::drop() {
     std::unordered_set<std::shared_ptr<Work>> dropped;
-    const std::lock_guard lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     dropped.swap(delayed_);
 }
 
 void SerialQueue::State::end() {
     std::vector<std::shared_ptr<ReadSource::State>> sources;
     {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         for (const auto& [address, weakSource] : sources_) {
             if (auto source = weakSource.lock()) {
                 sources.push_back(std::move(source));

@@ -31,12 +31,12 @@ struct NotificationCenter::State {
     std::unordered_map<NotificationName, Observers> observers;
 
     void add(NotificationName name, std::shared_ptr<Observer> observer) {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         observers[name].push_back(std::move(observer));
     }
 
     void remove(NotificationName name, const std::shared_ptr<Observer>& observer) {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         const auto named = observers.find(name);
         if (named == observers.end()) {
             return;
@@ -48,7 +48,7 @@ struct NotificationCenter::State {
     }
 
     Observers interestedIn(NotificationName name, const void* object) {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         Observers interested;
         if (const auto named = observers.find(name); named != observers.end()) {
             std::ranges::copy_if(named->second, std::back_inserter(interested), [&](const auto& observer) {

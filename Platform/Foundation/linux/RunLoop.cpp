@@ -20,7 +20,7 @@ public:
     }
 
     void push(std::function<void()> callback) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         callbacks_.push_back(std::move(callback));
         // One source for each callback: a callback that runs the loop itself does not hold up those behind
         // it.
@@ -36,7 +36,7 @@ private:
     }
 
     std::function<void()> pop() {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         auto callback = std::move(callbacks_.front());
         callbacks_.pop_front();
         return callback;

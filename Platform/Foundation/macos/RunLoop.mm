@@ -36,7 +36,7 @@ public:
 
     void push(std::function<void()> callback) {
         {
-            const std::lock_guard lock(mutex_);
+            const std::scoped_lock lock(mutex_);
             callbacks_.push_back(std::move(callback));
         }
         signal();
@@ -51,7 +51,7 @@ private:
     void performNext() {
         std::function<void()> callback;
         {
-            const std::lock_guard lock(mutex_);
+            const std::scoped_lock lock(mutex_);
             if (callbacks_.empty()) {
                 return;
             }

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <utility>
 
 namespace Platform {
 
@@ -66,7 +67,7 @@ ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count)
     if (sent < 0 && errno == ENOTSOCK) {
         return writeHoldingBackSignal(descriptor, bytes, count);
     }
-    if (sent > 0 && static_cast<std::size_t>(sent) < count &&
+    if (sent > 0 && std::cmp_less(sent, count) &&
         hasTimedOut(descriptor, std::chrono::steady_clock::now() - begin)) {
         errno = EAGAIN;
         return -1;

@@ -23,6 +23,8 @@ using KeyloftCore::AuthSession;
 using TestSupport::runScript;
 using TestSupport::runUntil;
 
+namespace {
+
 class AuthSessionLifetime : public AuthSessionTest {
 protected:
     /// The engine's own object, which goes when nobody shows it any more.
@@ -49,6 +51,8 @@ protected:
         return g_list_model_get_n_items(toplevels);
     }
 };
+
+} // namespace
 
 TEST_F(AuthSessionLifetime, untilTheCompletionASessionHoldsItself) {
     const std::weak_ptr<AuthSession> weak = startSession();

@@ -131,7 +131,7 @@ ScreenPoint middleOnScreen(GtkWidget* widget) {
 }
 
 GtkWidget* tabOf(Platform::Window& window) {
-    AdwTabPage* page = adw_tab_view_get_page(hostOf(window).tabView(), pageOf(window));
+    const AdwTabPage* page = adw_tab_view_get_page(hostOf(window).tabView(), pageOf(window));
     GtkWidget* tab = find(tabStripOf(window), [page](GtkWidget* widget) {
         if (std::string_view(G_OBJECT_TYPE_NAME(widget)) != "AdwTab")
             return false;

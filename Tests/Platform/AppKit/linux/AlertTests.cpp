@@ -8,6 +8,8 @@ namespace Platform::Tests {
 using TestSupport::runPending;
 using TestSupport::runUntil;
 
+namespace {
+
 class AlertTest : public AppKitTest {
 protected:
     Sheet* sheet() const {
@@ -34,6 +36,8 @@ protected:
 
     std::shared_ptr<RecordingController> controller = RecordingController::create("page");
 };
+
+} // namespace
 
 TEST_F(AlertTest, answersWithTheChosenButtonOnce) {
     show(controller->window());

@@ -9,6 +9,8 @@ namespace Platform::Tests {
 
 using TestSupport::runUntil;
 
+namespace {
+
 /// Several top-levels under a window manager.
 class ApplicationTest : public AppKitTest {
 protected:
@@ -54,6 +56,8 @@ protected:
         return panels;
     }
 };
+
+} // namespace
 
 TEST_F(ApplicationTest, hideMinimisesEveryWindowAndShowAllBringsThemBack) {
     const auto a = open("a");

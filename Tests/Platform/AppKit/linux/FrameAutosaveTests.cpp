@@ -9,6 +9,8 @@ namespace Platform::Tests {
 
 using TestSupport::runUntil;
 
+namespace {
+
 /// Windows with an autosave name under a window manager, on a screen of 1600 by 1200.
 class FrameAutosaveTest : public AppKitTest {
 protected:
@@ -49,6 +51,8 @@ protected:
         return runUntil([&] { return sizeOf(controller) == size; });
     }
 };
+
+} // namespace
 
 TEST_F(FrameAutosaveTest, theFirstWindowHasTheSizeItsMakerGaveIt) {
     const auto controller = openWindow();

@@ -20,8 +20,6 @@ struct Maker : MenuDelegate {
     int updates = 0;
 };
 
-} // namespace
-
 class MenuBarTest : public AppKitTest {
 protected:
     MenuBarTest() {
@@ -83,6 +81,8 @@ protected:
     std::shared_ptr<Maker> maker = std::make_shared<Maker>();
     std::shared_ptr<RecordingController> controller = RecordingController::create("page");
 };
+
+} // namespace
 
 TEST_F(MenuBarTest, aMenuIsMadeWhenItOpensAndNotBefore) {
     show(controller->window());

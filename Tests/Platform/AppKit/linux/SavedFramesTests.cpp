@@ -15,6 +15,8 @@ using TestSupport::runUntil;
 
 namespace fs = std::filesystem;
 
+namespace {
+
 class SavedFramesTest : public testing::Test {
 protected:
     static constexpr const char* name = "Some Window";
@@ -32,6 +34,8 @@ protected:
     fs::path folder = directory.path() / "velde.orvane.keyloft";
     fs::path file = folder / "window-frames";
 };
+
+} // namespace
 
 TEST_F(SavedFramesTest, knowsNothingAtFirstAndMakesNothing) {
     EXPECT_EQ(nextRun().frame(name), std::nullopt);

@@ -9,6 +9,8 @@ namespace Platform::Tests {
 
 using TestSupport::runUntil;
 
+namespace {
+
 /// Three tabs with a field each, the second selected, its field with the keyboard.
 class TabShortcutTest : public AppKitTest {
 protected:
@@ -39,6 +41,8 @@ protected:
     std::vector<std::shared_ptr<TextField>> fields;
     std::shared_ptr<TabHost> host;
 };
+
+} // namespace
 
 TEST_F(TabShortcutTest, controlTabGoesRoundForwards) {
     for (const std::size_t next : {2, 0, 1}) {

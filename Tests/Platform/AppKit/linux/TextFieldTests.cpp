@@ -28,8 +28,6 @@ struct EditRecorder : TextFieldDelegate {
 
 using Events = std::vector<std::string>;
 
-} // namespace
-
 class TextFieldTest : public AppKitTest {
 protected:
     TextFieldTest() {
@@ -61,6 +59,8 @@ protected:
     std::shared_ptr<EditRecorder> edits = std::make_shared<EditRecorder>();
     std::shared_ptr<Recorder> target = std::make_shared<Recorder>();
 };
+
+} // namespace
 
 TEST_F(TextFieldTest, textThatTheProgramSetsBeginsNothing) {
     field->setStringValue("set");

@@ -14,6 +14,8 @@ namespace Platform::Tests {
 using TestSupport::runPending;
 using TestSupport::runUntil;
 
+namespace {
+
 class ViewTest : public AppKitTest {
 protected:
     /// Whether the button answers with a tool tip, and says the text to who cannot see it.
@@ -34,6 +36,8 @@ protected:
         return testing::AssertionSuccess();
     }
 };
+
+} // namespace
 
 TEST_F(ViewTest, hasNoWidgetUntilItsWindowIsShown) {
     const auto window = Window::create({.width = 600, .height = 400}, {});

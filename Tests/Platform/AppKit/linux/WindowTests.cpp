@@ -5,7 +5,11 @@ namespace Platform::Tests {
 
 using TestSupport::runPending;
 
+namespace {
+
 class WindowTest : public AppKitTest {};
+
+} // namespace
 
 TEST_F(WindowTest, contentHasTheSizeAskedForBelowTheMenuBar) {
     const auto menu = Menu::create();

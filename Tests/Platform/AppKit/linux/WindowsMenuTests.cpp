@@ -10,6 +10,8 @@ namespace Platform::Tests {
 using TestSupport::runPending;
 using TestSupport::runUntil;
 
+namespace {
+
 /// A menu bar whose second menu is the application's windows menu.
 class WindowsMenuTest : public AppKitTest {
 protected:
@@ -107,6 +109,8 @@ protected:
 
     std::shared_ptr<Menu> windowsMenu = Menu::create("Window");
 };
+
+} // namespace
 
 TEST_F(WindowsMenuTest, listsEveryTabAndMarksTheMainOne) {
     const auto a = open("a");

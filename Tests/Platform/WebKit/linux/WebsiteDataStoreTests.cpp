@@ -98,6 +98,8 @@ TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
     EXPECT_TRUE(loadPage(*view, "/page"));
 }
 
+namespace {
+
 class NonPersistentWebsiteDataStore : public WebViewTest {
 protected:
     static std::shared_ptr<WebViewConfiguration> configuration() {
@@ -124,6 +126,8 @@ protected:
         EXPECT_EQ(found(view), "kept=yes yes");
     }
 };
+
+} // namespace
 
 TEST_F(NonPersistentWebsiteDataStore, isEachViewsOwn) {
     const auto one = makeView(configuration());
