@@ -158,8 +158,8 @@ TEST_F(WebViewDialog, aScriptThatAsksForeverEndsWithItsView) {
     g_object_add_weak_pointer(G_OBJECT(widget), &widget);
     view.reset();
     ASSERT_TRUE(runUntil([&] { return widget == nullptr; }));
-    // The engine gives it ten seconds.
-    EXPECT_TRUE(runUntil([&] { return webProcesses().size() < before.size(); }, KeyloftTests::patience));
+    // The engine gives it ten seconds, and on a busy machine its end takes much longer.
+    EXPECT_TRUE(runUntil([&] { return webProcesses().size() < before.size(); }, 3 * KeyloftTests::patience));
 }
 
 TEST_F(WebViewDialog, anAnswerAfterTheWebProcessEndedIsHarmless) {
