@@ -46,9 +46,7 @@ BrowserTest::Tab BrowserTest::openTab(const Tab& beside, const Configuration& co
 }
 
 HTTPResponse BrowserTest::heldResponse() {
-    auto response = HTTPResponse::page("held");
-    response.ending = HTTPResponse::Ending::held;
-    return response;
+    return HTTPResponse::page("held").withEnding(HTTPResponse::Ending::held);
 }
 
 HTTPResponse BrowserTest::unfinishedPage(const std::string& title) {

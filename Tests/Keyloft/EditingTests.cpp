@@ -55,11 +55,7 @@ TEST_F(AddressEditingTest, openLocationSelectsTheWholeAddress) {
 }
 
 TEST_F(AddressEditingTest, typedTextOutlivesARedirectAndTabRestoresTheAddress) {
-    server.route("/from", [](const auto& /*request*/) {
-        auto response = HTTPResponse::redirect("/to");
-        response.ending = HTTPResponse::Ending::held;
-        return response;
-    });
+    server.route("/from", HTTPResponse::redirect("/to").withEnding(HTTPResponse::Ending::held));
     server.route("/to", HTTPResponse::page("to"));
     const auto tab = openActiveTab();
     tab->load(serverURL("/from"));

@@ -128,9 +128,7 @@ TEST_F(AuthSessionLoad, isToldWithoutTheURLsEnd) {
 }
 
 TEST_F(AuthSessionLoad, thatFailsEndsTheSession) {
-    HTTPResponse dropped;
-    dropped.ending = HTTPResponse::Ending::dropped;
-    proxy.route(connectTarget, dropped);
+    proxy.route(connectTarget, HTTPResponse().withEnding(HTTPResponse::Ending::dropped));
     const auto session = startSession();
     ASSERT_TRUE(waitForEnding());
     EXPECT_EQ(error().kind(), HostError::Case::internalError);

@@ -29,9 +29,7 @@ bool isSessionLine(const std::string& line) {
 } // namespace
 
 AuthSessionTest::AuthSessionTest() {
-    HTTPResponse held;
-    held.ending = HTTPResponse::Ending::held;
-    proxy.route(connectTarget, held);
+    proxy.route(connectTarget, HTTPResponse().withEnding(HTTPResponse::Ending::held));
     for (const auto* variable : {"http_proxy", "https_proxy"}) {
         setenv(variable, proxy.url("").c_str(), 1);
     }

@@ -123,6 +123,12 @@ HTTPResponse HTTPResponse::redirect(const std::string& location, int status) {
     return {.status = status, .headers = {{"Location", location}}, .body = {}};
 }
 
+HTTPResponse HTTPResponse::withEnding(Ending other) const {
+    auto response = *this;
+    response.ending = other;
+    return response;
+}
+
 class HTTPServer::Implementation {
 public:
     Implementation()

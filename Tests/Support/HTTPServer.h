@@ -48,6 +48,9 @@ struct HTTPResponse {
     /// The same, of this title.
     static HTTPResponse page(const std::string& title);
     static HTTPResponse redirect(const std::string& location, int status = 302);
+
+    /// The same with another end.
+    HTTPResponse withEnding(Ending other) const;
 };
 
 /// A web server on a free port of loopback, on a thread of its own, that answers as the test says. Everything

@@ -32,11 +32,7 @@ protected:
         EXPECT_FALSE(window()->isVisible());
     }
 
-    static HTTPResponse held() {
-        auto response = signInPage;
-        response.ending = HTTPResponse::Ending::held;
-        return response;
-    }
+    static HTTPResponse held() { return signInPage.withEnding(HTTPResponse::Ending::held); }
 };
 
 } // namespace
@@ -143,9 +139,7 @@ TEST_F(SignInEndingTest, aServerThatResetsTheHandshakeEndsIt) {
 }
 
 TEST_F(SignInEndingTest, aServerThatHangsUpEndsIt) {
-    auto dropped = signInPage;
-    dropped.ending = HTTPResponse::Ending::dropped;
-    server->route("/auth/authorize", dropped);
+    server->route("/auth/authorize", signInPage.withEnding(HTTPResponse::Ending::dropped));
     start();
     ASSERT_TRUE(waitForEnding());
     expectFailure("NSURLErrorDomain -1005");

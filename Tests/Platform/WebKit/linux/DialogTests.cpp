@@ -38,9 +38,8 @@ TEST_F(WebViewDialog, anAlertWaitsForItsCompletion) {
 }
 
 TEST_F(WebViewDialog, isThePagesThatIsShownWhileAnotherIsOnItsWay) {
-    auto held = TestSupport::HTTPResponse::page("Held");
-    held.ending = TestSupport::HTTPResponse::Ending::held;
-    server.route("/held", held);
+    using TestSupport::HTTPResponse;
+    server.route("/held", HTTPResponse::page("Held").withEnding(HTTPResponse::Ending::held));
     const auto expectSpeaker = [&](const std::string& path) {
         ui->panels.clear();
         ask("alert('Hello')");

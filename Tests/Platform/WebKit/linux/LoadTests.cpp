@@ -20,11 +20,7 @@ namespace {
 
 class WebViewLoad : public WebViewTest {
 protected:
-    HTTPResponse withEnding(Ending ending) {
-        auto response = HTTPResponse::page("Late");
-        response.ending = ending;
-        return response;
-    }
+    static HTTPResponse withEnding(Ending ending) { return HTTPResponse::page("Late").withEnding(ending); }
 
     const RecordingNavigationDelegate::Failure& failure() const { return navigation->failures.back(); }
 
@@ -82,9 +78,7 @@ TEST_F(WebViewLoad, theFirstLoadCanTimeOutToo) {
 TEST_F(WebViewLoad, theTimeOutBeginsAgainAtARedirect) {
     const auto view = makeView();
     ASSERT_TRUE(loadPage(*view, "/before"));
-    auto redirect = HTTPResponse::redirect("/never");
-    redirect.ending = Ending::held;
-    server.route("/redirect", redirect);
+    server.route("/redirect", HTTPResponse::redirect("/never").withEnding(Ending::held));
     server.route("/never", withEnding(Ending::held));
     const auto begin = std::chrono::steady_clock::now();
     view->load(request(server.url("/redirect"), 1));
@@ -137,9 +131,7 @@ TEST_F(WebViewLoad, aReloadInPlaceOfALoadEndsItsTimeOut) {
     server.route("/never", withEnding(Ending::held));
     view->load(request(server.url("/never"), 2));
     ASSERT_TRUE(runUntil([&] { return server.count("/never") == 1; }));
-    auto slow = HTTPResponse::page("Again");
-    slow.ending = Ending::held;
-    server.route("/page", slow);
+    server.route("/page", HTTPResponse::page("Again").withEnding(Ending::held));
     view->reload();
     ASSERT_TRUE(runUntil([&] { return server.count("/page") == 2; }));
     runFor(2.2);

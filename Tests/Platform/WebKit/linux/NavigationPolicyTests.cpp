@@ -265,8 +265,7 @@ TEST_F(NavigationPolicy, onlyWholePagesAreFinished) {
 }
 
 TEST_F(NavigationPolicy, aLoadTimesOutThoughTheOneBeforeHasNotBegun) {
-    HTTPResponse held;
-    held.ending = HTTPResponse::Ending::held;
+    const auto held = HTTPResponse().withEnding(HTTPResponse::Ending::held);
     server.route("/first", held);
     server.route("/second", held);
     ASSERT_TRUE(loadPage(*view, "/before"));

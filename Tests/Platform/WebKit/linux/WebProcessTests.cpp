@@ -100,9 +100,7 @@ TEST_F(WebProcess, aPageWithoutATitleLosesTheOldOneWhenItComesBack) {
 
 TEST_F(WebProcess, aFirstLoadThatWasInterruptedIsBegunAgain) {
     window->show();
-    auto held = HTTPResponse::page("/held");
-    held.ending = Ending::held;
-    server.route("/held", held);
+    server.route("/held", HTTPResponse::page("/held").withEnding(Ending::held));
     view->load(request(server.url("/held")));
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
     endProcess();
@@ -117,9 +115,7 @@ TEST_F(WebProcess, aFirstLoadThatWasInterruptedIsBegunAgain) {
 TEST_F(WebProcess, aLaterLoadThatWasInterruptedIsBegunAgain) {
     window->show();
     ASSERT_TRUE(loadPage(*view, "/page"));
-    auto held = HTTPResponse::page("/held");
-    held.ending = Ending::held;
-    server.route("/held", held);
+    server.route("/held", HTTPResponse::page("/held").withEnding(Ending::held));
     view->load(request(server.url("/held")));
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
     endProcess();
