@@ -217,8 +217,6 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
 
     double timeoutInterval = 0;
     std::shared_ptr<Timer> timeout;
-    /// The time was up between the engine's question and the load's start.
-    bool isOverdue = false;
     /// The time was up and the engine's cancellation has not come yet.
     std::shared_ptr<Timer> stopTimer;
 
@@ -366,7 +364,6 @@ void WebView::Engine::endNavigation() {
     phase = Phase::idle;
     loadedURI.reset();
     timeout.reset();
-    isOverdue = false;
     stoppedURI.reset();
 }
 
@@ -400,7 +397,6 @@ void WebView::Engine::stop() {
     if (phase == Phase::requested && (isLoading || loadedURI))
         stoppedURI = requestedURI();
     timeout.reset();
-    isOverdue = false;
     webkit_web_view_stop_loading(view.get());
 }
 
@@ -421,7 +417,8 @@ void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gp
             engine.shownURL = engine.url;
         engine.phase = Phase::started;
         engine.fresh = false;
-        if (std::exchange(engine.isOverdue, false))
+        // The time was up between the engine's question and now.
+        if (engine.timeout && !engine.timeout->isValid())
             engine.timedOut();
         break;
     case WEBKIT_LOAD_REDIRECTED:
@@ -570,10 +567,8 @@ void WebView::Engine::startTimeout() {
 }
 
 void WebView::Engine::timedOut() {
-    if (!isLoading && phase != Phase::requested) {
-        isOverdue = phase == Phase::decided;
+    if (!isLoading && phase != Phase::requested)
         return;
-    }
     const auto failingURL = loadedURI;
     const bool willFail = phase == Phase::started;
     stop();
