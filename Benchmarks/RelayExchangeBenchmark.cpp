@@ -1,9 +1,10 @@
 // A whole exchange through the relay (connect, request, reply, close) beside the same bytes in plain system
 // calls.
 //
-// The plain exchange is written twice: with nothing but the bytes, and with what the relay owes its users on
-// top (whose process the peer is, how long a reply may take to be written and read), so that the price of the
-// promises and the price of the library can be told apart.
+// The plain exchange is written three times: with nothing but the bytes; with what the relay owes its users
+// on top (whose process the peer is, how long a reply may take to be written and read); and with that by a
+// server that waits for all its peers at once, as the relay's has to, instead of for one. So the price of the
+// promises, that of serving more than one peer and that of the library can be told apart.
 //
 // The servers run in processes of their own; the client, in this one, turns from one to the other in short
 // blocks, so that whatever else the machine does meets all alike. Prints medians, 99th percentiles, exchanges
@@ -19,6 +20,8 @@
 #include "Tests/Support/Present.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -39,6 +42,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -174,14 +178,19 @@ void setTimeout(int descriptor, int option, int seconds) {
     setsockopt(descriptor, SOL_SOCKET, option, &limit, sizeof limit);
 }
 
-[[noreturn]] void serveBare(const std::string& path, const std::string& request, const std::string& reply,
-                            Checks checks, const std::function<void()>& ready) {
+int listeningSocket(const std::string& path) {
     const int listening = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     require(listening >= 0, "socket");
     const auto address = addressOf(path);
     require(bind(listening, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "bind");
     // The relay's own backlog: with another one the two would not be asked the same.
     require(listen(listening, 4) == 0, "listen");
+    return listening;
+}
+
+[[noreturn]] void serveBare(const std::string& path, const std::string& request, const std::string& reply,
+                            Checks checks, const std::function<void()>& ready) {
+    const int listening = listeningSocket(path);
     ready();
     // On a thread of its own, as the relay's host has others to do.
     std::thread([&] {
@@ -199,6 +208,42 @@ void setTimeout(int descriptor, int option, int seconds) {
                 writeFully(connection, reply);
             }
             close(connection);
+        }
+    }).join();
+    std::_Exit(1);
+}
+
+/// The same in plain calls, but no peer keeps another waiting.
+[[noreturn]] void servePolled(const std::string& path, const std::string& request, const std::string& reply,
+                              const std::function<void()>& ready) {
+    const int listening = listeningSocket(path);
+    const int wake = eventfd(0, EFD_CLOEXEC);
+    require(wake >= 0, "eventfd");
+    ready();
+    std::thread([&] {
+        std::string buffer(request.size(), '\0');
+        std::vector<pollfd> polled{{.fd = wake, .events = POLLIN, .revents = 0},
+                                   {.fd = listening, .events = POLLIN, .revents = 0}};
+        for (;;) {
+            require(poll(polled.data(), polled.size(), -1) > 0, "poll");
+            for (std::size_t index = polled.size(); --index > 1;) {
+                if (polled[index].revents == 0) {
+                    continue;
+                }
+                // The request is small: it comes as a whole.
+                const int connection = polled[index].fd;
+                if (read(connection, buffer.data(), buffer.size()) == std::ssize(buffer)) {
+                    writeFully(connection, reply);
+                }
+                close(connection);
+                polled[index] = polled.back();
+                polled.pop_back();
+            }
+            if (polled[1].revents != 0) {
+                const int connection = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
+                require(connection >= 0 && isOwnUser(connection), "peer");
+                polled.push_back({.fd = connection, .events = POLLIN, .revents = 0});
+            }
         }
     }).join();
     std::_Exit(1);
@@ -303,6 +348,7 @@ void compare(int rounds) {
     const std::string replyFrame = KeyloftCore::NativeMessageFrame::encode(reply);
     const std::string barePath = directory + "/bare.sock";
     const std::string checkedPath = directory + "/checked.sock";
+    const std::string polledPath = directory + "/polled.sock";
     const std::string relayPath = directory + "/relay.sock";
     const std::string hostPath = directory + "/host.sock";
 
@@ -312,6 +358,8 @@ void compare(int rounds) {
         const ServerProcess checked([&](const auto& ready) {
             serveBare(checkedPath, requestFrame, replyFrame, Checks::sameAsRelay, ready);
         });
+        const ServerProcess polled(
+            [&](const auto& ready) { servePolled(polledPath, requestFrame, replyFrame, ready); });
         const ServerProcess relay([&](const auto& ready) {
             serveRelay(relayPath, [&](const std::string&, const auto& answer) { answer(reply); }, ready);
         });
@@ -330,6 +378,9 @@ void compare(int rounds) {
             Contender(
                 "plain, checked", checked,
                 [&] { exchangeBare(checkedPath, requestFrame, replyFrame.size(), Checks::sameAsRelay); }),
+            Contender(
+                "plain, checked, polled", polled,
+                [&] { exchangeBare(polledPath, requestFrame, replyFrame.size(), Checks::sameAsRelay); }),
             Contender("relay", relay, [&] { exchangeRelay(relayPath, request, reply.size()); }),
             Contender("relay, message judged", host, [&] { exchangeRelay(hostPath, request, reply.size()); }),
         };

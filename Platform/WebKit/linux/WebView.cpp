@@ -13,10 +13,12 @@
 #include "Platform/WebKit/linux/SafeAnswers.h"
 #include "Platform/WebKit/linux/ScriptDialog.h"
 #include "Platform/WebKit/linux/UserContentControllerNative.h"
+#include "Platform/WebKit/linux/WebProcessPlace.h"
 #include "Platform/WebKit/linux/WebViewConfigurationNative.h"
 
 #include <webkit/webkit.h>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 #include <vector>
@@ -108,7 +110,7 @@ gboolean releaseLater(gpointer /*view*/) { return G_SOURCE_REMOVE; }
 
 /// What connects the view with the engine's widget. It ends with the view, and all its handlers with it; the
 /// widget may live on while the toolkit holds it.
-struct WebView::Engine : std::enable_shared_from_this<Engine> {
+struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessUser {
     Engine(WebView& owner, WebViewConfiguration& configuration);
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
@@ -147,10 +149,12 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     void updateIsLoading();
     void updateHistory();
 
-    void beginNavigation();
+    void replaceNavigation();
+    void begin(std::function<void()> navigation);
+    void navigate(std::function<void()> navigation);
     std::optional<std::string> requestedURI() const;
     void endNavigation();
-    void load(const URLRequest& request);
+    void load(std::string uri);
     void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);
     void reload();
     void stop();
@@ -164,8 +168,12 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     void timedOut();
     void report(WebKitLoadEvent event, const Error& error);
 
+    bool isVisible() const override;
+    bool mayGiveWay() const override;
+    void giveWay() override;
     void recover();
-    void recoverIfVisible();
+    void catchUpIfVisible();
+    void catchUpSoon();
     void prewarm();
     void updateGestures();
 
@@ -179,6 +187,7 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     static void closed(WebKitWebView*, gpointer data);
     static void webProcessTerminated(WebKitWebView*, WebKitWebProcessTerminationReason reason, gpointer data);
     static void mapped(GtkWidget* widget, gpointer data);
+    static void unmapped(GtkWidget*, gpointer data);
     static void painted(GdkFrameClock* clock, gpointer data);
 
     WebView& owner;
@@ -220,6 +229,8 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
     /// The time was up and the engine's cancellation has not come yet.
     std::shared_ptr<Timer> stopTimer;
 
+    WebProcessPlace place;
+    bool isGivingWay = false;
     /// The web process ended and nothing was loaded since.
     bool processEnded = false;
     bool reloadsWhenVisible = false;
@@ -233,7 +244,8 @@ struct WebView::Engine : std::enable_shared_from_this<Engine> {
 
 WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
     : owner(owner)
-    , view(makeWebKitView(configuration)) {
+    , view(makeWebKitView(configuration))
+    , place(*this) {
     const auto notified = [this](const char* property,
                                  void (*callback)(WebKitWebView*, GParamSpec*, gpointer)) {
         connect(view.get(), property, callback);
@@ -274,6 +286,7 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
     connect(view.get(), "close", &closed);
     connect(view.get(), "web-process-terminated", &webProcessTerminated);
     connect(view.get(), "map", &mapped);
+    connect(view.get(), "unmap", &unmapped);
     notified("notify::root", [](WebKitWebView*, GParamSpec*, gpointer data) {
         static_cast<Engine*>(data)->updateGestures();
     });
@@ -328,9 +341,10 @@ void WebView::Engine::updateTitle() {
 
 void WebView::Engine::updateIsLoading() {
     const bool now = webkit_web_view_is_loading(view.get());
-    if (now)
+    if (now) {
         processEnded = false;
-    else if (phase != Phase::requested) // or it is the navigation before that is given up
+        interruptedURI.reset();
+    } else if (phase != Phase::requested) // or it is the navigation before that is given up
         endNavigation();
     update(isLoading, now, Property::isLoading);
 }
@@ -344,7 +358,7 @@ void WebView::Engine::updateHistory() {
 // Navigation
 
 /// The program asks for a navigation, which replaces the one under way.
-void WebView::Engine::beginNavigation() {
+void WebView::Engine::replaceNavigation() {
     if (phase == Phase::idle)
         shownURL = url;
     endNavigation();
@@ -354,6 +368,22 @@ void WebView::Engine::beginNavigation() {
     reloadsWhenVisible = false;
     fresh = false;
     phase = Phase::requested;
+}
+
+/// Once there is a web process for it.
+void WebView::Engine::begin(std::function<void()> navigation) {
+    place.begin([this, navigation = std::move(navigation)] {
+        const auto kept = keep();
+        navigation();
+    });
+    // Not at once: of many tabs that are opened together each is in sight, until the next one is.
+    if (place.isWaiting())
+        catchUpSoon();
+}
+
+void WebView::Engine::navigate(std::function<void()> navigation) {
+    replaceNavigation();
+    begin(std::move(navigation));
 }
 
 std::optional<std::string> WebView::Engine::requestedURI() const {
@@ -367,31 +397,41 @@ void WebView::Engine::endNavigation() {
     stoppedURI.reset();
 }
 
-void WebView::Engine::load(const URLRequest& request) {
-    beginNavigation();
-    loadedURI = engineText(request.url);
-    timeoutInterval = request.timeoutInterval;
-    startTimeout();
-    webkit_web_view_load_uri(view.get(), request.url.absoluteString().c_str());
+void WebView::Engine::load(std::string uri) {
+    replaceNavigation();
+    loadedURI = std::move(uri);
+    begin([this, requested = *loadedURI] {
+        startTimeout();
+        webkit_web_view_load_uri(view.get(), requested.c_str());
+    });
+    if (place.isWaiting())
+        update(url, URL::fromString(*loadedURI), Property::url);
 }
 
 void WebView::Engine::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
-    beginNavigation();
-    ownPageURI = baseURL ? engineText(*baseURL) : blankURI;
-    webkit_web_view_load_html(view.get(), html.c_str(),
-                              baseURL ? baseURL->absoluteString().c_str() : nullptr);
+    navigate([this, html, baseURL] {
+        ownPageURI = baseURL ? engineText(*baseURL) : blankURI;
+        webkit_web_view_load_html(view.get(), html.c_str(),
+                                  baseURL ? baseURL->absoluteString().c_str() : nullptr);
+    });
 }
 
 void WebView::Engine::reload() {
-    if (processEnded) {
-        recover();
+    if (place.isWaiting())
         return;
-    }
-    beginNavigation();
-    webkit_web_view_reload(view.get());
+    if (processEnded)
+        recover();
+    else
+        navigate([this] { webkit_web_view_reload(view.get()); });
 }
 
 void WebView::Engine::stop() {
+    if (place.isWaiting()) {
+        place.stopWaiting();
+        endNavigation();
+        update(url, shownURL, Property::url);
+        return;
+    }
     // Before the engine has asked about the navigation it only forgets it, and would report it as loading for
     // good.
     if (phase == Phase::requested && (isLoading || loadedURI))
@@ -405,6 +445,7 @@ void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gp
     const auto kept = engine.keep();
     if (!kept)
         return;
+    engine.place.started();
     switch (event) {
     case WEBKIT_LOAD_STARTED:
         // The engine asks about a load before it starts it: this is still the navigation before.
@@ -456,6 +497,7 @@ gboolean WebView::Engine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     const auto kept = engine.keep();
     if (!kept || type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE)
         return FALSE;
+    engine.place.started();
     const auto question = std::make_shared<NavigationQuestion>(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     if (type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
         engine.ask(question, false);
@@ -608,6 +650,7 @@ GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationActi
     if (child->configuration_ != configuration)
         fatalError("A page's new window must be shown by a view made with the configuration supplied for it");
     child->engine_->fresh = false;
+    child->engine_->place.share(engine.place);
     // Borrowed: the emission takes a reference over, and gives the engine one that it never gives back.
     return GTK_WIDGET(child->engine_->view.get());
 }
@@ -649,9 +692,13 @@ void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
     const auto kept = engine.keep();
     if (!kept)
         return;
-    const auto now = Clock::now();
-    const bool again = engine.lastProcessEnd && now - *engine.lastProcessEnd < processEndsInARow;
-    engine.lastProcessEnd = now;
+    engine.place.leave();
+    bool again = false;
+    if (!engine.isGivingWay) {
+        const auto now = Clock::now();
+        again = engine.lastProcessEnd && now - *engine.lastProcessEnd < processEndsInARow;
+        engine.lastProcessEnd = now;
+    }
     engine.processEnded = true;
     engine.stopTimer.reset();
     // Nothing is committed yet that a reload could bring back.
@@ -666,39 +713,62 @@ void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
     engine.endNavigation();
     engine.reloadsWhenVisible = !again && engine.url;
     // The engine is about to forget the page; only then can it be told to bring it back.
-    RunLoop::main().perform([weak = engine.weak_from_this()] {
+    engine.catchUpSoon();
+}
+
+bool WebView::Engine::isVisible() const { return gtk_widget_get_mapped(GTK_WIDGET(view.get())) == TRUE; }
+
+bool WebView::Engine::mayGiveWay() const {
+    return !isVisible() && !webkit_web_view_is_playing_audio(view.get()) &&
+           std::ranges::all_of(dialogs, [](const auto& dialog) { return dialog.expired(); });
+}
+
+void WebView::Engine::giveWay() {
+    const auto kept = keep();
+    if (!kept)
+        return;
+    isGivingWay = true;
+    webkit_web_view_terminate_web_process(view.get());
+    isGivingWay = false;
+}
+
+void WebView::Engine::catchUpSoon() {
+    RunLoop::main().perform([weak = weak_from_this()] {
         if (const auto engine = weak.lock())
-            engine->recoverIfVisible();
+            engine->catchUpIfVisible();
     });
 }
 
-void WebView::Engine::recoverIfVisible() {
+/// Loads what had to wait until somebody looks.
+void WebView::Engine::catchUpIfVisible() {
     const auto kept = keep();
-    if (kept && processEnded && reloadsWhenVisible && gtk_widget_get_mapped(GTK_WIDGET(view.get())))
+    if (!kept || !isVisible())
+        return;
+    if (processEnded && reloadsWhenVisible)
         recover();
+    place.cutIn();
 }
 
 void WebView::Engine::recover() {
-    const auto interrupted = std::exchange(interruptedURI, std::nullopt);
-    beginNavigation();
-    if (interrupted)
-        webkit_web_view_load_uri(view.get(), interrupted->c_str());
+    if (interruptedURI)
+        load(*interruptedURI);
     else
-        webkit_web_view_reload(view.get());
+        navigate([this] { webkit_web_view_reload(view.get()); });
 }
 
 void WebView::Engine::mapped(GtkWidget* widget, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
-    if (engine.reloadsWhenVisible) {
-        RunLoop::main().perform([weak = engine.weak_from_this()] {
-            if (const auto engine = weak.lock())
-                engine->recoverIfVisible();
-        });
-    }
+    engine.place.seen();
+    if (engine.reloadsWhenVisible || engine.place.isWaiting())
+        engine.catchUpSoon();
     if (engine.fresh) {
         engine.paintConnection =
             SignalConnection(gtk_widget_get_frame_clock(widget), "after-paint", G_CALLBACK(painted), data);
     }
+}
+
+void WebView::Engine::unmapped(GtkWidget* /*widget*/, gpointer data) {
+    static_cast<Engine*>(data)->place.seen();
 }
 
 void WebView::Engine::painted(GdkFrameClock* /*clock*/, gpointer data) {
@@ -714,8 +784,15 @@ void WebView::Engine::painted(GdkFrameClock* /*clock*/, gpointer data) {
 /// Once the window stands it is started all the same, while the user still types the address: a script that
 /// does nothing needs one, and touches neither history nor properties.
 void WebView::Engine::prewarm() {
-    if (std::exchange(fresh, false))
-        webkit_web_view_evaluate_javascript(view.get(), "1", -1, nullptr, nullptr, nullptr, nullptr, nullptr);
+    if (!std::exchange(fresh, false) || !place.takeNow())
+        return;
+    const auto answered = [](GObject*, GAsyncResult*, gpointer data) {
+        const std::unique_ptr<std::weak_ptr<Engine>> weak(static_cast<std::weak_ptr<Engine>*>(data));
+        if (const auto engine = weak->lock())
+            engine->place.started();
+    };
+    webkit_web_view_evaluate_javascript(view.get(), "1", -1, nullptr, nullptr, nullptr, answered,
+                                        std::make_unique<std::weak_ptr<Engine>>(weak_from_this()).release());
 }
 
 /// For the gestures the engine takes a picture of each page that is left, and crashes where there is no
@@ -781,7 +858,8 @@ Observation WebView::observe(Property property, std::function<void()> changed) {
 void WebView::load(const URLRequest& request) {
     assertMainThread("WebView::load");
     const auto kept = shared_from_this();
-    engine_->load(request);
+    engine_->timeoutInterval = request.timeoutInterval;
+    engine_->load(engineText(request.url));
 }
 
 void WebView::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
@@ -807,8 +885,7 @@ void WebView::goBack() {
     const auto kept = shared_from_this();
     if (!engine_->canGoBack)
         return;
-    engine_->beginNavigation();
-    webkit_web_view_go_back(engine_->view.get());
+    engine_->navigate([view = engine_->view] { webkit_web_view_go_back(view.get()); });
 }
 
 void WebView::goForward() {
@@ -816,8 +893,7 @@ void WebView::goForward() {
     const auto kept = shared_from_this();
     if (!engine_->canGoForward)
         return;
-    engine_->beginNavigation();
-    webkit_web_view_go_forward(engine_->view.get());
+    engine_->navigate([view = engine_->view] { webkit_web_view_go_forward(view.get()); });
 }
 
 void WebView::setAllowsBackForwardNavigationGestures(bool allows) {

@@ -13,8 +13,10 @@ template <typename Condition>
 [[nodiscard]] bool runUntil(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
     constexpr guint pollInterval = 5;
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    const guint poll =
-        g_timeout_add(pollInterval, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    // Behind all else: a condition that takes its time must not keep idle sources from their turn.
+    const guint poll = g_timeout_add_full(
+        G_PRIORITY_LOW + 1, pollInterval, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr,
+        nullptr);
     bool holds = condition();
     while (!holds && std::chrono::steady_clock::now() < deadline) {
         g_main_context_iteration(nullptr, TRUE);

@@ -1,7 +1,12 @@
+#include "Platform/WebKit/linux/WebProcessPlace.h"
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
+#include "Tests/Support/Setting.h"
 #include "Tests/Support/WebProcesses.h"
 
+#include <cstddef>
+
 using namespace Platform;
+using KeyloftTests::Setting;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 using TestSupport::webProcesses;
@@ -125,6 +130,23 @@ TEST_F(WebProcess, aLaterLoadThatWasInterruptedIsBegunAgain) {
     EXPECT_TRUE(view->canGoBack());
 }
 
+TEST_F(WebProcess, aLoadThatWasInterruptedTwiceIsBegunAgainByAReload) {
+    window->show();
+    server.route("/held", HTTPResponse::page("/held").withEnding(Ending::held));
+    view->load(request(server.url("/held")));
+    for (const auto times : {1U, 2U}) {
+        ASSERT_TRUE(runUntil([&] { return server.count("/held") == times; }));
+        endProcess();
+    }
+    runFor(0.3);
+    EXPECT_EQ(server.count("/held"), 2U);
+    EXPECT_EQ(urlOf(*view), server.url("/held"));
+    view->reload();
+    ASSERT_TRUE(runUntil([&] { return server.count("/held") == 3; }));
+    server.release("/held");
+    EXPECT_TRUE(waitForTitle(*view, "/held"));
+}
+
 TEST_F(WebProcess, aPageThatWasHalfThereComesBack) {
     window->show();
     ASSERT_TRUE(loadPage(*view, "/page"));
@@ -181,4 +203,171 @@ TEST_F(WebProcess, isStartedForAnEmptyViewOnceItIsShown) {
 TEST_F(WebProcess, isNotStartedForAViewThatIsNotShown) {
     runFor(0.2);
     EXPECT_TRUE(webProcesses().empty());
+}
+
+TEST_F(WebProcess, areStartedOneAfterTheOtherForPagesOutOfSight) {
+    std::vector<std::shared_ptr<WebView>> views = {view, makeView(), makeView()};
+    for (std::size_t i = 0; i < views.size(); ++i) {
+        server.route("/" + std::to_string(i), HTTPResponse::page(std::to_string(i)));
+        views[i]->load(request(server.url("/" + std::to_string(i))));
+    }
+    EXPECT_STREQ(webkit_web_view_get_uri(widgetOf(*views[0])), server.url("/0").c_str());
+    for (const auto i : {1U, 2U}) {
+        EXPECT_EQ(webkit_web_view_get_uri(widgetOf(*views[i])), nullptr) << "it is not begun";
+        EXPECT_EQ(urlOf(*views[i]), server.url("/" + std::to_string(i))) << "yet this is what it shows";
+    }
+    for (std::size_t i = 0; i < views.size(); ++i)
+        EXPECT_TRUE(waitForTitle(*views[i], std::to_string(i)));
+}
+
+TEST_F(WebProcess, isStartedOutOfTurnForAPageThatIsSeen) {
+    const Setting limit(webProcessLimit, std::size_t(1));
+    const auto first = makeView();
+    ASSERT_TRUE(loadPage(*first, "/first"));
+    const auto waiting = makeView();
+    waiting->load(request(server.url("/waiting")));
+    window->show();
+    ASSERT_TRUE(loadPage(*view, "/page"));
+    EXPECT_EQ(server.count("/waiting"), 0U);
+}
+
+TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThePageIsSeen) {
+    const Setting limit(webProcessLimit, std::size_t(1));
+    const auto first = makeView();
+    ASSERT_TRUE(loadPage(*first, "/first"));
+    server.route("/page", HTTPResponse::page("/page"));
+    view->load(request(server.url("/page"), 0.1));
+    EXPECT_EQ(urlOf(*view), server.url("/page"));
+    runFor(0.4);
+    EXPECT_EQ(server.count("/page"), 0U);
+    EXPECT_EQ(urlOf(*view), server.url("/page"));
+    EXPECT_FALSE(view->isLoading());
+    EXPECT_TRUE(navigation->failures.empty()) << "the time to wait for an answer begins with the load";
+    server.route("/page", HTTPResponse::page("/page").withEnding(Ending::held));
+    window->show();
+    EXPECT_TRUE(waitForFailures(1));
+}
+
+TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThereIsRoom) {
+    const Setting limit(webProcessLimit, std::size_t(1));
+    auto first = makeView();
+    ASSERT_TRUE(loadPage(*first, "/first"));
+    server.route("/page", HTTPResponse::page("/page"));
+    view->load(request(server.url("/page")));
+    runFor(0.2);
+    EXPECT_EQ(server.count("/page"), 0U);
+    first.reset();
+    EXPECT_TRUE(waitForLoad("/page", 1));
+}
+
+TEST_F(WebProcess, isStartedForTheLastPageThatAWaitingViewWasAskedFor) {
+    const Setting limit(webProcessLimit, std::size_t(0));
+    for (const std::string path : {"/one", "/two"}) {
+        server.route(path, HTTPResponse::page(path));
+        view->load(request(server.url(path)));
+        EXPECT_EQ(urlOf(*view), server.url(path));
+    }
+    window->show();
+    EXPECT_TRUE(waitForLoad("/two", 1));
+    EXPECT_EQ(server.count("/one"), 0U);
+}
+
+TEST_F(WebProcess, isNotStartedForAWaitingPageThatWasStopped) {
+    const Setting limit(webProcessLimit, std::size_t(0));
+    view->load(request(server.url("/page")));
+    std::vector<std::string> urls;
+    const auto url = view->observe(Property::url, [&] { urls.push_back(urlOf(*view)); });
+    view->stopLoading();
+    EXPECT_EQ(urls, std::vector<std::string>{""});
+    window->show();
+    runFor(0.2);
+    EXPECT_TRUE(webProcesses().empty());
+    EXPECT_TRUE(loadPage(*view, "/other"));
+    EXPECT_EQ(server.count("/page"), 0U);
+}
+
+TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
+    const Setting limit(webProcessLimit, std::size_t(2));
+    const auto unseen = makeView();
+    ASSERT_TRUE(loadPage(*unseen, "/unseen"));
+    ASSERT_TRUE(loadPage(*view, "/seen"));
+    window->show();
+    window->hide();
+    const auto third = makeView();
+    TestWindow thirdWindow(*third);
+    thirdWindow.show();
+    ASSERT_TRUE(loadPage(*third, "/third"));
+    EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; }));
+    EXPECT_EQ(evaluate(*view, "document.title"), "/seen");
+    EXPECT_EQ(urlOf(*unseen), server.url("/unseen"));
+    EXPECT_EQ(unseen->title(), "/unseen");
+}
+
+TEST_F(WebProcess, thatGaveWayIsStartedAgainEachTimeThePageIsSeen) {
+    const Setting limit(webProcessLimit, std::size_t(1));
+    ASSERT_TRUE(loadPage(*view, "/one"));
+    const auto other = makeView();
+    TestWindow otherWindow(*other);
+    otherWindow.show();
+    ASSERT_TRUE(loadPage(*other, "/two"));
+    otherWindow.hide();
+    for (std::size_t times = 2; times < 4; ++times) {
+        window->show();
+        EXPECT_TRUE(waitForLoad("/one", times));
+        window->hide();
+        otherWindow.show();
+        EXPECT_TRUE(runUntil([&] { return server.count("/two") == times; }));
+        EXPECT_TRUE(waitForTitle(*other, "/two"));
+        otherWindow.hide();
+    }
+    EXPECT_TRUE(runUntil([] { return webProcesses().size() == 1; }));
+}
+
+TEST_F(WebProcess, ofAPageThatIsSeenGivesNoWay) {
+    const Setting limit(webProcessLimit, std::size_t(1));
+    window->show();
+    ASSERT_TRUE(loadPage(*view, "/one"));
+    const auto other = makeView();
+    TestWindow otherWindow(*other);
+    otherWindow.show();
+    ASSERT_TRUE(loadPage(*other, "/two"));
+    EXPECT_EQ(webProcesses().size(), 2U);
+    EXPECT_EQ(evaluate(*view, "document.title"), "/one");
+}
+
+TEST_F(WebProcess, ofAPageWithAnOpenPanelGivesNoWay) {
+    const Setting limit(webProcessLimit, std::size_t(1));
+    ASSERT_TRUE(loadPage(*view, "/one"));
+    run(*view, "alert('stay')");
+    ASSERT_TRUE(runUntil([&] { return ui->panels.size() == 1; }));
+    const auto other = makeView();
+    TestWindow otherWindow(*other);
+    otherWindow.show();
+    ASSERT_TRUE(loadPage(*other, "/two"));
+    ui->panels[0].alert();
+    EXPECT_EQ(evaluate(*view, "document.title"), "/one");
+}
+
+TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
+    const Setting limit(webProcessLimit, std::size_t(1));
+    window->show();
+    ASSERT_TRUE(loadPage(*view, "/opener"));
+    server.route("/child", HTTPResponse::page("/child"));
+    std::shared_ptr<WebView> child;
+    ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
+    run(*view, "window.open('/child')");
+    ASSERT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
+    const auto other = makeView();
+    TestWindow otherWindow(*other);
+    otherWindow.show();
+    ASSERT_TRUE(loadPage(*other, "/two"));
+    EXPECT_EQ(evaluate(*child, "document.title"), "/child");
+    window->hide();
+    otherWindow.hide();
+    const auto last = makeView();
+    TestWindow lastWindow(*last);
+    lastWindow.show();
+    ASSERT_TRUE(loadPage(*last, "/last"));
+    EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the two pages give way together";
+    EXPECT_EQ(evaluate(*other, "document.title"), "/two");
 }
