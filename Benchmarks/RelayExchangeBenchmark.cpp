@@ -6,10 +6,12 @@
 // server that waits for all its peers at once, as the relay's has to, instead of for one. So the price of the
 // promises, that of serving more than one peer and that of the library can be told apart.
 //
-// The servers run in processes of their own; the client, in this one, turns from one to the other in short
-// blocks, so that whatever else the machine does meets all alike. Prints medians, 99th percentiles, exchanges
-// a second and their ratios. On one processor (taskset -c 0) the medians hardly vary; on several, where the
-// scheduler happens to put a server's thread can outweigh everything else.
+// The servers run in processes of their own; the clients, in this one, turn from one to the other in short
+// blocks, each time in another order, so that whatever else the machine does meets all alike. Prints medians,
+// 99th percentiles, exchanges a second and their ratios.
+//
+// Servers and clients are kept on a processor each, for where the scheduler happens to put a thread can
+// outweigh everything else. With one processor (taskset -c 0) they share it.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -21,6 +23,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/eventfd.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -43,6 +46,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -119,16 +123,37 @@ sockaddr_un addressOf(const std::string& path) {
     return address;
 }
 
-/// Starts `serve` in a process of its own and waits until it says that it is ready.
+void stayOn(int processor) {
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    CPU_SET(processor, &set);
+    require(sched_setaffinity(0, sizeof set, &set) == 0, "sched_setaffinity");
+}
+
+/// The processors that this process may use.
+std::vector<int> processors() {
+    cpu_set_t set;
+    require(sched_getaffinity(0, sizeof set, &set) == 0, "sched_getaffinity");
+    std::vector<int> result;
+    for (int processor = 0; processor < CPU_SETSIZE; ++processor) {
+        if (CPU_ISSET(processor, &set)) {
+            result.push_back(processor);
+        }
+    }
+    return result;
+}
+
+/// Starts `serve` on a processor in a process of its own and waits until it says that it is ready.
 class ServerProcess {
 public:
-    explicit ServerProcess(const std::function<void(const std::function<void()>& ready)>& serve) {
+    ServerProcess(int processor, const std::function<void(const std::function<void()>& ready)>& serve) {
         std::array<int, 2> ends = {};
         require(pipe2(ends.data(), O_CLOEXEC) == 0, "pipe2");
         process_ = fork();
         require(process_ >= 0, "fork");
         if (process_ == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
+            stayOn(processor);
             serve([&] { require(write(ends[1], "x", 1) == 1, "write"); });
             std::_Exit(1);
         }
@@ -352,18 +377,24 @@ void compare(int rounds) {
     const std::string relayPath = directory + "/relay.sock";
     const std::string hostPath = directory + "/host.sock";
 
+    const auto allowed = processors();
+    const int clientsPlace = allowed.front();
+    const int serversPlace = allowed.back();
+    stayOn(clientsPlace);
     {
-        const ServerProcess bare(
-            [&](const auto& ready) { serveBare(barePath, requestFrame, replyFrame, Checks::none, ready); });
-        const ServerProcess checked([&](const auto& ready) {
+        const ServerProcess bare(serversPlace, [&](const auto& ready) {
+            serveBare(barePath, requestFrame, replyFrame, Checks::none, ready);
+        });
+        const ServerProcess checked(serversPlace, [&](const auto& ready) {
             serveBare(checkedPath, requestFrame, replyFrame, Checks::sameAsRelay, ready);
         });
-        const ServerProcess polled(
-            [&](const auto& ready) { servePolled(polledPath, requestFrame, replyFrame, ready); });
-        const ServerProcess relay([&](const auto& ready) {
+        const ServerProcess polled(serversPlace, [&](const auto& ready) {
+            servePolled(polledPath, requestFrame, replyFrame, ready);
+        });
+        const ServerProcess relay(serversPlace, [&](const auto& ready) {
             serveRelay(relayPath, [&](const std::string&, const auto& answer) { answer(reply); }, ready);
         });
-        const ServerProcess host([&](const auto& ready) {
+        const ServerProcess host(serversPlace, [&](const auto& ready) {
             serveRelay(
                 hostPath,
                 [pending = pendingRequest()](const std::string& message, const auto& answer) {
@@ -389,23 +420,31 @@ void compare(int rounds) {
             contender.microseconds.clear();
             contender.serverMicroseconds = 0;
         }
+        std::mt19937 random(1);
+        std::vector<Contender*> order;
+        for (auto& contender : contenders) {
+            order.push_back(&contender);
+        }
         for (int round = 0; round < rounds; ++round) {
-            for (auto& contender : contenders) {
-                timeEach(contender, 300);
+            std::ranges::shuffle(order, random);
+            for (auto* contender : order) {
+                timeEach(*contender, 300);
             }
         }
         for (int round = 0; round < std::max(3, rounds / 6); ++round) {
-            for (auto& contender : contenders) {
-                contender.perSecondAlone.push_back(perSecond(contender, 1, std::chrono::milliseconds(150)));
+            std::ranges::shuffle(order, random);
+            for (auto* contender : order) {
+                contender->perSecondAlone.push_back(perSecond(*contender, 1, std::chrono::milliseconds(150)));
             }
-            for (auto& contender : contenders) {
-                contender.perSecondTogether.push_back(
-                    perSecond(contender, 8, std::chrono::milliseconds(150)));
+            for (auto* contender : order) {
+                contender->perSecondTogether.push_back(
+                    perSecond(*contender, 8, std::chrono::milliseconds(150)));
             }
         }
 
-        std::printf("request %zu bytes, reply %zu bytes, %zu exchanges each\n", request.size(), reply.size(),
-                    contenders[0].microseconds.size());
+        std::printf("request %zu bytes, reply %zu bytes, %zu exchanges each, clients and servers %s\n",
+                    request.size(), reply.size(), contenders[0].microseconds.size(),
+                    clientsPlace == serversPlace ? "on one processor" : "on a processor each");
         std::printf("%-24s %18s %18s %18s %18s %18s\n", "", "median us", "p99 us", "server's CPU us",
                     "1 client /s", "8 clients /s");
         const auto& floor = contenders[0];

@@ -275,6 +275,11 @@ void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<
     });
     readers.push_back(connection);
     connection->source.resume();
+    // Most peers have sent their request by now, which saves the wait for it.
+    const ssize_t count = recv(connectionDescriptor, buffer.data(), buffer.size(), MSG_DONTWAIT);
+    if (count >= 0) {
+        take(count, connection, *onFrame);
+    }
 }
 
 void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
