@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -18,13 +19,13 @@ namespace {
 class ManyTabsTest : public AppDelegateTest {
 protected:
     /// The pages that were asked for at least once.
-    std::size_t loadedPages(const std::vector<std::string>& urls) const {
-        return static_cast<std::size_t>(std::ranges::count_if(
-            urls, [&](const auto& text) { return server.count(url(text).path()) > 0; }));
+    std::ptrdiff_t loadedPages(const std::vector<std::string>& urls) const {
+        return std::ranges::count_if(urls,
+                                     [&](const auto& text) { return server.count(url(text).path()) > 0; });
     }
 
-    static constexpr std::size_t limit = 4;
-    Setting<std::size_t> lowLimit{webProcessLimit, limit};
+    static constexpr int limit = 4;
+    Setting<int> lowLimit{webProcessLimit, limit};
 };
 
 } // namespace
@@ -51,12 +52,12 @@ TEST_F(ManyTabsTest, threeHundredAddressesAreTabsOfWhichEachLoadsAtTheLatestWhen
         EXPECT_TRUE(waitForTitle(open[i], urls[i]));
     }
     EXPECT_EQ(loadedPages(urls), limit + 2);
-    EXPECT_TRUE(runUntil([] { return TestSupport::webProcesses().size() == limit; }));
+    EXPECT_TRUE(runUntil([] { return std::ssize(TestSupport::webProcesses()) == limit; }));
 }
 
 TEST_F(ManyTabsTest, aTabThatIsClosedMakesRoomForThePageOfAnother) {
     std::vector<std::string> urls;
-    for (std::size_t i = 0; i < limit + 2; ++i)
+    for (int i = 0; i < limit + 2; ++i)
         urls.push_back(serverURL("/" + std::to_string(i)).absoluteString());
     openURLs(urls);
     delegate->applicationDidFinishLaunching();

@@ -22,10 +22,10 @@ struct WebProcessPlace::Process {
 
     std::shared_ptr<Timer> starting;
 
-    static std::size_t count;
+    static int count;
 };
 
-std::size_t WebProcessPlace::Process::count = 0;
+int WebProcessPlace::Process::count = 0;
 
 class WebProcessPlace::List {
 public:

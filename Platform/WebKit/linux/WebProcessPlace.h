@@ -2,7 +2,6 @@
 
 #include "Platform/Foundation/Timer.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -11,7 +10,7 @@ namespace Platform {
 
 /// How many web processes there may be before one gives way to the next. Each is a client of the X server,
 /// which takes 256 in all unless told otherwise; where it refuses one, the engine ends the whole program.
-inline std::size_t webProcessLimit = 150;
+inline int webProcessLimit = 150;
 
 /// How long a process that does not answer holds up the next.
 inline Timer::Interval webProcessStartLimit = 10;
@@ -21,6 +20,7 @@ class WebProcessUser {
 public:
     WebProcessUser(const WebProcessUser&) = delete;
     WebProcessUser& operator=(const WebProcessUser&) = delete;
+    virtual ~WebProcessUser() = default;
 
     virtual bool isVisible() const = 0;
     /// Whether nobody would notice at once.
@@ -30,7 +30,6 @@ public:
 
 protected:
     WebProcessUser() = default;
-    ~WebProcessUser() = default;
 };
 
 /// The place of a view among all that have a web process or want one. Main thread only.

@@ -114,7 +114,7 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     Engine(WebView& owner, WebViewConfiguration& configuration);
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
-    ~Engine();
+    ~Engine() override;
 
     struct Observer {
         Property property;
@@ -154,7 +154,7 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     void navigate(std::function<void()> navigation);
     std::optional<std::string> requestedURI() const;
     void endNavigation();
-    void load(std::string uri);
+    void load(const std::string& uri);
     void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);
     void reload();
     void stop();
@@ -397,15 +397,15 @@ void WebView::Engine::endNavigation() {
     stoppedURI.reset();
 }
 
-void WebView::Engine::load(std::string uri) {
+void WebView::Engine::load(const std::string& uri) {
     replaceNavigation();
-    loadedURI = std::move(uri);
-    begin([this, requested = *loadedURI] {
+    loadedURI = uri;
+    begin([this, uri] {
         startTimeout();
-        webkit_web_view_load_uri(view.get(), requested.c_str());
+        webkit_web_view_load_uri(view.get(), uri.c_str());
     });
     if (place.isWaiting())
-        update(url, URL::fromString(*loadedURI), Property::url);
+        update(url, URL::fromString(uri), Property::url);
 }
 
 void WebView::Engine::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
@@ -750,8 +750,8 @@ void WebView::Engine::catchUpIfVisible() {
 }
 
 void WebView::Engine::recover() {
-    if (interruptedURI)
-        load(*interruptedURI);
+    if (const auto interrupted = interruptedURI)
+        load(*interrupted);
     else
         navigate([this] { webkit_web_view_reload(view.get()); });
 }

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <memory>
 
 using namespace Platform;
@@ -168,7 +167,7 @@ TEST(WebProcessPlace, isFreeAfterSomeTimeWhenItsProcessDoesNotAnswer) {
 }
 
 TEST(WebProcessPlace, isNotTakenOutOfSightBeyondTheLimit) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     User first;
     User second;
     first.beginAndStart();
@@ -181,7 +180,7 @@ TEST(WebProcessPlace, isNotTakenOutOfSightBeyondTheLimit) {
 }
 
 TEST(WebProcessPlace, longestOutOfSightGivesWayToOneInSight) {
-    const Setting limit(webProcessLimit, std::size_t(3));
+    const Setting limit(webProcessLimit, 3);
     User first;
     User second;
     User third;
@@ -196,7 +195,7 @@ TEST(WebProcessPlace, longestOutOfSightGivesWayToOneInSight) {
 }
 
 TEST(WebProcessPlace, thatMayNotGiveWayLetsTheLimitBeExceeded) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     User first(true);
     first.beginAndStart();
     User second(true);
@@ -205,7 +204,7 @@ TEST(WebProcessPlace, thatMayNotGiveWayLetsTheLimitBeExceeded) {
 }
 
 TEST(WebProcessPlace, ofAProcessThatStartsGivesNoWay) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     User starting;
     starting.begin();
     User seen(true);
@@ -214,7 +213,7 @@ TEST(WebProcessPlace, ofAProcessThatStartsGivesNoWay) {
 }
 
 TEST(WebProcessPlace, thatIsSharedGivesWayAsAWhole) {
-    const Setting limit(webProcessLimit, std::size_t(2));
+    const Setting limit(webProcessLimit, 2);
     User opener;
     opener.beginAndStart();
     User child(true);

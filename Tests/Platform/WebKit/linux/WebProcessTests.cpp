@@ -221,7 +221,7 @@ TEST_F(WebProcess, areStartedOneAfterTheOtherForPagesOutOfSight) {
 }
 
 TEST_F(WebProcess, isStartedOutOfTurnForAPageThatIsSeen) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     const auto first = makeView();
     ASSERT_TRUE(loadPage(*first, "/first"));
     const auto waiting = makeView();
@@ -232,7 +232,7 @@ TEST_F(WebProcess, isStartedOutOfTurnForAPageThatIsSeen) {
 }
 
 TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThePageIsSeen) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     const auto first = makeView();
     ASSERT_TRUE(loadPage(*first, "/first"));
     server.route("/page", HTTPResponse::page("/page"));
@@ -249,7 +249,7 @@ TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThePageIsSeen) {
 }
 
 TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThereIsRoom) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     auto first = makeView();
     ASSERT_TRUE(loadPage(*first, "/first"));
     server.route("/page", HTTPResponse::page("/page"));
@@ -261,7 +261,7 @@ TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThereIsRoom) {
 }
 
 TEST_F(WebProcess, isStartedForTheLastPageThatAWaitingViewWasAskedFor) {
-    const Setting limit(webProcessLimit, std::size_t(0));
+    const Setting limit(webProcessLimit, 0);
     for (const std::string path : {"/one", "/two"}) {
         server.route(path, HTTPResponse::page(path));
         view->load(request(server.url(path)));
@@ -273,7 +273,7 @@ TEST_F(WebProcess, isStartedForTheLastPageThatAWaitingViewWasAskedFor) {
 }
 
 TEST_F(WebProcess, isNotStartedForAWaitingPageThatWasStopped) {
-    const Setting limit(webProcessLimit, std::size_t(0));
+    const Setting limit(webProcessLimit, 0);
     view->load(request(server.url("/page")));
     std::vector<std::string> urls;
     const auto url = view->observe(Property::url, [&] { urls.push_back(urlOf(*view)); });
@@ -287,7 +287,7 @@ TEST_F(WebProcess, isNotStartedForAWaitingPageThatWasStopped) {
 }
 
 TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
-    const Setting limit(webProcessLimit, std::size_t(2));
+    const Setting limit(webProcessLimit, 2);
     const auto unseen = makeView();
     ASSERT_TRUE(loadPage(*unseen, "/unseen"));
     ASSERT_TRUE(loadPage(*view, "/seen"));
@@ -304,7 +304,7 @@ TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
 }
 
 TEST_F(WebProcess, thatGaveWayIsStartedAgainEachTimeThePageIsSeen) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     ASSERT_TRUE(loadPage(*view, "/one"));
     const auto other = makeView();
     TestWindow otherWindow(*other);
@@ -324,7 +324,7 @@ TEST_F(WebProcess, thatGaveWayIsStartedAgainEachTimeThePageIsSeen) {
 }
 
 TEST_F(WebProcess, ofAPageThatIsSeenGivesNoWay) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/one"));
     const auto other = makeView();
@@ -336,7 +336,7 @@ TEST_F(WebProcess, ofAPageThatIsSeenGivesNoWay) {
 }
 
 TEST_F(WebProcess, ofAPageWithAnOpenPanelGivesNoWay) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     ASSERT_TRUE(loadPage(*view, "/one"));
     run(*view, "alert('stay')");
     ASSERT_TRUE(runUntil([&] { return ui->panels.size() == 1; }));
@@ -349,7 +349,7 @@ TEST_F(WebProcess, ofAPageWithAnOpenPanelGivesNoWay) {
 }
 
 TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
-    const Setting limit(webProcessLimit, std::size_t(1));
+    const Setting limit(webProcessLimit, 1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/opener"));
     server.route("/child", HTTPResponse::page("/child"));
