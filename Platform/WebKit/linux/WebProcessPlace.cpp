@@ -179,6 +179,15 @@ void WebProcessPlace::started() {
         List::shared().turnToNext();
 }
 
+void WebProcessPlace::moved() {
+    // The one before goes on only where other views use it.
+    if (process_.use_count() < 2)
+        return;
+    process_.reset();
+    start();
+    started();
+}
+
 void WebProcessPlace::leave() {
     if (std::exchange(process_, nullptr))
         List::shared().turnToNext();

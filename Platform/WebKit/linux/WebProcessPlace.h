@@ -60,7 +60,9 @@ public:
 
     /// The process has answered.
     void started();
-    /// The process has ended.
+    /// The engine has moved the view's page to another process.
+    void moved();
+    /// The process has ended, or is not the view's any more.
     void leave();
     /// The view comes into sight or goes out of it.
     void seen();

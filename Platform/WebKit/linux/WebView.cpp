@@ -159,6 +159,7 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     void reload();
     void stop();
 
+    void decide(const std::shared_ptr<NavigationQuestion>& question);
     bool takesOwnPage(const NavigationQuestion& question);
     void ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested);
     void answer(NavigationQuestion& question, NavigationActionPolicy policy, bool isRequested);
@@ -212,6 +213,8 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     /// the engine has just given up an earlier one.
     std::optional<std::string> loadedURI;
     bool allowsGestures = false;
+    /// A page opened the view, and the engine has not asked about its first navigation.
+    bool isNewWindow = false;
     /// Nothing was loaded yet, and no web process asked for.
     bool fresh = true;
     /// A navigation that was stopped before the engine asked about it: that question is answered with no.
@@ -278,6 +281,9 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
             if (const auto kept = engine.keep())
                 engine.updateHistory();
         });
+    // The page has moved to another process.
+    notified("notify::page-id",
+             [](WebKitWebView*, GParamSpec*, gpointer data) { static_cast<Engine*>(data)->place.moved(); });
     connect(view.get(), "load-changed", &loadChanged);
     connect(view.get(), "load-failed", &loadFailed);
     connect(view.get(), "decide-policy", &decidePolicy);
@@ -491,7 +497,7 @@ void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gp
 
 // Policy
 
-gboolean WebView::Engine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision,
+gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision* decision,
                                        WebKitPolicyDecisionType type, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
@@ -503,20 +509,31 @@ gboolean WebView::Engine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
         engine.ask(question, false);
         return TRUE;
     }
-    if (engine.stoppedURI == question->uri()) {
-        engine.endNavigation();
-        question->answer(NavigationActionPolicy::cancel);
-        return TRUE;
+    // A window that is to know nothing of its opener has its page loaded by the engine, which starts a
+    // process for it as soon as it may.
+    if (std::exchange(engine.isNewWindow, false) && webkit_web_view_get_uri(view) != nullptr) {
+        engine.place.leave();
+        engine.begin([&engine, question] { engine.decide(question); });
+    } else {
+        engine.decide(question);
     }
-    const bool isRequested = engine.phase == Phase::requested && engine.requestedURI() == question->uri();
-    const bool isOwnPage = engine.takesOwnPage(*question);
+    return TRUE;
+}
+
+void WebView::Engine::decide(const std::shared_ptr<NavigationQuestion>& question) {
+    if (stoppedURI == question->uri()) {
+        endNavigation();
+        question->answer(NavigationActionPolicy::cancel);
+        return;
+    }
+    const bool isRequested = phase == Phase::requested && requestedURI() == question->uri();
+    const bool isOwnPage = takesOwnPage(*question);
     if (isRequested || isOwnPage)
-        engine.phase = Phase::decided;
+        phase = Phase::decided;
     if (isOwnPage)
         question->answer(NavigationActionPolicy::allow);
     else
-        engine.ask(question, isRequested);
-    return TRUE;
+        ask(question, isRequested);
 }
 
 /// Whether the question is the one about the program's own page; it is the last such one then.
@@ -650,6 +667,7 @@ GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationActi
     if (child->configuration_ != configuration)
         fatalError("A page's new window must be shown by a view made with the configuration supplied for it");
     child->engine_->fresh = false;
+    child->engine_->isNewWindow = true;
     child->engine_->place.share(engine.place);
     // Borrowed: the emission takes a reference over, and gives the engine one that it never gives back.
     return GTK_WIDGET(child->engine_->view.get());
@@ -704,8 +722,11 @@ void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
     // Nothing is committed yet that a reload could bring back.
     if (engine.loadedURI)
         engine.interruptedURI = engine.loadedURI;
+    else if (engine.url && (engine.isNewWindow || engine.place.isWaiting()))
+        engine.interruptedURI = engineText(*engine.url);
     else if (engine.phase == Phase::idle)
         engine.interruptedURI.reset();
+    engine.place.stopWaiting();
     for (const auto& dialog : std::exchange(engine.dialogs, {})) {
         if (const auto pending = dialog.lock())
             pending->answer(false);

@@ -231,3 +231,17 @@ TEST(WebProcessPlace, thatIsSharedGivesWayAsAWhole) {
     EXPECT_EQ(opener.endings, 1);
     EXPECT_EQ(child.endings, 1);
 }
+
+TEST(WebProcessPlace, thatMovedAwayFromASharedProcessHasOneOfItsOwn) {
+    const Setting limit(webProcessLimit, 2);
+    User opener;
+    opener.beginAndStart();
+    User child;
+    child.place->share(*opener.place);
+    child.place->moved();
+    child.place->moved();
+    User seen(true);
+    EXPECT_TRUE(seen.place->takeNow());
+    EXPECT_EQ(opener.endings, 1);
+    EXPECT_EQ(child.endings, 0);
+}

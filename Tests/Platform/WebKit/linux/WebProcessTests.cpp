@@ -371,3 +371,72 @@ TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the two pages give way together";
     EXPECT_EQ(evaluate(*other, "document.title"), "/two");
 }
+
+TEST_F(WebProcess, isStartedInTurnForAWindowThatIsToKnowNothingOfItsOpener) {
+    const Setting limit(webProcessLimit, 1);
+    window->show();
+    ASSERT_TRUE(loadPage(*view, "/opener"));
+    std::vector<std::shared_ptr<WebView>> children;
+    ui->onCreate = [&](const auto& configuration) {
+        children.push_back(makeView(configuration));
+        return children.back();
+    };
+    for (const std::string path : {"/one", "/two"})
+        server.route(path, HTTPResponse::page(path));
+    run(*view, "window.open('/one', '', 'noopener'); window.open('/two', '', 'noopener')");
+    ASSERT_TRUE(runUntil([&] { return children.size() == 2; }));
+    runFor(0.3);
+    EXPECT_EQ(server.count("/one") + server.count("/two"), 0U);
+    EXPECT_EQ(urlOf(*children[1]), server.url("/two"));
+    TestWindow second(*children[1]);
+    second.show();
+    EXPECT_TRUE(waitForTitle(*children[1], "/two"));
+    EXPECT_EQ(evaluate(*children[1], "String(window.opener)"), "null");
+    EXPECT_EQ(server.count("/one"), 0U);
+    second.hide();
+    TestWindow first(*children[0]);
+    first.show();
+    EXPECT_TRUE(waitForTitle(*children[0], "/one"));
+    second.show();
+    EXPECT_TRUE(runUntil([&] { return server.count("/two") == 2; })) << "it gave way";
+    EXPECT_EQ(evaluate(*view, "document.title"), "/opener");
+    EXPECT_EQ(server.count("/opener"), 1U) << "the opener did not";
+}
+
+TEST_F(WebProcess, thatEndedWithTheWindowItOpenedBringsThatBackWhenItIsSeen) {
+    const Setting limit(webProcessLimit, 1);
+    window->show();
+    ASSERT_TRUE(loadPage(*view, "/opener"));
+    std::shared_ptr<WebView> child;
+    ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
+    server.route("/child", HTTPResponse::page("/child"));
+    run(*view, "window.open('/child', '', 'noopener')");
+    ASSERT_TRUE(runUntil([&] { return child && urlOf(*child) == server.url("/child"); }));
+    endProcess();
+    ASSERT_TRUE(waitForLoad("/opener", 2));
+    EXPECT_EQ(server.count("/child"), 0U);
+    EXPECT_EQ(urlOf(*child), server.url("/child"));
+    TestWindow childWindow(*child);
+    childWindow.show();
+    EXPECT_TRUE(waitForTitle(*child, "/child"));
+}
+
+TEST_F(WebProcess, thatAPageLeftForOneOfItsOwnIsCountedApart) {
+    const Setting limit(webProcessLimit, 2);
+    window->show();
+    ASSERT_TRUE(loadPage(*view, "/opener"));
+    std::shared_ptr<WebView> child;
+    ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
+    auto isolated = HTTPResponse::page("/child");
+    isolated.headers.emplace_back("Cross-Origin-Opener-Policy", "same-origin");
+    server.route("/child", isolated);
+    run(*view, "window.open('/child')");
+    ASSERT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
+    ASSERT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the engine has moved it";
+    const auto third = makeView();
+    TestWindow thirdWindow(*third);
+    thirdWindow.show();
+    ASSERT_TRUE(loadPage(*third, "/third"));
+    EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; }));
+    EXPECT_EQ(evaluate(*view, "document.title"), "/opener");
+}
