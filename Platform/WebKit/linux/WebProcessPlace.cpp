@@ -22,10 +22,8 @@ struct WebProcessPlace::Process {
 
     std::shared_ptr<Timer> starting;
 
-    static int count;
+    static inline int count = 0;
 };
-
-int WebProcessPlace::Process::count = 0;
 
 class WebProcessPlace::List {
 public:
@@ -46,9 +44,11 @@ public:
                startingCount() == 0;
     }
 
-    bool mayCutIn(const WebProcessPlace& place) const {
-        return place.user_.isVisible() && startingCount() < 2;
+    bool mayStart(const WebProcessPlace& place) const {
+        return hasTurn(place) || (place.user_.isVisible() && startingCount() < 2);
     }
+
+    bool isMakingRoom() const { return isMakingRoom_; }
 
     void makeRoom() {
         if (Process::count < webProcessLimit)
@@ -62,12 +62,14 @@ public:
         }
         if (!longestUnseen)
             return;
+        isMakingRoom_ = true;
         // The end of one may be the end of another, or of its view.
         const auto present = places_;
         for (auto* place : present) {
             if (std::ranges::find(places_, place) != places_.end() && place->process_ == longestUnseen)
                 place->user_.giveWay();
         }
+        isMakingRoom_ = false;
     }
 
     void turnToNext() {
@@ -118,7 +120,7 @@ private:
         auto& list = *static_cast<List*>(data);
         list.source_ = 0;
         auto* const next = list.nextWaiting();
-        if (next != nullptr && (list.hasTurn(*next) || list.mayCutIn(*next)))
+        if (next != nullptr && list.mayStart(*next))
             next->startAndUse();
         return G_SOURCE_REMOVE;
     }
@@ -126,6 +128,7 @@ private:
     /// In the order in which the views were made.
     std::vector<WebProcessPlace*> places_;
     std::uint64_t sightings_ = 0;
+    bool isMakingRoom_ = false;
     guint source_ = 0;
 };
 
@@ -147,17 +150,19 @@ void WebProcessPlace::begin(std::function<void()> use) {
 }
 
 void WebProcessPlace::cutIn() {
-    if (isWaiting() && List::shared().mayCutIn(*this))
+    if (isWaiting() && List::shared().mayStart(*this))
         startAndUse();
 }
 
 void WebProcessPlace::stopWaiting() { use_ = {}; }
 
 bool WebProcessPlace::takeNow() {
-    if (!process_ && (List::shared().hasTurn(*this) || List::shared().mayCutIn(*this)))
+    if (!process_ && List::shared().mayStart(*this))
         start();
     return process_ != nullptr;
 }
+
+bool WebProcessPlace::isMakingRoom() { return List::shared().isMakingRoom(); }
 
 void WebProcessPlace::start() {
     if (process_)

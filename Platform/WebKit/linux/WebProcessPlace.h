@@ -48,7 +48,7 @@ public:
     /// Calls `use` as soon as the view may use its process: at once if it has one or it is its turn, in place
     /// of what waited before.
     void begin(std::function<void()> use);
-    /// What waits is called now, if the view is looked at and may start its process.
+    /// What waits is called now, if the view may start its process: mostly one that is looked at.
     void cutIn();
     bool isWaiting() const { return static_cast<bool>(use_); }
     void stopWaiting();
@@ -57,6 +57,9 @@ public:
     bool takeNow();
     /// The view uses the process of another.
     void share(const WebProcessPlace& other);
+
+    /// Whether processes that end now do so because they give way.
+    static bool isMakingRoom();
 
     /// The process has answered.
     void started();

@@ -233,7 +233,6 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     std::shared_ptr<Timer> stopTimer;
 
     WebProcessPlace place;
-    bool isGivingWay = false;
     /// The web process ended and nothing was loaded since.
     bool processEnded = false;
     bool reloadsWhenVisible = false;
@@ -712,7 +711,7 @@ void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
         return;
     engine.place.leave();
     bool again = false;
-    if (!engine.isGivingWay) {
+    if (!WebProcessPlace::isMakingRoom()) {
         const auto now = Clock::now();
         again = engine.lastProcessEnd && now - *engine.lastProcessEnd < processEndsInARow;
         engine.lastProcessEnd = now;
@@ -748,9 +747,7 @@ void WebView::Engine::giveWay() {
     const auto kept = keep();
     if (!kept)
         return;
-    isGivingWay = true;
     webkit_web_view_terminate_web_process(view.get());
-    isGivingWay = false;
 }
 
 void WebView::Engine::catchUpSoon() {

@@ -28,6 +28,19 @@ protected:
         return runUntil([&] { return server.count(path) == times; }) && waitForTitle(*view, path);
     }
 
+    struct Shown {
+        std::shared_ptr<WebView> view;
+        TestWindow window{*view};
+    };
+
+    /// A page of the server in a window of its own, in sight.
+    std::unique_ptr<Shown> showPage(const std::string& path) {
+        auto shown = std::make_unique<Shown>(makeView());
+        shown->window.show();
+        EXPECT_TRUE(loadPage(*shown->view, path));
+        return shown;
+    }
+
     std::shared_ptr<WebView> view;
     std::optional<TestWindow> window;
 };
@@ -293,10 +306,7 @@ TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
     ASSERT_TRUE(loadPage(*view, "/seen"));
     window->show();
     window->hide();
-    const auto third = makeView();
-    TestWindow thirdWindow(*third);
-    thirdWindow.show();
-    ASSERT_TRUE(loadPage(*third, "/third"));
+    const auto third = showPage("/third");
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; }));
     EXPECT_EQ(evaluate(*view, "document.title"), "/seen");
     EXPECT_EQ(urlOf(*unseen), server.url("/unseen"));
@@ -306,19 +316,16 @@ TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
 TEST_F(WebProcess, thatGaveWayIsStartedAgainEachTimeThePageIsSeen) {
     const Setting limit(webProcessLimit, 1);
     ASSERT_TRUE(loadPage(*view, "/one"));
-    const auto other = makeView();
-    TestWindow otherWindow(*other);
-    otherWindow.show();
-    ASSERT_TRUE(loadPage(*other, "/two"));
-    otherWindow.hide();
+    const auto other = showPage("/two");
+    other->window.hide();
     for (std::size_t times = 2; times < 4; ++times) {
         window->show();
         EXPECT_TRUE(waitForLoad("/one", times));
         window->hide();
-        otherWindow.show();
+        other->window.show();
         EXPECT_TRUE(runUntil([&] { return server.count("/two") == times; }));
-        EXPECT_TRUE(waitForTitle(*other, "/two"));
-        otherWindow.hide();
+        EXPECT_TRUE(waitForTitle(*other->view, "/two"));
+        other->window.hide();
     }
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 1; }));
 }
@@ -327,10 +334,7 @@ TEST_F(WebProcess, ofAPageThatIsSeenGivesNoWay) {
     const Setting limit(webProcessLimit, 1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/one"));
-    const auto other = makeView();
-    TestWindow otherWindow(*other);
-    otherWindow.show();
-    ASSERT_TRUE(loadPage(*other, "/two"));
+    const auto other = showPage("/two");
     EXPECT_EQ(webProcesses().size(), 2U);
     EXPECT_EQ(evaluate(*view, "document.title"), "/one");
 }
@@ -340,10 +344,7 @@ TEST_F(WebProcess, ofAPageWithAnOpenPanelGivesNoWay) {
     ASSERT_TRUE(loadPage(*view, "/one"));
     run(*view, "alert('stay')");
     ASSERT_TRUE(runUntil([&] { return ui->panels.size() == 1; }));
-    const auto other = makeView();
-    TestWindow otherWindow(*other);
-    otherWindow.show();
-    ASSERT_TRUE(loadPage(*other, "/two"));
+    const auto other = showPage("/two");
     ui->panels[0].alert();
     EXPECT_EQ(evaluate(*view, "document.title"), "/one");
 }
@@ -357,19 +358,29 @@ TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
     ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
     run(*view, "window.open('/child')");
     ASSERT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
-    const auto other = makeView();
-    TestWindow otherWindow(*other);
-    otherWindow.show();
-    ASSERT_TRUE(loadPage(*other, "/two"));
+    const auto other = showPage("/two");
     EXPECT_EQ(evaluate(*child, "document.title"), "/child");
     window->hide();
-    otherWindow.hide();
-    const auto last = makeView();
-    TestWindow lastWindow(*last);
-    lastWindow.show();
-    ASSERT_TRUE(loadPage(*last, "/last"));
+    other->window.hide();
+    const auto last = showPage("/last");
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the two pages give way together";
-    EXPECT_EQ(evaluate(*other, "document.title"), "/two");
+    EXPECT_EQ(evaluate(*other->view, "document.title"), "/two");
+}
+
+TEST_F(WebProcess, thatGaveWayIsNotTakenForOneThatEndedByItself) {
+    const Setting limit(webProcessLimit, 1);
+    ASSERT_TRUE(loadPage(*view, "/opener"));
+    server.route("/child", HTTPResponse::page("/child"));
+    std::shared_ptr<WebView> child;
+    ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
+    run(*view, "window.open('/child')");
+    ASSERT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
+    showPage("/other");
+    TestWindow childWindow(*child);
+    childWindow.show();
+    ASSERT_TRUE(runUntil([&] { return server.count("/child") == 2 && !child->isLoading(); }));
+    webkit_web_view_terminate_web_process(widgetOf(*child));
+    EXPECT_TRUE(runUntil([&] { return server.count("/child") == 3; })) << "the first end within a minute";
 }
 
 TEST_F(WebProcess, isStartedInTurnForAWindowThatIsToKnowNothingOfItsOpener) {
@@ -433,10 +444,7 @@ TEST_F(WebProcess, thatAPageLeftForOneOfItsOwnIsCountedApart) {
     run(*view, "window.open('/child')");
     ASSERT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
     ASSERT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the engine has moved it";
-    const auto third = makeView();
-    TestWindow thirdWindow(*third);
-    thirdWindow.show();
-    ASSERT_TRUE(loadPage(*third, "/third"));
+    const auto third = showPage("/third");
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; }));
     EXPECT_EQ(evaluate(*view, "document.title"), "/opener");
 }
