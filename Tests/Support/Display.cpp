@@ -298,6 +298,12 @@ private:
                          number.writeEnd.get());
         number.writeEnd.reset();
         setVariable("DISPLAY", ":" + display_->readLine(number.readEnd.get()));
+        // At the first typed key the server tells everyone of a new keyboard. The window manager then lets go
+        // of its keys and takes them anew, and what is typed meanwhile is lost to it: so that key is typed
+        // while nobody is there.
+        if (std::system("xdotool key --delay 0 Shift_L") != 0) {
+            throw std::runtime_error("xdotool could not type a key");
+        }
     }
 
     // The system's configuration would let the bus start whatever is installed: portals, settings daemons and

@@ -13,8 +13,12 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <string_view>
+
+// After the others: its macros have names that they use.
+#include <X11/XKBlib.h>
 
 namespace {
 
@@ -61,6 +65,17 @@ TEST(DisplayTestMain, theDisplayIsOneOfItsOwn) {
     ASSERT_EQ(display.find(':'), 0U) << display;
     EXPECT_TRUE(accepts("/tmp/.X11-unix/X" + display.substr(1)));
     EXPECT_EQ(variable("WAYLAND_DISPLAY"), "");
+}
+
+TEST(DisplayTestMain, theFirstKeyOfATestBringsNoNewKeyboard) {
+    const std::unique_ptr<Display, int (*)(Display*)> display(XOpenDisplay(nullptr), &XCloseDisplay);
+    ASSERT_NE(display, nullptr);
+    ASSERT_TRUE(
+        XkbSelectEvents(display.get(), XkbUseCoreKbd, XkbNewKeyboardNotifyMask, XkbNewKeyboardNotifyMask));
+    XSync(display.get(), False);
+    ASSERT_EQ(std::system("xdotool key Shift_L"), 0);
+    XSync(display.get(), False);
+    EXPECT_EQ(XPending(display.get()), 0);
 }
 
 TEST(DisplayTestMain, theSessionBusIsOneOfItsOwn) {
