@@ -107,11 +107,8 @@ TEST_F(AccessibilityTest, tabAndShiftTabReachEveryControl) {
         pressKey("Tab");
         ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
     }
-    // Out of a page in which nothing takes the keyboard.
-    pressKey("shift+Tab");
-    ASSERT_TRUE(runUntil([&] { return !hasFocus(*tab->webView()); }));
-    tab->window()->makeFirstResponder(order[order.size() - 2]);
-    for (std::size_t i = order.size() - 2; i-- > 0;) {
+    // The first of these out of a page in which nothing takes the keyboard.
+    for (std::size_t i = order.size() - 1; i-- > 0;) {
         pressKey("shift+Tab");
         ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
     }

@@ -56,6 +56,7 @@ std::shared_ptr<TabHost> TabHost::of(Window& window) {
 
 TabHost::TabHost()
     : toplevel_(GObjectPtr<GtkWidget>::retain(gtk_window_new()))
+    , returnedKeys_(toplevel())
     , tabView_(adw_tab_view_new()) {
     const Application::Native& application = Application::shared().native();
     gtk_window_set_application(toplevel(), application.gtk());

@@ -3,6 +3,7 @@
 #include "Platform/AppKit/Window.h"
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/AppKit/linux/MenuBar.h"
+#include "Platform/AppKit/linux/ReturnedKeys.h"
 
 #include <adwaita.h>
 
@@ -66,6 +67,7 @@ private:
     static void newTabClicked(GtkButton* button, gpointer self);
 
     GObjectPtr<GtkWidget> toplevel_;
+    ReturnedKeys returnedKeys_;
     AdwTabView* tabView_ = nullptr; // held by `toplevel_`
     std::unique_ptr<MenuBar> menuBar_;
     std::uint64_t lastUse_ = 0;

@@ -1,0 +1,44 @@
+#include "Platform/AppKit/linux/ReturnedKeys.h"
+
+#include <algorithm>
+
+namespace Platform {
+
+namespace {
+
+/// Nobody types further ahead of a page than this.
+constexpr std::size_t keptKeys = 64;
+
+} // namespace
+
+ReturnedKeys::ReturnedKeys(GtkWindow* toplevel) {
+    GtkEventController* keys = gtk_event_controller_key_new();
+    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
+    connections_.emplace_back(keys, "key-pressed", G_CALLBACK(pressed), this);
+    connections_.emplace_back(toplevel, "notify::focus-widget",
+                              G_CALLBACK(+[](GtkWindow*, GParamSpec*, gpointer self) {
+                                  ++static_cast<ReturnedKeys*>(self)->focusMoves_;
+                              }),
+                              this);
+    gtk_widget_add_controller(GTK_WIDGET(toplevel), keys);
+}
+
+gboolean ReturnedKeys::pressed(GtkEventControllerKey* keys, guint /*key*/, guint /*code*/,
+                               GdkModifierType /*modifiers*/, gpointer self) {
+    GdkEvent* event = gtk_event_controller_get_current_event(GTK_EVENT_CONTROLLER(keys));
+    return static_cast<ReturnedKeys*>(self)->isForOther(event) ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
+}
+
+bool ReturnedKeys::isForOther(GdkEvent* event) {
+    const auto before =
+        std::ranges::find(pressed_, event, [](const Pressed& other) { return other.event.get(); });
+    if (before != pressed_.end())
+        return before->focusMoves != focusMoves_;
+    if (pressed_.size() == keptKeys)
+        pressed_.pop_front();
+    pressed_.push_back(
+        {.event = std::unique_ptr<GdkEvent, Unref>(gdk_event_ref(event)), .focusMoves = focusMoves_});
+    return false;
+}
+
+} // namespace Platform
