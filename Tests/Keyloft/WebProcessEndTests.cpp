@@ -50,14 +50,11 @@ protected:
         EXPECT_FALSE(tab->isEmptyTab());
     }
 
-    /// Kills the web process and waits until that is noticed.
-    [[nodiscard]] static bool kill(pid_t process) {
-        if (::kill(process, SIGKILL) != 0)
-            return false;
-        return runUntil([&] {
-            const auto now = webProcesses();
-            return std::ranges::find(now, process) == now.end();
-        });
+    /// Kills the processes, the tab's among them, and waits until the tab knows.
+    [[nodiscard]] static bool kill(const Tab& tab, const std::vector<pid_t>& processes) {
+        const TestSupport::WebProcessEnd end(*tab->webView());
+        return std::ranges::all_of(processes, [](pid_t process) { return ::kill(process, SIGKILL) == 0; }) &&
+               runUntil([&] { return end.hasCome(); });
     }
 
     /// The web process of the page opened last.
@@ -77,7 +74,7 @@ TEST_F(WebProcessEndTest, theShownPageComesBackAndNobodyElseIsTouched) {
         WebView::Property::url, [&] { addresses.push_back(shown->addressField()->stringValue()); });
     const auto followTitle = shown->webView()->observe(WebView::Property::title,
                                                        [&] { titles.push_back(shown->window()->title()); });
-    ASSERT_TRUE(kill(process));
+    ASSERT_TRUE(kill(shown, {process}));
     ASSERT_TRUE(waitForTitle(shown, "/shown 2"));
     expectUnchanged(shown, "/shown", "/shown 2");
     EXPECT_EQ(addresses, std::vector<std::string>{});
@@ -96,7 +93,7 @@ TEST_F(WebProcessEndTest, aHiddenPageComesBackOnceItIsLookedAt) {
     const auto hidden = openCounting("/hidden");
     const auto hiddensProcess = process;
     const auto shown = openCounting("/shown", hidden);
-    ASSERT_TRUE(kill(hiddensProcess));
+    ASSERT_TRUE(kill(hidden, {hiddensProcess}));
     // Whatever could follow has followed once another page has come and gone.
     ASSERT_TRUE(loadPage(shown, "/later"));
     expectUnchanged(hidden, "/hidden", "/hidden 1");
@@ -109,12 +106,9 @@ TEST_F(WebProcessEndTest, aHiddenPageComesBackOnceItIsLookedAt) {
 
 TEST_F(WebProcessEndTest, aSecondEndWithinAMinuteWaitsForTheReloadButton) {
     const auto tab = openCounting("/page");
-    ASSERT_TRUE(kill(process));
+    ASSERT_TRUE(kill(tab, {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
-    const auto now = webProcesses();
-    ASSERT_FALSE(now.empty());
-    for (const pid_t left : now)
-        ASSERT_TRUE(kill(left));
+    ASSERT_TRUE(kill(tab, webProcesses()));
     ASSERT_TRUE(loadPage(openTab(), "/later"));
     expectUnchanged(tab, "/page", "/page 2");
     EXPECT_FALSE(tab->webView()->isLoading());
@@ -128,7 +122,7 @@ TEST_F(WebProcessEndTest, aLoadUnderWayBeginsAnew) {
     server.route("/held", heldResponse());
     tab->load(serverURL("/held"));
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
-    ASSERT_TRUE(kill(process));
+    ASSERT_TRUE(kill(tab, {process}));
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 2; }));
     EXPECT_EQ(tab->addressField()->stringValue(), server.url("/held"));
     server.release("/held");
@@ -144,7 +138,7 @@ TEST_F(WebProcessEndTest, aLoadUnderWayInAHiddenTabBeginsAnewOnceItIsLookedAt) {
     hidden->load(serverURL("/endless"));
     ASSERT_TRUE(runUntil([&] { return hidden->window()->title() == "endless"; }));
     const auto shown = openCounting("/shown", hidden);
-    ASSERT_TRUE(kill(hiddensProcess));
+    ASSERT_TRUE(kill(hidden, {hiddensProcess}));
     ASSERT_TRUE(runUntil([&] { return !hidden->webView()->isLoading(); }));
     expectUnchanged(hidden, "/endless", "endless");
     server.route("/endless", HTTPResponse::page("ended"));
@@ -158,7 +152,7 @@ TEST_F(WebProcessEndTest, aPagesPanelGoesWithIt) {
     const auto tab = openCounting("/page");
     TestSupport::runScript(*tab->webView(), "setTimeout(() => alert('Hello'))");
     ASSERT_TRUE(waitForSheet(tab));
-    ASSERT_TRUE(kill(process));
+    ASSERT_TRUE(kill(tab, {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
     // It stays to be read, and answers nobody.
     if (TestSupport::shownSheet(*tab->window()))

@@ -153,6 +153,21 @@ std::weak_ptr<void> nativeLifetime(Platform::View& view);
 /// Runs a script in the page, without waiting for it.
 void runScript(Platform::WebView& view, const std::string& script);
 
+/// Waits for the view to be told that its web process has ended.
+class WebProcessEnd {
+public:
+    explicit WebProcessEnd(Platform::WebView& view);
+    WebProcessEnd(const WebProcessEnd&) = delete;
+    WebProcessEnd& operator=(const WebProcessEnd&) = delete;
+    ~WebProcessEnd();
+
+    bool hasCome() const;
+
+private:
+    struct Native;
+    std::unique_ptr<Native> native_;
+};
+
 /// As long as it lives, what web views ask of other hosts than this one goes to a port of loopback, as to a
 /// proxy: nothing leaves the machine.
 class TrafficRedirection {

@@ -450,6 +450,26 @@ void runScript(Platform::WebView& view, const std::string& script) {
                                         nullptr, nullptr, nullptr);
 }
 
+struct WebProcessEnd::Native {
+    bool hasCome = false;
+    Platform::SignalConnection connection;
+};
+
+WebProcessEnd::WebProcessEnd(Platform::WebView& view)
+    : native_(std::make_unique<Native>()) {
+    // Connected after the view, and so called after it.
+    native_->connection = Platform::SignalConnection(
+        widgetOf(view), "web-process-terminated",
+        G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, gpointer native) {
+            static_cast<Native*>(native)->hasCome = true;
+        }),
+        native_.get());
+}
+
+WebProcessEnd::~WebProcessEnd() = default;
+
+bool WebProcessEnd::hasCome() const { return native_->hasCome; }
+
 TrafficRedirection::TrafficRedirection(int port) {
     static constexpr const char* here[] = {"127.0.0.1", "localhost", nullptr};
     const std::string proxy = "http://127.0.0.1:" + std::to_string(port);
