@@ -41,6 +41,17 @@ protected:
         return shown;
     }
 
+    /// A page that `view`'s page has opened, once it is loaded.
+    std::shared_ptr<WebView> openChild(const HTTPResponse& page = HTTPResponse::page("/child")) {
+        server.route("/child", page);
+        std::shared_ptr<WebView> child;
+        ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
+        run(*view, "window.open('/child')");
+        EXPECT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
+        ui->onCreate = nullptr;
+        return child;
+    }
+
     std::shared_ptr<WebView> view;
     std::optional<TestWindow> window;
 };
@@ -353,11 +364,7 @@ TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
     const Setting limit(webProcessLimit, 1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/opener"));
-    server.route("/child", HTTPResponse::page("/child"));
-    std::shared_ptr<WebView> child;
-    ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
-    run(*view, "window.open('/child')");
-    ASSERT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
+    const auto child = openChild();
     const auto other = showPage("/two");
     EXPECT_EQ(evaluate(*child, "document.title"), "/child");
     window->hide();
@@ -370,11 +377,7 @@ TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
 TEST_F(WebProcess, thatGaveWayIsNotTakenForOneThatEndedByItself) {
     const Setting limit(webProcessLimit, 1);
     ASSERT_TRUE(loadPage(*view, "/opener"));
-    server.route("/child", HTTPResponse::page("/child"));
-    std::shared_ptr<WebView> child;
-    ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
-    run(*view, "window.open('/child')");
-    ASSERT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
+    const auto child = openChild();
     showPage("/other");
     TestWindow childWindow(*child);
     childWindow.show();
@@ -436,13 +439,9 @@ TEST_F(WebProcess, thatAPageLeftForOneOfItsOwnIsCountedApart) {
     const Setting limit(webProcessLimit, 2);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/opener"));
-    std::shared_ptr<WebView> child;
-    ui->onCreate = [&](const auto& configuration) { return child = makeView(configuration); };
     auto isolated = HTTPResponse::page("/child");
     isolated.headers.emplace_back("Cross-Origin-Opener-Policy", "same-origin");
-    server.route("/child", isolated);
-    run(*view, "window.open('/child')");
-    ASSERT_TRUE(runUntil([&] { return child && child->title() == "/child"; }));
+    const auto child = openChild(isolated);
     ASSERT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the engine has moved it";
     const auto third = showPage("/third");
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; }));
