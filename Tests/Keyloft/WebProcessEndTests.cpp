@@ -2,13 +2,13 @@
 #include "Tests/Support/WebProcesses.h"
 
 #include <algorithm>
-#include <csignal>
 #include <memory>
 #include <string>
 #include <vector>
 
 using namespace Platform;
 using TestSupport::HTTPResponse;
+using TestSupport::killWebProcesses;
 using TestSupport::runUntil;
 using TestSupport::webProcesses;
 
@@ -50,13 +50,6 @@ protected:
         EXPECT_FALSE(tab->isEmptyTab());
     }
 
-    /// Kills the processes, the tab's among them, and waits until the tab knows.
-    [[nodiscard]] static bool kill(const Tab& tab, const std::vector<pid_t>& processes) {
-        const TestSupport::WebProcessEnd end(*tab->webView());
-        return std::ranges::all_of(processes, [](pid_t process) { return ::kill(process, SIGKILL) == 0; }) &&
-               runUntil([&] { return end.hasCome(); });
-    }
-
     /// The web process of the page opened last.
     pid_t process = 0;
 };
@@ -74,7 +67,7 @@ TEST_F(WebProcessEndTest, theShownPageComesBackAndNobodyElseIsTouched) {
         WebView::Property::url, [&] { addresses.push_back(shown->addressField()->stringValue()); });
     const auto followTitle = shown->webView()->observe(WebView::Property::title,
                                                        [&] { titles.push_back(shown->window()->title()); });
-    ASSERT_TRUE(kill(shown, {process}));
+    ASSERT_TRUE(killWebProcesses(*shown->webView(), {process}));
     ASSERT_TRUE(waitForTitle(shown, "/shown 2"));
     expectUnchanged(shown, "/shown", "/shown 2");
     EXPECT_EQ(addresses, std::vector<std::string>{});
@@ -93,7 +86,7 @@ TEST_F(WebProcessEndTest, aHiddenPageComesBackOnceItIsLookedAt) {
     const auto hidden = openCounting("/hidden");
     const auto hiddensProcess = process;
     const auto shown = openCounting("/shown", hidden);
-    ASSERT_TRUE(kill(hidden, {hiddensProcess}));
+    ASSERT_TRUE(killWebProcesses(*hidden->webView(), {hiddensProcess}));
     // Whatever could follow has followed once another page has come and gone.
     ASSERT_TRUE(loadPage(shown, "/later"));
     expectUnchanged(hidden, "/hidden", "/hidden 1");
@@ -106,9 +99,9 @@ TEST_F(WebProcessEndTest, aHiddenPageComesBackOnceItIsLookedAt) {
 
 TEST_F(WebProcessEndTest, aSecondEndWithinAMinuteWaitsForTheReloadButton) {
     const auto tab = openCounting("/page");
-    ASSERT_TRUE(kill(tab, {process}));
+    ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
-    ASSERT_TRUE(kill(tab, webProcesses()));
+    ASSERT_TRUE(killWebProcesses(*tab->webView(), webProcesses()));
     ASSERT_TRUE(loadPage(openTab(), "/later"));
     expectUnchanged(tab, "/page", "/page 2");
     EXPECT_FALSE(tab->webView()->isLoading());
@@ -122,7 +115,7 @@ TEST_F(WebProcessEndTest, aLoadUnderWayBeginsAnew) {
     server.route("/held", heldResponse());
     tab->load(serverURL("/held"));
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
-    ASSERT_TRUE(kill(tab, {process}));
+    ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 2; }));
     EXPECT_EQ(tab->addressField()->stringValue(), server.url("/held"));
     server.release("/held");
@@ -138,7 +131,7 @@ TEST_F(WebProcessEndTest, aLoadUnderWayInAHiddenTabBeginsAnewOnceItIsLookedAt) {
     hidden->load(serverURL("/endless"));
     ASSERT_TRUE(runUntil([&] { return hidden->window()->title() == "endless"; }));
     const auto shown = openCounting("/shown", hidden);
-    ASSERT_TRUE(kill(hidden, {hiddensProcess}));
+    ASSERT_TRUE(killWebProcesses(*hidden->webView(), {hiddensProcess}));
     ASSERT_TRUE(runUntil([&] { return !hidden->webView()->isLoading(); }));
     expectUnchanged(hidden, "/endless", "endless");
     server.route("/endless", HTTPResponse::page("ended"));
@@ -152,7 +145,7 @@ TEST_F(WebProcessEndTest, aPagesPanelGoesWithIt) {
     const auto tab = openCounting("/page");
     TestSupport::runScript(*tab->webView(), "setTimeout(() => alert('Hello'))");
     ASSERT_TRUE(waitForSheet(tab));
-    ASSERT_TRUE(kill(tab, {process}));
+    ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
     // It stays to be read, and answers nobody.
     if (TestSupport::shownSheet(*tab->window()))

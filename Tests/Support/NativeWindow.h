@@ -6,6 +6,8 @@
 #include "Platform/AppKit/Window.h"
 #include "Platform/WebKit/WebView.h"
 
+#include <sys/types.h>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -153,20 +155,8 @@ std::weak_ptr<void> nativeLifetime(Platform::View& view);
 /// Runs a script in the page, without waiting for it.
 void runScript(Platform::WebView& view, const std::string& script);
 
-/// Waits for the view to be told that its web process has ended.
-class WebProcessEnd {
-public:
-    explicit WebProcessEnd(Platform::WebView& view);
-    WebProcessEnd(const WebProcessEnd&) = delete;
-    WebProcessEnd& operator=(const WebProcessEnd&) = delete;
-    ~WebProcessEnd();
-
-    bool hasCome() const;
-
-private:
-    struct Native;
-    std::unique_ptr<Native> native_;
-};
+/// Kills the processes, the view's web process among them, and waits until the view has been told.
+[[nodiscard]] bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes);
 
 /// As long as it lives, what web views ask of other hosts than this one goes to a port of loopback, as to a
 /// proxy: nothing leaves the machine.

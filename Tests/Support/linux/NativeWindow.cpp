@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <stdexcept>
@@ -450,25 +451,18 @@ void runScript(Platform::WebView& view, const std::string& script) {
                                         nullptr, nullptr, nullptr);
 }
 
-struct WebProcessEnd::Native {
-    bool hasCome = false;
-    Platform::SignalConnection connection;
-};
-
-WebProcessEnd::WebProcessEnd(Platform::WebView& view)
-    : native_(std::make_unique<Native>()) {
+bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes) {
+    bool isTold = false;
     // Connected after the view, and so called after it.
-    native_->connection = Platform::SignalConnection(
+    const Platform::SignalConnection connection(
         widgetOf(view), "web-process-terminated",
-        G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, gpointer native) {
-            static_cast<Native*>(native)->hasCome = true;
+        G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, gpointer told) {
+            *static_cast<bool*>(told) = true;
         }),
-        native_.get());
+        &isTold);
+    return std::ranges::all_of(processes, [](pid_t process) { return ::kill(process, SIGKILL) == 0; }) &&
+           runUntil([&] { return isTold; });
 }
-
-WebProcessEnd::~WebProcessEnd() = default;
-
-bool WebProcessEnd::hasCome() const { return native_->hasCome; }
 
 TrafficRedirection::TrafficRedirection(int port) {
     static constexpr const char* here[] = {"127.0.0.1", "localhost", nullptr};
