@@ -39,8 +39,7 @@ protected:
              blocked("https://evilapple.com/", "evilapple.com")},
             {"an empty page", to("about:blank"), blocked("about:blank", "?")},
             {"another scheme", to("keyloft-test:anything"), blocked("keyloft-test:anything", "?")},
-            // The engine itself takes no page there.
-            {"a page of data", to("data:text/html,data"), {}},
+            {"a page of data", to("data:text/html,data"), blocked("data:text/html,data", "?")},
             {"an empty frame", inFrame("about:blank"), blocked("about:blank", "?")},
             {"a frame of data", inFrame("data:text/html,data"), blocked("data:text/html,data", "?")},
             {"a frame of another host", inFrame("https://other.example/"),
