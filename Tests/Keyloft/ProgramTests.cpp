@@ -292,6 +292,8 @@ TEST_F(ProgramTest, theWindowComesBackAsItWasLeft) {
         askXdotool("search --onlyvisible --name '^New Tab$' windowsize %@ 900 700");
         return geometry("New Tab") == "900x700";
     }));
+    // A key that came together with the new size would be told of first.
+    ASSERT_TRUE(waitForField(*program, "Address"));
     quit(*program);
 
     program = start();

@@ -282,8 +282,9 @@ private:
         setVariable("GIO_USE_VFS", "local");
         setVariable("GSETTINGS_BACKEND", "memory");
         // Whatever these say concerns the session that the tests were started from.
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS",
-                                 "AT_SPI_BUS_ADDRESS", "NO_AT_BRIDGE", "LC_ALL", "LANGUAGE", "GTK_THEME"}) {
+        for (const char* name :
+             {"DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS",
+              "NO_AT_BRIDGE", "LC_ALL", "LANGUAGE", "GTK_THEME", "GTK_A11Y", "GTK_IM_MODULE"}) {
             ::unsetenv(name);
         }
     }
