@@ -38,6 +38,13 @@ TEST_F(ReturnedKeyTest, tabLeadsFromThePageToTheNextControl) {
     EXPECT_TRUE(runUntil([&] { return hasFocus(*tab->webView()); }));
 }
 
+TEST_F(ReturnedKeyTest, theControlThatTabLeadsToIsSeenToHaveTheFocus) {
+    const auto tab = launchWith("/page", HTTPResponse::page("/page"));
+    TestSupport::hideFocus(*tab->window());
+    pressKey("Tab");
+    EXPECT_TRUE(runUntil([&] { return TestSupport::showsFocus(*tab->reloadButton()); }));
+}
+
 // Shift comes back when Tab is already pressed.
 TEST_F(ReturnedKeyTest, aPageThatIsSlowToAnswerIsLeftByOneControlToo) {
     delegate->bookmarks()->add({"One", url("https://one.test/")});

@@ -126,6 +126,10 @@ Platform::Size screenSize();
 
 /// Whether the keyboard goes to the view while its window is active and its tab selected.
 bool hasFocus(Platform::View& view);
+/// Whether it is seen on the view that it has the focus.
+bool showsFocus(Platform::View& view);
+/// As it is when the keyboard has not been used for a while.
+void hideFocus(Platform::Window& window);
 std::string selectedText(Platform::TextField& field);
 /// What the field shows.
 std::string shownText(Platform::TextField& field);

@@ -26,7 +26,12 @@ ReturnedKeys::ReturnedKeys(GtkWindow* toplevel) {
 gboolean ReturnedKeys::pressed(GtkEventControllerKey* keys, guint /*key*/, guint /*code*/,
                                GdkModifierType /*modifiers*/, gpointer self) {
     GdkEvent* event = gtk_event_controller_get_current_event(GTK_EVENT_CONTROLLER(keys));
-    return static_cast<ReturnedKeys*>(self)->isForOther(event) ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
+    if (!static_cast<ReturnedKeys*>(self)->isForOther(event))
+        return GDK_EVENT_PROPAGATE;
+    // As the toolkit does at a key that moves the focus, so that it is seen where it has gone.
+    GtkWidget* toplevel = gtk_event_controller_get_widget(GTK_EVENT_CONTROLLER(keys));
+    gtk_window_set_focus_visible(GTK_WINDOW(toplevel), TRUE);
+    return GDK_EVENT_STOP;
 }
 
 bool ReturnedKeys::isForOther(GdkEvent* event) {

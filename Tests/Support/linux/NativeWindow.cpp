@@ -428,6 +428,14 @@ Platform::Rect sheetButtonFrame(Platform::Window& window, const std::string& tit
     return button != nullptr ? boundsIn(button, pageOf(window)) : Platform::Rect{};
 }
 
+bool showsFocus(Platform::View& view) {
+    return hasFocus(view) && gtk_window_get_focus_visible(GTK_WINDOW(toplevelOf(*view.window()))) == TRUE;
+}
+
+void hideFocus(Platform::Window& window) {
+    gtk_window_set_focus_visible(GTK_WINDOW(toplevelOf(window)), FALSE);
+}
+
 bool hasSheetFocus(Platform::Window& window) {
     GtkWidget* sheet = sheetOf(window);
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(toplevelOf(window)));
