@@ -16,12 +16,12 @@ struct Bookmark {
     std::string title;
     Platform::URL url;
 
-    /// The list that a bookmarks file holds: a JSON array of objects with the strings "title" and "url".
-    /// Other members are passed over. Nothing where the text is not valid JSON or any element lacks a member,
-    /// or its URL is none.
+    /// Reads a bookmarks file: a JSON array of objects with the string members "title" and "url"; other
+    /// members are ignored. Returns nothing if `json` is not valid JSON, if an element lacks one of the two
+    /// members, or if its URL does not parse.
     static std::optional<std::vector<Bookmark>> decode(std::string_view json);
 
-    /// The text of a bookmarks file, in list order.
+    /// Writes a bookmarks file, in list order.
     static std::string encode(std::span<const Bookmark> bookmarks);
 
     friend bool operator==(const Bookmark&, const Bookmark&) = default;

@@ -270,8 +270,4 @@ std::string jsonStringLiteral(std::string_view text) {
     return out;
 }
 
-void appendJSONStringLiteral(std::string& out, std::string_view text) {
-    appendLiteral(out, text, JSONSlashes::escaped);
-}
-
 } // namespace Platform

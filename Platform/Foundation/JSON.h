@@ -92,7 +92,4 @@ std::string prettyJSON(const JSONValue& value);
 /// are.
 std::string jsonStringLiteral(std::string_view text);
 
-/// The same, at the end of `out`.
-void appendJSONStringLiteral(std::string& out, std::string_view text);
-
 } // namespace Platform
