@@ -4,8 +4,6 @@
 #include "Platform/Foundation/NotificationCenter.h"
 #include "Platform/Foundation/URL.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <vector>
 
 namespace KeyloftBrowserKit {
@@ -41,32 +39,11 @@ public:
     void remove(const Platform::URL& url);
 
 private:
-    /// Finds a bookmark by its URL without looking at all of them: a hash table of positions in the list.
-    class Index {
-    public:
-        void rebuild(const std::vector<Bookmark>& bookmarks);
-        /// Takes note of the last bookmark in the list.
-        void append(const std::vector<Bookmark>& bookmarks);
-        bool contains(const std::vector<Bookmark>& bookmarks, const Platform::URL& url) const;
-
-    private:
-        using Position = std::uint32_t;
-
-        void insert(const std::vector<Bookmark>& bookmarks, Position position);
-        /// The slot of the URL, or the free one where it belongs.
-        std::size_t slotFor(const std::vector<Bookmark>& bookmarks, const Platform::URL& url) const;
-
-        /// A power of two, at most half of them taken, so that a free one ends every search. Zero is free,
-        /// anything else a position plus one.
-        std::vector<Position> slots_;
-    };
-
     /// Failure is logged and changes nothing in memory.
     void save();
 
     Platform::URL fileURL_;
     std::vector<Bookmark> bookmarks_;
-    Index index_;
 };
 
 } // namespace KeyloftBrowserKit
