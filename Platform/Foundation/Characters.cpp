@@ -1,158 +1,48 @@
 #include "Platform/Foundation/Characters.h"
 
+#include "Platform/Foundation/FatalError.h"
+
+#include <unicode/brkiter.h>
 #include <unicode/uchar.h>
+#include <unicode/utext.h>
+#include <unicode/utf8.h>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <memory>
 
 namespace Platform {
 
 namespace {
 
 constexpr char32_t replacement = 0xFFFD;
-constexpr char32_t zeroWidthNonJoiner = 0x200C;
 
-bool isASCII(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
-
-/// What the rules of UAX #29 need to know of the code points before a boundary.
-///
-/// The rules are walked here, over ICU's properties, rather than by ICU's break iterator: that one loads its
-/// rules when it is made, which a short text does not repay, and they differ between its versions.
-class ClusterRules {
-public:
-    /// Whether a new character begins with `codePoint`, given all those seen since the last beginning.
-    bool beginsCharacter(char32_t codePoint) {
-        const auto current = static_cast<UGraphemeClusterBreak>(
-            u_getIntPropertyValue(static_cast<UChar32>(codePoint), UCHAR_GRAPHEME_CLUSTER_BREAK));
-        const bool begins = first_ || boundaryBefore(current, codePoint);
-        note(current, codePoint, begins);
-        return begins;
-    }
-
-private:
-    /// Scripts whose letters join over a virama.
-    static bool joinsConsonants(char32_t codePoint) {
-        return (codePoint >= 0x900 && codePoint <= 0x9FF) || (codePoint >= 0xA80 && codePoint <= 0xB7F) ||
-               (codePoint >= 0xC00 && codePoint <= 0xC7F) || (codePoint >= 0xD00 && codePoint <= 0xD7F);
-    }
-    static int syllabicCategory(char32_t codePoint) {
-        return u_getIntPropertyValue(static_cast<UChar32>(codePoint), UCHAR_INDIC_SYLLABIC_CATEGORY);
-    }
-    static bool isConsonant(char32_t codePoint) {
-        return joinsConsonants(codePoint) && syllabicCategory(codePoint) == U_INSC_CONSONANT;
-    }
-    static bool isVirama(char32_t codePoint) {
-        return joinsConsonants(codePoint) && syllabicCategory(codePoint) == U_INSC_VIRAMA;
-    }
-
-    bool boundaryBefore(UGraphemeClusterBreak current, char32_t codePoint) const {
-        if (previous_ == U_GCB_CR && current == U_GCB_LF) {
-            return false;
-        }
-        const auto isControl = [](UGraphemeClusterBreak value) {
-            return value == U_GCB_CR || value == U_GCB_LF || value == U_GCB_CONTROL;
-        };
-        if (isControl(previous_) || isControl(current)) {
-            return true;
-        }
-        switch (current) {
-        case U_GCB_EXTEND:
-        case U_GCB_ZWJ:
-        case U_GCB_SPACING_MARK:
-            return false;
-        case U_GCB_L:
-        case U_GCB_LV:
-        case U_GCB_LVT:
-            if (previous_ == U_GCB_L) {
-                return false;
-            }
-            break;
-        case U_GCB_V:
-            if (previous_ == U_GCB_L || previous_ == U_GCB_LV || previous_ == U_GCB_V) {
-                return false;
-            }
-            break;
-        case U_GCB_T:
-            if (previous_ == U_GCB_LV || previous_ == U_GCB_V || previous_ == U_GCB_LVT ||
-                previous_ == U_GCB_T) {
-                return false;
-            }
-            break;
-        case U_GCB_REGIONAL_INDICATOR:
-            if (previous_ == U_GCB_REGIONAL_INDICATOR && oddIndicators_) {
-                return false;
-            }
-            break;
-        default:
-            break;
-        }
-        if (previous_ == U_GCB_PREPEND) {
-            return false;
-        }
-        if (afterPictographJoiner_ &&
-            u_hasBinaryProperty(static_cast<UChar32>(codePoint), UCHAR_EXTENDED_PICTOGRAPHIC)) {
-            return false;
-        }
-        return !(afterConsonant_ && seenVirama_ && isConsonant(codePoint));
-    }
-
-    void note(UGraphemeClusterBreak current, char32_t codePoint, bool begins) {
-        first_ = false;
-        oddIndicators_ = current == U_GCB_REGIONAL_INDICATOR && (begins || !oddIndicators_);
-        if (current == U_GCB_EXTEND || current == U_GCB_ZWJ) {
-            afterPictographJoiner_ = afterPictograph_ && current == U_GCB_ZWJ;
-            afterConsonant_ = afterConsonant_ && codePoint != zeroWidthNonJoiner;
-            seenVirama_ = afterConsonant_ && (seenVirama_ || isVirama(codePoint));
-            afterPictograph_ = afterPictograph_ && current == U_GCB_EXTEND;
-        } else {
-            afterPictographJoiner_ = false;
-            afterPictograph_ =
-                u_hasBinaryProperty(static_cast<UChar32>(codePoint), UCHAR_EXTENDED_PICTOGRAPHIC) != 0;
-            afterConsonant_ = isConsonant(codePoint);
-            seenVirama_ = false;
-        }
-        previous_ = current;
-    }
-
-    UGraphemeClusterBreak previous_ = U_GCB_OTHER;
-    bool first_ = true;
-    bool oddIndicators_ = false;
-    bool afterPictograph_ = false;
-    bool afterPictographJoiner_ = false;
-    bool afterConsonant_ = false;
-    bool seenVirama_ = false;
-};
-
-/// The offset behind the first `limit` characters, and how many there are up to there.
+/// The offset of the boundary after the first `limit` characters, and how many characters precede it.
 struct Cut {
     std::size_t offset = 0;
     std::size_t count = 0;
 };
 
 Cut cutAt(std::string_view text, std::size_t limit) {
-    Cut cut;
-    ClusterRules rules;
-    std::size_t offset = 0;
-    while (offset < text.size()) {
-        // Between two ASCII bytes there is a boundary unless they are CR LF, whatever came before: no table
-        // is needed.
-        const bool plain = isASCII(text[offset]) &&
-                           (offset + 1 == text.size() || isASCII(text[offset + 1])) && text[offset] != '\r' &&
-                           text[offset] != '\n' && (offset == 0 || isASCII(text[offset - 1]));
-        const std::size_t begin = offset;
-        bool begins = true;
-        if (plain) {
-            ++offset;
-            rules = ClusterRules();
-        } else {
-            begins = rules.beginsCharacter(nextCodePoint(text, offset));
-        }
-        if (begins) {
-            if (cut.count == limit) {
-                cut.offset = begin;
-                return cut;
-            }
-            ++cut.count;
-        }
+    // ICU's offsets have 32 bits. Nothing that is counted or shown here is meant to be as long.
+    text = text.substr(0, std::numeric_limits<std::int32_t>::max());
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<UText, decltype(&utext_close)> characters(
+        utext_openUTF8(nullptr, text.data(), static_cast<std::int64_t>(text.size()), &error), &utext_close);
+    const std::unique_ptr<icu::BreakIterator> iterator(
+        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), error));
+    if (U_SUCCESS(error)) {
+        iterator->setText(characters.get(), error);
     }
-    cut.offset = text.size();
+    if (U_FAILURE(error)) {
+        fatalError(std::string("ICU cannot find the boundaries of characters: ") + u_errorName(error));
+    }
+    Cut cut;
+    while (cut.count < limit && iterator->next() != icu::BreakIterator::DONE) {
+        ++cut.count;
+        cut.offset = static_cast<std::size_t>(iterator->current());
+    }
     return cut;
 }
 
@@ -216,58 +106,17 @@ std::string_view trimmingWhitespaceAndNewlines(std::string_view text) {
 }
 
 char32_t nextCodePoint(std::string_view text, std::size_t& offset) {
-    const auto lead = static_cast<unsigned char>(text[offset]);
-    if (lead < 0x80) {
-        ++offset;
-        return lead;
-    }
-    std::size_t length = 0;
-    char32_t codePoint = 0;
-    char32_t least = 0;
-    if ((lead & 0xE0U) == 0xC0U) {
-        length = 2;
-        codePoint = lead & 0x1FU;
-        least = 0x80;
-    } else if ((lead & 0xF0U) == 0xE0U) {
-        length = 3;
-        codePoint = lead & 0x0FU;
-        least = 0x800;
-    } else if ((lead & 0xF8U) == 0xF0U) {
-        length = 4;
-        codePoint = lead & 0x07U;
-        least = 0x10000;
-    }
-    if (length == 0 || text.size() - offset < length) {
-        ++offset;
-        return replacement;
-    }
-    for (std::size_t position = 1; position < length; ++position) {
-        const auto trail = static_cast<unsigned char>(text[offset + position]);
-        if ((trail & 0xC0U) != 0x80U) {
-            ++offset;
-            return replacement;
-        }
-        codePoint = codePoint << 6U | (trail & 0x3FU);
-    }
-    if (codePoint < least || codePoint > 0x10FFFF || (codePoint >= 0xD800 && codePoint <= 0xDFFF)) {
-        ++offset;
-        return replacement;
-    }
-    offset += length;
-    return codePoint;
+    UChar32 codePoint = 0;
+    U8_NEXT_OR_FFFD(text, offset, text.size(), codePoint);
+    return static_cast<char32_t>(codePoint);
 }
 
 bool isValidUTF8(std::string_view bytes) {
     std::size_t offset = 0;
     while (offset < bytes.size()) {
-        // Most text is ASCII, which needs no decoding.
-        if (static_cast<unsigned char>(bytes[offset]) < 0x80) {
-            ++offset;
-            continue;
-        }
-        const std::size_t before = offset;
-        // A genuine U+FFFD takes three bytes, an ill-formed byte is passed over alone.
-        if (nextCodePoint(bytes, offset) == replacement && offset - before == 1) {
+        UChar32 codePoint = 0;
+        U8_NEXT(bytes, offset, bytes.size(), codePoint);
+        if (codePoint < 0) {
             return false;
         }
     }
@@ -288,25 +137,13 @@ std::string repairingUTF8(std::string_view bytes) {
 }
 
 void appendUTF8(std::string& text, char32_t codePoint) {
-    if (codePoint > 0x10FFFF || (codePoint >= 0xD800 && codePoint <= 0xDFFF)) {
+    if (codePoint > 0x10FFFF || U_IS_SURROGATE(codePoint)) {
         codePoint = replacement;
     }
-    const auto append = [&text](char32_t byte) { text += static_cast<char>(byte); };
-    if (codePoint < 0x80) {
-        append(codePoint);
-    } else if (codePoint < 0x800) {
-        append(0xC0U | codePoint >> 6U);
-        append(0x80U | (codePoint & 0x3FU));
-    } else if (codePoint < 0x10000) {
-        append(0xE0U | codePoint >> 12U);
-        append(0x80U | (codePoint >> 6U & 0x3FU));
-        append(0x80U | (codePoint & 0x3FU));
-    } else {
-        append(0xF0U | codePoint >> 18U);
-        append(0x80U | (codePoint >> 12U & 0x3FU));
-        append(0x80U | (codePoint >> 6U & 0x3FU));
-        append(0x80U | (codePoint & 0x3FU));
-    }
+    std::array<char, U8_MAX_LENGTH> bytes = {};
+    std::size_t length = 0;
+    U8_APPEND_UNSAFE(bytes, length, codePoint);
+    text.append(bytes.data(), length);
 }
 
 } // namespace Platform

@@ -5,13 +5,14 @@
 #include <string>
 #include <string_view>
 
-/// Texts are UTF-8. An ill-formed byte counts as one U+FFFD everywhere here, so that nothing is undefined.
+/// Texts are UTF-8. Every function here reads an ill-formed sequence as one U+FFFD.
 namespace Platform {
 
-/// The number of characters as a person perceives them (extended grapheme clusters; CR LF is one).
+/// The number of user-perceived characters (extended grapheme clusters; CR LF is one). Counts the first 2 GiB
+/// of longer texts.
 std::size_t characterCount(std::string_view text);
 
-/// The first `count` characters; the whole text where it has no more.
+/// The first `count` characters, or the whole text if it has fewer.
 std::string characterPrefix(std::string_view text, std::size_t count);
 
 /// Letters, marks and numbers of all scripts (general categories L, M and N).
@@ -20,7 +21,7 @@ bool isAlphanumeric(char32_t codePoint);
 /// Space separators, tab, the line and paragraph separators, U+0085 and U+200B.
 bool isWhitespaceOrNewline(char32_t codePoint);
 
-/// `text` without what isWhitespaceOrNewline at both ends.
+/// `text` without leading and trailing code points for which `isWhitespaceOrNewline` holds.
 std::string_view trimmingWhitespaceAndNewlines(std::string_view text);
 
 bool isValidUTF8(std::string_view bytes);
@@ -28,10 +29,10 @@ bool isValidUTF8(std::string_view bytes);
 /// `bytes` with each ill-formed sequence replaced by U+FFFD.
 std::string repairingUTF8(std::string_view bytes);
 
-/// The code point at `offset`, which is moved behind it; U+FFFD and one byte on for ill-formed bytes.
+/// Returns the code point at `offset` and moves `offset` past it.
 char32_t nextCodePoint(std::string_view text, std::size_t& offset);
 
-/// Appends the UTF-8 of `codePoint` (U+FFFD's for what is no Unicode scalar value).
+/// Appends the UTF-8 of `codePoint`, or that of U+FFFD if `codePoint` is not a Unicode scalar value.
 void appendUTF8(std::string& text, char32_t codePoint);
 
 } // namespace Platform

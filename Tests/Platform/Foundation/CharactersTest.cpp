@@ -40,6 +40,7 @@ TEST(Characters, prefixNeverSplitsACluster) {
     EXPECT_EQ(characterPrefix(text, 4), "ab\r\ne\u0301");
     EXPECT_EQ(characterPrefix(text, 6), text);
     EXPECT_EQ(characterPrefix(text, 100), text);
+    EXPECT_EQ(characterPrefix("a\xFFz", 2), "a\xFF") << "ill-formed bytes are kept";
 }
 
 TEST(Characters, prefixAndRestCountAsTheWhole) {
@@ -64,6 +65,8 @@ TEST(Characters, illFormedBytesCountAndStayInside) {
     }
     EXPECT_TRUE(Platform::isValidUTF8("\uFFFD\U0010FFFF"));
     EXPECT_EQ(Platform::repairingUTF8("a\xFF\uFFFDz"), "a\uFFFD\uFFFDz");
+    EXPECT_EQ(Platform::repairingUTF8("\xF0\x9F\x98z\x80\x80"), "\uFFFDz\uFFFD\uFFFD")
+        << "a truncated sequence is one, a stray byte is one each";
 }
 
 TEST(Characters, codePointsComeBack) {

@@ -106,7 +106,7 @@ TEST(URL, controlCharactersAndNULAreEncoded) {
 
 TEST(URL, illFormedUTF8IsReplaced) {
     EXPECT_EQ(parsed("https://x.test/\xFF").absoluteString(), "https://x.test/%EF%BF%BD");
-    EXPECT_EQ(parsed("x\xC3?\xE2\x82#\xF0").absoluteString(), "x%EF%BF%BD?%EF%BF%BD%EF%BF%BD#%EF%BF%BD");
+    EXPECT_EQ(parsed("x\xC3?\xE2\x82#\xF0").absoluteString(), "x%EF%BF%BD?%EF%BF%BD#%EF%BF%BD");
     EXPECT_EQ(URL::fromString("https://\xFF.test/"), std::nullopt);
 }
 
