@@ -7,16 +7,11 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstddef>
-#include <cstdint>
-#include <functional>
-#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
-#include <unordered_map>
 #include <vector>
 
 namespace Platform {
@@ -24,27 +19,20 @@ namespace Platform {
 /// A descriptor that is closed with its owner.
 class OwnedDescriptor {
 public:
-    explicit OwnedDescriptor(int descriptor = -1)
+    explicit OwnedDescriptor(int descriptor)
         : descriptor_(descriptor) {}
     OwnedDescriptor(const OwnedDescriptor&) = delete;
     OwnedDescriptor& operator=(const OwnedDescriptor&) = delete;
-    ~OwnedDescriptor() { reset(-1); }
+    ~OwnedDescriptor();
 
     int get() const { return descriptor_; }
-    void reset(int descriptor);
 
 private:
-    int descriptor_;
+    const int descriptor_;
 };
 
-/// What a source is to its queue. Where it is being waited for concerns the queue's thread alone.
+/// The part of a source that its queue shares.
 struct ReadSource::State {
-    enum class Place {
-        nowhere,
-        polled,
-        overflow,
-    };
-
     int descriptor = -1;
     Handler eventHandler;
     Handler cancelHandler;
@@ -52,24 +40,14 @@ struct ReadSource::State {
 
     std::atomic<bool> wanted = false;
     std::atomic<bool> cancelled = false;
-
-    Place place = Place::nowhere;
-    std::uint64_t lastFired = 0;
-
-    static constexpr std::size_t notListed = std::numeric_limits<std::size_t>::max();
-    /// Where it stands in the queue's list; guarded by the queue's mutex.
-    std::size_t index = notListed;
 };
 
-/// A queue's inner life: its thread and everything handed over to it.
-///
-/// The thread waits with poll(), which needs no system call to begin or end waiting for a descriptor:
-/// connections that live for a single exchange are the common case. Beyond a handful, the descriptors that
-/// have been quiet longest move into an epoll set that poll() sees as one more descriptor, so that many idle
-/// ones cost nothing.
+/// The inner state of a queue: its thread and everything handed over to it. The thread waits with poll(),
+/// which needs no system call to begin or end waiting for a descriptor: most connections last for a single
+/// exchange.
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     using Clock = std::chrono::steady_clock;
-    using SourceState = ReadSource::State;
+    using Source = std::shared_ptr<ReadSource::State>;
 
     explicit State(std::string label);
     State(const State&) = delete;
@@ -80,9 +58,10 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     bool isCurrent() const;
     void enqueue(Work item);
     void enqueueAt(Clock::time_point due, Work item);
-    void add(const std::shared_ptr<SourceState>& source);
-    void sourceChanged(const std::shared_ptr<SourceState>& source);
-    /// No more work comes; waits for the thread where that is possible.
+    void add(const Source& source);
+    /// Called after a source was resumed, suspended or cancelled.
+    void sourceChanged();
+    /// No more work comes. Waits for the thread, unless called on it.
     void end();
 
     const std::string label;
@@ -91,39 +70,27 @@ private:
     void wakeIfAsleep();
     void run();
     void takeTurn();
-    void takeOver();
-    void removeFromList(SourceState& source);
-    static void retire(SourceState& source);
-    void watch(const std::shared_ptr<SourceState>& source);
-    void unwatch(const std::shared_ptr<SourceState>& source);
-    void makeRoom();
-    int waitMilliseconds();
-    void wait(int milliseconds);
-    void collectOverflow();
-    void fire(const std::shared_ptr<SourceState>& source);
+    bool prepareToWait();
+    int waitMilliseconds() const;
+    void wait();
 
     std::mutex mutex_;
     // Guarded by the mutex.
     std::vector<Work> work_;
     std::multimap<Clock::time_point, Work> delayed_;
-    std::vector<std::shared_ptr<SourceState>> changed_;
-    std::vector<std::shared_ptr<SourceState>> sources_;
+    /// All sources whose cancel handlers have not run.
+    std::vector<Source> sources_;
     bool ended_ = false;
 
-    /// Whether the thread waits, or is about to, and must be woken. Set with the mutex held.
+    /// True from just before the thread waits until it is woken. Set with the mutex held.
     std::atomic<bool> asleep_ = false;
     std::thread thread_;
     OwnedDescriptor wake_;
-    // The queue's thread's own.
-    OwnedDescriptor overflow_;
-    std::vector<Work> running_;
-    std::vector<std::shared_ptr<SourceState>> changing_;
-    std::vector<std::shared_ptr<SourceState>> retiring_;
+    // Used by the queue's thread alone.
+    int timeout_ = 0;
+    /// The descriptors of `waiting_`, then the one that wakes the thread.
     std::vector<pollfd> polled_;
-    std::vector<std::shared_ptr<SourceState>> polledSources_;
-    std::unordered_map<const SourceState*, std::shared_ptr<SourceState>> overflowSources_;
-    std::vector<std::shared_ptr<SourceState>> ready_;
-    std::uint64_t turn_ = 0;
+    std::vector<Source> waiting_;
 };
 
 } // namespace Platform

@@ -22,7 +22,7 @@ void ReadSource::setCancelHandler(Handler handler) { state_->cancelHandler = std
 void ReadSource::resume() {
     if (!state_->wanted.exchange(true)) {
         if (const auto queue = state_->queue.lock()) {
-            queue->sourceChanged(state_);
+            queue->sourceChanged();
         }
     }
 }
@@ -30,7 +30,7 @@ void ReadSource::resume() {
 void ReadSource::suspend() {
     if (state_->wanted.exchange(false)) {
         if (const auto queue = state_->queue.lock()) {
-            queue->sourceChanged(state_);
+            queue->sourceChanged();
         }
     }
 }
@@ -38,7 +38,7 @@ void ReadSource::suspend() {
 void ReadSource::cancel() {
     if (!state_->cancelled.exchange(true)) {
         if (const auto queue = state_->queue.lock()) {
-            queue->sourceChanged(state_);
+            queue->sourceChanged();
         }
     }
 }

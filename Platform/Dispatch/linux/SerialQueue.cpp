@@ -4,16 +4,16 @@
 #include "Platform/Foundation/FatalError.h"
 
 #include <pthread.h>
-#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <condition_variable>
 #include <csignal>
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <limits>
 #include <system_error>
 #include <utility>
@@ -21,14 +21,6 @@
 namespace Platform {
 
 namespace {
-
-/// How many sources poll() itself waits for.
-constexpr std::size_t polledSourcesLimit = 16;
-
-/// Where poll() finds the queue's own descriptors.
-constexpr std::size_t wakeIndex = 0;
-constexpr std::size_t overflowIndex = 1;
-constexpr std::size_t firstSourceIndex = 2;
 
 thread_local const void* currentQueue = nullptr;
 
@@ -58,24 +50,13 @@ sigset_t signalsForOthers() {
     return set;
 }
 
-[[noreturn]] void stopOnError(const char* call, int error) {
-    fatalError(std::string(call) + ": " + std::generic_category().message(error));
-}
-
 } // namespace
 
-void OwnedDescriptor::reset(int descriptor) {
-    if (descriptor_ >= 0) {
-        close(descriptor_);
-    }
-    descriptor_ = descriptor;
-}
+OwnedDescriptor::~OwnedDescriptor() { close(descriptor_); }
 
 SerialQueue::State::State(std::string name)
     : label(std::move(name))
-    , wake_(makeWakeDescriptor())
-    , polled_{{.fd = wake_.get(), .events = POLLIN, .revents = 0}, {.fd = -1, .events = POLLIN, .revents = 0}}
-    , polledSources_(firstSourceIndex) {}
+    , wake_(makeWakeDescriptor()) {}
 
 bool SerialQueue::State::isCurrent() const { return currentQueue == this; }
 
@@ -112,15 +93,13 @@ void SerialQueue::State::enqueueAt(Clock::time_point due, Work item) {
     wakeIfAsleep();
 }
 
-void SerialQueue::State::add(const std::shared_ptr<SourceState>& source) {
+void SerialQueue::State::add(const Source& source) {
     const std::scoped_lock lock(mutex_);
-    source->index = sources_.size();
     sources_.push_back(source);
 }
 
-void SerialQueue::State::sourceChanged(const std::shared_ptr<SourceState>& source) {
+void SerialQueue::State::sourceChanged() {
     const std::scoped_lock lock(mutex_);
-    changed_.push_back(source);
     wakeIfAsleep();
 }
 
@@ -129,9 +108,7 @@ void SerialQueue::State::end() {
         const std::scoped_lock lock(mutex_);
         ended_ = true;
         for (const auto& source : sources_) {
-            if (!source->cancelled.exchange(true)) {
-                changed_.push_back(source);
-            }
+            source->cancelled = true;
         }
         wakeIfAsleep();
     }
@@ -145,84 +122,69 @@ void SerialQueue::State::end() {
 void SerialQueue::State::run() {
     currentQueue = this;
     nameThread(label);
-    for (;;) {
+    takeTurn();
+    while (prepareToWait()) {
+        wait();
         takeTurn();
-        const int milliseconds = waitMilliseconds();
-        if (milliseconds == std::numeric_limits<int>::min()) {
-            return;
-        }
-        wait(milliseconds);
-        for (const auto& source : ready_) {
-            fire(source);
-            // What the handler handed over (a reply, mostly) goes before the next handler.
-            takeTurn();
-        }
-        ready_.clear();
     }
 }
 
-/// Runs what has been handed over by now, and then the cancel handlers of sources cancelled by now.
+/// Runs the work that is due, then the cancel handlers of the sources cancelled by then.
 void SerialQueue::State::takeTurn() {
-    takeOver();
-    for (const auto& source : changing_) {
-        if (source->wanted && !source->cancelled) {
-            watch(source);
-        } else {
-            unwatch(source);
-        }
+    std::vector<Work> running;
+    std::vector<Source> retiring;
+    {
+        const std::scoped_lock lock(mutex_);
+        const auto due = delayed_.upper_bound(Clock::now());
+        std::for_each(delayed_.begin(), due,
+                      [this](auto& delayed) { work_.push_back(std::move(delayed.second)); });
+        delayed_.erase(delayed_.begin(), due);
+        running.swap(work_);
+        const auto cancelled =
+            std::ranges::partition(sources_, [](const Source& source) { return !source->cancelled; });
+        retiring.assign(std::move_iterator(cancelled.begin()), std::move_iterator(cancelled.end()));
+        sources_.erase(cancelled.begin(), cancelled.end());
     }
-    changing_.clear();
-    for (auto& item : running_) {
+    for (auto& item : running) {
         item();
-        // Released here and now, as the next item may count on it.
+        // The next item may rely on this one's release.
         item = nullptr;
     }
-    running_.clear();
-    for (const auto& source : retiring_) {
-        retire(*source);
+    for (const auto& source : retiring) {
+        if (source->cancelHandler) {
+            source->cancelHandler();
+        }
+        source->eventHandler = nullptr;
+        source->cancelHandler = nullptr;
     }
-    retiring_.clear();
 }
 
-/// The one look at what other threads see.
-void SerialQueue::State::takeOver() {
+/// Decides what to wait for. Returns false once the queue has ended and nothing is left to do.
+bool SerialQueue::State::prepareToWait() {
+    polled_.clear();
+    waiting_.clear();
     const std::scoped_lock lock(mutex_);
-    if (!delayed_.empty()) {
-        const auto now = Clock::now();
-        while (!delayed_.empty() && delayed_.begin()->first <= now) {
-            work_.push_back(std::move(delayed_.begin()->second));
-            delayed_.erase(delayed_.begin());
+    if (ended_ && work_.empty() && sources_.empty()) {
+        return false;
+    }
+    timeout_ = waitMilliseconds();
+    asleep_ = timeout_ != 0;
+    for (const auto& source : sources_) {
+        if (source->wanted) {
+            polled_.push_back({.fd = source->descriptor, .events = POLLIN, .revents = 0});
+            waiting_.push_back(source);
         }
     }
-    running_.swap(work_);
-    changing_.swap(changed_);
-    for (const auto& source : changing_) {
-        if (source->cancelled && source->index != SourceState::notListed) {
-            removeFromList(*source);
-            retiring_.push_back(source);
-        }
-    }
+    polled_.push_back({.fd = wake_.get(), .events = POLLIN, .revents = 0});
+    return true;
 }
 
-void SerialQueue::State::removeFromList(SourceState& source) {
-    const auto index = std::exchange(source.index, SourceState::notListed);
-    if (index + 1 != sources_.size()) {
-        sources_[index] = std::move(sources_.back());
-        sources_[index]->index = index;
-    }
-    sources_.pop_back();
-}
-
-/// How long there is nothing to do: no limit (-1), some time, or for good (the least integer).
-int SerialQueue::State::waitMilliseconds() {
-    const std::scoped_lock lock(mutex_);
-    if (!work_.empty() || !changed_.empty()) {
+/// The time until there is something to do, or -1 for no limit.
+int SerialQueue::State::waitMilliseconds() const {
+    const auto isCancelled = [](const Source& source) { return source->cancelled.load(); };
+    if (!work_.empty() || std::ranges::any_of(sources_, isCancelled)) {
         return 0;
     }
-    if (ended_ && sources_.empty()) {
-        return std::numeric_limits<int>::min();
-    }
-    asleep_ = true;
     if (delayed_.empty()) {
         return -1;
     }
@@ -231,110 +193,32 @@ int SerialQueue::State::waitMilliseconds() {
     return static_cast<int>(std::clamp<decltype(left)>(left, 0, std::numeric_limits<int>::max()));
 }
 
-void SerialQueue::State::retire(SourceState& source) {
-    if (source.cancelHandler) {
-        source.cancelHandler();
-    }
-    source.eventHandler = nullptr;
-    source.cancelHandler = nullptr;
-}
-
-void SerialQueue::State::watch(const std::shared_ptr<SourceState>& source) {
-    if (source->place != SourceState::Place::nowhere) {
-        return;
-    }
-    if (polled_.size() >= firstSourceIndex + polledSourcesLimit) {
-        makeRoom();
-    }
-    polled_.push_back({.fd = source->descriptor, .events = POLLIN, .revents = 0});
-    polledSources_.push_back(source);
-    source->place = SourceState::Place::polled;
-    source->lastFired = turn_;
-}
-
-void SerialQueue::State::unwatch(const std::shared_ptr<SourceState>& source) {
-    if (source->place == SourceState::Place::polled) {
-        const auto found = std::find(polledSources_.begin() + firstSourceIndex, polledSources_.end(), source);
-        const auto index = static_cast<std::size_t>(found - polledSources_.begin());
-        polled_[index] = polled_.back();
-        polled_.pop_back();
-        polledSources_[index] = std::move(polledSources_.back());
-        polledSources_.pop_back();
-    } else if (source->place == SourceState::Place::overflow) {
-        // On the queue its owner may have closed the descriptor already, which took it out of the set as
-        // well.
-        epoll_ctl(overflow_.get(), EPOLL_CTL_DEL, source->descriptor, nullptr);
-        overflowSources_.erase(source.get());
-    }
-    source->place = SourceState::Place::nowhere;
-}
-
-/// Moves the source that has been quiet longest into the epoll set. Where the system refuses, poll() waits
-/// for one more descriptor: slower, and nothing else.
-void SerialQueue::State::makeRoom() {
-    if (overflow_.get() < 0) {
-        overflow_.reset(epoll_create1(EPOLL_CLOEXEC));
-        polled_[overflowIndex].fd = overflow_.get();
-    }
-    const auto quietest = std::min_element(
-        polledSources_.begin() + firstSourceIndex, polledSources_.end(),
-        [](const auto& left, const auto& right) { return left->lastFired < right->lastFired; });
-    auto source = *quietest; // a copy, as unwatching moves what the place holds
-    epoll_event event = {};
-    event.events = EPOLLIN;
-    event.data.ptr = source.get();
-    if (epoll_ctl(overflow_.get(), EPOLL_CTL_ADD, source->descriptor, &event) == 0) {
-        unwatch(source);
-        overflowSources_.emplace(source.get(), source);
-        source->place = SourceState::Place::overflow;
-    }
-}
-
-void SerialQueue::State::wait(int milliseconds) {
-    const int count = poll(polled_.data(), polled_.size(), milliseconds);
+void SerialQueue::State::wait() {
+    const int count = poll(polled_.data(), polled_.size(), timeout_);
     if (count < 0 && errno != EINTR) {
-        stopOnError("poll", errno);
+        fatalError("poll: " + std::generic_category().message(errno));
     }
     asleep_ = false;
     if (count <= 0) {
         return;
     }
-    ++turn_;
-    if (polled_[wakeIndex].revents != 0) {
+    if (polled_.back().revents != 0) {
         std::uint64_t wakes = 0;
         [[maybe_unused]] const auto taken = read(wake_.get(), &wakes, sizeof wakes);
     }
-    for (std::size_t index = firstSourceIndex; index < polled_.size(); ++index) {
-        if (polled_[index].revents != 0) {
-            if ((polled_[index].revents & POLLNVAL) != 0 && !polledSources_[index]->cancelled) {
-                fatalError("a descriptor was closed before its read source was cancelled, on queue " + label);
-            }
-            ready_.push_back(polledSources_[index]);
+    for (std::size_t index = 0; index < waiting_.size(); ++index) {
+        const auto& source = waiting_[index];
+        if (polled_[index].revents == 0 || source->cancelled || !source->wanted) {
+            continue;
         }
-    }
-    if (polled_[overflowIndex].revents != 0) {
-        collectOverflow();
-    }
-}
-
-void SerialQueue::State::collectOverflow() {
-    std::array<epoll_event, 64> events = {};
-    const int count = epoll_wait(overflow_.get(), events.data(), static_cast<int>(events.size()), 0);
-    for (int index = 0; index < count; ++index) {
-        const auto* address = static_cast<SourceState*>(events.at(static_cast<std::size_t>(index)).data.ptr);
-        if (const auto found = overflowSources_.find(address); found != overflowSources_.end()) {
-            ready_.push_back(found->second);
+        if ((polled_[index].revents & POLLNVAL) != 0) {
+            fatalError("a descriptor was closed before its read source was cancelled, on queue " + label);
         }
-    }
-}
-
-void SerialQueue::State::fire(const std::shared_ptr<SourceState>& source) {
-    if (source->cancelled || !source->wanted) {
-        return;
-    }
-    source->lastFired = turn_;
-    if (source->eventHandler) {
-        source->eventHandler();
+        if (source->eventHandler) {
+            source->eventHandler();
+        }
+        // Work that the handler handed over, such as a reply, goes before the next handler.
+        takeTurn();
     }
 }
 
