@@ -4,6 +4,7 @@
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/Foundation/FatalError.h"
+#include "Platform/Foundation/ObserverList.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/Timer.h"
 #include "Platform/WebKit/linux/LoadError.h"
@@ -116,12 +117,6 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     Engine& operator=(const Engine&) = delete;
     ~Engine() override;
 
-    struct Observer {
-        Property property;
-        std::function<void()> changed;
-        bool ended = false;
-    };
-
     /// How far the navigation that the program asked for has come, or one that the page began itself from
     /// `started` on.
     enum class Phase {
@@ -141,7 +136,6 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
         connections.emplace_back(instance, signal, G_CALLBACK(callback), this);
     }
 
-    void tell(Property property);
     template <typename Value>
     void update(Value& value, Value now, Property property);
     void updateURL();
@@ -202,7 +196,7 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     bool canGoForward = false;
     double estimatedProgress = 0;
     bool isLoading = false;
-    std::vector<std::shared_ptr<Observer>> observers;
+    ObserverList<Property> observers;
 
     std::weak_ptr<NavigationDelegate> navigationDelegate;
     std::weak_ptr<UIDelegate> uiDelegate;
@@ -316,20 +310,12 @@ WebView::Engine::~Engine() {
 
 // Observation
 
-void WebView::Engine::tell(Property property) {
-    const auto present = observers;
-    for (const auto& observer : present) {
-        if (observer->property == property && !observer->ended)
-            observer->changed();
-    }
-}
-
 template <typename Value>
 void WebView::Engine::update(Value& value, Value now, Property property) {
     if (value == now)
         return;
     value = std::move(now);
-    tell(property);
+    observers.notify(property);
 }
 
 void WebView::Engine::updateURL() {
@@ -861,15 +847,9 @@ bool WebView::isLoading() const { return engine_->isLoading; }
 
 Observation WebView::observe(Property property, std::function<void()> changed) {
     assertMainThread("WebView::observe");
-    const auto observer = std::make_shared<Engine::Observer>(property, std::move(changed));
-    engine_->observers.push_back(observer);
-    return Observation([engine = std::weak_ptr(engine_), weak = std::weak_ptr(observer)] {
-        const auto observer = weak.lock();
-        if (!observer)
-            return;
-        observer->ended = true;
-        if (const auto alive = engine.lock())
-            std::erase(alive->observers, observer);
+    return engine_->observers.add([property, changed = std::move(changed)](Property changedProperty) {
+        if (changedProperty == property)
+            changed();
     });
 }
 

@@ -47,14 +47,7 @@ bool WebView::isLoading() const { return engine_->view().loading; }
 
 Observation WebView::observe(Property property, std::function<void()> changed) {
     assertMainThread("WebView::observe");
-    const auto observer = engine_->addObserver(property, std::move(changed));
-    return Observation([engine = std::weak_ptr(engine_), weak = std::weak_ptr(observer)] {
-        const auto observed = engine.lock();
-        const auto ended = weak.lock();
-        if (observed != nullptr && ended != nullptr) {
-            observed->removeObserver(ended);
-        }
-    });
+    return engine_->observe(property, std::move(changed));
 }
 
 void WebView::load(const URLRequest& request) {

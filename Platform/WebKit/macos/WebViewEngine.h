@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/ObserverList.h"
 #include "Platform/WebKit/WebView.h"
 #include "Platform/WebKit/macos/Reply.h"
 
@@ -10,7 +11,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 @class KeyloftWebViewDelegate;
 
@@ -27,12 +27,6 @@ public:
     using AlertReply = Reply<>;
     using ConfirmReply = Reply<bool>;
 
-    struct Observer {
-        Property property;
-        std::function<void()> changed;
-        bool ended = false;
-    };
-
     explicit WebViewEngine(WebViewConfiguration& configuration);
     WebViewEngine(const WebViewEngine&) = delete;
     WebViewEngine& operator=(const WebViewEngine&) = delete;
@@ -45,8 +39,7 @@ public:
     const std::optional<URL>& url() const { return url_; }
     const std::optional<std::string>& title() const { return title_; }
 
-    std::shared_ptr<Observer> addObserver(Property property, std::function<void()> changed);
-    void removeObserver(const std::shared_ptr<Observer>& observer);
+    Observation observe(Property property, std::function<void()> changed);
 
     void load(const URLRequest& request);
     void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);
@@ -89,7 +82,6 @@ private:
     /// The owner, kept alive for the caller; nothing when it is on its way out.
     std::shared_ptr<WebView> keep() const { return owner_.lock(); }
 
-    void tell(Property property);
     template <typename Value>
     void update(Value& value, Value now, Property property);
     void updateURL();
@@ -107,7 +99,7 @@ private:
 
     std::optional<URL> url_;
     std::optional<std::string> title_;
-    std::vector<std::shared_ptr<Observer>> observers_;
+    ObserverList<Property> observers_;
 
     std::weak_ptr<NavigationDelegate> navigationDelegate_;
     std::weak_ptr<UIDelegate> uiDelegate_;

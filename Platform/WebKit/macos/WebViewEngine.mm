@@ -105,27 +105,12 @@ WebViewEngine::~WebViewEngine() {
 
 // Observation
 
-std::shared_ptr<WebViewEngine::Observer> WebViewEngine::addObserver(Property property,
-                                                                    std::function<void()> changed) {
-    const auto observer = std::make_shared<Observer>();
-    observer->property = property;
-    observer->changed = std::move(changed);
-    observers_.push_back(observer);
-    return observer;
-}
-
-void WebViewEngine::removeObserver(const std::shared_ptr<Observer>& observer) {
-    observer->ended = true;
-    std::erase(observers_, observer);
-}
-
-void WebViewEngine::tell(Property property) {
-    const auto present = observers_;
-    for (const auto& observer : present) {
-        if (observer->property == property && !observer->ended) {
-            observer->changed();
+Observation WebViewEngine::observe(Property property, std::function<void()> changed) {
+    return observers_.add([property, changed = std::move(changed)](Property changedProperty) {
+        if (changedProperty == property) {
+            changed();
         }
-    }
+    });
 }
 
 template <typename Value>
@@ -134,7 +119,7 @@ void WebViewEngine::update(Value& value, Value now, Property property) {
         return;
     }
     value = std::move(now);
-    tell(property);
+    observers_.notify(property);
 }
 
 void WebViewEngine::updateURL() {
@@ -166,7 +151,7 @@ void WebViewEngine::propertyChanged(Property property) noexcept {
     case Property::canGoForward:
     case Property::estimatedProgress:
     case Property::isLoading:
-        tell(property);
+        observers_.notify(property);
         break;
     }
 }
