@@ -119,6 +119,8 @@ std::optional<std::string> URL::password() const {
     return password ? std::optional<std::string>(*password) : std::nullopt;
 }
 
+std::optional<std::string_view> URL::percentEncodedUser() const& { return optionalView(user_); }
+
 std::optional<std::string_view> URL::percentEncodedHost() const& { return optionalView(host_); }
 
 std::string_view URL::percentEncodedPath() const& { return view(path_); }

@@ -37,7 +37,8 @@ public:
     /// As written (no case folding). Empty, but present, for a text that begins with ":".
     std::optional<std::string_view> scheme() const&;
     std::optional<std::string_view> scheme() const&& = delete;
-    /// Percent-decoded, an IP literal without its brackets. Absent where there is no authority.
+    /// Percent-decoded, an IP literal without its brackets. Absent without an authority, and if the bytes are
+    /// not UTF-8.
     std::optional<std::string> host() const;
     /// Absent too where the number is too large for 64 bits.
     std::optional<std::int64_t> port() const;
@@ -50,11 +51,14 @@ public:
     /// Percent-encoded, without "#".
     std::optional<std::string_view> fragment() const&;
     std::optional<std::string_view> fragment() const&& = delete;
-    /// Percent-decoded.
+    /// Percent-decoded. Absent without user information, and if the bytes are not UTF-8.
     std::optional<std::string> user() const;
     /// Percent-encoded.
     std::optional<std::string> password() const;
 
+    /// As in the text. Present, if only empty, in every URL that has user information.
+    std::optional<std::string_view> percentEncodedUser() const&;
+    std::optional<std::string_view> percentEncodedUser() const&& = delete;
     /// As in the text, an IP literal with its brackets.
     std::optional<std::string_view> percentEncodedHost() const&;
     std::optional<std::string_view> percentEncodedHost() const&& = delete;

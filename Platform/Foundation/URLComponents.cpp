@@ -76,7 +76,7 @@ std::optional<std::string> URLComponents::user() const { return decodedPart(user
 std::optional<std::string> URLComponents::password() const { return decodedPart(password_); }
 
 std::optional<std::string> URLComponents::host() const {
-    return host_ ? std::optional(URLEncoding::decodedHost(*host_)) : std::nullopt;
+    return host_ ? URLEncoding::decodedHost(*host_) : std::nullopt;
 }
 
 std::string URLComponents::path() const { return URLEncoding::decoded(path_).value_or(std::string()); }
@@ -114,7 +114,7 @@ std::optional<std::vector<URLQueryItem>> URLComponents::queryItems() const {
         for (URLQueryItem& item : *items) {
             item.name = URLEncoding::decoded(item.name).value_or(std::string());
             if (item.value) {
-                item.value = URLEncoding::decoded(*item.value).value_or(std::string());
+                item.value = URLEncoding::decoded(*item.value);
             }
         }
     }

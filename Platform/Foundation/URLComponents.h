@@ -20,10 +20,10 @@ struct URLQueryItem {
 
 /// The parts of a URL, to be read and changed one by one, as Foundation does it.
 ///
-/// Parts are kept percent-encoded; the plain getters decode (nothing, or empty text, where the bytes are no
-/// UTF-8), the plain setters encode what their part may not hold. Setters named percentEncoded take text that
-/// is encoded already; what is not valid in it is encoded rather than refused. Setting nothing removes the
-/// part.
+/// Parts are kept percent-encoded; the plain getters decode and return nothing (`path` an empty text) if the
+/// bytes are not UTF-8 or the host is not a valid international one; the plain setters encode what their part
+/// may not hold. Setters named percentEncoded take text that is encoded already; what is not valid in it is
+/// encoded rather than refused. Setting nothing removes the part.
 class URLComponents {
 public:
     /// All parts absent and an empty path.
@@ -46,8 +46,9 @@ public:
     std::optional<std::string> fragment() const;
     const std::optional<std::string>& percentEncodedFragment() const { return fragment_; }
 
-    /// The query cut at "&" and each piece at its first "=", decoded; "+" stays a plus sign. Absent without a
-    /// query, an empty list for an empty one.
+    /// The query cut at "&" and each piece at its first "=", decoded; "+" stays a plus sign. A name that does
+    /// not decode to UTF-8 is empty, such a value absent. Absent without a query, an empty list for an empty
+    /// one.
     std::optional<std::vector<URLQueryItem>> queryItems() const;
     /// The same, percent-encoded as stored.
     std::optional<std::vector<URLQueryItem>> percentEncodedQueryItems() const;

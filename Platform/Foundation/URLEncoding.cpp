@@ -186,7 +186,16 @@ bool isValidIPLiteral(std::string_view host) {
 }
 
 bool isValidHost(std::string_view host) {
-    return isIPLiteral(host) ? isValidIPLiteral(host) : isValid(host, Allowed::host);
+    return isIPLiteral(host) ? host.ends_with(']') && isValidIPLiteral(host) : isValid(host, Allowed::host);
+}
+
+/// `text` with ASCII's capital letters made small.
+std::string lowered(std::string_view text) {
+    std::string out(text);
+    std::ranges::transform(out, out.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return out;
 }
 
 /// Schemes whose "hosts" are no domain names and are percent-encoded.
@@ -210,11 +219,7 @@ bool hasNoDomainNames(std::string_view scheme) {
         "ws+unix",
         "wss+unix",
     });
-    std::string lowered(scheme);
-    std::ranges::transform(lowered, lowered.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return std::ranges::find(schemes, lowered) != schemes.end();
+    return std::ranges::find(schemes, lowered(scheme)) != schemes.end();
 }
 
 const icu::IDNA* idna() {
@@ -234,12 +239,14 @@ const icu::IDNA* idna() {
 
 enum class Direction { toASCII, toUnicode };
 
+/// Converts a domain name by UTS #46. Returns nothing if that fails.
 std::optional<std::string> convertedName(std::string_view name, Direction direction) {
-    // Lengths and hyphens are the resolver's business, not a reason to refuse the text.
-    constexpr std::uint32_t tolerated = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LABEL_TOO_LONG |
-                                        UIDNA_ERROR_DOMAIN_NAME_TOO_LONG | UIDNA_ERROR_LEADING_HYPHEN |
-                                        UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
-    constexpr std::size_t longest = 1U << 16U;
+    // A URL is not built from a name that a resolver refuses, but such a name can be shown. ICU checks
+    // lengths only on the way to ASCII.
+    constexpr std::uint32_t shown = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LEADING_HYPHEN |
+                                    UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
+    // In bytes, of the name and of its conversion, as in Foundation.
+    constexpr std::size_t longest = 2048;
     if (idna() == nullptr || name.size() > longest) {
         return std::nullopt;
     }
@@ -253,7 +260,9 @@ std::optional<std::string> convertedName(std::string_view name, Direction direct
     } else {
         idna()->nameToUnicodeUTF8(piece, sink, info, error);
     }
-    if (U_FAILURE(error) || (info.getErrors() & ~tolerated) != 0) {
+    const std::uint32_t tolerated = direction == Direction::toUnicode ? shown : 0;
+    if (U_FAILURE(error) || (info.getErrors() & ~tolerated) != 0 || converted.empty() ||
+        converted.size() > longest) {
         return std::nullopt;
     }
     return converted;
@@ -310,8 +319,8 @@ std::string encodedPath(std::string_view path) {
 }
 
 std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme) {
-    if (host.empty()) {
-        return std::string();
+    if (isValidHost(host)) {
+        return std::string(host);
     }
     if (isIPLiteral(host)) {
         // A zone's "%" that is not written encoded is taken for what is meant.
@@ -321,7 +330,7 @@ std::optional<std::string> encodedHost(std::string_view host, std::optional<std:
             const std::string_view zone = host.substr(bare.size() + 1, host.size() - bare.size() - 2);
             literal = std::string(bare) + "%25" + encoded(zone, Allowed::host) + "]";
         }
-        return literal.ends_with(']') && isValidIPLiteral(literal) ? std::optional(literal) : std::nullopt;
+        return isValidHost(literal) ? std::optional(literal) : std::nullopt;
     }
     if (scheme && hasNoDomainNames(*scheme)) {
         return encoded(host, Allowed::host);
@@ -353,13 +362,16 @@ std::optional<std::string> decoded(std::string_view text) {
     return out;
 }
 
-std::string decodedHost(std::string_view host) {
-    if (host.contains("xn--")) {
-        if (auto converted = convertedName(host, Direction::toUnicode)) {
-            return *std::move(converted);
-        }
+std::optional<std::string> decodedHost(std::string_view host) {
+    if (host.empty() || host.contains('%')) {
+        return decoded(host);
     }
-    return decoded(host).value_or(std::string());
+    auto converted = convertedName(host, Direction::toUnicode);
+    // The conversion folds case; a host that it changes in nothing else stays as written.
+    if (converted == lowered(host)) {
+        return std::string(host);
+    }
+    return converted;
 }
 
 bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
@@ -372,10 +384,9 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
     const auto holds = [](std::optional<std::string_view> part, Allowed allowed) {
         return !part || isValid(*part, allowed);
     };
-    const bool hostHolds = !parts.host || isValidHost(*parts.host);
-    if (holds(parts.user, Allowed::user) && holds(parts.password, Allowed::user) && hostHolds &&
-        isValid(parts.path, Allowed::path) && holds(parts.query, Allowed::query) &&
-        holds(parts.fragment, Allowed::query)) {
+    if (holds(parts.user, Allowed::user) && holds(parts.password, Allowed::user) &&
+        (!parts.host || isValidHost(*parts.host)) && isValid(parts.path, Allowed::path) &&
+        holds(parts.query, Allowed::query) && holds(parts.fragment, Allowed::query)) {
         return true;
     }
 
@@ -399,13 +410,11 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
             }
             out += '@';
         }
-        if (hostHolds) {
-            out += *old.host;
-        } else if (const auto host = encodedHost(*old.host, old.scheme)) {
-            out += *host;
-        } else {
+        const auto host = encodedHost(*old.host, old.scheme);
+        if (!host) {
             return false;
         }
+        out += *host;
         // What is put together anew spells its port as a number, or not at all.
         if (parsed.port) {
             out += ':';

@@ -60,14 +60,15 @@ std::string encodedUnlessValid(std::string_view text, Allowed allowed);
 /// A ":" in the first segment of a path that does not begin with "/" is encoded too, lest it be read as a
 /// scheme's.
 std::string encodedPath(std::string_view path);
-/// The host in the form that a URL holds, or nothing where it can be none. `scheme` decides between IDNA and
-/// escapes.
+/// `host` itself if a URL can hold it, else its ASCII form or, if `scheme` has no domain names, with escapes.
+/// Returns nothing if it has no such form.
 std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme);
 
 /// The bytes that `text` stands for, or nothing where they are no UTF-8. An invalid escape stands for itself.
 std::optional<std::string> decoded(std::string_view text);
-/// A host for people: Unicode for an IDNA one.
-std::string decodedHost(std::string_view host);
+/// The host that a URL's host stands for: without escapes if it has any, else in Unicode. Returns nothing if
+/// it cannot be decoded.
+std::optional<std::string> decodedHost(std::string_view host);
 
 bool isIPLiteral(std::string_view host);
 

@@ -111,10 +111,89 @@ TEST(URLComponents, itemsKeepOrderAndTellEmptyFromAbsent) {
 }
 
 TEST(URLComponents, itemsAreDecodedButForPlus) {
-    const auto components = componentsOf("?a%26b=c%3Dd+e&%C3%A9&x=%FF");
-    const std::vector<URLQueryItem> items{item("a&b", "c=d+e"), item("\u00E9"), item("x", "")};
+    const auto components = componentsOf("?a%26b=c%3Dd+e&%C3%A9");
+    const std::vector<URLQueryItem> items{item("a&b", "c=d+e"), item("\u00E9")};
     EXPECT_EQ(components.queryItems(), items);
     EXPECT_EQ(present(components.percentEncodedQueryItems()).front().name, "a%26b");
+}
+
+TEST(URLComponents, anItemThatDoesNotDecodeLosesItsValueOrItsNamesText) {
+    EXPECT_EQ(componentsOf("?x=%FF&%FF=y&%FF&%FF=%FF&z=").queryItems(),
+              (std::vector<URLQueryItem>{item("x"), item("", "y"), item(""), item(""), item("z", "")}));
+}
+
+TEST(URLComponents, aPartThatDoesNotDecodeIsAbsent) {
+    const URLComponents components = componentsOf("s://%FF:%FE@%FD/%FC?%FB#%FA");
+    EXPECT_EQ(components.user(), std::nullopt);
+    EXPECT_EQ(components.password(), std::nullopt);
+    EXPECT_EQ(components.host(), std::nullopt);
+    EXPECT_EQ(components.path(), "");
+    EXPECT_EQ(components.query(), std::nullopt);
+    EXPECT_EQ(components.fragment(), std::nullopt);
+    EXPECT_EQ(components.percentEncodedHost(), "%FD");
+    EXPECT_EQ(components.percentEncodedPath(), "/%FC");
+    EXPECT_EQ(components.percentEncodedQuery(), "%FB");
+    EXPECT_EQ(components.percentEncodedFragment(), "%FA");
+}
+
+TEST(URLComponents, aHostIsShownInUnicodeWhateverAResolverWouldSay) {
+    struct Row {
+        const char* error;
+        std::string host;
+        std::string shown;
+    };
+    for (const auto& [error, host, shown] : {
+             Row{"none", "xn--bcher-kva.example", "b\u00FCcher.example"},
+             Row{"none", "XN--BCHER-KVA.Example", "b\u00FCcher.example"},
+             Row{"empty first label", ".xn--bcher-kva", ".b\u00FCcher"},
+             Row{"empty middle label", "xn--bcher-kva..test", "b\u00FCcher..test"},
+             Row{"label too long", std::string(64, 'a') + ".xn--bcher-kva",
+                 std::string(64, 'a') + ".b\u00FCcher"},
+             Row{"domain name too long", std::string(300, 'a') + ".xn--bcher-kva",
+                 std::string(300, 'a') + ".b\u00FCcher"},
+             Row{"leading hyphen", "-a.xn--bcher-kva", "-a.b\u00FCcher"},
+             Row{"trailing hyphen", "a-.xn--bcher-kva", "a-.b\u00FCcher"},
+             Row{"hyphens in the third and fourth place", "ab--c.xn--bcher-kva", "ab--c.b\u00FCcher"},
+         }) {
+        EXPECT_EQ(componentsOf("https://" + host + "/").host(), shown) << error;
+    }
+}
+
+TEST(URLComponents, aHostThatIsNotValidPunycodeIsAbsent) {
+    struct Row {
+        const char* error;
+        std::string host;
+    };
+    for (const auto& [error, host] : {
+             Row{"leading combining mark", "xn--a-wbb.test"},
+             Row{"disallowed character", "xn--x-din.test"},
+             Row{"invalid Punycode", "xn--999999999.test"},
+             Row{"invalid Punycode", "XN--999999999.test"},
+             Row{"Punycode of what would be mapped", "xn--bcher-2pa.test"},
+             Row{"both directions in one label", "xn--a-zhc.test"},
+             Row{"joiner out of context", "xn--ab-m1t.test"},
+             Row{"too many bytes", std::string(2049, 'a')},
+             Row{"too many bytes once converted", "xn--" + std::string(1000, 'a') + "bcd"},
+         }) {
+        const URLComponents components = componentsOf("https://" + host + "/");
+        EXPECT_EQ(components.host(), std::nullopt) << error;
+        EXPECT_EQ(components.percentEncodedHost(), host) << error;
+    }
+}
+
+TEST(URLComponents, aHostThatOnlyLosesItsCaseStaysAsWritten) {
+    for (const std::string& host : {std::string(), std::string("LOCALHOST"), std::string("Example.TEST."),
+                                    std::string("[2001:DB8::7]"), std::string(2048, 'A')}) {
+        EXPECT_EQ(componentsOf("https://" + host + "/").host(), host);
+    }
+}
+
+TEST(URLComponents, aValidHostIsSetAsItIs) {
+    for (const auto* const host : {"a..b", "-A-.test", "%41%FF", "[fe80::1%25en0]", "XN--999999999"}) {
+        URLComponents components = componentsOf("https://x.test/");
+        EXPECT_TRUE(components.setHost(host)) << host;
+        EXPECT_EQ(components.percentEncodedHost(), host);
+    }
 }
 
 TEST(URLComponents, aByteOrderMarkIsPartOfAValue) {

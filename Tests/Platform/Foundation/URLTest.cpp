@@ -77,6 +77,58 @@ TEST(URL, internationalHostsBecomeASCII) {
     }
 }
 
+TEST(URL, anInternationalHostWithAnyErrorIsRefused) {
+    struct Row {
+        const char* error;
+        std::string host;
+    };
+    std::string longDomain = "\u00FC";
+    for (int label = 0; label < 5; ++label) {
+        longDomain += "." + std::string(50, 'a');
+    }
+    for (const auto& [error, host] : {
+             Row{"empty first label", ".b\u00FCcher.test"},
+             Row{"empty middle label", "b\u00FCcher..test"},
+             Row{"nothing but ignored characters", "\u00AD"},
+             Row{"label too long", "\u00FC" + std::string(63, 'a') + ".test"},
+             Row{"domain name too long", longDomain},
+             Row{"leading hyphen", "-b\u00FCcher.test"},
+             Row{"trailing hyphen", "b\u00FCcher-.test"},
+             Row{"hyphens in the third and fourth place", "bc--\u00FC.test"},
+             Row{"leading combining mark", "\u0301a.test"},
+             Row{"disallowed character", "a\u2028\u00FC.test"},
+             Row{"invalid Punycode", "xn--999999999.\u00FC.test"},
+             Row{"Punycode of what would be mapped", "xn--bcher-2pa.\u00FC.test"},
+             Row{"both directions in one label", "\u05D0a.test"},
+             Row{"joiner out of context", "a\u200Db.test"},
+         }) {
+        EXPECT_EQ(URL::fromString("https://" + host + "/"), std::nullopt) << error;
+    }
+    EXPECT_EQ(parsed("https://b\u00FCcher.test./").host(), "xn--bcher-kva.test.")
+        << "the root's label is empty";
+    EXPECT_EQ(parsed("https://a\u00B7b.test/").host(), "xn--ab-0ea.test") << "punctuation is not checked";
+}
+
+TEST(URL, anASCIIHostIsNotCheckedAsADomainName) {
+    for (const std::string& host : {std::string(".a..b"), std::string("-a-.test"), std::string("bc--d.test"),
+                                    std::string("xn--999999999.test"), std::string(300, 'a')}) {
+        EXPECT_EQ(parsed("https://" + host + "/").host(), host);
+    }
+}
+
+TEST(URL, anInternationalHostHasALimitInBytes) {
+    const auto withSoftHyphens = [](int count) {
+        std::string host = "\u00FCab";
+        for (int index = 0; index < count; ++index) {
+            host += "\u00AD";
+        }
+        return URL::fromString("https://" + host + "/");
+    };
+    ASSERT_TRUE(withSoftHyphens(1022));
+    EXPECT_EQ(withSoftHyphens(1022)->host(), "xn--ab-wka");
+    EXPECT_EQ(withSoftHyphens(1023), std::nullopt);
+}
+
 TEST(URL, aHostCannotGrowAnotherPartByItsASCIIForm) {
     // These characters' compatibility forms hold "/", "?", "#", ":" or "@".
     for (const auto* const character :
@@ -114,7 +166,25 @@ TEST(URL, pathsOfOtherBytesAreEmpty) {
     EXPECT_EQ(parsed("https://x.test/%FF").path(), "");
     EXPECT_EQ(parsed("https://x.test/%C3%A9").path(), "/\u00E9");
     EXPECT_EQ(parsed("https://x.test/%ED%A0%80").path(), "") << "a surrogate is no UTF-8";
-    EXPECT_EQ(parsed("https://%FF.test/").host(), std::nullopt);
+}
+
+TEST(URL, whatDoesNotDecodeIsAbsentButStillInTheText) {
+    const URL url = parsed("https://%FF:%FE@%FD.test/");
+    EXPECT_EQ(url.user(), std::nullopt);
+    EXPECT_EQ(url.percentEncodedUser(), "%FF");
+    EXPECT_EQ(url.password(), "%FE");
+    EXPECT_EQ(url.host(), std::nullopt);
+    EXPECT_EQ(url.percentEncodedHost(), "%FD.test");
+}
+
+TEST(URL, userInformationIsPresentEvenIfEmpty) {
+    const URL without = parsed("https://example.test/");
+    EXPECT_EQ(without.percentEncodedUser(), std::nullopt);
+    for (const auto* const text :
+         {"https://@example.test/", "https://:@example.test/", "https://:p@example.test/"}) {
+        const URL with = parsed(text);
+        EXPECT_EQ(with.percentEncodedUser(), "") << text;
+    }
 }
 
 TEST(URL, aPathsLeadingByteOrderMarkIsNotShown) {
