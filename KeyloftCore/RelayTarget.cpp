@@ -41,8 +41,8 @@ bool isNonceCharacter(char character) {
 
 bool isAcceptableRedirect(const Platform::URL& url) {
     const auto host = url.host();
-    return url.scheme() == "https" && host && host != AuthorizeRequest::authorizationHost && !url.user() &&
-           !url.password();
+    return url.scheme() == "https" && host && host != AuthorizeRequest::authorizationHost &&
+           !url.percentEncodedUser();
 }
 
 } // namespace

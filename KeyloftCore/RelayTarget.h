@@ -28,8 +28,8 @@ struct RelayTarget {
     std::string fragment() const;
 
     /// The target of a fragment's text, or nothing if anything is wrong with it: the redirect URI must be
-    /// https, on a host that is not the provider's and without credentials; the nonce must have a nonce's
-    /// form; a state must be a string within the limit.
+    /// https, on a host that is not the provider's and without user information; the nonce must have a
+    /// nonce's form; a state must be a string within the limit.
     static std::optional<RelayTarget> fromFragment(std::string_view fragment);
 
     /// A fresh nonce from the system's secure random source. Stops the process if that fails.

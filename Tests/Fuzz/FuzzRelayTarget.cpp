@@ -27,7 +27,7 @@ void check(std::string_view fragment) {
     require(target->redirectURI.scheme() == "https", "a target is https");
     const auto host = target->redirectURI.host();
     require(host && host != "appleid.apple.com", "a target has a host, not the provider's");
-    require(!target->redirectURI.user() && !target->redirectURI.password(), "a target has no credentials");
+    require(!target->redirectURI.percentEncodedUser(), "a target has no user information");
     require(RelayTarget::isNonce(target->nonce), "a target has a nonce");
     require(!target->state || Platform::characterCount(*target->state) <= RelayTarget::maxStateLength,
             "a target's state has its limit");

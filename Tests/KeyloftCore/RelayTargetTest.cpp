@@ -134,16 +134,25 @@ TEST(RelayTarget, needsARedirectURI) {
     }
 }
 
-TEST(RelayTarget, theRedirectURIMustBeHTTPSElsewhereAndWithoutCredentials) {
+TEST(RelayTarget, theRedirectURIMustBeHTTPSAndElsewhere) {
     for (const auto* text :
          {"http://client.example/", "HTTPS://client.example/", "//client.example/", "/cb", "https:/cb",
-          "https:cb", "https://appleid.apple.com/", "https://appleid.apple.com:8443/x",
-          "https://u@client.example/", "https://u:p@client.example/", "https://:p@client.example/"}) {
+          "https:cb", "https:///cb", "https://%FF/cb", "https://appleid.apple.com/",
+          "https://appleid.apple.com:8443/x", "https://%61ppleid.apple.com/"}) {
         EXPECT_EQ(read(membersWith("r", text)), std::nullopt) << text;
     }
-    for (const auto* text : {"https://client.example", "https://AppleID.apple.com/",
-                             "https://a.appleid.apple.com/", "https://client.example:8443/cb?x=1#y"}) {
+    for (const auto* text :
+         {"https://client.example", "https://AppleID.apple.com/", "https://a.appleid.apple.com/",
+          "https://client.example:8443/cb?x=1#y", "https://client.example/@", "https://:443/cb"}) {
         EXPECT_TRUE(read(membersWith("r", text))) << text;
+    }
+}
+
+TEST(RelayTarget, theRedirectURIMustBeWithoutUserInformation) {
+    for (const auto* userInformation :
+         {"@", "u@", "%FF@", ":@", ":p@", ":%FF@", "u:p@", "u:@", "%FF:%FF@", "a@b@"}) {
+        const auto text = "https://" + std::string(userInformation) + "client.example/";
+        EXPECT_EQ(read(membersWith("r", text)), std::nullopt) << text;
     }
 }
 
