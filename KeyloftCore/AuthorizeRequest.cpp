@@ -64,8 +64,9 @@ std::string_view portText(const Platform::URL& url) {
     return colon == std::string_view::npos ? std::string_view() : rest.substr(colon + 1);
 }
 
-/// What `url` reaches, or nothing where that cannot be told: a port beyond an integer would else count as the
-/// scheme's own, and a path that is no UTF-8, which decodes to an empty one, as the root.
+/// What a URL reaches, of which nothing matches a part that cannot be decoded: a host that is not UTF-8 would
+/// otherwise count as absent, a port beyond an integer as the scheme's own, and a path that is not UTF-8 as
+/// the root.
 struct Endpoint {
     std::optional<std::string> scheme;
     std::optional<std::string> host;
@@ -73,6 +74,10 @@ struct Endpoint {
     std::string path;
 
     static std::optional<Endpoint> of(const Platform::URL& url) {
+        auto host = url.host();
+        if (!host && !url.percentEncodedHost().value_or("").empty()) {
+            return std::nullopt;
+        }
         if (!url.port() && !portText(url).empty()) {
             return std::nullopt;
         }
@@ -84,7 +89,7 @@ struct Endpoint {
             path.push_back('/');
         }
         return Endpoint{.scheme = std::optional<std::string>(url.scheme()),
-                        .host = url.host(),
+                        .host = std::move(host),
                         .port = AuthorizeRequest::effectivePort(url),
                         .path = std::move(path)};
     }

@@ -113,6 +113,7 @@ TEST(AuthorizeRequest, refusesAMissingRedirectURI) {
     EXPECT_EQ(error(std::string(authorize) + "?"), badRedirect);
     EXPECT_EQ(error(std::string(authorize) + "?redirect_uri"), badRedirect);
     EXPECT_EQ(error(std::string(authorize) + "?redirect_uri="), badRedirect);
+    EXPECT_EQ(error(std::string(authorize) + "?redirect_uri=https://client.example/%FF"), badRedirect);
     EXPECT_EQ(error(std::string(authorize) + "?Redirect_uri=https://client.example"), badRedirect);
     EXPECT_EQ(error(std::string(authorize) + "#redirect_uri=https://client.example"), badRedirect);
 }
@@ -165,6 +166,7 @@ TEST(AuthorizeRequest, tellsAnEmptyStateFromAnAbsentOne) {
     EXPECT_EQ(state("state="), "");
     EXPECT_EQ(state("state"), std::nullopt);
     EXPECT_EQ(state("State=x"), std::nullopt);
+    EXPECT_EQ(state("state=%FF"), std::nullopt) << "not UTF-8";
     EXPECT_EQ(state("state=a%20b%2Bc+d"), "a b+c+d");
 }
 
@@ -219,6 +221,29 @@ TEST(AuthorizeRequest, anEmptyPathIsTheRoot) {
     EXPECT_TRUE(requestTo("https://client.example").matchesRedirect(url("https://client.example/?code=1")));
     EXPECT_TRUE(requestTo("https://client.example/").matchesRedirect(url("https://client.example?code=1")));
     EXPECT_FALSE(requestTo("https://client.example").matchesRedirect(url("https://client.example//")));
+}
+
+TEST(AuthorizeRequest, aHostThatIsNotUTF8MatchesNothing) {
+    // No such host can be told from an absent one once it is decoded.
+    for (const auto* text : {"https://%FF/cb", "https://%FE/cb", "https://u@%FF/cb", "https:/cb",
+                             "https:///cb", "https:///%FF/cb"}) {
+        EXPECT_FALSE(requestTo("https://%25FF/cb").matchesRedirect(url(text))) << text;
+    }
+    EXPECT_FALSE(requestTo("https:/cb").matchesRedirect(url("https://%FF/cb")));
+    EXPECT_FALSE(requestTo("https:///cb").matchesRedirect(url("https://%FF/cb")));
+    EXPECT_FALSE(requestTo("https://client.example/cb").matchesRedirect(url("https://%FF/cb")));
+    EXPECT_TRUE(requestTo("https:/cb").matchesRedirect(url("https:///cb"))) << "both have no host";
+}
+
+TEST(AuthorizeRequest, hostsAreComparedDecodedAndInASCII) {
+    EXPECT_TRUE(requestTo("https://client.example/cb").matchesRedirect(url("https://%63lient.example/cb")));
+    EXPECT_TRUE(
+        requestTo("https://b%C3%BCcher.example/cb").matchesRedirect(url("https://xn--bcher-kva.example/cb")));
+    EXPECT_TRUE(
+        requestTo("https://xn--bcher-kva.example/cb").matchesRedirect(url("https://B\u00DCCHER.example/cb")));
+    EXPECT_FALSE(requestTo("https://b%25C3%25BCcher.example/cb")
+                     .matchesRedirect(url("https://xn--bcher-kva.example/cb")))
+        << "escapes are not mapped";
 }
 
 TEST(AuthorizeRequest, aPathThatIsNoUTF8MatchesNothing) {
