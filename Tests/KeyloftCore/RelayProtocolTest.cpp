@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -104,6 +105,24 @@ TEST(RelayProtocol, confirmsATargetThatIsTheRequests) {
     EXPECT_EQ(reply(with(confirmMessage(), "extra", JSONValue::Array{1})), Reply::confirm(true));
     EXPECT_EQ(reply(with(confirmMessage(), "redirectUri", std::string(redirect) + "?q#f")),
               Reply::confirm(true));
+}
+
+TEST(RelayProtocol, theLastOfSeveralEqualNamesCounts) {
+    const auto twice = [](const JSONValue::Object& message, std::string_view member) {
+        auto data = text(message);
+        data.insert(data.size() - 1, "," + std::string(member));
+        return data;
+    };
+    const auto wrongNonce = with(confirmMessage(), "nonce", "another");
+    EXPECT_EQ(RelayProtocol::reply(twice(wrongNonce, R"("nonce":"ABCDEFGHIJKLMNOPQRST-_")"), withState),
+              Reply::confirm(true));
+    EXPECT_EQ(RelayProtocol::reply(twice(confirmMessage(), R"("nonce":"another")"), withState),
+              Reply::confirm(false));
+    EXPECT_EQ(RelayProtocol::reply(twice(confirmMessage(), R"("type":"other")"), withState), unknownType);
+    const auto result = RelayResult::parse(
+        twice(resultMessage(), R"("params":{"code":"x","state":"other","state":"xyz","code":"y"})"),
+        withState);
+    EXPECT_EQ(result.params, (std::map<std::string, std::string>{{"code", "y"}, {"state", "xyz"}}));
 }
 
 TEST(RelayProtocol, deniesAnotherRedirectURI) {

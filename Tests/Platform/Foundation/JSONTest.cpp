@@ -36,6 +36,15 @@ TEST(JSON, membersAreReachedByNameAndKind) {
     EXPECT_EQ(value.member("a")->member("k"), nullptr) << "an array has no members";
 }
 
+TEST(JSON, theLastOfSeveralEqualNamesCounts) {
+    const JSONValue value =
+        present(JSONValue::parse(R"({"a":"x","b":1,"a":"y","o":{"c":"q","c":"z"},"a":"w"})"));
+    EXPECT_EQ(*value.stringMember("a"), "w");
+    EXPECT_EQ(*value.member("o")->stringMember("c"), "z");
+    EXPECT_EQ(present(JSONValue::parse(R"({"a":"x","a":1})")).stringMember("a"), nullptr);
+    EXPECT_EQ(present(JSONValue::parse(R"({"a":1,"\u0061":"x"})")).object()->size(), 1U);
+}
+
 TEST(JSON, onlyAnArrayOrObjectAndNothingElseIsRead) {
     for (const auto* const text : {"",
                                    " ",
