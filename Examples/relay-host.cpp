@@ -17,13 +17,11 @@
 #include "Platform/Foundation/JSON.h"
 #include "Platform/Foundation/URL.h"
 
-#include <chrono>
 #include <exception>
 #include <future>
 #include <iostream>
 #include <optional>
 #include <string>
-#include <thread>
 
 namespace {
 
@@ -78,11 +76,15 @@ int main(int argc, char** argv) {
     std::promise<AuthResult> accepted;
     bool isAccepted = false; // the listener's queue's own
     const auto onFrame = [&](const std::string& message, const RelayListener::Reply& sendReply) {
+        // The request no longer waits: a peer that still asks sees its connection closed.
+        if (isAccepted) {
+            return;
+        }
         const auto reply = RelayProtocol::reply(message, *request);
         const auto json = Platform::compactJSON(reply.json(), Platform::JSONSlashes::plain);
         std::cout << "a message of " << message.size() << " bytes, answered " << json << '\n' << std::flush;
         sendReply(json);
-        if (const auto* ack = reply.ack(); ack != nullptr && ack->result && !isAccepted) {
+        if (const auto* ack = reply.ack(); ack != nullptr && ack->result) {
             isAccepted = true;
             accepted.set_value(*ack->result);
         }
@@ -99,7 +101,5 @@ int main(int argc, char** argv) {
     for (const auto& [name, value] : result.params) {
         std::cout << "  " << name << " = " << redact(value) << "\n";
     }
-    // The peer's answer is on its way; give it the time to arrive before the connection is closed.
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
     return 0;
 }

@@ -37,9 +37,9 @@ public:
     /// a path of 104 bytes or more, `syscall` for "socket", "bind" and "listen". Nothing stays open then.
     void listen(const std::string& path, OnFrame onFrame);
 
-    /// Stops listening, closes every connection without a reply, and removes the socket file if it is still
-    /// the one that this listener made. Harmless twice, or before `listen`. Waits for the queue, hence never
-    /// called on it: that stops the process.
+    /// Stops listening, writes the replies that were given before, closes every other connection without one,
+    /// and removes the socket file if it is still the one that this listener made. Harmless twice, or before
+    /// `listen`. Waits for the queue, hence never called on it: that stops the process.
     void close();
 
     /// Writes all of `data` to a socket or pipe, going on after interruptions. False, with `errno`, once that
