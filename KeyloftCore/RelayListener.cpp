@@ -71,18 +71,6 @@ bool isShortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
 
-/// Writes one frame, or gives the peer up. Nearly every reply is taken at once, so the time-out is set for
-/// those that are not.
-void sendFrame(int fd, std::string_view payload) {
-    const auto frame = NativeMessageFrame::encode(payload);
-    const auto taken = Platform::writeAtOnce(fd, frame.data(), frame.size());
-    const auto rest = std::string_view(frame).substr(static_cast<std::size_t>(std::max<ssize_t>(taken, 0)));
-    if (!rest.empty()) {
-        Platform::setSendTimeout(fd, sendTimeout);
-        RelayListener::writeAll(fd, rest);
-    }
-}
-
 struct Connection {
     Connection(Platform::SerialQueue& queue, int descriptor)
         : fd(descriptor)
@@ -107,7 +95,6 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     void resumeAccepting();
     void open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame);
     void readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
-    void take(ssize_t count, const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
     Reply replyFor(const std::shared_ptr<Connection>& connection);
 
     // The owner's thread's own.
@@ -234,6 +221,7 @@ void RelayListener::State::acceptOne(const std::shared_ptr<const OnFrame>& onFra
         ::close(connection);
         return;
     }
+    Platform::setSendTimeout(connection, sendTimeout);
     open(connection, onFrame);
 }
 
@@ -275,23 +263,12 @@ void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<
     });
     readers.push_back(connection);
     connection->source.resume();
-    // Most peers have sent their request by now, which saves the wait for it.
-    const ssize_t count = recv(connectionDescriptor, buffer.data(), buffer.size(), MSG_DONTWAIT);
-    if (count >= 0) {
-        take(count, connection, *onFrame);
-    }
 }
 
 void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
     // The analyzer takes a weak pointer's lock for a mutex's.
     // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection)
     const ssize_t count = read(connection->fd, buffer.data(), buffer.size());
-    take(count, connection, onFrame);
-}
-
-/// What a read into the buffer has given: bytes, the stream's end (0) or a failure (-1).
-void RelayListener::State::take(ssize_t count, const std::shared_ptr<Connection>& connection,
-                                const OnFrame& onFrame) {
     if (count <= 0) {
         connection->source.cancel();
         return;
@@ -320,7 +297,7 @@ RelayListener::Reply RelayListener::State::replyFor(const std::shared_ptr<Connec
             if (!listener || connection->source.isCancelled()) {
                 return;
             }
-            sendFrame(connection->fd, payload);
+            writeAll(connection->fd, NativeMessageFrame::encode(payload));
             connection->source.cancel();
         });
     };

@@ -35,10 +35,6 @@ std::optional<uid_t> unixSocketPeerUser(int descriptor);
 /// EAGAIN.
 int setSendTimeout(int descriptor, std::chrono::seconds timeout);
 
-/// Writes what a socket takes without waiting, and without ever raising a signal. EAGAIN where it takes
-/// nothing.
-ssize_t writeAtOnce(int descriptor, const void* bytes, std::size_t count);
-
 /// Writes what the descriptor takes, as `write` does, but without ever raising a signal, for sockets and
 /// pipes alike and whatever the process has decided about SIGPIPE. Where a send time-out has cut a write
 /// short, it has failed, although part of the bytes are gone.

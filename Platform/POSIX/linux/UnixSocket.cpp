@@ -57,10 +57,6 @@ int setSendTimeout(int descriptor, std::chrono::seconds timeout) {
     return setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &value, sizeof value);
 }
 
-ssize_t writeAtOnce(int descriptor, const void* bytes, std::size_t count) {
-    return send(descriptor, bytes, count, MSG_NOSIGNAL | MSG_DONTWAIT);
-}
-
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
     const auto begin = std::chrono::steady_clock::now();
     const ssize_t sent = send(descriptor, bytes, count, MSG_NOSIGNAL);

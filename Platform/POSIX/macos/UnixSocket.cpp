@@ -36,27 +36,6 @@ int prepared(int descriptor) {
     return descriptor;
 }
 
-/// A descriptor's socket does not wait while this lives. Nobody else may use it meanwhile.
-class NotWaiting {
-public:
-    explicit NotWaiting(int descriptor)
-        : descriptor_(descriptor)
-        , flags_(fcntl(descriptor, F_GETFL)) {
-        fcntl(descriptor_, F_SETFL, flags_ | O_NONBLOCK);
-    }
-    NotWaiting(const NotWaiting&) = delete;
-    NotWaiting& operator=(const NotWaiting&) = delete;
-    ~NotWaiting() {
-        const int error = errno;
-        fcntl(descriptor_, F_SETFL, flags_);
-        errno = error;
-    }
-
-private:
-    int descriptor_;
-    int flags_;
-};
-
 } // namespace
 
 int openUnixSocket() { return prepared(socket(AF_UNIX, SOCK_STREAM, 0)); }
@@ -85,12 +64,6 @@ std::optional<uid_t> unixSocketPeerUser(int descriptor) {
 int setSendTimeout(int descriptor, std::chrono::seconds timeout) {
     const timeval value = {.tv_sec = timeout.count(), .tv_usec = 0};
     return setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &value, sizeof value);
-}
-
-/// By the descriptor's own flag: the kernel heeds MSG_DONTWAIT when it receives, and not when it sends.
-ssize_t writeAtOnce(int descriptor, const void* bytes, std::size_t count) {
-    const NotWaiting notWaiting(descriptor);
-    return writeWithoutSignal(descriptor, bytes, count);
 }
 
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
