@@ -9,6 +9,8 @@
 #include "Platform/Foundation/FileManager.h"
 #include "Platform/POSIX/UnixSocket.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,6 +28,8 @@
 namespace KeyloftCore {
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t readSize = 65'536;
 constexpr int backlog = 4;
@@ -69,6 +73,39 @@ std::string deletingLastPathComponent(std::string path) {
 /// waits then, and would be announced again at once and for ever.
 bool isShortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+}
+
+/// Writes from the front of `data` and drops what has been written, until nothing is left. Returns false,
+/// with `errno`, as soon as a write fails.
+bool writeFromFront(int fd, std::string_view& data) {
+    while (!data.empty()) {
+        const auto written = Platform::writeWithoutSignal(fd, data.data(), data.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        data.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+/// Waits until a socket takes bytes, or fails. Returns false once `deadline` has passed.
+bool waitUntilWritable(int fd, Clock::time_point deadline) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    pollfd polled = {.fd = fd, .events = POLLOUT, .revents = 0};
+    return left.count() > 0 && poll(&polled, 1, static_cast<int>(left.count())) != 0;
+}
+
+/// Writes one frame, or gives the peer up after `sendTimeout`. The kernel's own time-out would count each
+/// wait anew, and so hardly ever end for a peer that reads slowly.
+void sendFrame(int fd, std::string_view payload) {
+    const auto deadline = Clock::now() + sendTimeout;
+    const auto frame = NativeMessageFrame::encode(payload);
+    std::string_view rest = frame;
+    while (!writeFromFront(fd, rest) && errno == EAGAIN && waitUntilWritable(fd, deadline)) {
+    }
 }
 
 struct Connection {
@@ -131,19 +168,7 @@ void RelayListener::close() {
     state_->release();
 }
 
-bool RelayListener::writeAll(int fd, std::string_view data) {
-    while (!data.empty()) {
-        const auto written = Platform::writeWithoutSignal(fd, data.data(), data.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        data.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
+bool RelayListener::writeAll(int fd, std::string_view data) { return writeFromFront(fd, data); }
 
 void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame) {
     Platform::FileManager::defaultManager().createDirectory(deletingLastPathComponent(socketPath), true,
@@ -171,6 +196,9 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         unlink(socketPath.c_str());
         throw RelaySocketError::syscall("listen", error);
     }
+
+    // An event of the accept source may be stale as well.
+    fcntl(listening, F_SETFL, O_NONBLOCK);
 
     fd = listening;
     path = socketPath;
@@ -221,6 +249,8 @@ void RelayListener::State::acceptOne(const std::shared_ptr<const OnFrame>& onFra
         ::close(connection);
         return;
     }
+    // Writes do not wait, unless a forked child that shares the connection clears its non-blocking flag. This
+    // bounds them even then.
     Platform::setSendTimeout(connection, sendTimeout);
     open(connection, onFrame);
 }
@@ -269,6 +299,9 @@ void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connectio
     // The analyzer takes a weak pointer's lock for a mutex's.
     // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection)
     const ssize_t count = read(connection->fd, buffer.data(), buffer.size());
+    if (count < 0 && errno == EAGAIN) {
+        return; // the event was stale
+    }
     if (count <= 0) {
         connection->source.cancel();
         return;
@@ -297,7 +330,7 @@ RelayListener::Reply RelayListener::State::replyFor(const std::shared_ptr<Connec
             if (!listener || connection->source.isCancelled()) {
                 return;
             }
-            writeAll(connection->fd, NativeMessageFrame::encode(payload));
+            sendFrame(connection->fd, payload);
             connection->source.cancel();
         });
     };

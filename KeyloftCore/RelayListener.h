@@ -10,9 +10,10 @@ namespace KeyloftCore {
 /// The listening end of the relay: a Unix-domain socket through which processes of the same user ask one
 /// question per connection and get one answer.
 ///
-/// All work, `onFrame` included, runs on one private serial queue ("velde.orvane.keyloft.relay-listener"); no
-/// call blocks it waiting for a client, except that a client that does not read its reply is given up after 3
-/// seconds. `listen` and `close` belong to the owner, one thread at a time.
+/// All work, `onFrame` included, runs on one private serial queue ("velde.orvane.keyloft.relay-listener"). It
+/// waits for a client in one case only: a reply that the client does not read at once holds up the queue, and
+/// so the other clients and `close`, for at most 3 seconds; then the connection is closed. `listen` and
+/// `close` belong to the owner, one thread at a time.
 class RelayListener {
 public:
     /// Sends the reply of one connection as one frame and closes it. May be called from any thread, at any

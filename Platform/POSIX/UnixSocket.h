@@ -23,21 +23,19 @@ int openUnixSocket();
 int bindUnixSocket(int descriptor, const sockaddr_un& address);
 int connectUnixSocket(int descriptor, const sockaddr_un& address);
 
-/// The next connection that waits, blocking as the listening socket does. Writing to its peer raises no
-/// signal.
+/// The next waiting connection. It is non-blocking, and writing to its peer raises no signal. If none is
+/// waiting, it blocks, or fails with EAGAIN if `listening` is non-blocking.
 int acceptUnixSocket(int listening);
 
 /// The effective user of the process at the other end, as it was when it connected; nothing where the system
 /// does not say.
 std::optional<uid_t> unixSocketPeerUser(int descriptor);
 
-/// How long one write may wait for a peer that does not read. A write that has waited so long fails with
-/// EAGAIN.
+/// How long a write to a blocking socket may wait each time its peer does not read.
 int setSendTimeout(int descriptor, std::chrono::seconds timeout);
 
 /// Writes what the descriptor takes, as `write` does, but without ever raising a signal, for sockets and
-/// pipes alike and whatever the process has decided about SIGPIPE. Where a send time-out has cut a write
-/// short, it has failed, although part of the bytes are gone.
+/// pipes alike and whatever the process has decided about SIGPIPE.
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count);
 
 } // namespace Platform

@@ -1,8 +1,6 @@
 #include "Platform/POSIX/Writing.h"
 
 #include <pthread.h>
-#include <sys/socket.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -33,16 +31,6 @@ ssize_t writeHoldingBackSignal(int descriptor, const void* bytes, std::size_t co
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     errno = error;
     return written;
-}
-
-bool hasTimedOut(int descriptor, std::chrono::steady_clock::duration waited) {
-    timeval timeout = {};
-    socklen_t length = sizeof timeout;
-    if (getsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &timeout, &length) != 0) {
-        return false;
-    }
-    const auto limit = std::chrono::seconds(timeout.tv_sec) + std::chrono::microseconds(timeout.tv_usec);
-    return limit.count() != 0 && waited >= limit;
 }
 
 } // namespace Platform

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <atomic>
 #include <chrono>
 #include <random>
 #include <string>
@@ -173,6 +174,31 @@ TEST_F(HostilePeerTest, aPeerThatNeverReadsIsGivenUpAfterThreeSeconds) {
     EXPECT_LT(waited, std::chrono::milliseconds(5500));
     expectService();
     EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(5800));
+}
+
+TEST_F(HostilePeerTest, aPeerThatReadsSlowlyIsGivenUpAfterThreeSecondsInAll) {
+    listener->listen(path, [this](const std::string&, const RelayListener::Reply& reply) {
+        reply(std::string(1 << 20, 'x'));
+        requests.signal();
+    });
+    const RawPeer slow(path);
+    const auto begin = Clock::now();
+    ASSERT_TRUE(slow.send(frame("large")));
+    ASSERT_TRUE(requests.wait());
+    // Each read makes room for more, so that no single wait is long. Reading all of it would take 20 seconds.
+    std::atomic<bool> over = false;
+    std::thread reading([&] {
+        std::vector<char> buffer(10'000);
+        while (!over && recv(slow.descriptor(), buffer.data(), buffer.size(), 0) > 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        }
+    });
+    listener->close();
+    const auto waited = Clock::now() - begin;
+    over = true;
+    reading.join();
+    EXPECT_GE(waited, std::chrono::milliseconds(2900));
+    EXPECT_LT(waited, std::chrono::milliseconds(5500));
 }
 
 TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {

@@ -265,7 +265,7 @@ TEST_F(SystemCallTest, withoutDescriptorsAcceptingIsTriedOnceAndThenAgainNowAndT
         startEcho();
         std::atomic<int> calls = 0;
         SystemCalls system;
-        system.accept = [&]() -> SystemCalls::Maybe {
+        system.accept = [&](int) -> SystemCalls::Maybe {
             ++calls;
             return SystemCalls::failure(error);
         };
@@ -287,12 +287,36 @@ TEST_F(SystemCallTest, otherFailuresOfAcceptingPassByQuietly) {
     startEcho();
     std::atomic<int> calls = 0;
     SystemCalls system;
-    system.accept = [&]() -> SystemCalls::Maybe {
+    system.accept = [&](int) -> SystemCalls::Maybe {
         return ++calls < 4 ? SystemCalls::failure(ECONNABORTED) : std::nullopt;
     };
     const Intercepted intercepted(system);
     EXPECT_EQ(ask(path, "x"), "echo x");
     EXPECT_EQ(calls, 4);
+}
+
+TEST_F(SystemCallTest, anAnnouncedConnectionThatIsGoneHoldsNobodyUp) {
+    startEcho();
+    const auto early = RelaySocketClient::connect(path);
+    EXPECT_EQ(ask(path, "x"), "echo x") << "accepted one after the other, so the first one is as well";
+    std::atomic<int> stolen = -1;
+    SystemCalls system;
+    system.accept = [&](int listening) -> SystemCalls::Maybe {
+        if (stolen < 0) {
+            stolen = accept(listening, nullptr, nullptr);
+        }
+        return std::nullopt;
+    };
+    {
+        const Intercepted intercepted(system);
+        const RawPeer gone(path);
+        EXPECT_TRUE(eventually([&] { return stolen >= 0; }));
+        early.writeFrame("y");
+        EXPECT_EQ(early.readFrame(10), "echo y");
+    }
+    early.close();
+    close(stolen);
+    EXPECT_EQ(ask(path, "z"), "echo z");
 }
 
 TEST_F(SystemCallTest, aSocketThatCannotBeMadeIsReported) {

@@ -86,8 +86,9 @@ ssize_t __wrap_recv(int descriptor, void* bytes, size_t count, int flags) {
 
 int __wrap_accept4(int descriptor, sockaddr* address, socklen_t* length, int flags) {
     ssize_t result = 0;
-    return answered(&SystemCalls::accept, result) ? static_cast<int>(result)
-                                                  : __real_accept4(descriptor, address, length, flags);
+    return answered(&SystemCalls::accept, result, descriptor)
+               ? static_cast<int>(result)
+               : __real_accept4(descriptor, address, length, flags);
 }
 
 int __wrap_socket(int domain, int type, int protocol) {

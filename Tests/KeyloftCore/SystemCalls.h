@@ -27,7 +27,7 @@ struct SystemCalls {
     std::function<Maybe(int descriptor, std::string_view bytes)> send;
     std::function<Maybe(int descriptor, std::size_t count)> read;
     std::function<Maybe(int descriptor, std::size_t count)> recv;
-    std::function<Maybe()> accept;
+    std::function<Maybe(int listening)> accept;
     std::function<Maybe()> socket;
     std::function<Maybe(socklen_t length)> bind;
     std::function<Maybe(socklen_t length)> connect;

@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <utility>
 
 namespace Platform {
 
@@ -40,7 +39,9 @@ int connectUnixSocket(int descriptor, const sockaddr_un& address) {
     return connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
 }
 
-int acceptUnixSocket(int listening) { return accept4(listening, nullptr, nullptr, SOCK_CLOEXEC); }
+int acceptUnixSocket(int listening) {
+    return accept4(listening, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+}
 
 std::optional<uid_t> unixSocketPeerUser(int descriptor) {
     ucred credentials = {};
@@ -58,15 +59,9 @@ int setSendTimeout(int descriptor, std::chrono::seconds timeout) {
 }
 
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
-    const auto begin = std::chrono::steady_clock::now();
     const ssize_t sent = send(descriptor, bytes, count, MSG_NOSIGNAL);
     if (sent < 0 && errno == ENOTSOCK) {
         return writeHoldingBackSignal(descriptor, bytes, count);
-    }
-    if (sent > 0 && std::cmp_less(sent, count) &&
-        hasTimedOut(descriptor, std::chrono::steady_clock::now() - begin)) {
-        errno = EAGAIN;
-        return -1;
     }
     return sent;
 }

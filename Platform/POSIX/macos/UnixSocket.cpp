@@ -48,7 +48,13 @@ int connectUnixSocket(int descriptor, const sockaddr_un& address) {
     return connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
 }
 
-int acceptUnixSocket(int listening) { return prepared(accept(listening, nullptr, nullptr)); }
+int acceptUnixSocket(int listening) {
+    const int connection = prepared(accept(listening, nullptr, nullptr));
+    if (connection >= 0) {
+        fcntl(connection, F_SETFL, O_NONBLOCK);
+    }
+    return connection;
+}
 
 std::optional<uid_t> unixSocketPeerUser(int descriptor) {
     static_assert(sizeof(xucred) == 76);
@@ -67,16 +73,9 @@ int setSendTimeout(int descriptor, std::chrono::seconds timeout) {
 }
 
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
-    const auto begin = std::chrono::steady_clock::now();
     // A socket whose peer has gone takes no options any more.
-    const ssize_t written = raisesNoSignal(descriptor) ? write(descriptor, bytes, count)
-                                                       : writeHoldingBackSignal(descriptor, bytes, count);
-    if (written > 0 && static_cast<std::size_t>(written) < count &&
-        hasTimedOut(descriptor, std::chrono::steady_clock::now() - begin)) {
-        errno = EAGAIN;
-        return -1;
-    }
-    return written;
+    return raisesNoSignal(descriptor) ? write(descriptor, bytes, count)
+                                      : writeHoldingBackSignal(descriptor, bytes, count);
 }
 
 } // namespace Platform
