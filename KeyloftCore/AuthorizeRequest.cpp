@@ -2,6 +2,7 @@
 
 #include "KeyloftCore/HostError.h"
 #include "Platform/Foundation/URLComponents.h"
+#include "Platform/Foundation/URLEndpoint.h"
 
 #include <algorithm>
 #include <utility>
@@ -47,56 +48,6 @@ Platform::URL authorizeURL(Platform::URL url) {
     return url;
 }
 
-/// The text behind the authority's colon; empty where there is none.
-std::string_view portText(const Platform::URL& url) {
-    const auto scheme = url.scheme();
-    std::string_view rest = url.absoluteString();
-    rest.remove_prefix(scheme ? scheme->size() + 1 : 0);
-    if (!rest.starts_with("//")) {
-        return {};
-    }
-    rest.remove_prefix(2);
-    rest = rest.substr(0, rest.find_first_of("/?#"));
-    rest.remove_prefix(rest.rfind('@') + 1);
-    // Colons inside an IP literal's brackets belong to the host.
-    rest.remove_prefix(rest.rfind(']') + 1);
-    const auto colon = rest.rfind(':');
-    return colon == std::string_view::npos ? std::string_view() : rest.substr(colon + 1);
-}
-
-/// What a URL reaches, of which nothing matches a part that cannot be decoded: a host that is not UTF-8 would
-/// otherwise count as absent, a port beyond an integer as the scheme's own, and a path that is not UTF-8 as
-/// the root.
-struct Endpoint {
-    std::optional<std::string> scheme;
-    std::optional<std::string> host;
-    std::optional<std::int64_t> port;
-    std::string path;
-
-    static std::optional<Endpoint> of(const Platform::URL& url) {
-        auto host = url.host();
-        if (!host && !url.percentEncodedHost().value_or("").empty()) {
-            return std::nullopt;
-        }
-        if (!url.port() && !portText(url).empty()) {
-            return std::nullopt;
-        }
-        auto path = url.path();
-        if (path.empty()) {
-            if (!url.percentEncodedPath().empty()) {
-                return std::nullopt;
-            }
-            path.push_back('/');
-        }
-        return Endpoint{.scheme = std::optional<std::string>(url.scheme()),
-                        .host = std::move(host),
-                        .port = AuthorizeRequest::effectivePort(url),
-                        .path = std::move(path)};
-    }
-
-    friend bool operator==(const Endpoint&, const Endpoint&) = default;
-};
-
 } // namespace
 
 AuthorizeRequest::AuthorizeRequest(Platform::URL url, std::string relayNonce)
@@ -110,8 +61,8 @@ AuthorizeRequest::AuthorizeRequest(Platform::URL url, std::string relayNonce)
 }
 
 bool AuthorizeRequest::matchesRedirect(const Platform::URL& url) const {
-    const auto endpoint = Endpoint::of(url);
-    return endpoint && endpoint == Endpoint::of(redirectURI_);
+    const auto endpoint = Platform::URLEndpoint::of(url);
+    return endpoint && endpoint == Platform::URLEndpoint::of(redirectURI_);
 }
 
 bool AuthorizeRequest::matchesNonce(const Platform::JSONValue* value) const {
@@ -138,16 +89,7 @@ Platform::URL AuthorizeRequest::safariRelayURL() const {
 }
 
 std::optional<std::int64_t> AuthorizeRequest::effectivePort(const Platform::URL& url) {
-    if (const auto port = url.port()) {
-        return port;
-    }
-    if (url.scheme() == "https") {
-        return 443;
-    }
-    if (url.scheme() == "http") {
-        return 80;
-    }
-    return std::nullopt;
+    return Platform::URLEndpoint::effectivePort(url);
 }
 
 } // namespace KeyloftCore
