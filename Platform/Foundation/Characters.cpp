@@ -7,6 +7,7 @@
 #include <unicode/utext.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <limits>
@@ -103,6 +104,14 @@ std::string_view trimmingWhitespaceAndNewlines(std::string_view text) {
         end = start;
     }
     return text.substr(begin, end - begin);
+}
+
+std::string asciiLowercased(std::string_view text) {
+    std::string lowercased(text);
+    std::ranges::transform(lowercased, lowercased.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return lowercased;
 }
 
 char32_t nextCodePoint(std::string_view text, std::size_t& offset) {

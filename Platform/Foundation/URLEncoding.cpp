@@ -189,15 +189,6 @@ bool isValidHost(std::string_view host) {
     return isIPLiteral(host) ? host.ends_with(']') && isValidIPLiteral(host) : isValid(host, Allowed::host);
 }
 
-/// `text` with ASCII's capital letters made small.
-std::string lowered(std::string_view text) {
-    std::string out(text);
-    std::ranges::transform(out, out.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return out;
-}
-
 /// Schemes whose "hosts" are no domain names and are percent-encoded.
 bool hasNoDomainNames(std::string_view scheme) {
     constexpr auto schemes = std::to_array<std::string_view>({
@@ -219,7 +210,7 @@ bool hasNoDomainNames(std::string_view scheme) {
         "ws+unix",
         "wss+unix",
     });
-    return std::ranges::find(schemes, lowered(scheme)) != schemes.end();
+    return std::ranges::find(schemes, asciiLowercased(scheme)) != schemes.end();
 }
 
 const icu::IDNA* idna() {
@@ -368,7 +359,7 @@ std::optional<std::string> decodedHost(std::string_view host) {
     }
     auto converted = convertedName(host, Direction::toUnicode);
     // The conversion folds case; a host that it changes in nothing else stays as written.
-    if (converted == lowered(host)) {
+    if (converted == asciiLowercased(host)) {
         return std::string(host);
     }
     return converted;

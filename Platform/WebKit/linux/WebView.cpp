@@ -7,6 +7,7 @@
 #include "Platform/Foundation/ObserverList.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/Timer.h"
+#include "Platform/WebKit/OwnPagePass.h"
 #include "Platform/WebKit/linux/LoadError.h"
 #include "Platform/WebKit/linux/NavigationQuestion.h"
 #include "Platform/WebKit/linux/NetworkSession.h"
@@ -103,8 +104,6 @@ std::string engineText(const URL& url) {
     return webkit_uri_request_get_uri(request.get());
 }
 
-constexpr const char* blankURI = "about:blank";
-
 gboolean releaseLater(gpointer /*view*/) { return G_SOURCE_REMOVE; }
 
 } // namespace
@@ -154,7 +153,6 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     void stop();
 
     void decide(const std::shared_ptr<NavigationQuestion>& question);
-    bool takesOwnPage(const NavigationQuestion& question);
     void ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested);
     void answer(NavigationQuestion& question, NavigationActionPolicy policy, bool isRequested);
     void refuseRestrictedPort(NavigationQuestion& question, bool isRequested);
@@ -213,9 +211,7 @@ struct WebView::Engine final : std::enable_shared_from_this<Engine>, WebProcessU
     bool fresh = true;
     /// A navigation that was stopped before the engine asked about it: that question is answered with no.
     std::optional<std::string> stoppedURI;
-    /// The program's own page that is about to be loaded: the engine's question about it is answered with yes
-    /// and not passed on.
-    std::optional<std::string> ownPageURI;
+    OwnPagePass ownPage;
     /// The engine says of a failed load too that it is finished.
     bool finishIsFailure = false;
     /// A redirect that was refused for its port; the failure that follows is told under that name.
@@ -355,7 +351,7 @@ void WebView::Engine::replaceNavigation() {
     endNavigation();
     stopTimer.reset();
     restrictedURI.reset();
-    ownPageURI.reset();
+    ownPage.disarm();
     reloadsWhenVisible = false;
     fresh = false;
     phase = Phase::requested;
@@ -401,9 +397,8 @@ void WebView::Engine::load(const std::string& uri) {
 
 void WebView::Engine::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
     navigate([this, html, baseURL] {
-        ownPageURI = baseURL ? engineText(*baseURL) : blankURI;
-        webkit_web_view_load_html(view.get(), html.c_str(),
-                                  baseURL ? baseURL->absoluteString().c_str() : nullptr);
+        const auto base = ownPage.arm(baseURL);
+        webkit_web_view_load_html(view.get(), html.c_str(), base ? base->absoluteString().c_str() : nullptr);
     });
 }
 
@@ -466,7 +461,7 @@ void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gp
             engine.endNavigation();
         else
             engine.shownURL.reset();
-        engine.ownPageURI.reset();
+        engine.ownPage.disarm();
         engine.updateTitle();
         engine.updateHistory();
         break;
@@ -512,23 +507,13 @@ void WebView::Engine::decide(const std::shared_ptr<NavigationQuestion>& question
         return;
     }
     const bool isRequested = phase == Phase::requested && requestedURI() == question->uri();
-    const bool isOwnPage = takesOwnPage(*question);
+    const bool isOwnPage = ownPage.use(question->action(), question->isRedirect());
     if (isRequested || isOwnPage)
         phase = Phase::decided;
     if (isOwnPage)
         question->answer(NavigationActionPolicy::allow);
     else
         ask(question, isRequested);
-}
-
-/// Whether the question is the one about the program's own page; it is the last such one then.
-bool WebView::Engine::takesOwnPage(const NavigationQuestion& question) {
-    const bool isOwnPage = ownPageURI && question.action().navigationType == NavigationType::other &&
-                           !question.isRedirect() &&
-                           (question.uri() == ownPageURI || question.uri() == blankURI);
-    if (isOwnPage)
-        ownPageURI.reset();
-    return isOwnPage;
 }
 
 void WebView::Engine::ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested) {
@@ -583,7 +568,7 @@ gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent ev
     if (!kept)
         return TRUE;
     engine.updateHistory();
-    engine.ownPageURI.reset();
+    engine.ownPage.disarm();
     auto reported = loadError(*error, uri);
     if (!reported)
         return TRUE;

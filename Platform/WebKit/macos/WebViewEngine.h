@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Foundation/ObserverList.h"
+#include "Platform/WebKit/OwnPagePass.h"
 #include "Platform/WebKit/WebView.h"
 #include "Platform/WebKit/macos/Reply.h"
 
@@ -74,11 +75,6 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// The program's own page that is about to be loaded.
-    struct OwnPage {
-        std::optional<URL> baseURL;
-    };
-
     /// The owner, kept alive for the caller; nothing when it is on its way out.
     std::shared_ptr<WebView> keep() const { return owner_.lock(); }
 
@@ -90,7 +86,6 @@ private:
     void beginNavigation();
     void refuse(const URL& url);
     void loadFailed(NSError* _Nonnull error);
-    bool takesOwnPage(WKNavigationAction* _Nonnull action);
     void recoverIfVisible();
 
     std::weak_ptr<WebView> owner_;
@@ -105,8 +100,7 @@ private:
     std::weak_ptr<UIDelegate> uiDelegate_;
     bool asksForPolicy_ = false;
 
-    /// WebKit's question about it is answered with yes and not passed on.
-    std::optional<OwnPage> ownPage_;
+    OwnPagePass ownPage_;
 
     /// What `load` asked for and nothing was committed of yet: after an end of the web process there is
     /// nothing of it that a reload could bring back.

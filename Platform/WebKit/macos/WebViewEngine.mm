@@ -9,7 +9,6 @@
 #include "Platform/WebKit/macos/WebViewConfigurationNative.h"
 #include "Platform/WebKit/macos/WebViewDelegate.h"
 
-#include <algorithm>
 #include <utility>
 
 /// WebKit's view stands before the window's controller in the responder chain and has actions of its own
@@ -36,31 +35,6 @@ constexpr auto processEndsInARow = std::chrono::minutes(1);
 std::optional<std::string> nonEmpty(NSString* text) {
     return text.length > 0 ? std::optional(fromNSString(text)) : std::nullopt;
 }
-
-/// Small letters, as far as ASCII goes.
-std::string folded(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), [](char letter) {
-        return 'A' <= letter && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return result;
-}
-
-struct Origin {
-    std::string scheme;
-    std::string host;
-    std::optional<std::int64_t> port;
-
-    explicit Origin(const URL& url)
-        : scheme(folded(url.scheme().value_or("")))
-        , host(folded(url.host().value_or("")))
-        , port(url.port()) {
-        if ((scheme == "http" && port == 80) || (scheme == "https" && port == 443)) {
-            port.reset();
-        }
-    }
-    friend bool operator==(const Origin&, const Origin&) = default;
-};
 
 bool isVisible(NSView* view) {
     NSWindow* const window = view.window;
@@ -160,7 +134,7 @@ void WebViewEngine::propertyChanged(Property property) noexcept {
 
 /// The program asks for a navigation, which replaces the one under way.
 void WebViewEngine::beginNavigation() {
-    ownPage_.reset();
+    ownPage_.disarm();
     uncommittedRequest_.reset();
     reloadsWhenVisible_ = false;
 }
@@ -190,10 +164,8 @@ void WebViewEngine::refuse(const URL& url) {
 
 void WebViewEngine::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
     beginNavigation();
-    ownPage_ = OwnPage{.baseURL = baseURL};
-    // A relative reference is a base of nothing, and WebKit would ask about a page without any URL.
-    const bool isAbsolute = baseURL && baseURL->scheme();
-    [view_ loadHTMLString:toNSString(html) baseURL:isAbsolute ? toNSURL(*baseURL) : nil];
+    const auto base = ownPage_.arm(baseURL);
+    [view_ loadHTMLString:toNSString(html) baseURL:base ? toNSURL(*base) : nil];
 }
 
 void WebViewEngine::reload() {
@@ -238,7 +210,7 @@ void WebViewEngine::committed() noexcept {
     if (kept == nullptr) {
         return;
     }
-    ownPage_.reset();
+    ownPage_.disarm();
     uncommittedRequest_.reset();
     processEnded_ = false;
     // What changed while the last page was still reported.
@@ -273,11 +245,9 @@ void WebViewEngine::failedProvisionally(NSError* error) noexcept {
 }
 
 void WebViewEngine::loadFailed(NSError* error) {
-    // A cancelled load is as a rule the one before, which the present one replaced.
-    const bool isCancelled =
-        [error.domain isEqualToString:NSURLErrorDomain] && error.code == NSURLErrorCancelled;
-    if (!isCancelled) {
-        ownPage_.reset();
+    ownPage_.disarm();
+    // A cancelled load is usually the previous one, which the present one replaced.
+    if (![error.domain isEqualToString:NSURLErrorDomain] || error.code != NSURLErrorCancelled) {
         uncommittedRequest_.reset();
     }
 }
@@ -291,31 +261,17 @@ void WebViewEngine::decidePolicy(WKNavigationAction* action,
         return;
     }
     const auto delegate = std::dynamic_pointer_cast<NavigationPolicyDelegate>(navigationDelegate_.lock());
-    if (takesOwnPage(action) || delegate == nullptr) {
+    const auto ours = fromWKNavigationAction(action);
+    // WebKit does not tell redirects apart, but nothing redirects a page that no server sends.
+    const bool isOwnPage = action.targetFrame.mainFrame && ownPage_.use(ours, false);
+    if (isOwnPage || delegate == nullptr) {
         (*reply)(WKNavigationActionPolicyAllow);
         return;
     }
-    delegate->decidePolicy(*kept, fromWKNavigationAction(action), [reply](NavigationActionPolicy policy) {
+    delegate->decidePolicy(*kept, ours, [reply](NavigationActionPolicy policy) {
         (*reply)(policy == NavigationActionPolicy::allow ? WKNavigationActionPolicyAllow
                                                          : WKNavigationActionPolicyCancel);
     });
-}
-
-/// Whether the question is the one about the program's own page; it is the last such one then. WebKit writes
-/// URLs its own way, so that of the base URL only what tells pages' rights apart is compared.
-bool WebViewEngine::takesOwnPage(WKNavigationAction* action) {
-    const auto url = fromNSURL(action.request.URL);
-    if (!ownPage_ || !url || !action.targetFrame.mainFrame ||
-        action.navigationType != WKNavigationTypeOther) {
-        return false;
-    }
-    const auto& baseURL = ownPage_->baseURL;
-    const bool isOwnPage =
-        url->absoluteString() == "about:blank" || (baseURL && Origin(*url) == Origin(*baseURL));
-    if (isOwnPage) {
-        ownPage_.reset();
-    }
-    return isOwnPage;
 }
 
 // New windows and panels
@@ -378,7 +334,7 @@ void WebViewEngine::contentProcessEnded() noexcept {
     const bool again = lastProcessEnd_ && now - *lastProcessEnd_ < processEndsInARow;
     lastProcessEnd_ = now;
     processEnded_ = true;
-    ownPage_.reset();
+    ownPage_.disarm();
     reloadsWhenVisible_ = !again && url_;
     // Only when the view has forgotten its page can it be told to bring it back.
     RunLoop::main().perform([weak = weak_from_this()] {

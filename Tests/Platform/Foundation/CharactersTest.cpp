@@ -96,6 +96,10 @@ TEST(Characters, trimmingLooksAtCodePointsOfBothEnds) {
         << "a byte order mark is no space";
 }
 
+TEST(Characters, lowercasesASCIIAlone) {
+    EXPECT_EQ(Platform::asciiLowercased("@AZ[`az{\u00C9"), "@az[`az{\u00C9");
+}
+
 TEST(Characters, setsRefuseWhatIsNoCodePoint) {
     EXPECT_FALSE(Platform::isAlphanumeric(0x110000));
     EXPECT_FALSE(Platform::isAlphanumeric(0xFFFFFFFF));
