@@ -37,12 +37,13 @@ function(build_by_find_package folder)
   run("${CMAKE_COMMAND}" --build "${SCRATCH}/build")
 endfunction()
 
-# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config.
+# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config, in the compiler's default standard but for the package's
+# flags.
 function(build_by_pkg_config package folder)
   file(GLOB_RECURSE description "${SCRATCH}/prefix/*/${package}.pc")
   get_filename_component(descriptions "${description}" DIRECTORY)
   set(ENV{PKG_CONFIG_PATH} "${descriptions}")
   run(pkg-config --cflags --libs "${package}")
   separate_arguments(flags UNIX_COMMAND "${output}")
-  run("${COMPILER}" -std=c++23 -Wall -Wextra -Werror "${folder}/consumer.cpp" -o "${SCRATCH}/by-pkg-config" ${flags})
+  run("${COMPILER}" -Wall -Wextra -Werror "${folder}/consumer.cpp" -o "${SCRATCH}/by-pkg-config" ${flags})
 endfunction()
