@@ -1,10 +1,8 @@
 #include "Platform/Foundation/URL.h"
 
+#include "Platform/Foundation/FatalError.h"
 #include "Platform/Foundation/URLEncoding.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 namespace Platform {
@@ -26,8 +24,7 @@ constexpr std::size_t maxTextLength = std::size_t{1} << 28U;
 URL builtFrom(std::string_view text) {
     auto url = URL::fromString(text);
     if (!url) {
-        std::fputs("Keyloft: a URL built from valid components is none\n", stderr);
-        std::abort();
+        fatalError("a URL put together from valid components does not parse: " + std::string(text));
     }
     return *std::move(url);
 }
@@ -161,24 +158,8 @@ URL URL::deletingLastPathComponent() const {
     return replacingPath(slash == std::string_view::npos ? "./" : path.substr(0, slash + 1));
 }
 
-std::string URL::lastPathComponent() const {
-    const std::string_view path = withoutTrailingSlashes(view(path_));
-    if (path == "/") {
-        return "/";
-    }
-    const std::size_t slash = path.rfind('/');
-    return URLEncoding::decoded(slash == std::string_view::npos ? path : path.substr(slash + 1))
-        .value_or(std::string());
-}
-
 std::string URL::filePath() const {
     return URLEncoding::decoded(withoutTrailingSlashes(view(path_))).value_or(std::string());
-}
-
-bool URL::isFileURL() const {
-    return std::ranges::equal(view(scheme_), std::string_view("file"), [](char left, char right) {
-        return (left >= 'A' && left <= 'Z' ? static_cast<char>(left - 'A' + 'a') : left) == right;
-    });
 }
 
 } // namespace Platform

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -30,7 +29,7 @@ public:
     /// as it does for the system.
     static URL fromFilePath(std::string_view path, bool isDirectory);
 
-    /// The whole text, percent-encoded: equality and hash are those of this text.
+    /// The whole text, percent-encoded: equality is that of this text.
     const std::string& absoluteString() const& { return text_; }
     std::string absoluteString() && { return std::move(text_); }
 
@@ -70,12 +69,8 @@ public:
     URL appendingPathComponent(std::string_view component, bool isDirectory) const;
     /// This URL without its path's last component, the path ending in "/"; the same URL at the root.
     URL deletingLastPathComponent() const;
-    /// Percent-decoded, without slashes; "/" for the root, empty for an empty path.
-    std::string lastPathComponent() const;
     /// The path as the file system takes it: decoded, without a trailing slash except the root's.
     std::string filePath() const;
-
-    bool isFileURL() const;
 
     friend bool operator==(const URL& left, const URL& right) { return left.text_ == right.text_; }
 
@@ -108,10 +103,3 @@ private:
 };
 
 } // namespace Platform
-
-template <>
-struct std::hash<Platform::URL> {
-    std::size_t operator()(const Platform::URL& url) const noexcept {
-        return std::hash<std::string>()(url.absoluteString());
-    }
-};

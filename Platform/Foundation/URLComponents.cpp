@@ -19,14 +19,6 @@ std::optional<std::string> copied(std::optional<std::string_view> part) {
     return part ? std::optional<std::string>(*part) : std::nullopt;
 }
 
-std::optional<std::string> encodedPart(std::optional<std::string_view> part, Allowed allowed) {
-    return part ? std::optional(URLEncoding::encoded(*part, allowed)) : std::nullopt;
-}
-
-std::optional<std::string> keptPart(std::optional<std::string_view> part, Allowed allowed) {
-    return part ? std::optional(URLEncoding::encodedUnlessValid(*part, allowed)) : std::nullopt;
-}
-
 template <typename Encode>
 std::string joined(const std::vector<URLQueryItem>& items, Encode encode) {
     std::string query;
@@ -121,65 +113,9 @@ std::optional<std::vector<URLQueryItem>> URLComponents::queryItems() const {
     return items;
 }
 
-bool URLComponents::setScheme(std::optional<std::string_view> scheme) {
-    if (scheme && !URLEncoding::isValidScheme(*scheme)) {
-        return false;
-    }
+void URLComponents::setPercentEncodedQuery(std::string_view query) {
     changed();
-    scheme_ = copied(scheme);
-    return true;
-}
-
-void URLComponents::setUser(std::optional<std::string_view> user) {
-    changed();
-    user_ = encodedPart(user, Allowed::user);
-}
-
-void URLComponents::setPassword(std::optional<std::string_view> password) {
-    changed();
-    password_ = encodedPart(password, Allowed::user);
-}
-
-bool URLComponents::setHost(std::optional<std::string_view> host) {
-    std::optional<std::string> encoded;
-    if (host) {
-        encoded = URLEncoding::encodedHost(*host, scheme_);
-        if (!encoded) {
-            return false;
-        }
-    }
-    changed();
-    host_ = std::move(encoded);
-    return true;
-}
-
-bool URLComponents::setPort(std::optional<std::int64_t> port) {
-    if (port && *port < 0) {
-        return false;
-    }
-    changed();
-    port_ = port;
-    return true;
-}
-
-void URLComponents::setPath(std::string_view path) {
-    changed();
-    path_ = URLEncoding::encodedPath(path);
-}
-
-void URLComponents::setPercentEncodedPath(std::string_view path) {
-    changed();
-    path_ = URLEncoding::isValid(path, Allowed::path) ? std::string(path) : URLEncoding::encodedPath(path);
-}
-
-void URLComponents::setQuery(std::optional<std::string_view> query) {
-    changed();
-    query_ = encodedPart(query, Allowed::query);
-}
-
-void URLComponents::setPercentEncodedQuery(std::optional<std::string_view> query) {
-    changed();
-    query_ = keptPart(query, Allowed::query);
+    query_ = URLEncoding::encodedUnlessValid(query, Allowed::query);
 }
 
 void URLComponents::setQueryItems(const std::vector<URLQueryItem>& items) {
@@ -199,55 +135,37 @@ void URLComponents::setPercentEncodedQueryItems(const std::vector<URLQueryItem>&
     });
 }
 
-void URLComponents::setFragment(std::optional<std::string_view> fragment) {
+void URLComponents::setFragment(std::string_view fragment) {
     changed();
-    fragment_ = encodedPart(fragment, Allowed::query);
+    fragment_ = URLEncoding::encoded(fragment, Allowed::query);
 }
 
-void URLComponents::setPercentEncodedFragment(std::optional<std::string_view> fragment) {
-    changed();
-    fragment_ = keptPart(fragment, Allowed::query);
-}
-
-std::optional<std::string> URLComponents::string() const {
+std::string URLComponents::string() const {
     if (text_) {
-        return text_;
-    }
-    const bool hasAuthority = host_ || user_ || password_ || port_;
-    if (hasAuthority ? !path_.empty() && !path_.starts_with('/') : path_.starts_with("//")) {
-        return std::nullopt;
+        return *text_;
     }
     std::string text;
     if (scheme_) {
         text += *scheme_;
         text += ':';
     }
-    if (hasAuthority) {
+    if (host_) {
         text += "//";
-        if (user_ || password_) {
-            text += user_.value_or(std::string());
+        if (user_) {
+            text += *user_;
             if (password_) {
                 text += ':';
                 text += *password_;
             }
             text += '@';
         }
-        text += host_.value_or(std::string());
+        text += *host_;
         if (port_) {
             text += ':';
             text += std::to_string(*port_);
         }
     }
-    const std::string_view firstSegment = std::string_view(path_).substr(0, path_.find('/'));
-    if (!scheme_ && !hasAuthority && firstSegment.contains(':')) {
-        // Without a scheme before it, this ":" would be read as a scheme's.
-        for (const char character : firstSegment) {
-            text += character == ':' ? "%3A" : std::string(1, character);
-        }
-        text += std::string_view(path_).substr(firstSegment.size());
-    } else {
-        text += path_;
-    }
+    text += path_;
     if (query_) {
         text += '?';
         text += *query_;
@@ -259,10 +177,7 @@ std::optional<std::string> URLComponents::string() const {
     return text;
 }
 
-std::optional<URL> URLComponents::url() const {
-    const auto text = string();
-    return text ? URL::fromString(*text) : std::nullopt;
-}
+std::optional<URL> URLComponents::url() const { return URL::fromString(string()); }
 
 bool operator==(const URLComponents& left, const URLComponents& right) {
     const auto parts = [](const URLComponents& components) {

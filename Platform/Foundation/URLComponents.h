@@ -18,16 +18,12 @@ struct URLQueryItem {
     friend bool operator==(const URLQueryItem&, const URLQueryItem&) = default;
 };
 
-/// The parts of a URL, to be read and changed one by one, as Foundation does it.
+/// The parts of a URL, to be read one by one, and its query and fragment to be changed, as in Foundation.
 ///
-/// Parts are kept percent-encoded; the plain getters decode and return nothing (`path` an empty text) if the
-/// bytes are not UTF-8 or the host is not a valid international one; the plain setters encode what their part
-/// may not hold. Setters named percentEncoded take text that is encoded already; what is not valid in it is
-/// encoded rather than refused. Setting nothing removes the part.
+/// Parts are kept percent-encoded. The plain getters decode, and return nothing (`path` an empty text) if the
+/// bytes are not UTF-8 or the host is not a valid international one. The plain setters encode.
 class URLComponents {
 public:
-    /// All parts absent and an empty path.
-    URLComponents() = default;
     /// The parts of `url` (not resolved against any base).
     explicit URLComponents(const URL& url);
     /// The parts of what `text` spells, or nothing where it is no URL. Unlike a URL, components may be empty.
@@ -53,35 +49,26 @@ public:
     /// The same, percent-encoded as stored.
     std::optional<std::vector<URLQueryItem>> percentEncodedQueryItems() const;
 
-    /// False, and nothing changed, for a text that is no scheme.
-    bool setScheme(std::optional<std::string_view> scheme);
-    void setUser(std::optional<std::string_view> user);
-    void setPassword(std::optional<std::string_view> password);
-    /// False, and nothing changed, for a text that can be no host.
-    bool setHost(std::optional<std::string_view> host);
-    /// False, and nothing changed, for a negative number.
-    bool setPort(std::optional<std::int64_t> port);
-    void setPath(std::string_view path);
-    void setPercentEncodedPath(std::string_view path);
-    void setQuery(std::optional<std::string_view> query);
-    void setPercentEncodedQuery(std::optional<std::string_view> query);
+    /// `query` is encoded already; if anything in it is not valid, all of it is encoded.
+    void setPercentEncodedQuery(std::string_view query);
     /// Names and values are encoded so that they are read back the same: of what a query may hold only "&"
     /// and "=" do not stay literal, while "+", "?", ";" and "/" do. An empty list gives an empty query.
     void setQueryItems(const std::vector<URLQueryItem>& items);
+    /// Names and values are encoded already; one that is not valid is encoded.
     void setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items);
-    void setFragment(std::optional<std::string_view> fragment);
-    void setPercentEncodedFragment(std::optional<std::string_view> fragment);
+    void setFragment(std::string_view fragment);
 
-    /// The text of the parts together, or nothing where they cannot stand together (an authority with a
-    /// relative path, a path that begins with "//" without an authority).
-    std::optional<std::string> string() const;
-    /// The URL of that text.
+    /// The text of the parts together.
+    std::string string() const;
+    /// The URL of that text, or nothing if the text is empty or too long.
     std::optional<URL> url() const;
 
     /// Equality of the parts.
     friend bool operator==(const URLComponents& left, const URLComponents& right);
 
 private:
+    URLComponents() = default;
+
     void changed() { text_.reset(); }
 
     std::optional<std::string> scheme_;

@@ -61,12 +61,12 @@ void checkURL(const URL& url) {
                     other->fragment() == url.fragment(),
                 "another path changes nothing else", text);
     }
-    require(longer.lastPathComponent() == "c d?", "an appended component is the last", text);
+    require(longer.path().ends_with("/c d?/"), "an appended component is the last", text);
 }
 
 void checkComponents(URLComponents components, std::string_view text) {
-    const std::string whole = required(components.string(), "parsed components have a text", text);
-    require(URLComponents::fromString(whole) == components, "components come back from their text", text);
+    require(URLComponents::fromString(components.string()) == components,
+            "components come back from their text", text);
 
     const auto query = components.percentEncodedQuery();
     require(components.queryItems().has_value() == query.has_value(), "there are items if there is a query",
@@ -84,12 +84,11 @@ void checkComponents(URLComponents components, std::string_view text) {
         components.setPercentEncodedQuery(*query);
     }
     components.setFragment("f");
-    if (const auto changed = components.string()) {
-        const URL url = required(URL::fromString(*changed), "changed components are a URL", *changed);
-        require(url.fragment() == "f", "a changed fragment is in the text", *changed);
-        require(URLComponents(url).percentEncodedHost() == components.percentEncodedHost(),
-                "a changed fragment does not change the host", *changed);
-    }
+    const std::string changed = components.string();
+    const URL url = required(URL::fromString(changed), "changed components are a URL", changed);
+    require(url.fragment() == "f", "a changed fragment is in the text", changed);
+    require(URLComponents(url).percentEncodedHost() == components.percentEncodedHost(),
+            "a changed fragment does not change the host", changed);
 }
 
 } // namespace

@@ -78,7 +78,7 @@ TEST(URLComponentsVectors, partsOfAURLAreFoundations) {
             return nullptr;
         }
         const Platform::URLComponents components(*url);
-        return {{"string", orNull(components.string())},
+        return {{"string", components.string()},
                 {"scheme", orNull(components.scheme())},
                 {"host", orNull(components.host())},
                 {"port", orNull(components.port())},

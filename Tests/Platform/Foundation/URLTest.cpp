@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <stdexcept>
-#include <unordered_set>
 
 namespace {
 
@@ -29,7 +28,6 @@ TEST(URL, everyPartIsFound) {
     EXPECT_EQ(url.percentEncodedPath(), "/a%20b/c;d");
     EXPECT_EQ(url.query(), "q=1&r");
     EXPECT_EQ(url.fragment(), "frag?");
-    EXPECT_FALSE(url.isFileURL());
 }
 
 TEST(URL, absentAndEmptyPartsAreToldApart) {
@@ -198,8 +196,6 @@ TEST(URL, equalityIsThatOfTheTexts) {
     EXPECT_NE(parsed("https://x.test/"), parsed("https://x.test"));
     EXPECT_NE(parsed("https://x.test/"), parsed("https://X.test/"));
     EXPECT_NE(parsed("https://x.test:443/"), parsed("https://x.test/"));
-    const std::unordered_set<URL> set{parsed("a:b"), parsed("a:b"), parsed("a:B")};
-    EXPECT_EQ(set.size(), 2U);
 }
 
 TEST(URL, copiesOutliveTheOriginal) {
@@ -236,7 +232,6 @@ TEST(FileURL, pathsComeBack) {
           "/\u65E5\u672C/[x]", "/a:b", "//double", "/a//b", "relative", "rel:ative/x", "./x"}) {
         const URL url = URL::fromFilePath(path, false);
         EXPECT_EQ(url.filePath(), path);
-        EXPECT_EQ(url.isFileURL(), *path == '/') << path;
         EXPECT_EQ(url.query(), std::nullopt);
         EXPECT_EQ(url.fragment(), std::nullopt);
     }
@@ -258,7 +253,6 @@ TEST(URL, pathComponentsAreAppended) {
                          .appendingPathComponent("book#marks?.json", false);
     EXPECT_EQ(file.absoluteString(),
               "file:///home/u/Library/Application%20Support/Keyloft/book%23marks%3F.json");
-    EXPECT_EQ(file.lastPathComponent(), "book#marks?.json");
     EXPECT_EQ(home.appendingPathComponent("/x/", false).absoluteString(), "file:///home/u/x");
     EXPECT_EQ(home.appendingPathComponent("", false), home);
     EXPECT_EQ(parsed("https://x.test?q#f").appendingPathComponent("a b", true).absoluteString(),
@@ -273,9 +267,6 @@ TEST(URL, lastPathComponentIsDeleted) {
     EXPECT_EQ(parsed("file:///").deletingLastPathComponent().absoluteString(), "file:///");
     EXPECT_EQ(parsed("https://x.test/a?q").deletingLastPathComponent().absoluteString(), "https://x.test/?q");
     EXPECT_EQ(parsed("a").deletingLastPathComponent().absoluteString(), "./");
-    EXPECT_EQ(parsed("file:///a/b%2Fc//").lastPathComponent(), "b/c");
-    EXPECT_EQ(parsed("file:///").lastPathComponent(), "/");
-    EXPECT_EQ(parsed("https://x.test").lastPathComponent(), "");
 }
 
 } // namespace
