@@ -160,11 +160,23 @@ protected:
         EXPECT_EQ(server->count("/callback"), 0U);
     }
 
-private:
+    /// Submits a form to the redirect URI that has one more control, and waits for the ending.
+    void answerWithControl(const std::string& control) {
+        results.clear();
+        standardError.emplace();
+        auto page = form(callback);
+        page.insert(page.rfind("</form>"), control);
+        server->route("/auth/authorize", HTTPResponse::html("<!DOCTYPE html><title>Sign in</title>" + page));
+        showPage();
+        run("document.forms[0].requestSubmit()");
+        ASSERT_TRUE(waitForEnding());
+    }
+
     static Params formParams() {
         return {{"code", formCode}, {"state", state}, {"user", "{\"name\": \"Zoë\"}"}};
     }
 
+private:
     void click() const {
         TestSupport::activate(*window());
         TestSupport::click(*webView());
@@ -181,3 +193,24 @@ private:
 TEST_F(SignInAnswerTest, isCapturedOnceAndNeverLoaded) { expectAnswersAreCaptured(std::nullopt); }
 
 TEST_F(SignInAnswerTest, toAnInitiatorIsCapturedOnceAndNeverLoaded) { expectAnswersAreCaptured(initiator); }
+
+// A control's name hides the form's own member from the script, as docs/session.md says.
+TEST_F(SignInAnswerTest, ofAFormWithAControlNamedActionOrMethodHasNoParameters) {
+    for (const std::string name : {"action", "method"}) {
+        SCOPED_TRACE(name);
+        answerWithControl("<input type=hidden name=" + name + " value=x>");
+        auto expected = linesOfPage(ResponseMode::formPost);
+        expected.push_back(navigation("POST", callback, 1));
+        expected.emplace_back("POST body missing and no hooked form");
+        expected.emplace_back("captured keys=[] code=- state=-");
+        expectLinesOnceQuiet(expected);
+        expectResult(ResponseMode::formPost, {});
+    }
+}
+
+TEST_F(SignInAnswerTest, ofAFormWithAFileHasTheFilesTypeInItsPlace) {
+    answerWithControl("<input type=file name=picture>");
+    auto params = formParams();
+    params.emplace("picture", "[object File]");
+    expectResult(ResponseMode::formPost, params);
+}
