@@ -158,8 +158,6 @@ URL URL::deletingLastPathComponent() const {
     return replacingPath(slash == std::string_view::npos ? "./" : path.substr(0, slash + 1));
 }
 
-std::string URL::filePath() const {
-    return URLEncoding::decoded(withoutTrailingSlashes(view(path_))).value_or(std::string());
-}
+std::string URL::filePath() const { return URLEncoding::decodedBytes(withoutTrailingSlashes(view(path_))); }
 
 } // namespace Platform

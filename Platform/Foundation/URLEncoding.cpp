@@ -333,10 +333,7 @@ std::optional<std::string> encodedHost(std::string_view host, std::optional<std:
     return converted;
 }
 
-std::optional<std::string> decoded(std::string_view text) {
-    if (!text.contains('%')) {
-        return std::string(text);
-    }
+std::string decodedBytes(std::string_view text) {
     std::string out;
     out.reserve(text.size());
     for (std::size_t offset = 0; offset < text.size(); ++offset) {
@@ -347,6 +344,14 @@ std::optional<std::string> decoded(std::string_view text) {
             out += text[offset];
         }
     }
+    return out;
+}
+
+std::optional<std::string> decoded(std::string_view text) {
+    if (!text.contains('%')) {
+        return std::string(text);
+    }
+    std::string out = decodedBytes(text);
     if (!isValidUTF8(out)) {
         return std::nullopt;
     }

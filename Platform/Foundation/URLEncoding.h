@@ -64,7 +64,9 @@ std::string encodedPath(std::string_view path);
 /// Returns nothing if it has no such form.
 std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme);
 
-/// The bytes that `text` stands for, or nothing where they are no UTF-8. An invalid escape stands for itself.
+/// The bytes that `text` stands for. An invalid escape stands for itself.
+std::string decodedBytes(std::string_view text);
+/// The same, or nothing if they are not UTF-8.
 std::optional<std::string> decoded(std::string_view text);
 /// The host that a URL's host stands for: without escapes if it has any, else in Unicode. Returns nothing if
 /// it cannot be decoded.

@@ -1,4 +1,7 @@
+#include "KeyloftCore/RelayListener.h"
+#include "KeyloftCore/RelaySocketClient.h"
 #include "KeyloftCore/RelaySocketPaths.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +53,23 @@ TEST(RelaySocketPaths, areFileSystemPathsAndNotURLText) {
     EXPECT_EQ(candidates[0],
               "/Users/Zoë with 100% and #?/Library/Group Containers/group.velde.orvane.keyloft/relay.sock");
     EXPECT_TRUE(candidates[1].starts_with("/Users/Zoë with 100% and #?/Library/Containers/"));
+}
+
+TEST(RelaySocketPaths, keepTheBytesOfAHomeDirectoryThatIsNotUTF8) {
+    const KeyloftTests::TemporaryDirectory directory;
+    const Home home(directory / "caf\xE9");
+    const auto candidates = RelaySocketPaths::candidates();
+    EXPECT_EQ(candidates[0],
+              directory / "caf\xE9/Library/Group Containers/group.velde.orvane.keyloft/relay.sock");
+    EXPECT_TRUE(candidates[1].starts_with(directory / "caf\xE9/Library/Containers/"));
+
+    KeyloftCore::RelayListener listener;
+    listener.listen(candidates[0], [](const std::string& request,
+                                      const KeyloftCore::RelayListener::Reply& reply) { reply(request); });
+    const auto client = KeyloftCore::RelaySocketClient::connect(candidates[0]);
+    client.writeFrame("x");
+    EXPECT_EQ(client.readFrame(30), "x");
+    client.close();
 }
 
 TEST(RelaySocketPaths, followTheHomeDirectoryAnewAndTouchNothing) {

@@ -227,9 +227,9 @@ TEST(URL, megabytesAreParsed) {
 }
 
 TEST(FileURL, pathsComeBack) {
-    for (const auto* const path :
-         {"/", "/home/u/Library/Application Support/Keyloft/bookmarks.json", "/a%20b?c#d;e",
-          "/\u65E5\u672C/[x]", "/a:b", "//double", "/a//b", "relative", "rel:ative/x", "./x"}) {
+    for (const auto* const path : {"/", "/home/u/Library/Application Support/Keyloft/bookmarks.json",
+                                   "/a%20b?c#d;e", "/\u65E5\u672C/[x]", "/a:b", "//double", "/a//b",
+                                   "/caf\xE9/\xFF/%FF", "relative", "rel:ative/x", "./x"}) {
         const URL url = URL::fromFilePath(path, false);
         EXPECT_EQ(url.filePath(), path);
         EXPECT_EQ(url.query(), std::nullopt);
