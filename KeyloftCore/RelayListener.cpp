@@ -6,6 +6,7 @@
 #include "KeyloftCore/RelaySocketError.h"
 #include "Platform/Dispatch/ReadSource.h"
 #include "Platform/Dispatch/SerialQueue.h"
+#include "Platform/Foundation/FatalError.h"
 #include "Platform/Foundation/FileManager.h"
 #include "Platform/POSIX/UnixSocket.h"
 
@@ -21,6 +22,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <future>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -127,7 +129,7 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     void stop();
     void release();
 
-    void acceptOne(const std::shared_ptr<const OnFrame>& onFrame);
+    void acceptOne(int listening, const std::shared_ptr<const OnFrame>& onFrame);
     void pauseAccepting();
     void resumeAccepting();
     void open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame);
@@ -135,7 +137,7 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     Reply replyFor(const std::shared_ptr<Connection>& connection);
 
     // The owner's thread's own.
-    int fd = -1;
+    std::future<void> listeningClosed;
     std::optional<std::string> path;
     std::optional<FileIdentity> inode;
     // The queue's own, once listening.
@@ -165,12 +167,19 @@ void RelayListener::listen(const std::string& path, OnFrame onFrame) {
 
 void RelayListener::close() {
     state_->queue.sync([this] { state_->stop(); });
+    if (state_->listeningClosed.valid()) {
+        state_->listeningClosed.get();
+    }
     state_->release();
 }
 
 bool RelayListener::writeAll(int fd, std::string_view data) { return writeFromFront(fd, data); }
 
 void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame) {
+    if (!onFrame) {
+        Platform::fatalError("a relay listener needs a handler for its requests");
+    }
+    requirePathWithoutNUL(socketPath);
     Platform::FileManager::defaultManager().createDirectory(deletingLastPathComponent(socketPath), true,
                                                             directoryMode);
     unlink(socketPath.c_str());
@@ -200,20 +209,26 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
     // An event of the accept source may be stale as well.
     fcntl(listening, F_SETFL, O_NONBLOCK);
 
-    fd = listening;
     path = socketPath;
     inode = FileIdentity::of(socketPath);
     acceptSource = std::make_shared<Platform::ReadSource>(queue, listening);
     acceptSource->setEventHandler(
-        [weak = weak_from_this(), handler = std::make_shared<const OnFrame>(std::move(onFrame))] {
+        [weak = weak_from_this(), listening, handler = std::make_shared<const OnFrame>(std::move(onFrame))] {
             if (const auto self = weak.lock()) {
-                self->acceptOne(handler);
+                self->acceptOne(listening, handler);
             }
         });
+    // Dispatch may watch the descriptor until then.
+    const auto closed = std::make_shared<std::promise<void>>();
+    listeningClosed = closed->get_future();
+    acceptSource->setCancelHandler([listening, closed] {
+        ::close(listening);
+        closed->set_value();
+    });
     acceptSource->resume();
 }
 
-/// On the queue. The connections' cancel handlers close them afterwards.
+/// On the queue. The cancel handlers close the sockets afterwards.
 void RelayListener::State::stop() {
     if (const auto source = std::exchange(acceptSource, nullptr)) {
         source->cancel();
@@ -224,9 +239,6 @@ void RelayListener::State::stop() {
 }
 
 void RelayListener::State::release() {
-    if (fd >= 0) {
-        ::close(std::exchange(fd, -1));
-    }
     if (path) {
         // Another listener may have put its own socket there since.
         if (inode && FileIdentity::of(*path) == inode) {
@@ -237,8 +249,8 @@ void RelayListener::State::release() {
     }
 }
 
-void RelayListener::State::acceptOne(const std::shared_ptr<const OnFrame>& onFrame) {
-    const int connection = Platform::acceptUnixSocket(fd);
+void RelayListener::State::acceptOne(int listening, const std::shared_ptr<const OnFrame>& onFrame) {
+    const int connection = Platform::acceptUnixSocket(listening);
     if (connection < 0) {
         if (isShortage(errno)) {
             pauseAccepting();

@@ -20,7 +20,13 @@ public:
     /// time, by any copy; the first call counts. Does nothing once the peer has gone or the listener is
     /// closed or destroyed. A reply that cannot be written is not reported.
     using Reply = std::function<void(std::string payload)>;
-    /// Gets the payload of a request. Must not throw.
+    /// Receives the payload of a request. Must not throw.
+    ///
+    /// Called again, with a `Reply` to the same connection, for each further request that the peer sends
+    /// before it gets a reply, as fast as it sends them. An owner that replies later must keep at most one
+    /// pending request per connection, or its memory grows with every call. A call does not name its
+    /// connection: the simple way is to hold one request in all and to reply to any other at once, which
+    /// closes its connection.
     using OnFrame = std::function<void(std::string request, Reply reply)>;
 
     /// Throws std::system_error where the system has no thread or descriptor left for the queue.
@@ -34,8 +40,14 @@ public:
     /// is created if it is missing, with mode 0700 as are those above it; the socket has mode 0600. Called
     /// once.
     ///
-    /// Throws Platform::FileError where the directory cannot be made, and RelaySocketError: `pathTooLong` for
-    /// a path of 104 bytes or more, `syscall` for "socket", "bind" and "listen". Nothing stays open then.
+    /// Sets the file mode creation mask of the whole process for the moment in which the socket's file is
+    /// made. A file that another thread creates in that moment gets no permissions for group and others, so
+    /// call this before starting threads that create files for others.
+    ///
+    /// Throws RelaySocketError::pathContainsNUL before anything is changed, Platform::FileError if the
+    /// directory cannot be created, and RelaySocketError: `pathTooLong` for a path of 104 bytes or more,
+    /// `syscall` for "socket", "bind" and "listen". Nothing stays open then. An empty `onFrame` stops the
+    /// process.
     void listen(const std::string& path, OnFrame onFrame);
 
     /// Stops listening, writes the replies that were given before, closes every other connection without one,

@@ -6,7 +6,11 @@
 
 namespace KeyloftCore {
 
-/// The address of the relay socket at `path`, for both of its ends. Throws RelaySocketError::pathTooLong.
+/// Throws RelaySocketError::pathContainsNUL if the system would take `path` for a shorter one.
+void requirePathWithoutNUL(std::string_view path);
+
+/// The address of the relay socket at `path`, for both of its ends. Throws RelaySocketError::pathContainsNUL
+/// and RelaySocketError::pathTooLong.
 sockaddr_un sockaddrUn(std::string_view path);
 
 } // namespace KeyloftCore

@@ -34,8 +34,13 @@ timeval timevalOf(double seconds) {
     if (!std::isfinite(seconds) || whole >= limit || whole < -limit) {
         Platform::fatalError("a relay time-out that is not finite or too large");
     }
-    return {.tv_sec = static_cast<Seconds>(whole),
-            .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};
+    timeval time = {.tv_sec = static_cast<Seconds>(whole),
+                    .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};
+    // All zero would be no limit at all.
+    if (seconds > 0 && time.tv_sec == 0 && time.tv_usec == 0) {
+        time.tv_usec = 1;
+    }
+    return time;
 }
 
 } // namespace
@@ -63,6 +68,9 @@ void RelaySocketClient::writeFrame(std::string_view payload) const {
 
 std::optional<std::string> RelaySocketClient::readFrame(double timeout) const {
     const timeval limit = timevalOf(timeout);
+    if (timeout < 0) {
+        return std::nullopt;
+    }
     setsockopt(fd_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
     FrameDecoder decoder;
     std::array<char, readSize> buffer; // filled by each read

@@ -12,8 +12,9 @@ namespace KeyloftCore {
 /// A value that names a descriptor and does not own it: copies share it, and nobody closes it but `close`.
 class RelaySocketClient {
 public:
-    /// Throws RelaySocketError: `pathTooLong`, or `syscall` for "socket" and "connect" (nobody listens:
-    /// ENOENT or ECONNREFUSED). There is no time limit.
+    /// Throws RelaySocketError: `pathContainsNUL`, `pathTooLong`, or `syscall` for "socket" and "connect"
+    /// (ENOENT or ECONNREFUSED if no process listens; on macOS ECONNREFUSED also while too many clients wait
+    /// to be accepted). There is no time limit.
     static RelaySocketClient connect(const std::string& path);
 
     /// The connected socket.
@@ -22,10 +23,11 @@ public:
     /// Sends one frame, of any length. Throws RelaySocketError::syscall("write").
     void writeFrame(std::string_view payload) const;
 
-    /// The first frame that the peer sends, or nothing where it closes, fails, sends a frame beyond the
-    /// limit, or is silent for `timeout` seconds (microseconds count; 0 is no limit). Each wait is limited,
-    /// not the whole: a peer that sends a byte now and then can go on for long. A time-out that is not
-    /// finite, or too large for the system, stops the process.
+    /// The first frame that the peer sends, or nothing if it closes, fails, sends a frame beyond the limit,
+    /// or is silent for `timeout` seconds. The time-out is cut to whole microseconds, but to no less than
+    /// one; 0 is no limit, and with a negative one nothing is read. It limits each wait and not the whole: a
+    /// peer that sends a byte now and then can go on for long. A time-out that is not finite, or too large
+    /// for the system, stops the process.
     std::optional<std::string> readFrame(double timeout) const;
 
     /// Closes the descriptor. Called once, for all copies.

@@ -17,4 +17,8 @@ RelaySocketError RelaySocketError::syscall(std::string_view call, std::int32_t c
 
 RelaySocketError RelaySocketError::pathTooLong() { return {Case::pathTooLong, "", 0, "pathTooLong"}; }
 
+RelaySocketError RelaySocketError::pathContainsNUL() {
+    return {Case::pathContainsNUL, "", 0, "pathContainsNUL"};
+}
+
 } // namespace KeyloftCore

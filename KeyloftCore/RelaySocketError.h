@@ -11,16 +11,18 @@ namespace KeyloftCore {
 class RelaySocketError : public std::exception {
 public:
     enum class Case {
-        syscall,     ///< `call` failed with `code`
-        pathTooLong, ///< the path does not fit in a socket address
+        syscall,         ///< `call` failed with `code`
+        pathTooLong,     ///< the path does not fit in a socket address
+        pathContainsNUL, ///< the path would name another file, the part before its NUL byte
     };
 
     /// `call` is the system call's name; `code` its `errno`.
     static RelaySocketError syscall(std::string_view call, std::int32_t code);
     static RelaySocketError pathTooLong();
+    static RelaySocketError pathContainsNUL();
 
     Case kind() const noexcept { return kind_; }
-    /// Empty and 0 for `pathTooLong`.
+    /// Empty and 0 unless `kind` is `syscall`.
     const std::string& call() const noexcept { return call_; }
     std::int32_t code() const noexcept { return code_; }
     /// `syscall("connect", 2)`

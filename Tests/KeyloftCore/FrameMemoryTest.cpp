@@ -1,11 +1,17 @@
-// What a decoder asks memory for. In a program of its own, because every allocation in it is watched.
+// What a decoder asks memory for, and what a listener gives back. In a program of its own, because every
+// allocation in it is watched.
 
 #include "KeyloftCore/FrameDecoder.h"
 #include "KeyloftCore/NativeMessageFrame.h"
+#include "KeyloftCore/RelayListener.h"
+#include "KeyloftCore/RelaySocketClient.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/Waiting.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -17,6 +23,13 @@ namespace {
 /// The largest and all requests since they were last set to 0.
 thread_local std::size_t largest = 0;
 thread_local std::size_t total = 0;
+/// What is allocated now, by all threads.
+std::atomic<long> liveBlocks = 0;
+
+void release(void* memory) {
+    liveBlocks -= memory != nullptr ? 1 : 0;
+    std::free(memory);
+}
 
 } // namespace
 
@@ -25,12 +38,13 @@ void* operator new(std::size_t size) {
     largest = std::max(largest, size);
     total += size;
     if (void* memory = std::malloc(size)) {
+        ++liveBlocks;
         return memory;
     }
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept { release(memory); }
+void operator delete(void* memory, std::size_t) noexcept { release(memory); }
 // NOLINTEND(cppcoreguidelines-*,misc-new-delete-overloads,clang-analyzer-cplusplus.NewDelete)
 
 namespace {
@@ -89,6 +103,28 @@ TEST(FrameDecoderMemory, aLargeFrameInLargeChunksIsPlacedOnce) {
         decoder.append(std::string_view(frame).substr(offset, 65'536));
     }
     EXPECT_LT(total, NativeMessageFrame::maxLength + 4096);
+}
+
+TEST(RelayListenerMemory, closedConnectionsLeaveNothingBehind) {
+    const KeyloftTests::TemporaryDirectory directory;
+    const auto path = directory / "relay.sock";
+    KeyloftCore::RelayListener listener;
+    listener.listen(path, [](const std::string& request, const KeyloftCore::RelayListener::Reply& reply) {
+        reply(request);
+    });
+    const auto exchange = [&](int times) {
+        for (int turn = 0; turn < times; ++turn) {
+            const auto client = KeyloftCore::RelaySocketClient::connect(path);
+            client.writeFrame("x");
+            EXPECT_EQ(client.readFrame(30), "x");
+            client.close();
+        }
+    };
+    exchange(20);
+    const long before = liveBlocks;
+    exchange(200);
+    // The last connections may still be closing, now and before.
+    EXPECT_TRUE(KeyloftTests::eventually([&] { return liveBlocks < before + 100; })) << liveBlocks - before;
 }
 
 } // namespace

@@ -185,10 +185,10 @@ TEST_F(HostilePeerTest, aPeerThatReadsSlowlyIsGivenUpAfterThreeSecondsInAll) {
     const auto begin = Clock::now();
     ASSERT_TRUE(slow.send(frame("large")));
     ASSERT_TRUE(requests.wait());
-    // Each read makes room for more, so that no single wait is long. Reading all of it would take 20 seconds.
+    // Each read makes room for more, so that no single wait is long. Reading all of it would take 10 seconds.
     std::atomic<bool> over = false;
     std::thread reading([&] {
-        std::vector<char> buffer(10'000);
+        std::vector<char> buffer(20'000);
         while (!over && recv(slow.descriptor(), buffer.data(), buffer.size(), 0) > 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(200));
         }
@@ -244,14 +244,18 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
 TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
     startEcho();
     const auto before = openDescriptors();
-    RawPeer open(path);
-    ASSERT_TRUE(open.send("\x05\0"sv));
-    expectService();
-    // Answered after it, so it has been accepted: each side holds one descriptor, and no other is on its way
-    // out.
-    ASSERT_TRUE(eventually([&] { return openDescriptors() == before + 2; }));
-    std::vector<RawPeer> waiting(2);
-    {
+    // After a second the listener tries again anyway, so only an earlier answer is due to the close. A
+    // machine may be too busy to tell.
+    bool answeredInTime = false;
+    for (int attempt = 0; attempt < 5 && !answeredInTime; ++attempt) {
+        RawPeer open(path);
+        ASSERT_TRUE(open.send("\x05\0"sv));
+        expectService();
+        // Answered after it, so it has been accepted: each side holds one descriptor, and no other is on its
+        // way out.
+        ASSERT_TRUE(eventually([&] { return openDescriptors() == before + 2; }));
+        std::vector<RawPeer> waiting(2);
+        const auto begin = Clock::now();
         const DescriptorFamine famine;
         for (const auto& peer : waiting) {
             ASSERT_TRUE(peer.connect(path));
@@ -267,7 +271,9 @@ TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
         for (auto& peer : waiting) {
             EXPECT_EQ(peer.receiveAll(), frame("echo hungry"));
         }
+        answeredInTime = Clock::now() - begin < std::chrono::seconds(1);
     }
+    EXPECT_TRUE(answeredInTime);
     expectService();
 }
 

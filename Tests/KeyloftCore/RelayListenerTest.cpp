@@ -11,8 +11,10 @@
 
 #include <array>
 #include <atomic>
-#include <fstream>
+#include <filesystem>
+#include <set>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -48,6 +50,24 @@ public:
 
 private:
     mode_t previous_;
+};
+
+/// Another current directory for the length of a test.
+class CurrentDirectory {
+public:
+    explicit CurrentDirectory(const std::filesystem::path& path)
+        : previous_(std::filesystem::current_path()) {
+        std::filesystem::current_path(path);
+    }
+    CurrentDirectory(const CurrentDirectory&) = delete;
+    CurrentDirectory& operator=(const CurrentDirectory&) = delete;
+    ~CurrentDirectory() {
+        std::error_code ignored;
+        std::filesystem::current_path(previous_, ignored);
+    }
+
+private:
+    std::filesystem::path previous_;
 };
 
 std::optional<RelaySocketError> listenError(RelayListener& listener, const std::string& path) {
@@ -203,6 +223,30 @@ TEST_F(RelayListenerTest, aReplyAfterTheListenersEndDoesNothing) {
     EXPECT_FALSE(std::filesystem::exists(path)) << "the end closes";
 }
 
+TEST_F(RelayListenerTest, aKeptReplyKeepsNothingOfTheListener) {
+    const auto token = std::make_shared<int>(0);
+    RelayListener::Reply keptReplyFunction;
+    Event asked;
+    const auto threads = KeyloftTests::runningThreads();
+    const auto descriptors = KeyloftTests::openDescriptors();
+    {
+        RelayListener shortLived;
+        shortLived.listen(path, [&, token](const std::string&, RelayListener::Reply reply) {
+            keptReplyFunction = std::move(reply);
+            asked.signal();
+        });
+        const RawPeer peer(path);
+        ASSERT_TRUE(peer.send(frame("x")));
+        ASSERT_TRUE(asked.wait());
+    }
+    ASSERT_TRUE(keptReplyFunction);
+    EXPECT_TRUE(KeyloftTests::eventually([&] {
+        return token.use_count() == 1 && KeyloftTests::runningThreads() == threads &&
+               KeyloftTests::openDescriptors() == descriptors;
+    })) << token.use_count()
+        << " owners of the handler, " << KeyloftTests::runningThreads() - threads << " threads";
+}
+
 TEST_F(RelayListenerTest, aReplyToAPeerThatHasGoneDoesNothing) {
     startKeeping();
     {
@@ -248,6 +292,25 @@ TEST_F(RelayListenerTest, theLastReferenceMayGoOnTheQueue) {
     EXPECT_EQ(peer.receiveAll(), "");
     EXPECT_TRUE(KeyloftTests::eventually([&] { return token.use_count() == 1; }));
     EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(RelayListenerTest, destroyedOnTheQueueLeavesItsSocketToTheCancelHandler) {
+    // Not every system stops watching a descriptor before that handler runs.
+    Event done;
+    const int listening = dup(0); // the next descriptor after the queue's own
+    close(listening);
+    listener->listen(path, [&](const std::string&, const RelayListener::Reply&) {
+        int listens = 0;
+        socklen_t size = sizeof listens;
+        EXPECT_EQ(getsockopt(listening, SOL_SOCKET, SO_ACCEPTCONN, &listens, &size), 0);
+        listener.reset();
+        EXPECT_EQ(getsockopt(listening, SOL_SOCKET, SO_ACCEPTCONN, &listens, &size), 0);
+        EXPECT_EQ(listens, 1);
+        done.signal();
+    });
+    const RawPeer peer(path);
+    ASSERT_TRUE(peer.send(frame("x")));
+    ASSERT_TRUE(done.wait());
 }
 
 TEST_F(RelayListenerTest, theHandlerMayHoldTheListener) {
@@ -333,18 +396,21 @@ TEST_F(RelayListenerTest, theSocketsModeIsTheSameUnderAnyMask) {
     EXPECT_EQ(Mask::current(), 0777U);
 }
 
-TEST_F(RelayListenerTest, directoriesMadeHereAreTheOwnersAloneAndOthersKeepTheirMode) {
+TEST_F(RelayListenerTest, directoriesMadeHereAreTheOwnersAloneUnderAnyMaskAndOthersKeepTheirMode) {
     const auto existing = directory / "existing";
     mkdir(existing.c_str(), 0755);
     chmod(existing.c_str(), 0755);
-    const Mask mask(0);
-    const auto deep = existing + "/made/here/relay.sock";
-    listener->listen(deep,
-                     [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
-    EXPECT_EQ(modeOf(existing), 0755U);
-    EXPECT_EQ(modeOf(existing + "/made"), 0700U);
-    EXPECT_EQ(modeOf(existing + "/made/here"), 0700U);
-    EXPECT_EQ(ask(deep, "x"), "x");
+    for (const mode_t restricted : {0U, 022U, 0277U, 0777U}) {
+        const Mask mask(restricted);
+        RelayListener deep;
+        const auto made = existing + "/made" + std::to_string(restricted);
+        deep.listen(made + "/here/relay.sock",
+                    [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
+        EXPECT_EQ(modeOf(existing), 0755U);
+        EXPECT_EQ(modeOf(made), 0700U) << restricted;
+        EXPECT_EQ(modeOf(made + "/here"), 0700U) << restricted;
+        EXPECT_EQ(ask(made + "/here/relay.sock", "x"), "x");
+    }
 }
 
 TEST_F(RelayListenerTest, replacesWhateverFileIsInItsPlace) {
@@ -368,14 +434,35 @@ TEST_F(RelayListenerTest, replacesASocketLeftByAnEarlierRun) {
     EXPECT_EQ(ask(path, "x"), "echo x");
 }
 
-TEST_F(RelayListenerTest, aDirectoryThatCannotBeMadeIsTheFileManagersError) {
+TEST_F(RelayListenerTest, aDirectoryThatCannotBeMadeIsTheFileManagersErrorAndNothingElseHappens) {
     const auto file = directory / "file";
-    writeContents(file, "");
-    const auto inside = file + "/relay.sock";
-    EXPECT_THROW(listener->listen(inside, nullptr), Platform::FileError);
-    EXPECT_EQ(modeOf(file) & 0777U, modeOf(file)) << "still there";
-    EXPECT_THROW(listener->listen("", nullptr), Platform::FileError);
-    EXPECT_THROW(listener->listen("relay.sock", nullptr), Platform::FileError);
+    writeContents(file, "mine");
+    const auto ignore = [](const std::string&, const RelayListener::Reply&) {};
+    EXPECT_THROW(listener->listen(file + "/relay.sock", ignore), Platform::FileError);
+    EXPECT_EQ(KeyloftTests::contentsOf(file), "mine");
+    EXPECT_THROW(listener->listen("", ignore), Platform::FileError);
+
+    // Without a directory in its path the file is in the current one, and still not the listener's to remove.
+    const CurrentDirectory here(directory.path());
+    EXPECT_THROW(listener->listen("file", ignore), Platform::FileError);
+    EXPECT_EQ(KeyloftTests::contentsOf(file), "mine");
+}
+
+TEST_F(RelayListenerTest, aPathWithANULIsRefusedBeforeAnythingIsTouched) {
+    const auto withNUL = [](std::string text) { return text.append("\0more", 5); };
+    writeContents(path, "mine");
+    for (const auto& refused : {withNUL(path), withNUL(directory / "new") + "/relay.sock",
+                                withNUL("/" + std::string(200, 'x')), withNUL("")}) {
+        EXPECT_EQ(listenError(*listener, refused), RelaySocketError::pathContainsNUL());
+        try {
+            RelaySocketClient::connect(refused).close();
+            ADD_FAILURE() << "connected to another path";
+        } catch (const RelaySocketError& error) {
+            EXPECT_EQ(error, RelaySocketError::pathContainsNUL());
+        }
+    }
+    EXPECT_EQ(KeyloftTests::contentsOf(path), "mine");
+    EXPECT_EQ(KeyloftTests::namesIn(directory.path()), std::set<std::string>{"relay.sock"});
 }
 
 TEST_F(RelayListenerTest, aDirectoryInItsPlaceIsABindError) {
@@ -590,13 +677,24 @@ TEST(RelayListenerDeathTest, closingOnTheQueueStopsTheProcess) {
         "synchronous call on the queue.*velde.orvane.keyloft.relay-listener");
 }
 
+TEST(RelayListenerDeathTest, aListenerWithoutAHandlerStopsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const KeyloftTests::TemporaryDirectory directory;
+    const auto path = directory / "relay.sock";
+    writeContents(path, "mine");
+    EXPECT_DEATH(RelayListener().listen(path, nullptr), "needs a handler for its requests");
+    EXPECT_EQ(KeyloftTests::contentsOf(path), "mine");
+}
+
 TEST(RelaySocketError, showsItself) {
     EXPECT_STREQ(RelaySocketError::syscall("bind", 98).what(), "syscall(\"bind\", 98)");
     EXPECT_STREQ(RelaySocketError::pathTooLong().what(), "pathTooLong");
+    EXPECT_STREQ(RelaySocketError::pathContainsNUL().what(), "pathContainsNUL");
     EXPECT_EQ(RelaySocketError::syscall("bind", 98), RelaySocketError::syscall("bind", 98));
     EXPECT_NE(RelaySocketError::syscall("bind", 98), RelaySocketError::syscall("listen", 98));
     EXPECT_NE(RelaySocketError::syscall("bind", 98), RelaySocketError::syscall("bind", 99));
     EXPECT_NE(RelaySocketError::syscall("", 0), RelaySocketError::pathTooLong());
+    EXPECT_NE(RelaySocketError::pathContainsNUL(), RelaySocketError::pathTooLong());
     EXPECT_EQ(RelaySocketError::syscall("bind", 98).kind(), RelaySocketError::Case::syscall);
     EXPECT_EQ(RelaySocketError::syscall("bind", 98).call(), "bind");
     EXPECT_EQ(RelaySocketError::syscall("bind", 98).code(), 98);

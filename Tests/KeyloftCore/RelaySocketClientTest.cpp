@@ -159,6 +159,21 @@ TEST_F(RelaySocketClientTest, aSilentServerIsNoReplyAfterTheTimeout) {
     client.close();
 }
 
+TEST_F(RelaySocketClientTest, aNegativeTimeoutReadsNothingAndATinyOneEnds) {
+    Event mayReply;
+    const PlainServer server(path, [&](int connection) {
+        EXPECT_TRUE(mayReply.wait());
+        put(connection, frame("x"));
+    });
+    const auto client = RelaySocketClient::connect(path);
+    for (const double timeout : {-1.5, -0.5, -1e-7, 1e-7}) {
+        EXPECT_EQ(client.readFrame(timeout), std::nullopt);
+    }
+    mayReply.signal();
+    EXPECT_EQ(client.readFrame(longWait), "x");
+    client.close();
+}
+
 TEST_F(RelaySocketClientTest, theTimeoutLimitsEachWaitAndNotTheWhole) {
     const PlainServer server(path, [](int connection) {
         for (const char byte : frame("dripping")) {

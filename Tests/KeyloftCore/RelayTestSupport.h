@@ -3,6 +3,7 @@
 #include "KeyloftCore/NativeMessageFrame.h"
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketClient.h"
+#include "KeyloftCore/RelaySocketError.h"
 #include "Tests/Support/ProcessCounts.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Waiting.h"
@@ -38,13 +39,27 @@ class RawPeer {
 public:
     RawPeer()
         : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
+    /// Tries again while it is refused, as macOS does when too many others wait to be accepted.
     explicit RawPeer(const std::string& path)
         : RawPeer() {
-        EXPECT_TRUE(connect(path)) << path << ": " << std::generic_category().message(errno);
+        bool connected = false;
+        const bool ended = eventually([&] {
+            connected = connect(path);
+            if (connected || errno != ECONNREFUSED) {
+                return true;
+            }
+            *this = RawPeer();
+            return false;
+        });
+        EXPECT_TRUE(ended && connected) << path << ": " << std::generic_category().message(errno);
     }
     RawPeer(RawPeer&& other) noexcept
         : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    RawPeer& operator=(RawPeer&&) = delete;
+    RawPeer& operator=(RawPeer&& other) noexcept {
+        std::swap(descriptor_, other.descriptor_);
+        std::swap(error_, other.error_);
+        return *this;
+    }
     RawPeer(const RawPeer&) = delete;
     RawPeer& operator=(const RawPeer&) = delete;
     ~RawPeer() { close(); }
@@ -104,10 +119,25 @@ inline std::string frame(std::string_view payload) {
     return KeyloftCore::NativeMessageFrame::encode(payload);
 }
 
-/// One whole exchange as a client has it: nothing where there was no reply.
+/// A client of a listener that may have more connections waiting than macOS allows.
+inline KeyloftCore::RelaySocketClient connectInTurn(const std::string& path) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    for (;;) {
+        try {
+            return KeyloftCore::RelaySocketClient::connect(path);
+        } catch (const KeyloftCore::RelaySocketError& error) {
+            if (error.code() != ECONNREFUSED || std::chrono::steady_clock::now() > deadline) {
+                throw;
+            }
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+/// One whole exchange as a client has it: nothing if there was no reply.
 inline std::optional<std::string> ask(const std::string& path, std::string_view request,
                                       double timeout = longWait) {
-    const auto client = KeyloftCore::RelaySocketClient::connect(path);
+    const auto client = connectInTurn(path);
     client.writeFrame(request);
     auto reply = client.readFrame(timeout);
     client.close();

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <thread>
@@ -31,6 +32,7 @@ using KeyloftTests::Intercepted;
 using KeyloftTests::longWait;
 using KeyloftTests::RawPeer;
 using KeyloftTests::realSend;
+using KeyloftTests::realStat;
 using KeyloftTests::RelayTest;
 using KeyloftTests::SystemCalls;
 
@@ -123,6 +125,13 @@ protected:
         }
         return std::nullopt;
     }
+
+    /// All that a peer receives for its request, whether or not it could be sent.
+    std::string exchange(std::string_view request) const {
+        RawPeer peer(path);
+        peer.send(frame(request));
+        return peer.receiveAll();
+    }
 };
 
 TEST_F(SystemCallTest, aReplyInShortAndInterruptedWritesComesWhole) {
@@ -214,7 +223,7 @@ TEST_F(SystemCallTest, aPeerWhoseUserCannotBeToldIsRefusedUnread) {
     for (const int error : {ENOTSOCK, ENOPROTOOPT, EINVAL}) {
         std::atomic<int> reads = 0;
         SystemCalls system;
-        system.getsockopt = [&](int level, int option, void*) -> SystemCalls::Maybe {
+        system.getsockopt = [&](int level, int option, void*, socklen_t*) -> SystemCalls::Maybe {
             return level == SOL_SOCKET && option == SO_PEERCRED ? SystemCalls::failure(error) : std::nullopt;
         };
         system.read = [&](int, std::size_t count) -> SystemCalls::Maybe {
@@ -238,7 +247,7 @@ TEST_F(SystemCallTest, aPeerOfAnotherUserIsRefusedUnread) {
     for (const uid_t user : {getuid() + 1, static_cast<uid_t>(-1), getuid() == 0 ? 1U : 0U}) {
         std::atomic<int> reads = 0;
         SystemCalls system;
-        system.getsockopt = [&](int, int option, void* value) -> SystemCalls::Maybe {
+        system.getsockopt = [&](int, int option, void* value, socklen_t*) -> SystemCalls::Maybe {
             if (option != SO_PEERCRED) {
                 return std::nullopt;
             }
@@ -256,6 +265,42 @@ TEST_F(SystemCallTest, aPeerOfAnotherUserIsRefusedUnread) {
         EXPECT_EQ(peer.receiveAll(), "");
         EXPECT_EQ(reads, 0);
     }
+    EXPECT_EQ(requests.count(), 0U);
+}
+
+TEST_F(SystemCallTest, comparesThePeersUserWithTheRealUserOfTheProcess) {
+    // The real user differs from the effective one, which is the peer's here.
+    const uid_t real = geteuid() + 1;
+    uid_t peer = geteuid();
+    SystemCalls system;
+    system.getuid = [&]() -> SystemCalls::Maybe { return SystemCalls::Answer{.result = real}; };
+    system.getsockopt = [&](int, int option, void* value, socklen_t*) -> SystemCalls::Maybe {
+        if (option != SO_PEERCRED) {
+            return std::nullopt;
+        }
+        *static_cast<ucred*>(value) = {.pid = 1, .uid = peer, .gid = 0};
+        return SystemCalls::Answer{.result = 0};
+    };
+    startEcho();
+    const Intercepted intercepted(system);
+    EXPECT_EQ(exchange("x"), "");
+    peer = real;
+    EXPECT_EQ(exchange("y"), frame("echo y"));
+}
+
+TEST_F(SystemCallTest, refusesPeersWhoseCredentialsAreIncomplete) {
+    SystemCalls system;
+    system.getsockopt = [&](int, int option, void* value, socklen_t* length) -> SystemCalls::Maybe {
+        if (option != SO_PEERCRED) {
+            return std::nullopt;
+        }
+        *static_cast<ucred*>(value) = {.pid = 1, .uid = getuid(), .gid = 0};
+        *length = offsetof(ucred, gid);
+        return SystemCalls::Answer{.result = 0};
+    };
+    startEcho();
+    const Intercepted intercepted(system);
+    EXPECT_EQ(exchange("x"), "");
     EXPECT_EQ(requests.count(), 0U);
 }
 
@@ -365,7 +410,7 @@ TEST_F(SystemCallTest, aModeThatCannotBeSetIsNoFailure) {
 
 TEST_F(SystemCallTest, aListenerThatDoesNotKnowItsFileLeavesIt) {
     SystemCalls system;
-    system.stat = [&](std::string_view of) -> SystemCalls::Maybe {
+    system.stat = [&](std::string_view of, struct stat*) -> SystemCalls::Maybe {
         return of == path ? SystemCalls::failure(EACCES) : std::nullopt;
     };
     {
@@ -380,7 +425,7 @@ TEST_F(SystemCallTest, aListenerThatDoesNotKnowItsFileLeavesIt) {
 TEST_F(SystemCallTest, aFileThatCannotBeLookedAtStays) {
     startEcho();
     SystemCalls system;
-    system.stat = [&](std::string_view of) -> SystemCalls::Maybe {
+    system.stat = [&](std::string_view of, struct stat*) -> SystemCalls::Maybe {
         return of == path ? SystemCalls::failure(EACCES) : std::nullopt;
     };
     {
@@ -391,6 +436,41 @@ TEST_F(SystemCallTest, aFileThatCannotBeLookedAtStays) {
     EXPECT_FALSE(RawPeer().connect(path)) << "nobody listens any more";
     listener->close();
     EXPECT_TRUE(KeyloftTests::isSocket(path)) << "the path was forgotten";
+}
+
+TEST_F(SystemCallTest, aFileWithTheSocketsNumberOnAnotherDeviceStays) {
+    startEcho();
+    SystemCalls system;
+    system.stat = [&](std::string_view of, struct stat* status) -> SystemCalls::Maybe {
+        if (of != path || realStat(of, status) != 0) {
+            return std::nullopt;
+        }
+        ++status->st_dev;
+        return SystemCalls::Answer{.result = 0};
+    };
+    const Intercepted intercepted(system);
+    listener->close();
+    EXPECT_TRUE(KeyloftTests::isSocket(path));
+}
+
+TEST_F(SystemCallTest, errorsAreThoseOfTheCallThatFailedAndNotOfTheCleanUp) {
+    SystemCalls system;
+    system.close = []() -> SystemCalls::Maybe { return SystemCalls::failure(EIO); };
+    system.connect = [](socklen_t) -> SystemCalls::Maybe { return SystemCalls::failure(ENOBUFS); };
+    system.listen = [](int) -> SystemCalls::Maybe { return SystemCalls::failure(ENOBUFS); };
+    {
+        const Intercepted intercepted(system);
+        EXPECT_EQ(listenError(), RelaySocketError::syscall("listen", ENOBUFS));
+        try {
+            RelaySocketClient::connect(path);
+            ADD_FAILURE();
+        } catch (const RelaySocketError& error) {
+            EXPECT_EQ(error, RelaySocketError::syscall("connect", ENOBUFS));
+        }
+    }
+    system.bind = system.connect;
+    const Intercepted intercepted(system);
+    EXPECT_EQ(listenError(), RelaySocketError::syscall("bind", ENOBUFS));
 }
 
 TEST_F(SystemCallTest, addressesHaveTheirFullLength) {
@@ -416,7 +496,7 @@ TEST_F(SystemCallTest, checksAndLimitsAConnectionBeforeReadingFromIt) {
         calls.push_back(call);
     };
     SystemCalls system;
-    system.getsockopt = [&](int level, int option, void*) -> SystemCalls::Maybe {
+    system.getsockopt = [&](int level, int option, void*, socklen_t*) -> SystemCalls::Maybe {
         note(level == SOL_SOCKET && option == SO_PEERCRED ? "credentials" : "another option");
         return std::nullopt;
     };
@@ -448,7 +528,7 @@ TEST_F(SystemCallTest, checksAndLimitsAConnectionBeforeReadingFromIt) {
     EXPECT_EQ(calls, (std::vector<std::string>{"credentials", "send time-out of 3 s", "read"}));
 }
 
-TEST_F(SystemCallTest, theClientsTimeoutIsCutToMicroseconds) {
+TEST_F(SystemCallTest, theClientsTimeoutIsCutToMicrosecondsButNotToNone) {
     startEcho();
     const auto timeoutFor = [&](double seconds) {
         std::vector<timeval> values;
@@ -472,8 +552,9 @@ TEST_F(SystemCallTest, theClientsTimeoutIsCutToMicroseconds) {
     EXPECT_EQ(timeoutFor(0), std::pair(0L, 0L));
     EXPECT_EQ(timeoutFor(5), std::pair(5L, 0L));
     EXPECT_EQ(timeoutFor(1.9999999), std::pair(1L, 999'999L));
-    EXPECT_EQ(timeoutFor(0.0000009), std::pair(0L, 0L));
-    EXPECT_EQ(timeoutFor(-1.5), std::pair(-1L, -500'000L));
+    EXPECT_EQ(timeoutFor(1.0000009), std::pair(1L, 0L));
+    EXPECT_EQ(timeoutFor(0.0000009), std::pair(0L, 1L));
+    EXPECT_EQ(timeoutFor(1e-300), std::pair(0L, 1L));
     EXPECT_EQ(timeoutFor(1e15), std::pair(1'000'000'000'000'000L, 0L));
 }
 

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <string>
 
 // The linker's names for the system's functions and for those in their place.
 // NOLINTBEGIN(bugprone-reserved-identifier)
@@ -16,6 +17,8 @@ int __real_socket(int domain, int type, int protocol);
 int __real_bind(int descriptor, const sockaddr* address, socklen_t length);
 int __real_connect(int descriptor, const sockaddr* address, socklen_t length);
 int __real_listen(int descriptor, int backlog);
+int __real_close(int descriptor);
+uid_t __real_getuid();
 int __real_chmod(const char* path, mode_t mode);
 int __real_stat(const char* path, struct stat* status);
 int __real_getsockopt(int descriptor, int level, int option, void* value, socklen_t* length);
@@ -29,6 +32,10 @@ std::atomic<int> SystemCalls::asking = 0;
 
 ssize_t realSend(int descriptor, const void* bytes, std::size_t count, int flags) {
     return __real_send(descriptor, bytes, count, flags);
+}
+
+int realStat(std::string_view path, struct stat* status) {
+    return __real_stat(std::string(path).c_str(), status);
 }
 
 } // namespace KeyloftTests
@@ -121,15 +128,26 @@ int __wrap_chmod(const char* path, mode_t mode) {
                                                                          : __real_chmod(path, mode);
 }
 
+int __wrap_close(int descriptor) {
+    const int closed = __real_close(descriptor);
+    ssize_t result = 0;
+    return answered(&SystemCalls::close, result) ? static_cast<int>(result) : closed;
+}
+
+uid_t __wrap_getuid() {
+    ssize_t result = 0;
+    return answered(&SystemCalls::getuid, result) ? static_cast<uid_t>(result) : __real_getuid();
+}
+
 int __wrap_stat(const char* path, struct stat* status) {
     ssize_t result = 0;
-    return answered(&SystemCalls::stat, result, std::string_view(path)) ? static_cast<int>(result)
-                                                                        : __real_stat(path, status);
+    return answered(&SystemCalls::stat, result, std::string_view(path), status) ? static_cast<int>(result)
+                                                                                : __real_stat(path, status);
 }
 
 int __wrap_getsockopt(int descriptor, int level, int option, void* value, socklen_t* length) {
     ssize_t result = 0;
-    return answered(&SystemCalls::getsockopt, result, level, option, value)
+    return answered(&SystemCalls::getsockopt, result, level, option, value, length)
                ? static_cast<int>(result)
                : __real_getsockopt(descriptor, level, option, value, length);
 }

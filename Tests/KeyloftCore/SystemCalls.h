@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/types.h>
 
@@ -33,8 +34,11 @@ struct SystemCalls {
     std::function<Maybe(socklen_t length)> connect;
     std::function<Maybe(int backlog)> listen;
     std::function<Maybe(std::string_view path)> chmod;
-    std::function<Maybe(std::string_view path)> stat;
-    std::function<Maybe(int level, int option, void* value)> getsockopt;
+    /// After the system has closed the descriptor.
+    std::function<Maybe()> close;
+    std::function<Maybe()> getuid;
+    std::function<Maybe(std::string_view path, struct stat* status)> stat;
+    std::function<Maybe(int level, int option, void* value, socklen_t* length)> getsockopt;
     std::function<Maybe(int level, int option, const void* value)> setsockopt;
 
     /// The ones in force; null for none.
@@ -59,5 +63,6 @@ public:
 
 /// What the system itself does.
 ssize_t realSend(int descriptor, const void* bytes, std::size_t count, int flags);
+int realStat(std::string_view path, struct stat* status);
 
 } // namespace KeyloftTests
