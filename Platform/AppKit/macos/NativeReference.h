@@ -8,14 +8,17 @@
 
 #include <memory>
 
-/// From AppKit's objects back to ours. AppKit's object holds ours weakly; ours owns AppKit's. Main thread
-/// only.
+/// From AppKit's objects back to ours. Main thread only.
+///
+/// Views and windows own AppKit's objects, which therefore hold them weakly. A menu item does not know
+/// AppKit's items for it, and each of those owns it: AppKit may send the action of an item that has left its
+/// menu.
 namespace Platform {
 
 void setReference(NSView* _Nonnull native, const std::weak_ptr<View>& view);
 void setReference(NSWindow* _Nonnull native, const std::weak_ptr<Window>& window);
 void setReference(NSMenu* _Nonnull native, const std::weak_ptr<Menu>& menu);
-void setReference(NSMenuItem* _Nonnull native, const std::weak_ptr<MenuItem>& item);
+void setReference(NSMenuItem* _Nonnull native, const std::shared_ptr<MenuItem>& item);
 
 /// Nothing for what is not ours, or once ours has gone.
 std::shared_ptr<View> viewOf(id _Nullable native);

@@ -7,7 +7,7 @@
 namespace {
 
 using Referenced = std::variant<std::weak_ptr<Platform::View>, std::weak_ptr<Platform::Window>,
-                                std::weak_ptr<Platform::Menu>, std::weak_ptr<Platform::MenuItem>>;
+                                std::weak_ptr<Platform::Menu>, std::shared_ptr<Platform::MenuItem>>;
 
 } // namespace
 
@@ -33,14 +33,15 @@ void attach(const Referenced& referenced, id native) {
     objc_setAssociatedObject(native, &referenceKey, reference, OBJC_ASSOCIATION_RETAIN_NONATOMIC);
 }
 
-template <typename Type>
-std::shared_ptr<Type> referencedBy(id native) {
+/// The reference that `native` keeps, if it is a `Kept`.
+template <typename Kept>
+Kept referenceOf(id native) {
     KeyloftReference* const reference = native != nil ? objc_getAssociatedObject(native, &referenceKey) : nil;
     if (reference == nil) {
-        return nullptr;
+        return {};
     }
-    const auto* const weak = std::get_if<std::weak_ptr<Type>>(&reference->referenced);
-    return weak != nullptr ? weak->lock() : nullptr;
+    const auto* const kept = std::get_if<Kept>(&reference->referenced);
+    return kept != nullptr ? *kept : Kept();
 }
 
 /// The window's one editor of text stands in for the field that it edits, which is its delegate.
@@ -61,15 +62,15 @@ void setReference(NSWindow* native, const std::weak_ptr<Window>& window) { attac
 
 void setReference(NSMenu* native, const std::weak_ptr<Menu>& menu) { attach(menu, native); }
 
-void setReference(NSMenuItem* native, const std::weak_ptr<MenuItem>& item) { attach(item, native); }
+void setReference(NSMenuItem* native, const std::shared_ptr<MenuItem>& item) { attach(item, native); }
 
-std::shared_ptr<View> viewOf(id native) { return referencedBy<View>(native); }
+std::shared_ptr<View> viewOf(id native) { return referenceOf<std::weak_ptr<View>>(native).lock(); }
 
-std::shared_ptr<Window> windowOf(id native) { return referencedBy<Window>(native); }
+std::shared_ptr<Window> windowOf(id native) { return referenceOf<std::weak_ptr<Window>>(native).lock(); }
 
-std::shared_ptr<Menu> menuOf(id native) { return referencedBy<Menu>(native); }
+std::shared_ptr<Menu> menuOf(id native) { return referenceOf<std::weak_ptr<Menu>>(native).lock(); }
 
-std::shared_ptr<MenuItem> menuItemOf(id native) { return referencedBy<MenuItem>(native); }
+std::shared_ptr<MenuItem> menuItemOf(id native) { return referenceOf<std::shared_ptr<MenuItem>>(native); }
 
 std::shared_ptr<View> viewAround(NSResponder* responder) {
     NSResponder* const first = editedField(responder);
