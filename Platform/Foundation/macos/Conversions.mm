@@ -26,14 +26,29 @@ std::optional<URL> fromNSURL(NSURL* url) {
     return URL::fromString(fromNSString(url.absoluteString));
 }
 
+namespace {
+
+/// macOS 15.4 deprecates the key of the text, and newer systems may leave it out.
+std::optional<std::string> failingURLOf(NSError* error) {
+    const id text = error.userInfo[NSURLErrorFailingURLStringErrorKey];
+    if ([text isKindOfClass:NSString.class]) {
+        return fromNSString(text);
+    }
+    const id url = error.userInfo[NSURLErrorFailingURLErrorKey];
+    if ([url isKindOfClass:NSURL.class]) {
+        return fromNSString(static_cast<NSURL*>(url).absoluteString);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
 Error fromNSError(NSError* error) {
-    const id failingURL = error.userInfo[NSURLErrorFailingURLStringErrorKey];
     return {
         .domain = fromNSString(error.domain),
         .code = static_cast<int>(error.code),
         .localizedDescription = fromNSString(error.localizedDescription),
-        .failingURL = [failingURL isKindOfClass:NSString.class] ? std::optional(fromNSString(failingURL))
-                                                                : std::nullopt,
+        .failingURL = failingURLOf(error),
     };
 }
 

@@ -12,7 +12,9 @@ typedef NSString* NSErrorUserInfoKey;
 FOUNDATION_EXPORT NSErrorDomain const NSPOSIXErrorDomain;
 FOUNDATION_EXPORT NSErrorDomain const NSURLErrorDomain;
 FOUNDATION_EXPORT NSErrorUserInfoKey const NSUnderlyingErrorKey;
-FOUNDATION_EXPORT NSString* const NSURLErrorFailingURLStringErrorKey;
+FOUNDATION_EXPORT NSString* const NSURLErrorFailingURLErrorKey API_AVAILABLE(macos(10.6));
+FOUNDATION_EXPORT NSString* const
+    NSURLErrorFailingURLStringErrorKey API_DEPRECATED("NSURLErrorFailingURLErrorKey", macos(10.6, 15.4));
 
 @interface NSError : NSObject <NSCopying, NSSecureCoding>
 + (instancetype)errorWithDomain:(NSErrorDomain)domain
