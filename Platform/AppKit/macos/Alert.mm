@@ -39,7 +39,10 @@ std::size_t chosenButton(NSModalResponse response, std::size_t safeButton) {
 Sheet::Sheet(const Alert& alert, Alert::Completion completion)
     : alert_(makeNativeAlert(alert))
     , safeButton_(safeButtonOf(alert))
-    , completion_(std::move(completion)) {}
+    , completion_(std::move(completion)) {
+    // A window with a sheet otherwise keeps the user from quitting.
+    alert_.window.preventsApplicationTerminationWhenModal = NO;
+}
 
 void Sheet::answer(NSModalResponse response) { complete(chosenButton(response, safeButton_)); }
 

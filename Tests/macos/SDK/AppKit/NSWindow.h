@@ -52,6 +52,7 @@ typedef NSString* NSWindowTabbingIdentifier;
 @property (readonly, getter=isVisible) BOOL visible;
 @property (readonly) NSWindowOcclusionState occlusionState API_AVAILABLE(macos(10.9));
 @property NSSize minSize;
+@property BOOL preventsApplicationTerminationWhenModal API_AVAILABLE(macos(10.6));
 - (IBAction)performClose:(nullable id)sender;
 - (IBAction)performMiniaturize:(nullable id)sender;
 - (IBAction)performZoom:(nullable id)sender;
