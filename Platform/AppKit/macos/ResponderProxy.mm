@@ -7,6 +7,7 @@
 #include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/NativeReference.h"
 #include "Platform/AppKit/macos/WindowNative.h"
+#include "Platform/Foundation/DiagnosticLog.h"
 #include "Platform/Foundation/FatalError.h"
 #include "Platform/Foundation/macos/Conversions.h"
 
@@ -119,11 +120,13 @@ std::shared_ptr<Responder> responderOf(id native) {
 }
 
 Class registeredSubclass(Class proxyClass, std::string_view name) {
-    const std::string className(name);
-    if (const Class known = objc_lookUpClass(className.c_str()); known != Nil) {
-        if (class_getSuperclass(known) != proxyClass) {
-            fatalError("the name " + className + " belongs to another class");
-        }
+    std::string className(name);
+    Class known = objc_lookUpClass(className.c_str());
+    for (int number = 2; known != Nil && class_getSuperclass(known) != proxyClass; ++number) {
+        className = std::string(name) + std::to_string(number);
+        known = objc_lookUpClass(className.c_str());
+    }
+    if (known != Nil) {
         return known;
     }
     const Class made = objc_allocateClassPair(proxyClass, className.c_str(), 0);
@@ -131,6 +134,10 @@ Class registeredSubclass(Class proxyClass, std::string_view name) {
         fatalError("the class " + className + " could not be made");
     }
     objc_registerClassPair(made);
+    if (className != name) {
+        diagnosticLog("the name " + std::string(name) + " belongs to another class: " + className +
+                      " is used instead");
+    }
     return made;
 }
 
