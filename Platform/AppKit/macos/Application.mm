@@ -77,14 +77,29 @@ namespace {
 
 NSApplication* nativeApplication() { return NSApplication.sharedApplication; }
 
-/// What the user does waits with the application until somebody asks for it.
-void sendWaitingEvents() noexcept {
+/// AppKit serves the run loop while it waits for the user's next event.
+void deliverNextEvent() noexcept {
     NSApplication* const application = nativeApplication();
-    while (NSEvent* const event = [application nextEventMatchingMask:NSEventMaskAny
-                                                           untilDate:nil
-                                                              inMode:NSDefaultRunLoopMode
-                                                             dequeue:YES]) {
+    if (NSEvent* const event = [application nextEventMatchingMask:NSEventMaskAny
+                                                        untilDate:NSDate.distantFuture
+                                                           inMode:NSDefaultRunLoopMode
+                                                          dequeue:YES]) {
         [application sendEvent:event];
+    }
+}
+
+/// AppKit goes on waiting after timers and sources of the run loop: only an event ends the wait.
+void postEmptyEvent() noexcept {
+    if (NSEvent* const event = [NSEvent otherEventWithType:NSEventTypeApplicationDefined
+                                                  location:NSZeroPoint
+                                             modifierFlags:0
+                                                 timestamp:0
+                                              windowNumber:0
+                                                   context:nil
+                                                   subtype:0
+                                                     data1:0
+                                                     data2:0]) {
+        [nativeApplication() postEvent:event atStart:NO];
     }
 }
 
@@ -138,7 +153,7 @@ int Application::run(int argc, char** argv) {
 void Application::prepare() {
     assertMainThread("Application::prepare");
     [nativeApplication() finishLaunching];
-    setBeforeTurn(&sendWaitingEvents);
+    setRunLoopTurn({.wait = &deliverNextEvent, .wake = &postEmptyEvent});
 }
 
 void Application::wasStarted(const std::vector<URL>& urls) {

@@ -72,11 +72,17 @@ private:
 /// Whether the innermost `run` is to end; null outside of one.
 bool* innermostStopped = nullptr;
 
-void (*beforeTurn)() noexcept = nullptr;
+RunLoopTurn turn = {
+    .wait =
+        []() noexcept {
+            CFRunLoopRunInMode(kCFRunLoopDefaultMode, std::numeric_limits<double>::max(), true);
+        },
+    .wake = []() noexcept { CFRunLoopStop(CFRunLoopGetMain()); },
+};
 
 } // namespace
 
-void setBeforeTurn(void (*turn)() noexcept) { beforeTurn = turn; }
+void setRunLoopTurn(RunLoopTurn replacement) { turn = replacement; }
 
 RunLoop& RunLoop::main() {
     static RunLoop loop;
@@ -89,12 +95,7 @@ void RunLoop::run() {
     bool* const outer = std::exchange(innermostStopped, &stopped);
     while (!stopped) {
         @autoreleasepool {
-            if (beforeTurn != nullptr) {
-                beforeTurn();
-            }
-            if (!stopped) {
-                CFRunLoopRunInMode(kCFRunLoopDefaultMode, std::numeric_limits<double>::max(), true);
-            }
+            turn.wait();
         }
     }
     innermostStopped = outer;
@@ -103,7 +104,7 @@ void RunLoop::run() {
 void RunLoop::stop() {
     if (innermostStopped != nullptr) {
         *innermostStopped = true;
-        CFRunLoopStop(CFRunLoopGetMain());
+        turn.wake();
     }
 }
 

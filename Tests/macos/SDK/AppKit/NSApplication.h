@@ -38,6 +38,7 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
                                  untilDate:(nullable NSDate*)expiration
                                     inMode:(NSRunLoopMode)mode
                                    dequeue:(BOOL)deqFlag;
+- (void)postEvent:(NSEvent*)event atStart:(BOOL)flag;
 @end
 
 @interface NSApplication (NSResponder)

@@ -3,6 +3,7 @@
 #include <CoreFoundation/CFCGTypes.h>
 #include <Foundation/NSObjCRuntime.h>
 
+typedef CGPoint NSPoint;
 typedef CGSize NSSize;
 typedef CGRect NSRect;
 
@@ -20,4 +21,5 @@ static inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat hei
 static inline NSEdgeInsets NSEdgeInsetsMake(CGFloat top, CGFloat left, CGFloat bottom, CGFloat right) {
     return {top, left, bottom, right};
 }
+FOUNDATION_EXPORT const NSPoint NSZeroPoint;
 FOUNDATION_EXPORT const NSRect NSZeroRect;
