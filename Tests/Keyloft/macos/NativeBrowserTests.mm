@@ -4,7 +4,12 @@
 #include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/ControlNative.h"
 #include "Platform/AppKit/macos/MenuNative.h"
+#include "Platform/AppKit/macos/NativeReference.h"
+#include "Platform/AppKit/macos/ResponderProxy.h"
+#include "Platform/AppKit/macos/Sheet.h"
 #include "Platform/AppKit/macos/WindowNative.h"
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Foundation/Timer.h"
 #include "Platform/Foundation/macos/Conversions.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -13,6 +18,7 @@
 #import <objc/runtime.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -157,6 +163,62 @@ TEST(NativeMainMenu, isTheSystemsOwn) {
     ASSERT_TRUE(bookmarksDelegate != nil);
     [bookmarksDelegate menuNeedsUpdate:bookmarks];
     EXPECT_EQ(bookmarks.itemArray.count, 2 + delegate->bookmarks()->bookmarks().size());
+
+    // AppKit may fill the menu again before it sends the action of the item that the user chose.
+    NSMenuItem* const chosen = bookmarks.itemArray[2];
+    [bookmarksDelegate menuNeedsUpdate:bookmarks];
+    EXPECT_FALSE(bookmarks.itemArray[2] == chosen);
+    const auto item = Platform::menuItemOf(chosen);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->representedURL(), delegate->bookmarks()->bookmarks().front().url);
+}
+
+TEST(NativeClassName, isNumberedIfAnotherClassHasTheName) {
+    const Class other = objc_allocateClassPair(NSObject.class, "KeyloftTakenName", 0);
+    objc_registerClassPair(other);
+    const Class made = Platform::registeredSubclass(NSResponder.class, "KeyloftTakenName");
+    EXPECT_EQ(std::string(class_getName(made)), "KeyloftTakenName2");
+    EXPECT_TRUE(class_getSuperclass(made) == NSResponder.class);
+    EXPECT_TRUE(Platform::registeredSubclass(NSResponder.class, "KeyloftTakenName") == made);
+}
+
+TEST(NativeError, namesTheFailingURLUnderEitherKey) {
+    NSURL* const url = [NSURL URLWithString:@"https://client.example/a"];
+    const auto failingURL = [](NSDictionary<NSErrorUserInfoKey, id>* info) {
+        return Platform::fromNSError([NSError errorWithDomain:NSURLErrorDomain
+                                                         code:NSURLErrorBadURL
+                                                     userInfo:info])
+            .failingURL;
+    };
+    EXPECT_EQ(failingURL(@{NSURLErrorFailingURLErrorKey : url}), "https://client.example/a");
+    EXPECT_EQ(failingURL(@{NSURLErrorFailingURLStringErrorKey : @"http://["}), "http://[");
+    EXPECT_EQ(failingURL(@{NSURLErrorFailingURLErrorKey : @"no URL"}), std::nullopt);
+    EXPECT_EQ(failingURL(@{}), std::nullopt);
+}
+
+TEST(NativeAlert, doesNotKeepTheUserFromQuitting) {
+    Platform::Application::shared().prepare();
+    const Platform::Sheet sheet(Platform::Alert(), nullptr);
+    EXPECT_FALSE(sheet.alert().window.preventsApplicationTerminationWhenModal);
+}
+
+TEST(NativeRunLoop, isStoppedFromATimerWhileNoEventComes) {
+    Platform::Application::shared().prepare();
+    auto& loop = Platform::RunLoop::main();
+    const auto timer = Platform::Timer::scheduled(0.01, false, [&loop] { loop.stop(); });
+    loop.run();
+    int turns = 0;
+    loop.perform([&] {
+        ++turns;
+        loop.perform([&] {
+            ++turns;
+            loop.stop();
+        });
+        loop.run();
+        loop.stop();
+    });
+    loop.run();
+    EXPECT_EQ(turns, 2);
 }
 
 } // namespace
