@@ -100,6 +100,9 @@ private:
     std::weak_ptr<UIDelegate> uiDelegate_;
     bool asksForPolicy_ = false;
 
+    /// Panels that wait for the user.
+    PendingReplies panels_;
+
     OwnPagePass ownPage_;
 
     /// What `load` asked for and nothing was committed of yet: after an end of the web process there is

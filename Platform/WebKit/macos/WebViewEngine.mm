@@ -307,6 +307,7 @@ void WebViewEngine::runAlertPanel(NSString* message, WKFrameInfo* frame,
     const auto kept = keep();
     const auto delegate = uiDelegate_.lock();
     if (kept != nullptr && delegate != nullptr) {
+        panels_.add(reply);
         delegate->runJavaScriptAlertPanel(*kept, fromNSString(message), fromWKFrameInfo(frame),
                                           [reply] { (*reply)(); });
     }
@@ -317,6 +318,7 @@ void WebViewEngine::runConfirmPanel(NSString* message, WKFrameInfo* frame,
     const auto kept = keep();
     const auto delegate = uiDelegate_.lock();
     if (kept != nullptr && delegate != nullptr) {
+        panels_.add(reply);
         delegate->runJavaScriptConfirmPanel(*kept, fromNSString(message), fromWKFrameInfo(frame),
                                             [reply](bool confirmed) { (*reply)(confirmed); });
     }
@@ -336,6 +338,7 @@ void WebViewEngine::contentProcessEnded() noexcept {
     processEnded_ = true;
     ownPage_.disarm();
     reloadsWhenVisible_ = !again && url_;
+    panels_.answerAllSafely();
     // Only when the view has forgotten its page can it be told to bring it back.
     RunLoop::main().perform([weak = weak_from_this()] {
         if (const auto engine = weak.lock()) {

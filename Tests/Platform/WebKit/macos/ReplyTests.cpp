@@ -56,4 +56,60 @@ TEST(Reply, LetsGoOfItselfFromInsideTheHandler) {
     EXPECT_EQ(reply, nullptr);
 }
 
+TEST(PendingReplies, AnswersWhatIsOpenSafelyAndOnce) {
+    std::vector<bool> confirmations;
+    int dismissals = 0;
+    const auto confirm = std::make_shared<Reply<bool>>(
+        [&confirmations](bool confirmed) { confirmations.push_back(confirmed); }, false);
+    const auto alert = std::make_shared<Reply<>>([&dismissals] { ++dismissals; });
+    PendingReplies replies;
+    replies.add(confirm);
+    replies.add(alert);
+    replies.answerAllSafely();
+    EXPECT_EQ(confirmations, std::vector{false});
+    EXPECT_EQ(dismissals, 1);
+    // The user answers the panel that is still shown.
+    (*confirm)(true);
+    replies.answerAllSafely();
+    EXPECT_EQ(confirmations, std::vector{false});
+    EXPECT_EQ(dismissals, 1);
+}
+
+TEST(PendingReplies, LeavesWhatWasAnsweredAlone) {
+    std::vector<bool> answers;
+    const auto reply =
+        std::make_shared<Reply<bool>>([&answers](bool answer) { answers.push_back(answer); }, false);
+    PendingReplies replies;
+    replies.add(reply);
+    (*reply)(true);
+    replies.answerAllSafely();
+    EXPECT_EQ(answers, std::vector{true});
+}
+
+TEST(PendingReplies, DoesNotKeepAQuestionOpen) {
+    int answers = 0;
+    auto reply = std::make_shared<Reply<>>([&answers] { ++answers; });
+    PendingReplies replies;
+    replies.add(reply);
+    reply.reset();
+    EXPECT_EQ(answers, 1);
+    replies.answerAllSafely();
+    EXPECT_EQ(answers, 1);
+}
+
+TEST(PendingReplies, TakesAnotherQuestionFromInsideAnAnswer) {
+    PendingReplies replies;
+    std::shared_ptr<Reply<>> second;
+    int answers = 0;
+    const auto first = std::make_shared<Reply<>>([&] {
+        second = std::make_shared<Reply<>>([&answers] { ++answers; });
+        replies.add(second);
+    });
+    replies.add(first);
+    replies.answerAllSafely();
+    EXPECT_EQ(answers, 0);
+    replies.answerAllSafely();
+    EXPECT_EQ(answers, 1);
+}
+
 } // namespace Platform
