@@ -37,6 +37,7 @@ function(keyloft_install_package component)
   write_basic_package_version_file("${PROJECT_BINARY_DIR}/KeyloftCoreConfigVersion.cmake"
     COMPATIBILITY SameMinorVersion)
   install(FILES "${PROJECT_BINARY_DIR}/KeyloftCoreConfig.cmake" "${PROJECT_BINARY_DIR}/KeyloftCoreConfigVersion.cmake"
+    "${PROJECT_SOURCE_DIR}/cmake/KeyloftICU.cmake"
     DESTINATION "${KEYLOFT_PACKAGE_DIR}" COMPONENT ${install_component})
 
   if(KEYLOFT_SYSTEM STREQUAL "linux")
