@@ -11,6 +11,17 @@ else()
   message(FATAL_ERROR "Keyloft has no Platform for ${CMAKE_SYSTEM_NAME}: Linux and macOS only.")
 endif()
 
+# The first part of the C++23 library that older compilers lack. Say so before they fail in the middle of the build.
+include(CheckCXXSourceCompiles)
+set(CMAKE_CXX_STANDARD 23)
+check_cxx_source_compiles("#include <expected>
+  int main() { return std::expected<int, int>(0).value(); }" KEYLOFT_HAS_EXPECTED)
+unset(CMAKE_CXX_STANDARD)
+if(NOT KEYLOFT_HAS_EXPECTED)
+  message(FATAL_ERROR "Keyloft needs GCC 12, Clang 19 or Xcode 15, or later: "
+    "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION} ${CMAKE_OSX_SYSROOT} has no std::expected.")
+endif()
+
 add_library(KeyloftOptions INTERFACE)
 target_compile_features(KeyloftOptions INTERFACE cxx_std_23)
 target_compile_options(KeyloftOptions INTERFACE -Wall -Wextra -Werror)
