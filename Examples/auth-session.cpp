@@ -10,12 +10,14 @@
 #include "KeyloftCore/HostError.h"
 #include "KeyloftCore/RelayTarget.h"
 #include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/Menu.h"
 #include "Platform/Foundation/JSON.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/URL.h"
 
 #include <expected>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -39,11 +41,28 @@ AuthorizeRequest requestFor(const std::string& text) {
     return {*url, RelayTarget::mintNonce()};
 }
 
+/// Without a menu for it, there is no key on macOS for pasting a password. The first menu is the
+/// application's.
+std::shared_ptr<Platform::Menu> makeMainMenu() {
+    using Platform::Menu;
+    using Platform::MenuItem;
+    const auto signIn = Menu::create("Sign-In");
+    signIn->addItem(MenuItem::create("Close Window", Platform::Action::performClose, "w"));
+    auto mainMenu = Menu::create();
+    for (const auto& menu : {signIn, Menu::createEditMenu()}) {
+        const auto item = MenuItem::create(menu->title(), std::nullopt);
+        item->setSubmenu(menu);
+        mainMenu->addItem(item);
+    }
+    return mainMenu;
+}
+
 AuthSession::Result signIn(const AuthorizeRequest& request,
                            const std::optional<std::string>& initiatorOrigin) {
     auto& application = Platform::Application::shared();
     application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
     application.prepare();
+    application.setMainMenu(makeMainMenu());
     AuthSession::Result ending = std::unexpected(HostError::cancelled());
     bool hasEnded = false;
     const auto session = AuthSession::create(request, [&](const AuthSession::Result& result) {

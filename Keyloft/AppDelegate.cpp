@@ -168,14 +168,7 @@ std::shared_ptr<Menu> AppDelegate::buildMainMenu() {
     addSeparator(*file);
     addItem(*file, "Close Tab", Action::performClose, "w");
 
-    const auto edit = addMenu(*mainMenu, "Edit");
-    addItem(*edit, "Undo", Action::undo, "z");
-    addItem(*edit, "Redo", Action::redo, "Z");
-    addSeparator(*edit);
-    addItem(*edit, "Cut", Action::cut, "x");
-    addItem(*edit, "Copy", Action::copy, "c");
-    addItem(*edit, "Paste", Action::paste, "v");
-    addItem(*edit, "Select All", Action::selectAll, "a");
+    addMenu(*mainMenu, "Edit", Menu::createEditMenu());
 
     const auto view = addMenu(*mainMenu, "View");
     addItem(*view, "Reload Page", Action::reload, "r");

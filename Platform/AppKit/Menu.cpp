@@ -25,4 +25,16 @@ std::shared_ptr<Menu> Menu::create(const std::string& title) {
     return menu;
 }
 
+std::shared_ptr<Menu> Menu::createEditMenu() {
+    auto menu = create("Edit");
+    menu->addItem(MenuItem::create("Undo", Action::undo, "z"));
+    menu->addItem(MenuItem::create("Redo", Action::redo, "Z"));
+    menu->addItem(MenuItem::createSeparator());
+    menu->addItem(MenuItem::create("Cut", Action::cut, "x"));
+    menu->addItem(MenuItem::create("Copy", Action::copy, "c"));
+    menu->addItem(MenuItem::create("Paste", Action::paste, "v"));
+    menu->addItem(MenuItem::create("Select All", Action::selectAll, "a"));
+    return menu;
+}
+
 } // namespace Platform

@@ -67,6 +67,9 @@ public:
 class Menu {
 public:
     static std::shared_ptr<Menu> create(const std::string& title = "");
+    /// The usual "Edit" menu, with Undo, Redo, Cut, Copy, Paste and Select All. On macOS it is what gives a
+    /// program's fields and pages the keys for these.
+    static std::shared_ptr<Menu> createEditMenu();
 
     const std::string& title() const { return title_; }
     const std::vector<std::shared_ptr<MenuItem>>& items() const { return items_; }

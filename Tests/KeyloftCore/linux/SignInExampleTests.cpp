@@ -1,16 +1,25 @@
 // The example program as somebody would run it.
 
 #include "Tests/KeyloftCore/linux/SignInTest.h"
+#include "Tests/Support/AccessibilityTree.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/Waiting.h"
+#include "Tests/Support/linux/MainLoop.h"
+#include "Tests/Support/linux/Xdotool.h"
 
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 
 using KeyloftCore::ResponseMode;
+using KeyloftTests::patience;
+using TestSupport::askXdotool;
 using TestSupport::HTTPResponse;
+using TestSupport::runUntil;
 
 namespace {
 
@@ -45,6 +54,22 @@ protected:
                                          "<script>addEventListener('load', () => " + script + ")</script>"));
     }
 
+    /// Opens the Edit menu, which is the second one, and presses `keys`. The page is asked first for the key
+    /// that opens the menu bar, so that the menu opens some time after it.
+    [[nodiscard]] static bool chooseFromEditMenu(const KeyloftTests::Program& program,
+                                                 const std::string& keys) {
+        askXdotool("key F10");
+        const bool isOpen = runUntil(
+            [&] {
+                return std::ranges::any_of(
+                    TestSupport::accessibleObjects(program.id()),
+                    [](const auto& object) { return object.isFocused && object.name == "Close Window"; });
+            },
+            patience);
+        askXdotool("key Right " + keys);
+        return isOpen;
+    }
+
 private:
     KeyloftTests::TemporaryDirectory directory_;
 };
@@ -61,6 +86,26 @@ TEST_F(SignInExampleTest, printsTheResultAsJSON) {
               "{\"params\":{\"code\":\"1\",\"user\":\"{\\\"name\\\": \\\"Zoë\\\"}\"},"
               "\"redirectURI\":\"https://client.example/callback\",\"responseMode\":\"form_post\"}\n");
     EXPECT_TRUE(run.error.contains(navigation("POST", callback, 1))) << run.error;
+}
+
+TEST_F(SignInExampleTest, pastesFromItsMenuIntoThePage) {
+    routePage("<input id=from value=pasted><form method=post action=" + std::string(callback) +
+                  "><input name=code></form>",
+              "{ const from = document.getElementById('from'), form = document.forms[0];"
+              "from.select(); fetch('/selected');"
+              "from.addEventListener('copy', () => setTimeout(() => {"
+              "form.code.focus(); fetch('/copied') }));"
+              "form.code.addEventListener('input', () => form.requestSubmit()) }");
+    KeyloftTests::Program program(KEYLOFT_SIGN_IN_EXAMPLE, {authorizeURL(ResponseMode::formPost), initiator});
+    ASSERT_TRUE(runUntil([&] { return server->count("/selected") == 1; }, patience)) << program.errors();
+    askXdotool("search --onlyvisible --name '^Keyloft$' windowactivate");
+    ASSERT_TRUE(chooseFromEditMenu(program, "Down Down Down Return")); // Copy
+    ASSERT_TRUE(runUntil([&] { return server->count("/copied") == 1; }, patience)) << program.errors();
+    ASSERT_TRUE(chooseFromEditMenu(program, "Down Down Down Down Return")); // Paste
+    const auto line = program.nextLine();
+    ASSERT_TRUE(line) << program.errors();
+    EXPECT_TRUE(line->contains("\"code\":\"pasted\"")) << *line;
+    EXPECT_EQ(program.waitForExit(), 0);
 }
 
 TEST_F(SignInExampleTest, tellsWhyThereIsNoResult) {
