@@ -194,6 +194,76 @@ TEST_P(KeyEquivalentTest, theEditingKeysEditWhatHasTheFocus) {
 
 namespace {
 
+/// Keys typed while the About panel has the keyboard.
+class AboutPanelKeyTest : public AppDelegateTest {
+protected:
+    static constexpr const char* panel = "About Keyloft";
+
+    [[nodiscard]] static bool openPanel() {
+        EXPECT_TRUE(Application::shared().sendAction(Action::orderFrontStandardAboutPanel, nullptr, {}));
+        return runUntil([] { return TestSupport::activeTitle() == panel; });
+    }
+};
+
+} // namespace
+
+TEST_F(AboutPanelKeyTest, doWhatTheirItemsSayInTheBrowsersWindow) {
+    const auto tab = launch();
+    TestSupport::activate(*tab->window());
+    ASSERT_TRUE(loadPage(tab, "/one"));
+    ASSERT_TRUE(loadPage(tab, "/two"));
+    ASSERT_TRUE(openPanel());
+    pressKey("ctrl+d");
+    EXPECT_TRUE(runUntil([&] { return tab->isBookmarked(); }));
+    pressKey("ctrl+r");
+    EXPECT_TRUE(runUntil([&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); }));
+    pressKey("ctrl+bracketleft");
+    EXPECT_TRUE(waitForTitle(tab, "/one"));
+    EXPECT_EQ(TestSupport::activeTitle(), panel);
+    pressKey("ctrl+t");
+    EXPECT_TRUE(runUntil([&] { return controllers().size() == 2; }));
+    EXPECT_TRUE(runUntil([&] { return TestSupport::isActive(*tab->window()); }));
+}
+
+TEST_F(AboutPanelKeyTest, closeThePanelBeforeTheTab) {
+    const auto tab = launch();
+    const auto other = openPage("/other", tab);
+    TestSupport::activate(*other->window());
+    ASSERT_TRUE(openPanel());
+    pressKey("ctrl+w");
+    ASSERT_TRUE(runUntil([&] { return TestSupport::isActive(*other->window()); }));
+    EXPECT_EQ(controllers(), (std::vector<Tab>{tab, other}));
+    pressKey("ctrl+w");
+    EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{tab}; }));
+    // It can be opened again.
+    EXPECT_TRUE(openPanel());
+}
+
+TEST_F(AboutPanelKeyTest, ofWindowsDoNotReachTheOneBehindThePanel) {
+    const auto tab = launch();
+    const auto other = openPage("/other", tab);
+    TestSupport::activate(*other->window());
+    ASSERT_TRUE(openPanel());
+    pressKey("ctrl+m");
+    pressKey("ctrl+shift+bracketleft");
+    pressKey("ctrl+d");
+    ASSERT_TRUE(runUntil([&] { return other->isBookmarked(); }));
+    EXPECT_TRUE(TestSupport::isSelectedTab(*other->window()));
+    EXPECT_EQ(TestSupport::activeTitle(), panel);
+}
+
+TEST_F(AboutPanelKeyTest, workAfterTheWindowThatThePanelWasOpenedFromHasClosed) {
+    const auto tab = launch();
+    TestSupport::activate(*tab->window());
+    ASSERT_TRUE(openPanel());
+    tab->window()->close();
+    ASSERT_TRUE(runUntil([] { return TestSupport::activeTitle() == panel; }));
+    pressKey("ctrl+t");
+    EXPECT_TRUE(runUntil([&] { return controllers().size() == 1; }));
+}
+
+namespace {
+
 /// Keys that a page takes for itself.
 class PageKeyTest : public AppDelegateTest {};
 

@@ -60,8 +60,14 @@ void closeTab(Platform::Window& window);
 void closeNativeWindow(Platform::Window& window);
 void clickNewTabButton(Platform::Window& window);
 
+/// Returns false if the window manager is asked for a frame that cannot minimise the window.
+bool frameHintsAllowMinimizing(Platform::Window& window);
+
 /// Whether the keyboard goes to this window's native one.
 bool isActive(Platform::Window& window);
+
+/// The title of the program's native window that the keyboard goes to, or nothing.
+std::string activeTitle();
 
 /// Starts a window manager if need be, and waits until the keyboard goes to the window.
 void activate(Platform::Window& window);
@@ -155,6 +161,9 @@ bool hasSheetFocus(Platform::Window& window);
 
 /// Lives as long as the toolkit's own object of the view, and keeps nothing alive.
 std::weak_ptr<void> nativeLifetime(Platform::View& view);
+
+/// Returns true if the engine lets a sideways swipe go back and forward.
+bool allowsSwipes(Platform::WebView& view);
 
 /// Runs a script in the page, without waiting for it.
 void runScript(Platform::WebView& view, const std::string& script);

@@ -1,12 +1,14 @@
 #include "Platform/AppKit/linux/AboutPanel.h"
 
 #include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/linux/MenuBar.h"
+#include "Platform/AppKit/linux/WindowNative.h"
 
 namespace Platform {
 
 AboutPanel::~AboutPanel() { close(); }
 
-void AboutPanel::orderFront(GtkWindow* parent) {
+void AboutPanel::orderFront(GtkWindow* parent, const std::shared_ptr<Menu>& mainMenu) {
     if (!dialog_) {
         dialog_ = GObjectPtr<GtkWidget>::retain(gtk_about_dialog_new());
         g_object_set(dialog_.get(), "program-name", Application::displayName, "version", KEYLOFT_VERSION,
@@ -19,6 +21,8 @@ void AboutPanel::orderFront(GtkWindow* parent) {
                                         return GDK_EVENT_STOP;
                                     }),
                                     this);
+        if (mainMenu)
+            addKeyEquivalents(dialog_.get(), *mainMenu);
     }
     gtk_window_set_transient_for(GTK_WINDOW(dialog_.get()), parent);
     gtk_window_present(GTK_WINDOW(dialog_.get()));
@@ -29,5 +33,16 @@ void AboutPanel::close() {
     if (const auto dialog = std::exchange(dialog_, {}))
         gtk_window_destroy(GTK_WINDOW(dialog.get()));
 }
+
+bool AboutPanel::isKey() const { return dialog_ && gtk_window_is_active(GTK_WINDOW(dialog_.get())); }
+
+bool AboutPanel::respondsTo(Action action) const { return Window::Native::isWindowAction(action); }
+
+void AboutPanel::perform(Action action, const ActionSender& /*sender*/) {
+    if (action == Action::performClose)
+        close();
+}
+
+bool AboutPanel::validateMenuItem(MenuItem& item) { return item.action() == Action::performClose; }
 
 } // namespace Platform

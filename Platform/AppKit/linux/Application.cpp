@@ -161,6 +161,9 @@ void Application::activateIgnoringOtherApps() {
 }
 
 std::shared_ptr<Responder> Application::targetForAction(Action action) const {
+    // The key window comes before the main one. Like the application, the panel lives as long as the process.
+    if (native_->aboutPanel.isKey() && native_->aboutPanel.respondsTo(action))
+        return {std::shared_ptr<void>(), &native_->aboutPanel};
     if (const auto window = mainWindow()) {
         for (std::shared_ptr<View> view = window->firstResponder(); view; view = view->superview()) {
             if (view->respondsTo(action))
@@ -196,7 +199,7 @@ void Application::perform(Action action, const ActionSender& /*sender*/) {
     switch (action) {
     case Action::orderFrontStandardAboutPanel: {
         const auto host = native_->frontHost();
-        native_->aboutPanel.orderFront(host ? host->toplevel() : nullptr);
+        native_->aboutPanel.orderFront(host ? host->toplevel() : nullptr, native_->mainMenu);
         break;
     }
     case Action::hide:

@@ -104,18 +104,7 @@ void send(const std::shared_ptr<MenuItem>& item) {
         Application::shared().sendAction(*action, nullptr, {.menuItem = item.get()});
 }
 
-} // namespace
-
-/// One menu of the bar and the toolkit's model of it.
-struct MenuBar::OpenMenu {
-    std::shared_ptr<MenuItem> top;
-    GObjectPtr<GMenu> model;
-    std::vector<std::shared_ptr<MenuItem>> items;
-    MenuBar* bar = nullptr;
-    std::string prefix;
-};
-
-struct MenuBar::KeyEquivalent {
+struct KeyEquivalent {
     std::shared_ptr<Menu> menu;
     std::string key;
     ModifierFlags modifiers = ModifierFlags::command;
@@ -129,6 +118,17 @@ struct MenuBar::KeyEquivalent {
         }
         return nullptr;
     }
+};
+
+} // namespace
+
+/// One menu of the bar and the toolkit's model of it.
+struct MenuBar::OpenMenu {
+    std::shared_ptr<MenuItem> top;
+    GObjectPtr<GMenu> model;
+    std::vector<std::shared_ptr<MenuItem>> items;
+    MenuBar* bar = nullptr;
+    std::string prefix;
 };
 
 bool validate(MenuItem& item) {
@@ -154,7 +154,7 @@ MenuBar::MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu)
     gtk_widget_insert_action_group(toplevel, actionPrefix, G_ACTION_GROUP(actions_.get()));
     addWindowAction();
     connectPopovers();
-    addKeyEquivalents(toplevel);
+    addKeyEquivalents(toplevel, *mainMenu_);
 }
 
 MenuBar::~MenuBar() = default;
@@ -267,7 +267,7 @@ void MenuBar::appendWindows(GMenu* model) {
     g_menu_append_section(model, nullptr, G_MENU_MODEL(section.get()));
 }
 
-void MenuBar::addKeyEquivalents(GtkWidget* toplevel) {
+void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu) {
     // The editing keys are left to the focused field or the page first; the others are obeyed before anybody
     // sees them, and swallowed when their item is disabled.
     GtkEventController* capturing = gtk_shortcut_controller_new();
@@ -275,7 +275,7 @@ void MenuBar::addKeyEquivalents(GtkWidget* toplevel) {
     GtkEventController* bubbling = gtk_shortcut_controller_new();
     gtk_event_controller_set_propagation_phase(bubbling, GTK_PHASE_BUBBLE);
 
-    for (const auto& top : mainMenu_->items()) {
+    for (const auto& top : mainMenu.items()) {
         update(*top->submenu());
         for (const auto& item : top->submenu()->items()) {
             if (item->keyEquivalent().empty())
@@ -291,13 +291,15 @@ void MenuBar::addKeyEquivalents(GtkWidget* toplevel) {
                         send(item);
                     return TRUE;
                 },
-                equivalent.get(), nullptr);
+                equivalent.release(),
+                [](gpointer data) {
+                    const std::unique_ptr<KeyEquivalent> owned(static_cast<KeyEquivalent*>(data));
+                });
             GtkShortcutTrigger* trigger = gtk_shortcut_trigger_parse_string(accelerator(*item).c_str());
             const auto itsAction = item->action();
             gtk_shortcut_controller_add_shortcut(
                 GTK_SHORTCUT_CONTROLLER(itsAction && isEditing(*itsAction) ? bubbling : capturing),
                 gtk_shortcut_new(trigger, action));
-            keyEquivalents_.push_back(std::move(equivalent));
         }
     }
     gtk_widget_add_controller(toplevel, capturing);

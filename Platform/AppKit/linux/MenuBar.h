@@ -26,13 +26,11 @@ public:
 
 private:
     struct OpenMenu;
-    struct KeyEquivalent;
 
     void connectPopovers();
     void rebuild(OpenMenu& menu);
     void addWindowAction();
     void appendWindows(GMenu* model);
-    void addKeyEquivalents(GtkWidget* toplevel);
 
     std::shared_ptr<Menu> mainMenu_;
     GObjectPtr<GtkWidget> bar_;
@@ -40,9 +38,11 @@ private:
     std::vector<std::unique_ptr<OpenMenu>> menus_;
     /// Those that the Windows menu listed when it was last opened.
     std::vector<std::weak_ptr<Window>> windows_;
-    std::vector<std::unique_ptr<KeyEquivalent>> keyEquivalents_;
     std::vector<SignalConnection> connections_;
 };
+
+/// Has the top-level perform the items of `mainMenu` at their keys.
+void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu);
 
 /// Whether the item's action would be performed now; asks whoever would perform it, who may retitle the item.
 bool validate(MenuItem& item);

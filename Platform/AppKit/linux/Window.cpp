@@ -161,7 +161,9 @@ void Window::close() {
         Native::willClose(*this);
 }
 
-bool Window::respondsTo(Action action) const {
+bool Window::respondsTo(Action action) const { return Native::isWindowAction(action); }
+
+bool Window::Native::isWindowAction(Action action) {
     switch (action) {
     case Action::performClose:
     case Action::performMiniaturize:

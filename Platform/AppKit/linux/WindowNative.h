@@ -25,6 +25,9 @@ struct Window::Native {
     std::deque<std::unique_ptr<Sheet>> sheets;
     SignalConnection mapped;
 
+    /// Returns true if a window responds to the action.
+    static bool isWindowAction(Action action);
+
     void makePage(Window& window);
     static GtkWidget* pageOf(Window& window);
     static std::shared_ptr<Window> ofPage(GtkWidget* page);

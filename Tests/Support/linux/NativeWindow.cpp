@@ -271,6 +271,41 @@ void clickNewTabButton(Platform::Window& window) {
     g_signal_emit_by_name(adw_tab_bar_get_end_action_widget(ADW_TAB_BAR(tabStripOf(window))), "clicked");
 }
 
+bool frameHintsAllowMinimizing(Platform::Window& window) {
+    constexpr unsigned long all = 1;
+    constexpr unsigned long minimize = 8;
+    constexpr unsigned long minimizeButton = 32;
+    GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(toplevelOf(window)));
+    GdkDisplay* display = gdk_surface_get_display(surface);
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long rest = 0;
+    unsigned char* data = nullptr;
+    XGetWindowProperty(gdk_x11_display_get_xdisplay(display), gdk_x11_surface_get_xid(surface),
+                       gdk_x11_get_xatom_by_name_for_display(display, "_MOTIF_WM_HINTS"), 0, 5, False,
+                       AnyPropertyType, &type, &format, &count, &rest, &data);
+    const std::unique_ptr<unsigned char, int (*)(void*)> owned(data, &XFree);
+    if (count < 3 || format != 32)
+        return true;
+    // Flags, functions, decorations.
+    const auto* hints = reinterpret_cast<const unsigned long*>(data);
+    const bool function = (hints[0] & 1) == 0 || (hints[1] & (all | minimize)) != 0;
+    const bool button = (hints[0] & 2) == 0 || (hints[2] & (all | minimizeButton)) != 0;
+    return function || button;
+}
+
+std::string activeTitle() {
+    GListModel* toplevels = gtk_window_get_toplevels();
+    for (guint i = 0; i < g_list_model_get_n_items(toplevels); ++i) {
+        const auto window = GObjectPtr<GtkWindow>::adopt(GTK_WINDOW(g_list_model_get_item(toplevels, i)));
+        const char* title = gtk_window_get_title(window.get());
+        if (gtk_window_is_active(window.get()) == TRUE && title != nullptr)
+            return title;
+    }
+    return {};
+}
+
 bool isActive(Platform::Window& window) {
     return gtk_window_is_active(GTK_WINDOW(toplevelOf(window))) == TRUE;
 }
@@ -452,6 +487,11 @@ std::weak_ptr<void> nativeLifetime(Platform::View& view) {
         },
         life.release());
     return lifetime;
+}
+
+bool allowsSwipes(Platform::WebView& view) {
+    return webkit_settings_get_enable_back_forward_navigation_gestures(
+               webkit_web_view_get_settings(WEBKIT_WEB_VIEW(widgetOf(view)))) == TRUE;
 }
 
 void runScript(Platform::WebView& view, const std::string& script) {
