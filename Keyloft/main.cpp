@@ -1,7 +1,10 @@
 #include "Keyloft/AppDelegate.h"
+#include "Keyloft/CommandLine.h"
 #include "Platform/AppKit/Application.h"
 
+#include <cstddef>
 #include <memory>
+#include <span>
 
 namespace {
 
@@ -11,6 +14,9 @@ std::shared_ptr<Keyloft::AppDelegate> delegate;
 } // namespace
 
 int main(int argc, char** argv) {
+    const std::span<char* const> arguments(argv, static_cast<std::size_t>(argc));
+    if (const auto status = Keyloft::answerOption(arguments.subspan(arguments.empty() ? 0 : 1)))
+        return *status;
     auto& application = Platform::Application::shared();
     delegate = Keyloft::AppDelegate::create();
     application.setDelegate(delegate);

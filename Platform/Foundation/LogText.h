@@ -5,8 +5,7 @@
 
 namespace Platform {
 
-/// `text` with line breaks and other control characters written as escapes ("\n", "\x1b"), tabs aside. Nobody
-/// but the systems' diagnostic logs includes this.
+/// `text` with line breaks and other control characters written as escapes ("\n", "\x1b"), tabs aside.
 std::string escapingControlCharacters(std::string_view text);
 
 } // namespace Platform

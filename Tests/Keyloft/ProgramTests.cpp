@@ -92,6 +92,9 @@ protected:
         EXPECT_EQ(program.waitForExit(), 0) << program.errors();
     }
 
+    static inline const Program::Environment withoutDisplay = {{"DISPLAY", std::nullopt},
+                                                               {"WAYLAND_DISPLAY", std::nullopt}};
+
     TestSupport::HTTPServer server;
 };
 
@@ -122,6 +125,76 @@ TEST_F(ProgramTest, aWordIsNoAddressAndNoError) {
     EXPECT_EQ(windows(), Lines{"New Tab"});
     ASSERT_TRUE(waitForFocus("New Tab"));
     EXPECT_EQ(program->errors().find("Keyloft"), std::string::npos) << program->errors();
+    quit(*program);
+}
+
+TEST_F(ProgramTest, printsHelpAndVersionWithoutADisplay) {
+    const auto helped = start({"--help", "--unknown"}, withoutDisplay);
+    EXPECT_EQ(helped->nextLine(), "Usage: keyloft [OPTION] [URL]...");
+    EXPECT_EQ(helped->waitForExit(), 0);
+    EXPECT_EQ(helped->errors(), "");
+    const auto named = start({page("/given"), "--version"}, withoutDisplay);
+    EXPECT_EQ(named->nextLine(), "Keyloft " KEYLOFT_VERSION);
+    EXPECT_EQ(named->nextLine(), std::nullopt);
+    EXPECT_EQ(named->waitForExit(), 0);
+    EXPECT_EQ(named->errors(), "");
+    EXPECT_EQ(server.count("/given"), 0U);
+}
+
+TEST_F(ProgramTest, refusesAnUnknownOptionInOneLine) {
+    const std::pair<std::string, std::string> options[] = {{"--unknown", "--unknown"},
+                                                           {"-x", "-x"},
+                                                           {"-NSUnknown", "-NSUnknown"},
+                                                           {"--two\nlines", "--two\\nlines"}};
+    for (const auto& [option, shown] : options) {
+        const auto program = start({page("/given"), option, "--help"});
+        EXPECT_EQ(program->waitForExit(), 2);
+        EXPECT_EQ(program->nextLine(), std::nullopt);
+        EXPECT_EQ(program->errors(),
+                  "keyloft: unknown option \"" + shown + "\"; \"keyloft --help\" lists the options\n");
+    }
+    EXPECT_EQ(server.count("/given"), 0U);
+}
+
+TEST_F(ProgramTest, takesEveryArgumentAfterTwoHyphensAsAURL) {
+    const auto program = start({"-", "--", "--help", "-x", page("/given")});
+    ASSERT_TRUE(waitForWindows({"/given"}));
+    ASSERT_TRUE(waitForFocus("/given"));
+    quit(*program);
+}
+
+TEST_F(ProgramTest, saysInOneLineThatItNeedsADisplay) {
+    const Program::Environment environments[] = {withoutDisplay,
+                                                 {{"DISPLAY", ":54321"}, {"WAYLAND_DISPLAY", "nonexistent"}}};
+    for (const auto& environment : environments) {
+        const auto program = start({page("/given")}, environment);
+        EXPECT_EQ(program->waitForExit(), 1);
+        EXPECT_NE(program->errors().find("Keyloft needs a display"), std::string::npos);
+        EXPECT_EQ(std::ranges::count(program->errors(), '\n'), 1) << program->errors();
+    }
+}
+
+TEST_F(ProgramTest, aSecondStartNeedsNoDisplay) {
+    const auto program = start({page("/one")});
+    ASSERT_TRUE(waitForWindows({"/one"}));
+    const auto second = start({page("/two")}, withoutDisplay);
+    EXPECT_EQ(second->waitForExit(), 0) << second->errors();
+    EXPECT_TRUE(waitForWindows({"/two"}));
+}
+
+TEST_F(ProgramTest, theAboutPanelObeysTheMenusKeys) {
+    const auto program = start({page("/one")});
+    ASSERT_TRUE(waitForFocus("/one"));
+    const auto openPanel = [] {
+        for (const char* key : {"F10", "Return"})
+            press(key);
+        return waitForFocus("About Keyloft");
+    };
+    ASSERT_TRUE(openPanel());
+    press("ctrl+w");
+    ASSERT_TRUE(waitForFocus("/one"));
+    EXPECT_EQ(windows(), Lines{"/one"});
+    ASSERT_TRUE(openPanel());
     quit(*program);
 }
 

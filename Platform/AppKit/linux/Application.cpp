@@ -41,6 +41,26 @@ void forgetDeadBus(GApplication* application) {
         g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
 }
 
+/// GTK's own start ends the process with a warning that does not say what is missing.
+void startWithDisplay(GApplication* application) {
+    if (!gtk_init_check()) {
+        diagnosticLog(std::string(Application::displayName) +
+                      " needs a display: neither WAYLAND_DISPLAY nor DISPLAY names one that can be opened");
+        std::exit(EXIT_FAILURE);
+    }
+    G_APPLICATION_CLASS(g_type_class_peek(GTK_TYPE_APPLICATION))->startup(application);
+}
+
+GType applicationType() {
+    const GClassInitFunc initClass = [](gpointer type, gpointer /*data*/) {
+        G_APPLICATION_CLASS(type)->startup = startWithDisplay;
+    };
+    static const GType type =
+        g_type_register_static_simple(GTK_TYPE_APPLICATION, "KeyloftApplication", sizeof(GtkApplicationClass),
+                                      initClass, sizeof(GtkApplication), nullptr, GTypeFlags{});
+    return type;
+}
+
 /// Makes this process the one that runs, or finds the one that does. Should that one end while it is asked,
 /// asking again makes this one take its place; one that just does not answer is left alone.
 bool registerApplication(GApplication* application) {
@@ -50,7 +70,7 @@ bool registerApplication(GApplication* application) {
             return true;
         const std::unique_ptr<GError, decltype(&g_error_free)> error(failure, &g_error_free);
         if (isAskedAgain || g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) {
-            diagnosticLog(std::string("Keyloft: the one that is running does not answer: ") + error->message);
+            diagnosticLog(std::string("Keyloft is already running but does not respond: ") + error->message);
             return false;
         }
     }
@@ -66,7 +86,8 @@ Application::Application()
     // What is handed over is text: as a command line it arrives untouched, where a list of files would be
     // rewritten.
     native_->application = GObjectPtr<GtkApplication>::adopt(
-        gtk_application_new(identifier, G_APPLICATION_HANDLES_COMMAND_LINE));
+        GTK_APPLICATION(g_object_new(applicationType(), "application-id", identifier, "flags",
+                                     G_APPLICATION_HANDLES_COMMAND_LINE, nullptr)));
     native_->connections.emplace_back(native_->gtk(), "startup",
                                       G_CALLBACK(+[](GApplication* application, gpointer /*data*/) {
                                           forgetDeadBus(application);
