@@ -142,7 +142,7 @@ void AppDelegate::menuNeedsUpdate(Menu& menu) {
     addItem(menu, "Add Bookmark", Action::toggleBookmark, "d");
     addSeparator(menu);
     for (const auto& bookmark : bookmarks_->bookmarks()) {
-        const auto item = MenuItem::create(bookmark.title, Action::openBookmark);
+        const auto item = MenuItem::create(bookmark.titleInOneLine(), Action::openBookmark);
         item->setRepresentedURL(bookmark.url);
         menu.addItem(item);
     }

@@ -346,7 +346,7 @@ void BrowserWindowController::rebuildBookmarksBar() {
     for (const auto& view : shown)
         view->removeFromSuperview();
     for (const Bookmark& bookmark : bookmarks_->bookmarks()) {
-        const auto button = Button::create(bookmark.title, self, Action::openBookmark);
+        const auto button = Button::create(bookmark.titleInOneLine(), self, Action::openBookmark);
         button->setBezelStyle(Button::BezelStyle::recessed);
         button->setBordered(false);
         button->setFont({12});

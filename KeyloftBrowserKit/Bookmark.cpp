@@ -3,6 +3,8 @@
 #include "Platform/Foundation/Characters.h"
 #include "Platform/Foundation/JSON.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace KeyloftBrowserKit {
@@ -26,6 +28,22 @@ std::optional<std::vector<Bookmark>> Bookmark::decode(std::string_view json) {
         bookmarks.push_back({*title, *std::move(url)});
     }
     return bookmarks;
+}
+
+std::string Bookmark::titleInOneLine() const {
+    // Everything after which Unicode demands a new line.
+    static constexpr std::array<std::string_view, 8> lineBreaks = {"\r\n", "\n",     "\r",     "\v",
+                                                                   "\f",   "\u0085", "\u2028", "\u2029"};
+    std::string line;
+    line.reserve(title.size());
+    for (std::string_view rest = title; !rest.empty();) {
+        const auto* const found = std::ranges::find_if(
+            lineBreaks, [rest](std::string_view lineBreak) { return rest.starts_with(lineBreak); });
+        const bool isLineBreak = found != lineBreaks.end();
+        line += isLineBreak ? ' ' : rest.front();
+        rest.remove_prefix(isLineBreak ? found->size() : 1);
+    }
+    return line;
 }
 
 std::string Bookmark::encode(std::span<const Bookmark> bookmarks) {

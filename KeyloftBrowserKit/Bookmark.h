@@ -12,9 +12,12 @@ namespace KeyloftBrowserKit {
 
 /// A page to come back to. A plain value.
 struct Bookmark {
-    /// Shown in the bar and the menu. UTF-8.
+    /// As its page has it, line breaks included. UTF-8.
     std::string title;
     Platform::URL url;
+
+    /// The title with a space for each line break, for the bar and the menu.
+    std::string titleInOneLine() const;
 
     /// Reads a bookmarks file: a JSON array of objects with the string members "title" and "url"; other
     /// members are ignored. Returns nothing if `json` is not valid JSON, if an element lacks one of the two

@@ -164,6 +164,17 @@ TEST_F(BookmarksTest, aButtonStandsForItsBookmark) {
     EXPECT_EQ(button->image(), std::nullopt);
 }
 
+TEST_F(BookmarksTest, aTitleOfSeveralLinesIsShownInOne) {
+    setBookmarks({{"One", url("https://one.test/")}, {"Two\nlines\r\nand more", url("https://two.test/")}});
+    const auto tab = openTab();
+    const auto buttons = bookmarkButtons(*tab);
+    EXPECT_EQ(titlesOf(buttons), (Titles{"One", "Two lines and more"}));
+    TestSupport::waitForLayout(*tab->window());
+    EXPECT_EQ(TestSupport::boundsInContent(*buttons[1]).height,
+              TestSupport::boundsInContent(*buttons[0]).height);
+    EXPECT_EQ(store->bookmarks()[1].title, "Two\nlines\r\nand more");
+}
+
 TEST_F(BookmarksTest, aButtonLoadsItsBookmarkInItsOwnTab) {
     server.route("/kept", HTTPResponse::page("kept"));
     setBookmarks({{"Kept", serverURL("/kept")}});
@@ -209,6 +220,14 @@ TEST_F(BookmarksTest, aButtonThatItsOwnClickTakesAwayIsSafe) {
 }
 
 using BookmarksMenuTest = AppDelegateTest;
+
+TEST_F(BookmarksMenuTest, showsATitleOfSeveralLinesInOne) {
+    const auto tab = launch();
+    delegate->bookmarks()->add({"Two\nlines", url("https://two.test/")});
+    EXPECT_EQ(TestSupport::openedMenu(*tab->window(), "Bookmarks").titles,
+              (Titles{"Add Bookmark", "Two lines"}));
+    EXPECT_EQ(delegate->bookmarks()->bookmarks().at(0).title, "Two\nlines");
+}
 
 TEST_F(BookmarksMenuTest, isUpToDateEachTimeItOpens) {
     const auto tab = launch();

@@ -25,6 +25,13 @@ TEST(Bookmark, isEqualIfTitleAndURLAre) {
     EXPECT_NE(one, bookmark("a", "https://x.test"));
 }
 
+TEST(Bookmark, itsTitleInOneLineHasASpaceForEachLineBreak) {
+    EXPECT_EQ(bookmark("One line, é", "x:").titleInOneLine(), "One line, é");
+    EXPECT_EQ(bookmark("\na\r\nb\rc\n\nd\n", "x:").titleInOneLine(), " a b c  d ");
+    EXPECT_EQ(bookmark("a\vb\fc\u0085d\u2028e\u2029f", "x:").titleInOneLine(), "a b c d e f");
+    EXPECT_EQ(bookmark("", "x:").titleInOneLine(), "");
+}
+
 TEST(Bookmark, aListIsPrettyPrintedWithSortedKeysAndEscapedSlashes) {
     EXPECT_EQ(
         Bookmark::encode(std::vector{bookmark("A \"b\" c/d", "https://x.test/"), bookmark("é", "mailto:x")}),
