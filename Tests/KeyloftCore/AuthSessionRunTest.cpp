@@ -48,6 +48,15 @@ TEST_F(AuthSessionWindow, isSmallAndOnlyToBeClosed) {
     EXPECT_TRUE(TestSupport::isShown(*Inspector::webView(*session)));
 }
 
+TEST_F(AuthSessionWindow, asksForAFrameThatCannotMinimizeIt) {
+    const auto session = startSession();
+    const auto other = Platform::Window::create({.width = 520, .height = 360}, {});
+    other->makeKeyAndOrderFront();
+    EXPECT_TRUE(TestSupport::frameHintsAllowMinimizing(*other));
+    EXPECT_FALSE(TestSupport::frameHintsAllowMinimizing(*Inspector::window(*session)));
+    other->close();
+}
+
 TEST_F(AuthSessionWindow, isHiddenAtTheEndAndStillExists) {
     const auto session = startSession();
     const auto window = Inspector::window(*session);

@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/Minimizing.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
@@ -107,6 +108,8 @@ void TabHost::connect() {
 
 void TabHost::setFrame(const Window& window) {
     gtk_window_set_resizable(toplevel(), window.style().resizable);
+    if (!window.style().miniaturizable)
+        withholdMinimizing(toplevel());
     int barHeight = 0;
     if (menuBar_) {
         gtk_widget_measure(menuBar_->widget(), GTK_ORIENTATION_VERTICAL, -1, nullptr, &barHeight, nullptr,
