@@ -1,4 +1,5 @@
 #include "Tests/Keyloft/BrowserTest.h"
+#include "Tests/Support/Clock.h"
 
 using namespace Platform;
 using KeyloftTests::present;
@@ -142,6 +143,20 @@ TEST_F(LoadErrorSheetTest, aServerThatNeverAnswersShowsItOnceTheTimeIsUp) {
     TestSupport::runPending();
     EXPECT_EQ(shownSheet(*tab->window()), std::nullopt);
     EXPECT_TRUE(loadPage(tab, "/next"));
+}
+
+TEST_F(LoadErrorSheetTest, aLoadHasAMinute) {
+    using namespace std::chrono_literals;
+    server.route("/held", heldResponse());
+    const auto tab = openTab();
+    tab->load(serverURL("/held"));
+    ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
+    TestSupport::advanceClock(55s);
+    TestSupport::runPending();
+    EXPECT_EQ(shownSheet(*tab->window()), std::nullopt);
+    TestSupport::advanceClock(5s);
+    ASSERT_TRUE(waitForSheet(tab));
+    EXPECT_EQ(shownSheet(*tab->window()), sheet("The request timed out.\n" + server.url("/held")));
 }
 
 TEST_F(LoadErrorSheetTest, aNavigationThatReplacesAnotherShowsNone) {

@@ -152,6 +152,16 @@ TEST_F(MainMenuTest, theBookmarksMenuHasNoLimit) {
     }
 }
 
+TEST_F(MainMenuTest, theWindowMenuEndsWithTheOpenTabs) {
+    const auto first = launch();
+    openPage("/beside", first);
+    const auto elsewhere = openPage("/elsewhere");
+    auto titles = TestSupport::openedMenu(*elsewhere->window(), "Window").titles;
+    ASSERT_EQ(titles.size(), 8U);
+    EXPECT_EQ(std::vector(titles.begin() + 5, titles.end()),
+              (std::vector<std::string>{"New Tab", "/beside", "/elsewhere"}));
+}
+
 TEST_F(MainMenuTest, everyActionReachesSomebodyWhileATabIsOpen) {
     launch();
     delegate->menuNeedsUpdate(*delegate->bookmarksMenu());

@@ -200,6 +200,10 @@ TEST_F(NavigationTest, aTabIsMadeAsEveryOther) {
     EXPECT_FALSE(tab->isEditingAddress());
 }
 
+TEST_F(NavigationTest, aSwipeGoesBackAndForward) {
+    EXPECT_TRUE(TestSupport::allowsSwipes(*openTab()->webView()));
+}
+
 TEST_F(NavigationTest, theToolbarsControlsAreWhatTheySay) {
     struct Row {
         std::shared_ptr<Button> button;

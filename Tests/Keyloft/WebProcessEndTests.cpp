@@ -141,6 +141,18 @@ TEST_F(WebProcessEndTest, aLoadUnderWayInAHiddenTabBeginsAnewOnceItIsLookedAt) {
     EXPECT_TRUE(waitForTitle(hidden, "ended"));
 }
 
+TEST_F(WebProcessEndTest, anAnsweredPanelIsNotAnsweredAgain) {
+    const auto tab = openCounting("/page");
+    TestSupport::runScript(*tab->webView(),
+                           "setTimeout(() => { document.title = 'answered ' + confirm('Really?') })");
+    ASSERT_TRUE(waitForSheet(tab));
+    TestSupport::pressSheetButton(*tab->window(), "OK");
+    ASSERT_TRUE(waitForTitle(tab, "answered true"));
+    ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
+    ASSERT_TRUE(waitForTitle(tab, "/page 2"));
+    EXPECT_TRUE(loadPage(tab, "/next"));
+}
+
 TEST_F(WebProcessEndTest, aPagesPanelGoesWithIt) {
     const auto tab = openCounting("/page");
     TestSupport::runScript(*tab->webView(), "setTimeout(() => alert('Hello'))");

@@ -126,6 +126,19 @@ TEST_F(AlertTest, aSheetOnAHiddenTabWaitsThereAndAsksForAttention) {
     EXPECT_FALSE(adw_tab_page_get_needs_attention(page));
 }
 
+TEST_F(AlertTest, aSheetOnAWindowThatWasNeverShownComesWithIt) {
+    std::optional<std::size_t> answer;
+    Alert{.messageText = "Early", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}.beginSheetModal(
+        controller->window(), [&](std::size_t button) { answer = button; });
+    EXPECT_EQ(answer, std::nullopt);
+    show(controller->window());
+    EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(sheet()->widgetIfMade()) == TRUE; }));
+    GtkWidget* focus = gtk_window_get_focus(TabHost::of(*controller->window())->toplevel());
+    EXPECT_EQ(focus, findButton(sheet()->widgetIfMade(), "OK"));
+    press("Cancel");
+    EXPECT_EQ(answer, 1U);
+}
+
 TEST_F(AlertTest, aLongTextKeepsTheButtonsInReach) {
     show(controller->window());
     Alert{.messageText = "Note", .informativeText = std::string(10000, 'w'), .buttonTitles = {}}

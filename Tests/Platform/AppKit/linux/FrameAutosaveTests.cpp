@@ -69,6 +69,15 @@ TEST_F(FrameAutosaveTest, aNewWindowHasTheFrameOfTheLastOne) {
     EXPECT_TRUE(waitForSize(*controller, {.width = 700, .height = 500}));
 }
 
+TEST_F(FrameAutosaveTest, widthAndHeightAreKeptEachByItself) {
+    const auto controller = openWindow();
+    const SavedFrame before = frameOf(*controller);
+    gtk_window_set_default_size(toplevelOf(*controller), 700, before.height);
+    EXPECT_TRUE(waitForFrame({.width = 700, .height = before.height}));
+    gtk_window_set_default_size(toplevelOf(*controller), 700, 500);
+    EXPECT_TRUE(waitForFrame({.width = 700, .height = 500}));
+}
+
 TEST_F(FrameAutosaveTest, theNextRunStartsWithTheFrameOfThisOne) {
     const auto controller = openWindow();
     gtk_window_set_default_size(toplevelOf(*controller), 700, 500);

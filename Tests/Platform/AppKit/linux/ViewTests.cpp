@@ -133,6 +133,49 @@ TEST_F(ViewTest, showsPropertiesThatWereSetBeforeAndAfter) {
     EXPECT_FALSE(gtk_widget_get_visible(widgetOf(button)));
 }
 
+TEST_F(ViewTest, aShownButtonTakesAnotherBezelAndBorder) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto button = Button::create("Go", {}, Action::reload);
+    window->contentView()->addSubview(button);
+    show(window);
+    const auto height = [&] {
+        int natural = 0;
+        gtk_widget_measure(widgetOf(button), GTK_ORIENTATION_VERTICAL, -1, nullptr, &natural, nullptr,
+                           nullptr);
+        return natural;
+    };
+    const int usual = height();
+    EXPECT_TRUE(gtk_button_get_has_frame(GTK_BUTTON(widgetOf(button))));
+    button->setBezelStyle(Button::BezelStyle::recessed);
+    EXPECT_TRUE(runUntil([&] { return height() < usual; }));
+    button->setBordered(false);
+    EXPECT_FALSE(gtk_button_get_has_frame(GTK_BUTTON(widgetOf(button))));
+    button->setBezelStyle(Button::BezelStyle::texturedRounded);
+    EXPECT_TRUE(runUntil([&] { return height() == usual; }));
+    button->setBordered(true);
+    EXPECT_TRUE(gtk_button_get_has_frame(GTK_BUTTON(widgetOf(button))));
+}
+
+TEST_F(ViewTest, aStackAlignsARowInItsMiddleAndAColumnAtItsLeadingEdgeUnlessToldOtherwise) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto addStack = [&](Orientation orientation) {
+        const auto stack = StackView::create(orientation);
+        const auto view = View::create();
+        stack->addArrangedSubview(view);
+        window->contentView()->addSubview(stack);
+        LayoutConstraint::activate({LayoutConstraint::equalToSuperview(stack, LayoutAttribute::top),
+                                    LayoutConstraint::equalToSuperview(stack, LayoutAttribute::leading),
+                                    LayoutConstraint::equalTo(view, LayoutAttribute::width, 40),
+                                    LayoutConstraint::equalTo(view, LayoutAttribute::height, 40)});
+        return view;
+    };
+    const auto inRow = addStack(Orientation::horizontal);
+    const auto inColumn = addStack(Orientation::vertical);
+    show(window);
+    EXPECT_TRUE(runUntil([&] { return inRow->frame() == Rect{0, 180, 600, 40}; }));
+    EXPECT_TRUE(runUntil([&] { return inColumn->frame() == Rect{0, 0, 40, 400}; }));
+}
+
 TEST_F(ViewTest, showsATitleAsItStands) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
     const auto button = Button::create("_a <b>&amp;</b>", {}, Action::reload);

@@ -192,6 +192,19 @@ TEST_F(WindowTest, orderedOutItKeepsItsContentAndMayBeShownAgain) {
     EXPECT_EQ(Application::shared().mainWindow(), window);
 }
 
+TEST_F(WindowTest, aTabAddedToAWindowThatWasNeverShownShowsBoth) {
+    const auto first = RecordingController::create("first");
+    const auto second = RecordingController::create("second");
+    first->window()->addTabbedWindow(second->window());
+    const auto host = TabHost::of(*first->window());
+    ASSERT_NE(host, nullptr);
+    EXPECT_EQ(host->windows(), (std::vector{first->window(), second->window()}));
+    EXPECT_TRUE(TestSupport::runUntil([&] { return first->window()->isVisible(); }));
+    EXPECT_EQ(host->selectedWindow(), first->window());
+    show(second->window());
+    EXPECT_EQ(TabHost::of(*second->window()), host);
+}
+
 TEST_F(WindowTest, orderingOutWhatWasNeverShownDoesNothing) {
     Window::create({.width = 300, .height = 200}, {})->orderOut();
     EXPECT_TRUE(Application::shared().native().hosts.empty());
