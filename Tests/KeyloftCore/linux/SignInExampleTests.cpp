@@ -55,19 +55,22 @@ protected:
     }
 
     /// Opens the Edit menu, which is the second one, and presses `keys`. The page is asked first for the key
-    /// that opens the menu bar, so that the menu opens some time after it.
+    /// that opens the menu bar, so that the menu opens some time after it. A window that has not got the
+    /// keyboard yet misses the key.
     [[nodiscard]] static bool chooseFromEditMenu(const KeyloftTests::Program& program,
                                                  const std::string& keys) {
-        askXdotool("key F10");
-        const bool isOpen = runUntil(
-            [&] {
-                return std::ranges::any_of(
-                    TestSupport::accessibleObjects(program.id()),
-                    [](const auto& object) { return object.isFocused && object.name == "Close Window"; });
-            },
-            patience);
+        const auto isOpen = [&program] {
+            return std::ranges::any_of(TestSupport::accessibleObjects(program.id()), [](const auto& object) {
+                return object.isFocused && object.name == "Close Window";
+            });
+        };
+        bool opened = false;
+        for (int attempt = 0; attempt < 5 && !opened; ++attempt) {
+            askXdotool("key F10");
+            opened = runUntil(isOpen, patience / 5);
+        }
         askXdotool("key Right " + keys);
-        return isOpen;
+        return opened;
     }
 
 private:
