@@ -5,6 +5,7 @@
 #define AF_UNIX 1
 #define SOCK_STREAM 1
 #define SOL_SOCKET 0xffff
+#define SO_ACCEPTCONN 0x0002
 #define SO_SNDTIMEO 0x1005
 #define SO_RCVTIMEO 0x1006
 #define SO_NOSIGPIPE 0x1022
@@ -20,6 +21,7 @@ extern "C" {
 int accept(int, struct sockaddr*, socklen_t*);
 int bind(int, const struct sockaddr*, socklen_t);
 int connect(int, const struct sockaddr*, socklen_t);
+int getsockname(int, struct sockaddr*, socklen_t*);
 int getsockopt(int, int, int, void*, socklen_t*);
 int listen(int, int);
 ssize_t recv(int, void*, size_t, int);
