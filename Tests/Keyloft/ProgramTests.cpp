@@ -6,6 +6,7 @@
 #include "Tests/Support/linux/Xdotool.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -328,6 +329,8 @@ TEST_F(ProgramTest, anotherProgramInFrontDoesNotChangeWherePagesGo) {
 }
 
 TEST_F(ProgramTest, runsWithoutASessionBus) {
+    // Starts the accessibility bus, which programs find on the display itself from then on.
+    TestSupport::accessibleObjects(::getpid());
     const std::optional<std::string> addresses[] = {"unix:path=/nonexistent/bus", std::nullopt};
     for (const auto& address : addresses) {
         const auto program = start({page("/one")}, {{"DBUS_SESSION_BUS_ADDRESS", address}});

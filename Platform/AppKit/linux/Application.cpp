@@ -37,8 +37,12 @@ void startLibadwaita() {
 
 /// The engine takes a session bus that does not answer for a reason to abort; without one it goes on.
 void forgetDeadBus(GApplication* application) {
-    if (!g_application_get_dbus_connection(application))
-        g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    if (g_application_get_dbus_connection(application))
+        return;
+    g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    // GTK finds the display's accessibility bus without a session bus, and then crashes for want of the
+    // application's object path (seen with 4.8.3, not reported).
+    g_setenv("GTK_A11Y", "none", TRUE);
 }
 
 /// GTK's own start ends the process with a warning that does not say what is missing.
