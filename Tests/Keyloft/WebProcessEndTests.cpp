@@ -17,6 +17,9 @@ namespace {
 /// What remains of tabs whose web process is killed from outside.
 class WebProcessEndTest : public BrowserTest {
 protected:
+    /// No process that a closed tab left may serve a page of this test.
+    void SetUp() override { ASSERT_TRUE(TestSupport::forgetPages()); }
+
     /// A page that counts how often it was asked for in its title, and keeps what scripts do to it.
     std::string counting(const std::string& path) {
         server.route(path, [path, times = std::make_shared<int>(0)](const auto& /*request*/) {

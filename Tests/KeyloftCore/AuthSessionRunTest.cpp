@@ -131,7 +131,7 @@ TEST_F(AuthSessionLoad, takesAnyTextThatParsesForTheInitiator) {
 
 TEST_F(AuthSessionLoad, isToldWithoutTheURLsEnd) {
     const auto session = makeSession("&response_mode=form_post&state=" + std::string(200, 's'));
-    session->start();
+    start(session);
     const auto url = authorizeURL("&response_mode=form_post&state=" + std::string(200, 's'));
     EXPECT_EQ(lines().at(0), "loading " + url.substr(0, 120) + "… mode=form_post initiator=none");
 }
@@ -149,7 +149,7 @@ TEST_F(AuthSessionLoad, thatFailsEndsTheSession) {
 TEST_F(AuthSessionLoad, thatNobodyAnswersEndsTheSessionAfterTheRequestsTime) {
     const auto session = makeSession();
     Inspector::setRequestTimeout(*session, 0.2);
-    session->start();
+    start(session);
     ASSERT_TRUE(waitForEnding());
     EXPECT_EQ(error().kind(), HostError::Case::internalError);
     EXPECT_EQ(error().message(), "The request timed out.");
@@ -190,7 +190,7 @@ TEST_F(AuthSessionTimeout, endsTheSessionWithoutALine) {
 TEST_F(AuthSessionTimeout, comesByItself) {
     const auto session = makeSession();
     Inspector::setSessionTimeout(*session, 0.1);
-    session->start();
+    start(session);
     ASSERT_TRUE(waitForEnding());
     EXPECT_EQ(error().kind(), HostError::Case::timeout);
 }
@@ -328,7 +328,7 @@ TEST_F(AuthSessionPage, mayNotGoBackToItsOwnOrigin) {
 
 TEST_F(AuthSessionAsWritten, aSecondStartOpensASecondWindowAndLeavesTheFirst) {
     const auto session = startSession();
-    session->start();
+    start(session);
     ASSERT_EQ(Inspector::runCount(*session), 2U);
     const auto& first = Inspector::window(*session, 0);
     const auto& second = Inspector::window(*session, 1);
@@ -347,7 +347,7 @@ TEST_F(AuthSessionAsWritten, aSecondStartOpensASecondWindowAndLeavesTheFirst) {
 
 TEST_F(AuthSessionAsWritten, theFirstStartsTimerStillFires) {
     const auto session = startSession();
-    session->start();
+    start(session);
     Inspector::timeoutTimer(*session, 0)->fire();
     ASSERT_EQ(endings.size(), 1U);
     EXPECT_EQ(error().kind(), HostError::Case::timeout);

@@ -1,6 +1,7 @@
 #include "Tests/KeyloftCore/AuthSessionTest.h"
 
 #include "Platform/AppKit/Application.h"
+#include "Tests/Support/NativeWindow.h"
 #include "Tests/Support/Present.h"
 #include "Tests/Support/linux/MainLoop.h"
 
@@ -30,8 +31,10 @@ bool isSessionLine(const std::string& line) {
 
 AuthSessionTest::AuthSessionTest() {
     proxy.route(connectTarget, HTTPResponse().withEnding(HTTPResponse::Ending::held));
+    // WebKitGTK's network process serves all tests of this process and reads these once. Nobody listens
+    // there: what a test forgets to redirect fails.
     for (const auto* variable : {"http_proxy", "https_proxy"}) {
-        setenv(variable, proxy.url("").c_str(), 1);
+        setenv(variable, "http://127.0.0.1:9", 1);
     }
     Platform::Application::shared().prepare();
     otherView = Platform::WebView::create(Platform::WebViewConfiguration::create());
@@ -71,8 +74,15 @@ AuthSessionTest::Session AuthSessionTest::makeSession(std::string_view rest) {
 AuthSessionTest::Session AuthSessionTest::startSession(const std::optional<std::string>& initiatorOrigin) {
     auto session = makeSession();
     session->initiatorOrigin = initiatorOrigin;
-    session->start();
+    start(session);
     return session;
+}
+
+void AuthSessionTest::start(const Session& session) {
+    session->start();
+    // The page asks the network only after it has asked this process, which runs on later.
+    TestSupport::redirectTraffic(*Inspector::webView(*session, Inspector::runCount(*session) - 1),
+                                 proxy.port());
 }
 
 NavigationAction AuthSessionTest::get(std::string_view text) {

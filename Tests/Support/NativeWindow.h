@@ -171,6 +171,10 @@ void runScript(Platform::WebView& view, const std::string& script);
 /// Kills the processes, the view's web process among them, and waits until the view has been told.
 [[nodiscard]] bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes);
 
+/// Sends what the view's network session asks of other hosts than this one to a port of loopback, as to a
+/// proxy. Requests that have begun are not affected.
+void redirectTraffic(Platform::WebView& view, int port);
+
 /// As long as it lives, what web views ask of other hosts than this one goes to a port of loopback, as to a
 /// proxy: nothing leaves the machine.
 class TrafficRedirection {

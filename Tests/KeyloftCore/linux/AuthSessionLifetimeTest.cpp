@@ -110,7 +110,7 @@ TEST_F(AuthSessionLifetime, theCompletionMayLetTheSessionGo) {
             session.reset();
         });
         const std::weak_ptr<AuthSession> weak = session;
-        session->start();
+        start(session);
         ASSERT_TRUE(showPage(session, ""));
         if (byPage)
             runScript(*Inspector::webView(*session), "window.close()");
@@ -122,7 +122,7 @@ TEST_F(AuthSessionLifetime, theCompletionMayLetTheSessionGo) {
 
 TEST_F(AuthSessionLifetime, aTimerOutlivesNoSession) {
     auto session = startSession();
-    session->start();
+    start(session);
     const auto timer = Inspector::timeoutTimer(*session, 0);
     const std::weak_ptr<AuthSession> weak = session;
     ask(session, get(redirect));
@@ -136,6 +136,7 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
     const auto runSessions = [this](std::size_t count) {
         for (std::size_t index = 0; index < count; ++index) {
             endings.clear();
+            const auto connections = proxy.count(connectTarget);
             auto session = startSession(
                 index % 2 == 0 ? std::nullopt : std::optional<std::string>("https://client.example"));
             const std::weak_ptr<AuthSession> weak = session;
@@ -144,6 +145,7 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
             const WatchedWidget widget(*view.lock());
             // Every tenth has shown a page when it ends.
             if (index % 10 == 0) {
+                ASSERT_TRUE(runUntil([&] { return proxy.count(connectTarget) > connections; }));
                 ASSERT_TRUE(showPage(session, ""));
                 runScript(*view.lock(), "window.close()");
                 ASSERT_TRUE(waitForEnding());
@@ -161,16 +163,16 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
                 << nativeWindows() << " windows are left";
         }
     };
-    const auto connections = [this] { return proxy.count(connectTarget); };
+    // WebKitGTK keeps the last process of each site for five minutes, also those of earlier tests.
+    const auto kept = TestSupport::webProcesses().size();
     // The first ones make what toolkit and engine keep for good.
     runSessions(10);
-    ASSERT_TRUE(runUntil([] { return TestSupport::webProcesses().size() <= 1; }));
+    ASSERT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= kept + 1; }));
     const auto processes = TestSupport::webProcesses().size();
     const auto descriptors = openDescriptors();
     const auto hosts = Platform::Application::shared().native().hosts.size();
 
     runSessions(100);
-    EXPECT_GT(connections(), 0U);
     EXPECT_EQ(Platform::Application::shared().native().hosts.size(), hosts);
     EXPECT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= processes; }))
         << TestSupport::webProcesses().size() << " web processes";

@@ -150,6 +150,14 @@ void movePointer(ScreenPoint point) {
     runXdotool({"mousemove", std::to_string(point.x), std::to_string(point.y)});
 }
 
+void redirectTraffic(WebKitNetworkSession* session, int port) {
+    static constexpr const char* here[] = {"127.0.0.1", "localhost", nullptr};
+    const std::string proxy = "http://127.0.0.1:" + std::to_string(port);
+    WebKitNetworkProxySettings* settings = webkit_network_proxy_settings_new(proxy.c_str(), here);
+    webkit_network_session_set_proxy_settings(session, WEBKIT_NETWORK_PROXY_MODE_CUSTOM, settings);
+    webkit_network_proxy_settings_free(settings);
+}
+
 GtkText* textOf(Platform::TextField& field) {
     return GTK_TEXT(gtk_editable_get_delegate(GTK_EDITABLE(widgetOf(field))));
 }
@@ -508,18 +516,18 @@ bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& process
             *static_cast<bool*>(told) = true;
         }),
         &isTold);
-    return std::ranges::all_of(processes, [](pid_t process) { return ::kill(process, SIGKILL) == 0; }) &&
+    // Zero would be the test's own process group.
+    return std::ranges::all_of(processes,
+                               [](pid_t process) { return process > 0 && ::kill(process, SIGKILL) == 0; }) &&
            runUntil([&] { return isTold; });
 }
 
+void redirectTraffic(Platform::WebView& view, int port) {
+    redirectTraffic(webkit_web_view_get_network_session(WEBKIT_WEB_VIEW(widgetOf(view))), port);
+}
+
 TrafficRedirection::TrafficRedirection(int port) {
-    static constexpr const char* here[] = {"127.0.0.1", "localhost", nullptr};
-    const std::string proxy = "http://127.0.0.1:" + std::to_string(port);
-    WebKitNetworkProxySettings* settings = webkit_network_proxy_settings_new(proxy.c_str(), here);
-    webkit_network_session_set_proxy_settings(
-        Platform::networkSession(Platform::WebsiteDataStore::defaultStore).get(),
-        WEBKIT_NETWORK_PROXY_MODE_CUSTOM, settings);
-    webkit_network_proxy_settings_free(settings);
+    redirectTraffic(Platform::networkSession(Platform::WebsiteDataStore::defaultStore).get(), port);
 }
 
 TrafficRedirection::~TrafficRedirection() {

@@ -1,8 +1,14 @@
 #include "Tests/Support/WebProcesses.h"
 
+#include "Platform/WebKit/linux/NetworkSession.h"
+#include "Tests/Support/Waiting.h"
+#include "Tests/Support/linux/MainLoop.h"
+
 #include <unistd.h>
+#include <webkit/webkit.h>
 
 #include <charconv>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -70,6 +76,26 @@ std::vector<pid_t> webProcesses() {
             result.push_back(id);
     }
     return result;
+}
+
+bool forgetPages() {
+    using namespace std::chrono_literals;
+    const auto session = Platform::networkSession(Platform::WebsiteDataStore::defaultStore);
+    const auto deadline = std::chrono::steady_clock::now() + 2 * KeyloftTests::patience;
+    do {
+        // While WebKitGTK removes data it keeps no process of the store. A view that was just let go may hand
+        // its process over afterwards; hence again.
+        bool removed = false;
+        webkit_website_data_manager_clear(
+            webkit_network_session_get_website_data_manager(session.get()), WEBKIT_WEBSITE_DATA_ALL, 0,
+            nullptr, [](GObject*, GAsyncResult*, gpointer data) { *static_cast<bool*>(data) = true; },
+            &removed);
+        while (!removed)
+            g_main_context_iteration(nullptr, TRUE);
+        if (runUntil([] { return webProcesses().empty(); }, 500ms))
+            return true;
+    } while (std::chrono::steady_clock::now() < deadline);
+    return false;
 }
 
 } // namespace TestSupport

@@ -2,6 +2,7 @@
 
 #include "Platform/Foundation/FatalError.h"
 
+#include <cstdlib>
 #include <utility>
 
 using namespace Platform;
@@ -66,7 +67,10 @@ void TestWindow::hide() { gtk_widget_set_visible(window_.get(), FALSE); }
 
 WebViewTest::WebViewTest() { gtk_init(); }
 
-WebViewTest::~WebViewTest() { TestSupport::runPending(); }
+WebViewTest::~WebViewTest() {
+    TestSupport::runPending();
+    EXPECT_TRUE(TestSupport::forgetPages());
+}
 
 std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConfiguration>& configuration) {
     auto view = WebView::create(configuration);
@@ -125,6 +129,13 @@ bool WebViewTest::waitForTitle(WebView& view, const std::string& title) {
 
 bool WebViewTest::waitForFailures(std::size_t count) const {
     return runUntil([&] { return navigation->failures.size() >= count; });
+}
+
+const testing::ExitedWithCode WebViewTest::succeeds(EXIT_SUCCESS);
+
+void WebViewTest::exitAfter(const std::function<void()>& body) {
+    body();
+    std::exit(HasFailure() ? EXIT_FAILURE : EXIT_SUCCESS);
 }
 
 void WebViewTest::runFor(double seconds) {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <webkit/webkit.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -104,6 +105,13 @@ protected:
     static void run(Platform::WebView& view, const std::string& script);
     [[nodiscard]] static bool waitForTitle(Platform::WebView& view, const std::string& title);
     [[nodiscard]] bool waitForFailures(std::size_t count) const;
+    /// For the statement of EXPECT_EXIT with `succeeds`: calls `body` and ends the process.
+    ///
+    /// A process makes its default data store once. A test of that asks for the "threadsafe" style, in which
+    /// the statement runs in a new process with a display session and an empty home directory of its own.
+    [[noreturn]] static void exitAfter(const std::function<void()>& body);
+    static const testing::ExitedWithCode succeeds;
+
     /// Runs the loop for so long: for what must not happen.
     static void runFor(double seconds);
 

@@ -24,21 +24,30 @@ protected:
 } // namespace
 
 TEST_F(DefaultWebsiteDataStore, isMadeByTheFirstView) {
-    EXPECT_FALSE(std::filesystem::exists(folder(g_get_user_data_dir())));
-    const auto view = makeView();
-    EXPECT_TRUE(std::filesystem::exists(folder(g_get_user_data_dir())));
-    EXPECT_TRUE(std::filesystem::exists(folder(g_get_user_cache_dir())));
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(exitAfter([this] {
+                    EXPECT_FALSE(std::filesystem::exists(folder(g_get_user_data_dir())));
+                    const auto view = makeView();
+                    EXPECT_TRUE(std::filesystem::exists(folder(g_get_user_data_dir())));
+                    EXPECT_TRUE(std::filesystem::exists(folder(g_get_user_cache_dir())));
+                }),
+                succeeds, "");
 }
 
 TEST_F(DefaultWebsiteDataStore, onlyTheUserMayEnter) {
-    // As an older version, or somebody else, may have left it.
-    std::filesystem::create_directories(folder(g_get_user_data_dir()));
-    std::filesystem::permissions(folder(g_get_user_data_dir()), std::filesystem::perms::owner_all |
-                                                                    std::filesystem::perms::others_read |
-                                                                    std::filesystem::perms::others_exec);
-    const auto view = makeView();
-    EXPECT_EQ(permissions(folder(g_get_user_data_dir())), std::filesystem::perms::owner_all);
-    EXPECT_EQ(permissions(folder(g_get_user_cache_dir())), std::filesystem::perms::owner_all);
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(exitAfter([this] {
+                    // As an older version, or somebody else, may have left it.
+                    std::filesystem::create_directories(folder(g_get_user_data_dir()));
+                    std::filesystem::permissions(folder(g_get_user_data_dir()),
+                                                 std::filesystem::perms::owner_all |
+                                                     std::filesystem::perms::others_read |
+                                                     std::filesystem::perms::others_exec);
+                    const auto view = makeView();
+                    EXPECT_EQ(permissions(folder(g_get_user_data_dir())), std::filesystem::perms::owner_all);
+                    EXPECT_EQ(permissions(folder(g_get_user_cache_dir())), std::filesystem::perms::owner_all);
+                }),
+                succeeds, "");
 }
 
 TEST_F(DefaultWebsiteDataStore, keepsCookiesAndStorage) {
@@ -90,12 +99,17 @@ TEST_F(DefaultWebsiteDataStore, aBadCertificateFailsTheLoad) {
 }
 
 TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
-    // A file where the folder is needed stops root as well.
-    std::ofstream(folder(g_get_user_data_dir())) << "in the way";
-    ASSERT_FALSE(std::filesystem::is_directory(folder(g_get_user_data_dir())));
-    const auto view = makeView();
-    EXPECT_TRUE(webkit_network_session_is_ephemeral(webkit_web_view_get_network_session(widgetOf(*view))));
-    EXPECT_TRUE(loadPage(*view, "/page"));
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(exitAfter([this] {
+                    // A file where the folder is needed stops root as well.
+                    std::ofstream(folder(g_get_user_data_dir())) << "in the way";
+                    ASSERT_FALSE(std::filesystem::is_directory(folder(g_get_user_data_dir())));
+                    const auto view = makeView();
+                    EXPECT_TRUE(webkit_network_session_is_ephemeral(
+                        webkit_web_view_get_network_session(widgetOf(*view))));
+                    EXPECT_TRUE(loadPage(*view, "/page"));
+                }),
+                succeeds, "");
 }
 
 namespace {
@@ -138,11 +152,17 @@ TEST_F(NonPersistentWebsiteDataStore, isEachViewsOwn) {
 }
 
 TEST_F(NonPersistentWebsiteDataStore, writesNothing) {
-    const auto view = makeView(configuration());
-    leaveTraces(*view);
-    EXPECT_TRUE(webkit_network_session_is_ephemeral(webkit_web_view_get_network_session(widgetOf(*view))));
-    for (const char* directory : {g_get_user_data_dir(), g_get_user_cache_dir()})
-        EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(directory) / "velde.orvane.keyloft"));
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(exitAfter([this] {
+                    const auto view = makeView(configuration());
+                    leaveTraces(*view);
+                    EXPECT_TRUE(webkit_network_session_is_ephemeral(
+                        webkit_web_view_get_network_session(widgetOf(*view))));
+                    for (const char* directory : {g_get_user_data_dir(), g_get_user_cache_dir()})
+                        EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(directory) /
+                                                             "velde.orvane.keyloft"));
+                }),
+                succeeds, "");
 }
 
 TEST_F(NonPersistentWebsiteDataStore, isSharedWithThePagesNewWindows) {
