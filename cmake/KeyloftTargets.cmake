@@ -94,6 +94,11 @@ function(keyloft_test name)
   endif()
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${kind} TIMEOUT ${arg_TIMEOUT})
+  # All tests of the program in one process as well: no test may depend on what another leaves behind.
+  if(kind STREQUAL "display" AND NOT KEYLOFT_SANITIZE)
+    add_test(NAME ${name}.inOneGo COMMAND ${name})
+    set_tests_properties(${name}.inOneGo PROPERTIES LABELS one-go TIMEOUT 1200)
+  endif()
 endfunction()
 
 # keyloft_benchmark(NAME SOURCES … LINK …)
