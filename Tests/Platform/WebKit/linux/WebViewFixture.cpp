@@ -65,10 +65,24 @@ void TestWindow::show() {
 
 void TestWindow::hide() { gtk_widget_set_visible(window_.get(), FALSE); }
 
+namespace {
+
+/// The network sessions of the views that a test has made.
+std::vector<GObjectPtr<WebKitNetworkSession>>& usedSessions() {
+    static std::vector<GObjectPtr<WebKitNetworkSession>> sessions;
+    return sessions;
+}
+
+} // namespace
+
 WebViewTest::WebViewTest() { gtk_init(); }
 
 WebViewTest::~WebViewTest() {
     TestSupport::runPending();
+    // WebKitGTK keeps processes of stores in memory too.
+    for (const auto& session : std::exchange(usedSessions(), {}))
+        webkit_website_data_manager_clear(webkit_network_session_get_website_data_manager(session.get()),
+                                          WEBKIT_WEBSITE_DATA_ALL, 0, nullptr, nullptr, nullptr);
     EXPECT_TRUE(TestSupport::forgetPages());
 }
 
@@ -76,6 +90,8 @@ std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConf
     auto view = WebView::create(configuration);
     view->setNavigationDelegate(navigation);
     view->setUIDelegate(ui);
+    usedSessions().push_back(
+        GObjectPtr<WebKitNetworkSession>::retain(webkit_web_view_get_network_session(widgetOf(*view))));
     return view;
 }
 
