@@ -9,6 +9,11 @@ std::shared_ptr<TextField> TextField::create() {
 
 bool TextField::respondsTo(Action action) const { return Platform::isEditing(action); }
 
+std::string TextField::withoutLineBreaks(std::string text) {
+    std::erase_if(text, [](char c) { return c == '\n' || c == '\r'; });
+    return text;
+}
+
 void TextField::beginEditing() {
     if (editing_)
         return;

@@ -31,8 +31,8 @@ class TextField : public Control {
 public:
     static std::shared_ptr<TextField> create();
 
-    /// The text as it now stands, the user's changes included. Line breaks that are set are dropped, as the
-    /// field has one line.
+    /// The current text, the user's changes included. Line feeds and carriage returns are dropped from what
+    /// is set, typed, pasted or dropped: the field has one line.
     std::string stringValue() const;
     void setStringValue(const std::string& value);
 
@@ -58,6 +58,7 @@ protected:
 private:
     friend struct TextFieldEvents;
 
+    static std::string withoutLineBreaks(std::string text);
     void beginEditing();
     void endEditing(TextMovement movement);
 

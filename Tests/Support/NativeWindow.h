@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/AppKit/Geometry.h"
+#include "Platform/AppKit/Menu.h"
 #include "Platform/AppKit/TextField.h"
 #include "Platform/AppKit/View.h"
 #include "Platform/AppKit/Window.h"
@@ -126,6 +127,27 @@ struct ShownMenu {
 
 /// Opens a menu of the menu bar, closes it, and returns what was to be seen meanwhile.
 ShownMenu openedMenu(Platform::Window& window, const std::string& title);
+
+/// The titles in the menu bar, from left to right.
+std::vector<std::string> menuTitles(Platform::Window& window);
+/// Whether the menu of the menu bar is open and has been laid out.
+bool isMenuOpen(Platform::Window& window, const std::string& title);
+ScreenPoint menuTitleOnScreen(Platform::Window& window, const std::string& title);
+/// Opens the menu and chooses the item, both with clicks.
+void chooseFromMenu(Platform::Window& window, const std::string& title, const std::string& item);
+
+/// The keyboard has a layout of the given name ("de") while this object lives, and a US layout afterwards.
+/// `keycodeOfZ` is the code of the key that types "z" in it.
+class KeyboardLayout {
+public:
+    KeyboardLayout(const std::string& name, unsigned keycodeOfZ);
+    KeyboardLayout(const KeyboardLayout&) = delete;
+    KeyboardLayout& operator=(const KeyboardLayout&) = delete;
+    ~KeyboardLayout();
+};
+
+/// Presses the keys that type the item's key equivalent in the current keyboard layout.
+void pressKeyEquivalent(const Platform::MenuItem& item);
 
 /// The size of the screen.
 Platform::Size screenSize();

@@ -95,7 +95,7 @@ void returnFocus() {
     // Later, as the next menu may open at once, and the chosen item's action may move the focus itself.
     RunLoop::main().perform([main] {
         if (const auto window = main.lock())
-            Window::Native::takeFocusBack(*window);
+            Window::Native::takeFocus(*window);
     });
 }
 

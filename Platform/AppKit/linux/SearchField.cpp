@@ -11,11 +11,7 @@ std::shared_ptr<SearchField> SearchField::create() {
 
 std::unique_ptr<View::Native> SearchField::makeNative() {
     auto native = TextFieldEvents::make(*this, gtk_search_entry_new());
-    native->connections.emplace_back(native->widget.get(), "stop-search",
-                                     G_CALLBACK(+[](GtkSearchEntry* /*entry*/, gpointer self) {
-                                         static_cast<SearchField*>(self)->setStringValue("");
-                                     }),
-                                     static_cast<SearchField*>(this));
+    native->isEmptiedByEscape = true;
     return native;
 }
 

@@ -245,7 +245,7 @@ void TabHost::selectionChanged(AdwTabView* /*view*/, GParamSpec* /*property*/, g
         return;
     gtk_window_set_title(host->toplevel(), window->title().c_str());
     host->setNeedsAttention(*window, false);
-    Window::Native::becameVisible(*window);
+    Window::Native::takePendingFocus(*window);
 }
 
 AdwTabView* TabHost::windowWanted(AdwTabView* /*view*/, gpointer self) {

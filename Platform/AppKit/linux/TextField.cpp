@@ -4,7 +4,7 @@
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/TextFieldNative.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace Platform {
 
@@ -37,8 +37,7 @@ TextField::TextField() { setContentHuggingPriority(LayoutPriorities::defaultLow,
 std::string TextField::stringValue() const { return stringValue_; }
 
 void TextField::setStringValue(const std::string& value) {
-    std::string line = value;
-    std::erase_if(line, [](char c) { return c == '\n' || c == '\r'; });
+    const std::string line = withoutLineBreaks(value);
     if (stringValue_ == line)
         return;
     stringValue_ = line;
@@ -79,7 +78,7 @@ void TextField::applyFont(Native& native) {
                                 fontAttributes(wanted->systemFontSize));
 }
 
-std::unique_ptr<View::Native> TextFieldEvents::make(TextField& field, GtkWidget* editable) {
+std::unique_ptr<TextFieldEvents::Native> TextFieldEvents::make(TextField& field, GtkWidget* editable) {
     auto native = std::make_unique<Native>();
     native->widget = GObjectPtr<GtkWidget>::retain(editable);
     native->text = GTK_TEXT(gtk_editable_get_delegate(GTK_EDITABLE(editable)));
@@ -91,6 +90,7 @@ std::unique_ptr<View::Native> TextFieldEvents::make(TextField& field, GtkWidget*
     if (field.font())
         field.applyFont(*native);
 
+    native->connections.emplace_back(native->text, "insert-text", G_CALLBACK(insertText), nullptr);
     native->connections.emplace_back(editable, "changed", G_CALLBACK(changed), &field);
     native->connections.emplace_back(native->text, "preedit-changed", G_CALLBACK(preeditChanged), &field);
     native->connections.emplace_back(editable, "activate", G_CALLBACK(activated), &field);
@@ -105,8 +105,14 @@ void TextFieldEvents::focusLeft(TextField& field) {
     field.endEditing(TextMovement::other);
 }
 
-void TextFieldEvents::takeFocusBack(TextField& field) {
-    gtk_text_grab_focus_without_selecting(nativeOf(field).text);
+void TextFieldEvents::insertText(GtkEditable* editable, const char* text, int length, int* position,
+                                 gpointer /*data*/) {
+    const std::string inserted(text, length < 0 ? std::strlen(text) : static_cast<std::size_t>(length));
+    const std::string line = TextField::withoutLineBreaks(inserted);
+    if (line == inserted)
+        return;
+    g_signal_stop_emission_by_name(editable, "insert-text");
+    gtk_editable_insert_text(editable, line.c_str(), static_cast<int>(line.size()), position);
 }
 
 void TextFieldEvents::changed(GtkEditable* editable, gpointer self) {
@@ -139,6 +145,8 @@ gboolean TextFieldEvents::keyPressed(GtkEventControllerKey* /*controller*/, guin
         return GDK_EVENT_PROPAGATE;
     auto& field = *static_cast<TextField*>(self);
     const auto keptAlive = field.shared_from_this();
+    if (nativeOf(field).isEmptiedByEscape)
+        field.setStringValue("");
     field.endEditing(TextMovement::cancel);
     field.selectText();
     return GDK_EVENT_STOP;

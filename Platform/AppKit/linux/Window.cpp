@@ -19,6 +19,13 @@ GQuark windowQuark() {
     return quark;
 }
 
+/// Returns true while a menu of the menu bar is open and has the keyboard.
+bool isMenuOpen(GtkRoot* root) {
+    GtkWidget* focus = gtk_root_get_focus(root);
+    GtkWidget* menu = focus ? gtk_widget_get_ancestor(focus, GTK_TYPE_POPOVER_MENU) : nullptr;
+    return menu && gtk_widget_get_visible(menu) && gtk_widget_get_ancestor(menu, GTK_TYPE_POPOVER_MENU_BAR);
+}
+
 /// The content has the window's size, whatever it would like itself: nothing in it widens the window.
 class ContentView final : public View {
 public:
@@ -130,7 +137,7 @@ void Window::makeKeyAndOrderFront() {
     }
     host->select(*this);
     host->present();
-    Native::takeFocusBack(*this);
+    Native::takeFocus(*this);
 }
 
 void Window::orderOut() {
@@ -229,7 +236,7 @@ void Window::Native::makePage(Window& window) {
     gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.root_->native().widget.get());
     mapped = SignalConnection(page.get(), "map", G_CALLBACK(+[](GtkWidget* widget, gpointer /*data*/) {
                                   if (const auto shown = ofPage(widget))
-                                      becameVisible(*shown);
+                                      takePendingFocus(*shown);
                               }),
                               nullptr);
 }
@@ -246,55 +253,35 @@ void Window::Native::focusMoved(Window& window, View& view) {
     const auto previous = native.firstResponder.lock();
     native.firstResponder = view.weak_from_this();
     native.focusPending = false;
-    if (previous.get() == &view)
+    // GTK asks for this setting right after it tells of the new focus. A field that gets the focus back from
+    // a menu, a sheet or another tab keeps its selection: the next typed character must not replace its text.
+    const bool isFocusedAnew = previous.get() != &view;
+    g_object_set(gtk_settings_get_default(), "gtk-entry-select-on-focus", isFocusedAnew, nullptr);
+    if (!isFocusedAnew)
         return;
     if (const auto field = std::dynamic_pointer_cast<TextField>(previous))
         TextFieldEvents::focusLeft(*field);
 }
 
-void Window::Native::becameVisible(Window& window) {
-    Native& native = *window.native_;
-    if (!native.page || !gtk_widget_get_mapped(native.page.get()))
-        return;
-    if (!native.sheets.empty()) {
-        native.sheets.front()->focus();
-        return;
-    }
-    const auto view = native.firstResponder.lock();
-    if (!native.focusPending || !view || !view->nativeIfMade())
-        return;
-    native.focusPending = false;
-    gtk_widget_grab_focus(view->native().widget.get());
-}
-
 void Window::Native::takeFocus(Window& window) {
     window.native_->focusPending = true;
-    becameVisible(window);
+    takePendingFocus(window);
 }
 
-void Window::Native::takeFocusBack(Window& window) {
-    const auto host = TabHost::of(window);
-    if (!host)
-        return;
-    GtkWidget* focus = gtk_window_get_focus(host->toplevel());
-    GtkWidget* menu = focus ? gtk_widget_get_ancestor(focus, GTK_TYPE_POPOVER) : nullptr;
-    const View* view = viewOfWidget(focus);
-    const bool isInMenu = menu && gtk_widget_get_visible(menu);
-    const bool isInPage = view && view->window().get() == &window;
-    if (!isInMenu && !isInPage)
-        takeFocus(window);
-}
-
-void Window::Native::returnFocus(Window& window) {
+void Window::Native::takePendingFocus(Window& window) {
     Native& native = *window.native_;
-    const auto field = std::dynamic_pointer_cast<TextField>(native.firstResponder.lock());
-    if (!field || !field->nativeIfMade() || !gtk_widget_get_mapped(native.page.get())) {
-        takeFocus(window);
+    if (!native.focusPending || !native.page || !gtk_widget_get_mapped(native.page.get()) ||
+        isMenuOpen(gtk_widget_get_root(native.page.get())))
         return;
+    if (!native.sheets.empty()) {
+        native.focusPending = false;
+        native.sheets.front()->focus();
+    } else if (const auto view = native.firstResponder.lock(); view && view->nativeIfMade()) {
+        native.focusPending = false;
+        GtkWidget* focus = gtk_root_get_focus(gtk_widget_get_root(native.page.get()));
+        if (viewOfWidget(focus) != view.get())
+            gtk_widget_grab_focus(view->native().widget.get());
     }
-    native.focusPending = false;
-    // Whoever was typing goes on where they were, and does not replace what they typed.
-    TextFieldEvents::takeFocusBack(*field);
 }
 
 void Window::Native::willClose(Window& window) {
@@ -332,7 +319,7 @@ void Window::Native::showSheet(Window& window) {
     gtk_overlay_add_overlay(GTK_OVERLAY(native.page.get()), shade);
     if (const auto host = TabHost::of(window))
         host->setNeedsAttention(window, true);
-    becameVisible(window);
+    takeFocus(window);
 }
 
 void Window::Native::sheetAnswered(Window& window, std::size_t button) {
@@ -348,7 +335,7 @@ void Window::Native::sheetAnswered(Window& window, std::size_t button) {
         gtk_widget_set_can_focus(content, TRUE);
         if (const auto host = TabHost::of(window))
             host->setNeedsAttention(window, false);
-        returnFocus(window);
+        takeFocus(window);
     } else if (!window.closed_) {
         showSheet(window);
     }

@@ -18,8 +18,7 @@ class TabHost;
 struct Window::Native {
     GObjectPtr<GtkWidget> page;
     std::weak_ptr<View> firstResponder;
-    /// The view has the first responder's role but not yet the toolkit's focus: the page was not on the
-    /// screen.
+    /// The first responder is still to get GTK's focus: the page is not on the screen, or a menu is open.
     bool focusPending = false;
     /// The one at the front is shown.
     std::deque<std::unique_ptr<Sheet>> sheets;
@@ -34,15 +33,11 @@ struct Window::Native {
 
     /// The toolkit's focus moved to a widget of this page.
     static void focusMoved(Window& window, View& view);
-    /// The page came onto the screen or its window to the front.
-    static void becameVisible(Window& window);
-    /// Gives the toolkit's focus to the first responder, now or when the page is next on the screen.
+    /// Gives GTK's focus to the sheet or else to the first responder: now, or once the page is on the screen
+    /// and no menu is open. A text field keeps its selection.
     static void takeFocus(Window& window);
-    /// The same where the focus is with no view of the page and in no open menu: the toolkit may have left it
-    /// with the tab strip.
-    static void takeFocusBack(Window& window);
-    /// The last sheet went: the first responder has the toolkit's focus again.
-    static void returnFocus(Window& window);
+    /// Does what `takeFocus` left to be done.
+    static void takePendingFocus(Window& window);
     /// The page is on its way out: tells the delegate, once.
     static void willClose(Window& window);
 

@@ -6,8 +6,6 @@
 #include "Platform/AppKit/macos/TextFieldNative.h"
 #include "Platform/Foundation/macos/Conversions.h"
 
-#include <algorithm>
-
 @interface KeyloftTextFieldDelegate : NSObject <NSTextFieldDelegate>
 @end
 
@@ -64,8 +62,7 @@ std::string TextField::stringValue() const {
 
 void TextField::setStringValue(const std::string& value) {
     assertMainThread("TextField::setStringValue");
-    std::string line = value;
-    std::erase_if(line, [](char c) { return c == '\n' || c == '\r'; });
+    const std::string line = withoutLineBreaks(value);
     // Setting what is there already would move the insertion point.
     if (stringValue() == line) {
         return;

@@ -12,9 +12,9 @@
 
 namespace TestSupport {
 
-void runXdotool(const std::vector<std::string>& arguments) {
-    std::vector<const char*> argv{"xdotool"};
-    argv.reserve(arguments.size() + 2);
+void runProgram(const std::vector<std::string>& arguments) {
+    std::vector<const char*> argv;
+    argv.reserve(arguments.size() + 1);
     for (const auto& argument : arguments)
         argv.push_back(argument.c_str());
     argv.push_back(nullptr);
@@ -32,7 +32,13 @@ void runXdotool(const std::vector<std::string>& arguments) {
         },
         &ended);
     EXPECT_TRUE(runUntil([&] { return ended; }));
-    EXPECT_EQ(g_subprocess_get_exit_status(tool.get()), 0) << arguments.front();
+    EXPECT_EQ(g_subprocess_get_exit_status(tool.get()), 0) << testing::PrintToString(arguments);
+}
+
+void runXdotool(const std::vector<std::string>& arguments) {
+    std::vector<std::string> words{"xdotool"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    runProgram(words);
 }
 
 std::vector<std::string> askXdotool(const std::string& arguments) {

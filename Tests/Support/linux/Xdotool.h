@@ -5,6 +5,9 @@
 
 namespace TestSupport {
 
+/// Runs a program found in PATH to its end, with the main loop running meanwhile; fails the test if it fails.
+void runProgram(const std::vector<std::string>& arguments);
+
 /// Types, clicks and moves as a person would, through the X server. The main loop runs meanwhile.
 void runXdotool(const std::vector<std::string>& arguments);
 

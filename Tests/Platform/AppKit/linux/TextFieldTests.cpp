@@ -2,10 +2,13 @@
 #include "Platform/AppKit/StackView.h"
 #include "Platform/AppKit/linux/TextFieldNative.h"
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
+#include "Tests/Support/Display.h"
+#include "Tests/Support/linux/Xdotool.h"
 
 namespace Platform::Tests {
 
 using TestSupport::runPending;
+using TestSupport::runUntil;
 
 namespace {
 
@@ -40,17 +43,29 @@ protected:
         show(window);
     }
 
-    static bool pressKey(const std::shared_ptr<TextField>& into, guint key) {
-        // The field's own controller, as the toolkit calls it for a key that nobody took before.
-        gboolean handled = FALSE;
-        const auto list = GObjectPtr<GListModel>::adopt(gtk_widget_observe_controllers(widgetOf(into)));
-        for (guint i = 0; i < g_list_model_get_n_items(list.get()); ++i) {
-            const auto controller =
-                GObjectPtr<GObject>::adopt(G_OBJECT(g_list_model_get_item(list.get(), i)));
-            if (GTK_IS_EVENT_CONTROLLER_KEY(controller.get()))
-                g_signal_emit_by_name(controller.get(), "key-pressed", key, 0, 0, &handled);
-        }
-        return handled;
+    /// Gives the field the keyboard in a window that a window manager made the active one, for real keys.
+    void activate(const std::shared_ptr<TextField>& wanted) const {
+        TestSupport::startWindowManager();
+        wanted->selectText();
+        GtkWindow* toplevel = TabHost::of(*window)->toplevel();
+        ASSERT_TRUE(runUntil([&] {
+            return gtk_window_is_active(toplevel) &&
+                   viewOfWidget(gtk_window_get_focus(toplevel)) == wanted.get();
+        }));
+    }
+
+    static void pressKey(const std::string& key) { TestSupport::runXdotool({"key", key}); }
+
+    static void copy(const std::string& text) {
+        gdk_clipboard_set_text(gdk_display_get_clipboard(gdk_display_get_default()), text.c_str());
+    }
+
+    static std::string selection(const std::shared_ptr<TextField>& in) {
+        int start = 0;
+        int end = 0;
+        gtk_editable_get_selection_bounds(GTK_EDITABLE(widgetOf(in)), &start, &end);
+        return in->stringValue().substr(static_cast<std::size_t>(start),
+                                        static_cast<std::size_t>(end - start));
     }
 
     std::shared_ptr<Window> window = Window::create({.width = 600, .height = 400}, {});
@@ -96,15 +111,11 @@ TEST_F(TextFieldTest, anotherControlOfThePageEndsTheEdit) {
 }
 
 TEST_F(TextFieldTest, escapeEndsTheEditAndSelectsTheText) {
-    field->selectText();
+    activate(field);
     typeInto(field, "abc");
-    EXPECT_TRUE(pressKey(field, GDK_KEY_Escape));
-    EXPECT_EQ(edits->events, (Events{"begin", "end by Escape"}));
-    int start = -1;
-    int end = -1;
-    EXPECT_TRUE(gtk_editable_get_selection_bounds(GTK_EDITABLE(widgetOf(field)), &start, &end));
-    EXPECT_EQ(start, 0);
-    EXPECT_EQ(end, 3);
+    pressKey("Escape");
+    ASSERT_TRUE(runUntil([&] { return edits->events == Events{"begin", "end by Escape"}; }));
+    EXPECT_EQ(selection(field), "abc");
 }
 
 TEST_F(TextFieldTest, anotherTabNeitherEndsNorBeginsAnEdit) {
@@ -136,9 +147,42 @@ TEST_F(TextFieldTest, inputMethodTextBeginsTheEdit) {
     EXPECT_TRUE(field->isEditing());
 }
 
-TEST_F(TextFieldTest, lineBreaksAreDropped) {
+TEST_F(TextFieldTest, lineBreaksAreDroppedFromTextThatIsSet) {
     field->setStringValue("one\r\ntwo");
     EXPECT_EQ(field->stringValue(), "onetwo");
+}
+
+TEST_F(TextFieldTest, lineBreaksAreDroppedFromPastedText) {
+    field->setStringValue("<>");
+    activate(field);
+    pressKey("Home");
+    pressKey("Right");
+    copy("one\r\ntwo\n");
+    pressKey("ctrl+v");
+    EXPECT_TRUE(runUntil([&] { return field->stringValue() == "<onetwo>"; })) << field->stringValue();
+    EXPECT_STREQ(gtk_editable_get_text(GTK_EDITABLE(widgetOf(field))), "<onetwo>");
+    EXPECT_EQ(edits->events, Events{"begin"});
+    pressKey("x");
+    EXPECT_TRUE(runUntil([&] { return field->stringValue() == "<onetwox>"; })) << field->stringValue();
+}
+
+TEST_F(TextFieldTest, aPasteOfNothingButLineBreaksIsNoEdit) {
+    activate(field);
+    copy("\r\n");
+    pressKey("ctrl+v");
+    pressKey("x");
+    ASSERT_TRUE(runUntil([&] { return !field->stringValue().empty(); }));
+    EXPECT_EQ(field->stringValue(), "x");
+}
+
+// Dropped text and that of an input method come this way.
+TEST_F(TextFieldTest, lineBreaksAreDroppedFromTextThatGTKInserts) {
+    typeInto(field, "one\ntwo");
+    EXPECT_EQ(field->stringValue(), "onetwo");
+    int position = 3;
+    gtk_editable_insert_text(GTK_EDITABLE(widgetOf(field)), "\r1\n2 and more", 4, &position);
+    EXPECT_EQ(field->stringValue(), "one12two");
+    EXPECT_EQ(position, 5);
 }
 
 TEST_F(TextFieldTest, keepsTextThatWasSetBeforeItWasShown) {
@@ -159,26 +203,61 @@ TEST_F(TextFieldTest, aLongTextAsksForNoMoreRoom) {
     EXPECT_EQ(after, before);
 }
 
-TEST_F(TextFieldTest, performsEditingActions) {
-    field->setStringValue("text");
-    EXPECT_TRUE(field->respondsTo(Action::selectAll));
+TEST_F(TextFieldTest, performsEveryEditingAction) {
     EXPECT_FALSE(field->respondsTo(Action::reload));
-    field->perform(Action::selectAll, {});
-    int start = -1;
-    int end = -1;
-    gtk_editable_get_selection_bounds(GTK_EDITABLE(widgetOf(field)), &start, &end);
-    EXPECT_EQ(end - start, 4);
+    activate(field);
+    typeInto(field, "text");
+    const auto expectText = [&](const std::string& text) {
+        EXPECT_TRUE(runUntil([&] { return field->stringValue() == text; })) << field->stringValue();
+    };
+    const auto perform = [&](Action action) {
+        ASSERT_TRUE(field->respondsTo(action));
+        field->perform(action, {});
+    };
+    perform(Action::selectAll);
+    EXPECT_EQ(selection(field), "text");
+    perform(Action::cut);
+    expectText("");
+    perform(Action::paste);
+    expectText("text");
+    perform(Action::undo);
+    expectText("");
+    perform(Action::redo);
+    expectText("text");
+    gtk_editable_select_region(GTK_EDITABLE(widgetOf(field)), 0, 1);
+    perform(Action::copy);
+    gtk_editable_set_position(GTK_EDITABLE(widgetOf(field)), -1);
+    perform(Action::paste);
+    expectText("textt");
+}
+
+TEST_F(TextFieldTest, anEditingActionBeforeTheFirstShowingDoesNothing) {
+    const auto late = TextField::create();
+    late->setStringValue("text");
+    for (const Action action : {Action::selectAll, Action::cut, Action::paste, Action::undo})
+        late->perform(action, {});
+    EXPECT_EQ(late->nativeIfMade(), nullptr);
+    EXPECT_EQ(late->stringValue(), "text");
 }
 
 TEST_F(TextFieldTest, escapeEmptiesASearchField) {
     const auto search = SearchField::create();
+    search->setDelegate(edits);
+    search->setTarget(target, Action::searchFromSearchField);
     window->contentView()->addSubview(search);
-    ASSERT_TRUE(TestSupport::runUntil([&] { return widgetOf(search) != nullptr; }));
-    typeInto(search, "words");
-    EXPECT_EQ(search->stringValue(), "words");
-    g_signal_emit_by_name(widgetOf(search), "stop-search");
+    ASSERT_TRUE(runUntil([&] { return widgetOf(search) && gtk_widget_get_mapped(widgetOf(search)); }));
+    activate(search);
+    edits->events.clear();
+    for (const char* key : {"a", "b", "Escape"})
+        pressKey(key);
+    ASSERT_TRUE(runUntil([&] { return edits->events == Events{"begin", "end by Escape"}; }));
     EXPECT_EQ(search->stringValue(), "");
     EXPECT_STREQ(gtk_editable_get_text(GTK_EDITABLE(widgetOf(search))), "");
+    EXPECT_FALSE(search->isEditing());
+    EXPECT_TRUE(target->performed.empty());
+    // The keyboard stays.
+    pressKey("c");
+    EXPECT_TRUE(runUntil([&] { return search->stringValue() == "c"; }));
 }
 
 } // namespace Platform::Tests
