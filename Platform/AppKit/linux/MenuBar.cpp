@@ -6,12 +6,8 @@
 #include "Platform/Foundation/RunLoop.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string_view>
 #include <utility>
 
 namespace Platform {
@@ -21,27 +17,19 @@ namespace {
 constexpr const char* actionPrefix = "menu";
 constexpr const char* windowAction = "window";
 
-/// The toolkit's text for the item's key, "<Control><Shift>braceleft".
+/// GTK's name of the item's key equivalent, such as "<Control>braceleft". Only an upper-case letter asks for
+/// Shift: which keys type a sign depends on the keyboard, and GTK ignores the modifiers that took part in
+/// that.
 std::string accelerator(const MenuItem& item) {
-    static constexpr std::array<std::pair<char, std::string_view>, 5> signs = {{
-        {'.', "period"},
-        {'[', "bracketleft"},
-        {']', "bracketright"},
-        {'{', "<Shift>braceleft"},
-        {'}', "<Shift>braceright"},
-    }};
-    const char key = item.keyEquivalent().front();
-    std::string text = "<Control>";
+    const guint key = gdk_unicode_to_keyval(g_utf8_get_char(item.keyEquivalent().c_str()));
+    unsigned modifiers = GDK_CONTROL_MASK;
     if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand)
-        text.append("<Alt>");
-    for (const auto& [sign, name] : signs) {
-        if (sign == key)
-            return text.append(name);
-    }
-    if (std::isupper(static_cast<unsigned char>(key)))
-        text.append("<Shift>");
-    text.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(key))));
-    return text;
+        modifiers |= GDK_ALT_MASK;
+    if (!gdk_keyval_is_lower(key))
+        modifiers |= GDK_SHIFT_MASK;
+    const std::unique_ptr<char, decltype(&g_free)> name(
+        gtk_accelerator_name(key, static_cast<GdkModifierType>(modifiers)), &g_free);
+    return name.get();
 }
 
 /// A label in which no underscore marks a mnemonic.

@@ -1,0 +1,108 @@
+#include "Tests/Keyloft/AppDelegateTest.h"
+
+#include <set>
+
+using namespace Platform;
+using TestSupport::hasFocus;
+using TestSupport::pressKey;
+using TestSupport::runUntil;
+
+namespace {
+
+struct Layout {
+    const char* name;
+    unsigned keycodeOfZ;
+};
+
+/// The key equivalents of the main menu on keyboards that have their signs on different keys.
+class KeyboardLayoutTest : public AppDelegateTest, public testing::WithParamInterface<Layout> {
+protected:
+    KeyboardLayoutTest()
+        : layout(GetParam().name, GetParam().keycodeOfZ)
+        , menu(delegate->buildMainMenu()) {
+        delegate->menuNeedsUpdate(*delegate->bookmarksMenu());
+    }
+
+    std::vector<std::shared_ptr<MenuItem>> itemsWithKeys() const {
+        std::vector<std::shared_ptr<MenuItem>> items;
+        for (const auto& top : menu->items()) {
+            for (const auto& item : top->submenu()->items()) {
+                if (!item->keyEquivalent().empty())
+                    items.push_back(item);
+            }
+        }
+        return items;
+    }
+
+    /// Presses the keys of the action's item and waits until its effect is seen.
+    void press(Action action, const std::function<bool()>& isDone) {
+        for (const auto& item : itemsWithKeys()) {
+            if (item->action() == action) {
+                TestSupport::pressKeyEquivalent(*item);
+                EXPECT_TRUE(runUntil([&] { return isDone(); })) << item->title();
+            }
+        }
+        pressed.insert(action);
+    }
+
+    TestSupport::KeyboardLayout layout;
+    std::shared_ptr<Menu> menu;
+    std::set<Action> pressed;
+};
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Of, KeyboardLayoutTest,
+                         testing::Values(Layout{"us", 52}, Layout{"de", 29}, Layout{"fr", 25}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_P(KeyboardLayoutTest, everyKeyEquivalentCanBeTyped) {
+    server.route("/endless", unfinishedPage("endless"));
+    const auto tab = launch();
+    TestSupport::activate(*tab->window());
+    ASSERT_TRUE(loadPage(tab, "/one"));
+    ASSERT_TRUE(loadPage(tab, "/two"));
+    press(Action::toggleBookmark, [&] { return tab->isBookmarked(); });
+    press(Action::reload, [&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); });
+    press(Action::goBack, [&] { return waitForTitle(tab, "/one") && tab->webView()->canGoForward(); });
+    press(Action::goForward, [&] { return waitForTitle(tab, "/two"); });
+    tab->load(serverURL("/endless"));
+    ASSERT_TRUE(runUntil([&] { return tab->window()->title() == "endless"; }));
+    press(Action::stopLoading, [&] { return !tab->webView()->isLoading(); });
+
+    TextField& field = *tab->addressField();
+    const auto address = server.url("/endless");
+    press(Action::focusAddressBar, [&] { return TestSupport::selectedText(field) == address; });
+    press(Action::cut, [&] { return field.stringValue().empty(); });
+    press(Action::paste, [&] { return field.stringValue() == address; });
+    press(Action::undo, [&] { return field.stringValue() != address; });
+    press(Action::redo, [&] { return field.stringValue() == address; });
+    press(Action::selectAll, [&] { return TestSupport::selectedText(field) == address; });
+    pressKey("Home");
+    pressKey("shift+Right");
+    press(Action::copy, [&] { return TestSupport::selectedText(field) == address.substr(0, 1); });
+    pressKey("End");
+    press(Action::paste, [&] { return field.stringValue() == address + address.front(); });
+
+    for (std::size_t count = 2; count <= 3; ++count) {
+        press(Action::newTab, [&] {
+            return controllers().size() == count && hasFocus(*controllers().back()->addressField());
+        });
+    }
+    const auto isSelected = [&](std::size_t index) {
+        return TestSupport::isSelectedTab(*controllers()[index]->window());
+    };
+    ASSERT_TRUE(isSelected(2));
+    press(Action::selectPreviousTab, [&] { return isSelected(1); });
+    press(Action::selectNextTab, [&] { return isSelected(2); });
+    for (const Action action : {Action::hide, Action::performMiniaturize}) {
+        press(action, [&] { return !TestSupport::isActive(*tab->window()); });
+        TestSupport::activate(*controllers()[2]->window());
+    }
+    press(Action::performClose, [&] { return controllers().size() == 2; });
+
+    // The first would end the tests; the second is never enabled on Linux.
+    pressed.insert({Action::terminate, Action::hideOtherApplications});
+    for (const auto& item : itemsWithKeys())
+        EXPECT_TRUE(pressed.contains(item->action().value_or(Action::newTab))) << item->title();
+}
