@@ -108,10 +108,11 @@ double measureBareView(Provider& provider, const std::optional<std::string>& ori
     std::unique_ptr<TestSupport::BareWebView> view;
     return provider.measure([&] {
         view = std::make_unique<TestSupport::BareWebView>(520, 360);
-        if (origin)
+        if (origin) {
             view->loadHTMLString(RedirectCapture::bootstrapPage(authorizeRequest().url()), *origin);
-        else
+        } else {
             view->load(authorizeURL);
+        }
     });
 }
 

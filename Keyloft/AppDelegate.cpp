@@ -58,32 +58,37 @@ URL AppDelegate::bookmarksFile() {
 void AppDelegate::applicationWillFinishLaunching() { Application::shared().setMainMenu(buildMainMenu()); }
 
 void AppDelegate::applicationDidFinishLaunching() {
-    if (controllers_.empty())
+    if (controllers_.empty()) {
         openTab(std::nullopt, nullptr, nullptr);
+    }
     Application::shared().activateIgnoringOtherApps();
 }
 
 void AppDelegate::applicationOpenURLs(const std::vector<URL>& urls) {
     for (const URL& url : urls) {
-        if (url.scheme() != "http" && url.scheme() != "https")
+        if (url.scheme() != "http" && url.scheme() != "https") {
             continue;
-        if (const auto tab = emptyTabInFront())
+        }
+        if (const auto tab = emptyTabInFront()) {
             tab->load(url);
-        else
+        } else {
             openTab(url, frontBrowserWindow(), nullptr);
+        }
     }
     Application::shared().activateIgnoringOtherApps();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
-    if (!hasVisibleWindows)
+    if (!hasVisibleWindows) {
         openTab(std::nullopt, nullptr, nullptr);
+    }
     return true;
 }
 
 void AppDelegate::perform(Action action, const Platform::ActionSender& /*sender*/) {
-    if (action == Action::newTab)
+    if (action == Action::newTab) {
         openTab(std::nullopt, frontBrowserWindow(), nullptr);
+    }
 }
 
 std::shared_ptr<BrowserWindowController>
@@ -93,29 +98,33 @@ AppDelegate::openTab(const std::optional<URL>& url, const std::shared_ptr<Window
     const std::weak_ptr<AppDelegate> weakSelf = weak_from_this();
     const std::weak_ptr<BrowserWindowController> weakController = controller;
     controller->onClose = [weakSelf, weakController] {
-        if (const auto self = weakSelf.lock())
+        if (const auto self = weakSelf.lock()) {
             std::erase(self->controllers_, weakController.lock());
+        }
     };
     controller->onNewTab =
         [weakSelf, weakController](const std::optional<URL>& newURL,
                                    const std::shared_ptr<Platform::WebViewConfiguration>& newConfiguration)
         -> std::shared_ptr<BrowserWindowController> {
         const auto self = weakSelf.lock();
-        if (!self)
+        if (!self) {
             return nullptr;
+        }
         const auto opener = weakController.lock();
         return self->openTab(newURL, opener ? opener->window() : nullptr, newConfiguration);
     };
     controllers_.push_back(controller);
 
-    if (window)
+    if (window) {
         window->addTabbedWindow(controller->window());
+    }
     controller->showWindow();
     controller->window()->makeKeyAndOrderFront();
-    if (url)
+    if (url) {
         controller->load(*url);
-    else
+    } else {
         controller->addressField()->selectText();
+    }
     return controller;
 }
 
@@ -124,8 +133,9 @@ std::shared_ptr<Window> AppDelegate::frontBrowserWindow() const {
     const auto front = std::ranges::find_if(controllers_, [&](const auto& controller) {
         return mainWindow && controller->window() == mainWindow;
     });
-    if (front != controllers_.end())
+    if (front != controllers_.end()) {
         return (*front)->window();
+    }
     return controllers_.empty() ? nullptr : controllers_.back()->window();
 }
 

@@ -80,8 +80,9 @@ BrowserWindowController::create(std::shared_ptr<BookmarkStore> bookmarks,
              const std::shared_ptr<Platform::WebViewConfiguration>& configuration)
             : BrowserWindowController(std::move(bookmarks), configuration) {}
     };
-    if (!configuration)
+    if (!configuration) {
         configuration = Platform::WebViewConfiguration::create();
+    }
     auto controller = std::make_shared<Made>(std::move(bookmarks), configuration);
     controller->assemble();
     return controller;
@@ -104,8 +105,9 @@ void BrowserWindowController::assemble() {
     bookmarksObservation_ = Platform::NotificationCenter::defaultCenter().addObserver(
         BookmarkStore::didChange, bookmarks_.get(),
         [weak = std::weak_ptr(self)](const Platform::Notification& /*notification*/) {
-            if (const auto controller = weak.lock())
+            if (const auto controller = weak.lock()) {
                 controller->rebuildBookmarksBar();
+            }
         });
 }
 
@@ -131,8 +133,9 @@ void BrowserWindowController::buildContent() {
     column->setSpacing(0);
     const std::array<std::shared_ptr<Platform::View>, 5> rows = {toolbar, bookmarksBar_, separator,
                                                                  progressBar_, webView_};
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         column->addArrangedSubview(row);
+    }
     window()->contentView()->addSubview(column);
 
     std::vector<LayoutConstraint> constraints = {
@@ -143,8 +146,9 @@ void BrowserWindowController::buildContent() {
         LayoutConstraint::equalTo(progressBar_, LayoutAttribute::height, 2),
         LayoutConstraint::equalTo(searchField_, LayoutAttribute::width, 220),
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         constraints.push_back(LayoutConstraint::equalToSuperview(row, LayoutAttribute::width));
+    }
     LayoutConstraint::activate(constraints);
 }
 
@@ -175,8 +179,9 @@ std::shared_ptr<StackView> BrowserWindowController::buildToolbar() {
     toolbar->setHuggingPriority(Platform::LayoutPriorities::defaultLow, Orientation::horizontal);
     const std::array<std::shared_ptr<Platform::View>, 6> controls = {
         backButton_, forwardButton_, reloadButton_, addressField_, bookmarkButton_, searchField_};
-    for (const auto& control : controls)
+    for (const auto& control : controls) {
         toolbar->addArrangedSubview(control);
+    }
     return toolbar;
 }
 
@@ -194,16 +199,18 @@ void BrowserWindowController::observe(WebView::Property property,
                                       void (BrowserWindowController::*changed)()) {
     const std::weak_ptr weak = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
     observations_.push_back(webView_->observe(property, [weak, changed] {
-        if (const auto controller = weak.lock())
+        if (const auto controller = weak.lock()) {
             (controller.get()->*changed)();
+        }
     }));
 }
 
 void BrowserWindowController::titleChanged() { updateWindowTitle(); }
 
 void BrowserWindowController::urlChanged() {
-    if (!isEditingAddress_)
+    if (!isEditingAddress_) {
         showURLInAddressField();
+    }
     updateWindowTitle();
     updateBookmarkButton();
 }
@@ -226,8 +233,9 @@ void BrowserWindowController::loadingChanged() {
 }
 
 void BrowserWindowController::updateWindowTitle() {
-    if (!window())
+    if (!window()) {
         return;
+    }
     if (const auto title = pageTitle()) {
         window()->setTitle(*title);
         return;
@@ -247,15 +255,17 @@ void BrowserWindowController::showURLInAddressField() {
 
 std::optional<URL> BrowserWindowController::pageURL() const {
     auto url = webView_->url();
-    if (url && url->absoluteString() == "about:blank")
+    if (url && url->absoluteString() == "about:blank") {
         return std::nullopt;
+    }
     return url;
 }
 
 std::optional<std::string> BrowserWindowController::pageTitle() const {
     auto title = webView_->title();
-    if (title && title->empty())
+    if (title && title->empty()) {
         return std::nullopt;
+    }
     return title;
 }
 
@@ -279,20 +289,23 @@ void BrowserWindowController::controlTextDidEndEditing(Platform::TextField& /*fi
                                                        Platform::TextMovement movement) {
     isEditingAddress_ = false;
     // After Return the field's action navigates.
-    if (movement != Platform::TextMovement::returnKey)
+    if (movement != Platform::TextMovement::returnKey) {
         showURLInAddressField();
+    }
 }
 
 void BrowserWindowController::focusAddressBar() { addressField_->selectText(); }
 
 void BrowserWindowController::navigateFromAddressField() {
-    if (const auto url = AddressInput::resolve(addressField_->stringValue()))
+    if (const auto url = AddressInput::resolve(addressField_->stringValue())) {
         load(*url);
+    }
 }
 
 void BrowserWindowController::searchFromSearchField() {
-    if (const auto url = AddressInput::search(searchField_->stringValue()))
+    if (const auto url = AddressInput::search(searchField_->stringValue())) {
         load(*url);
+    }
 }
 
 void BrowserWindowController::goBack() { webView_->goBack(); }
@@ -303,48 +316,55 @@ void BrowserWindowController::stopLoading() { webView_->stopLoading(); }
 
 void BrowserWindowController::reload(const ActionSender& sender) {
     // The button is a stop button while the page loads; menu and key always reload.
-    if (webView_->isLoading() && sender.control == reloadButton_.get())
+    if (webView_->isLoading() && sender.control == reloadButton_.get()) {
         webView_->stopLoading();
-    else if (!webView_->url())
+    } else if (!webView_->url()) {
         navigateFromAddressField();
-    else
+    } else {
         webView_->reload();
+    }
 }
 
 void BrowserWindowController::toggleBookmark() {
     const auto url = pageURL();
-    if (!url)
+    if (!url) {
         return;
+    }
     if (isBookmarked()) {
         bookmarks_->remove(*url);
         return;
     }
     auto title = pageTitle();
-    if (!title)
+    if (!title) {
         title = url->host();
+    }
     bookmarks_->add({.title = title.value_or(url->absoluteString()), .url = *url});
 }
 
 void BrowserWindowController::openBookmark(const ActionSender& sender) {
     std::optional<URL> url;
-    if (sender.menuItem)
+    if (sender.menuItem) {
         url = sender.menuItem->representedURL();
-    else if (sender.control)
+    } else if (sender.control) {
         url = sender.control->representedURL();
-    if (url)
+    }
+    if (url) {
         load(*url);
+    }
 }
 
 void BrowserWindowController::newWindowForTab() {
-    if (onNewTab)
+    if (onNewTab) {
         onNewTab(std::nullopt, nullptr);
+    }
 }
 
 void BrowserWindowController::rebuildBookmarksBar() {
     const auto self = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
     const auto shown = bookmarksBar_->arrangedSubviews();
-    for (const auto& view : shown)
+    for (const auto& view : shown) {
         view->removeFromSuperview();
+    }
     for (const Bookmark& bookmark : bookmarks_->bookmarks()) {
         const auto button = Button::create(bookmark.titleInOneLine(), self, Action::openBookmark);
         button->setBezelStyle(Button::BezelStyle::recessed);
@@ -362,8 +382,9 @@ void BrowserWindowController::rebuildBookmarksBar() {
 bool BrowserWindowController::respondsTo(Action action) const { return handlers().contains(action); }
 
 void BrowserWindowController::perform(Action action, const ActionSender& sender) {
-    if (const auto handler = handlers().find(action); handler != handlers().end())
+    if (const auto handler = handlers().find(action); handler != handlers().end()) {
         handler->second(*this, sender);
+    }
 }
 
 const std::map<Action, BrowserWindowController::Handler>& BrowserWindowController::handlers() {
@@ -405,8 +426,9 @@ bool BrowserWindowController::validateMenuItem(Platform::MenuItem& item) {
 void BrowserWindowController::windowWillClose(Window& /*window*/) {
     observations_.clear();
     bookmarksObservation_.reset();
-    if (onClose)
+    if (onClose) {
         onClose();
+    }
 }
 
 void BrowserWindowController::didFailNavigation(WebView& /*webView*/, const Platform::Error& error) {
@@ -421,25 +443,29 @@ void BrowserWindowController::didFailProvisionalNavigation(WebView& /*webView*/,
 void BrowserWindowController::showLoadError(const Platform::Error& error) {
     // A new navigation replaced the old one, or the page turned into something that is not shown: nothing
     // went wrong.
-    if (error.domain == Platform::Error::urlDomain && error.code == Platform::Error::urlCancelled)
+    if (error.domain == Platform::Error::urlDomain && error.code == Platform::Error::urlCancelled) {
         return;
+    }
     if (error.domain == Platform::Error::webKitDomain &&
-        error.code == Platform::Error::webKitFrameLoadInterrupted)
+        error.code == Platform::Error::webKitFrameLoadInterrupted) {
         return;
+    }
     std::string address;
-    if (error.failingURL)
+    if (error.failingURL) {
         address = *error.failingURL;
-    else if (const auto url = webView_->url())
+    } else if (const auto url = webView_->url()) {
         address = url->absoluteString();
+    }
 
     const Alert alert{.style = Alert::Style::warning,
                       .messageText = "Keyloft can't open the page",
                       .informativeText = error.localizedDescription + "\n" + address,
                       .buttonTitles = {}};
-    if (window())
+    if (window()) {
         alert.beginSheetModal(window(), nullptr);
-    else
+    } else {
         alert.runModal();
+    }
 }
 
 std::shared_ptr<WebView>

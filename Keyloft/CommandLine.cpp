@@ -33,14 +33,18 @@ int print(const std::string& text) {
 
 std::optional<int> answerOption(std::span<char* const> arguments) {
     for (const std::string_view argument : arguments) {
-        if (argument == "--")
+        if (argument == "--") {
             break;
-        if (!argument.starts_with('-') || argument == "-" || Platform::isSystemArgument(argument))
+        }
+        if (!argument.starts_with('-') || argument == "-" || Platform::isSystemArgument(argument)) {
             continue;
-        if (argument == "--help")
+        }
+        if (argument == "--help") {
             return print(help);
-        if (argument == "--version")
+        }
+        if (argument == "--version") {
             return print(std::string(Platform::Application::displayName) + " " + KEYLOFT_VERSION + "\n");
+        }
         std::fprintf(stderr, "keyloft: unknown option \"%s\"; \"keyloft --help\" lists the options\n",
                      Platform::escapingControlCharacters(argument).c_str());
         return usageError;

@@ -15,8 +15,9 @@ std::shared_ptr<Keyloft::AppDelegate> delegate;
 
 int main(int argc, char** argv) {
     const std::span<char* const> arguments(argv, static_cast<std::size_t>(argc));
-    if (const auto status = Keyloft::answerOption(arguments.subspan(arguments.empty() ? 0 : 1)))
+    if (const auto status = Keyloft::answerOption(arguments.subspan(arguments.empty() ? 0 : 1))) {
         return *status;
+    }
     auto& application = Platform::Application::shared();
     delegate = Keyloft::AppDelegate::create();
     application.setDelegate(delegate);

@@ -72,8 +72,9 @@ Turn longestTurn(const std::function<void()>& action) {
 double medianOf(const std::vector<Turn>& turns, Milliseconds Turn::* time, double& greatest) {
     std::vector<double> times;
     times.reserve(turns.size());
-    for (const Turn& turn : turns)
+    for (const Turn& turn : turns) {
         times.push_back((turn.*time).count());
+    }
     std::ranges::sort(times);
     greatest = times.back();
     return times[times.size() / 2];
@@ -122,8 +123,9 @@ public:
     Browser& operator=(const Browser&) = delete;
     ~Browser() {
         const auto tabs = delegate_->controllers();
-        for (const auto& tab : tabs)
+        for (const auto& tab : tabs) {
             tab->window()->close();
+        }
         Application::shared().setMainMenu(nullptr);
         TestSupport::runPending();
     }
@@ -137,8 +139,9 @@ private:
 double measureToggle(const char* what, int bookmarkCount, int tabCount) {
     const Browser browser(bookmarkCount, tabCount);
     std::vector<Turn> turns(repetitions);
-    for (Turn& turn : turns)
+    for (Turn& turn : turns) {
         turn = longestTurn([&] { browser.tab()->toggleBookmark(); });
+    }
     return report(what, turns);
 }
 
@@ -164,7 +167,8 @@ TEST(BookmarkToggleBenchmark, typing) {
     const Browser browser(300, 20);
     browser.tab()->focusAddressBar();
     std::vector<Turn> turns(repetitions);
-    for (Turn& turn : turns)
+    for (Turn& turn : turns) {
         turn = longestTurn([] { g_spawn_command_line_async("xdotool type --delay 20 letters", nullptr); });
+    }
     report("letters typed, 300 bookmarks in 20 tabs", turns);
 }

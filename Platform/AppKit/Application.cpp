@@ -21,8 +21,9 @@ bool Application::exists() { return isMade; }
 bool Application::sendAction(Action action, const std::shared_ptr<Responder>& target,
                              const ActionSender& sender) {
     const auto receiver = target ? target : targetForAction(action);
-    if (!receiver || !receiver->respondsTo(action))
+    if (!receiver || !receiver->respondsTo(action)) {
         return false;
+    }
     receiver->perform(action, sender);
     return true;
 }

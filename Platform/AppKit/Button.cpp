@@ -19,25 +19,29 @@ std::shared_ptr<Button> Button::create(const std::string& title, const std::weak
 
 void Button::setImage(const Image& image) {
     assertMainThread("Button::setImage");
-    if (image_ == image)
+    if (image_ == image) {
         return;
+    }
     image_ = image;
-    if (Native* made = nativeIfMade())
+    if (Native* made = nativeIfMade()) {
         applyImage(*made);
+    }
 }
 
 void Button::setBezelStyle(BezelStyle style) {
     assertMainThread("Button::setBezelStyle");
     bezelStyle_ = style;
-    if (Native* made = nativeIfMade())
+    if (Native* made = nativeIfMade()) {
         applyStyle(*made);
+    }
 }
 
 void Button::setBordered(bool bordered) {
     assertMainThread("Button::setBordered");
     bordered_ = bordered;
-    if (Native* made = nativeIfMade())
+    if (Native* made = nativeIfMade()) {
         applyStyle(*made);
+    }
 }
 
 } // namespace Platform

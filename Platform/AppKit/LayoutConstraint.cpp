@@ -26,15 +26,17 @@ LayoutConstraint::LayoutConstraint(std::shared_ptr<View> view, LayoutAttribute a
     , constant_(constant) {}
 
 bool LayoutConstraint::isKnown() const {
-    if (toSuperview_)
+    if (toSuperview_) {
         return attribute_ != LayoutAttribute::height;
+    }
     return attribute_ == LayoutAttribute::width || attribute_ == LayoutAttribute::height;
 }
 
 void LayoutConstraint::activate(const std::vector<LayoutConstraint>& constraints) {
     assertMainThread("LayoutConstraint::activate");
-    if (!std::ranges::all_of(constraints, &LayoutConstraint::isKnown))
+    if (!std::ranges::all_of(constraints, &LayoutConstraint::isKnown)) {
         fatalError("a layout constraint has a form that this system does not know");
+    }
     apply(constraints);
 }
 

@@ -7,8 +7,9 @@ namespace Platform {
 std::vector<URL> urlsOf(std::span<char* const> arguments) {
     std::vector<URL> urls;
     for (const char* argument : arguments) {
-        if (auto url = URL::fromString(argument); url && url->scheme())
+        if (auto url = URL::fromString(argument); url && url->scheme()) {
             urls.push_back(std::move(*url));
+        }
     }
     return urls;
 }

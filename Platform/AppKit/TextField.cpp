@@ -15,17 +15,20 @@ std::string TextField::withoutLineBreaks(std::string text) {
 }
 
 void TextField::beginEditing() {
-    if (editing_)
+    if (editing_) {
         return;
+    }
     editing_ = true;
-    if (const auto delegate = delegate_.lock())
+    if (const auto delegate = delegate_.lock()) {
         delegate->controlTextDidBeginEditing(*this);
+    }
 }
 
 void TextField::endEditing(TextMovement movement) {
     editing_ = false;
-    if (const auto delegate = delegate_.lock())
+    if (const auto delegate = delegate_.lock()) {
         delegate->controlTextDidEndEditing(*this, movement);
+    }
 }
 
 } // namespace Platform

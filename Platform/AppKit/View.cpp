@@ -9,8 +9,9 @@ std::shared_ptr<View> View::create() {
 
 std::shared_ptr<Window> View::window() const {
     auto window = window_.lock();
-    for (auto view = superview(); view && !window; view = view->superview())
+    for (auto view = superview(); view && !window; view = view->superview()) {
         window = view->window_.lock();
+    }
     return window;
 }
 

@@ -34,8 +34,9 @@ protected:
 TEST_F(AccessibilityTest, everyControlHasItsName) {
     delegate->bookmarks()->add({"Kept", url("https://kept.test/")});
     const auto tab = launch();
-    for (const char* name : {"Back", "Forward", "Reload", "Bookmark this page"})
+    for (const char* name : {"Back", "Forward", "Reload", "Bookmark this page"}) {
         EXPECT_TRUE(isNamed(name, "button"));
+    }
     EXPECT_TRUE(isNamed("Address", "text box"));
     EXPECT_TRUE(isNamed("Search DuckDuckGo", "search box"));
     EXPECT_TRUE(isNamed("Bookmarks bar", "group"));
@@ -84,8 +85,9 @@ TEST_F(AccessibilityTest, aSheetIsAnAlertWithItsTextAndButtons) {
     const auto heading = accessibleObjects("127.0.0.1");
     EXPECT_EQ(std::ranges::count(heading, "alert dialog", &AccessibleObject::role), 1);
     EXPECT_TRUE(isNamed("Sure?", "label"));
-    for (const char* name : {"OK", "Cancel"})
+    for (const char* name : {"OK", "Cancel"}) {
         EXPECT_EQ(std::ranges::count(accessibleObjects(name), "button", &AccessibleObject::role), 1) << name;
+    }
     TestSupport::pressSheetButton(*tab->window(), "Cancel");
 }
 

@@ -27,8 +27,9 @@ AppDelegateTest::AppDelegateTest() {
 
 AppDelegateTest::~AppDelegateTest() {
     if (delegate) {
-        for (const auto& tab : controllers())
+        for (const auto& tab : controllers()) {
             tab->window()->close();
+        }
     }
     Application::shared().setMainMenu(nullptr);
     TestSupport::runPending();
@@ -148,8 +149,9 @@ TEST_F(AppDelegateTest, severalURLsWithoutAWindowShareOneInTheirOrder) {
     openURLs({server.url("/one"), server.url("/two"), server.url("/three")});
     ASSERT_EQ(controllers().size(), 3U);
     const char* const paths[] = {"/one", "/two", "/three"};
-    for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t i = 0; i < 3; ++i) {
         ASSERT_TRUE(waitForTitle(controllers()[i], server.url(paths[i])));
+    }
     EXPECT_EQ(tabTitles(*controllers()[0]->window()),
               (std::vector<std::string>{server.url("/one"), server.url("/two"), server.url("/three")}));
 }
@@ -197,8 +199,9 @@ TEST_F(AppDelegateTest, otherSchemesOpenNothing) {
          {std::string("mailto:someone@example.org"), std::string("file:///etc/hostname"),
           "HTTP://" + authority + "/upper", "Https://" + authority + "/upper", "httpx://" + authority + "/",
           std::string("about:blank"), std::string("//" + authority + "/no-scheme"),
-          std::string("data:text/html,x"), std::string("javascript:1")})
+          std::string("data:text/html,x"), std::string("javascript:1")}) {
         delegate->applicationOpenURLs({url(text)});
+    }
     EXPECT_EQ(controllers(), std::vector<Tab>{blank});
     EXPECT_TRUE(blank->isEmptyTab());
     TestSupport::runPending();
@@ -324,10 +327,11 @@ TEST_F(AppDelegateTest, newTabWithoutAWindowOpensOne) {
 }
 
 TEST_F(AppDelegateTest, newTabIsItsOnlyAction) {
-    for (int action = 0; action <= static_cast<int>(Action::selectAll); ++action)
+    for (int action = 0; action <= static_cast<int>(Action::selectAll); ++action) {
         EXPECT_EQ(delegate->respondsTo(static_cast<Action>(action)),
                   action == static_cast<int>(Action::newTab))
             << action;
+    }
 }
 
 TEST_F(AppDelegateTest, theTabStripsButtonOpensABlankTabBesideTheSelectedOne) {
@@ -415,8 +419,9 @@ TEST_F(AppDelegateTest, closingAWindowClosesEachOfItsManyTabsOnceInOrder) {
     const auto elsewhere = openPage("/elsewhere");
     std::vector<Tab> tabs = {first};
     std::vector<Tab> closed;
-    for (int i = 1; i < 12; ++i)
+    for (int i = 1; i < 12; ++i) {
         tabs.push_back(delegate->openTab(std::nullopt, tabs.back()->window(), nullptr));
+    }
     for (const auto& tab : tabs) {
         tab->onClose = [&closed, tab = tab.get(), onClose = tab->onClose] {
             closed.push_back(std::static_pointer_cast<Controller>(tab->shared_from_this()));

@@ -18,8 +18,9 @@ const Image presentImage{"bookmark.fill", "Remove bookmark"};
 std::vector<std::string> titlesOf(const std::vector<std::shared_ptr<Button>>& buttons) {
     std::vector<std::string> titles;
     titles.reserve(buttons.size());
-    for (const auto& button : buttons)
+    for (const auto& button : buttons) {
         titles.push_back(button->title());
+    }
     return titles;
 }
 
@@ -90,8 +91,9 @@ TEST_F(BookmarksTest, aChangeInOneTabShowsInEveryTab) {
     ASSERT_TRUE(loadPage(first, "/page"));
     ASSERT_TRUE(loadPage(elsewhere, "/page"));
     first->toggleBookmark();
-    for (const auto& tab : tabs)
+    for (const auto& tab : tabs) {
         EXPECT_EQ(titlesOf(bookmarkButtons(*tab)), Titles{"/page"});
+    }
     EXPECT_EQ(first->bookmarkButton()->image(), presentImage);
     EXPECT_EQ(second->bookmarkButton()->image(), absentImage);
     EXPECT_EQ(elsewhere->bookmarkButton()->image(), presentImage);
@@ -133,14 +135,16 @@ TEST_F(BookmarksTest, theBarIsShownAnewAfterEachChange) {
 
 TEST_F(BookmarksTest, everyBookmarkHasAButtonAndTheSpacerIsLast) {
     std::vector<Bookmark> bookmarks;
-    for (int i = 0; i < 500; ++i)
+    for (int i = 0; i < 500; ++i) {
         bookmarks.push_back({"Page " + std::to_string(i), url("https://page.test/" + std::to_string(i))});
+    }
     setBookmarks(bookmarks);
     const Tab tab = Controller::create(store, nullptr);
     const auto buttons = bookmarkButtons(*tab);
     ASSERT_EQ(buttons.size(), 500U);
-    for (std::size_t i = 0; i < buttons.size(); ++i)
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
         EXPECT_EQ(buttons[i]->title(), bookmarks[i].title);
+    }
     const auto& views = tab->bookmarksBar()->arrangedSubviews();
     EXPECT_EQ(views.size(), 501U);
     EXPECT_EQ(std::dynamic_pointer_cast<Control>(views.back()), nullptr);

@@ -18,8 +18,9 @@ BrowserTest::BrowserTest() {
 
 BrowserTest::~BrowserTest() {
     const auto left = tabs;
-    for (const auto& tab : left)
+    for (const auto& tab : left) {
         tab->window()->close();
+    }
     TestSupport::runPending();
 }
 
@@ -37,8 +38,9 @@ BrowserTest::Tab BrowserTest::openTab(const Tab& beside, const Configuration& co
         return openTab(weak.lock(), given);
     };
     tabs.push_back(tab);
-    if (beside)
+    if (beside) {
         beside->window()->addTabbedWindow(tab->window());
+    }
     tab->showWindow();
     tab->window()->makeKeyAndOrderFront();
     TestSupport::waitForLayout(*tab->window());
@@ -93,8 +95,9 @@ bool BrowserTest::isEnabled(Controller& tab, Action action) {
 std::vector<std::shared_ptr<Button>> BrowserTest::bookmarkButtons(const Controller& tab) {
     std::vector<std::shared_ptr<Button>> buttons;
     for (const auto& view : tab.bookmarksBar()->arrangedSubviews()) {
-        if (auto button = std::dynamic_pointer_cast<Button>(view))
+        if (auto button = std::dynamic_pointer_cast<Button>(view)) {
             buttons.push_back(std::move(button));
+        }
     }
     return buttons;
 }

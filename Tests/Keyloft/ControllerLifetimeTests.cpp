@@ -93,8 +93,9 @@ TEST_F(ControllerLifetimeTest, aTabMayEndInsideItsPagesOwnNews) {
     const Remains remains(tab);
     const std::weak_ptr<Controller> weak = tab;
     auto observation = tab->webView()->observe(WebView::Property::title, [weak] {
-        if (const auto tab = weak.lock())
+        if (const auto tab = weak.lock()) {
             tab->window()->close();
+        }
     });
     tab->load(serverURL("/"));
     tab.reset();

@@ -40,10 +40,11 @@ protected:
         TestSupport::activate(*tab->window());
         tab->load(serverURL("/"));
         ASSERT_TRUE(waitForTitle(tab, "ready"));
-        if (GetParam() == Place::page)
+        if (GetParam() == Place::page) {
             ASSERT_TRUE(runUntil([&] { return hasFocus(*tab->webView()); }));
-        else
+        } else {
             field()->selectText();
+        }
         typeText(text);
         expectText(text);
     }
@@ -63,10 +64,11 @@ protected:
     }
 
     void expectSelected(const std::string& expected) const {
-        if (GetParam() == Place::page)
+        if (GetParam() == Place::page) {
             expectText("selected " + expected);
-        else
+        } else {
             EXPECT_TRUE(runUntil([&] { return TestSupport::selectedText(*field()) == expected; }));
+        }
     }
 
     Tab tab;

@@ -22,8 +22,9 @@ protected:
     /// Types into the address field in place of what stands there.
     [[nodiscard]] static bool typeAddress(const Tab& tab, const std::string& text) {
         tab->focusAddressBar();
-        if (!runUntil([&] { return hasFocus(*tab->addressField()); }))
+        if (!runUntil([&] { return hasFocus(*tab->addressField()); })) {
             return false;
+        }
         typeText(text);
         return runUntil([&] { return tab->addressField()->stringValue() == text; });
     }
@@ -151,8 +152,9 @@ TEST_F(AddressEditingTest, returnInTheSearchFieldSearches) {
     EXPECT_FALSE(tab->isEditingAddress());
     std::vector<URL> visited;
     const auto observation = tab->webView()->observe(WebView::Property::url, [&] {
-        if (const auto now = tab->webView()->url())
+        if (const auto now = tab->webView()->url()) {
             visited.push_back(*now);
+        }
     });
     pressKey("Return");
     ASSERT_TRUE(runUntil([&] { return !visited.empty(); }));

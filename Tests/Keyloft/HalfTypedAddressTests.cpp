@@ -53,8 +53,9 @@ protected:
         const auto titles = TestSupport::menuTitles(*tab->window());
         pressKey("F10");
         for (std::size_t i = 0; i <= index; ++i) {
-            if (i > 0)
+            if (i > 0) {
                 pressKey("Right");
+            }
             ASSERT_TRUE(runUntil([&] { return TestSupport::isMenuOpen(*tab->window(), titles[i]); }))
                 << titles[i];
         }
@@ -155,8 +156,9 @@ TEST_F(HalfTypedAddressTest, aFieldThatTabLeadsToFromThePageIsSelected) {
     tab->searchField()->setStringValue("words");
     tab->window()->makeFirstResponder(tab->webView());
     ASSERT_TRUE(runUntil([&] { return hasFocus(*tab->webView()); }));
-    for (const auto& button : bookmarkButtons(*tab))
+    for (const auto& button : bookmarkButtons(*tab)) {
         button->setEnabled(false);
+    }
     pressKey("shift+Tab");
     ASSERT_TRUE(runUntil([&] { return hasFocus(*tab->searchField()); }));
     EXPECT_TRUE(runUntil([&] { return TestSupport::selectedText(*tab->searchField()) == "words"; }));

@@ -49,10 +49,11 @@ protected:
 
     [[nodiscard]] static bool moveFocus(const Tab& tab) {
         const std::shared_ptr<View> view = viewOf(tab);
-        if (GetParam() == Focus::page)
+        if (GetParam() == Focus::page) {
             tab->window()->makeFirstResponder(view);
-        else
+        } else {
             std::static_pointer_cast<TextField>(view)->selectText();
+        }
         return runUntil([&] { return hasFocus(*view); });
     }
 
@@ -70,8 +71,9 @@ protected:
 
     /// What was typed and reached whoever has the focus.
     static std::string typed(const Tab& tab) {
-        if (GetParam() == Focus::page)
+        if (GetParam() == Focus::page) {
             return tab->webView()->title().value_or("");
+        }
         return shownText(*std::static_pointer_cast<TextField>(viewOf(tab)));
     }
 };
@@ -108,8 +110,9 @@ TEST_P(KeyEquivalentTest, everyKeyDoesWhatItsItemSays) {
          }},
         {"ctrl+t",
          [&] {
-             if (controllers().size() != 2)
+             if (controllers().size() != 2) {
                  return false;
+             }
              added = controllers()[1];
              return TestSupport::isSelectedTab(*added->window()) && hasFocus(*added->addressField());
          },
@@ -129,8 +132,9 @@ TEST_P(KeyEquivalentTest, everyKeyDoesWhatItsItemSays) {
         ASSERT_TRUE(moveFocus(tab));
         pressKey(key);
         ASSERT_TRUE(runUntil([&isDone] { return isDone(); }));
-        if (undo)
+        if (undo) {
             undo();
+        }
     }
 }
 
@@ -151,8 +155,9 @@ TEST_P(KeyEquivalentTest, aDisabledKeyDoesNothing) {
     ASSERT_TRUE(waitForTitle(tab, "ready"));
     ASSERT_TRUE(moveFocus(tab));
     for (const char* key : {"ctrl+bracketleft", "ctrl+bracketright", "ctrl+period", "ctrl+alt+h",
-                            "ctrl+shift+bracketleft", "ctrl+shift+bracketright"})
+                            "ctrl+shift+bracketleft", "ctrl+shift+bracketright"}) {
         pressKey(key);
+    }
     typeText("x");
     EXPECT_TRUE(runUntil([&] { return typed(tab) == "x"; })) << typed(tab);
     EXPECT_TRUE(TestSupport::isActive(*tab->window()));
@@ -294,8 +299,9 @@ TEST_F(PageKeyTest, keysOfOtherTabViewsGoToThePage) {
     second->load(serverURL("/"));
     ASSERT_TRUE(waitForTitle(second, "ready"));
     ASSERT_TRUE(runUntil([&] { return hasFocus(*second->webView()); }));
-    for (const char* key : {"ctrl+Home", "ctrl+End", "ctrl+Prior", "ctrl+Next", "ctrl+shift+Prior"})
+    for (const char* key : {"ctrl+Home", "ctrl+End", "ctrl+Prior", "ctrl+Next", "ctrl+shift+Prior"}) {
         pressKey(key);
+    }
     EXPECT_TRUE(runUntil([&] {
         return second->webView()->title() == "ready Home End PageUp PageDown Shift PageUp";
     })) << second->webView()->title().value_or("");

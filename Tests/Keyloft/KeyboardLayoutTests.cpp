@@ -27,8 +27,9 @@ protected:
         std::vector<std::shared_ptr<MenuItem>> items;
         for (const auto& top : menu->items()) {
             for (const auto& item : top->submenu()->items()) {
-                if (!item->keyEquivalent().empty())
+                if (!item->keyEquivalent().empty()) {
                     items.push_back(item);
+                }
             }
         }
         return items;
@@ -103,6 +104,7 @@ TEST_P(KeyboardLayoutTest, everyKeyEquivalentCanBeTyped) {
 
     // The first would end the tests; the second is never enabled on Linux.
     pressed.insert({Action::terminate, Action::hideOtherApplications});
-    for (const auto& item : itemsWithKeys())
+    for (const auto& item : itemsWithKeys()) {
         EXPECT_TRUE(pressed.contains(item->action().value_or(Action::newTab))) << item->title();
+    }
 }

@@ -73,8 +73,9 @@ void LayoutTest::expectToolbar(const Tab& tab, const Rect& row) {
                                                          tab->bookmarkButton(), tab->searchField()};
     ASSERT_EQ(controls, expected);
     std::vector<Rect> bounds;
-    for (const auto& control : controls)
+    for (const auto& control : controls) {
         bounds.push_back(boundsInContent(*control));
+    }
 
     EXPECT_EQ(row.height, 8 + greatestHeight(bounds) + 6);
     const double centre = row.y + 8 + ((row.height - 8 - 6) / 2);
@@ -88,8 +89,9 @@ void LayoutTest::expectToolbar(const Tab& tab, const Rect& row) {
     }
     EXPECT_EQ(right(bounds[5]), row.width - 10);
     EXPECT_EQ(bounds[5].width, 220);
-    for (const std::size_t button : {1, 2, 4})
+    for (const std::size_t button : {1, 2, 4}) {
         EXPECT_EQ(bounds[button].width, bounds[0].width);
+    }
     // What the others leave; a field as wide as its text would be, or none at all, is neither.
     EXPECT_GT(bounds[3].width, row.width - 220 - (4 * 40) - (2 * 10) - (5 * 6) - 1);
 }
@@ -98,8 +100,9 @@ void LayoutTest::expectBookmarksBar(const Tab& tab, const Rect& row) {
     const auto buttons = bookmarkButtons(*tab);
     ASSERT_FALSE(buttons.empty());
     std::vector<Rect> bounds;
-    for (const auto& button : buttons)
+    for (const auto& button : buttons) {
         bounds.push_back(boundsInContent(*button));
+    }
     EXPECT_EQ(row.height, greatestHeight(bounds) + 4);
     double position = 8;
     for (const Rect& rect : bounds) {
@@ -193,8 +196,9 @@ TEST_F(LayoutTest, aLongAddressDoesNotWidenTheWindow) {
 
 TEST_F(LayoutTest, manyBookmarksDoNotWidenTheWindow) {
     std::vector<Bookmark> bookmarks;
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 300; ++i) {
         bookmarks.push_back({"Page " + std::to_string(i), url("https://page.test/" + std::to_string(i))});
+    }
     setBookmarks(bookmarks);
     const auto tab = openTab();
     EXPECT_EQ(contentSizeOf(tab), usualSize);

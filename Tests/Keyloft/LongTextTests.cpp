@@ -12,8 +12,9 @@ namespace {
 
 std::string repeated(const std::string& text, int times) {
     std::string result;
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; i < times; ++i) {
         result += text;
+    }
     return result;
 }
 
@@ -28,8 +29,9 @@ class LongTextTest : public AppDelegateTest {
 protected:
     void addBookmarks() {
         int number = 0;
-        for (const auto& title : titles)
+        for (const auto& title : titles) {
             delegate->bookmarks()->add({title, url("https://page.test/" + std::to_string(++number))});
+        }
     }
 
     const std::vector<std::string> titles = {underscored, longTitle, rightToLeft, emoji, markup};
@@ -48,8 +50,9 @@ TEST_F(LongTextTest, aMenuIsAtMostHalfAsWideAsTheScreen) {
     EXPECT_TRUE(std::equal(titles.begin(), titles.end(), menu.titles.begin() + 1));
     EXPECT_EQ(menu.isCut, (std::vector<bool>{false, false, true, true, true, false}));
     // The model has them whole.
-    for (std::size_t i = 0; i < titles.size(); ++i)
+    for (std::size_t i = 0; i < titles.size(); ++i) {
         EXPECT_EQ(delegate->bookmarksMenu()->items().at(i + 2)->title(), titles[i]);
+    }
 }
 
 TEST_F(LongTextTest, noMenuIsWiderWhateverTheTabsAreCalled) {
@@ -57,8 +60,9 @@ TEST_F(LongTextTest, noMenuIsWiderWhateverTheTabsAreCalled) {
     const auto tab = openPage("/page", first);
     first->window()->setTitle(rightToLeft);
     tab->window()->setTitle(longTitle);
-    for (const char* title : {"Keyloft", "File", "Edit", "View", "History", "Bookmarks", "Window"})
+    for (const char* title : {"Keyloft", "File", "Edit", "View", "History", "Bookmarks", "Window"}) {
         EXPECT_LE(openedMenu(*tab->window(), title).width, TestSupport::screenSize().width / 2) << title;
+    }
 }
 
 TEST_F(LongTextTest, aMenuOfShortTextsIsAsWideAsTheyNeed) {
@@ -78,8 +82,9 @@ TEST_F(LongTextTest, bookmarksWidenNothing) {
     EXPECT_EQ(leastContentSize(*tab->window()), (Size{.width = 480, .height = 320}));
     EXPECT_EQ(TestSupport::boundsInContent(*tab->bookmarksBar()).width, 1100);
     const auto buttons = bookmarkButtons(*tab);
-    for (std::size_t i = 0; i < titles.size(); ++i)
+    for (std::size_t i = 0; i < titles.size(); ++i) {
         EXPECT_EQ(buttons.at(i)->title(), titles[i]);
+    }
 }
 
 TEST_F(LongTextTest, aPagesTitleWidensNeitherTabNorWindow) {

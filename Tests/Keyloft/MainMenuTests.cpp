@@ -31,8 +31,9 @@ protected:
     static void expectItem(const MenuItem& item, const Item& expected) {
         EXPECT_EQ(item.isSeparator(), expected.isSeparator);
         EXPECT_EQ(item.submenu(), nullptr);
-        if (expected.isSeparator)
+        if (expected.isSeparator) {
             return;
+        }
         EXPECT_EQ(item.title(), expected.title);
         EXPECT_EQ(item.keyEquivalent(), expected.key);
         EXPECT_EQ(item.action(), expected.action);
@@ -138,8 +139,9 @@ TEST_F(MainMenuTest, theBookmarksMenuIsMadeAnewForEachOpening) {
 
 TEST_F(MainMenuTest, theBookmarksMenuHasNoLimit) {
     std::vector<Bookmark> bookmarks;
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 1000; ++i) {
         bookmarks.push_back({"Page " + std::to_string(i), url("https://page.test/" + std::to_string(i))});
+    }
     KeyloftTests::writeContents(Keyloft::AppDelegate::bookmarksFile().filePath(),
                                 Bookmark::encode(bookmarks));
     const auto other = Keyloft::AppDelegate::create();
@@ -176,10 +178,12 @@ TEST_F(MainMenuTest, everyActionReachesSomebodyWhileATabIsOpen) {
 }
 
 TEST_F(MainMenuTest, withoutATabNewTabAndTheApplicationsOwnActionsRemain) {
-    for (const Action action : {Action::newTab, Action::terminate, Action::orderFrontStandardAboutPanel})
+    for (const Action action : {Action::newTab, Action::terminate, Action::orderFrontStandardAboutPanel}) {
         EXPECT_NE(Application::shared().targetForAction(action), nullptr);
-    for (const Action action : {Action::reload, Action::performClose, Action::copy, Action::toggleBookmark})
+    }
+    for (const Action action : {Action::reload, Action::performClose, Action::copy, Action::toggleBookmark}) {
         EXPECT_EQ(Application::shared().targetForAction(action), nullptr);
+    }
 }
 
 TEST_F(MainMenuTest, itsKeysDoWhatItsItemsSayWhereverTheFocusIs) {

@@ -32,8 +32,9 @@ protected:
 
 TEST_F(ManyTabsTest, threeHundredAddressesAreTabsOfWhichEachLoadsAtTheLatestWhenItIsSeen) {
     std::vector<std::string> urls;
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 300; ++i) {
         urls.push_back(serverURL("/" + std::to_string(i)).absoluteString());
+    }
     openURLs(urls);
     delegate->applicationDidFinishLaunching();
     const auto open = controllers();
@@ -57,8 +58,9 @@ TEST_F(ManyTabsTest, threeHundredAddressesAreTabsOfWhichEachLoadsAtTheLatestWhen
 
 TEST_F(ManyTabsTest, aTabThatIsClosedMakesRoomForThePageOfAnother) {
     std::vector<std::string> urls;
-    for (int i = 0; i < limit + 2; ++i)
+    for (int i = 0; i < limit + 2; ++i) {
         urls.push_back(serverURL("/" + std::to_string(i)).absoluteString());
+    }
     openURLs(urls);
     delegate->applicationDidFinishLaunching();
     EXPECT_TRUE(runUntil([&] { return loadedPages(urls) == limit; }));

@@ -60,8 +60,9 @@ TEST_F(MenuValidationTest, everythingElseIsAlwaysEnabled) {
     const auto tab = openTab();
     for (const Action action :
          {Action::focusAddressBar, Action::navigateFromAddressField, Action::searchFromSearchField,
-          Action::reload, Action::openBookmark, Action::newWindowForTab, Action::newTab})
+          Action::reload, Action::openBookmark, Action::newWindowForTab, Action::newTab}) {
         EXPECT_TRUE(isEnabled(*tab, action)) << static_cast<int>(action);
+    }
     const auto item = MenuItem::create("Kept", Action::openBookmark);
     EXPECT_TRUE(tab->validateMenuItem(*item));
     EXPECT_EQ(item->title(), "Kept");
@@ -72,9 +73,11 @@ TEST_F(MenuValidationTest, theControllerRespondsToItsOwnActionsOnly) {
     for (const Action action :
          {Action::focusAddressBar, Action::navigateFromAddressField, Action::searchFromSearchField,
           Action::goBack, Action::goForward, Action::stopLoading, Action::reload, Action::toggleBookmark,
-          Action::openBookmark, Action::newWindowForTab})
+          Action::openBookmark, Action::newWindowForTab}) {
         EXPECT_TRUE(tab->respondsTo(action)) << static_cast<int>(action);
+    }
     for (const Action action :
-         {Action::newTab, Action::terminate, Action::performClose, Action::selectNextTab, Action::copy})
+         {Action::newTab, Action::terminate, Action::performClose, Action::selectNextTab, Action::copy}) {
         EXPECT_FALSE(tab->respondsTo(action)) << static_cast<int>(action);
+    }
 }

@@ -90,8 +90,9 @@ TEST_F(MisbehavingPageTest, aPageThatClosesItselfStaysOpen) {
     TestSupport::runScript(*opened->webView(), "w.close(); setTimeout(() => document.title = 'closed it')");
     EXPECT_TRUE(waitForTitle(opened, "closed it"));
     EXPECT_EQ(controllers(), (std::vector<Tab>{opened, popUp}));
-    for (const auto& tab : {opened, popUp})
+    for (const auto& tab : {opened, popUp}) {
         EXPECT_TRUE(loadPage(tab, "/after"));
+    }
 }
 
 TEST_F(MisbehavingPageTest, redirectsWhileTheUserTypesLeaveTheTextAlone) {
@@ -105,8 +106,9 @@ TEST_F(MisbehavingPageTest, redirectsWhileTheUserTypesLeaveTheTextAlone) {
     };
     for (std::size_t i = 0; i < std::size(next); ++i) {
         auto response = HTTPResponse::html("<title>hop</title>" + next[i]);
-        if (i == 0)
+        if (i == 0) {
             response.ending = HTTPResponse::Ending::held;
+        }
         server.route("/hop" + std::to_string(i), response);
     }
     const auto tab = openPage("/page");

@@ -90,8 +90,9 @@ TEST_F(PageEditingKeysTest, anUndoOfThePagesOwnIsTheOnlyOne) {
 TEST_F(PageEditingKeysTest, aPageThatEditsNothingStandsThem) {
     tab = openPage("/page");
     TestSupport::activate(*tab->window());
-    for (const char* key : {"ctrl+z", "ctrl+shift+z", "ctrl+x", "ctrl+v", "ctrl+a", "ctrl+c"})
+    for (const char* key : {"ctrl+z", "ctrl+shift+z", "ctrl+x", "ctrl+v", "ctrl+a", "ctrl+c"}) {
         pressKey(key);
+    }
     pressKey("ctrl+l");
     ASSERT_TRUE(runUntil([&] { return TestSupport::hasFocus(*tab->addressField()); }));
     EXPECT_EQ(tab->addressField()->stringValue(), server.url("/page"));

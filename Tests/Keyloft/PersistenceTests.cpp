@@ -34,8 +34,9 @@ protected:
         auto response =
             HTTPResponse::html("<title>" + path + "</title><script>" + script + ";new Image().src = '" +
                                path + "-report?' + encodeURIComponent(" + report + ")</script>");
-        if (!cookie.empty())
+        if (!cookie.empty()) {
             response.headers.emplace_back("Set-Cookie", cookie);
+        }
         server.route(path, response);
     }
 

@@ -49,8 +49,9 @@ protected:
     /// What the pages have reported, the server's own address left out; sorted, as they load side by side.
     Lines seen() const {
         Lines urls;
-        for (const auto& request : server.requests("/seen"))
+        for (const auto& request : server.requests("/seen")) {
             urls.push_back(request.query);
+        }
         std::ranges::sort(urls);
         return urls;
     }
@@ -69,8 +70,9 @@ protected:
     static Lines windows() { return askXdotool("search --onlyvisible --class keyloft getwindowname %@"); }
     [[nodiscard]] static bool waitForWindows(const Lines& titles) {
         const bool came = eventually([&] { return windows() == titles; });
-        if (!came)
+        if (!came) {
             ADD_FAILURE() << "windows: " << testing::PrintToString(windows());
+        }
         return came;
     }
     [[nodiscard]] static bool waitForFocus(const std::string& title) {
@@ -187,8 +189,9 @@ TEST_F(ProgramTest, theAboutPanelObeysTheMenusKeys) {
     const auto program = start({page("/one")});
     ASSERT_TRUE(waitForFocus("/one"));
     const auto openPanel = [] {
-        for (const char* key : {"F10", "Return"})
+        for (const char* key : {"F10", "Return"}) {
             press(key);
+        }
         return waitForFocus("About Keyloft");
     };
     ASSERT_TRUE(openPanel());
@@ -208,8 +211,9 @@ TEST_F(ProgramTest, itsKeyQuitsFromEveryField) {
          {Field{"Address", {"ctrl+l"}}, Field{"Search DuckDuckGo", {"ctrl+l", "Tab", "Tab"}}}) {
         const auto program = start();
         ASSERT_TRUE(waitForFocus("New Tab"));
-        for (const auto& key : field.keys)
+        for (const auto& key : field.keys) {
             press(key);
+        }
         ASSERT_TRUE(waitForField(*program, field.name));
         quit(*program);
     }

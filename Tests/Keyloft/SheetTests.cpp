@@ -42,8 +42,9 @@ protected:
     /// Goes to the address field by its key and types into it.
     [[nodiscard]] static bool typeAddress(const Tab& tab, const std::string& text) {
         pressKey("ctrl+l");
-        if (!runUntil([&] { return hasFocus(*tab->addressField()); }))
+        if (!runUntil([&] { return hasFocus(*tab->addressField()); })) {
             return false;
+        }
         typeText(text);
         return runUntil([&] { return tab->addressField()->stringValue() == text; });
     }
@@ -183,10 +184,11 @@ TEST_F(SheetTest, aPageThatAlertsForeverCanBeClosed) {
         }
         ASSERT_TRUE(waitForText(forever, "Number 4"));
         const std::weak_ptr<WebView> view = forever->webView();
-        if (byKey)
+        if (byKey) {
             pressKey("ctrl+w");
-        else
+        } else {
             TestSupport::closeTab(*forever->window());
+        }
         forever.reset();
         ASSERT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{beside}; }));
         EXPECT_TRUE(runUntil([&] { return view.expired(); }));
@@ -199,8 +201,9 @@ TEST_F(SheetTest, aPageThatAlertsForeverCanBeClosed) {
 
 TEST_F(SheetTest, aLongTextKeepsTheButtonsInReachAtTheLeastSizeToo) {
     std::string sentences;
-    while (sentences.size() < 10000)
+    while (sentences.size() < 10000) {
         sentences += "All of this is to be read. ";
+    }
     struct Case {
         const char* name;
         std::string heading;

@@ -37,8 +37,9 @@ protected:
         std::string left() const {
             std::string text;
             const auto add = [&](bool isGone, const char* name) {
-                if (!isGone)
+                if (!isGone) {
                     text.append(text.empty() ? "" : ", ").append(name);
+                }
             };
             add(controller.expired(), "controller");
             add(window.expired(), "window");
@@ -74,8 +75,9 @@ protected:
         for (const auto& tab : controllers()) {
             const bool isKnown = std::ranges::any_of(
                 remains, [&](const Remains& known) { return known.controller.lock() == tab; });
-            if (!isKnown)
+            if (!isKnown) {
                 remains.emplace_back(tab);
+            }
         }
     }
 
@@ -93,8 +95,9 @@ protected:
 
     void closeAny() {
         const auto open = controllers();
-        if (!open.empty())
+        if (!open.empty()) {
             closeTab(*open[below(open.size())]);
+        }
     }
 
     void closeTab(Controller& tab) {
@@ -114,13 +117,15 @@ protected:
     /// Opens and closes until so many tabs were there, and closes what is left.
     void openAndClose(std::size_t count) {
         while (remains.size() < count) {
-            if (controllers().size() < 12 && below(5) < 3)
+            if (controllers().size() < 12 && below(5) < 3) {
                 openAny();
-            else
+            } else {
                 closeAny();
+            }
             // Some follow each other at once, and some when the others have come a little further.
-            if (below(3) == 0)
+            if (below(3) == 0) {
                 TestSupport::runTurns(below(100));
+            }
             watchNewTabs();
         }
         while (!controllers().empty()) {
@@ -133,8 +138,9 @@ protected:
     void expectNothingIsLeft() {
         const auto isGone = [](const Remains& remains) { return remains.left().empty(); };
         EXPECT_TRUE(runUntil([&] { return std::ranges::all_of(remains, isGone); }, KeyloftTests::patience));
-        for (std::size_t i = 0; i < remains.size(); ++i)
+        for (std::size_t i = 0; i < remains.size(); ++i) {
             EXPECT_EQ(remains[i].left(), "") << "tab " << i << " of " << remains.size();
+        }
     }
 
     /// The engine has one or two processes in store; each tab's own would be far more. One that was just

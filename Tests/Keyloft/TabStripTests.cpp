@@ -13,8 +13,9 @@ protected:
     /// Opens pages as tabs of one window that is in front, the last one selected.
     std::vector<Tab> openTabs(const std::vector<std::string>& paths) {
         std::vector<Tab> tabs;
-        for (const auto& path : paths)
+        for (const auto& path : paths) {
             tabs.push_back(openPage(path, tabs.empty() ? nullptr : tabs.back()));
+        }
         TestSupport::activate(*tabs.back()->window());
         waitForTabs(tabs.back());
         return tabs;

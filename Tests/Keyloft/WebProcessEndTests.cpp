@@ -163,7 +163,8 @@ TEST_F(WebProcessEndTest, aPagesPanelGoesWithIt) {
     ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
     // It stays to be read, and answers nobody.
-    if (TestSupport::shownSheet(*tab->window()))
+    if (TestSupport::shownSheet(*tab->window())) {
         TestSupport::pressSheetButton(*tab->window(), "OK");
+    }
     EXPECT_TRUE(loadPage(tab, "/next"));
 }

@@ -32,16 +32,18 @@ int bindToLoopback(int descriptor) {
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address;
     if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), size) != 0 ||
-        ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+        ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
         throw std::system_error(errno, std::generic_category(), "test server's port");
+    }
     return ntohs(address.sin_port);
 }
 
 void sendAll(int descriptor, std::string_view data) {
     while (!data.empty()) {
         const ssize_t size = ::send(descriptor, data.data(), data.size(), MSG_NOSIGNAL);
-        if (size < 0)
+        if (size < 0) {
             return; // the client went away, which is its good right
+        }
         data.remove_prefix(static_cast<std::size_t>(size));
     }
 }
@@ -56,8 +58,9 @@ std::string lowercase(std::string_view text) {
 /// The request at the beginning of `text`, or nothing while it is not all there.
 std::optional<HTTPRequest> parse(std::string_view text) {
     const auto end = text.find("\r\n\r\n");
-    if (end == std::string_view::npos)
+    if (end == std::string_view::npos) {
         return std::nullopt;
+    }
     HTTPRequest request;
     auto head = text.substr(0, end);
     const auto nextLine = [&head] {
@@ -73,8 +76,9 @@ std::optional<HTTPRequest> parse(std::string_view text) {
     const auto target = first.substr(methodEnd + 1, targetEnd - methodEnd - 1);
     const auto question = target.find('?');
     request.path = target.substr(0, question);
-    if (question != std::string_view::npos)
+    if (question != std::string_view::npos) {
         request.query = target.substr(question + 1);
+    }
     while (!head.empty()) {
         const auto line = nextLine();
         const auto colon = line.find(':');
@@ -88,8 +92,9 @@ std::optional<HTTPRequest> parse(std::string_view text) {
         std::from_chars(digits.data(), digits.data() + digits.size(), bodySize);
     }
     const auto body = text.substr(end + 4);
-    if (body.size() < bodySize)
+    if (body.size() < bodySize) {
         return std::nullopt;
+    }
     request.body = body.substr(0, bodySize);
     return request;
 }
@@ -100,8 +105,9 @@ std::string serialize(const HTTPResponse& response) {
     constexpr std::size_t missing = 100000;
     const bool isWhole = response.ending == Ending::complete || response.ending == Ending::held;
     std::string text = "HTTP/1.1 " + std::to_string(response.status) + " Status\r\n";
-    for (const auto& [name, value] : response.headers)
+    for (const auto& [name, value] : response.headers) {
         text.append(name).append(": ").append(value).append("\r\n");
+    }
     text += "Connection: close\r\nContent-Length: " +
             std::to_string(response.body.size() + (isWhole ? 0 : missing)) + "\r\n\r\n";
     return text + response.body;
@@ -135,8 +141,9 @@ public:
         : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "test server's socket")
         , wakeUp_(::eventfd(0, EFD_CLOEXEC), "test server's event") {
         port_ = bindToLoopback(listener_.get());
-        if (::listen(listener_.get(), SOMAXCONN) != 0)
+        if (::listen(listener_.get(), SOMAXCONN) != 0) {
             throw std::system_error(errno, std::generic_category(), "test server");
+        }
         thread_ = std::thread([this] { run(); });
     }
     Implementation(const Implementation&) = delete;
@@ -193,18 +200,23 @@ private:
         while (true) {
             std::vector<pollfd> descriptors{{.fd = wakeUp_.get(), .events = POLLIN, .revents = 0},
                                             {.fd = listener_.get(), .events = POLLIN, .revents = 0}};
-            for (const auto& connection : connections_)
+            for (const auto& connection : connections_) {
                 descriptors.push_back({.fd = connection.descriptor.get(), .events = POLLIN, .revents = 0});
-            if (::poll(descriptors.data(), descriptors.size(), -1) < 0)
-                continue;
-            if (descriptors[0].revents != 0 && !obey())
-                return;
-            for (std::size_t index = 2; index < descriptors.size(); ++index) {
-                if (descriptors[index].revents != 0)
-                    read(connections_[index - 2]);
             }
-            if (descriptors[1].revents != 0)
+            if (::poll(descriptors.data(), descriptors.size(), -1) < 0) {
+                continue;
+            }
+            if (descriptors[0].revents != 0 && !obey()) {
+                return;
+            }
+            for (std::size_t index = 2; index < descriptors.size(); ++index) {
+                if (descriptors[index].revents != 0) {
+                    read(connections_[index - 2]);
+                }
+            }
+            if (descriptors[1].revents != 0) {
                 accept();
+            }
             std::erase_if(connections_, [](const Connection& connection) { return connection.isDone; });
         }
     }
@@ -227,12 +239,13 @@ private:
 
     void accept() {
         const int descriptor = ::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC);
-        if (descriptor >= 0)
+        if (descriptor >= 0) {
             connections_.push_back({.descriptor = Descriptor(descriptor),
                                     .received = {},
                                     .path = std::nullopt,
                                     .heldAnswer = {},
                                     .isDone = false});
+        }
     }
 
     void read(Connection& connection) {
@@ -242,11 +255,13 @@ private:
             connection.isDone = true;
             return;
         }
-        if (connection.path)
+        if (connection.path) {
             return; // one request to a connection
+        }
         connection.received.append(buffer.data(), static_cast<std::size_t>(size));
-        if (const auto request = parse(connection.received))
+        if (const auto request = parse(connection.received)) {
             answer(connection, *request);
+        }
     }
 
     void answer(Connection& connection, const HTTPRequest& request) {
@@ -255,12 +270,14 @@ private:
         {
             const std::scoped_lock lock(mutex_);
             requests_.push_back(request);
-            if (const auto found = routes_.find(request.path); found != routes_.end())
+            if (const auto found = routes_.find(request.path); found != routes_.end()) {
                 route = found->second;
+            }
         }
         HTTPResponse response{.status = 404, .headers = {{"Content-Type", "text/plain"}}, .body = "no route"};
-        if (route)
+        if (route) {
             response = route(request);
+        }
         switch (response.ending) {
         case HTTPResponse::Ending::held:
             connection.heldAnswer = serialize(response);

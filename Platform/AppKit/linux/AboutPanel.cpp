@@ -21,8 +21,9 @@ void AboutPanel::orderFront(GtkWindow* parent, const std::shared_ptr<Menu>& main
                                         return GDK_EVENT_STOP;
                                     }),
                                     this);
-        if (mainMenu)
+        if (mainMenu) {
             addKeyEquivalents(dialog_.get(), *mainMenu);
+        }
     }
     gtk_window_set_transient_for(GTK_WINDOW(dialog_.get()), parent);
     gtk_window_present(GTK_WINDOW(dialog_.get()));
@@ -30,8 +31,9 @@ void AboutPanel::orderFront(GtkWindow* parent, const std::shared_ptr<Menu>& main
 
 void AboutPanel::close() {
     closing_.disconnect();
-    if (const auto dialog = std::exchange(dialog_, {}))
+    if (const auto dialog = std::exchange(dialog_, {})) {
         gtk_window_destroy(GTK_WINDOW(dialog.get()));
+    }
 }
 
 bool AboutPanel::isKey() const { return dialog_ && gtk_window_is_active(GTK_WINDOW(dialog_.get())); }
@@ -39,8 +41,9 @@ bool AboutPanel::isKey() const { return dialog_ && gtk_window_is_active(GTK_WIND
 bool AboutPanel::respondsTo(Action action) const { return Window::Native::isWindowAction(action); }
 
 void AboutPanel::perform(Action action, const ActionSender& /*sender*/) {
-    if (action == Action::performClose)
+    if (action == Action::performClose) {
         close();
+    }
 }
 
 bool AboutPanel::validateMenuItem(MenuItem& item) { return item.action() == Action::performClose; }

@@ -11,15 +11,17 @@ bool hasRenderNode(const std::filesystem::path& devices) {
     std::error_code error;
     std::filesystem::directory_iterator entry(devices, error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        if (entry->path().filename().string().starts_with("renderD"))
+        if (entry->path().filename().string().starts_with("renderD")) {
             return true;
+        }
     }
     return false;
 }
 
 void chooseAcceleration(const std::filesystem::path& devices) {
-    if (hasRenderNode(devices))
+    if (hasRenderNode(devices)) {
         return;
+    }
     g_setenv("GSK_RENDERER", "cairo", FALSE);
     g_setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", FALSE);
 }

@@ -30,15 +30,17 @@ constexpr const char* emptyTheme = "Adwaita-empty";
 void holdBackToolkitTheme() { g_setenv(themeVariable, emptyTheme, FALSE); }
 
 void startLibadwaita() {
-    if (g_strcmp0(g_getenv(themeVariable), emptyTheme) == 0)
+    if (g_strcmp0(g_getenv(themeVariable), emptyTheme) == 0) {
         g_unsetenv(themeVariable);
+    }
     adw_init();
 }
 
 /// The engine takes a session bus that does not answer for a reason to abort; without one it goes on.
 void forgetDeadBus(GApplication* application) {
-    if (g_application_get_dbus_connection(application))
+    if (g_application_get_dbus_connection(application)) {
         return;
+    }
     g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
     // GTK finds the display's accessibility bus without a session bus, and then crashes for want of the
     // application's object path (seen with 4.8.3, not reported).
@@ -70,8 +72,9 @@ GType applicationType() {
 bool registerApplication(GApplication* application) {
     for (bool isAskedAgain = false;; isAskedAgain = true) {
         GError* failure = nullptr;
-        if (g_application_register(application, nullptr, &failure))
+        if (g_application_register(application, nullptr, &failure)) {
             return true;
+        }
         const std::unique_ptr<GError, decltype(&g_error_free)> error(failure, &g_error_free);
         if (isAskedAgain || g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) {
             diagnosticLog(std::string("Keyloft is already running but does not respond: ") + error->message);
@@ -116,8 +119,9 @@ int Application::run(int argc, char** argv) {
                              G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
                                  auto* app = static_cast<Application*>(self);
                                  g_application_hold(G_APPLICATION(app->native_->gtk()));
-                                 if (const auto delegate = app->delegate_.lock())
+                                 if (const auto delegate = app->delegate_.lock()) {
                                      delegate->applicationWillFinishLaunching();
+                                 }
                              }),
                              this);
     connections.emplace_back(application, "activate",
@@ -126,12 +130,14 @@ int Application::run(int argc, char** argv) {
                              }),
                              this);
     connections.emplace_back(application, "command-line", G_CALLBACK(Native::handleCommandLine), this);
-    if (!registerApplication(G_APPLICATION(application)))
+    if (!registerApplication(G_APPLICATION(application))) {
         return EXIT_FAILURE;
+    }
     const int status = g_application_run(G_APPLICATION(application), argc, argv);
     native_->aboutPanel.close();
-    if (native_->frames)
+    if (native_->frames) {
         native_->frames->save();
+    }
     return status;
 }
 
@@ -155,17 +161,20 @@ void Application::prepare() {
 
 void Application::wasStarted(const std::vector<URL>& urls) {
     const auto delegate = delegate_.lock();
-    if (!delegate)
+    if (!delegate) {
         return;
-    if (!urls.empty())
+    }
+    if (!urls.empty()) {
         delegate->applicationOpenURLs(urls);
+    }
     if (!native_->finishedLaunching) {
         native_->finishedLaunching = true;
         delegate->applicationDidFinishLaunching();
     } else if (urls.empty()) {
         const bool visible = !native_->visibleHosts().empty();
-        if (delegate->applicationShouldHandleReopen(visible) && visible)
+        if (delegate->applicationShouldHandleReopen(visible) && visible) {
             native_->bringAllToFront();
+        }
     }
 }
 
@@ -181,28 +190,36 @@ std::shared_ptr<Window> Application::mainWindow() const {
 }
 
 void Application::activateIgnoringOtherApps() {
-    if (const auto host = native_->frontHost())
+    if (const auto host = native_->frontHost()) {
         gtk_window_present(host->toplevel());
+    }
 }
 
 std::shared_ptr<Responder> Application::targetForAction(Action action) const {
     // The key window comes before the main one. Like the application, the panel lives as long as the process.
-    if (native_->aboutPanel.isKey() && native_->aboutPanel.respondsTo(action))
+    if (native_->aboutPanel.isKey() && native_->aboutPanel.respondsTo(action)) {
         return {std::shared_ptr<void>(), &native_->aboutPanel};
+    }
     if (const auto window = mainWindow()) {
         for (std::shared_ptr<View> view = window->firstResponder(); view; view = view->superview()) {
-            if (view->respondsTo(action))
+            if (view->respondsTo(action)) {
                 return view;
+            }
         }
-        if (window->respondsTo(action))
+        if (window->respondsTo(action)) {
             return window;
-        if (const auto controller = window->windowController(); controller && controller->respondsTo(action))
+        }
+        if (const auto controller = window->windowController();
+            controller && controller->respondsTo(action)) {
             return controller;
+        }
     }
-    if (respondsTo(action)) // the application lives as long as the process
+    if (respondsTo(action)) { // the application lives as long as the process
         return {std::shared_ptr<void>(), &Application::shared()};
-    if (const auto delegate = delegate_.lock(); delegate && delegate->respondsTo(action))
+    }
+    if (const auto delegate = delegate_.lock(); delegate && delegate->respondsTo(action)) {
         return delegate;
+    }
     return nullptr;
 }
 
@@ -228,8 +245,9 @@ void Application::perform(Action action, const ActionSender& /*sender*/) {
         break;
     }
     case Action::hide:
-        for (const auto& host : native_->visibleHosts())
+        for (const auto& host : native_->visibleHosts()) {
             gtk_window_minimize(host->toplevel());
+        }
         break;
     case Action::unhideAllApplications:
     case Action::arrangeInFront:
@@ -249,8 +267,9 @@ bool Application::validateMenuItem(MenuItem& item) {
 }
 
 SavedFrames& Application::Native::savedFrames() {
-    if (!frames)
+    if (!frames) {
         frames = std::make_unique<SavedFrames>(g_get_user_state_dir());
+    }
     return *frames;
 }
 
@@ -271,8 +290,9 @@ std::shared_ptr<TabHost> Application::Native::frontHost() const {
 void Application::Native::bringAllToFront() const {
     auto byUse = visibleHosts();
     std::ranges::sort(byUse, {}, &TabHost::lastUse);
-    for (const auto& host : byUse)
+    for (const auto& host : byUse) {
         host->present();
+    }
 }
 
 void Application::Native::hostEmptied(const std::shared_ptr<TabHost>& host) {
@@ -284,8 +304,9 @@ void Application::Native::hostEmptied(const std::shared_ptr<TabHost>& host) {
     g_idle_add(forget, std::make_unique<std::shared_ptr<TabHost>>(host).release());
     Application& application = Application::shared();
     const auto delegate = application.delegate_.lock();
-    if (hosts.empty() && delegate && delegate->applicationShouldTerminateAfterLastWindowClosed())
+    if (hosts.empty() && delegate && delegate->applicationShouldTerminateAfterLastWindowClosed()) {
         application.terminate();
+    }
 }
 
 } // namespace Platform

@@ -40,23 +40,27 @@ void syncChildren(GtkWidget* container) {
         g_source_remove(state.pendingSync);
         state.pendingSync = 0;
     }
-    if (!state.view)
+    if (!state.view) {
         return;
+    }
 
     std::unordered_set<GtkWidget*> wanted;
-    for (const auto& subview : state.view->subviews())
+    for (const auto& subview : state.view->subviews()) {
         wanted.insert(subview->native().widget.get());
+    }
     for (GtkWidget* child = gtk_widget_get_first_child(container); child;) {
         GtkWidget* next = gtk_widget_get_next_sibling(child);
-        if (!wanted.contains(child))
+        if (!wanted.contains(child)) {
             gtk_widget_unparent(child);
+        }
         child = next;
     }
     GtkWidget* previous = nullptr;
     for (const auto& subview : state.view->subviews()) {
         GtkWidget* child = widgetOf(*subview);
-        if (gtk_widget_get_parent(child) != container || gtk_widget_get_prev_sibling(child) != previous)
+        if (gtk_widget_get_parent(child) != container || gtk_widget_get_prev_sibling(child) != previous) {
             gtk_widget_insert_after(child, container, previous);
+        }
         previous = child;
     }
 }
@@ -77,8 +81,9 @@ void measureContainer(GtkWidget* widget, GtkOrientation orientation, int /*forSi
 
 void allocateContainer(GtkWidget* widget, int width, int height, int /*baseline*/) {
     ContainerState& state = stateOf(widget);
-    if (!state.view)
+    if (!state.view) {
         return;
+    }
     const auto keptAlive = state.view->shared_from_this();
     state.placing = true;
     state.layout->place({static_cast<double>(width), static_cast<double>(height)});
@@ -86,8 +91,9 @@ void allocateContainer(GtkWidget* widget, int width, int height, int /*baseline*
     state.placing = false;
     for (const auto& subview : keptAlive->subviews()) {
         GtkWidget* child = widgetOf(*subview);
-        if (!child || gtk_widget_get_parent(child) != widget || !gtk_widget_should_layout(child))
+        if (!child || gtk_widget_get_parent(child) != widget || !gtk_widget_should_layout(child)) {
             continue;
+        }
         const Rect frame = subview->frame();
         // The toolkit draws no widget smaller than its minimum: what is too much is cut off by the container.
         int minimumWidth = 0;
@@ -115,8 +121,9 @@ void disposeContainer(GObject* object) {
         g_source_remove(state.pendingSync);
         state.pendingSync = 0;
     }
-    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object)))
+    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
         gtk_widget_unparent(child);
+    }
     G_OBJECT_CLASS(parentClass)->dispose(object);
 }
 
@@ -154,14 +161,16 @@ struct ContainerNative final : View::Native {
     ContainerNative(const ContainerNative&) = delete;
     ContainerNative& operator=(const ContainerNative&) = delete;
     ~ContainerNative() override {
-        if (widget)
+        if (widget) {
             stateOf(widget.get()).view = nullptr;
+        }
     }
 
     void subviewsChanged() override {
         ContainerState& state = stateOf(widget.get());
-        if (!gtk_widget_get_mapped(widget.get()) || state.pendingSync != 0)
+        if (!gtk_widget_get_mapped(widget.get()) || state.pendingSync != 0) {
             return;
+        }
         state.pendingSync = g_idle_add_full(
             G_PRIORITY_HIGH_IDLE,
             [](gpointer data) -> gboolean {
@@ -175,8 +184,9 @@ struct ContainerNative final : View::Native {
 
     void needsLayout() override {
         // Frames that the layout itself sets ask for no further one.
-        if (!stateOf(widget.get()).placing)
+        if (!stateOf(widget.get()).placing) {
             gtk_widget_queue_allocate(widget.get());
+        }
     }
 };
 
@@ -211,11 +221,13 @@ void FrameLayout::place(Size size) {
 Extent ViewLayout::measure(const View& view, Orientation orientation) {
     const View::SizeConstraints& constraints = view.sizeConstraints();
     const auto& fixed = orientation == Orientation::horizontal ? constraints.width : constraints.height;
-    if (fixed)
+    if (fixed) {
         return {*fixed, *fixed};
+    }
     GtkWidget* widget = widgetOf(view);
-    if (!widget)
+    if (!widget) {
         return {};
+    }
     int minimum = 0;
     int natural = 0;
     gtk_widget_measure(widget,

@@ -9,14 +9,16 @@ Control::Control() { setContentHuggingPriority(LayoutPriorities::defaultHigh, Or
 
 void Control::setEnabled(bool enabled) {
     enabled_ = enabled;
-    if (const Native* made = nativeIfMade())
+    if (const Native* made = nativeIfMade()) {
         gtk_widget_set_sensitive(made->widget.get(), enabled);
+    }
 }
 
 void Control::setFont(const Font& font) {
     font_ = font;
-    if (Native* made = nativeIfMade())
+    if (Native* made = nativeIfMade()) {
         applyFont(*made);
+    }
 }
 
 void Control::setTarget(const std::weak_ptr<Responder>& target, Action action) {
@@ -28,8 +30,9 @@ void Control::setRepresentedURL(const std::optional<URL>& url) { representedURL_
 
 void Control::sendAction() {
     const auto action = action_;
-    if (!action)
+    if (!action) {
         return;
+    }
     const auto keptAlive = shared_from_this();
     Application::shared().sendAction(*action, target_.lock(), {.control = this});
 }

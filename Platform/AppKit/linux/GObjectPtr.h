@@ -16,14 +16,16 @@ public:
     GObjectPtr() = default;
     GObjectPtr(const GObjectPtr& other)
         : object_(other.object_) {
-        if (object_)
+        if (object_) {
             g_object_ref(object_);
+        }
     }
     GObjectPtr(GObjectPtr&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)) {}
     GObjectPtr& operator=(const GObjectPtr& other) {
-        if (this != &other)
+        if (this != &other) {
             *this = GObjectPtr(other);
+        }
         return *this;
     }
     GObjectPtr& operator=(GObjectPtr&& other) noexcept {
@@ -31,8 +33,9 @@ public:
         return *this;
     }
     ~GObjectPtr() {
-        if (object_)
+        if (object_) {
             g_object_unref(object_);
+        }
     }
 
     static GObjectPtr retain(T* object) {
@@ -82,8 +85,9 @@ public:
     ~SignalConnection() { disconnect(); }
 
     void disconnect() {
-        if (!instance_)
+        if (!instance_) {
             return;
+        }
         g_signal_handler_disconnect(instance_, handler_);
         g_object_remove_weak_pointer(instance_, weak());
         instance_ = nullptr;

@@ -8,10 +8,11 @@ void LayoutConstraint::apply(const std::vector<LayoutConstraint>& constraints) {
         const bool sideways = constraint.attribute_ == LayoutAttribute::leading ||
                               constraint.attribute_ == LayoutAttribute::trailing ||
                               constraint.attribute_ == LayoutAttribute::width;
-        if (constraint.toSuperview_)
+        if (constraint.toSuperview_) {
             (sideways ? size.fillsSuperviewWidth : size.fillsSuperviewHeight) = true;
-        else
+        } else {
             (sideways ? size.width : size.height) = constraint.constant_;
+        }
     }
 }
 

@@ -23,10 +23,12 @@ constexpr const char* windowAction = "window";
 std::string accelerator(const MenuItem& item) {
     const guint key = gdk_unicode_to_keyval(g_utf8_get_char(item.keyEquivalent().c_str()));
     unsigned modifiers = GDK_CONTROL_MASK;
-    if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand)
+    if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand) {
         modifiers |= GDK_ALT_MASK;
-    if (!gdk_keyval_is_lower(key))
+    }
+    if (!gdk_keyval_is_lower(key)) {
         modifiers |= GDK_SHIFT_MASK;
+    }
     const std::unique_ptr<char, decltype(&g_free)> name(
         gtk_accelerator_name(key, static_cast<GdkModifierType>(modifiers)), &g_free);
     return name.get();
@@ -37,8 +39,9 @@ std::string menuLabel(const std::string& title) {
     std::string label;
     for (const char c : title) {
         label += c;
-        if (c == '_')
+        if (c == '_') {
             label += '_';
+        }
     }
     return label;
 }
@@ -72,8 +75,9 @@ void cutLongTexts(GtkWidget* widget, int greatestWidth) {
 }
 
 void update(Menu& menu) {
-    if (const auto delegate = menu.delegate())
+    if (const auto delegate = menu.delegate()) {
         delegate->menuNeedsUpdate(menu);
+    }
 }
 
 /// Once the menus are closed, the keyboard goes back to the page: the toolkit may leave it with the tab
@@ -82,14 +86,16 @@ void returnFocus() {
     const std::weak_ptr<Window> main = Application::shared().mainWindow();
     // Later, as the next menu may open at once, and the chosen item's action may move the focus itself.
     RunLoop::main().perform([main] {
-        if (const auto window = main.lock())
+        if (const auto window = main.lock()) {
             Window::Native::takeFocus(*window);
+        }
     });
 }
 
 void send(const std::shared_ptr<MenuItem>& item) {
-    if (const auto action = item->action())
+    if (const auto action = item->action()) {
         Application::shared().sendAction(*action, nullptr, {.menuItem = item.get()});
+    }
 }
 
 struct KeyEquivalent {
@@ -101,8 +107,9 @@ struct KeyEquivalent {
     std::shared_ptr<MenuItem> item() const {
         update(*menu);
         for (const auto& item : menu->items()) {
-            if (item->keyEquivalent() == key && item->keyEquivalentModifiers() == modifiers)
+            if (item->keyEquivalent() == key && item->keyEquivalentModifiers() == modifiers) {
                 return item;
+            }
         }
         return nullptr;
     }
@@ -155,8 +162,9 @@ void MenuBar::connectPopovers() {
         gtk_widget_set_focusable(item, FALSE);
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
              child = gtk_widget_get_next_sibling(child)) {
-            if (!GTK_IS_POPOVER(child))
+            if (!GTK_IS_POPOVER(child)) {
                 continue;
+            }
             // Before the toolkit looks for an item to give the focus to.
             connections_.emplace_back(child, "map", G_CALLBACK(+[](GtkWidget* popover, gpointer data) {
                                           auto* opened = static_cast<OpenMenu*>(data);
@@ -174,8 +182,9 @@ void MenuBar::connectPopovers() {
 void MenuBar::rebuild(OpenMenu& menu) {
     const auto& submenu = menu.top->submenu();
     update(*submenu);
-    for (std::size_t i = 0; i < menu.items.size(); ++i)
+    for (std::size_t i = 0; i < menu.items.size(); ++i) {
         g_action_map_remove_action(G_ACTION_MAP(actions_.get()), (menu.prefix + std::to_string(i)).c_str());
+    }
     menu.items = submenu->items();
     g_menu_remove_all(menu.model.get());
 
@@ -209,13 +218,15 @@ void MenuBar::rebuild(OpenMenu& menu) {
 
         const auto native = GObjectPtr<GMenuItem>::adopt(g_menu_item_new(
             menuLabel(item.title()).c_str(), (std::string(actionPrefix) + "." + name).c_str()));
-        if (!item.keyEquivalent().empty())
+        if (!item.keyEquivalent().empty()) {
             g_menu_item_set_attribute(native.get(), "accel", "s", accelerator(item).c_str());
+        }
         g_menu_append_item(section.get(), native.get());
     }
     endSection();
-    if (submenu == Application::shared().native().windowsMenu.lock())
+    if (submenu == Application::shared().native().windowsMenu.lock()) {
         appendWindows(menu.model.get());
+    }
 }
 
 void MenuBar::addWindowAction() {
@@ -225,10 +236,12 @@ void MenuBar::addWindowAction() {
                               G_CALLBACK(+[](GSimpleAction* /*action*/, GVariant* index, gpointer self) {
                                   const auto& windows = static_cast<MenuBar*>(self)->windows_;
                                   const auto chosen = static_cast<std::size_t>(g_variant_get_int32(index));
-                                  if (chosen >= windows.size())
+                                  if (chosen >= windows.size()) {
                                       return;
-                                  if (const auto window = windows[chosen].lock())
+                                  }
+                                  if (const auto window = windows[chosen].lock()) {
                                       window->makeKeyAndOrderFront();
+                                  }
                               }),
                               this);
     g_action_map_add_action(G_ACTION_MAP(actions_.get()), G_ACTION(action.get()));
@@ -242,9 +255,10 @@ void MenuBar::appendWindows(GMenu* model) {
     for (const auto& host : Application::shared().native().visibleHosts()) {
         for (const auto& window : host->windows()) {
             const auto index = static_cast<gint32>(windows_.size());
-            if (window == mainWindow)
+            if (window == mainWindow) {
                 g_action_group_change_action_state(G_ACTION_GROUP(actions_.get()), windowAction,
                                                    g_variant_new_int32(index));
+            }
             const auto item =
                 GObjectPtr<GMenuItem>::adopt(g_menu_item_new(menuLabel(window->title()).c_str(), nullptr));
             g_menu_item_set_action_and_target(item.get(), action.c_str(), "i", index);
@@ -266,8 +280,9 @@ void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu) {
     for (const auto& top : mainMenu.items()) {
         update(*top->submenu());
         for (const auto& item : top->submenu()->items()) {
-            if (item->keyEquivalent().empty())
+            if (item->keyEquivalent().empty()) {
                 continue;
+            }
             auto equivalent = std::make_unique<KeyEquivalent>();
             equivalent->menu = top->submenu();
             equivalent->key = item->keyEquivalent();
@@ -275,8 +290,9 @@ void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu) {
             GtkShortcutAction* action = gtk_callback_action_new(
                 [](GtkWidget* /*widget*/, GVariant* /*arguments*/, gpointer data) -> gboolean {
                     const auto item = static_cast<KeyEquivalent*>(data)->item();
-                    if (item && validate(*item))
+                    if (item && validate(*item)) {
                         send(item);
+                    }
                     return TRUE;
                 },
                 equivalent.release(),

@@ -22,8 +22,9 @@ std::string buttonLayout(GtkWidget* toplevel) {
     g_object_get(gtk_widget_get_settings(toplevel), "gtk-decoration-layout", &setting, nullptr);
     const std::unique_ptr<char, decltype(&g_free)> owned(setting, &g_free);
     std::string layout = setting ? setting : "";
-    if (const auto button = layout.find(minimizeButton); button != std::string::npos)
+    if (const auto button = layout.find(minimizeButton); button != std::string::npos) {
         layout.erase(button, minimizeButton.size());
+    }
     return layout;
 }
 
@@ -51,12 +52,14 @@ void realized(GtkWidget* toplevel, gpointer /*data*/) {
     // function that returns it.
     for (GtkWidget* child = gtk_widget_get_first_child(toplevel); child;
          child = gtk_widget_get_next_sibling(child)) {
-        if (GTK_IS_HEADER_BAR(child))
+        if (GTK_IS_HEADER_BAR(child)) {
             gtk_header_bar_set_decoration_layout(GTK_HEADER_BAR(child), buttonLayout(toplevel).c_str());
+        }
     }
     GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(toplevel));
-    if (GDK_IS_X11_SURFACE(surface) && gtk_window_get_decorated(GTK_WINDOW(toplevel)))
+    if (GDK_IS_X11_SURFACE(surface) && gtk_window_get_decorated(GTK_WINDOW(toplevel))) {
         setFrameHints(surface, gtk_window_get_resizable(GTK_WINDOW(toplevel)) == TRUE);
+    }
 }
 
 } // namespace

@@ -14,10 +14,11 @@ namespace Platform {
 std::optional<std::string> privateFolder(const char* userDirectory) {
     const std::filesystem::path folder = std::filesystem::path(userDirectory) / Application::identifier;
     std::error_code error;
-    if (g_mkdir_with_parents(folder.c_str(), 0700) != 0)
+    if (g_mkdir_with_parents(folder.c_str(), 0700) != 0) {
         error = std::error_code(errno, std::generic_category());
-    else
+    } else {
         std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
+    }
     if (error) {
         diagnosticLog("Keyloft: no private folder at " + folder.string() + ": " + error.message());
         return std::nullopt;

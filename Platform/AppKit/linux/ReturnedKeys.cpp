@@ -26,8 +26,9 @@ ReturnedKeys::ReturnedKeys(GtkWindow* toplevel) {
 gboolean ReturnedKeys::pressed(GtkEventControllerKey* keys, guint /*key*/, guint /*code*/,
                                GdkModifierType /*modifiers*/, gpointer self) {
     GdkEvent* event = gtk_event_controller_get_current_event(GTK_EVENT_CONTROLLER(keys));
-    if (!static_cast<ReturnedKeys*>(self)->isForOther(event))
+    if (!static_cast<ReturnedKeys*>(self)->isForOther(event)) {
         return GDK_EVENT_PROPAGATE;
+    }
     // As the toolkit does at a key that moves the focus, so that it is seen where it has gone.
     GtkWidget* toplevel = gtk_event_controller_get_widget(GTK_EVENT_CONTROLLER(keys));
     gtk_window_set_focus_visible(GTK_WINDOW(toplevel), TRUE);
@@ -37,10 +38,12 @@ gboolean ReturnedKeys::pressed(GtkEventControllerKey* keys, guint /*key*/, guint
 bool ReturnedKeys::isForOther(GdkEvent* event) {
     const auto before =
         std::ranges::find(pressed_, event, [](const Pressed& other) { return other.event.get(); });
-    if (before != pressed_.end())
+    if (before != pressed_.end()) {
         return before->focusMoves != focusMoves_;
-    if (pressed_.size() == keptKeys)
+    }
+    if (pressed_.size() == keptKeys) {
         pressed_.pop_front();
+    }
     pressed_.push_back(
         {.event = std::unique_ptr<GdkEvent, Unref>(gdk_event_ref(event)), .focusMoves = focusMoves_});
     return false;

@@ -39,16 +39,18 @@ void SavedFrames::read() {
     const auto file = std::filesystem::path(stateDirectory_) / Application::identifier / fileName;
     std::error_code error;
     const auto size = std::filesystem::file_size(file, error);
-    if (error || size > longestFile)
+    if (error || size > longestFile) {
         return;
+    }
     std::string text;
     try {
         text = FileManager::defaultManager().contents(file.string());
     } catch (const FileError&) {
         return;
     }
-    if (!g_key_file_load_from_data(frames_.get(), text.data(), text.size(), G_KEY_FILE_NONE, nullptr))
+    if (!g_key_file_load_from_data(frames_.get(), text.data(), text.size(), G_KEY_FILE_NONE, nullptr)) {
         frames_.reset(g_key_file_new());
+    }
 }
 
 std::optional<SavedFrame> SavedFrames::frame(const std::string& name) const {
@@ -57,14 +59,16 @@ std::optional<SavedFrame> SavedFrames::frame(const std::string& name) const {
         .width = g_key_file_get_integer(frames_.get(), name.c_str(), widthKey, nullptr),
         .height = g_key_file_get_integer(frames_.get(), name.c_str(), heightKey, nullptr),
         .isMaximized = g_key_file_get_boolean(frames_.get(), name.c_str(), maximizedKey, nullptr) == TRUE};
-    if (frame.width <= 0 || frame.height <= 0)
+    if (frame.width <= 0 || frame.height <= 0) {
         return std::nullopt;
+    }
     return frame;
 }
 
 void SavedFrames::setFrame(const std::string& name, const SavedFrame& frame) {
-    if (this->frame(name) == frame)
+    if (this->frame(name) == frame) {
         return;
+    }
     g_key_file_set_integer(frames_.get(), name.c_str(), widthKey, frame.width);
     g_key_file_set_integer(frames_.get(), name.c_str(), heightKey, frame.height);
     g_key_file_set_boolean(frames_.get(), name.c_str(), maximizedKey, frame.isMaximized ? TRUE : FALSE);
@@ -75,8 +79,9 @@ void SavedFrames::setFrame(const std::string& name, const SavedFrame& frame) {
 void SavedFrames::save() {
     saving_.reset();
     const auto folder = isChanged_ ? privateFolder(stateDirectory_.c_str()) : std::nullopt;
-    if (!folder)
+    if (!folder) {
         return;
+    }
     gsize length = 0;
     const std::unique_ptr<char, decltype(&g_free)> text(g_key_file_to_data(frames_.get(), &length, nullptr),
                                                         &g_free);

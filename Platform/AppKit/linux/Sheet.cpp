@@ -19,8 +19,9 @@ bool hasEndlessWord(const std::string& text) {
     std::size_t begin = 0;
     while (begin < text.size()) {
         const std::size_t end = std::min(text.find_first_of(" \n", begin), text.size());
-        if (end - begin > endless)
+        if (end - begin > endless) {
             return true;
+        }
         begin = end + 1;
     }
     return false;
@@ -41,15 +42,17 @@ GtkWidget* makeLabel(const std::string& text, const char* cssClass) {
 Sheet::Sheet(Alert alert, Alert::Completion completion)
     : alert_(std::move(alert))
     , completion_(std::move(completion)) {
-    if (alert_.buttonTitles.empty())
+    if (alert_.buttonTitles.empty()) {
         alert_.buttonTitles.emplace_back("OK");
+    }
 }
 
 Sheet::~Sheet() = default;
 
 void Sheet::complete(std::size_t button) {
-    if (const auto completion = std::exchange(completion_, nullptr))
+    if (const auto completion = std::exchange(completion_, nullptr)) {
         completion(button);
+    }
 }
 
 void Sheet::answer(std::size_t button) {
@@ -58,13 +61,15 @@ void Sheet::answer(std::size_t button) {
 }
 
 void Sheet::focus() {
-    if (!buttons_.empty())
+    if (!buttons_.empty()) {
         gtk_widget_grab_focus(buttons_.front());
+    }
 }
 
 GtkWidget* Sheet::widget(std::function<void(std::size_t)> answered) {
-    if (shade_)
+    if (shade_) {
         return shade_.get();
+    }
     answered_ = std::move(answered);
     shade_ = GObjectPtr<GtkWidget>::retain(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0));
     gtk_widget_add_css_class(shade_.get(), "keyloft-shade");
@@ -88,8 +93,9 @@ gboolean Sheet::keyPressed(GtkEventControllerKey* /*keys*/, guint keyval, guint 
     case GDK_KEY_Tab:
     case GDK_KEY_KP_Tab:
     case GDK_KEY_ISO_Left_Tab:
-        if (withControl) // goes to the next page
+        if (withControl) { // goes to the next page
             return GDK_EVENT_PROPAGATE;
+        }
         sheet.moveFocus((state & GDK_SHIFT_MASK) != 0 ? -1 : 1);
         return GDK_EVENT_STOP;
     default:
@@ -108,9 +114,9 @@ void Sheet::moveFocus(std::ptrdiff_t step) {
     const auto count = std::ssize(stops_);
     const auto focused = std::ranges::find_if(stops_, gtk_widget_is_focus);
     auto next = focused - stops_.begin();
-    do
+    do {
         next = (next + step + count) % count;
-    while (!gtk_widget_get_focusable(stops_[static_cast<std::size_t>(next)]));
+    } while (!gtk_widget_get_focusable(stops_[static_cast<std::size_t>(next)]));
     gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
@@ -153,8 +159,9 @@ GtkWidget* Sheet::makeCard() {
     gtk_widget_set_margin_top(row, 12);
     for (std::size_t i = 0; i < alert_.buttonTitles.size(); ++i) {
         GtkWidget* button = gtk_button_new_with_label(alert_.buttonTitles[i].c_str());
-        if (i == 0)
+        if (i == 0) {
             gtk_widget_add_css_class(button, "suggested-action");
+        }
         gtk_widget_set_hexpand(button, TRUE);
         connections_.emplace_back(
             button, "clicked", G_CALLBACK(+[](GtkButton* clicked, gpointer self) {

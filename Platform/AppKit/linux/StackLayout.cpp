@@ -31,23 +31,26 @@ std::vector<double> distribute(const std::vector<StackItem>& items, double room)
         lengths.push_back(item.extent.natural);
         left -= item.extent.natural;
     }
-    if (items.empty())
+    if (items.empty()) {
         return lengths;
+    }
 
     if (left > 0) {
         const LayoutPriority lowest = std::ranges::min(items, {}, &StackItem::hugging).hugging;
         const auto growing = std::ranges::count(items, lowest, &StackItem::hugging);
         for (std::size_t i = 0; i < items.size(); ++i) {
-            if (items[i].hugging == lowest)
+            if (items[i].hugging == lowest) {
                 lengths[i] += left / static_cast<double>(growing);
+            }
         }
         return lengths;
     }
 
     std::vector<std::size_t> yielding;
     for (std::size_t i = 0; i < items.size(); ++i) {
-        if (items[i].compressionResistance < LayoutPriorities::defaultHigh)
+        if (items[i].compressionResistance < LayoutPriorities::defaultHigh) {
             yielding.push_back(i);
+        }
     }
     std::ranges::sort(yielding, {},
                       [&](std::size_t i) { return std::pair(items[i].compressionResistance, i); });
@@ -64,8 +67,9 @@ std::vector<double> distribute(const std::vector<StackItem>& items, double room)
 std::vector<View*> StackLayout::shownViews() const {
     std::vector<View*> shown;
     for (const auto& view : stack_.arrangedSubviews()) {
-        if (!view->isHidden())
+        if (!view->isHidden()) {
             shown.push_back(view.get());
+        }
     }
     return shown;
 }
@@ -78,8 +82,9 @@ Extent StackLayout::measure(Orientation orientation) const {
         const double length = ViewLayout::measure(*view, orientation).natural;
         natural = orientation == stack_.orientation() ? natural + length : std::max(natural, length);
     }
-    if (orientation == stack_.orientation())
+    if (orientation == stack_.orientation()) {
         natural += gaps(stack_.spacing(), views.size());
+    }
     return {0, natural + insetsAlong(stack_.edgeInsets(), orientation)};
 }
 

@@ -56,8 +56,9 @@ void installStyle() {
 
 const char* iconName(const std::string& symbolName) {
     for (const auto& [symbol, icon] : icons) {
-        if (symbolName == symbol)
+        if (symbolName == symbol) {
             return icon;
+        }
     }
     std::fprintf(stderr, "Keyloft: no icon stands for the symbol \"%s\"\n", symbolName.c_str());
     std::abort();
@@ -80,8 +81,9 @@ PangoAttrList* fontAttributes(double points) {
 std::string toolTipText(const std::string& text) {
     constexpr glong kept = 400; // of each end, in characters
     const glong length = g_utf8_strlen(text.c_str(), -1);
-    if (length <= 2 * kept)
+    if (length <= 2 * kept) {
         return text;
+    }
     const char* begin = text.c_str();
     const auto offset = [begin](glong characters) {
         return static_cast<std::size_t>(g_utf8_offset_to_pointer(begin, characters) - begin);

@@ -16,8 +16,9 @@ namespace {
 /// Whether the pointer is over no window. What is dragged lets the pointer through.
 bool isOnBareDesktop(GdkDrag* drag) {
     GdkDisplay* display = gdk_drag_get_display(drag);
-    if (!GDK_IS_X11_DISPLAY(display))
+    if (!GDK_IS_X11_DISPLAY(display)) {
         return false;
+    }
     Display* connection = gdk_x11_display_get_xdisplay(display);
     Window root = 0;
     Window child = 0;

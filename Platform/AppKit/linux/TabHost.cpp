@@ -31,10 +31,12 @@ SavedFrame fittedToScreens(SavedFrame frame) {
         width = std::max(width, area.width);
         height = std::max(height, area.height);
     }
-    if (width > 0)
+    if (width > 0) {
         frame.width = std::min(frame.width, width);
-    if (height > 0)
+    }
+    if (height > 0) {
         frame.height = std::min(frame.height, height);
+    }
     return frame;
 }
 
@@ -98,8 +100,9 @@ void TabHost::connect() {
     connections_.emplace_back(toplevel_.get(), "close-request", G_CALLBACK(closeRequested), this);
     connections_.emplace_back(toplevel_.get(), "notify::focus-widget", G_CALLBACK(focusChanged), this);
     connections_.emplace_back(toplevel_.get(), "notify::is-active", G_CALLBACK(activeChanged), this);
-    for (const char* property : {"notify::default-width", "notify::default-height", "notify::maximized"})
+    for (const char* property : {"notify::default-width", "notify::default-height", "notify::maximized"}) {
         connections_.emplace_back(toplevel_.get(), property, G_CALLBACK(frameChanged), this);
+    }
     connections_.emplace_back(tabView_, "close-page", G_CALLBACK(closePageRequested), this);
     connections_.emplace_back(tabView_, "notify::n-pages", G_CALLBACK(pageCountChanged), this);
     connections_.emplace_back(tabView_, "notify::selected-page", G_CALLBACK(selectionChanged), this);
@@ -108,8 +111,9 @@ void TabHost::connect() {
 
 void TabHost::setFrame(const Window& window) {
     gtk_window_set_resizable(toplevel(), window.style().resizable);
-    if (!window.style().miniaturizable)
+    if (!window.style().miniaturizable) {
         withholdMinimizing(toplevel());
+    }
     int barHeight = 0;
     if (menuBar_) {
         gtk_widget_measure(menuBar_->widget(), GTK_ORIENTATION_VERTICAL, -1, nullptr, &barHeight, nullptr,
@@ -123,8 +127,9 @@ void TabHost::setFrame(const Window& window) {
         frame.height = std::max(frame.height, static_cast<int>(window.minSize().height) + barHeight);
     }
     gtk_window_set_default_size(toplevel(), frame.width, frame.height);
-    if (frame.isMaximized)
+    if (frame.isMaximized) {
         gtk_window_maximize(toplevel());
+    }
 }
 
 void TabHost::addPage(Window& window, Window* neighbour) {
@@ -158,8 +163,9 @@ void TabHost::updateTitle(Window& window) {
         adw_tab_page_set_tooltip(page, toolTip.get());
     }
     adw_tab_page_set_title(page, window.title().c_str());
-    if (adw_tab_view_get_selected_page(tabView_) == page)
+    if (adw_tab_view_get_selected_page(tabView_) == page) {
         gtk_window_set_title(toplevel(), window.title().c_str());
+    }
 }
 
 void TabHost::setNeedsAttention(Window& window, bool needs) {
@@ -176,8 +182,9 @@ std::vector<std::shared_ptr<Window>> TabHost::windows() const {
     std::vector<std::shared_ptr<Window>> windows;
     for (int i = 0; i < adw_tab_view_get_n_pages(tabView_); ++i) {
         if (auto window =
-                Window::Native::ofPage(adw_tab_page_get_child(adw_tab_view_get_nth_page(tabView_, i))))
+                Window::Native::ofPage(adw_tab_page_get_child(adw_tab_view_get_nth_page(tabView_, i)))) {
             windows.push_back(std::move(window));
+        }
     }
     return windows;
 }
@@ -185,8 +192,9 @@ std::vector<std::shared_ptr<Window>> TabHost::windows() const {
 void TabHost::selectNeighbour(int step) {
     const int count = adw_tab_view_get_n_pages(tabView_);
     AdwTabPage* selected = adw_tab_view_get_selected_page(tabView_);
-    if (!selected)
+    if (!selected) {
         return;
+    }
     const int position = adw_tab_view_get_page_position(tabView_, selected);
     adw_tab_view_set_selected_page(tabView_,
                                    adw_tab_view_get_nth_page(tabView_, (position + step + count) % count));
@@ -212,8 +220,9 @@ gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/, gpointer self) {
     gtk_widget_set_visible(host->toplevel_.get(), FALSE);
     // The toolkit would drop the pages without asking; each tab is to close on its own, in order.
     for (const auto& window : host->windows()) {
-        if (of(*window) == host)
+        if (of(*window) == host) {
             host->closePage(*window);
+        }
     }
     return GDK_EVENT_STOP;
 }
@@ -222,17 +231,19 @@ gboolean TabHost::closePageRequested(AdwTabView* view, AdwTabPage* page, gpointe
     const auto host = static_cast<TabHost*>(self)->shared_from_this();
     const auto window = Window::Native::ofPage(adw_tab_page_get_child(page));
     const bool closes = !window || window->isReleasedWhenClosed();
-    if (window && closes)
+    if (window && closes) {
         Window::Native::willClose(*window);
-    else if (window)
+    } else if (window) {
         window->orderOut();
+    }
     adw_tab_view_close_page_finish(view, page, closes ? TRUE : FALSE);
     return GDK_EVENT_STOP;
 }
 
 void TabHost::pageCountChanged(AdwTabView* view, GParamSpec* /*property*/, gpointer self) {
-    if (adw_tab_view_get_n_pages(view) > 0 || adw_tab_view_get_is_transferring_page(view))
+    if (adw_tab_view_get_n_pages(view) > 0 || adw_tab_view_get_is_transferring_page(view)) {
         return;
+    }
     const auto host = static_cast<TabHost*>(self)->shared_from_this();
     gtk_widget_set_visible(host->toplevel_.get(), FALSE);
     Application::shared().native().hostEmptied(host);
@@ -241,8 +252,9 @@ void TabHost::pageCountChanged(AdwTabView* view, GParamSpec* /*property*/, gpoin
 void TabHost::selectionChanged(AdwTabView* /*view*/, GParamSpec* /*property*/, gpointer self) {
     const auto host = static_cast<TabHost*>(self)->shared_from_this();
     const auto window = host->selectedWindow();
-    if (!window)
+    if (!window) {
         return;
+    }
     gtk_window_set_title(host->toplevel(), window->title().c_str());
     host->setNeedsAttention(*window, false);
     Window::Native::takePendingFocus(*window);
@@ -261,25 +273,29 @@ AdwTabView* TabHost::windowWanted(AdwTabView* /*view*/, gpointer self) {
 
 void TabHost::focusChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer /*self*/) {
     View* view = viewOfWidget(gtk_window_get_focus(toplevel));
-    if (!view)
+    if (!view) {
         return;
+    }
     const auto keptAlive = view->shared_from_this();
-    if (const auto window = view->window())
+    if (const auto window = view->window()) {
         Window::Native::focusMoved(*window, *view);
+    }
 }
 
 void TabHost::frameChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer self) {
     const auto window = static_cast<TabHost*>(self)->selectedWindow();
-    if (!window || window->frameAutosaveName().empty())
+    if (!window || window->frameAutosaveName().empty()) {
         return;
+    }
     SavedFrame frame{.isMaximized = gtk_window_is_maximized(toplevel) == TRUE};
     gtk_window_get_default_size(toplevel, &frame.width, &frame.height);
     Application::shared().native().savedFrames().setFrame(window->frameAutosaveName(), frame);
 }
 
 void TabHost::activeChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer self) {
-    if (gtk_window_is_active(toplevel))
+    if (gtk_window_is_active(toplevel)) {
         static_cast<TabHost*>(self)->wasUsed();
+    }
 }
 
 void TabHost::newTabClicked(GtkButton* /*button*/, gpointer self) {

@@ -38,8 +38,9 @@ std::string TextField::stringValue() const { return stringValue_; }
 
 void TextField::setStringValue(const std::string& value) {
     const std::string line = withoutLineBreaks(value);
-    if (stringValue_ == line)
+    if (stringValue_ == line) {
         return;
+    }
     stringValue_ = line;
     if (nativeIfMade()) {
         auto& native = TextFieldEvents::nativeOf(*this);
@@ -51,21 +52,25 @@ void TextField::setStringValue(const std::string& value) {
 
 void TextField::setPlaceholder(const std::string& placeholder) {
     placeholder_ = placeholder;
-    if (const Native* made = nativeIfMade())
+    if (const Native* made = nativeIfMade()) {
         g_object_set(made->widget.get(), "placeholder-text", placeholder.c_str(), nullptr);
+    }
 }
 
 void TextField::selectText() {
-    if (const auto window = this->window())
+    if (const auto window = this->window()) {
         window->makeFirstResponder(shared_from_this());
-    if (const Native* made = nativeIfMade())
+    }
+    if (const Native* made = nativeIfMade()) {
         gtk_editable_select_region(GTK_EDITABLE(made->widget.get()), 0, -1);
+    }
 }
 
 void TextField::perform(Action action, const ActionSender& /*sender*/) {
-    if (nativeIfMade())
+    if (nativeIfMade()) {
         gtk_widget_activate_action(GTK_WIDGET(TextFieldEvents::nativeOf(*this).text), textActionName(action),
                                    nullptr);
+    }
 }
 
 std::unique_ptr<View::Native> TextField::makeNative() {
@@ -73,9 +78,10 @@ std::unique_ptr<View::Native> TextField::makeNative() {
 }
 
 void TextField::applyFont(Native& native) {
-    if (const auto wanted = font())
+    if (const auto wanted = font()) {
         gtk_text_set_attributes(static_cast<TextFieldEvents::Native&>(native).text,
                                 fontAttributes(wanted->systemFontSize));
+    }
 }
 
 std::unique_ptr<TextFieldEvents::Native> TextFieldEvents::make(TextField& field, GtkWidget* editable) {
@@ -87,8 +93,9 @@ std::unique_ptr<TextFieldEvents::Native> TextFieldEvents::make(TextField& field,
     // A long text scrolls; without this the field would ask for as much room as a few words take.
     gtk_editable_set_width_chars(GTK_EDITABLE(editable), 0);
     gtk_widget_set_sensitive(editable, field.isEnabled());
-    if (field.font())
+    if (field.font()) {
         field.applyFont(*native);
+    }
 
     native->connections.emplace_back(native->text, "insert-text", G_CALLBACK(insertText), nullptr);
     native->connections.emplace_back(editable, "changed", G_CALLBACK(changed), &field);
@@ -109,24 +116,27 @@ void TextFieldEvents::insertText(GtkEditable* editable, const char* text, int le
                                  gpointer /*data*/) {
     const std::string inserted(text, length < 0 ? std::strlen(text) : static_cast<std::size_t>(length));
     const std::string line = TextField::withoutLineBreaks(inserted);
-    if (line == inserted)
+    if (line == inserted) {
         return;
+    }
     g_signal_stop_emission_by_name(editable, "insert-text");
     gtk_editable_insert_text(editable, line.c_str(), static_cast<int>(line.size()), position);
 }
 
 void TextFieldEvents::changed(GtkEditable* editable, gpointer self) {
     auto& field = *static_cast<TextField*>(self);
-    if (nativeOf(field).settingText)
+    if (nativeOf(field).settingText) {
         return;
+    }
     const auto keptAlive = field.shared_from_this();
     field.stringValue_ = gtk_editable_get_text(editable);
     field.beginEditing();
 }
 
 void TextFieldEvents::preeditChanged(GtkText* /*text*/, const char* preedit, gpointer self) {
-    if (*preedit == '\0')
+    if (*preedit == '\0') {
         return;
+    }
     auto& field = *static_cast<TextField*>(self);
     const auto keptAlive = field.shared_from_this();
     field.beginEditing();
@@ -141,12 +151,14 @@ void TextFieldEvents::activated(GtkWidget* /*widget*/, gpointer self) {
 
 gboolean TextFieldEvents::keyPressed(GtkEventControllerKey* /*controller*/, guint keyval, guint /*keycode*/,
                                      GdkModifierType /*state*/, gpointer self) {
-    if (keyval != GDK_KEY_Escape)
+    if (keyval != GDK_KEY_Escape) {
         return GDK_EVENT_PROPAGATE;
+    }
     auto& field = *static_cast<TextField*>(self);
     const auto keptAlive = field.shared_from_this();
-    if (nativeOf(field).isEmptiedByEscape)
+    if (nativeOf(field).isEmptiedByEscape) {
         field.setStringValue("");
+    }
     field.endEditing(TextMovement::cancel);
     field.selectText();
     return GDK_EVENT_STOP;

@@ -45,10 +45,11 @@ void applyAccessibilityLabel(GtkWidget* widget, const std::string& label) {
 }
 
 void applyBackgroundColor(GtkWidget* widget, Color color) {
-    if (color == Color::controlAccent)
+    if (color == Color::controlAccent) {
         gtk_widget_add_css_class(widget, "keyloft-accent");
-    else
+    } else {
         gtk_widget_remove_css_class(widget, "keyloft-accent");
+    }
 }
 
 } // namespace
@@ -56,14 +57,16 @@ void applyBackgroundColor(GtkWidget* widget, Color color) {
 View::Native::~Native() {
     connections.clear();
     toolTipConnection.disconnect();
-    if (widget)
+    if (widget) {
         g_object_set_qdata(G_OBJECT(widget.get()), viewQuark(), nullptr);
+    }
 }
 
 View* viewOfWidget(GtkWidget* widget) {
     for (; widget; widget = gtk_widget_get_parent(widget)) {
-        if (auto* view = static_cast<View*>(g_object_get_qdata(G_OBJECT(widget), viewQuark())))
+        if (auto* view = static_cast<View*>(g_object_get_qdata(G_OBJECT(widget), viewQuark()))) {
             return view;
+        }
     }
     return nullptr;
 }
@@ -84,8 +87,9 @@ void View::addSubview(const std::shared_ptr<View>& view) {
 
 void View::removeFromSuperview() {
     const auto superview = superview_.lock();
-    if (!superview)
+    if (!superview) {
         return;
+    }
     const auto keptAlive = shared_from_this();
     std::erase(superview->subviews_, keptAlive);
     superview_.reset();
@@ -93,44 +97,52 @@ void View::removeFromSuperview() {
 }
 
 void View::subviewsChanged() {
-    if (native_)
+    if (native_) {
         native_->subviewsChanged();
+    }
 }
 
 Rect View::frame() const { return frame_; }
 
 void View::setFrame(const Rect& frame) {
-    if (frame_ == frame)
+    if (frame_ == frame) {
         return;
+    }
     frame_ = frame;
-    if (const auto parent = superview())
+    if (const auto parent = superview()) {
         parent->setNeedsLayout();
+    }
 }
 
 void View::setHidden(bool hidden) {
-    if (hidden_ == hidden)
+    if (hidden_ == hidden) {
         return;
+    }
     hidden_ = hidden;
-    if (GtkWidget* widget = widgetIfMade(*this))
+    if (GtkWidget* widget = widgetIfMade(*this)) {
         gtk_widget_set_visible(widget, !hidden);
+    }
 }
 
 void View::setBackgroundColor(Color color) {
     backgroundColor_ = color;
-    if (GtkWidget* widget = widgetIfMade(*this))
+    if (GtkWidget* widget = widgetIfMade(*this)) {
         applyBackgroundColor(widget, color);
+    }
 }
 
 void View::setAccessibilityLabel(const std::string& label) {
     accessibilityLabel_ = label;
-    if (GtkWidget* widget = widgetIfMade(*this))
+    if (GtkWidget* widget = widgetIfMade(*this)) {
         applyAccessibilityLabel(widget, label);
+    }
 }
 
 void View::setToolTip(const std::string& toolTip) {
     toolTip_ = toolTip;
-    if (native_)
+    if (native_) {
         applyToolTip(*this, *native_);
+    }
 }
 
 LayoutPriority View::contentHuggingPriority(Orientation orientation) const {
@@ -150,8 +162,9 @@ void View::setContentCompressionResistancePriority(LayoutPriority priority, Orie
 }
 
 void View::setNeedsLayout() {
-    if (native_)
+    if (native_) {
         native_->needsLayout();
+    }
 }
 
 View::Native& View::native() {
@@ -161,12 +174,15 @@ View::Native& View::native() {
         GtkWidget* widget = native_->widget.get();
         g_object_set_qdata(G_OBJECT(widget), viewQuark(), this);
         gtk_widget_set_visible(widget, !hidden_);
-        if (backgroundColor_ != Color::none)
+        if (backgroundColor_ != Color::none) {
             applyBackgroundColor(widget, backgroundColor_);
-        if (!toolTip_.empty())
+        }
+        if (!toolTip_.empty()) {
             applyToolTip(*this, *native_);
-        if (!accessibilityLabel_.empty())
+        }
+        if (!accessibilityLabel_.empty()) {
             applyAccessibilityLabel(widget, accessibilityLabel_);
+        }
     }
     return *native_;
 }

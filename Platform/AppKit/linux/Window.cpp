@@ -40,8 +40,9 @@ protected:
 
             Extent measure(Orientation orientation) const override {
                 const auto window = content.window();
-                if (!window)
+                if (!window) {
                     return {};
+                }
                 const Size least = window->minSize();
                 const Size size = window->contentSize();
                 return orientation == Orientation::horizontal ? Extent{least.width, size.width}
@@ -51,8 +52,9 @@ protected:
             void place(Size size) override {
                 const Rect whole{0, 0, size.width, size.height};
                 ViewLayout::setFrame(content, whole);
-                if (const auto window = content.window(); window && window->contentView().get() != &content)
+                if (const auto window = content.window(); window && window->contentView().get() != &content) {
                     ViewLayout::setFrame(*window->contentView(), whole);
+                }
                 FrameLayout::place(size);
             }
 
@@ -87,17 +89,20 @@ Window::~Window() {
     if (GtkWidget* page = native_->page.get()) {
         const auto host = TabHost::of(*this);
         g_object_set_qdata(G_OBJECT(page), windowQuark(), nullptr);
-        if (host && !closed_)
+        if (host && !closed_) {
             host->closePage(*this);
+        }
     }
 }
 
 void Window::setTitle(const std::string& title) {
-    if (title_ == title)
+    if (title_ == title) {
         return;
+    }
     title_ = title;
-    if (const auto host = TabHost::of(*this))
+    if (const auto host = TabHost::of(*this)) {
         host->updateTitle(*this);
+    }
 }
 
 void Window::setMinSize(Size size) {
@@ -120,14 +125,16 @@ void Window::addTabbedWindow(const std::shared_ptr<Window>& window) {
         host = TabHost::of(*this);
     }
     window->native_->makePage(*window);
-    if (!TabHost::of(*window))
+    if (!TabHost::of(*window)) {
         host->addPage(*window, this);
+    }
 }
 
 void Window::makeKeyAndOrderFront() {
     assertMainThread("Window::makeKeyAndOrderFront");
-    if (closed_)
+    if (closed_) {
         return;
+    }
     native_->makePage(*this);
     auto host = TabHost::of(*this);
     if (!host) {
@@ -142,8 +149,9 @@ void Window::makeKeyAndOrderFront() {
 
 void Window::orderOut() {
     assertMainThread("Window::orderOut");
-    if (const auto host = TabHost::of(*this))
+    if (const auto host = TabHost::of(*this)) {
         host->orderOut();
+    }
 }
 
 bool Window::isVisible() const { return native_->page && gtk_widget_get_mapped(native_->page.get()); }
@@ -160,12 +168,13 @@ std::shared_ptr<View> Window::firstResponder() const { return native_->firstResp
 void Window::close() {
     assertMainThread("Window::close");
     const auto keptAlive = shared_from_this();
-    if (!releasedWhenClosed_)
+    if (!releasedWhenClosed_) {
         orderOut();
-    else if (const auto host = TabHost::of(*this))
+    } else if (const auto host = TabHost::of(*this)) {
         host->closePage(*this);
-    else
+    } else {
         Native::willClose(*this);
+    }
 }
 
 bool Window::respondsTo(Action action) const { return Native::isWindowAction(action); }
@@ -185,8 +194,9 @@ bool Window::Native::isWindowAction(Action action) {
 
 void Window::perform(Action action, const ActionSender& /*sender*/) {
     const auto host = TabHost::of(*this);
-    if (!host)
+    if (!host) {
         return;
+    }
     GtkWindow* toplevel = host->toplevel();
     switch (action) {
     case Action::performClose:
@@ -196,10 +206,11 @@ void Window::perform(Action action, const ActionSender& /*sender*/) {
         gtk_window_minimize(toplevel);
         break;
     case Action::performZoom:
-        if (gtk_window_is_maximized(toplevel))
+        if (gtk_window_is_maximized(toplevel)) {
             gtk_window_unmaximize(toplevel);
-        else
+        } else {
             gtk_window_maximize(toplevel);
+        }
         break;
     case Action::selectPreviousTab:
         host->selectNeighbour(-1);
@@ -214,8 +225,9 @@ void Window::perform(Action action, const ActionSender& /*sender*/) {
 
 bool Window::validateMenuItem(MenuItem& item) {
     const auto host = TabHost::of(*this);
-    if (!host)
+    if (!host) {
         return false;
+    }
     switch (item.action().value_or(Action::performClose)) {
     case Action::performClose:
         return style_.closable;
@@ -229,14 +241,16 @@ bool Window::validateMenuItem(MenuItem& item) {
 }
 
 void Window::Native::makePage(Window& window) {
-    if (page)
+    if (page) {
         return;
+    }
     page = GObjectPtr<GtkWidget>::retain(gtk_overlay_new());
     g_object_set_qdata(G_OBJECT(page.get()), windowQuark(), &window);
     gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.root_->native().widget.get());
     mapped = SignalConnection(page.get(), "map", G_CALLBACK(+[](GtkWidget* widget, gpointer /*data*/) {
-                                  if (const auto shown = ofPage(widget))
+                                  if (const auto shown = ofPage(widget)) {
                                       takePendingFocus(*shown);
+                                  }
                               }),
                               nullptr);
 }
@@ -257,10 +271,12 @@ void Window::Native::focusMoved(Window& window, View& view) {
     // a menu, a sheet or another tab keeps its selection: the next typed character must not replace its text.
     const bool isFocusedAnew = previous.get() != &view;
     g_object_set(gtk_settings_get_default(), "gtk-entry-select-on-focus", isFocusedAnew, nullptr);
-    if (!isFocusedAnew)
+    if (!isFocusedAnew) {
         return;
-    if (const auto field = std::dynamic_pointer_cast<TextField>(previous))
+    }
+    if (const auto field = std::dynamic_pointer_cast<TextField>(previous)) {
         TextFieldEvents::focusLeft(*field);
+    }
 }
 
 void Window::Native::takeFocus(Window& window) {
@@ -271,28 +287,33 @@ void Window::Native::takeFocus(Window& window) {
 void Window::Native::takePendingFocus(Window& window) {
     Native& native = *window.native_;
     if (!native.focusPending || !native.page || !gtk_widget_get_mapped(native.page.get()) ||
-        isMenuOpen(gtk_widget_get_root(native.page.get())))
+        isMenuOpen(gtk_widget_get_root(native.page.get()))) {
         return;
+    }
     if (!native.sheets.empty()) {
         native.focusPending = false;
         native.sheets.front()->focus();
     } else if (const auto view = native.firstResponder.lock(); view && view->nativeIfMade()) {
         native.focusPending = false;
         GtkWidget* focus = gtk_root_get_focus(gtk_widget_get_root(native.page.get()));
-        if (viewOfWidget(focus) != view.get())
+        if (viewOfWidget(focus) != view.get()) {
             gtk_widget_grab_focus(view->native().widget.get());
+        }
     }
 }
 
 void Window::Native::willClose(Window& window) {
-    if (window.closed_)
+    if (window.closed_) {
         return;
+    }
     window.closed_ = true;
     const auto keptAlive = window.shared_from_this();
-    while (!window.native_->sheets.empty())
+    while (!window.native_->sheets.empty()) {
         sheetAnswered(window, window.native_->sheets.front()->safeButton());
-    if (const auto delegate = window.delegate_.lock())
+    }
+    if (const auto delegate = window.delegate_.lock()) {
         delegate->windowWillClose(window);
+    }
 }
 
 void Window::Native::addSheet(Window& window, std::unique_ptr<Sheet> sheet) {
@@ -301,8 +322,9 @@ void Window::Native::addSheet(Window& window, std::unique_ptr<Sheet> sheet) {
         return;
     }
     window.native_->sheets.push_back(std::move(sheet));
-    if (window.native_->sheets.size() == 1)
+    if (window.native_->sheets.size() == 1) {
         showSheet(window);
+    }
 }
 
 void Window::Native::showSheet(Window& window) {
@@ -313,12 +335,14 @@ void Window::Native::showSheet(Window& window) {
     gtk_widget_set_can_target(content, FALSE);
     gtk_widget_set_can_focus(content, FALSE);
     GtkWidget* shade = native.sheets.front()->widget([weak = window.weak_from_this()](std::size_t button) {
-        if (const auto answered = weak.lock())
+        if (const auto answered = weak.lock()) {
             sheetAnswered(*answered, button);
+        }
     });
     gtk_overlay_add_overlay(GTK_OVERLAY(native.page.get()), shade);
-    if (const auto host = TabHost::of(window))
+    if (const auto host = TabHost::of(window)) {
         host->setNeedsAttention(window, true);
+    }
     takeFocus(window);
 }
 
@@ -327,14 +351,16 @@ void Window::Native::sheetAnswered(Window& window, std::size_t button) {
     Native& native = *window.native_;
     const std::unique_ptr<Sheet> sheet = std::move(native.sheets.front());
     native.sheets.pop_front();
-    if (GtkWidget* shade = sheet->widgetIfMade())
+    if (GtkWidget* shade = sheet->widgetIfMade()) {
         gtk_overlay_remove_overlay(GTK_OVERLAY(native.page.get()), shade);
+    }
     if (native.sheets.empty()) {
         GtkWidget* content = window.contentView_->native().widget.get();
         gtk_widget_set_can_target(content, TRUE);
         gtk_widget_set_can_focus(content, TRUE);
-        if (const auto host = TabHost::of(window))
+        if (const auto host = TabHost::of(window)) {
             host->setNeedsAttention(window, false);
+        }
         takeFocus(window);
     } else if (!window.closed_) {
         showSheet(window);

@@ -37,32 +37,39 @@ Kind kindOfInputOutputError(const GError& error) {
 }
 
 Kind kindOf(const GError& error) {
-    if (error.domain == WEBKIT_NETWORK_ERROR && error.code == WEBKIT_NETWORK_ERROR_CANCELLED)
+    if (error.domain == WEBKIT_NETWORK_ERROR && error.code == WEBKIT_NETWORK_ERROR_CANCELLED) {
         return urlError(Error::urlCancelled);
-    if (error.domain == WEBKIT_POLICY_ERROR)
+    }
+    if (error.domain == WEBKIT_POLICY_ERROR) {
         return {.domain = std::string(Error::webKitDomain), .code = error.code};
-    if (error.domain == G_RESOLVER_ERROR)
+    }
+    if (error.domain == G_RESOLVER_ERROR) {
         return urlError(Error::urlCannotFindHost);
-    if (error.domain == G_TLS_ERROR)
+    }
+    if (error.domain == G_TLS_ERROR) {
         return urlError(error.code == G_TLS_ERROR_BAD_CERTIFICATE ? Error::urlServerCertificateUntrusted
                                                                   : Error::urlSecureConnectionFailed);
-    if (error.domain == G_IO_ERROR)
+    }
+    if (error.domain == G_IO_ERROR) {
         return kindOfInputOutputError(error);
+    }
     return {.domain = g_quark_to_string(error.domain), .code = error.code};
 }
 
 } // namespace
 
 std::optional<Error> loadError(const GError& error, const char* failingURI) {
-    if (error.domain == WEBKIT_MEDIA_ERROR && error.code == WEBKIT_MEDIA_ERROR_WILL_HANDLE_LOAD)
+    if (error.domain == WEBKIT_MEDIA_ERROR && error.code == WEBKIT_MEDIA_ERROR_WILL_HANDLE_LOAD) {
         return std::nullopt;
+    }
     Kind kind = kindOf(error);
     Error result{.domain = std::move(kind.domain),
                  .code = kind.code,
                  .localizedDescription = error.message ? error.message : "",
                  .failingURL = std::nullopt};
-    if (failingURI && *failingURI)
+    if (failingURI && *failingURI) {
         result.failingURL = failingURI;
+    }
     return result;
 }
 

@@ -38,8 +38,10 @@ NavigationAction navigationAction(WebKitNavigationAction* action) {
                             .bodyStream = nullptr,
                             .navigationType =
                                 navigationType(webkit_navigation_action_get_navigation_type(action))};
-    if (const char* method = webkit_uri_request_get_http_method(webkit_navigation_action_get_request(action)))
+    if (const char* method =
+            webkit_uri_request_get_http_method(webkit_navigation_action_get_request(action))) {
         result.method = method;
+    }
     return result;
 }
 
@@ -55,12 +57,14 @@ NavigationQuestion::~NavigationQuestion() { answer(NavigationActionPolicy::cance
 
 void NavigationQuestion::answer(NavigationActionPolicy policy) {
     const auto decision = std::exchange(decision_, {});
-    if (!decision)
+    if (!decision) {
         return;
-    if (policy == NavigationActionPolicy::allow)
+    }
+    if (policy == NavigationActionPolicy::allow) {
         webkit_policy_decision_use(decision.get());
-    else
+    } else {
         webkit_policy_decision_ignore(decision.get());
+    }
 }
 
 } // namespace Platform

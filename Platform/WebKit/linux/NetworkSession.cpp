@@ -13,8 +13,9 @@ void refuseDownload(WebKitNetworkSession* /*session*/, WebKitDownload* download,
 WebKitNetworkSession* makePersistentSession() {
     const auto data = privateFolder(g_get_user_data_dir());
     const auto cache = privateFolder(g_get_user_cache_dir());
-    if (!data || !cache)
+    if (!data || !cache) {
         return webkit_network_session_new_ephemeral();
+    }
     auto* session = webkit_network_session_new(data->c_str(), cache->c_str());
     webkit_cookie_manager_set_persistent_storage(webkit_network_session_get_cookie_manager(session),
                                                  (*data + "/cookies.sqlite").c_str(),
@@ -32,8 +33,9 @@ WebKitNetworkSession* restricted(WebKitNetworkSession* session) {
 } // namespace
 
 GObjectPtr<WebKitNetworkSession> networkSession(WebsiteDataStore store) {
-    if (store == WebsiteDataStore::nonPersistent)
+    if (store == WebsiteDataStore::nonPersistent) {
         return GObjectPtr<WebKitNetworkSession>::adopt(restricted(webkit_network_session_new_ephemeral()));
+    }
     static WebKitNetworkSession* const defaultSession = restricted(makePersistentSession());
     return GObjectPtr<WebKitNetworkSession>::retain(defaultSession);
 }

@@ -23,8 +23,9 @@ static_assert(std::ranges::is_sorted(restrictedPorts));
 
 bool usesRestrictedPort(const char* uri) {
     const auto url = URL::fromString(uri ? uri : "");
-    if (!url || (url->scheme() != "http" && url->scheme() != "https"))
+    if (!url || (url->scheme() != "http" && url->scheme() != "https")) {
         return false;
+    }
     const auto port = url->port();
     return port && std::ranges::binary_search(restrictedPorts, *port);
 }

@@ -13,14 +13,16 @@ bool isAttachment(WebKitURIResponse* response) {
     SoupMessageHeaders* headers = webkit_uri_response_get_http_headers(response);
     const char* disposition =
         headers ? soup_message_headers_get_one(headers, "Content-Disposition") : nullptr;
-    if (!disposition)
+    if (!disposition) {
         return false;
+    }
     std::string_view type = disposition;
     type = type.substr(0, type.find(';'));
     constexpr std::string_view space = " \t";
     const auto begin = type.find_first_not_of(space);
-    if (begin == std::string_view::npos)
+    if (begin == std::string_view::npos) {
         return false;
+    }
     type = type.substr(begin, type.find_last_not_of(space) - begin + 1);
     return std::ranges::equal(type, std::string_view("attachment"),
                               [](char left, char right) { return g_ascii_tolower(left) == right; });
@@ -28,19 +30,22 @@ bool isAttachment(WebKitURIResponse* response) {
 
 gboolean decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
                       gpointer /*data*/) {
-    if (type != WEBKIT_POLICY_DECISION_TYPE_RESPONSE)
+    if (type != WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
         return FALSE;
+    }
     auto* response = WEBKIT_RESPONSE_POLICY_DECISION(decision);
-    if (!isAttachment(webkit_response_policy_decision_get_response(response)))
+    if (!isAttachment(webkit_response_policy_decision_get_response(response))) {
         return FALSE;
+    }
     webkit_policy_decision_ignore(decision);
     return TRUE;
 }
 
 gboolean scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpointer /*data*/) {
     // A refused departure would leave the view between two pages.
-    if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM)
+    if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
         webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
+    }
     // Nobody holds the dialog, so that it closes when this returns.
     return TRUE;
 }
@@ -93,18 +98,20 @@ bool isRefused(WebKitContextMenuItem* item) {
 void removeRefused(WebKitContextMenu* menu) {
     for (guint index = webkit_context_menu_get_n_items(menu); index-- > 0;) {
         WebKitContextMenuItem* item = webkit_context_menu_get_item_at_position(menu, index);
-        if (isRefused(item))
+        if (isRefused(item)) {
             webkit_context_menu_remove(menu, item);
-        else if (WebKitContextMenu* submenu = webkit_context_menu_item_get_submenu(item))
+        } else if (WebKitContextMenu* submenu = webkit_context_menu_item_get_submenu(item)) {
             removeRefused(submenu);
+        }
     }
     // A group whose items are all gone leaves its separator behind.
     bool separatorBehind = true;
     for (guint index = webkit_context_menu_get_n_items(menu); index-- > 0;) {
         WebKitContextMenuItem* item = webkit_context_menu_get_item_at_position(menu, index);
         const bool separator = webkit_context_menu_item_is_separator(item);
-        if (separator && (separatorBehind || index == 0))
+        if (separator && (separatorBehind || index == 0)) {
             webkit_context_menu_remove(menu, item);
+        }
         separatorBehind = separator;
     }
 }

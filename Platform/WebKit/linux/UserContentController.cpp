@@ -13,8 +13,9 @@ namespace {
 
 JSONValue jsonValue(JSCValue* value) {
     const std::unique_ptr<char, decltype(&g_free)> text(jsc_value_to_json(value, 0), &g_free);
-    if (!text)
+    if (!text) {
         return nullptr;
+    }
     // What is neither array nor object is no JSON text on its own.
     const auto list = JSONValue::parse("[" + std::string(text.get()) + "]");
     return list && list->array() && list->array()->size() == 1 ? list->array()->front() : nullptr;
@@ -22,8 +23,9 @@ JSONValue jsonValue(JSCValue* value) {
 
 void messageReceived(WebKitUserContentManager* /*manager*/, JSCValue* value, gpointer data) {
     const auto& registration = *static_cast<UserContentController::Native::Registration*>(data);
-    if (const auto handler = registration.handler.lock())
+    if (const auto handler = registration.handler.lock()) {
         handler->didReceiveScriptMessage({.name = registration.name, .body = jsonValue(value)});
+    }
 }
 
 } // namespace

@@ -51,34 +51,40 @@ public:
     bool isMakingRoom() const { return isMakingRoom_; }
 
     void makeRoom() {
-        if (Process::count < webProcessLimit)
+        if (Process::count < webProcessLimit) {
             return;
+        }
         std::shared_ptr<Process> longestUnseen;
         for (const auto* place : places_) {
             const auto& process = place->process_;
             if (process && mayGiveWay(*process) &&
-                (!longestUnseen || lastSeen(*process) < lastSeen(*longestUnseen)))
+                (!longestUnseen || lastSeen(*process) < lastSeen(*longestUnseen))) {
                 longestUnseen = process;
+            }
         }
-        if (!longestUnseen)
+        if (!longestUnseen) {
             return;
+        }
         isMakingRoom_ = true;
         // The end of one may be the end of another, or of its view.
         const auto present = places_;
         for (auto* place : present) {
-            if (std::ranges::find(places_, place) != places_.end() && place->process_ == longestUnseen)
+            if (std::ranges::find(places_, place) != places_.end() && place->process_ == longestUnseen) {
                 place->user_.giveWay();
+            }
         }
         isMakingRoom_ = false;
     }
 
     void turnToNext() {
         const auto* const next = nextWaiting();
-        if (source_ != 0)
+        if (source_ != 0) {
             g_source_remove(std::exchange(source_, 0));
-        if (next != nullptr)
+        }
+        if (next != nullptr) {
             source_ = g_idle_add_full(next->user_.isVisible() ? G_PRIORITY_DEFAULT : G_PRIORITY_LOW,
                                       &List::beginNext, this, nullptr);
+        }
     }
 
 private:
@@ -96,8 +102,9 @@ private:
     std::uint64_t lastSeen(const Process& process) const {
         std::uint64_t last = 0;
         for (const auto* place : places_) {
-            if (place->process_.get() == &process)
+            if (place->process_.get() == &process) {
                 last = std::max(last, place->lastSeen_);
+            }
         }
         return last;
     }
@@ -106,12 +113,15 @@ private:
     WebProcessPlace* nextWaiting() const {
         WebProcessPlace* next = nullptr;
         for (auto* place : places_) {
-            if (!place->isWaiting())
+            if (!place->isWaiting()) {
                 continue;
-            if (place->user_.isVisible())
+            }
+            if (place->user_.isVisible()) {
                 return place;
-            if (next == nullptr)
+            }
+            if (next == nullptr) {
                 next = place;
+            }
         }
         return next;
     }
@@ -120,8 +130,9 @@ private:
         auto& list = *static_cast<List*>(data);
         list.source_ = 0;
         auto* const next = list.nextWaiting();
-        if (next != nullptr && list.mayStart(*next))
+        if (next != nullptr && list.mayStart(*next)) {
             next->startAndUse();
+        }
         return G_SOURCE_REMOVE;
     }
 
@@ -145,28 +156,32 @@ WebProcessPlace::~WebProcessPlace() {
 
 void WebProcessPlace::begin(std::function<void()> use) {
     use_ = std::move(use);
-    if (process_ || List::shared().hasTurn(*this))
+    if (process_ || List::shared().hasTurn(*this)) {
         startAndUse();
+    }
 }
 
 void WebProcessPlace::cutIn() {
-    if (isWaiting() && List::shared().mayStart(*this))
+    if (isWaiting() && List::shared().mayStart(*this)) {
         startAndUse();
+    }
 }
 
 void WebProcessPlace::stopWaiting() { use_ = {}; }
 
 bool WebProcessPlace::takeNow() {
-    if (!process_ && List::shared().mayStart(*this))
+    if (!process_ && List::shared().mayStart(*this)) {
         start();
+    }
     return process_ != nullptr;
 }
 
 bool WebProcessPlace::isMakingRoom() { return List::shared().isMakingRoom(); }
 
 void WebProcessPlace::start() {
-    if (process_)
+    if (process_) {
         return;
+    }
     List::shared().makeRoom();
     process_ = std::make_shared<Process>([] { List::shared().turnToNext(); });
 }
@@ -180,22 +195,25 @@ void WebProcessPlace::startAndUse() {
 void WebProcessPlace::share(const WebProcessPlace& other) { process_ = other.process_; }
 
 void WebProcessPlace::started() {
-    if (process_ && std::exchange(process_->starting, nullptr))
+    if (process_ && std::exchange(process_->starting, nullptr)) {
         List::shared().turnToNext();
+    }
 }
 
 void WebProcessPlace::moved() {
     // The one before goes on only where other views use it.
-    if (process_.use_count() < 2)
+    if (process_.use_count() < 2) {
         return;
+    }
     process_.reset();
     start();
     started();
 }
 
 void WebProcessPlace::leave() {
-    if (std::exchange(process_, nullptr))
+    if (std::exchange(process_, nullptr)) {
         List::shared().turnToNext();
+    }
 }
 
 void WebProcessPlace::seen() { lastSeen_ = List::shared().nextSighting(); }

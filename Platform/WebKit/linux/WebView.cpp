@@ -51,8 +51,9 @@ GObjectPtr<WebKitSettings> makeSettings() {
 void keepFocusFromInnerWidgets(GtkWidget* view) {
     for (GtkWidget* child = gtk_widget_get_first_child(view); child;
          child = gtk_widget_get_next_sibling(child)) {
-        if (GTK_IS_TEXT_VIEW(child))
+        if (GTK_IS_TEXT_VIEW(child)) {
             gtk_widget_set_can_focus(child, FALSE);
+        }
     }
 }
 
@@ -244,31 +245,36 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
     };
     notified("notify::uri", [](WebKitWebView*, GParamSpec*, gpointer data) {
         auto& engine = *static_cast<Engine*>(data);
-        if (const auto kept = engine.keep())
+        if (const auto kept = engine.keep()) {
             engine.updateURL();
+        }
     });
     notified("notify::title", [](WebKitWebView*, GParamSpec*, gpointer data) {
         auto& engine = *static_cast<Engine*>(data);
-        if (const auto kept = engine.keep())
+        if (const auto kept = engine.keep()) {
             engine.updateTitle();
+        }
     });
     notified("notify::estimated-load-progress", [](WebKitWebView* view, GParamSpec*, gpointer data) {
         auto& engine = *static_cast<Engine*>(data);
-        if (const auto kept = engine.keep())
+        if (const auto kept = engine.keep()) {
             engine.update(engine.estimatedProgress, webkit_web_view_get_estimated_load_progress(view),
                           Property::estimatedProgress);
+        }
     });
     notified("notify::is-loading", [](WebKitWebView*, GParamSpec*, gpointer data) {
         auto& engine = *static_cast<Engine*>(data);
-        if (const auto kept = engine.keep())
+        if (const auto kept = engine.keep()) {
             engine.updateIsLoading();
+        }
     });
     connect(
         webkit_web_view_get_back_forward_list(view.get()), "changed",
         +[](WebKitBackForwardList*, WebKitBackForwardListItem*, gpointer, gpointer data) {
             auto& engine = *static_cast<Engine*>(data);
-            if (const auto kept = engine.keep())
+            if (const auto kept = engine.keep()) {
                 engine.updateHistory();
+            }
         });
     // The page has moved to another process.
     notified("notify::page-id",
@@ -294,8 +300,9 @@ WebView::Engine::~Engine() {
     connections.clear();
     // A page that waits for an answer would keep the widget alive for as long as nobody gives one.
     for (const auto& dialog : dialogs) {
-        if (const auto pending = dialog.lock())
+        if (const auto pending = dialog.lock()) {
             pending->answer(false);
+        }
     }
     // The view may be let go from inside one of the widget's signals, whose emitter still works with the
     // widget when the handler returns. Not when the loop is idle, for a page that asks forever, and now gets
@@ -308,22 +315,25 @@ WebView::Engine::~Engine() {
 
 template <typename Value>
 void WebView::Engine::update(Value& value, Value now, Property property) {
-    if (value == now)
+    if (value == now) {
         return;
+    }
     value = std::move(now);
     observers.notify(property);
 }
 
 void WebView::Engine::updateURL() {
     const auto text = nonEmpty(webkit_web_view_get_uri(view.get()));
-    if (processEnded && !text)
+    if (processEnded && !text) {
         return;
+    }
     update(url, text ? URL::fromString(*text) : std::nullopt, Property::url);
 }
 
 void WebView::Engine::updateTitle() {
-    if (!processEnded)
+    if (!processEnded) {
         update(title, nonEmpty(webkit_web_view_get_title(view.get())), Property::title);
+    }
 }
 
 void WebView::Engine::updateIsLoading() {
@@ -331,8 +341,9 @@ void WebView::Engine::updateIsLoading() {
     if (now) {
         processEnded = false;
         interruptedURI.reset();
-    } else if (phase != Phase::requested) // or it is the navigation before that is given up
+    } else if (phase != Phase::requested) { // or it is the navigation before that is given up
         endNavigation();
+    }
     update(isLoading, now, Property::isLoading);
 }
 
@@ -346,8 +357,9 @@ void WebView::Engine::updateHistory() {
 
 /// The program asks for a navigation, which replaces the one under way.
 void WebView::Engine::replaceNavigation() {
-    if (phase == Phase::idle)
+    if (phase == Phase::idle) {
         shownURL = url;
+    }
     endNavigation();
     stopTimer.reset();
     restrictedURI.reset();
@@ -364,8 +376,9 @@ void WebView::Engine::begin(std::function<void()> navigation) {
         navigation();
     });
     // Not at once: of many tabs that are opened together each is in sight, until the next one is.
-    if (place.isWaiting())
+    if (place.isWaiting()) {
         catchUpSoon();
+    }
 }
 
 void WebView::Engine::navigate(std::function<void()> navigation) {
@@ -391,8 +404,9 @@ void WebView::Engine::load(const std::string& uri) {
         startTimeout();
         webkit_web_view_load_uri(view.get(), uri.c_str());
     });
-    if (place.isWaiting())
+    if (place.isWaiting()) {
         update(url, URL::fromString(uri), Property::url);
+    }
 }
 
 void WebView::Engine::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
@@ -403,12 +417,14 @@ void WebView::Engine::loadHTMLString(const std::string& html, const std::optiona
 }
 
 void WebView::Engine::reload() {
-    if (place.isWaiting())
+    if (place.isWaiting()) {
         return;
-    if (processEnded)
+    }
+    if (processEnded) {
         recover();
-    else
+    } else {
         navigate([this] { webkit_web_view_reload(view.get()); });
+    }
 }
 
 void WebView::Engine::stop() {
@@ -420,8 +436,9 @@ void WebView::Engine::stop() {
     }
     // Before the engine has asked about the navigation it only forgets it, and would report it as loading for
     // good.
-    if (phase == Phase::requested && (isLoading || loadedURI))
+    if (phase == Phase::requested && (isLoading || loadedURI)) {
         stoppedURI = requestedURI();
+    }
     timeout.reset();
     webkit_web_view_stop_loading(view.get());
 }
@@ -429,48 +446,56 @@ void WebView::Engine::stop() {
 void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
-    if (!kept)
+    if (!kept) {
         return;
+    }
     engine.place.started();
     switch (event) {
     case WEBKIT_LOAD_STARTED:
         // The engine asks about a load before it starts it: this is still the navigation before.
-        if (engine.phase == Phase::requested && engine.loadedURI)
+        if (engine.phase == Phase::requested && engine.loadedURI) {
             break;
+        }
         // The page went elsewhere before the load was through.
-        if (engine.phase == Phase::started)
+        if (engine.phase == Phase::started) {
             engine.endNavigation();
-        else if (engine.phase == Phase::idle)
+        } else if (engine.phase == Phase::idle) {
             engine.shownURL = engine.url;
+        }
         engine.phase = Phase::started;
         engine.fresh = false;
         // The time was up between the engine's question and now.
-        if (engine.timeout && !engine.timeout->isValid())
+        if (engine.timeout && !engine.timeout->isValid()) {
             engine.timedOut();
+        }
         break;
     case WEBKIT_LOAD_REDIRECTED:
         if (engine.loadedURI && engine.phase == Phase::started) {
             engine.loadedURI = nonEmpty(webkit_web_view_get_uri(view));
-            if (engine.timeout)
+            if (engine.timeout) {
                 engine.startTimeout();
+            }
         }
         break;
     case WEBKIT_LOAD_COMMITTED:
         // In an earlier phase it is the page before that is still coming in.
-        if (engine.phase == Phase::started)
+        if (engine.phase == Phase::started) {
             engine.endNavigation();
-        else
+        } else {
             engine.shownURL.reset();
+        }
         engine.ownPage.disarm();
         engine.updateTitle();
         engine.updateHistory();
         break;
     case WEBKIT_LOAD_FINISHED:
         engine.updateHistory();
-        if (std::exchange(engine.finishIsFailure, false))
+        if (std::exchange(engine.finishIsFailure, false)) {
             break;
-        if (const auto delegate = engine.navigationDelegate.lock())
+        }
+        if (const auto delegate = engine.navigationDelegate.lock()) {
             delegate->didFinishNavigation(*kept);
+        }
         break;
     }
 }
@@ -481,8 +506,9 @@ gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision
                                        WebKitPolicyDecisionType type, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
-    if (!kept || type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE)
+    if (!kept || type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
         return FALSE;
+    }
     engine.place.started();
     const auto question = std::make_shared<NavigationQuestion>(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     if (type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
@@ -508,12 +534,14 @@ void WebView::Engine::decide(const std::shared_ptr<NavigationQuestion>& question
     }
     const bool isRequested = phase == Phase::requested && requestedURI() == question->uri();
     const bool isOwnPage = ownPage.use(question->action(), question->isRedirect());
-    if (isRequested || isOwnPage)
+    if (isRequested || isOwnPage) {
         phase = Phase::decided;
-    if (isOwnPage)
+    }
+    if (isOwnPage) {
         question->answer(NavigationActionPolicy::allow);
-    else
+    } else {
         ask(question, isRequested);
+    }
 }
 
 void WebView::Engine::ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested) {
@@ -526,52 +554,61 @@ void WebView::Engine::ask(const std::shared_ptr<NavigationQuestion>& question, b
                            [question, isRequested, weak = weak_from_this()](NavigationActionPolicy policy) {
                                const auto engine = weak.lock();
                                const auto kept = engine ? engine->keep() : nullptr;
-                               if (kept)
+                               if (kept) {
                                    engine->answer(*question, policy, isRequested);
+                               }
                            });
 }
 
 void WebView::Engine::answer(NavigationQuestion& question, NavigationActionPolicy policy, bool isRequested) {
     if (policy == NavigationActionPolicy::allow && !question.isAnswered() &&
-        usesRestrictedPort(question.uri().c_str()))
+        usesRestrictedPort(question.uri().c_str())) {
         refuseRestrictedPort(question, isRequested);
-    else
+    } else {
         question.answer(policy);
+    }
 }
 
 void WebView::Engine::refuseRestrictedPort(NavigationQuestion& question, bool isRequested) {
-    if (question.isRedirect())
+    if (question.isRedirect()) {
         restrictedURI = question.uri();
-    if (isRequested)
+    }
+    if (isRequested) {
         endNavigation();
+    }
     question.answer(NavigationActionPolicy::cancel);
-    if (isRequested)
+    if (isRequested) {
         report(WEBKIT_LOAD_STARTED, restrictedPortError(question.uri()));
+    }
 }
 
 // Failures
 
 void WebView::Engine::report(WebKitLoadEvent event, const Error& error) {
     const auto delegate = navigationDelegate.lock();
-    if (!delegate)
+    if (!delegate) {
         return;
-    if (event == WEBKIT_LOAD_COMMITTED)
+    }
+    if (event == WEBKIT_LOAD_COMMITTED) {
         delegate->didFailNavigation(owner, error);
-    else
+    } else {
         delegate->didFailProvisionalNavigation(owner, error);
+    }
 }
 
 gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent event, const char* uri,
                                      GError* error, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
-    if (!kept)
+    if (!kept) {
         return TRUE;
+    }
     engine.updateHistory();
     engine.ownPage.disarm();
     auto reported = loadError(*error, uri);
-    if (!reported)
+    if (!reported) {
         return TRUE;
+    }
     engine.finishIsFailure = true;
     const bool isCancelled = reported->domain == Error::urlDomain && reported->code == Error::urlCancelled;
     if (isCancelled && engine.stopTimer) {
@@ -579,25 +616,29 @@ gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent ev
         reported = timedOutError(reported->failingURL);
     }
     const auto restricted = std::exchange(engine.restrictedURI, std::nullopt);
-    if (restricted && reported->domain == Error::webKitDomain && reported->failingURL == restricted)
+    if (restricted && reported->domain == Error::webKitDomain && reported->failingURL == restricted) {
         reported = restrictedPortError(restricted);
+    }
     engine.report(event, *reported);
     return TRUE;
 }
 
 void WebView::Engine::startTimeout() {
     timeout.reset();
-    if (!(timeoutInterval > 0))
+    if (!(timeoutInterval > 0)) {
         return;
+    }
     timeout = Timer::scheduled(timeoutInterval, false, [this] {
-        if (const auto kept = keep())
+        if (const auto kept = keep()) {
             timedOut();
+        }
     });
 }
 
 void WebView::Engine::timedOut() {
-    if (!isLoading && phase != Phase::requested)
+    if (!isLoading && phase != Phase::requested) {
         return;
+    }
     const auto failingURL = loadedURI;
     const bool willFail = phase == Phase::started;
     stop();
@@ -610,8 +651,9 @@ void WebView::Engine::timedOut() {
         return;
     }
     stopTimer = Timer::scheduled(stopLimit, false, [this, reportNow] {
-        if (const auto kept = keep())
+        if (const auto kept = keep()) {
             reportNow();
+        }
     });
 }
 
@@ -621,8 +663,9 @@ GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationActi
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
     const auto delegate = kept ? engine.uiDelegate.lock() : nullptr;
-    if (!delegate)
+    if (!delegate) {
         return nullptr;
+    }
 
     auto native = std::make_unique<WebViewConfiguration::Native>();
     native->opener = GObjectPtr<WebKitWebView>::retain(view);
@@ -632,10 +675,12 @@ GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationActi
 
     const auto child = delegate->createWebView(*kept, configuration, navigationAction(action));
     configuration->native().opener.reset();
-    if (!child)
+    if (!child) {
         return nullptr;
-    if (child->configuration_ != configuration)
+    }
+    if (child->configuration_ != configuration) {
         fatalError("A page's new window must be shown by a view made with the configuration supplied for it");
+    }
     child->engine_->fresh = false;
     child->engine_->isNewWindow = true;
     child->engine_->place.share(engine.place);
@@ -648,8 +693,9 @@ gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
     const auto kept = engine.keep();
     const auto delegate = kept ? engine.uiDelegate.lock() : nullptr;
     const auto type = webkit_script_dialog_get_dialog_type(dialog);
-    if (!delegate || (type != WEBKIT_SCRIPT_DIALOG_ALERT && type != WEBKIT_SCRIPT_DIALOG_CONFIRM))
+    if (!delegate || (type != WEBKIT_SCRIPT_DIALOG_ALERT && type != WEBKIT_SCRIPT_DIALOG_CONFIRM)) {
         return FALSE;
+    }
 
     const auto pending = std::make_shared<ScriptDialog>(dialog);
     std::erase_if(engine.dialogs, [](const auto& other) { return other.expired(); });
@@ -657,19 +703,21 @@ gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
     const std::string message = webkit_script_dialog_get_message(dialog);
     // A page must not speak in the name of the one that comes after it.
     const FrameInfo frame{.url = engine.phase == Phase::idle ? engine.url : engine.shownURL};
-    if (type == WEBKIT_SCRIPT_DIALOG_ALERT)
+    if (type == WEBKIT_SCRIPT_DIALOG_ALERT) {
         delegate->runJavaScriptAlertPanel(*kept, message, frame, [pending] { pending->answer(true); });
-    else
+    } else {
         delegate->runJavaScriptConfirmPanel(*kept, message, frame,
                                             [pending](bool confirmed) { pending->answer(confirmed); });
+    }
     return TRUE;
 }
 
 void WebView::Engine::closed(WebKitWebView* /*view*/, gpointer data) {
     const auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
-    if (const auto delegate = kept ? engine.uiDelegate.lock() : nullptr)
+    if (const auto delegate = kept ? engine.uiDelegate.lock() : nullptr) {
         delegate->webViewDidClose(*kept);
+    }
 }
 
 // The web process
@@ -678,8 +726,9 @@ void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
                                            WebKitWebProcessTerminationReason /*reason*/, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     const auto kept = engine.keep();
-    if (!kept)
+    if (!kept) {
         return;
+    }
     engine.place.leave();
     bool again = false;
     if (!WebProcessPlace::isMakingRoom()) {
@@ -690,16 +739,18 @@ void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
     engine.processEnded = true;
     engine.stopTimer.reset();
     // Nothing is committed yet that a reload could bring back.
-    if (engine.loadedURI)
+    if (engine.loadedURI) {
         engine.interruptedURI = engine.loadedURI;
-    else if (engine.url && (engine.isNewWindow || engine.place.isWaiting()))
+    } else if (engine.url && (engine.isNewWindow || engine.place.isWaiting())) {
         engine.interruptedURI = engineText(*engine.url);
-    else if (engine.phase == Phase::idle)
+    } else if (engine.phase == Phase::idle) {
         engine.interruptedURI.reset();
+    }
     engine.place.stopWaiting();
     for (const auto& dialog : std::exchange(engine.dialogs, {})) {
-        if (const auto pending = dialog.lock())
+        if (const auto pending = dialog.lock()) {
             pending->answer(false);
+        }
     }
     engine.endNavigation();
     engine.reloadsWhenVisible = !again && engine.url;
@@ -716,40 +767,46 @@ bool WebView::Engine::mayGiveWay() const {
 
 void WebView::Engine::giveWay() {
     const auto kept = keep();
-    if (!kept)
+    if (!kept) {
         return;
+    }
     webkit_web_view_terminate_web_process(view.get());
 }
 
 void WebView::Engine::catchUpSoon() {
     RunLoop::main().perform([weak = weak_from_this()] {
-        if (const auto engine = weak.lock())
+        if (const auto engine = weak.lock()) {
             engine->catchUpIfVisible();
+        }
     });
 }
 
 /// Loads what had to wait until somebody looks.
 void WebView::Engine::catchUpIfVisible() {
     const auto kept = keep();
-    if (!kept || !isVisible())
+    if (!kept || !isVisible()) {
         return;
-    if (processEnded && reloadsWhenVisible)
+    }
+    if (processEnded && reloadsWhenVisible) {
         recover();
+    }
     place.cutIn();
 }
 
 void WebView::Engine::recover() {
-    if (const auto interrupted = interruptedURI)
+    if (const auto interrupted = interruptedURI) {
         load(*interrupted);
-    else
+    } else {
         navigate([this] { webkit_web_view_reload(view.get()); });
+    }
 }
 
 void WebView::Engine::mapped(GtkWidget* widget, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     engine.place.seen();
-    if (engine.reloadsWhenVisible || engine.place.isWaiting())
+    if (engine.reloadsWhenVisible || engine.place.isWaiting()) {
         engine.catchUpSoon();
+    }
     if (engine.fresh) {
         engine.paintConnection =
             SignalConnection(gtk_widget_get_frame_clock(widget), "after-paint", G_CALLBACK(painted), data);
@@ -763,8 +820,9 @@ void WebView::Engine::unmapped(GtkWidget* /*widget*/, gpointer data) {
 void WebView::Engine::painted(GdkFrameClock* /*clock*/, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
     RunLoop::main().perform([weak = engine.weak_from_this()] {
-        if (const auto engine = weak.lock())
+        if (const auto engine = weak.lock()) {
             engine->prewarm();
+        }
     });
     engine.paintConnection.disconnect();
 }
@@ -773,12 +831,14 @@ void WebView::Engine::painted(GdkFrameClock* /*clock*/, gpointer data) {
 /// Once the window stands it is started all the same, while the user still types the address: a script that
 /// does nothing needs one, and touches neither history nor properties.
 void WebView::Engine::prewarm() {
-    if (!std::exchange(fresh, false) || !place.takeNow())
+    if (!std::exchange(fresh, false) || !place.takeNow()) {
         return;
+    }
     const auto answered = [](GObject*, GAsyncResult*, gpointer data) {
         const std::unique_ptr<std::weak_ptr<Engine>> weak(static_cast<std::weak_ptr<Engine>*>(data));
-        if (const auto engine = weak->lock())
+        if (const auto engine = weak->lock()) {
             engine->place.started();
+        }
     };
     webkit_web_view_evaluate_javascript(view.get(), "1", -1, nullptr, nullptr, nullptr, answered,
                                         std::make_unique<std::weak_ptr<Engine>>(weak_from_this()).release());
@@ -833,8 +893,9 @@ bool WebView::isLoading() const { return engine_->isLoading; }
 Observation WebView::observe(Property property, std::function<void()> changed) {
     assertMainThread("WebView::observe");
     return engine_->observers.add([property, changed = std::move(changed)](Property changedProperty) {
-        if (changedProperty == property)
+        if (changedProperty == property) {
             changed();
+        }
     });
 }
 
@@ -866,16 +927,18 @@ void WebView::stopLoading() {
 void WebView::goBack() {
     assertMainThread("WebView::goBack");
     const auto kept = shared_from_this();
-    if (!engine_->canGoBack)
+    if (!engine_->canGoBack) {
         return;
+    }
     engine_->navigate([view = engine_->view] { webkit_web_view_go_back(view.get()); });
 }
 
 void WebView::goForward() {
     assertMainThread("WebView::goForward");
     const auto kept = shared_from_this();
-    if (!engine_->canGoForward)
+    if (!engine_->canGoForward) {
         return;
+    }
     engine_->navigate([view = engine_->view] { webkit_web_view_go_forward(view.get()); });
 }
 
@@ -899,8 +962,9 @@ bool WebView::respondsTo(Action action) const { return isEditing(action); }
 
 void WebView::perform(Action action, const ActionSender& /*sender*/) {
     assertMainThread("WebView::perform");
-    if (const char* command = editingCommand(action))
+    if (const char* command = editingCommand(action)) {
         webkit_web_view_execute_editing_command(engine_->view.get(), command);
+    }
 }
 
 } // namespace Platform

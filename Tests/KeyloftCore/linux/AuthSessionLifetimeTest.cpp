@@ -37,8 +37,9 @@ protected:
         WatchedWidget(const WatchedWidget&) = delete;
         WatchedWidget& operator=(const WatchedWidget&) = delete;
         ~WatchedWidget() {
-            if (widget_)
+            if (widget_) {
                 g_object_remove_weak_pointer(G_OBJECT(widget_), &widget_);
+            }
         }
         bool isGone() const { return widget_ == nullptr; }
 
@@ -112,10 +113,11 @@ TEST_F(AuthSessionLifetime, theCompletionMayLetTheSessionGo) {
         const std::weak_ptr<AuthSession> weak = session;
         start(session);
         ASSERT_TRUE(showPage(session, ""));
-        if (byPage)
+        if (byPage) {
             runScript(*Inspector::webView(*session), "window.close()");
-        else
+        } else {
             Inspector::timeoutTimer(*session)->fire();
+        }
         EXPECT_TRUE(runUntil([&] { return ended && weak.expired() && nativeWindows() == 0; }));
     }
 }

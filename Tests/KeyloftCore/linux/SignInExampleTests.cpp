@@ -37,8 +37,9 @@ protected:
         Outcome run;
         std::FILE* output = ::popen(command.c_str(), "re");
         std::array<char, 4096> buffer{};
-        for (std::size_t size = 0; (size = std::fread(buffer.data(), 1, buffer.size(), output)) > 0;)
+        for (std::size_t size = 0; (size = std::fread(buffer.data(), 1, buffer.size(), output)) > 0;) {
             run.output.append(buffer.data(), size);
+        }
         const int status = ::pclose(output);
         run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
         run.error = KeyloftTests::contentsOf(directory_ / "error");

@@ -54,8 +54,9 @@ TEST_F(SignInRepetitionTest, eachOfManySignInsGetsItsOwnFields) {
     std::set<std::string> codes;
     for (int number = 0; number < KEYLOFT_SIGN_INS; number += atOnce) {
         results.clear();
-        for (int beside = 0; beside < atOnce; ++beside)
+        for (int beside = 0; beside < atOnce; ++beside) {
             start();
+        }
         ASSERT_TRUE(runUntil([&] { return results.size() == atOnce; }, std::chrono::minutes(1)));
         for (const auto& result : results) {
             ASSERT_TRUE(result.has_value());

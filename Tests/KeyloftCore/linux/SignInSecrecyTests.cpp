@@ -44,18 +44,21 @@ protected:
     /// Whether a file of the user's directories holds the text, as bytes or in two bytes a character.
     static bool isOnDisk(const std::string& text) {
         std::string wide;
-        for (const char character : text)
+        for (const char character : text) {
             wide.append({character, '\0'});
+        }
         for (const auto& entry : std::filesystem::recursive_directory_iterator(
                  TestSupport::sessionDirectory(),
                  std::filesystem::directory_options::skip_permission_denied)) {
             std::error_code gone;
-            if (!entry.is_regular_file(gone))
+            if (!entry.is_regular_file(gone)) {
                 continue;
+            }
             std::ifstream file(entry.path(), std::ios::binary);
             const std::string contents(std::istreambuf_iterator<char>(file), {});
-            if (contents.contains(text) || contents.contains(wide) || entry.path().string().contains(text))
+            if (contents.contains(text) || contents.contains(wide) || entry.path().string().contains(text)) {
                 return true;
+            }
         }
         return false;
     }
@@ -65,8 +68,10 @@ protected:
         std::string rest;
         std::istringstream text(standardError->text());
         for (std::string line; std::getline(text, line);) {
-            if (!line.starts_with("nav ") && !line.starts_with("loading ") && !line.starts_with("didFinish "))
+            if (!line.starts_with("nav ") && !line.starts_with("loading ") &&
+                !line.starts_with("didFinish ")) {
                 rest += line + "\n";
+            }
         }
         return rest;
     }
@@ -122,8 +127,9 @@ TEST_F(SignInSecrecyTest, ofAFormNoSecretIsToldInWhole) {
                  {{"code", "code-of-the-provider"}, {"state", state}, {"id_token", "token.of.the.provider"}});
     const auto text = standardError->text();
     EXPECT_TRUE(text.contains("code=code-of-…(20) state=state-of…(20)")) << "nothing was told";
-    for (const char* secret : {"code-of-the-provider", "token.of.the.provider", state})
+    for (const char* secret : {"code-of-the-provider", "token.of.the.provider", state}) {
         EXPECT_FALSE(text.contains(secret)) << secret;
+    }
 }
 
 TEST_F(SignInSecrecyTest, ofAnAnswerInTheURLOnlyTheURLsBeginningsTell) {
@@ -137,6 +143,7 @@ TEST_F(SignInSecrecyTest, ofAnAnswerInTheURLOnlyTheURLsBeginningsTell) {
     EXPECT_FALSE(text.contains("token.of.the.provider.that.goes.on.beyond.all.that.is.shown"));
     const auto rest = textWithoutURLs();
     EXPECT_TRUE(rest.contains("code=code-of-…(20) state=state-of…(20)")) << "nothing was told";
-    for (const char* secret : {"code-of-the-provider", "token.of", state})
+    for (const char* secret : {"code-of-the-provider", "token.of", state}) {
         EXPECT_FALSE(rest.contains(secret)) << secret;
+    }
 }

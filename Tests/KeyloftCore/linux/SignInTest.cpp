@@ -32,8 +32,9 @@ constexpr auto farewellBlocked = "blocked navigation to farewell.example";
 
 void SignInTest::SetUp() {
     const auto* network = ProviderNetwork::current();
-    if (!network)
+    if (!network) {
         GTEST_SKIP() << "this system lets tests have no network of their own";
+    }
     Platform::Application::shared().prepare();
     server.emplace();
     tls.emplace(network->identity(), server->port());
@@ -43,8 +44,9 @@ void SignInTest::SetUp() {
 void SignInTest::TearDown() {
     // One that has not ended would go on, and end in a test that is no more.
     for (const auto& made : sessions_) {
-        if (const auto running = made.lock(); running && AuthSessionInspector::runCount(*running) > 0)
+        if (const auto running = made.lock(); running && AuthSessionInspector::runCount(*running) > 0) {
             AuthSessionInspector::timeoutTimer(*running)->fire();
+        }
     }
     session.reset();
     TestSupport::runPending();
@@ -106,10 +108,12 @@ SignInTest::Lines SignInTest::lines() const {
     Lines lines;
     std::istringstream text(standardError->text());
     for (std::string line; std::getline(text, line);) {
-        if (line == navigation("GET", farewell) || line == farewellBlocked)
+        if (line == navigation("GET", farewell) || line == farewellBlocked) {
             continue;
-        if (std::ranges::any_of(beginnings, [&](auto beginning) { return line.starts_with(beginning); }))
+        }
+        if (std::ranges::any_of(beginnings, [&](auto beginning) { return line.starts_with(beginning); })) {
             lines.push_back(line);
+        }
     }
     return lines;
 }
@@ -126,8 +130,9 @@ void SignInTest::expectLines(const Lines& expected) const {
     EXPECT_TRUE(waitForLine(expected.back()));
     const auto text = [](const Lines& lines) {
         std::string text;
-        for (const auto& line : lines)
+        for (const auto& line : lines) {
             text += line + "\n";
+        }
         return text;
     };
     EXPECT_EQ(text(lines()), text(expected));
@@ -138,8 +143,9 @@ SignInTest::Lines SignInTest::linesOfPage(ResponseMode mode,
     const auto url = authorizeURL(mode);
     Lines lines{"loading " + url.substr(0, 120) + "… mode=" + std::string(rawValue(mode)) +
                 " initiator=" + initiatorOrigin.value_or("none")};
-    if (initiatorOrigin)
+    if (initiatorOrigin) {
         lines.push_back(finished(*initiatorOrigin + "/"));
+    }
     lines.push_back(navigation("GET", url));
     lines.push_back(finished(url));
     return lines;

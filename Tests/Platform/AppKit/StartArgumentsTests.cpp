@@ -10,11 +10,13 @@ namespace {
 std::vector<std::string> handedOver(std::vector<std::string> arguments) {
     std::vector<char*> pointers;
     pointers.reserve(arguments.size());
-    for (std::string& argument : arguments)
+    for (std::string& argument : arguments) {
         pointers.push_back(argument.data());
+    }
     std::vector<std::string> texts;
-    for (const Platform::URL& url : Platform::urlsOf(pointers))
+    for (const Platform::URL& url : Platform::urlsOf(pointers)) {
         texts.push_back(url.absoluteString());
+    }
     return texts;
 }
 

@@ -70,14 +70,16 @@ private:
     };
 
     Platform::GObjectPtr<GDBusConnection> connected(GDBusConnection* connection) const {
-        if (connection == nullptr)
+        if (connection == nullptr) {
             throw std::runtime_error(error_.text());
+        }
         return Platform::GObjectPtr<GDBusConnection>::adopt(connection);
     }
 
     Variant checked(GVariant* answer) const {
-        if (answer == nullptr)
+        if (answer == nullptr) {
             throw std::runtime_error(error_.text());
+        }
         return {answer, &g_variant_unref};
     }
 
@@ -136,8 +138,9 @@ void addObjects(Bus& bus, const std::string& owner, const std::string& path,
                        .isFocusable = has(focusable),
                        .isFocused = has(focused)});
     forEachChild(bus, owner, path, [&](const std::string& childOwner, const std::string& childPath) {
-        if (childOwner == owner)
+        if (childOwner == owner) {
             addObjects(bus, owner, childPath, objects);
+        }
     });
 }
 
@@ -154,8 +157,9 @@ std::vector<AccessibleObject> askTheBus(pid_t process) {
     std::vector<AccessibleObject> objects;
     forEachChild(bus, "org.a11y.atspi.Registry", rootPath,
                  [&](const std::string& owner, const std::string& path) {
-                     if (processOf(bus, owner) == process)
+                     if (processOf(bus, owner) == process) {
                          addObjects(bus, owner, path, objects);
+                     }
                  });
     return objects;
 }
@@ -177,11 +181,13 @@ std::vector<AccessibleObject> accessibleObjects(pid_t process) {
         isDone = true;
     });
     // Every call has a time-out of its own.
-    while (!isDone)
+    while (!isDone) {
         static_cast<void>(runUntil([&] { return isDone.load(); }));
+    }
     asking.join();
-    if (failure)
+    if (failure) {
         std::rethrow_exception(failure);
+    }
     return objects;
 }
 

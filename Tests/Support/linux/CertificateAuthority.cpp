@@ -13,16 +13,18 @@ void runOpenSSL(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "openssl");
     std::vector<char*> argv;
     argv.reserve(arguments.size() + 1);
-    for (auto& argument : arguments)
+    for (auto& argument : arguments) {
         argv.push_back(argument.data());
+    }
     argv.push_back(nullptr);
     g_autofree char* output = nullptr;
     g_autoptr(GError) error = nullptr;
     int status = 0;
     if (!g_spawn_sync(nullptr, argv.data(), nullptr, G_SPAWN_SEARCH_PATH, nullptr, nullptr, nullptr, &output,
                       &status, &error) ||
-        !g_spawn_check_wait_status(status, &error))
+        !g_spawn_check_wait_status(status, &error)) {
         throw std::runtime_error(std::string("openssl: ") + error->message + "\n" + (output ? output : ""));
+    }
 }
 
 /// Makes a key and a certificate of these extensions in one file; signed by itself, or by what `authority`
@@ -38,8 +40,9 @@ void makeCertificate(const std::filesystem::path& file, const std::string& name,
         "req",    "-x509", "-newkey", "ec",      "-pkeyopt",    "ec_paramgen_curve:P-256",
         "-nodes", "-days", "2",       "-config", configuration, "-keyout",
         file,     "-out",  file};
-    if (!authority.empty())
+    if (!authority.empty()) {
         arguments.insert(arguments.end(), {"-CA", authority, "-CAkey", authority});
+    }
     runOpenSSL(std::move(arguments));
 }
 
@@ -55,8 +58,9 @@ CertificateAuthority::CertificateAuthority(std::filesystem::path file)
 void CertificateAuthority::issue(const std::filesystem::path& file,
                                  const std::vector<std::string>& hosts) const {
     std::string names;
-    for (const auto& host : hosts)
+    for (const auto& host : hosts) {
         names += (names.empty() ? "DNS:" : ", DNS:") + host;
+    }
     makeCertificate(file, hosts.front(),
                     "basicConstraints = critical, CA:FALSE\nextendedKeyUsage = serverAuth\n"
                     "subjectAltName = " +

@@ -15,8 +15,9 @@ std::atomic<std::time_t> ahead = 0;
 // The program's own function comes before the C library's, for the toolkit's libraries as well.
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
     const auto result = static_cast<int>(syscall(SYS_clock_gettime, clock, time));
-    if (result == 0 && clock == CLOCK_MONOTONIC)
+    if (result == 0 && clock == CLOCK_MONOTONIC) {
         time->tv_sec += ahead;
+    }
     return result;
 }
 

@@ -34,8 +34,9 @@ inline void runPending() {
 
 /// Runs at most so many turns of the main loop, and none that would have to wait.
 inline void runTurns(std::size_t count) {
-    while (count > 0 && g_main_context_iteration(nullptr, FALSE))
+    while (count > 0 && g_main_context_iteration(nullptr, FALSE)) {
         --count;
+    }
 }
 
 } // namespace TestSupport

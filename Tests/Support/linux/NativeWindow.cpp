@@ -39,8 +39,9 @@ constexpr auto limit = std::chrono::seconds(10);
 
 TabHost& hostOf(Platform::Window& window) {
     const auto host = TabHost::of(window);
-    if (!host)
+    if (!host) {
         throw std::logic_error("the window is not shown");
+    }
     return *host;
 }
 
@@ -52,8 +53,9 @@ GtkWidget* widgetOf(Platform::View& view) { return view.native().widget.get(); }
 
 Platform::Rect boundsIn(GtkWidget* widget, GtkWidget* outer) {
     graphene_rect_t bounds;
-    if (gtk_widget_compute_bounds(widget, outer, &bounds) == FALSE)
+    if (gtk_widget_compute_bounds(widget, outer, &bounds) == FALSE) {
         throw std::logic_error("the view is not in the window");
+    }
     return {
         .x = bounds.origin.x, .y = bounds.origin.y, .width = bounds.size.width, .height = bounds.size.height};
 }
@@ -63,8 +65,9 @@ Platform::Rect boundsIn(GtkWidget* widget, GtkWidget* outer) {
 void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child != nullptr;
          child = gtk_widget_get_next_sibling(child)) {
-        if (found(child))
+        if (found(child)) {
             walk(child, found);
+        }
     }
 }
 
@@ -72,8 +75,9 @@ void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
 GtkWidget* find(GtkWidget* widget, const std::function<bool(GtkWidget*)>& wanted) {
     GtkWidget* result = nullptr;
     walk(widget, [&](GtkWidget* child) {
-        if (result == nullptr && wanted(child))
+        if (result == nullptr && wanted(child)) {
             result = child;
+        }
         return result == nullptr;
     });
     return result;
@@ -92,8 +96,9 @@ GtkWidget* sheetOf(Platform::Window& window) {
 std::vector<GtkButton*> buttonsOf(GtkWidget* sheet) {
     std::vector<GtkButton*> buttons;
     walk(sheet, [&](GtkWidget* widget) {
-        if (!GTK_IS_BUTTON(widget))
+        if (!GTK_IS_BUTTON(widget)) {
             return true;
+        }
         buttons.push_back(GTK_BUTTON(widget));
         return false;
     });
@@ -106,8 +111,9 @@ GtkWidget* sheetButton(Platform::Window& window, const std::string& title) {
     GtkWidget* sheet = sheetOf(window);
     if (sheet != nullptr) {
         for (GtkButton* button : buttonsOf(sheet)) {
-            if (gtk_button_get_label(button) == title)
+            if (gtk_button_get_label(button) == title) {
                 return GTK_WIDGET(button);
+            }
         }
     }
     ADD_FAILURE() << (sheet == nullptr ? "no sheet" : "no button " + title);
@@ -134,15 +140,17 @@ ScreenPoint middleOnScreen(GtkWidget* widget) {
 GtkWidget* tabOf(Platform::Window& window) {
     const AdwTabPage* page = adw_tab_view_get_page(hostOf(window).tabView(), pageOf(window));
     GtkWidget* tab = find(tabStripOf(window), [page](GtkWidget* widget) {
-        if (std::string_view(G_OBJECT_TYPE_NAME(widget)) != "AdwTab")
+        if (std::string_view(G_OBJECT_TYPE_NAME(widget)) != "AdwTab") {
             return false;
+        }
         AdwTabPage* shown = nullptr;
         g_object_get(widget, "page", &shown, nullptr);
         const auto held = GObjectPtr<AdwTabPage>::adopt(shown);
         return shown == page;
     });
-    if (tab == nullptr)
+    if (tab == nullptr) {
         throw std::logic_error("the window has no tab in the strip");
+    }
     return tab;
 }
 
@@ -176,8 +184,9 @@ GtkWidget* menuBarItem(Platform::Window& window, const std::string& title) {
     GtkWidget* item = find(toplevelOf(window), [&title](GtkWidget* widget) {
         return isMenuBarItem(widget) && titleOf(widget) == title;
     });
-    if (item == nullptr)
+    if (item == nullptr) {
         throw std::logic_error("no menu " + title);
+    }
     return item;
 }
 
@@ -194,8 +203,9 @@ struct Key {
 Key keyOf(guint keyval) {
     GdkKeymapKey* found = nullptr;
     int count = 0;
-    if (gdk_display_map_keyval(gdk_display_get_default(), keyval, &found, &count) == FALSE)
+    if (gdk_display_map_keyval(gdk_display_get_default(), keyval, &found, &count) == FALSE) {
         throw std::logic_error(std::string("no key for ") + gdk_keyval_name(keyval));
+    }
     const std::unique_ptr<GdkKeymapKey, decltype(&g_free)> keys(found, &g_free);
     return {.code = found[0].keycode, .level = found[0].level};
 }
@@ -247,8 +257,9 @@ bool resizeContent(Platform::Window& window, Platform::Size size) {
         [&] {
             const auto whole = nativeWindowSize(window);
             const auto content = contentFrame(window);
-            if (content.width == got.width && content.height == got.height)
+            if (content.width == got.width && content.height == got.height) {
                 return true;
+            }
             // What is above the content may still be moving.
             const Platform::Size wanted{.width = whole.width - content.width + size.width,
                                         .height = whole.height - content.height + size.height};
@@ -289,8 +300,9 @@ bool shareNativeWindow(Platform::Window& one, Platform::Window& other) {
 std::vector<std::string> tabTitles(Platform::Window& window) {
     AdwTabView* view = hostOf(window).tabView();
     std::vector<std::string> titles;
-    for (int i = 0; i < adw_tab_view_get_n_pages(view); ++i)
+    for (int i = 0; i < adw_tab_view_get_n_pages(view); ++i) {
         titles.emplace_back(adw_tab_page_get_title(adw_tab_view_get_nth_page(view, i)));
+    }
     return titles;
 }
 
@@ -336,8 +348,9 @@ bool frameHintsAllowMinimizing(Platform::Window& window) {
                        gdk_x11_get_xatom_by_name_for_display(display, "_MOTIF_WM_HINTS"), 0, 5, False,
                        AnyPropertyType, &type, &format, &count, &rest, &data);
     const std::unique_ptr<unsigned char, int (*)(void*)> owned(data, &XFree);
-    if (count < 3 || format != 32)
+    if (count < 3 || format != 32) {
         return true;
+    }
     // Flags, functions, decorations.
     const auto* hints = reinterpret_cast<const unsigned long*>(data);
     const bool function = (hints[0] & 1) == 0 || (hints[1] & (all | minimize)) != 0;
@@ -350,8 +363,9 @@ std::string activeTitle() {
     for (guint i = 0; i < g_list_model_get_n_items(toplevels); ++i) {
         const auto window = GObjectPtr<GtkWindow>::adopt(GTK_WINDOW(g_list_model_get_item(toplevels, i)));
         const char* title = gtk_window_get_title(window.get());
-        if (gtk_window_is_active(window.get()) == TRUE && title != nullptr)
+        if (gtk_window_is_active(window.get()) == TRUE && title != nullptr) {
             return title;
+        }
     }
     return {};
 }
@@ -394,8 +408,9 @@ ScreenPoint tabCloseButtonOnScreen(Platform::Window& window) {
     GtkWidget* button = find(tabOf(window), [](GtkWidget* widget) {
         return GTK_IS_BUTTON(widget) && gtk_widget_has_css_class(widget, "tab-close-button") == TRUE;
     });
-    if (button == nullptr)
+    if (button == nullptr) {
         throw std::logic_error("the tab has no button");
+    }
     return middleOnScreen(button);
 }
 
@@ -448,8 +463,9 @@ ShownMenu openedMenu(Platform::Window& window, const std::string& title) {
 std::vector<std::string> menuTitles(Platform::Window& window) {
     std::vector<std::string> titles;
     walk(toplevelOf(window), [&titles](GtkWidget* widget) {
-        if (!isMenuBarItem(widget))
+        if (!isMenuBarItem(widget)) {
             return true;
+        }
         titles.push_back(titleOf(widget));
         return false;
     });
@@ -493,16 +509,20 @@ KeyboardLayout::~KeyboardLayout() { runProgram({"setxkbmap", "us"}); }
 void pressKeyEquivalent(const Platform::MenuItem& item) {
     const Key key = keyOf(gdk_unicode_to_keyval(g_utf8_get_char(item.keyEquivalent().c_str())));
     std::vector<guint> codes = {keyOf(GDK_KEY_Control_L).code};
-    if (item.keyEquivalentModifiers() == Platform::ModifierFlags::optionCommand)
+    if (item.keyEquivalentModifiers() == Platform::ModifierFlags::optionCommand) {
         codes.push_back(keyOf(GDK_KEY_Alt_L).code);
-    if ((key.level & 1) != 0)
+    }
+    if ((key.level & 1) != 0) {
         codes.push_back(keyOf(GDK_KEY_Shift_L).code);
-    if ((key.level & 2) != 0)
+    }
+    if ((key.level & 2) != 0) {
         codes.push_back(keyOf(GDK_KEY_ISO_Level3_Shift).code);
+    }
     codes.push_back(key.code);
     std::string keys;
-    for (const guint code : codes)
+    for (const guint code : codes) {
         keys += (keys.empty() ? "" : "+") + std::to_string(code);
+    }
     pressKey(keys);
 }
 
@@ -523,8 +543,9 @@ bool hasFocus(Platform::View& view) {
 std::string selectedText(Platform::TextField& field) {
     int begin = 0;
     int end = 0;
-    if (gtk_editable_get_selection_bounds(GTK_EDITABLE(textOf(field)), &begin, &end) == FALSE)
+    if (gtk_editable_get_selection_bounds(GTK_EDITABLE(textOf(field)), &begin, &end) == FALSE) {
         return {};
+    }
     g_autofree char* text = gtk_editable_get_chars(GTK_EDITABLE(textOf(field)), begin, end);
     return text;
 }
@@ -535,28 +556,33 @@ std::string shownText(Platform::TextField& field) {
 
 std::optional<ShownSheet> shownSheet(Platform::Window& window) {
     GtkWidget* sheet = sheetOf(window);
-    if (sheet == nullptr)
+    if (sheet == nullptr) {
         return std::nullopt;
+    }
     ShownSheet shown;
     walk(sheet, [&](GtkWidget* widget) {
-        if (GTK_IS_LABEL(widget))
+        if (GTK_IS_LABEL(widget)) {
             shown.texts.emplace_back(gtk_label_get_text(GTK_LABEL(widget)));
+        }
         return !GTK_IS_BUTTON(widget);
     });
-    for (GtkButton* button : buttonsOf(sheet))
+    for (GtkButton* button : buttonsOf(sheet)) {
         shown.buttons.emplace_back(gtk_button_get_label(button));
+    }
     return shown;
 }
 
 void pressSheetButton(Platform::Window& window, const std::string& title) {
-    if (GtkWidget* button = sheetButton(window, title))
+    if (GtkWidget* button = sheetButton(window, title)) {
         g_signal_emit_by_name(button, "clicked");
+    }
 }
 
 void clickSheetButton(Platform::Window& window, const std::string& title) {
     waitForLayout(window);
-    if (GtkWidget* button = sheetButton(window, title))
+    if (GtkWidget* button = sheetButton(window, title)) {
         clickAt(middleOnScreen(button));
+    }
 }
 
 Platform::Rect sheetButtonFrame(Platform::Window& window, const std::string& title) {

@@ -7,6 +7,7 @@ int main() {
     gtk_window_set_title(GTK_WINDOW(window), "Other Program");
     gtk_window_set_default_size(GTK_WINDOW(window), 300, 200);
     gtk_window_present(GTK_WINDOW(window));
-    while (true)
+    while (true) {
         g_main_context_iteration(nullptr, TRUE);
+    }
 }

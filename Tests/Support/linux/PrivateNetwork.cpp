@@ -22,8 +22,9 @@ namespace TestSupport {
 namespace {
 
 void check(int result, const char* what) {
-    if (result < 0)
+    if (result < 0) {
         throw std::system_error(errno, std::generic_category(), what);
+    }
 }
 
 ifreq interfaceRequest(std::string_view name) {
@@ -71,8 +72,9 @@ void mountOver(const std::filesystem::path& file, const char* place) {
 } // namespace
 
 bool enterPrivateNetwork() {
-    if (!KeyloftTests::enterNamespaces(CLONE_NEWNET))
+    if (!KeyloftTests::enterNamespaces(CLONE_NEWNET)) {
         return false;
+    }
     raiseLoopback();
     openAllPorts();
     hideDisplays();

@@ -45,8 +45,9 @@ const ProviderNetwork* ProviderNetwork::current() {
 }
 
 void ProviderNetwork::enter(const std::vector<std::string>& arguments) {
-    if (current())
+    if (current()) {
         return;
+    }
     int status = 0;
     {
         const KeyloftTests::TemporaryDirectory directory;
@@ -54,15 +55,17 @@ void ProviderNetwork::enter(const std::vector<std::string>& arguments) {
         network.prepare();
         status = network.runInside(arguments);
     }
-    if (status != notAllowed)
+    if (status != notAllowed) {
         std::exit(status);
+    }
 }
 
 void ProviderNetwork::prepare() const {
     std::ofstream names(directory_ / "hosts");
     names << "127.0.0.1 localhost\n";
-    for (const auto& host : hosts())
+    for (const auto& host : hosts()) {
         names << "127.0.0.1 " << host << '\n';
+    }
 
     const CertificateAuthority authority(directory_ / "authority.pem");
     authority.issue(identity(), hosts());
@@ -71,8 +74,9 @@ void ProviderNetwork::prepare() const {
 }
 
 bool ProviderNetwork::join() const {
-    if (!enterPrivateNetwork())
+    if (!enterPrivateNetwork()) {
         return false;
+    }
     resolveBy(directory_ / "hosts");
     trustOnly(directory_ / "authority.pem");
     return true;
@@ -83,19 +87,22 @@ bool ProviderNetwork::join() const {
 int ProviderNetwork::runInside(std::vector<std::string> arguments) const {
     std::vector<char*> argv;
     argv.reserve(arguments.size() + 1);
-    for (auto& argument : arguments)
+    for (auto& argument : arguments) {
         argv.push_back(argument.data());
+    }
     argv.push_back(nullptr);
 
     const pid_t parent = ::getpid();
     const pid_t child = ::fork();
-    if (child < 0)
+    if (child < 0) {
         throw std::system_error(errno, std::generic_category(), "fork");
+    }
     if (child == 0) {
         try {
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-            if (::getppid() != parent || !join())
+            if (::getppid() != parent || !join()) {
                 ::_exit(notAllowed);
+            }
             ::setenv(variable, directory_.c_str(), 1);
             ::execv("/proc/self/exe", argv.data());
             std::perror("entering the provider's network");

@@ -12,8 +12,9 @@
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv, argv + argc);
     testing::InitGoogleTest(&argc, argv);
-    if (GTEST_FLAG_GET(list_tests))
+    if (GTEST_FLAG_GET(list_tests)) {
         return RUN_ALL_TESTS();
+    }
     try {
         TestSupport::ProviderNetwork::enter(arguments);
         TestSupport::beginDisplaySession();

@@ -58,8 +58,9 @@ Outcome load(const std::string& url) {
 class ProviderNetworkTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (!network)
+        if (!network) {
             GTEST_SKIP() << "this system lets tests have no network of their own";
+        }
         server.emplace();
         server->route("/", HTTPResponse::page("Home"));
     }

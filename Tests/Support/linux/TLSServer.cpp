@@ -26,8 +26,9 @@ GObjectPtr<GTlsCertificate> readIdentity(const std::filesystem::path& file) {
     g_autoptr(GError) error = nullptr;
     auto certificate =
         GObjectPtr<GTlsCertificate>::adopt(g_tls_certificate_new_from_file(file.c_str(), &error));
-    if (!certificate)
+    if (!certificate) {
         throw std::runtime_error(error->message);
+    }
     return certificate;
 }
 
@@ -60,8 +61,9 @@ public:
                                                            nullptr, nullptr, &error);
         g_signal_connect(service_.get(), "incoming", G_CALLBACK(incoming), this);
         g_main_context_pop_thread_default(context_.get());
-        if (!listens)
+        if (!listens) {
             throw std::runtime_error(error->message);
+        }
         thread_ = std::thread([this] { run(); });
     }
     Implementation(const Implementation&) = delete;
@@ -80,8 +82,9 @@ public:
 private:
     void run() {
         g_main_context_push_thread_default(context_.get());
-        while (!stopped_ || connections_ > 0)
+        while (!stopped_ || connections_ > 0) {
             g_main_context_iteration(context_.get(), TRUE);
+        }
         g_main_context_pop_thread_default(context_.get());
     }
 
@@ -95,10 +98,11 @@ private:
     static gboolean incoming(GSocketService* /*service*/, GSocketConnection* connection, GObject* /*source*/,
                              gpointer data) {
         auto& self = *static_cast<Implementation*>(data);
-        if (self.manner_ == Manner::resets)
+        if (self.manner_ == Manner::resets) {
             self.resetLater(connection);
-        else
+        } else {
             self.forward(connection);
+        }
         return TRUE;
     }
 
@@ -118,8 +122,9 @@ private:
         g_socket_client_set_enable_proxy(client.get(), FALSE);
         const auto plain = GObjectPtr<GSocketConnection>::adopt(
             g_socket_client_connect_to_host(client.get(), "127.0.0.1", plainPort_, nullptr, nullptr));
-        if (!secure || !plain)
+        if (!secure || !plain) {
             return;
+        }
         ++connections_;
         g_io_stream_splice_async(secure.get(), G_IO_STREAM(plain.get()),
                                  static_cast<GIOStreamSpliceFlags>(G_IO_STREAM_SPLICE_CLOSE_STREAM1 |

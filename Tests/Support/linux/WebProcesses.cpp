@@ -41,8 +41,9 @@ std::optional<Process> readProcess(const std::filesystem::path& folder) {
     const std::string text = contents.str();
     const auto begin = text.find('(');
     const auto end = text.rfind(')');
-    if (begin == std::string::npos || end == std::string::npos)
+    if (begin == std::string::npos || end == std::string::npos) {
         return std::nullopt;
+    }
     Process process{.parent = 0, .name = text.substr(begin + 1, end - begin - 1)};
     char state = 0;
     std::istringstream(text.substr(end + 1)) >> state >> process.parent;
@@ -54,8 +55,9 @@ std::map<pid_t, Process> allProcesses() {
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         const auto id = number(entry.path().filename().string());
         auto process = id ? readProcess(entry.path()) : std::nullopt;
-        if (process)
+        if (process) {
             processes.emplace(*id, *std::move(process));
+        }
     }
     return processes;
 }
@@ -66,14 +68,16 @@ std::vector<pid_t> webProcesses() {
     const auto processes = allProcesses();
     const auto isBelowThis = [&](pid_t process) {
         auto found = processes.find(process);
-        while (found != processes.end() && found->second.parent != ::getpid())
+        while (found != processes.end() && found->second.parent != ::getpid()) {
             found = processes.find(found->second.parent);
+        }
         return found != processes.end();
     };
     std::vector<pid_t> result;
     for (const auto& [id, process] : processes) {
-        if (process.name.starts_with("WebKitWebProc") && isBelowThis(id))
+        if (process.name.starts_with("WebKitWebProc") && isBelowThis(id)) {
             result.push_back(id);
+        }
     }
     return result;
 }
@@ -90,10 +94,12 @@ bool forgetPages() {
             webkit_network_session_get_website_data_manager(session.get()), WEBKIT_WEBSITE_DATA_ALL, 0,
             nullptr, [](GObject*, GAsyncResult*, gpointer data) { *static_cast<bool*>(data) = true; },
             &removed);
-        while (!removed)
+        while (!removed) {
             g_main_context_iteration(nullptr, TRUE);
-        if (runUntil([] { return webProcesses().empty(); }, 500ms))
+        }
+        if (runUntil([] { return webProcesses().empty(); }, 500ms)) {
             return true;
+        }
     } while (std::chrono::steady_clock::now() < deadline);
     return false;
 }

@@ -15,14 +15,16 @@ namespace TestSupport {
 void runProgram(const std::vector<std::string>& arguments) {
     std::vector<const char*> argv;
     argv.reserve(arguments.size() + 1);
-    for (const auto& argument : arguments)
+    for (const auto& argument : arguments) {
         argv.push_back(argument.c_str());
+    }
     argv.push_back(nullptr);
     g_autoptr(GError) error = nullptr;
     const auto tool = Platform::GObjectPtr<GSubprocess>::adopt(
         g_subprocess_newv(argv.data(), G_SUBPROCESS_FLAGS_NONE, &error));
-    if (!tool)
+    if (!tool) {
         throw std::runtime_error(error->message);
+    }
     bool ended = false;
     g_subprocess_wait_async(
         tool.get(), nullptr,
@@ -44,12 +46,14 @@ void runXdotool(const std::vector<std::string>& arguments) {
 std::vector<std::string> askXdotool(const std::string& arguments) {
     const std::unique_ptr<FILE, int (*)(FILE*)> answer(
         popen(("xdotool " + arguments + " 2>/dev/null").c_str(), "r"), &pclose);
-    if (!answer)
+    if (!answer) {
         throw std::runtime_error("xdotool does not start");
+    }
     std::string text;
     std::array<char, 4096> bytes{};
-    while (const auto size = fread(bytes.data(), 1, bytes.size(), answer.get()))
+    while (const auto size = fread(bytes.data(), 1, bytes.size(), answer.get())) {
         text.append(bytes.data(), size);
+    }
     std::vector<std::string> lines;
     for (std::size_t begin = 0; begin < text.size();) {
         const auto end = text.find('\n', begin);

@@ -18,12 +18,14 @@ protected:
     }
 
     static GtkWidget* findButton(GtkWidget* widget, const std::string& title) {
-        if (GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) == title)
+        if (GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) == title) {
             return widget;
+        }
         for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
              child = gtk_widget_get_next_sibling(child)) {
-            if (GtkWidget* found = findButton(child, title))
+            if (GtkWidget* found = findButton(child, title)) {
                 return found;
+            }
         }
         return nullptr;
     }

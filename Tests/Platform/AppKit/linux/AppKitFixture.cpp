@@ -19,8 +19,9 @@ AppKitTest::AppKitTest() { Application::shared().prepare(); }
 AppKitTest::~AppKitTest() {
     Application::shared().setMainMenu(nullptr);
     const auto hosts = Application::shared().native().hosts;
-    for (const auto& host : hosts)
+    for (const auto& host : hosts) {
         gtk_window_close(host->toplevel());
+    }
     TestSupport::runPending();
 }
 

@@ -23,8 +23,9 @@ public:
     bool respondsTo(Action action) const override { return !answers || *answers == action; }
     void perform(Action action, const ActionSender& sender) override {
         performed.push_back(action);
-        if (whenPerformed)
+        if (whenPerformed) {
             whenPerformed(sender);
+        }
     }
     bool validateMenuItem(MenuItem& /*item*/) override { return valid; }
 
@@ -44,8 +45,9 @@ public:
     bool validateMenuItem(MenuItem& item) override { return recorder.validateMenuItem(item); }
     void windowWillClose(Window& window) override {
         closed.push_back(window.title());
-        if (whenClosing)
+        if (whenClosing) {
             whenClosing();
+        }
     }
 
     Recorder recorder;

@@ -43,16 +43,18 @@ const std::vector<Given>& exactURLs() {
 
 Lines argumentsOf(const std::vector<Given>& urls) {
     Lines arguments;
-    for (const auto& url : urls)
+    for (const auto& url : urls) {
         arguments.push_back(url.argument);
+    }
     return arguments;
 }
 
 /// What the application says when these arrive.
 Lines arrivalOf(const std::vector<Given>& urls) {
     Lines lines = {"open " + std::to_string(urls.size())};
-    for (const auto& url : urls)
+    for (const auto& url : urls) {
         lines.push_back(url.arrives);
+    }
     return lines;
 }
 
@@ -83,8 +85,9 @@ protected:
     }
 
     static void expectLines(Program& program, const Lines& expected) {
-        for (const auto& line : expected)
+        for (const auto& line : expected) {
             ASSERT_EQ(program.nextLine(), line) << program.errors();
+        }
     }
 
     static void expectHandedOver(const Lines& arguments, Program& first, const Lines& lines) {
@@ -170,8 +173,9 @@ TEST_F(ApplicationStartTest, ofSeveralStartedAtOnceOneRunsAndGetsEverything) {
     while (arrived.size() < urls.size()) {
         const auto line = running->nextLine();
         ASSERT_TRUE(line.has_value());
-        if (line->starts_with("http:"))
+        if (line->starts_with("http:")) {
             arrived.push_back(*line);
+        }
     }
     std::ranges::sort(arrived);
     EXPECT_EQ(arrived, urls);

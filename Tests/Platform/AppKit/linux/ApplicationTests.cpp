@@ -50,8 +50,9 @@ protected:
         for (guint i = 0; i < g_list_model_get_n_items(toplevels); ++i) {
             const auto window =
                 GObjectPtr<GObject>::adopt(static_cast<GObject*>(g_list_model_get_item(toplevels, i)));
-            if (GTK_IS_ABOUT_DIALOG(window.get()))
+            if (GTK_IS_ABOUT_DIALOG(window.get())) {
                 panels.push_back(GTK_ABOUT_DIALOG(window.get()));
+            }
         }
         return panels;
     }

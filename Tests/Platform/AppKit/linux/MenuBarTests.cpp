@@ -41,12 +41,14 @@ protected:
 
     static GtkWidget* popover(const std::shared_ptr<Window>& window, int index) {
         GtkWidget* item = gtk_widget_get_first_child(TabHost::of(*window)->menuBar()->widget());
-        for (; index > 0; --index)
+        for (; index > 0; --index) {
             item = gtk_widget_get_next_sibling(item);
+        }
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
              child = gtk_widget_get_next_sibling(child)) {
-            if (GTK_IS_POPOVER(child))
+            if (GTK_IS_POPOVER(child)) {
                 return child;
+            }
         }
         return nullptr;
     }

@@ -39,8 +39,9 @@ private:
         for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
              child = gtk_widget_get_next_sibling(child)) {
             for (const char* button : {"minimize", "maximize", "close"}) {
-                if (GTK_IS_BUTTON(child) && gtk_widget_has_css_class(child, button))
+                if (GTK_IS_BUTTON(child) && gtk_widget_has_css_class(child, button)) {
                     found.emplace_back(button);
+                }
             }
             collectButtons(child, found);
         }

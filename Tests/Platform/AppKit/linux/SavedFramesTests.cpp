@@ -57,8 +57,9 @@ TEST_F(SavedFramesTest, keepsFramesByTheirNames) {
 
 TEST_F(SavedFramesTest, writesOnceTheFrameRests) {
     SavedFrames frames(directory.path().string());
-    for (int step = 1; step <= 50; ++step)
+    for (int step = 1; step <= 50; ++step) {
         frames.setFrame(name, {.width = 800 + step, .height = 600});
+    }
     EXPECT_FALSE(fs::exists(file));
     ASSERT_TRUE(runUntil([&] { return fs::exists(file); }));
     EXPECT_EQ(nextRun().frame(name), (SavedFrame{.width = 850, .height = 600}));
@@ -134,10 +135,11 @@ TEST_F(SavedFramesTest, aFailedWriteIsLoggedAndLosesNothing) {
                                    Failure{"a folder where the file belongs", file, true}}) {
         SCOPED_TRACE(failure.what);
         fs::remove_all(folder);
-        if (failure.asFolder)
+        if (failure.asFolder) {
             fs::create_directories(failure.inTheWay / "full");
-        else
+        } else {
             writeContents(failure.inTheWay, "in the way");
+        }
 
         SavedFrames frames(directory.path().string());
         frames.setFrame(name, frame);

@@ -19,8 +19,9 @@ public:
         std::cout << "open " << urls.size() << '\n';
         for (const auto& url : urls) {
             std::cout << url.absoluteString() << '\n';
-            if (url.scheme() == "quit")
+            if (url.scheme() == "quit") {
                 Platform::Application::shared().terminate();
+            }
         }
         std::cout.flush();
     }

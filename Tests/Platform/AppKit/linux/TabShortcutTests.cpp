@@ -20,8 +20,9 @@ protected:
             const auto controller = RecordingController::create(title);
             const auto field = TextField::create();
             controller->window()->contentView()->addSubview(field);
-            if (!tabs.empty())
+            if (!tabs.empty()) {
                 tabs.back()->window()->addTabbedWindow(controller->window());
+            }
             show(controller->window());
             field->selectText();
             tabs.push_back(controller);

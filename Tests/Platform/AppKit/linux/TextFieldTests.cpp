@@ -234,8 +234,9 @@ TEST_F(TextFieldTest, performsEveryEditingAction) {
 TEST_F(TextFieldTest, anEditingActionBeforeTheFirstShowingDoesNothing) {
     const auto late = TextField::create();
     late->setStringValue("text");
-    for (const Action action : {Action::selectAll, Action::cut, Action::paste, Action::undo})
+    for (const Action action : {Action::selectAll, Action::cut, Action::paste, Action::undo}) {
         late->perform(action, {});
+    }
     EXPECT_EQ(late->nativeIfMade(), nullptr);
     EXPECT_EQ(late->stringValue(), "text");
 }
@@ -248,8 +249,9 @@ TEST_F(TextFieldTest, escapeEmptiesASearchField) {
     ASSERT_TRUE(runUntil([&] { return widgetOf(search) && gtk_widget_get_mapped(widgetOf(search)); }));
     activate(search);
     edits->events.clear();
-    for (const char* key : {"a", "b", "Escape"})
+    for (const char* key : {"a", "b", "Escape"}) {
         pressKey(key);
+    }
     ASSERT_TRUE(runUntil([&] { return edits->events == Events{"begin", "end by Escape"}; }));
     EXPECT_EQ(search->stringValue(), "");
     EXPECT_STREQ(gtk_editable_get_text(GTK_EDITABLE(widgetOf(search))), "");

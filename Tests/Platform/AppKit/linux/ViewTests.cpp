@@ -25,14 +25,16 @@ protected:
             GObjectPtr<GtkTooltip>::adopt(GTK_TOOLTIP(g_object_new(GTK_TYPE_TOOLTIP, nullptr)));
         gboolean shows = FALSE;
         g_signal_emit_by_name(widget, "query-tooltip", 0, 0, FALSE, shown.get(), &shows);
-        if (!gtk_widget_get_has_tooltip(widget) || !shows)
+        if (!gtk_widget_get_has_tooltip(widget) || !shows) {
             return testing::AssertionFailure() << "no tool tip";
+        }
         const std::unique_ptr<char, void (*)(gpointer)> other(
             gtk_test_accessible_check_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION,
                                                text.c_str()),
             &g_free);
-        if (other)
+        if (other) {
             return testing::AssertionFailure() << other.get();
+        }
         return testing::AssertionSuccess();
     }
 };

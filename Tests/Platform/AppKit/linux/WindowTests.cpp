@@ -53,16 +53,18 @@ TEST_F(WindowTest, closingTheTopLevelClosesEachTabOnceInOrder) {
     const auto second = RecordingController::create("second");
     const auto third = RecordingController::create("third");
     std::vector<std::string> order;
-    for (const auto& controller : {first, second, third})
+    for (const auto& controller : {first, second, third}) {
         controller->whenClosing = [&order, controller] { order.push_back(controller->window()->title()); };
+    }
     show(first->window());
     first->window()->addTabbedWindow(second->window());
     second->window()->addTabbedWindow(third->window());
     gtk_window_close(TabHost::of(*first->window())->toplevel());
     runPending();
     EXPECT_EQ(order, (std::vector<std::string>{"first", "second", "third"}));
-    for (const auto& controller : {first, second, third})
+    for (const auto& controller : {first, second, third}) {
         controller->whenClosing = nullptr;
+    }
 }
 
 TEST_F(WindowTest, aControllerMayBeLetGoByItsOwnClosing) {

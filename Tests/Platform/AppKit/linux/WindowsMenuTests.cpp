@@ -42,12 +42,14 @@ protected:
 
     static GtkPopover* popover(const RecordingController& controller, int index) {
         GtkWidget* item = gtk_widget_get_first_child(TabHost::of(*controller.window())->menuBar()->widget());
-        for (; index > 0; --index)
+        for (; index > 0; --index) {
             item = gtk_widget_get_next_sibling(item);
+        }
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
              child = gtk_widget_get_next_sibling(child)) {
-            if (GTK_IS_POPOVER(child))
+            if (GTK_IS_POPOVER(child)) {
                 return GTK_POPOVER(child);
+            }
         }
         return nullptr;
     }
@@ -62,10 +64,11 @@ protected:
     static void collectItems(GtkWidget* widget, std::vector<GtkWidget*>& items) {
         for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
              child = gtk_widget_get_next_sibling(child)) {
-            if (gtk_widget_get_mapped(child) && std::string(G_OBJECT_TYPE_NAME(child)) == "GtkModelButton")
+            if (gtk_widget_get_mapped(child) && std::string(G_OBJECT_TYPE_NAME(child)) == "GtkModelButton") {
                 items.push_back(child);
-            else
+            } else {
                 collectItems(child, items);
+            }
         }
     }
     static std::vector<GtkWidget*> itemsOf(const RecordingController& controller, int index = windows) {
@@ -101,8 +104,9 @@ protected:
     static std::shared_ptr<RecordingController> open(const std::string& title,
                                                      const RecordingController* beside = nullptr) {
         auto controller = RecordingController::create(title);
-        if (beside)
+        if (beside) {
             beside->window()->addTabbedWindow(controller->window());
+        }
         show(controller->window());
         return controller;
     }
@@ -186,8 +190,9 @@ TEST_F(WindowsMenuTest, listsHundreds) {
     openMenu(*first);
     const auto list = listOf(*first);
     ASSERT_EQ(list.size(), 300U);
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 300; ++i) {
         EXPECT_EQ(list[i], (Listed{std::to_string(i), i == 0}));
+    }
     choose(*first, 299);
     EXPECT_EQ(Application::shared().mainWindow(), others.back()->window());
 }
@@ -203,8 +208,9 @@ TEST_F(WindowsMenuTest, choosingAWindowTakesTheFocusFromTheTabStripToItsFirstRes
     GtkWindow* toplevel = TabHost::of(*a->window())->toplevel();
     for (GtkWidget* child = gtk_widget_get_first_child(gtk_window_get_child(toplevel)); child;
          child = gtk_widget_get_next_sibling(child)) {
-        if (ADW_IS_TAB_BAR(child))
+        if (ADW_IS_TAB_BAR(child)) {
             gtk_widget_child_focus(child, GTK_DIR_TAB_FORWARD);
+        }
     }
     ASSERT_EQ(viewOfWidget(gtk_window_get_focus(toplevel)), nullptr) << "the strip does not have it";
     openMenu(*b);

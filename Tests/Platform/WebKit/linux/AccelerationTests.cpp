@@ -17,8 +17,9 @@ class Acceleration : public testing::Test {
 protected:
     Acceleration() {
         std::filesystem::create_directories(devices);
-        for (const char* name : variables)
+        for (const char* name : variables) {
             g_unsetenv(name);
+        }
     }
 
     void addDevice(const std::string& name) { std::ofstream(devices / name).flush(); }

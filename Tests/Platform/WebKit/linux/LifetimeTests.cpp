@@ -22,8 +22,9 @@ protected:
             widgets[index] = widgetOf(*view);
             g_object_add_weak_pointer(G_OBJECT(widgets[index]), &widgets[index]);
             const auto observation = view->observe(Property::title, [] {});
-            if (index % 10 == 0)
+            if (index % 10 == 0) {
                 view->load(request(server.url("/page")));
+            }
             if (index % 20 == 0) {
                 ASSERT_TRUE(waitForTitle(*view, "Page"));
             }

@@ -15,8 +15,9 @@ namespace {
 std::pair<std::string, int> mapped(GQuark domain, int code) {
     g_autoptr(GError) error = g_error_new_literal(domain, code, "Why");
     const auto result = loadError(*error, "http://failing.test/");
-    if (!result)
+    if (!result) {
         return {"nothing", 0};
+    }
     EXPECT_EQ(result->localizedDescription, "Why");
     EXPECT_EQ(result->failingURL, "http://failing.test/");
     return {result->domain, result->code};

@@ -137,8 +137,9 @@ TEST_F(WebViewLoad, aReloadInPlaceOfALoadEndsItsTimeOut) {
     runFor(2.2);
     server.release("/page");
     EXPECT_TRUE(waitForTitle(*view, "Again"));
-    for (const auto& failure : navigation->failures)
+    for (const auto& failure : navigation->failures) {
         EXPECT_EQ(failure.error.code, -999);
+    }
 }
 
 TEST_F(WebViewLoad, timesOutAlthoughTheWebProcessHangs) {
@@ -155,8 +156,9 @@ TEST_F(WebViewLoad, timesOutAlthoughTheWebProcessHangs) {
     ASSERT_EQ(::kill(processes[0], SIGCONT), 0);
     ASSERT_TRUE(runUntil([&] { return !view->isLoading(); }));
     EXPECT_TRUE(loadPage(*view, "/after"));
-    for (std::size_t index = 1; index < navigation->failures.size(); ++index)
+    for (std::size_t index = 1; index < navigation->failures.size(); ++index) {
         EXPECT_EQ(navigation->failures[index].error.code, -999);
+    }
 }
 
 // Replacing and stopping
@@ -182,8 +184,9 @@ TEST_F(WebViewLoad, theTimeOutOfASecondLoadOutlivesTheFirst) {
     view->load(request(server.url("/second"), 0.4));
     ASSERT_TRUE(waitForFailures(2));
     // On a slow machine the time is up before the engine has given the first one up.
-    if (navigation->failures[0].error.failingURL == server.url("/second"))
+    if (navigation->failures[0].error.failingURL == server.url("/second")) {
         std::swap(navigation->failures[0], navigation->failures[1]);
+    }
     EXPECT_EQ(navigation->failures[0].error.code, -999);
     EXPECT_EQ(navigation->failures[0].error.failingURL, server.url("/first"));
     expectFailure(true, urlDomain, -1001, server.url("/second"));
@@ -360,8 +363,9 @@ TEST_F(WebViewLoad, failsForACertificateThatNobodyVouchesFor) {
     const std::string command = "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost "
                                 "-addext subjectAltName=DNS:localhost -keyout '" +
                                 keyFile + "' -out '" + certificateFile + "' >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0)
+    if (std::system(command.c_str()) != 0) {
         GTEST_SKIP() << "openssl, which makes the certificate, is not installed";
+    }
     g_autoptr(GTlsCertificate) certificate =
         g_tls_certificate_new_from_files(certificateFile.c_str(), keyFile.c_str(), nullptr);
     ASSERT_NE(certificate, nullptr);
@@ -474,8 +478,9 @@ TEST_F(WebViewLoad, editingActionsGoToThePage) {
     view->load(request(server.url("/edit")));
     ASSERT_TRUE(waitForTitle(*view, "Edit"));
     for (const Action action :
-         {Action::undo, Action::redo, Action::cut, Action::copy, Action::paste, Action::selectAll})
+         {Action::undo, Action::redo, Action::cut, Action::copy, Action::paste, Action::selectAll}) {
         EXPECT_TRUE(view->respondsTo(action));
+    }
     EXPECT_FALSE(view->respondsTo(Action::goBack));
 
     gtk_widget_grab_focus(GTK_WIDGET(widgetOf(*view)));

@@ -19,10 +19,11 @@ struct PolicyDelegate final : NavigationPolicyDelegate {
     void decidePolicy(WebView& /*webView*/, const NavigationAction& action,
                       const DecisionHandler& decisionHandler) override {
         actions.push_back(action);
-        if (onQuestion)
+        if (onQuestion) {
             onQuestion(action, decisionHandler);
-        else
+        } else {
             decisionHandler(NavigationActionPolicy::allow);
+        }
     }
     void didFinishNavigation(WebView& webView) override {
         finished.push_back(webView.url() ? webView.url()->absoluteString() : "");
@@ -224,8 +225,9 @@ TEST_F(NavigationPolicy, theViewMayBeLetGoFromInsideTheQuestion) {
         const std::weak_ptr<WebView> weak = view;
         delegate->onQuestion = [&](const auto&, const auto& decide) {
             view.reset();
-            if (answers)
+            if (answers) {
                 decide(NavigationActionPolicy::cancel);
+            }
         };
         view->load(request(server.url("/page")));
         EXPECT_TRUE(runUntil([&] { return weak.expired(); }));

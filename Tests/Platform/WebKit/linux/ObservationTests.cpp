@@ -156,8 +156,9 @@ TEST_P(WebViewEveryObservation, isCalledAfterTheChange) {
 }
 
 TEST_P(WebViewEveryObservation, mayLetTheViewGoFromInsideTheCall) {
-    for (const char* path : {"/first", "/second"})
+    for (const char* path : {"/first", "/second"}) {
         server.route(path, HTTPResponse::page(path));
+    }
     auto view = makeView();
     const std::weak_ptr<WebView> weak = view;
     gpointer widget = widgetOf(*view);

@@ -18,8 +18,9 @@ protected:
         std::vector<std::string> result;
         for (const auto& entry :
              std::filesystem::recursive_directory_iterator(TestSupport::sessionDirectory())) {
-            if (entry.path().filename().string().find(part) != std::string::npos)
+            if (entry.path().filename().string().find(part) != std::string::npos) {
                 result.push_back(entry.path());
+            }
         }
         return result;
     }

@@ -11,8 +11,9 @@ namespace {
 struct RecordingHandler final : ScriptMessageHandler {
     void didReceiveScriptMessage(const ScriptMessage& message) override {
         messages.push_back(message);
-        if (onMessage)
+        if (onMessage) {
             onMessage();
+        }
     }
     std::vector<ScriptMessage> messages;
     std::function<void()> onMessage;
@@ -66,8 +67,9 @@ TEST_F(UserContent, whatJSONCannotTellIsNull) {
     post("'after'");
     ASSERT_TRUE(runUntil(
         [&] { return !handler->messages.empty() && handler->messages.back().body == JSONValue("after"); }));
-    for (std::size_t index = 0; index + 1 < handler->messages.size(); ++index)
+    for (std::size_t index = 0; index + 1 < handler->messages.size(); ++index) {
         EXPECT_TRUE(handler->messages[index].body.isNull());
+    }
 }
 
 TEST_F(UserContent, scriptsRunBeforeThePagesOwnInEveryFrame) {

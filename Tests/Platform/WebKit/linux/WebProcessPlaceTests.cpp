@@ -55,8 +55,9 @@ TEST(WebProcessPlace, isTakenByOneAfterTheOtherOutOfSight) {
     User first;
     User second;
     User third;
-    for (auto* user : {&first, &second, &third})
+    for (auto* user : {&first, &second, &third}) {
         user->begin();
+    }
     runPending();
     EXPECT_EQ(second.uses, 0);
     first.place->started();
@@ -116,8 +117,9 @@ TEST(WebProcessPlace, isNextForTheOneInSight) {
     User first;
     User older;
     User newer;
-    for (auto* user : {&first, &older, &newer})
+    for (auto* user : {&first, &older, &newer}) {
         user->begin();
+    }
     newer.visible = true;
     first.place->started();
     runPending();
@@ -184,8 +186,9 @@ TEST(WebProcessPlace, longestOutOfSightGivesWayToOneInSight) {
     User first;
     User second;
     User third;
-    for (auto* user : {&first, &second, &third})
+    for (auto* user : {&first, &second, &third}) {
         user->beginAndStart();
+    }
     first.place->seen();
     User seen(true);
     EXPECT_TRUE(seen.place->takeNow());

@@ -212,8 +212,9 @@ TEST_F(WebProcess, isStartedForAnEmptyViewOnceItIsShown) {
     int calls = 0;
     std::vector<Observation> observations;
     for (const auto property : {Property::title, Property::url, Property::canGoBack, Property::canGoForward,
-                                Property::estimatedProgress, Property::isLoading})
+                                Property::estimatedProgress, Property::isLoading}) {
         observations.push_back(view->observe(property, [&] { ++calls; }));
+    }
     window->show();
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 1; }));
     runFor(0.2);
@@ -240,8 +241,9 @@ TEST_F(WebProcess, areStartedOneAfterTheOtherForPagesOutOfSight) {
         EXPECT_EQ(webkit_web_view_get_uri(widgetOf(*views[i])), nullptr) << "it is not begun";
         EXPECT_EQ(urlOf(*views[i]), server.url("/" + std::to_string(i))) << "yet this is what it shows";
     }
-    for (std::size_t i = 0; i < views.size(); ++i)
+    for (std::size_t i = 0; i < views.size(); ++i) {
         EXPECT_TRUE(waitForTitle(*views[i], std::to_string(i)));
+    }
 }
 
 TEST_F(WebProcess, isStartedOutOfTurnForAPageThatIsSeen) {
@@ -395,8 +397,9 @@ TEST_F(WebProcess, isStartedInTurnForAWindowThatIsToKnowNothingOfItsOpener) {
         children.push_back(makeView(configuration));
         return children.back();
     };
-    for (const std::string path : {"/one", "/two"})
+    for (const std::string path : {"/one", "/two"}) {
         server.route(path, HTTPResponse::page(path));
+    }
     run(*view, "window.open('/one', '', 'noopener'); window.open('/two', '', 'noopener')");
     ASSERT_TRUE(runUntil([&] { return children.size() == 2; }));
     runFor(0.3);

@@ -12,15 +12,17 @@ using TestSupport::runUntil;
 void RecordingNavigationDelegate::didFailNavigation(WebView& webView, const Error& error) {
     failures.push_back(
         {.provisional = false, .error = error, .url = webView.url(), .isLoading = webView.isLoading()});
-    if (onFailure)
+    if (onFailure) {
         onFailure();
+    }
 }
 
 void RecordingNavigationDelegate::didFailProvisionalNavigation(WebView& webView, const Error& error) {
     failures.push_back(
         {.provisional = true, .error = error, .url = webView.url(), .isLoading = webView.isLoading()});
-    if (onFailure)
+    if (onFailure) {
         onFailure();
+    }
 }
 
 std::shared_ptr<WebView>
@@ -34,16 +36,18 @@ RecordingUIDelegate::createWebView(WebView& /*webView*/,
 void RecordingUIDelegate::runJavaScriptAlertPanel(WebView& /*webView*/, const std::string& message,
                                                   const FrameInfo& frame, std::function<void()> completion) {
     panels.push_back({.message = message, .url = frame.url, .alert = std::move(completion), .confirm = {}});
-    if (onPanel)
+    if (onPanel) {
         onPanel();
+    }
 }
 
 void RecordingUIDelegate::runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& message,
                                                     const FrameInfo& frame,
                                                     std::function<void(bool)> completion) {
     panels.push_back({.message = message, .url = frame.url, .alert = {}, .confirm = std::move(completion)});
-    if (onPanel)
+    if (onPanel) {
         onPanel();
+    }
 }
 
 TestWindow::TestWindow(WebView& view)
@@ -80,9 +84,10 @@ WebViewTest::WebViewTest() { gtk_init(); }
 WebViewTest::~WebViewTest() {
     TestSupport::runPending();
     // WebKitGTK keeps processes of stores in memory too.
-    for (const auto& session : std::exchange(usedSessions(), {}))
+    for (const auto& session : std::exchange(usedSessions(), {})) {
         webkit_website_data_manager_clear(webkit_network_session_get_website_data_manager(session.get()),
                                           WEBKIT_WEBSITE_DATA_ALL, 0, nullptr, nullptr, nullptr);
+    }
     EXPECT_TRUE(TestSupport::forgetPages());
 }
 
@@ -101,8 +106,9 @@ WebKitWebView* WebViewTest::widgetOf(WebView& view) { return WEBKIT_WEB_VIEW(vie
 
 URLRequest WebViewTest::request(const std::string& url, double timeoutInterval) {
     auto parsed = URL::fromString(url);
-    if (!parsed)
+    if (!parsed) {
         fatalError("A test's URL does not parse: " + url);
+    }
     return {.url = *std::move(parsed), .timeoutInterval = timeoutInterval};
 }
 
@@ -129,8 +135,9 @@ std::string WebViewTest::evaluate(WebView& view, const std::string& script) {
             answer.isThere = true;
         },
         &answer);
-    if (!runUntil([&answer] { return answer.isThere; }))
+    if (!runUntil([&answer] { return answer.isThere; })) {
         ADD_FAILURE() << "no answer to " << script;
+    }
     return answer.text;
 }
 

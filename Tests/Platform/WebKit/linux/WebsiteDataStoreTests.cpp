@@ -65,8 +65,9 @@ TEST_F(DefaultWebsiteDataStore, keepsCookiesAndStorage) {
     EXPECT_TRUE(runUntil([] {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(
                  folder(g_get_user_data_dir()), std::filesystem::directory_options::skip_permission_denied)) {
-            if (entry.path().filename().string().find("localstorage") != std::string::npos)
+            if (entry.path().filename().string().find("localstorage") != std::string::npos) {
                 return true;
+            }
         }
         return false;
     }));
@@ -158,9 +159,10 @@ TEST_F(NonPersistentWebsiteDataStore, writesNothing) {
                     leaveTraces(*view);
                     EXPECT_TRUE(webkit_network_session_is_ephemeral(
                         webkit_web_view_get_network_session(widgetOf(*view))));
-                    for (const char* directory : {g_get_user_data_dir(), g_get_user_cache_dir()})
+                    for (const char* directory : {g_get_user_data_dir(), g_get_user_cache_dir()}) {
                         EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(directory) /
                                                              "velde.orvane.keyloft"));
+                    }
                 }),
                 succeeds, "");
 }
