@@ -74,7 +74,7 @@ KeyloftCore::AuthorizeRequest pendingRequest() {
         "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example/callback/of/some/"
         "length&state=" +
         std::string(150, 's');
-    return {KeyloftTests::present(Platform::URL::fromString(url)), std::string(nonce)};
+    return {TestSupport::present(Platform::URL::fromString(url)), std::string(nonce)};
 }
 
 std::string replyMessage() {

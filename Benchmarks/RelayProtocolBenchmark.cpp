@@ -116,7 +116,7 @@ void encoding(benchmark::State& state) {
 }
 
 Platform::URL authorizeURL() {
-    return KeyloftTests::present(Platform::URL::fromString(
+    return TestSupport::present(Platform::URL::fromString(
         "https://appleid.apple.com/auth/"
         "authorize?client_id=com.example.client&redirect_uri=https%3A%2F%2Fclient."
         "example%2Fcallback&response_mode=form_post&response_type=code%20id_token&scope=name%20email&"

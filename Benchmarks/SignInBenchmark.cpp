@@ -60,7 +60,7 @@ constexpr auto signInPage =
     "</script>";
 
 AuthorizeRequest authorizeRequest() {
-    return {KeyloftTests::present(Platform::URL::fromString(authorizeURL)), "ABCDEFGHIJKLMNOPQRST-_"};
+    return {TestSupport::present(Platform::URL::fromString(authorizeURL)), "ABCDEFGHIJKLMNOPQRST-_"};
 }
 
 /// A provider that knows when its page is on the screen.

@@ -99,11 +99,11 @@ public:
         for (int i = 0; i < bookmarkCount; ++i) {
             const std::string number = std::to_string(i);
             bookmarks.push_back({"A bookmark " + number,
-                                 KeyloftTests::present(URL::fromString("https://page.test/" + number))});
+                                 TestSupport::present(URL::fromString("https://page.test/" + number))});
         }
         const std::filesystem::path file = AppDelegate::bookmarksFile().filePath();
         std::filesystem::create_directories(file.parent_path());
-        KeyloftTests::writeContents(file, Bookmark::encode(bookmarks));
+        TestSupport::writeContents(file, Bookmark::encode(bookmarks));
 
         Application::shared().prepare();
         delegate_ = AppDelegate::create();
@@ -115,7 +115,7 @@ public:
             TestSupport::runPending();
         }
         TestSupport::activate(*tab()->window());
-        tab()->load(KeyloftTests::present(URL::fromString("data:text/html,<title>Page</title>")));
+        tab()->load(TestSupport::present(URL::fromString("data:text/html,<title>Page</title>")));
         EXPECT_TRUE(TestSupport::runUntil([this] { return tab()->webView()->title() == "Page"; }));
         TestSupport::waitForLayout(*tab()->window());
     }

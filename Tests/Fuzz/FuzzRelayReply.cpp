@@ -29,7 +29,7 @@ void require(bool condition, std::string_view promise) {
 AuthorizeRequest request(std::string_view stateItem) {
     const auto text = "https://appleid.apple.com/auth/authorize?redirect_uri=https://client.example" +
                       std::string(stateItem);
-    return {KeyloftTests::present(Platform::URL::fromString(text)), "ABCDEFGHIJKLMNOPQRST-_"};
+    return {TestSupport::present(Platform::URL::fromString(text)), "ABCDEFGHIJKLMNOPQRST-_"};
 }
 
 std::optional<AuthResult> parsed(std::string_view data, const AuthorizeRequest& pending) {

@@ -1,5 +1,6 @@
-#include "Platform/AppKit/Application.h"
 #include "Tests/Keyloft/AppDelegateTest.h"
+
+#include "Platform/AppKit/Application.h"
 #include "Tests/Support/Program.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ using TestSupport::tabTitles;
 AppDelegateTest::AppDelegateTest() {
     const std::filesystem::path file = AppDelegate::bookmarksFile().filePath();
     std::filesystem::create_directories(file.parent_path());
-    KeyloftTests::writeContents(file, "[]");
+    TestSupport::writeContents(file, "[]");
     delegate = AppDelegate::create();
     Application::shared().setDelegate(delegate);
     delegate->applicationWillFinishLaunching();
@@ -115,7 +116,7 @@ TEST_F(AppDelegateTest, theBookmarksLieInTheApplicationSupportDirectory) {
         URL::fromFilePath(std::string(home) + "/Library/Application Support/Keyloft/bookmarks.json", false));
     delegate->bookmarks()->add({"Kept", url("https://kept.test/")});
     EXPECT_EQ(
-        KeyloftTests::contentsOf(std::string(home) + "/Library/Application Support/Keyloft/bookmarks.json"),
+        TestSupport::contentsOf(std::string(home) + "/Library/Application Support/Keyloft/bookmarks.json"),
         Bookmark::encode(delegate->bookmarks()->bookmarks()));
     EXPECT_EQ(AppDelegate::create()->bookmarks()->bookmarks(),
               (std::vector<Bookmark>{{"Kept", url("https://kept.test/")}}));
@@ -278,7 +279,7 @@ TEST_F(AppDelegateTest, pagesAndTabsGoToTheWindowUsedLastWhileAnotherProgramHasT
     const auto newer = openPage("/newer");
     TestSupport::activate(*newer->window());
     TestSupport::activate(*older->window());
-    const KeyloftTests::Program other(KEYLOFT_OTHER_PROGRAM, {});
+    const TestSupport::Program other(KEYLOFT_OTHER_PROGRAM, {});
     ASSERT_TRUE(runUntil([&] { return !isActive(*older->window()) && !isActive(*newer->window()); }));
 
     EXPECT_EQ(delegate->frontBrowserWindow(), older->window());

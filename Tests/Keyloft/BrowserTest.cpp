@@ -26,7 +26,7 @@ BrowserTest::~BrowserTest() {
 
 void BrowserTest::setBookmarks(const std::vector<Bookmark>& bookmarks) {
     const std::string file = directory / "bookmarks.json";
-    KeyloftTests::writeContents(file, Bookmark::encode(bookmarks));
+    TestSupport::writeContents(file, Bookmark::encode(bookmarks));
     store = std::make_shared<BookmarkStore>(URL::fromFilePath(file, false));
 }
 
@@ -59,7 +59,7 @@ HTTPResponse BrowserTest::unfinishedPage(const std::string& title) {
     return response;
 }
 
-URL BrowserTest::url(const std::string& text) { return KeyloftTests::present(URL::fromString(text)); }
+URL BrowserTest::url(const std::string& text) { return TestSupport::present(URL::fromString(text)); }
 
 URL BrowserTest::serverURL(const std::string& path) const { return url(server.url(path)); }
 

@@ -61,7 +61,7 @@ protected:
     static std::vector<std::shared_ptr<Platform::Button>> bookmarkButtons(const Controller& tab);
 
     TestSupport::HTTPServer server;
-    KeyloftTests::TemporaryDirectory directory;
+    TestSupport::TemporaryDirectory directory;
     std::shared_ptr<KeyloftBrowserKit::BookmarkStore> store;
     /// What keeps the tabs alive, in the order of opening.
     std::vector<Tab> tabs;

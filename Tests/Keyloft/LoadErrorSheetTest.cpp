@@ -2,7 +2,7 @@
 #include "Tests/Support/Clock.h"
 
 using namespace Platform;
-using KeyloftTests::present;
+using TestSupport::present;
 using TestSupport::runUntil;
 using TestSupport::ShownSheet;
 using TestSupport::shownSheet;

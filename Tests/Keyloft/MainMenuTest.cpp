@@ -142,8 +142,7 @@ TEST_F(MainMenuTest, theBookmarksMenuHasNoLimit) {
     for (int i = 0; i < 1000; ++i) {
         bookmarks.push_back({"Page " + std::to_string(i), url("https://page.test/" + std::to_string(i))});
     }
-    KeyloftTests::writeContents(Keyloft::AppDelegate::bookmarksFile().filePath(),
-                                Bookmark::encode(bookmarks));
+    TestSupport::writeContents(Keyloft::AppDelegate::bookmarksFile().filePath(), Bookmark::encode(bookmarks));
     const auto other = Keyloft::AppDelegate::create();
     const auto menu = Menu::create();
     other->menuNeedsUpdate(*menu);

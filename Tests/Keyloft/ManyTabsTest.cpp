@@ -10,8 +10,8 @@
 #include <vector>
 
 using namespace Platform;
-using KeyloftTests::Setting;
 using TestSupport::runUntil;
+using TestSupport::Setting;
 
 namespace {
 

@@ -18,7 +18,7 @@ protected:
     /// Runs the script, which no click has to do with, and waits until there are so many tabs.
     void runAndWaitForTabs(const Tab& tab, const std::string& script, std::size_t count) {
         TestSupport::runScript(*tab->webView(), script);
-        ASSERT_TRUE(runUntil([&] { return controllers().size() == count; }, KeyloftTests::patience))
+        ASSERT_TRUE(runUntil([&] { return controllers().size() == count; }, TestSupport::patience))
             << controllers().size();
     }
 };

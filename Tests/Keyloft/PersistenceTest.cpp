@@ -13,10 +13,10 @@
 
 namespace {
 
-using KeyloftTests::eventually;
-using KeyloftTests::Program;
 using TestSupport::askXdotool;
+using TestSupport::eventually;
 using TestSupport::HTTPResponse;
+using TestSupport::Program;
 
 /// The real program, run several times by the same user.
 class PersistenceTest : public testing::Test {

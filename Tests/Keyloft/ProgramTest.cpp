@@ -1,7 +1,8 @@
+#include "Tests/Support/Program.h"
+
 #include "Tests/Support/AccessibilityTree.h"
 #include "Tests/Support/Display.h"
 #include "Tests/Support/HTTPServer.h"
-#include "Tests/Support/Program.h"
 #include "Tests/Support/Waiting.h"
 #include "Tests/Support/linux/Xdotool.h"
 
@@ -16,10 +17,10 @@
 
 namespace {
 
-using KeyloftTests::eventually;
-using KeyloftTests::Program;
 using TestSupport::askXdotool;
+using TestSupport::eventually;
 using TestSupport::HTTPResponse;
+using TestSupport::Program;
 using Lines = std::vector<std::string>;
 
 /// The real program, seen through its windows and through what it asks a web server for.

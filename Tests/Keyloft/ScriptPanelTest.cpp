@@ -1,8 +1,8 @@
 #include "Tests/Keyloft/BrowserTest.h"
 
 using namespace Platform;
-using KeyloftTests::present;
 using TestSupport::HTTPResponse;
+using TestSupport::present;
 using TestSupport::pressKey;
 using TestSupport::pressSheetButton;
 using TestSupport::runUntil;
@@ -99,7 +99,7 @@ TEST_F(ScriptPanelTest, withoutAHostThePanelsKindIsTheHeading) {
 }
 
 TEST_F(ScriptPanelTest, aPageWithoutAHostBearsThePanelsKind) {
-    KeyloftTests::writeContents(directory / "page.html", "<title>file</title>");
+    TestSupport::writeContents(directory / "page.html", "<title>file</title>");
     const auto tab = openTab();
     for (const std::string& address :
          {std::string("about:blank"), std::string("data:text/html,<title>data</title>"),

@@ -7,13 +7,13 @@
 #include <vector>
 
 using namespace Platform;
-using KeyloftTests::present;
 using TestSupport::clickSheetButton;
 using TestSupport::hasFocus;
 using TestSupport::hasSheetFocus;
 using TestSupport::HTTPResponse;
 using TestSupport::isSelectedTab;
 using TestSupport::needsAttention;
+using TestSupport::present;
 using TestSupport::pressKey;
 using TestSupport::runUntil;
 using TestSupport::shownSheet;
@@ -195,8 +195,8 @@ TEST_F(SheetTest, aPageThatAlertsForeverCanBeClosed) {
         EXPECT_TRUE(loadPage(beside, "/after"));
     }
     // Their scripts must not go on in the dark. The engine gives them ten seconds.
-    EXPECT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= before.size(); },
-                         KeyloftTests::patience));
+    EXPECT_TRUE(
+        runUntil([&] { return TestSupport::webProcesses().size() <= before.size(); }, TestSupport::patience));
 }
 
 TEST_F(SheetTest, aLongTextKeepsTheButtonsInReachAtTheLeastSizeToo) {

@@ -137,7 +137,7 @@ protected:
 
     void expectNothingIsLeft() {
         const auto isGone = [](const Remains& remains) { return remains.left().empty(); };
-        EXPECT_TRUE(runUntil([&] { return std::ranges::all_of(remains, isGone); }, KeyloftTests::patience));
+        EXPECT_TRUE(runUntil([&] { return std::ranges::all_of(remains, isGone); }, TestSupport::patience));
         for (std::size_t i = 0; i < remains.size(); ++i) {
             EXPECT_EQ(remains[i].left(), "") << "tab " << i << " of " << remains.size();
         }
@@ -146,14 +146,14 @@ protected:
     /// The engine has one or two processes in store; each tab's own would be far more. One that was just
     /// starting when its tab closed takes its time to end.
     [[nodiscard]] static bool waitForWebProcesses() {
-        return runUntil([] { return webProcesses().size() <= 3; }, 2 * KeyloftTests::patience);
+        return runUntil([] { return webProcesses().size() <= 3; }, 2 * TestSupport::patience);
     }
 
     /// Of a tab that closes while its web process is just starting, the engine keeps the thread that would
     /// have received the process's messages, and with the thread its one descriptor. A web view without any
     /// of our code around it shows the same.
     static std::size_t openDescriptors() {
-        return KeyloftTests::openDescriptors() - KeyloftTests::runningThreads("ReceiveQueue");
+        return TestSupport::openDescriptors() - TestSupport::runningThreads("ReceiveQueue");
     }
 
     // The same order in every run. NOLINTNEXTLINE(bugprone-random-generator-seed)
@@ -175,6 +175,6 @@ TEST_F(SoakTest, tabsOpenedAndClosedInRandomOrderLeaveNothingBehind) {
     expectNothingIsLeft();
     EXPECT_TRUE(waitForWebProcesses()) << webProcesses().size() << " web processes";
     // The engine keeps a few connections for a while; what leaks would be there for each tab.
-    EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 30; }, KeyloftTests::patience))
+    EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 30; }, TestSupport::patience))
         << openDescriptors() << " descriptors after " << descriptors;
 }

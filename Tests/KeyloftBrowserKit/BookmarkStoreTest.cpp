@@ -24,16 +24,16 @@ namespace fs = std::filesystem;
 
 using KeyloftBrowserKit::Bookmark;
 using KeyloftBrowserKit::BookmarkStore;
-using KeyloftTests::contentsOf;
-using KeyloftTests::namesIn;
-using KeyloftTests::writeContents;
 using Platform::Notification;
 using Platform::NotificationCenter;
 using Platform::URL;
+using TestSupport::contentsOf;
+using TestSupport::namesIn;
+using TestSupport::writeContents;
 using List = std::vector<Bookmark>;
 using Names = std::set<std::string>;
 
-URL url(std::string_view text) { return KeyloftTests::present(URL::fromString(text)); }
+URL url(std::string_view text) { return TestSupport::present(URL::fromString(text)); }
 
 Bookmark bookmark(std::string_view title, std::string_view text) {
     return {.title = std::string(title), .url = url(text)};
@@ -91,7 +91,7 @@ protected:
     }
 
 private:
-    KeyloftTests::TemporaryDirectory directory_;
+    TestSupport::TemporaryDirectory directory_;
 };
 
 TEST_F(BookmarkStoreTest, theSeedIsTheSixSites) {
@@ -327,9 +327,9 @@ TEST_F(BookmarkStoreTest, aFullDiskLeavesTheOldFile) {
     fs::create_directories(fs::path(path()).parent_path());
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {
         const std::string disk = fs::path(path()).parent_path().string();
-        KeyloftTests::mountSmallDisk(disk, 65536);
+        TestSupport::mountSmallDisk(disk, 65536);
         writeContents(path(), "[]");
-        KeyloftTests::fillDisk(disk);
+        TestSupport::fillDisk(disk);
         BookmarkStore store = this->store();
         expectUnsavedAdd(store, "No space left on device");
         EXPECT_EQ(contentsOf(path()), "[]");
@@ -344,9 +344,9 @@ TEST_F(BookmarkStoreTest, aReadOnlyDiskLeavesTheOldFile) {
     fs::create_directories(fs::path(path()).parent_path());
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {
         const std::string disk = fs::path(path()).parent_path().string();
-        KeyloftTests::mountSmallDisk(disk, 65536);
+        TestSupport::mountSmallDisk(disk, 65536);
         writeContents(path(), "[]");
-        KeyloftTests::makeReadOnly(disk);
+        TestSupport::makeReadOnly(disk);
         BookmarkStore store = this->store();
         expectUnsavedAdd(store, "Read-only file system");
         EXPECT_EQ(contentsOf(path()), "[]");

@@ -11,8 +11,8 @@
 namespace {
 
 using KeyloftBrowserKit::Bookmark;
-using KeyloftTests::present;
 using Platform::URL;
+using TestSupport::present;
 
 Bookmark bookmark(std::string_view title, std::string_view url) {
     return {.title = std::string(title), .url = present(URL::fromString(url))};

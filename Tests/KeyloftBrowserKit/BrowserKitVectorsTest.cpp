@@ -13,9 +13,9 @@ namespace {
 
 using KeyloftBrowserKit::AddressInput;
 using KeyloftBrowserKit::Bookmark;
-using KeyloftTests::expectVectors;
 using nlohmann::json;
 using Platform::URL;
+using TestSupport::expectVectors;
 
 json textOf(const std::optional<URL>& url) { return url ? json(url->absoluteString()) : json(); }
 
@@ -62,7 +62,7 @@ TEST(BookmarkVectors, decode) {
 }
 
 TEST(BookmarkVectors, whatWasEncodedIsDecodedAgain) {
-    for (const auto& row : KeyloftTests::readVectors("bookmarks-encode")) {
+    for (const auto& row : TestSupport::readVectors("bookmarks-encode")) {
         const auto bookmarks = Bookmark::decode(row.out.get<std::string>());
         ASSERT_TRUE(bookmarks) << row.line;
         EXPECT_EQ(Bookmark::encode(*bookmarks), row.out.get<std::string>()) << row.line;

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 using KeyloftCore::AuthSession;
 using KeyloftCore::HostError;
@@ -299,4 +299,4 @@ TEST_F(AuthSessionEnding, theCompletionLetsGoOfWhatItHolds) {
     EXPECT_TRUE(weak.expired());
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

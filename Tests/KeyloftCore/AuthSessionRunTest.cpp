@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 using KeyloftCore::HostError;
 using Platform::Size;
@@ -371,4 +371,4 @@ TEST_F(AuthSessionAsWritten, whatThePageDoesAfterTheEndIsTold) {
     EXPECT_EQ(result().params, (Parameters{{"code", "first"}}));
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <iostream>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 using Platform::NavigationAction;
 using Platform::NavigationActionPolicy;
@@ -144,4 +144,4 @@ void AuthSessionTest::readError() {
     }
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// Sessions whose pages reach no network: whatever they ask of a server goes to a proxy that does not answer
 /// unless a test says so.
@@ -81,4 +81,4 @@ private:
     Lines lines_;
 };
 
-} // namespace KeyloftTests
+} // namespace TestSupport

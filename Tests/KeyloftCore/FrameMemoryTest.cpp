@@ -106,7 +106,7 @@ TEST(FrameDecoderMemory, aLargeFrameInLargeChunksIsPlacedOnce) {
 }
 
 TEST(RelayListenerMemory, closedConnectionsLeaveNothingBehind) {
-    const KeyloftTests::TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     const auto path = directory / "relay.sock";
     KeyloftCore::RelayListener listener;
     listener.listen(path, [](const std::string& request, const KeyloftCore::RelayListener::Reply& reply) {
@@ -124,7 +124,7 @@ TEST(RelayListenerMemory, closedConnectionsLeaveNothingBehind) {
     const long before = liveBlocks;
     exchange(200);
     // The last connections may still be closing, now and before.
-    EXPECT_TRUE(KeyloftTests::eventually([&] { return liveBlocks < before + 100; })) << liveBlocks - before;
+    EXPECT_TRUE(TestSupport::eventually([&] { return liveBlocks < before + 100; })) << liveBlocks - before;
 }
 
 } // namespace

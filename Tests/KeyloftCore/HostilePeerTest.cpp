@@ -17,12 +17,12 @@
 namespace {
 
 using namespace std::string_view_literals;
-using KeyloftTests::ask;
-using KeyloftTests::eventually;
-using KeyloftTests::frame;
-using KeyloftTests::openDescriptors;
-using KeyloftTests::RawPeer;
-using KeyloftTests::RelayTest;
+using TestSupport::ask;
+using TestSupport::eventually;
+using TestSupport::frame;
+using TestSupport::openDescriptors;
+using TestSupport::RawPeer;
+using TestSupport::RelayTest;
 using Clock = std::chrono::steady_clock;
 
 class HostilePeerTest : public RelayTest {

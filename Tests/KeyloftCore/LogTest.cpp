@@ -15,7 +15,7 @@
 namespace {
 
 using KeyloftCore::redact;
-using KeyloftTests::CapturedError;
+using TestSupport::CapturedError;
 
 TEST(Log, writesTheMessageAndALineFeedInOneWrite) {
     const CapturedError error;

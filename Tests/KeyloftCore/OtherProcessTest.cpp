@@ -19,13 +19,13 @@ namespace {
 
 using KeyloftCore::RelayListener;
 using KeyloftCore::RelaySocketClient;
-using KeyloftTests::ask;
-using KeyloftTests::Event;
-using KeyloftTests::frame;
-using KeyloftTests::longWait;
-using KeyloftTests::Pipe;
-using KeyloftTests::RawPeer;
-using KeyloftTests::TemporaryDirectory;
+using TestSupport::ask;
+using TestSupport::Event;
+using TestSupport::frame;
+using TestSupport::longWait;
+using TestSupport::Pipe;
+using TestSupport::RawPeer;
+using TestSupport::TemporaryDirectory;
 
 /// A child that waits for the word before it begins.
 class Child {

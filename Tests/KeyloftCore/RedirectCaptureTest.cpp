@@ -20,15 +20,15 @@ namespace {
 
 using KeyloftCore::RedirectCapture;
 using KeyloftCore::SubmittedForm;
-using KeyloftTests::CapturedError;
-using KeyloftTests::expectVectors;
-using KeyloftTests::MemoryStream;
-using KeyloftTests::present;
 using nlohmann::json;
 using Platform::JSONValue;
 using Platform::NavigationAction;
 using Platform::NavigationType;
 using Platform::URL;
+using TestSupport::CapturedError;
+using TestSupport::expectVectors;
+using TestSupport::MemoryStream;
+using TestSupport::present;
 
 using Parameters = std::map<std::string, std::string>;
 

@@ -23,15 +23,15 @@ namespace {
 using KeyloftCore::RelayListener;
 using KeyloftCore::RelaySocketClient;
 using KeyloftCore::RelaySocketError;
-using KeyloftTests::ask;
-using KeyloftTests::Event;
-using KeyloftTests::frame;
-using KeyloftTests::isSocket;
-using KeyloftTests::longWait;
-using KeyloftTests::modeOf;
-using KeyloftTests::RawPeer;
-using KeyloftTests::RelayTest;
-using KeyloftTests::writeContents;
+using TestSupport::ask;
+using TestSupport::Event;
+using TestSupport::frame;
+using TestSupport::isSocket;
+using TestSupport::longWait;
+using TestSupport::modeOf;
+using TestSupport::RawPeer;
+using TestSupport::RelayTest;
+using TestSupport::writeContents;
 
 /// The process's file mode mask for the length of a test.
 class Mask {
@@ -136,10 +136,10 @@ TEST_F(RelayListenerTest, callsOnFrameOnItsOneThread) {
         threads.push_back(pthread_self());
         reply("");
     });
-    const auto running = KeyloftTests::runningThreads();
+    const auto running = TestSupport::runningThreads();
     ask(path, "a");
     ask(path, "b");
-    EXPECT_EQ(KeyloftTests::runningThreads(), running);
+    EXPECT_EQ(TestSupport::runningThreads(), running);
     ASSERT_EQ(threads.size(), 2U);
     EXPECT_TRUE(pthread_equal(threads[0], threads[1]));
     EXPECT_FALSE(pthread_equal(threads[0], pthread_self()));
@@ -227,8 +227,8 @@ TEST_F(RelayListenerTest, aKeptReplyKeepsNothingOfTheListener) {
     const auto token = std::make_shared<int>(0);
     RelayListener::Reply keptReplyFunction;
     Event asked;
-    const auto threads = KeyloftTests::runningThreads();
-    const auto descriptors = KeyloftTests::openDescriptors();
+    const auto threads = TestSupport::runningThreads();
+    const auto descriptors = TestSupport::openDescriptors();
     {
         RelayListener shortLived;
         shortLived.listen(path, [&, token](const std::string&, RelayListener::Reply reply) {
@@ -240,11 +240,11 @@ TEST_F(RelayListenerTest, aKeptReplyKeepsNothingOfTheListener) {
         ASSERT_TRUE(asked.wait());
     }
     ASSERT_TRUE(keptReplyFunction);
-    EXPECT_TRUE(KeyloftTests::eventually([&] {
-        return token.use_count() == 1 && KeyloftTests::runningThreads() == threads &&
-               KeyloftTests::openDescriptors() == descriptors;
+    EXPECT_TRUE(TestSupport::eventually([&] {
+        return token.use_count() == 1 && TestSupport::runningThreads() == threads &&
+               TestSupport::openDescriptors() == descriptors;
     })) << token.use_count()
-        << " owners of the handler, " << KeyloftTests::runningThreads() - threads << " threads";
+        << " owners of the handler, " << TestSupport::runningThreads() - threads << " threads";
 }
 
 TEST_F(RelayListenerTest, aReplyToAPeerThatHasGoneDoesNothing) {
@@ -267,13 +267,13 @@ TEST_F(RelayListenerTest, aReplyToAPeerThatHasGoneDoesNothing) {
 
 TEST_F(RelayListenerTest, keptRepliesDoNotKeepConnectionsOpen) {
     startKeeping();
-    const auto before = KeyloftTests::openDescriptors();
+    const auto before = TestSupport::openDescriptors();
     for (std::size_t turn = 1; turn <= 10; ++turn) {
         const RawPeer peer(path);
         ASSERT_TRUE(peer.send(frame("x")));
         ASSERT_TRUE(requests.wait(turn));
     }
-    EXPECT_TRUE(KeyloftTests::eventually([&] { return KeyloftTests::openDescriptors() == before; }));
+    EXPECT_TRUE(TestSupport::eventually([&] { return TestSupport::openDescriptors() == before; }));
 }
 
 TEST_F(RelayListenerTest, theLastReferenceMayGoOnTheQueue) {
@@ -290,7 +290,7 @@ TEST_F(RelayListenerTest, theLastReferenceMayGoOnTheQueue) {
     ASSERT_TRUE(peer.send(frame("x")));
     ASSERT_TRUE(done.wait());
     EXPECT_EQ(peer.receiveAll(), "");
-    EXPECT_TRUE(KeyloftTests::eventually([&] { return token.use_count() == 1; }));
+    EXPECT_TRUE(TestSupport::eventually([&] { return token.use_count() == 1; }));
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
@@ -323,7 +323,7 @@ TEST_F(RelayListenerTest, theHandlerMayHoldTheListener) {
     const std::weak_ptr<RelayListener> weak = listener;
     listener->close();
     listener.reset();
-    EXPECT_TRUE(KeyloftTests::eventually([&] { return weak.expired(); }));
+    EXPECT_TRUE(TestSupport::eventually([&] { return weak.expired(); }));
 }
 
 TEST_F(RelayListenerTest, twoFramesInOneWriteAreOneRequest) {
@@ -439,13 +439,13 @@ TEST_F(RelayListenerTest, aDirectoryThatCannotBeMadeIsTheFileManagersErrorAndNot
     writeContents(file, "mine");
     const auto ignore = [](const std::string&, const RelayListener::Reply&) {};
     EXPECT_THROW(listener->listen(file + "/relay.sock", ignore), Platform::FileError);
-    EXPECT_EQ(KeyloftTests::contentsOf(file), "mine");
+    EXPECT_EQ(TestSupport::contentsOf(file), "mine");
     EXPECT_THROW(listener->listen("", ignore), Platform::FileError);
 
     // Without a directory in its path the file is in the current one, and still not the listener's to remove.
     const CurrentDirectory here(directory.path());
     EXPECT_THROW(listener->listen("file", ignore), Platform::FileError);
-    EXPECT_EQ(KeyloftTests::contentsOf(file), "mine");
+    EXPECT_EQ(TestSupport::contentsOf(file), "mine");
 }
 
 TEST_F(RelayListenerTest, aPathWithANULIsRefusedBeforeAnythingIsTouched) {
@@ -461,8 +461,8 @@ TEST_F(RelayListenerTest, aPathWithANULIsRefusedBeforeAnythingIsTouched) {
             EXPECT_EQ(error, RelaySocketError::pathContainsNUL());
         }
     }
-    EXPECT_EQ(KeyloftTests::contentsOf(path), "mine");
-    EXPECT_EQ(KeyloftTests::namesIn(directory.path()), std::set<std::string>{"relay.sock"});
+    EXPECT_EQ(TestSupport::contentsOf(path), "mine");
+    EXPECT_EQ(TestSupport::namesIn(directory.path()), std::set<std::string>{"relay.sock"});
 }
 
 TEST_F(RelayListenerTest, aDirectoryInItsPlaceIsABindError) {
@@ -580,7 +580,7 @@ TEST_F(RelayListenerTest, aFileOrDirectoryThatTookTheSocketsPlaceStays) {
     ASSERT_EQ(unlink(path.c_str()), 0);
     writeContents(path, "mine");
     listener->close();
-    EXPECT_EQ(KeyloftTests::contentsOf(path), "mine");
+    EXPECT_EQ(TestSupport::contentsOf(path), "mine");
 
     startEcho();
     ASSERT_EQ(unlink(path.c_str()), 0);
@@ -657,18 +657,18 @@ TEST_F(RelayListenerTest, repliesDuringCloseAreWholeOrAbsent) {
 
 TEST_F(RelayListenerTest, thousandsOfExchangesLeaveNothingBehind) {
     startEcho();
-    const auto before = KeyloftTests::openDescriptors();
+    const auto before = TestSupport::openDescriptors();
     for (int turn = 0; turn < 10'000; ++turn) {
         ASSERT_EQ(ask(path, "x"), "echo x");
     }
-    EXPECT_TRUE(KeyloftTests::eventually([&] { return KeyloftTests::openDescriptors() == before; }));
+    EXPECT_TRUE(TestSupport::eventually([&] { return TestSupport::openDescriptors() == before; }));
 }
 
 TEST(RelayListenerDeathTest, closingOnTheQueueStopsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(
         {
-            const KeyloftTests::TemporaryDirectory directory;
+            const TestSupport::TemporaryDirectory directory;
             const auto path = directory / "relay.sock";
             RelayListener listener;
             listener.listen(path, [&](const std::string&, const RelayListener::Reply&) { listener.close(); });
@@ -679,11 +679,11 @@ TEST(RelayListenerDeathTest, closingOnTheQueueStopsTheProcess) {
 
 TEST(RelayListenerDeathTest, aListenerWithoutAHandlerStopsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const KeyloftTests::TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     const auto path = directory / "relay.sock";
     writeContents(path, "mine");
     EXPECT_DEATH(RelayListener().listen(path, nullptr), "needs a handler for its requests");
-    EXPECT_EQ(KeyloftTests::contentsOf(path), "mine");
+    EXPECT_EQ(TestSupport::contentsOf(path), "mine");
 }
 
 TEST(RelaySocketError, showsItself) {

@@ -20,12 +20,12 @@ namespace {
 using namespace std::string_view_literals;
 using KeyloftCore::RelaySocketClient;
 using KeyloftCore::RelaySocketError;
-using KeyloftTests::Event;
-using KeyloftTests::eventually;
-using KeyloftTests::frame;
-using KeyloftTests::longWait;
-using KeyloftTests::RawPeer;
-using KeyloftTests::TemporaryDirectory;
+using TestSupport::Event;
+using TestSupport::eventually;
+using TestSupport::frame;
+using TestSupport::longWait;
+using TestSupport::RawPeer;
+using TestSupport::TemporaryDirectory;
 using Clock = std::chrono::steady_clock;
 
 /// A server that does what a test wants with its one connection.
@@ -75,14 +75,14 @@ protected:
 };
 
 TEST_F(RelaySocketClientTest, connectingWhereNobodyListensFails) {
-    const auto before = KeyloftTests::openDescriptors();
+    const auto before = TestSupport::openDescriptors();
     EXPECT_EQ(connectError(path), RelaySocketError::syscall("connect", ENOENT));
-    KeyloftTests::writeContents(path, "no socket");
+    TestSupport::writeContents(path, "no socket");
     EXPECT_EQ(connectError(path), RelaySocketError::syscall("connect", ECONNREFUSED));
     EXPECT_EQ(connectError(directory / "no/such/place"), RelaySocketError::syscall("connect", ENOENT));
     EXPECT_EQ(connectError(""), RelaySocketError::syscall("connect", ENOENT));
     EXPECT_EQ(connectError("/" + std::string(103, 'x')), RelaySocketError::pathTooLong());
-    EXPECT_EQ(KeyloftTests::openDescriptors(), before);
+    EXPECT_EQ(TestSupport::openDescriptors(), before);
 }
 
 TEST_F(RelaySocketClientTest, anEmptyPathNeverMeansANameOutsideTheFileSystem) {
@@ -291,7 +291,7 @@ TEST(RelaySocketClientDeathTest, aTimeoutThatIsNoTimeStopsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const TemporaryDirectory directory;
     const auto path = directory / "relay.sock";
-    const KeyloftTests::RawPeer listening;
+    const TestSupport::RawPeer listening;
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
     path.copy(address.sun_path, sizeof address.sun_path - 1);

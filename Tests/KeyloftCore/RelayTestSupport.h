@@ -29,7 +29,7 @@
 #include <utility>
 #include <vector>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// Seconds that a client waits for what is sure to come.
 inline constexpr double longWait = 30;
@@ -220,4 +220,4 @@ private:
     std::size_t threads_ = 0;
 };
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -16,8 +16,8 @@ namespace {
 
 using KeyloftCore::RelayListener;
 using KeyloftCore::RelaySocketClient;
-using KeyloftTests::Event;
-using KeyloftTests::TemporaryDirectory;
+using TestSupport::Event;
+using TestSupport::TemporaryDirectory;
 
 /// Long for an answer, and short enough to wait for one that never comes.
 constexpr double answerTimeout = 10;

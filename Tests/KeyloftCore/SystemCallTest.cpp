@@ -25,16 +25,16 @@ namespace {
 using KeyloftCore::RelayListener;
 using KeyloftCore::RelaySocketClient;
 using KeyloftCore::RelaySocketError;
-using KeyloftTests::ask;
-using KeyloftTests::eventually;
-using KeyloftTests::frame;
-using KeyloftTests::Intercepted;
-using KeyloftTests::longWait;
-using KeyloftTests::RawPeer;
-using KeyloftTests::realSend;
-using KeyloftTests::realStat;
-using KeyloftTests::RelayTest;
-using KeyloftTests::SystemCalls;
+using TestSupport::ask;
+using TestSupport::eventually;
+using TestSupport::frame;
+using TestSupport::Intercepted;
+using TestSupport::longWait;
+using TestSupport::RawPeer;
+using TestSupport::realSend;
+using TestSupport::realStat;
+using TestSupport::RelayTest;
+using TestSupport::SystemCalls;
 
 /// Both ends of a socket.
 struct SocketPair {
@@ -378,12 +378,12 @@ TEST_F(SystemCallTest, aSocketThatCannotBeMadeIsReported) {
 }
 
 TEST_F(SystemCallTest, aFailureToListenTakesTheFileAway) {
-    const auto before = KeyloftTests::openDescriptors();
+    const auto before = TestSupport::openDescriptors();
     SystemCalls system;
     int backlog = 0;
     system.listen = [&](int asked) -> SystemCalls::Maybe {
         backlog = asked;
-        EXPECT_TRUE(KeyloftTests::isSocket(path));
+        EXPECT_TRUE(TestSupport::isSocket(path));
         return SystemCalls::failure(EADDRINUSE);
     };
     {
@@ -392,7 +392,7 @@ TEST_F(SystemCallTest, aFailureToListenTakesTheFileAway) {
     }
     EXPECT_EQ(backlog, 4);
     EXPECT_FALSE(std::filesystem::exists(path));
-    EXPECT_EQ(KeyloftTests::openDescriptors(), before);
+    EXPECT_EQ(TestSupport::openDescriptors(), before);
     startEcho();
     EXPECT_EQ(ask(path, "x"), "echo x");
 }
@@ -404,7 +404,7 @@ TEST_F(SystemCallTest, aModeThatCannotBeSetIsNoFailure) {
     };
     const Intercepted intercepted(system);
     startEcho();
-    EXPECT_EQ(KeyloftTests::modeOf(path), 0700U) << "the mask has closed it to others before";
+    EXPECT_EQ(TestSupport::modeOf(path), 0700U) << "the mask has closed it to others before";
     EXPECT_EQ(ask(path, "x"), "echo x");
 }
 
@@ -419,7 +419,7 @@ TEST_F(SystemCallTest, aListenerThatDoesNotKnowItsFileLeavesIt) {
     }
     EXPECT_EQ(ask(path, "x"), "echo x");
     listener->close();
-    EXPECT_TRUE(KeyloftTests::isSocket(path));
+    EXPECT_TRUE(TestSupport::isSocket(path));
 }
 
 TEST_F(SystemCallTest, aFileThatCannotBeLookedAtStays) {
@@ -432,10 +432,10 @@ TEST_F(SystemCallTest, aFileThatCannotBeLookedAtStays) {
         const Intercepted intercepted(system);
         listener->close();
     }
-    EXPECT_TRUE(KeyloftTests::isSocket(path));
+    EXPECT_TRUE(TestSupport::isSocket(path));
     EXPECT_FALSE(RawPeer().connect(path)) << "nobody listens any more";
     listener->close();
-    EXPECT_TRUE(KeyloftTests::isSocket(path)) << "the path was forgotten";
+    EXPECT_TRUE(TestSupport::isSocket(path)) << "the path was forgotten";
 }
 
 TEST_F(SystemCallTest, aFileWithTheSocketsNumberOnAnotherDeviceStays) {
@@ -450,7 +450,7 @@ TEST_F(SystemCallTest, aFileWithTheSocketsNumberOnAnotherDeviceStays) {
     };
     const Intercepted intercepted(system);
     listener->close();
-    EXPECT_TRUE(KeyloftTests::isSocket(path));
+    EXPECT_TRUE(TestSupport::isSocket(path));
 }
 
 TEST_F(SystemCallTest, errorsAreThoseOfTheCallThatFailedAndNotOfTheCleanUp) {

@@ -25,7 +25,7 @@ int __real_getsockopt(int descriptor, int level, int option, void* value, sockle
 int __real_setsockopt(int descriptor, int level, int option, const void* value, socklen_t length);
 }
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 std::atomic<const SystemCalls*> SystemCalls::current = nullptr;
 std::atomic<int> SystemCalls::asking = 0;
@@ -38,11 +38,11 @@ int realStat(std::string_view path, struct stat* status) {
     return __real_stat(std::string(path).c_str(), status);
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport
 
 namespace {
 
-using KeyloftTests::SystemCalls;
+using TestSupport::SystemCalls;
 
 template <typename Member, typename... Arguments>
 SystemCalls::Maybe ask(Member member, Arguments... arguments) {

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <thread>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// Stands between the code and the system: each function may answer a call in the system's place. The linker
 /// leads the calls here (--wrap); what has no function, or gets no answer, is the system's.
@@ -65,4 +65,4 @@ public:
 ssize_t realSend(int descriptor, const void* bytes, std::size_t count, int flags);
 int realStat(std::string_view path, struct stat* status);
 
-} // namespace KeyloftTests
+} // namespace TestSupport

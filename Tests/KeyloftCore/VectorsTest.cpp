@@ -19,10 +19,10 @@ using KeyloftCore::AuthorizeRequest;
 using KeyloftCore::RelayProtocol;
 using KeyloftCore::RelayResult;
 using KeyloftCore::RelayTarget;
-using KeyloftTests::expectVectors;
-using KeyloftTests::orNull;
 using nlohmann::json;
 using Platform::URL;
+using TestSupport::expectVectors;
+using TestSupport::orNull;
 
 TEST(AuthorizeRequestVectors, hold) {
     expectVectors("authorize", [](const json& in) -> json {

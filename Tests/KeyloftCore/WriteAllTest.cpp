@@ -17,7 +17,7 @@
 namespace {
 
 using KeyloftCore::RelayListener;
-using KeyloftTests::Pipe;
+using TestSupport::Pipe;
 
 std::string readToEnd(int descriptor) {
     std::string all;

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// Standard error for the length of a test: a packet socket, so that each write stays apart.
 class CapturedError {
@@ -56,4 +56,4 @@ private:
     std::array<int, 2> ends_ = {-1, -1};
 };
 
-} // namespace KeyloftTests
+} // namespace TestSupport

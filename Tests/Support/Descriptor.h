@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// Closes a descriptor when it goes.
 class Descriptor {
@@ -44,4 +44,4 @@ private:
     int value_ = -1;
 };
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -27,7 +27,7 @@
 
 namespace TestSupport {
 
-using KeyloftTests::Descriptor;
+using TestSupport::Descriptor;
 
 namespace {
 

@@ -21,7 +21,7 @@
 
 namespace TestSupport {
 
-using KeyloftTests::Descriptor;
+using TestSupport::Descriptor;
 
 namespace {
 

@@ -87,7 +87,7 @@ public:
         int port() const { return port_; }
 
     private:
-        KeyloftTests::Descriptor descriptor_;
+        TestSupport::Descriptor descriptor_;
         int port_ = 0;
     };
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// A body as an engine might hand it over, which notes how it is read.
 class MemoryStream : public Platform::InputStream {
@@ -41,4 +41,4 @@ private:
     std::size_t offset_ = 0;
 };
 
-} // namespace KeyloftTests
+} // namespace TestSupport

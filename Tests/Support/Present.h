@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// What `value` holds; an absent one throws, which fails the test that expected it.
 template <typename Value>
@@ -15,4 +15,4 @@ Value present(std::optional<Value> value) {
     return *std::move(value);
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -14,7 +14,7 @@
 #include <functional>
 #include <string>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// What became of the child process of `inPrivateMounts`.
 enum class PrivateMountsResult { passed, failed, notAllowed };
@@ -103,14 +103,14 @@ inline void fillDisk(const std::string& directory) {
     }
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport
 
 /// Runs the statements given as a function in private mounts, or skips the test where the system allows none.
 #define KEYLOFT_IN_PRIVATE_MOUNTS(...)                                                                       \
     do {                                                                                                     \
-        const auto keyloftResult = KeyloftTests::inPrivateMounts(__VA_ARGS__);                               \
-        if (keyloftResult == KeyloftTests::PrivateMountsResult::notAllowed) {                                \
+        const auto keyloftResult = TestSupport::inPrivateMounts(__VA_ARGS__);                                \
+        if (keyloftResult == TestSupport::PrivateMountsResult::notAllowed) {                                 \
             GTEST_SKIP() << "this system lets tests have no mount namespace of their own";                   \
         }                                                                                                    \
-        ASSERT_EQ(keyloftResult, KeyloftTests::PrivateMountsResult::passed);                                 \
+        ASSERT_EQ(keyloftResult, TestSupport::PrivateMountsResult::passed);                                  \
     } while (false)

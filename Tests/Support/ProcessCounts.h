@@ -9,7 +9,7 @@
 #include <thread>
 
 /// How much of the system a process has in use; Linux's /proc tells.
-namespace KeyloftTests {
+namespace TestSupport {
 
 inline std::size_t entriesOf(const std::filesystem::path& directory) {
     std::size_t count = 0;
@@ -46,4 +46,4 @@ inline std::size_t runningThreads(const std::string& name) {
     return count;
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

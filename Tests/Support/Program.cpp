@@ -17,7 +17,7 @@
 #include <fstream>
 #include <system_error>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 namespace {
 
@@ -170,4 +170,4 @@ std::string Program::errors() const {
     return text;
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// A program of ours that runs as a process of its own, in the test's session. It ends with this object, or
 /// with the test should that come first.
@@ -47,4 +47,4 @@ private:
     std::optional<int> status_;
 };
 
-} // namespace KeyloftTests
+} // namespace TestSupport

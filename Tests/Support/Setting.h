@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// Changes a setting of the program for as long as it lives.
 template <typename Value>
@@ -20,4 +20,4 @@ private:
     Value before_;
 };
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -30,12 +30,12 @@ public:
         std::fputs(text().c_str(), stderr);
     }
 
-    std::string text() const { return KeyloftTests::contentsOf(path()); }
+    std::string text() const { return TestSupport::contentsOf(path()); }
 
 private:
     std::string path() const { return directory_ / "standard-error"; }
 
-    KeyloftTests::TemporaryDirectory directory_;
+    TestSupport::TemporaryDirectory directory_;
     int saved_;
 };
 

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// An empty directory of the test's own, removed with all it holds at the test's end.
 class TemporaryDirectory {
@@ -60,4 +60,4 @@ inline void writeContents(const std::filesystem::path& file, std::string_view da
     EXPECT_TRUE(stream) << file;
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

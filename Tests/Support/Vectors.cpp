@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 std::vector<VectorRow> readVectors(std::string_view name) {
     const auto path = std::filesystem::path(KEYLOFT_TEST_DATA) / "Vectors" / (std::string(name) + ".jsonl");
@@ -45,4 +45,4 @@ void expectVectors(std::string_view name,
     }
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

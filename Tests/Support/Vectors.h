@@ -9,7 +9,7 @@
 
 /// Recorded answers: files in Tests/Vectors with one JSON object a line, "in" the input and "out" the right
 /// answer.
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// One line of such a file.
 struct VectorRow {
@@ -32,4 +32,4 @@ nlohmann::json orNull(const Optional& value) {
     return value ? nlohmann::json(*value) : nlohmann::json();
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

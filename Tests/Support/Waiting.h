@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// Long enough for a loaded machine under a sanitizer: only a failing test ever waits so long.
 inline constexpr std::chrono::seconds patience(30);
@@ -50,4 +50,4 @@ template <typename Condition>
     return true;
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -1,20 +1,19 @@
 #include "Platform/AppKit/MainThread.h"
 
+#include "Platform/Foundation/FatalError.h"
+
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <string>
 
 namespace Platform {
 
 void assertMainThread(const char* operation) {
-    // Asked once of the system, for a bar of bookmarks alone asks thousands of times.
+    // Cached: a bookmarks bar alone asks thousands of times.
     thread_local const bool isMainThread = gettid() == getpid();
-    if (isMainThread) {
-        return;
+    if (!isMainThread) {
+        fatalError(std::string(operation) + " was called off the main thread");
     }
-    std::fprintf(stderr, "Keyloft: %s was called off the main thread\n", operation);
-    std::abort();
 }
 
 } // namespace Platform

@@ -2,14 +2,13 @@
 
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/linux/GObjectPtr.h"
+#include "Platform/Foundation/FatalError.h"
 
 extern "C" {
 #include <Resources.h>
 }
 
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <memory>
 #include <utility>
@@ -60,8 +59,7 @@ const char* iconName(const std::string& symbolName) {
             return icon;
         }
     }
-    std::fprintf(stderr, "Keyloft: no icon stands for the symbol \"%s\"\n", symbolName.c_str());
-    std::abort();
+    fatalError("there is no icon for the symbol \"" + symbolName + '"');
 }
 
 PangoAttrList* fontAttributes(double points) {

@@ -10,7 +10,7 @@ namespace Platform {
 
 void assertMainThread(const char* operation) {
     if (!NSThread.isMainThread) {
-        fatalError(std::string(operation) + " was called outside the main thread");
+        fatalError(std::string(operation) + " was called off the main thread");
     }
 }
 

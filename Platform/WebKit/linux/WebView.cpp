@@ -245,26 +245,26 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
     };
     notified("notify::uri", [](WebKitWebView*, GParamSpec*, gpointer data) {
         auto& engine = *static_cast<Engine*>(data);
-        if (const auto kept = engine.keep()) {
+        if (const auto keptAlive = engine.keep()) {
             engine.updateURL();
         }
     });
     notified("notify::title", [](WebKitWebView*, GParamSpec*, gpointer data) {
         auto& engine = *static_cast<Engine*>(data);
-        if (const auto kept = engine.keep()) {
+        if (const auto keptAlive = engine.keep()) {
             engine.updateTitle();
         }
     });
     notified("notify::estimated-load-progress", [](WebKitWebView* view, GParamSpec*, gpointer data) {
         auto& engine = *static_cast<Engine*>(data);
-        if (const auto kept = engine.keep()) {
+        if (const auto keptAlive = engine.keep()) {
             engine.update(engine.estimatedProgress, webkit_web_view_get_estimated_load_progress(view),
                           Property::estimatedProgress);
         }
     });
     notified("notify::is-loading", [](WebKitWebView*, GParamSpec*, gpointer data) {
         auto& engine = *static_cast<Engine*>(data);
-        if (const auto kept = engine.keep()) {
+        if (const auto keptAlive = engine.keep()) {
             engine.updateIsLoading();
         }
     });
@@ -272,7 +272,7 @@ WebView::Engine::Engine(WebView& owner, WebViewConfiguration& configuration)
         webkit_web_view_get_back_forward_list(view.get()), "changed",
         +[](WebKitBackForwardList*, WebKitBackForwardListItem*, gpointer, gpointer data) {
             auto& engine = *static_cast<Engine*>(data);
-            if (const auto kept = engine.keep()) {
+            if (const auto keptAlive = engine.keep()) {
                 engine.updateHistory();
             }
         });
@@ -372,7 +372,7 @@ void WebView::Engine::replaceNavigation() {
 /// Once there is a web process for it.
 void WebView::Engine::begin(std::function<void()> navigation) {
     place.begin([this, navigation = std::move(navigation)] {
-        const auto kept = keep();
+        const auto keptAlive = keep();
         navigation();
     });
     // Not at once: of many tabs that are opened together each is in sight, until the next one is.
@@ -445,8 +445,8 @@ void WebView::Engine::stop() {
 
 void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
-    const auto kept = engine.keep();
-    if (!kept) {
+    const auto keptAlive = engine.keep();
+    if (!keptAlive) {
         return;
     }
     engine.place.started();
@@ -494,7 +494,7 @@ void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gp
             break;
         }
         if (const auto delegate = engine.navigationDelegate.lock()) {
-            delegate->didFinishNavigation(*kept);
+            delegate->didFinishNavigation(*keptAlive);
         }
         break;
     }
@@ -505,8 +505,8 @@ void WebView::Engine::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gp
 gboolean WebView::Engine::decidePolicy(WebKitWebView* view, WebKitPolicyDecision* decision,
                                        WebKitPolicyDecisionType type, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
-    const auto kept = engine.keep();
-    if (!kept || type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
+    const auto keptAlive = engine.keep();
+    if (!keptAlive || type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
         return FALSE;
     }
     engine.place.started();
@@ -553,8 +553,8 @@ void WebView::Engine::ask(const std::shared_ptr<NavigationQuestion>& question, b
     delegate->decidePolicy(owner, question->action(),
                            [question, isRequested, weak = weak_from_this()](NavigationActionPolicy policy) {
                                const auto engine = weak.lock();
-                               const auto kept = engine ? engine->keep() : nullptr;
-                               if (kept) {
+                               const auto keptAlive = engine ? engine->keep() : nullptr;
+                               if (keptAlive) {
                                    engine->answer(*question, policy, isRequested);
                                }
                            });
@@ -599,8 +599,8 @@ void WebView::Engine::report(WebKitLoadEvent event, const Error& error) {
 gboolean WebView::Engine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent event, const char* uri,
                                      GError* error, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
-    const auto kept = engine.keep();
-    if (!kept) {
+    const auto keptAlive = engine.keep();
+    if (!keptAlive) {
         return TRUE;
     }
     engine.updateHistory();
@@ -629,7 +629,7 @@ void WebView::Engine::startTimeout() {
         return;
     }
     timeout = Timer::scheduled(timeoutInterval, false, [this] {
-        if (const auto kept = keep()) {
+        if (const auto keptAlive = keep()) {
             timedOut();
         }
     });
@@ -651,7 +651,7 @@ void WebView::Engine::timedOut() {
         return;
     }
     stopTimer = Timer::scheduled(stopLimit, false, [this, reportNow] {
-        if (const auto kept = keep()) {
+        if (const auto keptAlive = keep()) {
             reportNow();
         }
     });
@@ -661,8 +661,8 @@ void WebView::Engine::timedOut() {
 
 GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationAction* action, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
-    const auto kept = engine.keep();
-    const auto delegate = kept ? engine.uiDelegate.lock() : nullptr;
+    const auto keptAlive = engine.keep();
+    const auto delegate = keptAlive ? engine.uiDelegate.lock() : nullptr;
     if (!delegate) {
         return nullptr;
     }
@@ -670,10 +670,10 @@ GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationActi
     auto native = std::make_unique<WebViewConfiguration::Native>();
     native->opener = GObjectPtr<WebKitWebView>::retain(view);
     const auto configuration = std::make_shared<WebViewConfiguration>(std::move(native));
-    configuration->setUserContentController(kept->configuration_->userContentController());
-    configuration->setWebsiteDataStore(kept->configuration_->websiteDataStore());
+    configuration->setUserContentController(keptAlive->configuration_->userContentController());
+    configuration->setWebsiteDataStore(keptAlive->configuration_->websiteDataStore());
 
-    const auto child = delegate->createWebView(*kept, configuration, navigationAction(action));
+    const auto child = delegate->createWebView(*keptAlive, configuration, navigationAction(action));
     configuration->native().opener.reset();
     if (!child) {
         return nullptr;
@@ -690,8 +690,8 @@ GtkWidget* WebView::Engine::createView(WebKitWebView* view, WebKitNavigationActi
 
 gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
-    const auto kept = engine.keep();
-    const auto delegate = kept ? engine.uiDelegate.lock() : nullptr;
+    const auto keptAlive = engine.keep();
+    const auto delegate = keptAlive ? engine.uiDelegate.lock() : nullptr;
     const auto type = webkit_script_dialog_get_dialog_type(dialog);
     if (!delegate || (type != WEBKIT_SCRIPT_DIALOG_ALERT && type != WEBKIT_SCRIPT_DIALOG_CONFIRM)) {
         return FALSE;
@@ -704,9 +704,9 @@ gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
     // A page must not speak in the name of the one that comes after it.
     const FrameInfo frame{.url = engine.phase == Phase::idle ? engine.url : engine.shownURL};
     if (type == WEBKIT_SCRIPT_DIALOG_ALERT) {
-        delegate->runJavaScriptAlertPanel(*kept, message, frame, [pending] { pending->answer(true); });
+        delegate->runJavaScriptAlertPanel(*keptAlive, message, frame, [pending] { pending->answer(true); });
     } else {
-        delegate->runJavaScriptConfirmPanel(*kept, message, frame,
+        delegate->runJavaScriptConfirmPanel(*keptAlive, message, frame,
                                             [pending](bool confirmed) { pending->answer(confirmed); });
     }
     return TRUE;
@@ -714,9 +714,9 @@ gboolean WebView::Engine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
 
 void WebView::Engine::closed(WebKitWebView* /*view*/, gpointer data) {
     const auto& engine = *static_cast<Engine*>(data);
-    const auto kept = engine.keep();
-    if (const auto delegate = kept ? engine.uiDelegate.lock() : nullptr) {
-        delegate->webViewDidClose(*kept);
+    const auto keptAlive = engine.keep();
+    if (const auto delegate = keptAlive ? engine.uiDelegate.lock() : nullptr) {
+        delegate->webViewDidClose(*keptAlive);
     }
 }
 
@@ -725,8 +725,8 @@ void WebView::Engine::closed(WebKitWebView* /*view*/, gpointer data) {
 void WebView::Engine::webProcessTerminated(WebKitWebView* /*view*/,
                                            WebKitWebProcessTerminationReason /*reason*/, gpointer data) {
     auto& engine = *static_cast<Engine*>(data);
-    const auto kept = engine.keep();
-    if (!kept) {
+    const auto keptAlive = engine.keep();
+    if (!keptAlive) {
         return;
     }
     engine.place.leave();
@@ -766,8 +766,8 @@ bool WebView::Engine::mayGiveWay() const {
 }
 
 void WebView::Engine::giveWay() {
-    const auto kept = keep();
-    if (!kept) {
+    const auto keptAlive = keep();
+    if (!keptAlive) {
         return;
     }
     webkit_web_view_terminate_web_process(view.get());
@@ -783,8 +783,8 @@ void WebView::Engine::catchUpSoon() {
 
 /// Loads what had to wait until somebody looks.
 void WebView::Engine::catchUpIfVisible() {
-    const auto kept = keep();
-    if (!kept || !isVisible()) {
+    const auto keptAlive = keep();
+    if (!keptAlive || !isVisible()) {
         return;
     }
     if (processEnded && reloadsWhenVisible) {
@@ -901,32 +901,32 @@ Observation WebView::observe(Property property, std::function<void()> changed) {
 
 void WebView::load(const URLRequest& request) {
     assertMainThread("WebView::load");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->timeoutInterval = request.timeoutInterval;
     engine_->load(engineText(request.url));
 }
 
 void WebView::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
     assertMainThread("WebView::loadHTMLString");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->loadHTMLString(html, baseURL);
 }
 
 void WebView::reload() {
     assertMainThread("WebView::reload");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->reload();
 }
 
 void WebView::stopLoading() {
     assertMainThread("WebView::stopLoading");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->stop();
 }
 
 void WebView::goBack() {
     assertMainThread("WebView::goBack");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     if (!engine_->canGoBack) {
         return;
     }
@@ -935,7 +935,7 @@ void WebView::goBack() {
 
 void WebView::goForward() {
     assertMainThread("WebView::goForward");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     if (!engine_->canGoForward) {
         return;
     }

@@ -52,37 +52,37 @@ Observation WebView::observe(Property property, std::function<void()> changed) {
 
 void WebView::load(const URLRequest& request) {
     assertMainThread("WebView::load");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->load(request);
 }
 
 void WebView::loadHTMLString(const std::string& html, const std::optional<URL>& baseURL) {
     assertMainThread("WebView::loadHTMLString");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->loadHTMLString(html, baseURL);
 }
 
 void WebView::reload() {
     assertMainThread("WebView::reload");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->reload();
 }
 
 void WebView::stopLoading() {
     assertMainThread("WebView::stopLoading");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->stopLoading();
 }
 
 void WebView::goBack() {
     assertMainThread("WebView::goBack");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->goBack();
 }
 
 void WebView::goForward() {
     assertMainThread("WebView::goForward");
-    const auto kept = shared_from_this();
+    const auto keptAlive = shared_from_this();
     engine_->goForward();
 }
 

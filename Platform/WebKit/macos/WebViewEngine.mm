@@ -74,7 +74,7 @@ WebViewEngine::~WebViewEngine() {
     view_.UIDelegate = nil;
     // The view may be let go from inside one of WebKit's calls, which still works with its own when it
     // returns.
-    RunLoop::main().perform([kept = view_] { (void)kept; });
+    RunLoop::main().perform([keptAlive = view_] { (void)keptAlive; });
 }
 
 // Observation
@@ -110,8 +110,8 @@ void WebViewEngine::updateTitle() {
 }
 
 void WebViewEngine::propertyChanged(Property property) noexcept {
-    const auto kept = keep();
-    if (kept == nullptr) {
+    const auto keptAlive = keep();
+    if (keptAlive == nullptr) {
         return;
     }
     switch (property) {
@@ -206,8 +206,8 @@ void WebViewEngine::setNavigationDelegate(const std::weak_ptr<NavigationDelegate
 }
 
 void WebViewEngine::committed() noexcept {
-    const auto kept = keep();
-    if (kept == nullptr) {
+    const auto keptAlive = keep();
+    if (keptAlive == nullptr) {
         return;
     }
     ownPage_.disarm();
@@ -219,28 +219,28 @@ void WebViewEngine::committed() noexcept {
 }
 
 void WebViewEngine::finished() noexcept {
-    const auto kept = keep();
+    const auto keptAlive = keep();
     const auto delegate = navigationDelegate_.lock();
-    if (kept != nullptr && delegate != nullptr) {
-        delegate->didFinishNavigation(*kept);
+    if (keptAlive != nullptr && delegate != nullptr) {
+        delegate->didFinishNavigation(*keptAlive);
     }
 }
 
 void WebViewEngine::failed(NSError* error) noexcept {
-    const auto kept = keep();
+    const auto keptAlive = keep();
     const auto delegate = navigationDelegate_.lock();
     loadFailed(error);
-    if (kept != nullptr && delegate != nullptr) {
-        delegate->didFailNavigation(*kept, fromNSError(error));
+    if (keptAlive != nullptr && delegate != nullptr) {
+        delegate->didFailNavigation(*keptAlive, fromNSError(error));
     }
 }
 
 void WebViewEngine::failedProvisionally(NSError* error) noexcept {
-    const auto kept = keep();
+    const auto keptAlive = keep();
     const auto delegate = navigationDelegate_.lock();
     loadFailed(error);
-    if (kept != nullptr && delegate != nullptr) {
-        delegate->didFailProvisionalNavigation(*kept, fromNSError(error));
+    if (keptAlive != nullptr && delegate != nullptr) {
+        delegate->didFailProvisionalNavigation(*keptAlive, fromNSError(error));
     }
 }
 
@@ -256,8 +256,8 @@ void WebViewEngine::loadFailed(NSError* error) {
 
 void WebViewEngine::decidePolicy(WKNavigationAction* action,
                                  const std::shared_ptr<PolicyReply>& reply) noexcept {
-    const auto kept = keep();
-    if (kept == nullptr) {
+    const auto keptAlive = keep();
+    if (keptAlive == nullptr) {
         return;
     }
     const auto delegate = std::dynamic_pointer_cast<NavigationPolicyDelegate>(navigationDelegate_.lock());
@@ -268,7 +268,7 @@ void WebViewEngine::decidePolicy(WKNavigationAction* action,
         (*reply)(WKNavigationActionPolicyAllow);
         return;
     }
-    delegate->decidePolicy(*kept, ours, [reply](NavigationActionPolicy policy) {
+    delegate->decidePolicy(*keptAlive, ours, [reply](NavigationActionPolicy policy) {
         (*reply)(policy == NavigationActionPolicy::allow ? WKNavigationActionPolicyAllow
                                                          : WKNavigationActionPolicyCancel);
     });
@@ -278,13 +278,13 @@ void WebViewEngine::decidePolicy(WKNavigationAction* action,
 
 WKWebView* WebViewEngine::createWebView(WKWebViewConfiguration* configuration,
                                         WKNavigationAction* action) noexcept {
-    const auto kept = keep();
+    const auto keptAlive = keep();
     const auto delegate = uiDelegate_.lock();
-    if (kept == nullptr || delegate == nullptr) {
+    if (keptAlive == nullptr || delegate == nullptr) {
         return nil;
     }
-    const auto supplied = newWindowConfiguration(configuration, *kept->configuration());
-    const auto child = delegate->createWebView(*kept, supplied, fromWKNavigationAction(action));
+    const auto supplied = newWindowConfiguration(configuration, *keptAlive->configuration());
+    const auto child = delegate->createWebView(*keptAlive, supplied, fromWKNavigationAction(action));
     if (child == nullptr) {
         return nil;
     }
@@ -295,31 +295,31 @@ WKWebView* WebViewEngine::createWebView(WKWebViewConfiguration* configuration,
 }
 
 void WebViewEngine::closed() noexcept {
-    const auto kept = keep();
+    const auto keptAlive = keep();
     const auto delegate = uiDelegate_.lock();
-    if (kept != nullptr && delegate != nullptr) {
-        delegate->webViewDidClose(*kept);
+    if (keptAlive != nullptr && delegate != nullptr) {
+        delegate->webViewDidClose(*keptAlive);
     }
 }
 
 void WebViewEngine::runAlertPanel(NSString* message, WKFrameInfo* frame,
                                   const std::shared_ptr<AlertReply>& reply) noexcept {
-    const auto kept = keep();
+    const auto keptAlive = keep();
     const auto delegate = uiDelegate_.lock();
-    if (kept != nullptr && delegate != nullptr) {
+    if (keptAlive != nullptr && delegate != nullptr) {
         panels_.add(reply);
-        delegate->runJavaScriptAlertPanel(*kept, fromNSString(message), fromWKFrameInfo(frame),
+        delegate->runJavaScriptAlertPanel(*keptAlive, fromNSString(message), fromWKFrameInfo(frame),
                                           [reply] { (*reply)(); });
     }
 }
 
 void WebViewEngine::runConfirmPanel(NSString* message, WKFrameInfo* frame,
                                     const std::shared_ptr<ConfirmReply>& reply) noexcept {
-    const auto kept = keep();
+    const auto keptAlive = keep();
     const auto delegate = uiDelegate_.lock();
-    if (kept != nullptr && delegate != nullptr) {
+    if (keptAlive != nullptr && delegate != nullptr) {
         panels_.add(reply);
-        delegate->runJavaScriptConfirmPanel(*kept, fromNSString(message), fromWKFrameInfo(frame),
+        delegate->runJavaScriptConfirmPanel(*keptAlive, fromNSString(message), fromWKFrameInfo(frame),
                                             [reply](bool confirmed) { (*reply)(confirmed); });
     }
 }
@@ -328,8 +328,8 @@ void WebViewEngine::runConfirmPanel(NSString* message, WKFrameInfo* frame,
 
 /// Called before WebKit's view forgets its page.
 void WebViewEngine::contentProcessEnded() noexcept {
-    const auto kept = keep();
-    if (kept == nullptr) {
+    const auto keptAlive = keep();
+    if (keptAlive == nullptr) {
         return;
     }
     const auto now = Clock::now();
@@ -350,8 +350,8 @@ void WebViewEngine::contentProcessEnded() noexcept {
 void WebViewEngine::windowVisibilityChanged() noexcept { recoverIfVisible(); }
 
 void WebViewEngine::recoverIfVisible() {
-    const auto kept = keep();
-    if (kept != nullptr && processEnded_ && reloadsWhenVisible_ && isVisible(view_)) {
+    const auto keptAlive = keep();
+    if (keptAlive != nullptr && processEnded_ && reloadsWhenVisible_ && isVisible(view_)) {
         reload();
     }
 }

@@ -53,7 +53,7 @@ protected:
     NSWindow* window() const { return controller_->window()->native().window; }
 
 private:
-    KeyloftTests::TemporaryDirectory directory_;
+    TestSupport::TemporaryDirectory directory_;
     std::shared_ptr<BrowserWindowController> controller_;
 };
 

@@ -17,7 +17,7 @@
 #include <string>
 #include <utility>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 using KeyloftCore::AuthSession;
 using TestSupport::runScript;
@@ -214,4 +214,4 @@ TEST_F(AuthSessionLifetime, secretsAreNowhereOnStandardErrorButWhereTheLogPutsTh
     EXPECT_EQ(countOf("nav GET https://client.example/cb?code=" + code), 1);
 }
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -56,7 +56,7 @@ TEST(RelaySocketPaths, areFileSystemPathsAndNotURLText) {
 }
 
 TEST(RelaySocketPaths, keepTheBytesOfAHomeDirectoryThatIsNotUTF8) {
-    const KeyloftTests::TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     const Home home(directory / "caf\xE9");
     const auto candidates = RelaySocketPaths::candidates();
     EXPECT_EQ(candidates[0],

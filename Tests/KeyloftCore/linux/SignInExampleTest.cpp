@@ -16,9 +16,9 @@
 #include <cstdlib>
 
 using KeyloftCore::ResponseMode;
-using KeyloftTests::patience;
 using TestSupport::askXdotool;
 using TestSupport::HTTPResponse;
+using TestSupport::patience;
 using TestSupport::runUntil;
 
 namespace {
@@ -42,7 +42,7 @@ protected:
         }
         const int status = ::pclose(output);
         run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        run.error = KeyloftTests::contentsOf(directory_ / "error");
+        run.error = TestSupport::contentsOf(directory_ / "error");
         return run;
     }
 
@@ -58,7 +58,7 @@ protected:
     /// Opens the Edit menu, which is the second one, and presses `keys`. The page is asked first for the key
     /// that opens the menu bar, so that the menu opens some time after it. A window that has not got the
     /// keyboard yet misses the key.
-    [[nodiscard]] static bool chooseFromEditMenu(const KeyloftTests::Program& program,
+    [[nodiscard]] static bool chooseFromEditMenu(const TestSupport::Program& program,
                                                  const std::string& keys) {
         const auto isOpen = [&program] {
             return std::ranges::any_of(TestSupport::accessibleObjects(program.id()), [](const auto& object) {
@@ -75,7 +75,7 @@ protected:
     }
 
 private:
-    KeyloftTests::TemporaryDirectory directory_;
+    TestSupport::TemporaryDirectory directory_;
 };
 
 } // namespace
@@ -100,7 +100,7 @@ TEST_F(SignInExampleTest, pastesFromItsMenuIntoThePage) {
               "from.addEventListener('copy', () => setTimeout(() => {"
               "form.code.focus(); fetch('/copied') }));"
               "form.code.addEventListener('input', () => form.requestSubmit()) }");
-    KeyloftTests::Program program(KEYLOFT_SIGN_IN_EXAMPLE, {authorizeURL(ResponseMode::formPost), initiator});
+    TestSupport::Program program(KEYLOFT_SIGN_IN_EXAMPLE, {authorizeURL(ResponseMode::formPost), initiator});
     ASSERT_TRUE(runUntil([&] { return server->count("/selected") == 1; }, patience)) << program.errors();
     askXdotool("search --onlyvisible --name '^Keyloft$' windowactivate");
     ASSERT_TRUE(chooseFromEditMenu(program, "Down Down Down Return")); // Copy

@@ -60,7 +60,7 @@ std::string SignInTest::authorizeURL(ResponseMode mode) {
 }
 
 AuthorizeRequest SignInTest::request(ResponseMode mode) {
-    return {KeyloftTests::present(Platform::URL::fromString(authorizeURL(mode))), "ABCDEFGHIJKLMNOPQRST-_"};
+    return {TestSupport::present(Platform::URL::fromString(authorizeURL(mode))), "ABCDEFGHIJKLMNOPQRST-_"};
 }
 
 std::shared_ptr<AuthSession> SignInTest::makeSession(ResponseMode mode,
@@ -165,7 +165,7 @@ void SignInTest::expectResult(ResponseMode mode, const Params& params) const {
     ASSERT_EQ(results.size(), 1U);
     ASSERT_TRUE(results.front().has_value()) << results.front().error().message();
     const AuthResult expected{.responseMode = mode,
-                              .redirectURI = KeyloftTests::present(Platform::URL::fromString(callback)),
+                              .redirectURI = TestSupport::present(Platform::URL::fromString(callback)),
                               .params = params};
     EXPECT_EQ(results.front()->params, expected.params);
     EXPECT_EQ(*results.front(), expected);

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace KeyloftTests {
+namespace TestSupport {
 
 /// Both ends of a pipe, closed with it.
 class Pipe {
@@ -49,4 +49,4 @@ private:
     std::array<int, 2> ends_ = {-1, -1};
 };
 
-} // namespace KeyloftTests
+} // namespace TestSupport

@@ -19,10 +19,10 @@
 
 namespace {
 
-using KeyloftTests::Event;
-using KeyloftTests::Pipe;
 using Platform::ReadSource;
 using Platform::SerialQueue;
+using TestSupport::Event;
+using TestSupport::Pipe;
 
 std::string readSome(int descriptor, std::size_t most = 64) {
     std::string text(most, '\0');

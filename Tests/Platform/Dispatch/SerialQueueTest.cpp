@@ -11,8 +11,8 @@
 
 namespace {
 
-using KeyloftTests::Event;
 using Platform::SerialQueue;
+using TestSupport::Event;
 
 TEST(SerialQueue, keepsItsLabel) {
     const SerialQueue queue("velde.orvane.keyloft.test");

@@ -24,14 +24,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using KeyloftTests::contentsOf;
-using KeyloftTests::namesIn;
-using KeyloftTests::present;
-using KeyloftTests::TemporaryDirectory;
-using KeyloftTests::writeContents;
 using Platform::FileError;
 using Platform::FileManager;
 using Platform::URL;
+using TestSupport::contentsOf;
+using TestSupport::namesIn;
+using TestSupport::present;
+using TestSupport::TemporaryDirectory;
+using TestSupport::writeContents;
 using Code = FileError::Code;
 using Names = std::set<std::string>;
 
@@ -413,9 +413,9 @@ TEST(FileManager, aPathOfTheGreatestLengthIsWritten) {
 TEST(FileManager, aFullDiskLeavesTheOldFileAndNothingElse) {
     const TemporaryDirectory directory;
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {
-        KeyloftTests::mountSmallDisk(directory.path().string(), 65536);
+        TestSupport::mountSmallDisk(directory.path().string(), 65536);
         writeContents(directory / "file", "old");
-        KeyloftTests::fillDisk(directory.path().string());
+        TestSupport::fillDisk(directory.path().string());
         expectWriteFailure(Code::outOfSpace, directory / "file");
         EXPECT_EQ(contentsOf(directory / "file"), "old");
         EXPECT_EQ(namesIn(directory.path()), (Names{"file", "filler"}));
@@ -425,7 +425,7 @@ TEST(FileManager, aFullDiskLeavesTheOldFileAndNothingElse) {
 TEST(FileManager, aDiskThatFillsHalfWayLeavesTheOldFileAndNothingElse) {
     const TemporaryDirectory directory;
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {
-        KeyloftTests::mountSmallDisk(directory.path().string(), 262144);
+        TestSupport::mountSmallDisk(directory.path().string(), 262144);
         writeContents(directory / "file", "old");
         expectWriteFailure(Code::outOfSpace, directory / "file", std::string(1'000'000, 'x'));
         EXPECT_EQ(contentsOf(directory / "file"), "old");
@@ -437,10 +437,10 @@ TEST(FileManager, aDiskThatFillsHalfWayLeavesTheOldFileAndNothingElse) {
 TEST(FileManager, aReadOnlyDiskLeavesTheOldFileAndNothingElse) {
     const TemporaryDirectory directory;
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {
-        KeyloftTests::mountSmallDisk(directory.path().string(), 65536);
+        TestSupport::mountSmallDisk(directory.path().string(), 65536);
         writeContents(directory / "file", "old");
         fs::create_directory(directory / "directory");
-        KeyloftTests::makeReadOnly(directory.path().string());
+        TestSupport::makeReadOnly(directory.path().string());
         expectWriteFailure(Code::readOnlyVolume, directory / "file");
         EXPECT_EQ(contentsOf(directory / "file"), "old");
         EXPECT_EQ(namesIn(directory.path()), (Names{"directory", "file"}));

@@ -16,10 +16,10 @@
 
 namespace {
 
-using KeyloftTests::expectVectors;
-using KeyloftTests::orNull;
-using KeyloftTests::readVectors;
 using nlohmann::json;
+using TestSupport::expectVectors;
+using TestSupport::orNull;
+using TestSupport::readVectors;
 
 /// Returns true if the vectors, recorded with Unicode 15.0, cannot know a code point of this age, while a
 /// newer ICU does.

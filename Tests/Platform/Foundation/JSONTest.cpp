@@ -6,9 +6,9 @@
 
 namespace {
 
-using KeyloftTests::present;
 using Platform::JSONSlashes;
 using Platform::JSONValue;
+using TestSupport::present;
 
 std::string repeated(std::string_view text, std::size_t count) {
     std::string all;

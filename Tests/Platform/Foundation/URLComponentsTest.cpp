@@ -12,10 +12,10 @@
 
 namespace {
 
-using KeyloftTests::present;
 using Platform::URL;
 using Platform::URLComponents;
 using Platform::URLQueryItem;
+using TestSupport::present;
 
 URLComponents componentsOf(std::string_view text) { return URLComponents(present(URL::fromString(text))); }
 

@@ -72,7 +72,7 @@ void mountOver(const std::filesystem::path& file, const char* place) {
 } // namespace
 
 bool enterPrivateNetwork() {
-    if (!KeyloftTests::enterNamespaces(CLONE_NEWNET)) {
+    if (!TestSupport::enterNamespaces(CLONE_NEWNET)) {
         return false;
     }
     raiseLoopback();

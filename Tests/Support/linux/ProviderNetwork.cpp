@@ -50,7 +50,7 @@ void ProviderNetwork::enter(const std::vector<std::string>& arguments) {
     }
     int status = 0;
     {
-        const KeyloftTests::TemporaryDirectory directory;
+        const TestSupport::TemporaryDirectory directory;
         const ProviderNetwork network(directory.path());
         network.prepare();
         status = network.runInside(arguments);

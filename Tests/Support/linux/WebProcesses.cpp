@@ -85,7 +85,7 @@ std::vector<pid_t> webProcesses() {
 bool forgetPages() {
     using namespace std::chrono_literals;
     const auto session = Platform::networkSession(Platform::WebsiteDataStore::defaultStore);
-    const auto deadline = std::chrono::steady_clock::now() + 2 * KeyloftTests::patience;
+    const auto deadline = std::chrono::steady_clock::now() + 2 * TestSupport::patience;
     do {
         // While WebKitGTK removes data it keeps no process of the store. A view that was just let go may hand
         // its process over afterwards; hence again.

@@ -11,7 +11,7 @@
 
 namespace {
 
-using KeyloftTests::Program;
+using TestSupport::Program;
 using Lines = std::vector<std::string>;
 
 /// A text as an argument and what it arrives as.
@@ -204,7 +204,7 @@ TEST_F(ApplicationStartTest, whenTheFirstDiesWhileItIsAskedTheSecondTakesItsPlac
     const auto first = startFirst();
     first->signal(SIGSTOP);
     const auto second = start({"http://host.test/"});
-    ASSERT_TRUE(KeyloftTests::eventually([&] { return second->hasThread("gdbus"); }));
+    ASSERT_TRUE(TestSupport::eventually([&] { return second->hasThread("gdbus"); }));
     first->signal(SIGKILL);
     expectLines(*second, {willFinish, "open 1", "http://host.test/", didFinish});
     expectHandedOver({}, *second, {"reopen 0"});

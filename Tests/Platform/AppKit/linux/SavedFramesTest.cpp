@@ -1,4 +1,5 @@
 #include "Platform/AppKit/linux/SavedFrames.h"
+
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/linux/MainLoop.h"
 
@@ -9,9 +10,9 @@
 
 namespace Platform::Tests {
 
-using KeyloftTests::namesIn;
-using KeyloftTests::writeContents;
+using TestSupport::namesIn;
 using TestSupport::runUntil;
+using TestSupport::writeContents;
 
 namespace fs = std::filesystem;
 
@@ -30,7 +31,7 @@ protected:
         writeContents(file, text);
     }
 
-    KeyloftTests::TemporaryDirectory directory;
+    TestSupport::TemporaryDirectory directory;
     fs::path folder = directory.path() / "velde.orvane.keyloft";
     fs::path file = folder / "window-frames";
 };

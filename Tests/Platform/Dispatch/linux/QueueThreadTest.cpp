@@ -21,13 +21,13 @@
 
 namespace {
 
-using KeyloftTests::Event;
-using KeyloftTests::eventually;
-using KeyloftTests::openDescriptors;
-using KeyloftTests::Pipe;
-using KeyloftTests::runningThreads;
 using Platform::ReadSource;
 using Platform::SerialQueue;
+using TestSupport::Event;
+using TestSupport::eventually;
+using TestSupport::openDescriptors;
+using TestSupport::Pipe;
+using TestSupport::runningThreads;
 
 TEST(SerialQueueThread, namesItsThreadAfterTheLabelsEnd) {
     SerialQueue queue("velde.orvane.keyloft.a-name-longer-than-the-kernel-keeps");

@@ -8,9 +8,9 @@
 
 namespace {
 
-using KeyloftTests::Pipe;
 using Platform::ReadSource;
 using Platform::SerialQueue;
+using TestSupport::Pipe;
 
 /// Dispatch goes on watching a descriptor until then, whatever `cancel` has returned.
 TEST(ReadSourceOfDispatch, aSynchronousCallReturnsBehindTheCancelHandlersThatItCauses) {

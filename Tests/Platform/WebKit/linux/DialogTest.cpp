@@ -158,7 +158,7 @@ TEST_F(WebViewDialog, aScriptThatAsksForeverEndsWithItsView) {
     view.reset();
     ASSERT_TRUE(runUntil([&] { return widget == nullptr; }));
     // The engine gives it ten seconds, and on a busy machine its end takes much longer.
-    EXPECT_TRUE(runUntil([&] { return webProcesses().size() < before.size(); }, 3 * KeyloftTests::patience));
+    EXPECT_TRUE(runUntil([&] { return webProcesses().size() < before.size(); }, 3 * TestSupport::patience));
 }
 
 TEST_F(WebViewDialog, anAnswerAfterTheWebProcessEndedIsHarmless) {

@@ -7,7 +7,7 @@
 #include <utility>
 
 using namespace Platform;
-using KeyloftTests::eventually;
+using TestSupport::eventually;
 using TestSupport::HTTPResponse;
 using TestSupport::runPending;
 using TestSupport::runUntil;

@@ -1,4 +1,5 @@
 #include "Platform/WebKit/linux/WebProcessPlace.h"
+
 #include "Tests/Support/Setting.h"
 #include "Tests/Support/linux/MainLoop.h"
 
@@ -7,9 +8,9 @@
 #include <memory>
 
 using namespace Platform;
-using KeyloftTests::Setting;
 using TestSupport::runPending;
 using TestSupport::runUntil;
+using TestSupport::Setting;
 
 namespace {
 

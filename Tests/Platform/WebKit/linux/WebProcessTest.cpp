@@ -6,9 +6,9 @@
 #include <cstddef>
 
 using namespace Platform;
-using KeyloftTests::Setting;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
+using TestSupport::Setting;
 using TestSupport::webProcesses;
 using Ending = TestSupport::HTTPResponse::Ending;
 
