@@ -34,6 +34,8 @@ using Events = std::vector<std::string>;
 class TextFieldTest : public AppKitTest {
 protected:
     TextFieldTest() {
+        // Before the window is shown: one that the manager finds already there does not get the keyboard.
+        TestSupport::startWindowManager();
         const auto row = StackView::create(Orientation::horizontal);
         row->addArrangedSubview(field);
         row->addArrangedSubview(other);
@@ -43,9 +45,8 @@ protected:
         show(window);
     }
 
-    /// Gives the field the keyboard in a window that a window manager made the active one, for real keys.
+    /// Gives the field the keyboard, for real keys.
     void activate(const std::shared_ptr<TextField>& wanted) const {
-        TestSupport::startWindowManager();
         wanted->selectText();
         GtkWindow* toplevel = TabHost::of(*window)->toplevel();
         ASSERT_TRUE(runUntil([&] {
