@@ -1,6 +1,7 @@
+#include "Tests/Support/ProviderNetwork.h"
+
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Tests/Support/HTTPServer.h"
-#include "Tests/Support/ProviderNetwork.h"
 #include "Tests/Support/TLSServer.h"
 #include "Tests/Support/linux/MainLoop.h"
 

@@ -2,6 +2,7 @@
 
 #include "Platform/WebKit/linux/NetworkSession.h"
 #include "Tests/Support/Waiting.h"
+#include "Tests/Support/linux/ForgetPages.h"
 #include "Tests/Support/linux/MainLoop.h"
 
 #include <unistd.h>
@@ -82,20 +83,24 @@ std::vector<pid_t> webProcesses() {
     return result;
 }
 
-bool forgetPages() {
+bool forgetPages() { return forgetPages({}); }
+
+bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> sessions) {
     using namespace std::chrono_literals;
-    const auto session = Platform::networkSession(Platform::WebsiteDataStore::defaultStore);
+    sessions.push_back(Platform::networkSession(Platform::WebsiteDataStore::defaultStore));
     const auto deadline = std::chrono::steady_clock::now() + 2 * TestSupport::patience;
     do {
         // While WebKitGTK removes data it keeps no process of the store. A view that was just let go may hand
         // its process over afterwards; hence again.
-        bool removed = false;
-        webkit_website_data_manager_clear(
-            webkit_network_session_get_website_data_manager(session.get()), WEBKIT_WEBSITE_DATA_ALL, 0,
-            nullptr, [](GObject*, GAsyncResult*, gpointer data) { *static_cast<bool*>(data) = true; },
-            &removed);
-        while (!removed) {
-            g_main_context_iteration(nullptr, TRUE);
+        for (const auto& session : sessions) {
+            bool removed = false;
+            webkit_website_data_manager_clear(
+                webkit_network_session_get_website_data_manager(session.get()), WEBKIT_WEBSITE_DATA_ALL, 0,
+                nullptr, [](GObject*, GAsyncResult*, gpointer data) { *static_cast<bool*>(data) = true; },
+                &removed);
+            while (!removed) {
+                g_main_context_iteration(nullptr, TRUE);
+            }
         }
         if (runUntil([] { return webProcesses().empty(); }, 500ms)) {
             return true;

@@ -1,6 +1,7 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
 #include "Platform/Foundation/FatalError.h"
+#include "Tests/Support/linux/ForgetPages.h"
 
 #include <cstdlib>
 #include <utility>
@@ -84,11 +85,7 @@ WebViewTest::WebViewTest() { gtk_init(); }
 WebViewTest::~WebViewTest() {
     TestSupport::runPending();
     // WebKitGTK keeps processes of stores in memory too.
-    for (const auto& session : std::exchange(usedSessions(), {})) {
-        webkit_website_data_manager_clear(webkit_network_session_get_website_data_manager(session.get()),
-                                          WEBKIT_WEBSITE_DATA_ALL, 0, nullptr, nullptr, nullptr);
-    }
-    EXPECT_TRUE(TestSupport::forgetPages());
+    EXPECT_TRUE(TestSupport::forgetPages(std::exchange(usedSessions(), {})));
 }
 
 std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConfiguration>& configuration) {
