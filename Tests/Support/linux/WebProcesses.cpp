@@ -83,12 +83,13 @@ std::vector<pid_t> webProcesses() {
     return result;
 }
 
-bool forgetPages() { return forgetPages({}); }
+bool forgetPages() { return forgetPages({}, 2 * patience); }
 
-bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> sessions) {
+bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> sessions,
+                 std::chrono::seconds limit) {
     using namespace std::chrono_literals;
     sessions.push_back(Platform::networkSession(Platform::WebsiteDataStore::defaultStore));
-    const auto deadline = std::chrono::steady_clock::now() + 2 * TestSupport::patience;
+    const auto deadline = std::chrono::steady_clock::now() + limit;
     do {
         // While WebKitGTK removes data it keeps no process of the store. A view that was just let go may hand
         // its process over afterwards; hence again.

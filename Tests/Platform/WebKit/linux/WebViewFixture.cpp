@@ -1,8 +1,11 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
 #include "Platform/Foundation/FatalError.h"
+#include "Tests/Support/Waiting.h"
 #include "Tests/Support/linux/ForgetPages.h"
 
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <utility>
 
@@ -85,7 +88,16 @@ WebViewTest::WebViewTest() { gtk_init(); }
 WebViewTest::~WebViewTest() {
     TestSupport::runPending();
     // WebKitGTK keeps processes of stores in memory too.
-    EXPECT_TRUE(TestSupport::forgetPages(std::exchange(usedSessions(), {})));
+    const auto sessions = std::exchange(usedSessions(), {});
+    if (TestSupport::forgetPages(sessions, std::chrono::seconds(8))) {
+        return;
+    }
+    // It never drops its reference to a view that it was given for a page without an opener (seen with 2.50,
+    // not reported): nothing else ends the process of that page.
+    for (const pid_t process : TestSupport::webProcesses()) {
+        ::kill(process, SIGKILL);
+    }
+    EXPECT_TRUE(TestSupport::forgetPages(sessions, TestSupport::patience));
 }
 
 std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConfiguration>& configuration) {
