@@ -116,6 +116,7 @@ std::string asciiLowercased(std::string_view text) {
 
 char32_t nextCodePoint(std::string_view text, std::size_t& offset) {
     UChar32 codePoint = 0;
+    // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): ICU's macro
     U8_NEXT_OR_FFFD(text, offset, text.size(), codePoint);
     return static_cast<char32_t>(codePoint);
 }
@@ -124,6 +125,7 @@ bool isValidUTF8(std::string_view bytes) {
     std::size_t offset = 0;
     while (offset < bytes.size()) {
         UChar32 codePoint = 0;
+        // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): ICU's macro
         U8_NEXT(bytes, offset, bytes.size(), codePoint);
         if (codePoint < 0) {
             return false;

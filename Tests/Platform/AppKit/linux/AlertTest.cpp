@@ -135,7 +135,7 @@ TEST_F(AlertTest, aSheetOnAWindowThatWasNeverShownComesWithIt) {
     EXPECT_EQ(answer, std::nullopt);
     show(controller->window());
     EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(sheet()->widgetIfMade()) == TRUE; }));
-    GtkWidget* focus = gtk_window_get_focus(TabHost::of(*controller->window())->toplevel());
+    const GtkWidget* focus = gtk_window_get_focus(TabHost::of(*controller->window())->toplevel());
     EXPECT_EQ(focus, findButton(sheet()->widgetIfMade(), "OK"));
     press("Cancel");
     EXPECT_EQ(answer, 1U);
