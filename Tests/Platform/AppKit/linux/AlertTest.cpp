@@ -1,4 +1,5 @@
 #include "Platform/AppKit/Alert.h"
+
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
 
 #include <optional>
