@@ -1,4 +1,5 @@
 #include "Keyloft/ProgressBar.h"
+
 #include "Platform/AppKit/Application.h"
 
 #include <gtest/gtest.h>

@@ -28,7 +28,7 @@ std::atomic<long> liveBlocks = 0;
 
 void release(void* memory) {
     liveBlocks -= memory != nullptr ? 1 : 0;
-    std::free(memory);
+    std::free(memory); // NOLINT(cppcoreguidelines-*): what operator delete is made of
 }
 
 } // namespace

@@ -70,7 +70,8 @@ protected:
             askXdotool("key F10");
             opened = runUntil(isOpen, patience / 5);
         }
-        // GTK 4.8 closes the menu bar if an arrow key follows another within some milliseconds (not reported).
+        // GTK 4.8 closes the menu bar if an arrow key follows another within some milliseconds (not
+        // reported).
         askXdotool("key --delay 250 Right " + keys);
         return opened;
     }

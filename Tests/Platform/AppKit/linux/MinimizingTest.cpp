@@ -1,4 +1,5 @@
 #include "Platform/AppKit/linux/Minimizing.h"
+
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
 #include "Tests/Support/Display.h"
 

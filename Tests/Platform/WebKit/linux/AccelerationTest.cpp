@@ -1,4 +1,5 @@
 #include "Platform/AppKit/linux/Acceleration.h"
+
 #include "Tests/Support/Display.h"
 
 #include <glib.h>

@@ -1,4 +1,5 @@
 #include "Platform/WebKit/linux/LoadError.h"
+
 #include "Platform/WebKit/linux/RestrictedPort.h"
 
 #include <gio/gio.h>
