@@ -224,7 +224,7 @@ TEST(AuthorizeRequest, anEmptyPathIsTheRoot) {
 }
 
 TEST(AuthorizeRequest, aHostThatIsNotUTF8MatchesNothing) {
-    // No such host can be told from an absent one once it is decoded.
+    // Once decoded, such a host looks like an absent one.
     for (const auto* text : {"https://%FF/cb", "https://%FE/cb", "https://u@%FF/cb", "https:/cb",
                              "https:///cb", "https:///%FF/cb"}) {
         EXPECT_FALSE(requestTo("https://%25FF/cb").matchesRedirect(url(text))) << text;
