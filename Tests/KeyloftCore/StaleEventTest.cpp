@@ -52,8 +52,9 @@ TEST(RelayStaleEvent, leavesTheConnectionOpenAndTheQueueFree) {
     const auto path = directory / "relay.sock";
     Event held;
     Event mayGoOn;
+    Event taken;
     std::string served;
-    std::size_t taken = 0;
+    std::size_t takenBytes = 0;
     RelayListener listener;
     listener.listen(path, [&](const std::string& request, const RelayListener::Reply& reply) {
         if (request == "hold") {
@@ -62,8 +63,9 @@ TEST(RelayStaleEvent, leavesTheConnectionOpenAndTheQueueFree) {
         } else if (served.empty()) {
             served = request;
             for (const int connection : acceptedConnections(path)) {
-                taken += takeWaitingBytes(connection);
+                takenBytes += takeWaitingBytes(connection);
             }
+            taken.signal();
         }
         reply("echo " + request);
     });
@@ -77,10 +79,11 @@ TEST(RelayStaleEvent, leavesTheConnectionOpenAndTheQueueFree) {
     mayGoOn.signal();
     EXPECT_EQ(holder.readFrame(answerTimeout), "echo hold");
 
+    EXPECT_TRUE(taken.wait());
+    EXPECT_EQ(takenBytes, 4 + std::string("one").size());
     const auto honest = RelaySocketClient::connect(path);
     honest.writeFrame("honest");
     EXPECT_EQ(honest.readFrame(answerTimeout), "echo honest");
-    EXPECT_EQ(taken, 4 + std::string("one").size());
     const auto& robbed = served == "one" ? two : one;
     robbed.writeFrame("again");
     EXPECT_EQ(robbed.readFrame(answerTimeout), "echo again");
