@@ -41,8 +41,7 @@ AuthorizeRequest requestFor(const std::string& text) {
     return {*url, RelayTarget::mintNonce()};
 }
 
-/// Without a menu for it, there is no key on macOS for pasting a password. The first menu is the
-/// application's.
+/// On macOS the key for pasting a password comes from the Edit menu. The first menu is the application menu.
 std::shared_ptr<Platform::Menu> makeMainMenu() {
     using Platform::Menu;
     using Platform::MenuItem;

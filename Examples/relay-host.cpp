@@ -76,7 +76,7 @@ int main(int argc, char** argv) {
     std::promise<AuthResult> accepted;
     bool isAccepted = false; // the listener's queue's own
     const auto onFrame = [&](const std::string& message, const RelayListener::Reply& sendReply) {
-        // The request no longer waits: a peer that still asks sees its connection closed.
+        // The request has its result. A peer that still asks gets no reply.
         if (isAccepted) {
             return;
         }

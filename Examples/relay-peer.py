@@ -28,11 +28,11 @@ REPLY_TIMEOUT = 5  # seconds, for each read and write
 
 
 class Failure(Exception):
-    """Ends the program; the text says why, in one line."""
+    """Ends the program. The text is the reason, in one line."""
 
 
 def is_acceptable_redirect(uri):
-    # Hosts write the URI in ASCII, its host in the ASCII form of IDNA. Anything else did not come from one.
+    # Hosts write the URI in ASCII, its host in the ASCII form of IDNA. Refuse anything else.
     match = re.match(r"https://([^/?#]+)", uri) if uri.isascii() else None
     if not match or "@" in match[1]:
         return False
@@ -56,7 +56,7 @@ def read_target(url):
         raise Failure("the relay target's redirect URI is missing or not acceptable")
     if not isinstance(nonce, str) or not re.fullmatch(r"[A-Za-z0-9_-]{22}", nonce):
         raise Failure("the relay target's nonce is missing or malformed")
-    # Code points; a character has at least one.
+    # Counts code points, of which each character has at least one.
     if "s" in members and (not isinstance(state, str) or len(state) > MAX_STATE):
         raise Failure("the relay target's state is not a string of at most %d characters" % MAX_STATE)
     return redirect, nonce, state
@@ -77,7 +77,7 @@ def connect():
             connection.close()
             errors.append("%s: %s" % (path, error.strerror or error))
         else:
-            # With a time-out, connect would not wait for a busy host but fail at once.
+            # Set the time-out after connect, which with one fails at once if the host is busy.
             connection.settimeout(REPLY_TIMEOUT)
             return connection
     raise Failure("no host accepts: " + "; ".join(errors))

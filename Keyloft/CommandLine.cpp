@@ -14,12 +14,12 @@ namespace Keyloft {
 namespace {
 
 constexpr const char* help = R"(Usage: keyloft [OPTION] [URL]...
-Open each http or https URL in a tab, in the Keyloft that is running if there is one.
+Open each http or https URL in a tab. If Keyloft is already running, open the tabs there.
 Without a URL, open a window.
 
   --help     print this help and exit
   --version  print the version and exit
-  --         take every argument after this one as a URL
+  --         treat all following arguments as URLs
 )";
 
 constexpr int usageError = 2;

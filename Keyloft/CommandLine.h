@@ -5,10 +5,10 @@
 
 namespace Keyloft {
 
-/// Answers the first option among the program's arguments, which come without the program's name: prints the
-/// help or the version to standard output, or one line about an unknown option to standard error. Returns the
-/// exit status with which the program ends, or nothing if there is no option. Every other argument is a URL,
-/// and so is each one after "--". Needs no application object and no display.
+/// Handles the first option in `arguments`, which exclude the program's name: prints the help or the version
+/// to standard output, or one line about an unknown option to standard error. Returns the program's exit
+/// status, or nothing if there is no option. All other arguments, and all after "--", are URLs. Needs no
+/// application object and no display.
 std::optional<int> answerOption(std::span<char* const> arguments);
 
 } // namespace Keyloft

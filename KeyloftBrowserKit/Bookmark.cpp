@@ -31,7 +31,7 @@ std::optional<std::vector<Bookmark>> Bookmark::decode(std::string_view json) {
 }
 
 std::string Bookmark::titleInOneLine() const {
-    // Everything after which Unicode demands a new line.
+    // The mandatory line breaks of Unicode.
     static constexpr std::array<std::string_view, 8> lineBreaks = {"\r\n", "\n",     "\r",     "\v",
                                                                    "\f",   "\u0085", "\u2028", "\u2029"};
     std::string line;

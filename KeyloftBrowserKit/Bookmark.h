@@ -12,7 +12,7 @@ namespace KeyloftBrowserKit {
 
 /// A page to come back to. A plain value.
 struct Bookmark {
-    /// As its page has it, line breaks included. UTF-8.
+    /// The page's title, line breaks included. UTF-8.
     std::string title;
     Platform::URL url;
 

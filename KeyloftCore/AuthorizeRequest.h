@@ -33,14 +33,14 @@ public:
     const Platform::URL& redirectURI() const { return redirectURI_; }
     /// `query` where the URL names none, or none that is known.
     ResponseMode responseMode() const { return responseMode_; }
-    /// Absent if the URL has no state, one without "=" or one that does not decode to UTF-8; "state=" is an
-    /// empty, present one.
+    /// Absent if the URL has no state, a state without "=", or one that does not decode to UTF-8. "state=" is
+    /// an empty state.
     const std::optional<std::string>& state() const { return state_; }
     const std::string& relayNonce() const { return relayNonce_; }
 
-    /// Whether `url` goes to the redirect URI: same scheme, host, effective port and path, where an empty
-    /// path is "/". Query, fragment and credentials are not looked at. A host or path that does not decode to
-    /// UTF-8, and a port too large for an integer, match nothing.
+    /// Returns true if `url` has the redirect URI's scheme, host, effective port and path; an empty path
+    /// equals "/". Ignores query, fragment and credentials. A host or path that does not decode to UTF-8, and
+    /// a port too large for an integer, match nothing.
     bool matchesRedirect(const Platform::URL& url) const;
 
     /// Whether `value` is there, is a string and is this request's nonce. Null is no value.

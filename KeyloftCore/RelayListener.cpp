@@ -93,15 +93,15 @@ bool writeFromFront(int fd, std::string_view& data) {
     return true;
 }
 
-/// Waits until a socket takes bytes, or fails. Returns false once `deadline` has passed.
+/// Waits until a write to the socket would not block. Returns false if `deadline` passes first.
 bool waitUntilWritable(int fd, Clock::time_point deadline) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     pollfd polled = {.fd = fd, .events = POLLOUT, .revents = 0};
     return left.count() > 0 && poll(&polled, 1, static_cast<int>(left.count())) != 0;
 }
 
-/// Writes one frame, or gives the peer up after `sendTimeout`. The kernel's own time-out would count each
-/// wait anew, and so hardly ever end for a peer that reads slowly.
+/// Writes one frame, or gives up after `sendTimeout`. The kernel's send time-out restarts with each wait, so
+/// that a peer that reads slowly would hardly ever reach it.
 void sendFrame(int fd, std::string_view payload) {
     const auto deadline = Clock::now() + sendTimeout;
     const auto frame = NativeMessageFrame::encode(payload);
@@ -206,7 +206,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         throw RelaySocketError::syscall("listen", error);
     }
 
-    // An event of the accept source may be stale as well.
+    // The client may be gone by the time the accept source fires.
     fcntl(listening, F_SETFL, O_NONBLOCK);
 
     path = socketPath;
@@ -218,7 +218,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
                 self->acceptOne(listening, handler);
             }
         });
-    // Dispatch may watch the descriptor until then.
+    // Dispatch may watch the descriptor until the cancel handler runs.
     const auto closed = std::make_shared<std::promise<void>>();
     listeningClosed = closed->get_future();
     acceptSource->setCancelHandler([listening, closed] {
@@ -261,8 +261,8 @@ void RelayListener::State::acceptOne(int listening, const std::shared_ptr<const 
         ::close(connection);
         return;
     }
-    // Writes do not wait, unless a forked child that shares the connection clears its non-blocking flag. This
-    // bounds them even then.
+    // Writes do not block unless a forked child clears the O_NONBLOCK flag that it shares. Bound them even
+    // then.
     Platform::setSendTimeout(connection, sendTimeout);
     open(connection, onFrame);
 }

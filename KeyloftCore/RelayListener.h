@@ -11,9 +11,9 @@ namespace KeyloftCore {
 /// question per connection and get one answer.
 ///
 /// All work, `onFrame` included, runs on one private serial queue ("velde.orvane.keyloft.relay-listener"). It
-/// waits for a client in one case only: a reply that the client does not read at once holds up the queue, and
-/// so the other clients and `close`, for at most 3 seconds; then the connection is closed. `listen` and
-/// `close` belong to the owner, one thread at a time.
+/// waits for a client in one case only: a reply that the client does not read at once blocks the queue, and
+/// with it the other clients and `close`, for at most 3 seconds; then the connection is closed. Only the
+/// owner calls `listen` and `close`, from one thread at a time.
 class RelayListener {
 public:
     /// Sends the reply of one connection as one frame and closes it. May be called from any thread, at any
@@ -23,10 +23,9 @@ public:
     /// Receives the payload of a request. Must not throw.
     ///
     /// Called again, with a `Reply` to the same connection, for each further request that the peer sends
-    /// before it gets a reply, as fast as it sends them. An owner that replies later must keep at most one
-    /// pending request per connection, or its memory grows with every call. A call does not name its
-    /// connection: the simple way is to hold one request in all and to reply to any other at once, which
-    /// closes its connection.
+    /// before it gets a reply. An owner that replies later must bound the requests that it keeps, or a peer
+    /// can exhaust its memory. A call does not identify its connection; the simplest bound is to keep one
+    /// request in total and to reply to every other at once, which closes its connection.
     using OnFrame = std::function<void(std::string request, Reply reply)>;
 
     /// Throws std::system_error where the system has no thread or descriptor left for the queue.
@@ -40,19 +39,19 @@ public:
     /// is created if it is missing, with mode 0700 as are those above it; the socket has mode 0600. Called
     /// once.
     ///
-    /// Sets the file mode creation mask of the whole process for the moment in which the socket's file is
-    /// made. A file that another thread creates in that moment gets no permissions for group and others, so
-    /// call this before starting threads that create files for others.
+    /// Changes the file mode creation mask of the whole process while it creates the socket file. A file that
+    /// another thread creates meanwhile gets no permissions for group and others, so call this before
+    /// starting threads that create files for other users.
     ///
     /// Throws RelaySocketError::pathContainsNUL before anything is changed, Platform::FileError if the
     /// directory cannot be created, and RelaySocketError: `pathTooLong` for a path of 104 bytes or more,
-    /// `syscall` for "socket", "bind" and "listen". Nothing stays open then. An empty `onFrame` stops the
-    /// process.
+    /// `syscall` for "socket", "bind" and "listen". Leaves nothing open if it throws. Aborts if `onFrame` is
+    /// empty.
     void listen(const std::string& path, OnFrame onFrame);
 
-    /// Stops listening, writes the replies that were given before, closes every other connection without one,
-    /// and removes the socket file if it is still the one that this listener made. Harmless twice, or before
-    /// `listen`. Waits for the queue, hence never called on it: that stops the process.
+    /// Stops listening, writes the replies given so far, closes all other connections without a reply, and
+    /// removes the socket file unless another file has replaced it. Does nothing if called twice or before
+    /// `listen`. Waits for the queue; aborts if called on it.
     void close();
 
     /// Writes all of `data` to a socket or pipe, going on after interruptions. False, with `errno`, once that

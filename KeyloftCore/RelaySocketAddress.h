@@ -6,7 +6,7 @@
 
 namespace KeyloftCore {
 
-/// Throws RelaySocketError::pathContainsNUL if the system would take `path` for a shorter one.
+/// Throws RelaySocketError::pathContainsNUL if `path` contains a NUL byte, at which the kernel would end it.
 void requirePathWithoutNUL(std::string_view path);
 
 /// The address of the relay socket at `path`, for both of its ends. Throws RelaySocketError::pathContainsNUL

@@ -36,7 +36,7 @@ timeval timevalOf(double seconds) {
     }
     timeval time = {.tv_sec = static_cast<Seconds>(whole),
                     .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};
-    // All zero would be no limit at all.
+    // A time-out of zero means no limit.
     if (seconds > 0 && time.tv_sec == 0 && time.tv_usec == 0) {
         time.tv_usec = 1;
     }

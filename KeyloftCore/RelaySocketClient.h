@@ -23,11 +23,10 @@ public:
     /// Sends one frame, of any length. Throws RelaySocketError::syscall("write").
     void writeFrame(std::string_view payload) const;
 
-    /// The first frame that the peer sends, or nothing if it closes, fails, sends a frame beyond the limit,
-    /// or is silent for `timeout` seconds. The time-out is cut to whole microseconds, but to no less than
-    /// one; 0 is no limit, and with a negative one nothing is read. It limits each wait and not the whole: a
-    /// peer that sends a byte now and then can go on for long. A time-out that is not finite, or too large
-    /// for the system, stops the process.
+    /// Returns the first frame that the peer sends, or nothing if the peer closes, fails, sends a frame
+    /// beyond the limit, or sends nothing for `timeout` seconds. The time-out is truncated to whole
+    /// microseconds, but not below one; 0 means no limit, and with a negative time-out nothing is read. It
+    /// applies to each read, not to the whole frame. Aborts if it is not finite or too large for the system.
     std::optional<std::string> readFrame(double timeout) const;
 
     /// Closes the descriptor. Called once, for all copies.

@@ -13,7 +13,7 @@ public:
     enum class Case {
         syscall,         ///< `call` failed with `code`
         pathTooLong,     ///< the path does not fit in a socket address
-        pathContainsNUL, ///< the path would name another file, the part before its NUL byte
+        pathContainsNUL, ///< the kernel would end the path at its NUL byte
     };
 
     /// `call` is the system call's name; `code` its `errno`.
