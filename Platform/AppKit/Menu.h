@@ -67,8 +67,8 @@ public:
 class Menu {
 public:
     static std::shared_ptr<Menu> create(const std::string& title = "");
-    /// The usual "Edit" menu, with Undo, Redo, Cut, Copy, Paste and Select All. On macOS it is what gives a
-    /// program's fields and pages the keys for these.
+    /// Creates the standard "Edit" menu: Undo, Redo, Cut, Copy, Paste and Select All. On macOS text fields
+    /// and pages have no keys for these actions without it.
     static std::shared_ptr<Menu> createEditMenu();
 
     const std::string& title() const { return title_; }

@@ -19,14 +19,14 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-/// The offset of the boundary after the first `limit` characters, and how many characters precede it.
+/// The offset of the boundary after the first `limit` characters, and the number of characters before it.
 struct Cut {
     std::size_t offset = 0;
     std::size_t count = 0;
 };
 
 Cut cutAt(std::string_view text, std::size_t limit) {
-    // ICU's offsets have 32 bits. Nothing that is counted or shown here is meant to be as long.
+    // ICU's offsets have 32 bits. No text that the program counts or shows is that long.
     text = text.substr(0, std::numeric_limits<std::int32_t>::max());
     UErrorCode error = U_ZERO_ERROR;
     const std::unique_ptr<UText, decltype(&utext_close)> characters(

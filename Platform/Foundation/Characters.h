@@ -24,7 +24,7 @@ bool isWhitespaceOrNewline(char32_t codePoint);
 /// `text` without leading and trailing code points for which `isWhitespaceOrNewline` holds.
 std::string_view trimmingWhitespaceAndNewlines(std::string_view text);
 
-/// `text` with A to Z as small letters and everything else as it is.
+/// `text` with A to Z in lower case and everything else unchanged.
 std::string asciiLowercased(std::string_view text);
 
 bool isValidUTF8(std::string_view bytes);

@@ -29,8 +29,8 @@ struct Notification {
 
 /// Notifies the observers of a name.
 ///
-/// Callbacks run on the posting thread before `post` returns. Any thread may register, end and post; an
-/// observation that ends on a thread other than the posting one may still be running.
+/// Callbacks run on the posting thread before `post` returns. All functions may be called on any thread. An
+/// observation that is ended on another thread than the posting one may still be running afterwards.
 class NotificationCenter {
 public:
     using Callback = std::function<void(const Notification&)>;

@@ -11,10 +11,11 @@
 
 namespace Platform {
 
-/// The callbacks of those who observe something, called in the order in which they were added.
+/// A list of callbacks, called in the order in which they were added.
 ///
-/// Callbacks may add and end observations, their own included, notify again, and destroy the list. Safe on
-/// any thread; an observation that ends on a thread other than the one that notifies may still be running.
+/// Callbacks may add and end observations, their own included, notify again, and destroy the list. All
+/// functions may be called on any thread. An observation that is ended on another thread may still be running
+/// afterwards.
 template <typename... Arguments>
 class ObserverList {
 public:
@@ -27,8 +28,8 @@ public:
             const std::scoped_lock lock(state_->mutex);
             state_->observers.push_back(observer);
         }
-        // The token owns the observer too: what the callback holds may end further observations when it is
-        // released, which must not happen under the lock.
+        // The token also owns the observer, so that the callback is not destroyed under the lock: objects
+        // that it holds may end further observations.
         return Observation([weakState = std::weak_ptr(state_), observer = std::move(observer)] {
             observer->isEnded = true;
             if (const auto state = weakState.lock()) {

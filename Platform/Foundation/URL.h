@@ -55,7 +55,7 @@ public:
     /// Percent-encoded.
     std::optional<std::string> password() const;
 
-    /// As in the text. Present, if only empty, in every URL that has user information.
+    /// As in the text. Present, but possibly empty, in every URL that has user information.
     std::optional<std::string_view> percentEncodedUser() const&;
     std::optional<std::string_view> percentEncodedUser() const&& = delete;
     /// As in the text, an IP literal with its brackets.

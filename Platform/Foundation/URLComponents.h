@@ -18,10 +18,11 @@ struct URLQueryItem {
     friend bool operator==(const URLQueryItem&, const URLQueryItem&) = default;
 };
 
-/// The parts of a URL, to be read one by one, and its query and fragment to be changed, as in Foundation.
+/// Reads the parts of a URL and changes its query and fragment, as Foundation's NSURLComponents does.
 ///
-/// Parts are kept percent-encoded. The plain getters decode, and return nothing (`path` an empty text) if the
-/// bytes are not UTF-8 or the host is not a valid international one. The plain setters encode.
+/// Parts are stored percent-encoded. Getters without "percentEncoded" in their name decode; they return
+/// nothing (`path` an empty text) if the bytes are not UTF-8 or the host is not valid in IDNA. Setters
+/// without it encode.
 class URLComponents {
 public:
     /// The parts of `url` (not resolved against any base).
@@ -42,23 +43,23 @@ public:
     std::optional<std::string> fragment() const;
     const std::optional<std::string>& percentEncodedFragment() const { return fragment_; }
 
-    /// The query cut at "&" and each piece at its first "=", decoded; "+" stays a plus sign. A name that does
-    /// not decode to UTF-8 is empty, such a value absent. Absent without a query, an empty list for an empty
-    /// one.
+    /// The query split at "&", and each piece at its first "=", decoded; "+" stays a plus sign. A name that
+    /// does not decode to UTF-8 is empty, and such a value is absent. Nothing without a query, an empty list
+    /// for an empty query.
     std::optional<std::vector<URLQueryItem>> queryItems() const;
     /// The same, percent-encoded as stored.
     std::optional<std::vector<URLQueryItem>> percentEncodedQueryItems() const;
 
-    /// `query` is encoded already; if anything in it is not valid, all of it is encoded.
+    /// Sets a query that is already encoded. If any part of it is not valid, encodes all of it.
     void setPercentEncodedQuery(std::string_view query);
     /// Names and values are encoded so that they are read back the same: of what a query may hold only "&"
     /// and "=" do not stay literal, while "+", "?", ";" and "/" do. An empty list gives an empty query.
     void setQueryItems(const std::vector<URLQueryItem>& items);
-    /// Names and values are encoded already; one that is not valid is encoded.
+    /// Sets items that are already encoded. Encodes each name and value that is not valid.
     void setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items);
     void setFragment(std::string_view fragment);
 
-    /// The text of the parts together.
+    /// The text of all parts.
     std::string string() const;
     /// The URL of that text, or nothing if the text is empty or too long.
     std::optional<URL> url() const;

@@ -233,10 +233,10 @@ enum class Direction { toASCII, toUnicode };
 /// Converts a domain name by UTS #46. Returns nothing if that fails.
 std::optional<std::string> convertedName(std::string_view name, Direction direction) {
     // A URL is not built from a name that a resolver refuses, but such a name can be shown. ICU checks
-    // lengths only on the way to ASCII.
+    // lengths only when it converts to ASCII.
     constexpr std::uint32_t shown = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LEADING_HYPHEN |
                                     UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
-    // In bytes, of the name and of its conversion, as in Foundation.
+    // Foundation's limit in bytes, for the name and for its conversion.
     constexpr std::size_t longest = 2048;
     if (idna() == nullptr || name.size() > longest) {
         return std::nullopt;
@@ -363,7 +363,7 @@ std::optional<std::string> decodedHost(std::string_view host) {
         return decoded(host);
     }
     auto converted = convertedName(host, Direction::toUnicode);
-    // The conversion folds case; a host that it changes in nothing else stays as written.
+    // The conversion folds case. A host in which nothing else changes stays as written.
     if (converted == asciiLowercased(host)) {
         return std::string(host);
     }
@@ -386,7 +386,7 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
         return true;
     }
 
-    // All delimiters are ASCII: mending what is no UTF-8 moves none of them.
+    // All delimiters are ASCII, so that repairing ill-formed UTF-8 does not move them.
     const std::string source = repairingUTF8(text);
     Parts old;
     split(source, allowEmptyScheme, old);

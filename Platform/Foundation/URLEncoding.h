@@ -60,16 +60,16 @@ std::string encodedUnlessValid(std::string_view text, Allowed allowed);
 /// A ":" in the first segment of a path that does not begin with "/" is encoded too, lest it be read as a
 /// scheme's.
 std::string encodedPath(std::string_view path);
-/// `host` itself if a URL can hold it, else its ASCII form or, if `scheme` has no domain names, with escapes.
-/// Returns nothing if it has no such form.
+/// Returns `host` unchanged if it is valid in a URL, otherwise its ASCII form or, if hosts of `scheme` are
+/// not domain names, its percent-encoded form. Returns nothing if it has none.
 std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme);
 
 /// The bytes that `text` stands for. An invalid escape stands for itself.
 std::string decodedBytes(std::string_view text);
 /// The same, or nothing if they are not UTF-8.
 std::optional<std::string> decoded(std::string_view text);
-/// The host that a URL's host stands for: without escapes if it has any, else in Unicode. Returns nothing if
-/// it cannot be decoded.
+/// Returns a URL's host percent-decoded if it contains "%", otherwise in Unicode. Returns nothing if it
+/// cannot be decoded.
 std::optional<std::string> decodedHost(std::string_view host);
 
 bool isIPLiteral(std::string_view host);

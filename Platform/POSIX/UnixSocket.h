@@ -23,15 +23,15 @@ int openUnixSocket();
 int bindUnixSocket(int descriptor, const sockaddr_un& address);
 int connectUnixSocket(int descriptor, const sockaddr_un& address);
 
-/// The next waiting connection. It is non-blocking, and writing to its peer raises no signal. If none is
-/// waiting, it blocks, or fails with EAGAIN if `listening` is non-blocking.
+/// Accepts the next waiting connection and makes it non-blocking. If none is waiting, blocks, or fails with
+/// EAGAIN if `listening` is non-blocking.
 int acceptUnixSocket(int listening);
 
 /// The effective user of the process at the other end, as it was when it connected; nothing where the system
 /// does not say.
 std::optional<uid_t> unixSocketPeerUser(int descriptor);
 
-/// How long a write to a blocking socket may wait each time its peer does not read.
+/// Limits each wait of a write to a blocking socket whose peer does not read.
 int setSendTimeout(int descriptor, std::chrono::seconds timeout);
 
 /// Writes what the descriptor takes, as `write` does, but without ever raising a signal, for sockets and

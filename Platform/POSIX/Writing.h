@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-/// What the systems' sides of UnixSocket share about writing. Nobody else includes this.
+/// Shared by the implementations of UnixSocket. Do not include it elsewhere.
 namespace Platform {
 
 /// `write`, with the SIGPIPE it may raise taken back before anyone sees it.

@@ -8,8 +8,7 @@
 
 namespace Platform {
 
-/// The one window that says what program this is. It is no dialog: every other window stays usable. It obeys
-/// the main menu's key equivalents as they do, and is itself what they close.
+/// The About window. It is not modal. The main menu's key equivalents work in it; that of Close closes it.
 class AboutPanel : public Responder {
 public:
     AboutPanel() = default;
@@ -17,12 +16,12 @@ public:
     AboutPanel& operator=(const AboutPanel&) = delete;
     ~AboutPanel() override;
 
-    /// Shows the panel, or brings the one that is open to the front, over `parent` where there is one. A
-    /// panel that is made now obeys the keys of `mainMenu`, which may be null.
+    /// Shows the panel, or raises it if it is open, above `parent` unless that is null. A panel that is not
+    /// open yet gets the key equivalents of `mainMenu`, which may be null.
     void orderFront(GtkWindow* parent, const std::shared_ptr<Menu>& mainMenu);
     void close();
 
-    /// Returns true while the keyboard goes to the panel.
+    /// Returns true if the panel has the keyboard focus.
     bool isKey() const;
 
     bool respondsTo(Action action) const override;

@@ -36,18 +36,18 @@ void startLibadwaita() {
     adw_init();
 }
 
-/// The engine takes a session bus that does not answer for a reason to abort; without one it goes on.
+/// WebKitGTK aborts if the session bus does not respond, but runs without one.
 void forgetDeadBus(GApplication* application) {
     if (g_application_get_dbus_connection(application)) {
         return;
     }
     g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
-    // GTK finds the display's accessibility bus without a session bus, and then crashes for want of the
-    // application's object path (seen with 4.8.3, not reported).
+    // Without a session bus GTK still finds the display's accessibility bus, and then crashes because the
+    // application has no object path (seen with 4.8.3, not reported).
     g_setenv("GTK_A11Y", "none", TRUE);
 }
 
-/// GTK's own start ends the process with a warning that does not say what is missing.
+/// GTK's own startup ends the process with a warning that does not name what is missing.
 void startWithDisplay(GApplication* application) {
     if (!gtk_init_check()) {
         diagnosticLog(std::string(Application::displayName) +
@@ -196,7 +196,7 @@ void Application::activateIgnoringOtherApps() {
 }
 
 std::shared_ptr<Responder> Application::targetForAction(Action action) const {
-    // The key window comes before the main one. Like the application, the panel lives as long as the process.
+    // The key window comes before the main window. The panel lives as long as the process.
     if (native_->aboutPanel.isKey() && native_->aboutPanel.respondsTo(action)) {
         return {std::shared_ptr<void>(), &native_->aboutPanel};
     }

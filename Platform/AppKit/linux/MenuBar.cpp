@@ -17,9 +17,9 @@ namespace {
 constexpr const char* actionPrefix = "menu";
 constexpr const char* windowAction = "window";
 
-/// GTK's name of the item's key equivalent, such as "<Control>braceleft". Only an upper-case letter asks for
-/// Shift: which keys type a sign depends on the keyboard, and GTK ignores the modifiers that took part in
-/// that.
+/// GTK's name for the item's key equivalent, such as "<Control>braceleft". Adds Shift for upper-case letters
+/// only: whether another character needs Shift depends on the keyboard layout, and GTK ignores modifiers that
+/// the layout consumes.
 std::string accelerator(const MenuItem& item) {
     const guint key = gdk_unicode_to_keyval(g_utf8_get_char(item.keyEquivalent().c_str()));
     unsigned modifiers = GDK_CONTROL_MASK;
@@ -270,8 +270,8 @@ void MenuBar::appendWindows(GMenu* model) {
 }
 
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu) {
-    // The editing keys are left to the focused field or the page first; the others are obeyed before anybody
-    // sees them, and swallowed when their item is disabled.
+    // Editing keys go to the focused field or page first. All others run before any widget sees them, and are
+    // swallowed if their item is disabled.
     GtkEventController* capturing = gtk_shortcut_controller_new();
     gtk_event_controller_set_propagation_phase(capturing, GTK_PHASE_CAPTURE);
     GtkEventController* bubbling = gtk_shortcut_controller_new();

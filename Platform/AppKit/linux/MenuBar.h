@@ -41,10 +41,11 @@ private:
     std::vector<SignalConnection> connections_;
 };
 
-/// Has the top-level perform the items of `mainMenu` at their keys.
+/// Adds shortcuts to the top-level that perform the items of `mainMenu`.
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu);
 
-/// Whether the item's action would be performed now; asks whoever would perform it, who may retitle the item.
+/// Returns true if the item's action can be performed now. Asks the action's target, which may retitle the
+/// item.
 bool validate(MenuItem& item);
 
 } // namespace Platform

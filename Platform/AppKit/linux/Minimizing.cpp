@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-// Last, as it defines macros by everyday names.
+// Last, because it defines macros with common names.
 // clang-format off
 #include <gdk/x11/gdkx.h>
 // clang-format on
@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view minimizeButton = "minimize";
 
-/// The user's title bar buttons without the one that minimises.
+/// The user's title bar layout without the minimise button.
 std::string buttonLayout(GtkWidget* toplevel) {
     char* setting = nullptr;
     g_object_get(gtk_widget_get_settings(toplevel), "gtk-decoration-layout", &setting, nullptr);
@@ -28,12 +28,12 @@ std::string buttonLayout(GtkWidget* toplevel) {
     return layout;
 }
 
-/// Sets _MOTIF_WM_HINTS: all functions and decorations of a frame but those to minimise.
+/// Sets _MOTIF_WM_HINTS to all functions and decorations of a frame except those for minimising.
 void setFrameHints(GdkSurface* surface, bool isResizable) {
     enum : unsigned long { hasFunctions = 1, hasDecorations = 2 };
     enum : unsigned long { resize = 2, move = 4, maximize = 16, close = 32 };
     enum : unsigned long { border = 2, resizeHandles = 4, title = 8, menu = 16, maximizeButton = 64 };
-    // Flags, functions, decorations, input mode, status. Xlib takes a property of 32 bits as longs.
+    // Flags, functions, decorations, input mode, status. Xlib passes 32-bit properties as longs.
     std::array<unsigned long, 5> hints = {hasFunctions | hasDecorations, move | close, border | title | menu,
                                           0, 0};
     if (isResizable) {
@@ -48,7 +48,7 @@ void setFrameHints(GdkSurface* surface, bool isResizable) {
 }
 
 void realized(GtkWidget* toplevel, gpointer /*data*/) {
-    // GTK makes the header bar of a frame that it draws itself when it realizes the window, and has no
+    // If GTK draws the frame itself, it creates the header bar when it realizes the window, and has no
     // function that returns it.
     for (GtkWidget* child = gtk_widget_get_first_child(toplevel); child;
          child = gtk_widget_get_next_sibling(child)) {

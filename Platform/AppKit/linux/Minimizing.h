@@ -4,9 +4,8 @@
 
 namespace Platform {
 
-/// Removes minimising from what GTK and, under X11, the window manager offer for a top-level that is not
-/// realized yet. Wayland has no request for this: a compositor that draws the frame itself offers what it
-/// likes.
+/// Removes minimising from what GTK and, on X11, the window manager offer for a top-level. Call it before the
+/// top-level is realized. Wayland has no such request: a compositor that draws the frame may still offer it.
 void withholdMinimizing(GtkWindow* toplevel);
 
 } // namespace Platform

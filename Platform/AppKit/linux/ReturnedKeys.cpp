@@ -29,7 +29,7 @@ gboolean ReturnedKeys::pressed(GtkEventControllerKey* keys, guint /*key*/, guint
     if (!static_cast<ReturnedKeys*>(self)->isForOther(event)) {
         return GDK_EVENT_PROPAGATE;
     }
-    // As the toolkit does at a key that moves the focus, so that it is seen where it has gone.
+    // Show the focus ring, as GTK does when a key moves the focus.
     GtkWidget* toplevel = gtk_event_controller_get_widget(GTK_EVENT_CONTROLLER(keys));
     gtk_window_set_focus_visible(GTK_WINDOW(toplevel), TRUE);
     return GDK_EVENT_STOP;

@@ -13,7 +13,7 @@ struct TextFieldEvents {
         bool isEmptiedByEscape = false;
     };
 
-    /// The native side of a field around any of the toolkit's single-line editors.
+    /// Makes the native side of a field around one of GTK's single-line editors.
     static std::unique_ptr<Native> make(TextField& field, GtkWidget* editable);
 
     /// Another control of the same page took the focus.

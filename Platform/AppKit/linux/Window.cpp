@@ -267,8 +267,8 @@ void Window::Native::focusMoved(Window& window, View& view) {
     const auto previous = native.firstResponder.lock();
     native.firstResponder = view.weak_from_this();
     native.focusPending = false;
-    // GTK reads this setting right after it reports the new focus. A field that gets the focus back from
-    // a menu, a sheet or another tab keeps its selection: the next typed character must not replace its text.
+    // GTK reads this setting right after it reports the new focus. A field that gets the focus back from a
+    // menu, a sheet or another tab must keep its selection, or the next typed character replaces its text.
     const bool isFocusedAnew = previous.get() != &view;
     g_object_set(gtk_settings_get_default(), "gtk-entry-select-on-focus", isFocusedAnew, nullptr);
     if (!isFocusedAnew) {

@@ -18,7 +18,8 @@ class TabHost;
 struct Window::Native {
     GObjectPtr<GtkWidget> page;
     std::weak_ptr<View> firstResponder;
-    /// The first responder is still to get GTK's focus: the page is not on the screen, or a menu is open.
+    /// True while the first responder waits for GTK's focus, because the page is not on the screen or a menu
+    /// is open.
     bool focusPending = false;
     /// The one at the front is shown.
     std::deque<std::unique_ptr<Sheet>> sheets;
@@ -33,12 +34,12 @@ struct Window::Native {
 
     /// The toolkit's focus moved to a widget of this page.
     static void focusMoved(Window& window, View& view);
-    /// Gives GTK's focus to the sheet or else to the first responder: now, or once the page is on the screen
-    /// and no menu is open. A text field keeps its selection.
+    /// Gives GTK's focus to the sheet, or to the first responder if there is no sheet: now, or as soon as the
+    /// page is on the screen and no menu is open. A text field keeps its selection.
     static void takeFocus(Window& window);
-    /// Does what `takeFocus` left to be done.
+    /// Completes a `takeFocus` that had to wait, if it can.
     static void takePendingFocus(Window& window);
-    /// The page is on its way out: tells the delegate, once.
+    /// Called before the page is removed. Notifies the delegate once.
     static void willClose(Window& window);
 
     static void addSheet(Window& window, std::unique_ptr<Sheet> sheet);

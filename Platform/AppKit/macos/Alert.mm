@@ -40,7 +40,7 @@ Sheet::Sheet(const Alert& alert, Alert::Completion completion)
     : alert_(makeNativeAlert(alert))
     , safeButton_(safeButtonOf(alert))
     , completion_(std::move(completion)) {
-    // A window with a sheet otherwise keeps the user from quitting.
+    // By default AppKit refuses to quit while a window has a sheet.
     alert_.window.preventsApplicationTerminationWhenModal = NO;
 }
 

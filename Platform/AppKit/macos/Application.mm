@@ -88,7 +88,7 @@ void deliverNextEvent() noexcept {
     }
 }
 
-/// AppKit goes on waiting after timers and sources of the run loop: only an event ends the wait.
+/// AppKit keeps waiting after it has served timers and sources: only an event ends the wait.
 void postEmptyEvent() noexcept {
     if (NSEvent* const event = [NSEvent otherEventWithType:NSEventTypeApplicationDefined
                                                   location:NSZeroPoint

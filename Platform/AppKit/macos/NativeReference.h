@@ -10,9 +10,8 @@
 
 /// From AppKit's objects back to ours. Main thread only.
 ///
-/// Views and windows own AppKit's objects, which therefore hold them weakly. A menu item does not know
-/// AppKit's items for it, and each of those owns it: AppKit may send the action of an item that has left its
-/// menu.
+/// Views and windows own their AppKit objects, which refer back to them weakly. Menu items do not refer to
+/// their NSMenuItems, which own them: AppKit may send the action of an NSMenuItem that has left its menu.
 namespace Platform {
 
 void setReference(NSView* _Nonnull native, const std::weak_ptr<View>& view);

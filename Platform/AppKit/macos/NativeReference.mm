@@ -33,7 +33,7 @@ void attach(const Referenced& referenced, id native) {
     objc_setAssociatedObject(native, &referenceKey, reference, OBJC_ASSOCIATION_RETAIN_NONATOMIC);
 }
 
-/// The reference that `native` keeps, if it is a `Kept`.
+/// Returns the reference that is attached to `native`, or an empty one if that is not a `Kept`.
 template <typename Kept>
 Kept referenceOf(id native) {
     KeyloftReference* const reference = native != nil ? objc_getAssociatedObject(native, &referenceKey) : nil;

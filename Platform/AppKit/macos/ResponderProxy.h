@@ -35,8 +35,9 @@ id _Nullable targetFor(const std::shared_ptr<Responder>& responder);
 /// Our responder behind an object of AppKit's responder chain, or nothing.
 std::shared_ptr<Responder> responderOf(id _Nullable native);
 
-/// The subclass of a proxy class that the object runtime knows under the name a module gives, made at the
-/// first call. If a class of another kind has the name, as one of a plug-in may, a number follows it.
+/// Returns the subclass of `proxyClass` that is registered with the Objective-C runtime as `name`, and
+/// creates it on the first call. If another class has that name, for example one of a plug-in, appends a
+/// number.
 Class _Nonnull registeredSubclass(Class _Nonnull proxyClass, std::string_view name);
 
 /// For initialisers that nobody may call, `initWithCoder:` above all.

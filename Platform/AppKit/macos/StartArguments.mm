@@ -2,8 +2,7 @@
 
 namespace Platform {
 
-// NSUserDefaults takes every "-name value" for a default. The launch services of older systems add
-// "-psn_0_1".
+// NSUserDefaults reads each "-name value" pair as a default. Launch Services of older systems add "-psn_0_1".
 bool isSystemArgument(std::string_view argument) {
     return argument.starts_with('-') && !argument.starts_with("--");
 }

@@ -16,7 +16,7 @@
 
 namespace Platform {
 
-/// A descriptor that is closed with its owner.
+/// Owns a descriptor and closes it.
 class OwnedDescriptor {
 public:
     explicit OwnedDescriptor(int descriptor)
@@ -31,7 +31,7 @@ private:
     const int descriptor_;
 };
 
-/// The part of a source that its queue shares.
+/// The state that a source shares with its queue.
 struct ReadSource::State {
     int descriptor = -1;
     Handler eventHandler;
@@ -42,9 +42,8 @@ struct ReadSource::State {
     std::atomic<bool> cancelled = false;
 };
 
-/// The inner state of a queue: its thread and everything handed over to it. The thread waits with poll(),
-/// which needs no system call to begin or end waiting for a descriptor: most connections last for a single
-/// exchange.
+/// A queue's thread and its work. The thread waits with poll(), where adding and removing a descriptor needs
+/// no system call: most connections last for a single exchange.
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     using Clock = std::chrono::steady_clock;
     using Source = std::shared_ptr<ReadSource::State>;
@@ -61,7 +60,8 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void add(const Source& source);
     /// Called after a source was resumed, suspended or cancelled.
     void sourceChanged();
-    /// No more work comes. Waits for the thread, unless called on it.
+    /// Cancels all sources and ends the thread once no work is left. Waits for the thread, unless called on
+    /// it.
     void end();
 
     const std::string label;

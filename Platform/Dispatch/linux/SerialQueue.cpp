@@ -179,7 +179,7 @@ bool SerialQueue::State::prepareToWait() {
     return true;
 }
 
-/// The time until there is something to do, or -1 for no limit.
+/// The time until there is work, or -1 if no work is scheduled.
 int SerialQueue::State::waitMilliseconds() const {
     const auto isCancelled = [](const Source& source) { return source->cancelled.load(); };
     if (!work_.empty() || std::ranges::any_of(sources_, isCancelled)) {

@@ -6,12 +6,11 @@ namespace Platform {
 struct RunLoopTurn {
     /// Serves the main run loop until it has handled something.
     void (*wait)() noexcept;
-    /// Makes a `wait` that is under way, or the next one, return.
+    /// Makes the current `wait`, or the next one, return.
     void (*wake)() noexcept;
 };
 
-/// Replaces the plain run loop's own turn, for events that a plain run loop does not deliver. Main thread
-/// only.
+/// Replaces the iteration of the plain run loop, which does not deliver AppKit's events. Main thread only.
 void setRunLoopTurn(RunLoopTurn turn);
 
 } // namespace Platform
