@@ -9,7 +9,7 @@ set(KEYLOFT_MACOS_PACKAGING "${PROJECT_SOURCE_DIR}/Packaging/macos")
 
 set(KEYLOFT_CODESIGN codesign --force --options runtime --sign "${KEYLOFT_SIGNING_IDENTITY}"
     --entitlements "${KEYLOFT_MACOS_PACKAGING}/Keyloft.entitlements")
-# Only a signature with an identity can have a time stamp.
+# Ad hoc signatures cannot have a time stamp.
 if(NOT KEYLOFT_SIGNING_IDENTITY STREQUAL "-")
   list(APPEND KEYLOFT_CODESIGN --timestamp)
 endif()
@@ -25,7 +25,7 @@ function(keyloft_bundle target)
   set_source_files_properties("${icon}" PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
   target_sources(${target} PRIVATE "${icon}")
 
-  # The linker warns of objects newer than what it links for, and writes that version into the program.
+  # The linker warns about objects built for a newer macOS than its own target, and records the target in the program.
   keyloft_least_system(KEYLOFT_LEAST_SYSTEM "${CMAKE_OSX_DEPLOYMENT_TARGET}" ${ICU_LIBRARIES})
   target_link_options(${target} PRIVATE "-mmacosx-version-min=${KEYLOFT_LEAST_SYSTEM}")
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ICU_LIBRARIES})

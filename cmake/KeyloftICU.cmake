@@ -1,9 +1,9 @@
 # keyloft_find_icu(ARGUMENT…)
 #
-# Finds ICU and its target ICU::uc, with ARGUMENT… as find_package takes them (REQUIRED).
+# Finds ICU and its target ICU::uc. Passes ARGUMENT… (REQUIRED) to find_package.
 #
-# On macOS it is linked statically, so that a program does not depend on a library in Homebrew's folders. Homebrew's ICU is
-# keg-only: it is not on any default search path. ICU_ROOT names another one.
+# On macOS ICU is linked statically, so that programs do not depend on a library in Homebrew's folders. Homebrew's ICU
+# is keg-only: no default search path contains it. Set ICU_ROOT to use another ICU.
 macro(keyloft_find_icu)
   if(APPLE)
     if(NOT ICU_ROOT AND NOT DEFINED ENV{ICU_ROOT})
@@ -20,7 +20,7 @@ macro(keyloft_find_icu)
     set(CMAKE_FIND_LIBRARY_SUFFIXES "${_keyloft_suffixes}")
     unset(_keyloft_suffixes)
     if(ICU_FOUND)
-      # A static library does not name the one that it needs.
+      # A static library does not record its dependencies.
       set_property(TARGET ICU::uc APPEND PROPERTY INTERFACE_LINK_LIBRARIES ICU::data)
     endif()
   else()

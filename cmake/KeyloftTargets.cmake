@@ -11,7 +11,7 @@ else()
   message(FATAL_ERROR "Keyloft has no Platform for ${CMAKE_SYSTEM_NAME}: Linux and macOS only.")
 endif()
 
-# The first part of the C++23 library that older compilers lack. Say so before they fail in the middle of the build.
+# Older compilers lack std::expected. Report that here, before they fail in the middle of the build.
 include(CheckCXXSourceCompiles)
 set(CMAKE_CXX_STANDARD 23)
 check_cxx_source_compiles("#include <expected>
@@ -94,7 +94,7 @@ function(keyloft_test name)
   endif()
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${kind} TIMEOUT ${arg_TIMEOUT})
-  # All tests of the program in one process as well: no test may depend on what another leaves behind.
+  # Also run all tests of the program in one process: no test may depend on what another leaves behind.
   if(kind STREQUAL "display" AND NOT KEYLOFT_SANITIZE)
     add_test(NAME ${name}.inOneGo COMMAND ${name})
     set_tests_properties(${name}.inOneGo PROPERTIES LABELS one-go TIMEOUT 1200)
