@@ -27,7 +27,7 @@ void PrintTo(Place place, std::ostream* stream) {
 /// The items of the Edit menu, chosen with the mouse while text is edited.
 class EditMenuTest : public AppDelegateTest, public testing::WithParamInterface<Place> {
 protected:
-    /// Makes a field with this text the one that is edited.
+    /// Types this text into the parameter's field and leaves the focus there.
     void edit(const std::string& text) {
         server.route("/",
                      HTTPResponse::html("<title>ready</title><input><script>"
@@ -89,7 +89,7 @@ TEST_P(EditMenuTest, pasteInsertsAtTheInsertionPoint) {
     pressKey("Left");
     choose("Paste");
     expectText("xyxyzz");
-    // Typing goes on behind what was pasted.
+    // The insertion point is after the pasted text.
     typeText("1");
     expectText("xyxyz1z");
 }
@@ -113,7 +113,7 @@ TEST_P(EditMenuTest, undoTakesBackAPasteAndRedoRepeatsIt) {
     choose("Paste");
     expectText("xyzxyz");
     choose("Undo");
-    // How much is taken back at once is the field's own affair.
+    // How much one Undo reverts depends on the field.
     EXPECT_TRUE(runUntil([&] { return text() != "xyzxyz"; }));
     choose("Redo");
     expectText("xyzxyz");

@@ -8,8 +8,8 @@ using TestSupport::typeText;
 
 namespace {
 
-/// An address of which a part is typed when the user turns to something else and comes back, with real keys
-/// and clicks. The insertion point is inside the text.
+/// A half-typed address that the user leaves and returns to, with real keys and clicks. The insertion point
+/// is inside the text.
 class HalfTypedAddressTest : public AppDelegateTest {
 protected:
     HalfTypedAddressTest()
@@ -39,7 +39,7 @@ protected:
         });
     }
 
-    /// Types a character, which must come to the insertion point and replace nothing.
+    /// Types a character and expects it at the insertion point, replacing nothing.
     void expectToTypeOn(const std::string& character) {
         ASSERT_TRUE(waitUntilBack());
         EXPECT_TRUE(tab->isEditingAddress());
@@ -117,7 +117,7 @@ TEST_F(HalfTypedAddressTest, isTypedOnAfterEachMenuIsDismissedByMouse) {
         SCOPED_TRACE(title);
         const auto point = TestSupport::menuTitleOnScreen(*tab->window(), title);
         for (const auto& dismissal : {point, TestSupport::bareDesktop}) {
-            // GTK 4.8.3 now and then ignores a click on a title soon after a menu closed (not reported).
+            // GTK 4.8.3 sometimes ignores a click on a title soon after a menu closed (not reported).
             for (int i = 0; i < 3 && !TestSupport::isMenuOpen(*tab->window(), title); ++i) {
                 clickAt(point);
                 static_cast<void>(runUntil([&] { return TestSupport::isMenuOpen(*tab->window(), title); },

@@ -199,7 +199,7 @@ TEST_P(KeyEquivalentTest, theEditingKeysEditWhatHasTheFocus) {
 
 namespace {
 
-/// Keys typed while the About panel has the keyboard.
+/// Keys typed while the About panel has the keyboard focus.
 class AboutPanelKeyTest : public AppDelegateTest {
 protected:
     static constexpr const char* panel = "About Keyloft";

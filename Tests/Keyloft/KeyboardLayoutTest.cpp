@@ -14,7 +14,7 @@ struct Layout {
     unsigned keycodeOfZ;
 };
 
-/// The key equivalents of the main menu on keyboards that have their signs on different keys.
+/// The main menu's key equivalents on keyboard layouts that have their characters on different keys.
 class KeyboardLayoutTest : public AppDelegateTest, public testing::WithParamInterface<Layout> {
 protected:
     KeyboardLayoutTest()
@@ -35,7 +35,7 @@ protected:
         return items;
     }
 
-    /// Presses the keys of the action's item and waits until its effect is seen.
+    /// Presses the key equivalent of the action's item and waits for its effect.
     void press(Action action, const std::function<bool()>& isDone) {
         for (const auto& item : itemsWithKeys()) {
             if (item->action() == action) {

@@ -334,7 +334,7 @@ TEST_F(ProgramTest, anotherProgramInFrontDoesNotChangeWherePagesGo) {
 }
 
 TEST_F(ProgramTest, runsWithoutASessionBus) {
-    // Starts the accessibility bus, which programs find on the display itself from then on.
+    // Starts the accessibility bus, which programs then find through the display.
     TestSupport::accessibleObjects(::getpid());
     const std::optional<std::string> addresses[] = {"unix:path=/nonexistent/bus", std::nullopt};
     for (const auto& address : addresses) {

@@ -17,7 +17,7 @@ namespace {
 /// What remains of tabs whose web process is killed from outside.
 class WebProcessEndTest : public BrowserTest {
 protected:
-    /// No process that a closed tab left may serve a page of this test.
+    /// A web process that a closed tab left behind must not serve a page of this test.
     void SetUp() override { ASSERT_TRUE(TestSupport::forgetPages()); }
 
     /// A page that counts how often it was asked for in its title, and keeps what scripts do to it.

@@ -31,8 +31,8 @@ bool isSessionLine(const std::string& line) {
 
 AuthSessionTest::AuthSessionTest() {
     proxy.route(connectTarget, HTTPResponse().withEnding(HTTPResponse::Ending::held));
-    // WebKitGTK's network process serves all tests of this process and reads these once. Nobody listens
-    // there: what a test forgets to redirect fails.
+    // WebKitGTK's network process serves all tests of this process and reads these variables once. No server
+    // listens on this port, so that traffic which a test does not redirect fails.
     for (const auto* variable : {"http_proxy", "https_proxy"}) {
         setenv(variable, "http://127.0.0.1:9", 1);
     }
@@ -80,7 +80,7 @@ AuthSessionTest::Session AuthSessionTest::startSession(const std::optional<std::
 
 void AuthSessionTest::start(const Session& session) {
     session->start();
-    // The page asks the network only after it has asked this process, which runs on later.
+    // In time: the page sends no request before this process's main loop has decided about its navigation.
     TestSupport::redirectTraffic(*Inspector::webView(*session, Inspector::runCount(*session) - 1),
                                  proxy.port());
 }

@@ -43,7 +43,7 @@ protected:
     /// A session that adds its ending to `endings`.
     Session makeSession(std::string_view rest = "");
     Session startSession(const std::optional<std::string>& initiatorOrigin = std::nullopt);
-    /// Starts the session once more or for the first time, its traffic redirected to the proxy.
+    /// Starts the session and redirects its traffic to the proxy. May be called again.
     void start(const Session& session);
 
     static Platform::NavigationAction get(std::string_view url);

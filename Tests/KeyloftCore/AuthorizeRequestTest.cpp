@@ -224,7 +224,7 @@ TEST(AuthorizeRequest, anEmptyPathIsTheRoot) {
 }
 
 TEST(AuthorizeRequest, aHostThatIsNotUTF8MatchesNothing) {
-    // Once decoded, such a host looks like an absent one.
+    // A host that does not decode looks like an absent host.
     for (const auto* text : {"https://%FF/cb", "https://%FE/cb", "https://u@%FF/cb", "https:/cb",
                              "https:///cb", "https:///%FF/cb"}) {
         EXPECT_FALSE(requestTo("https://%25FF/cb").matchesRedirect(url(text))) << text;

@@ -1,5 +1,5 @@
-// What a decoder asks memory for, and what a listener gives back. In a program of its own, because every
-// allocation in it is watched.
+// The memory that a decoder requests and that a listener releases. A separate program, because it replaces
+// operator new.
 
 #include "KeyloftCore/FrameDecoder.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -23,12 +23,12 @@ namespace {
 /// The largest and all requests since they were last set to 0.
 thread_local std::size_t largest = 0;
 thread_local std::size_t total = 0;
-/// What is allocated now, by all threads.
+/// The blocks that all threads have allocated and not released.
 std::atomic<long> liveBlocks = 0;
 
 void release(void* memory) {
     liveBlocks -= memory != nullptr ? 1 : 0;
-    std::free(memory); // NOLINT(cppcoreguidelines-*): what operator delete is made of
+    std::free(memory); // NOLINT(cppcoreguidelines-*): implements operator delete
 }
 
 } // namespace
@@ -123,7 +123,7 @@ TEST(RelayListenerMemory, closedConnectionsLeaveNothingBehind) {
     exchange(20);
     const long before = liveBlocks;
     exchange(200);
-    // The last connections may still be closing, now and before.
+    // At both counts the last connections may still be closing.
     EXPECT_TRUE(TestSupport::eventually([&] { return liveBlocks < before + 100; })) << liveBlocks - before;
 }
 

@@ -185,7 +185,8 @@ TEST_F(HostilePeerTest, aPeerThatReadsSlowlyIsGivenUpAfterThreeSecondsInAll) {
     const auto begin = Clock::now();
     ASSERT_TRUE(slow.send(frame("large")));
     ASSERT_TRUE(requests.wait());
-    // Each read makes room for more, so that no single wait is long. Reading all of it would take 10 seconds.
+    // Each read makes room for more, so that no single wait is long. Reading everything would take 10
+    // seconds.
     std::atomic<bool> over = false;
     std::thread reading([&] {
         std::vector<char> buffer(20'000);
@@ -244,15 +245,15 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
 TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
     startEcho();
     const auto before = openDescriptors();
-    // After a second the listener tries again anyway, so only an earlier answer is due to the close. A
-    // machine may be too busy to tell.
+    // After a second the listener accepts again anyway, so only an earlier answer shows that the close
+    // resumed it. On a busy machine the answer may be late, so try several times.
     bool answeredInTime = false;
     for (int attempt = 0; attempt < 5 && !answeredInTime; ++attempt) {
         RawPeer open(path);
         ASSERT_TRUE(open.send("\x05\0"sv));
         expectService();
-        // Answered after it, so it has been accepted: each side holds one descriptor, and no other is on its
-        // way out.
+        // A later connection was answered, so this one has been accepted. Each side holds one descriptor once
+        // no other connection is being closed.
         ASSERT_TRUE(eventually([&] { return openDescriptors() == before + 2; }));
         std::vector<RawPeer> waiting(2);
         const auto begin = Clock::now();

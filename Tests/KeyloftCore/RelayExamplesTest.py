@@ -1,4 +1,4 @@
-"""Runs the relay's examples as a person would, each time in a home directory of its own.
+"""Runs the relay's examples as a user would. Each test has an empty home directory.
 
     RelayExamplesTest.py HOST PEER…
 """
@@ -35,7 +35,7 @@ def frame(payload):
 
 
 def receive_all(connection):
-    """Returns what comes before the other end closes."""
+    """Returns everything that the other end sends before it closes."""
     data = b""
     with contextlib.suppress(ConnectionResetError):
         while received := connection.recv(65536):
@@ -53,10 +53,10 @@ def for_each_peer(test):
 
 class RelayExamples(unittest.TestCase):
     def setUp(self):
-        # With 16 bytes the second path is as long as a socket's may be.
+        # With these 16 bytes the second path has the greatest length of a socket's path.
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="kl-", dir="/tmp"))
         self.addCleanup(shutil.rmtree, self.home)
-        # macOS asks the user database rather than HOME, and this before it.
+        # On macOS the home directory comes from CFFIXED_USER_HOME or the user database, not from HOME.
         self.environment = {**os.environ, "HOME": str(self.home), "CFFIXED_USER_HOME": str(self.home)}
 
     def run_example(self, program, *arguments):

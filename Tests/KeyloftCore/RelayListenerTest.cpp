@@ -295,9 +295,9 @@ TEST_F(RelayListenerTest, theLastReferenceMayGoOnTheQueue) {
 }
 
 TEST_F(RelayListenerTest, destroyedOnTheQueueLeavesItsSocketToTheCancelHandler) {
-    // Not every system stops watching a descriptor before that handler runs.
+    // Dispatch may watch the descriptor until that handler runs.
     Event done;
-    const int listening = dup(0); // the next descriptor after the queue's own
+    const int listening = dup(0); // the number that the next descriptor gets
     close(listening);
     listener->listen(path, [&](const std::string&, const RelayListener::Reply&) {
         int listens = 0;
@@ -442,7 +442,7 @@ TEST_F(RelayListenerTest, aDirectoryThatCannotBeMadeIsTheFileManagersErrorAndNot
     EXPECT_EQ(TestSupport::contentsOf(file), "mine");
     EXPECT_THROW(listener->listen("", ignore), Platform::FileError);
 
-    // Without a directory in its path the file is in the current one, and still not the listener's to remove.
+    // A path without a directory names a file in the current directory, which the listener must not remove.
     const CurrentDirectory here(directory.path());
     EXPECT_THROW(listener->listen("file", ignore), Platform::FileError);
     EXPECT_EQ(TestSupport::contentsOf(file), "mine");

@@ -39,7 +39,7 @@ class RawPeer {
 public:
     RawPeer()
         : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
-    /// Tries again while it is refused, as macOS does when too many others wait to be accepted.
+    /// Retries while the connection is refused: macOS refuses it if too many others wait to be accepted.
     explicit RawPeer(const std::string& path)
         : RawPeer() {
         bool connected = false;
@@ -119,7 +119,7 @@ inline std::string frame(std::string_view payload) {
     return KeyloftCore::NativeMessageFrame::encode(payload);
 }
 
-/// A client of a listener that may have more connections waiting than macOS allows.
+/// Connects, and retries while macOS refuses because too many connections wait to be accepted.
 inline KeyloftCore::RelaySocketClient connectInTurn(const std::string& path) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     for (;;) {
@@ -134,7 +134,7 @@ inline KeyloftCore::RelaySocketClient connectInTurn(const std::string& path) {
     }
 }
 
-/// One whole exchange as a client has it: nothing if there was no reply.
+/// Sends a request as a client and returns the reply, or nothing if there is none.
 inline std::optional<std::string> ask(const std::string& path, std::string_view request,
                                       double timeout = longWait) {
     const auto client = connectInTurn(path);

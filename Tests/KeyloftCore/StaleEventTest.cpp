@@ -19,10 +19,10 @@ using KeyloftCore::RelaySocketClient;
 using TestSupport::Event;
 using TestSupport::TemporaryDirectory;
 
-/// Long for an answer, and short enough to wait for one that never comes.
+/// In seconds. Long for an answer, and short enough to wait for one that never comes.
 constexpr double answerTimeout = 10;
 
-/// This process's ends of the connections that were accepted at `path`.
+/// The descriptors of the connections that this process accepted at `path`.
 std::vector<int> acceptedConnections(const std::string& path) {
     std::vector<int> connections;
     for (int descriptor = 0; descriptor < 256; ++descriptor) {
@@ -45,8 +45,8 @@ std::size_t takeWaitingBytes(int descriptor) {
     return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-/// Two requests become readable while the queue is busy, so their events are noted together. Handling the
-/// first takes the bytes of the second, whose event then finds nothing.
+/// Two requests become readable while the queue is busy, so that one poll reports both. The handler of the
+/// first takes the bytes of the second, whose event is then stale.
 TEST(RelayStaleEvent, leavesTheConnectionOpenAndTheQueueFree) {
     const TemporaryDirectory directory;
     const auto path = directory / "relay.sock";

@@ -126,7 +126,7 @@ protected:
         return std::nullopt;
     }
 
-    /// All that a peer receives for its request, whether or not it could be sent.
+    /// Sends a request and returns everything received, even if the request could not be sent.
     std::string exchange(std::string_view request) const {
         RawPeer peer(path);
         peer.send(frame(request));
@@ -269,7 +269,7 @@ TEST_F(SystemCallTest, aPeerOfAnotherUserIsRefusedUnread) {
 }
 
 TEST_F(SystemCallTest, comparesThePeersUserWithTheRealUserOfTheProcess) {
-    // The real user differs from the effective one, which is the peer's here.
+    // The peer has the effective user of this process, which differs from the real user.
     const uid_t real = geteuid() + 1;
     uid_t peer = geteuid();
     SystemCalls system;

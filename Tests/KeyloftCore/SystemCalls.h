@@ -34,7 +34,7 @@ struct SystemCalls {
     std::function<Maybe(socklen_t length)> connect;
     std::function<Maybe(int backlog)> listen;
     std::function<Maybe(std::string_view path)> chmod;
-    /// After the system has closed the descriptor.
+    /// Called after the kernel has closed the descriptor.
     std::function<Maybe()> close;
     std::function<Maybe()> getuid;
     std::function<Maybe(std::string_view path, struct stat* status)> stat;

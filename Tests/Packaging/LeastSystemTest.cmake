@@ -1,4 +1,4 @@
-# Reads listings as otool prints them; a program that prints them stands in for it.
+# Calls keyloft_least_system with a fake otool that prints the listings of this test.
 #
 #   cmake -D SOURCE=… -P LeastSystemTest.cmake
 
@@ -14,7 +14,7 @@ file(CHMOD "${scratch}/otool" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 set(KEYLOFT_OTOOL "${scratch}/otool")
 set(failures)
 
-# expect(LEAST FLOOR LISTING…): libraries with these listings make LEAST the least system.
+# expect(LEAST FLOOR LISTING…): expects LEAST for FLOOR and libraries with these listings.
 function(expect expected floor)
   set(libraries)
   foreach(listing IN LISTS ARGN)
@@ -29,7 +29,7 @@ function(expect expected floor)
   endif()
 endfunction()
 
-# object(OUTPUT COMMAND VERSION-LINES): an object between others' load commands.
+# object(OUTPUT COMMAND VERSION-LINES): the listing of an object with this load command among others.
 function(object output command versions)
   set(${output} "library.a(object.o):
 Load command 0
@@ -81,10 +81,10 @@ expect(13.0 9.0 "${for13}")
 expect(15.0 13.0 "${for14}${for15}${for13}")
 expect(15.0 13.0 "${for13}${data}" "${for15}${data}" "${for14}")
 expect(14.0 13.0 "${for14}" "${data}")
-# Nothing that was asked for is lowered.
+# The floor is never lowered.
 expect(16.0 16.0 "${for14}")
 
-# Without any version the answer would be a guess.
+# Libraries without any version are an error.
 foreach(listing "${data}" "")
   file(WRITE "${scratch}/data.a" "${listing}")
   execute_process(COMMAND "${CMAKE_COMMAND}" -D "KEYLOFT_OTOOL=${scratch}/otool" -D "CMAKE_MODULE_PATH=${SOURCE}/cmake"

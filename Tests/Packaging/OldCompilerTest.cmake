@@ -1,4 +1,4 @@
-# Configures with a C++ library that has no std::expected.
+# Configures with a C++ library without std::expected and expects one error that says so.
 #
 #   cmake -D SOURCE=… -D COMPILER=… -P OldCompilerTest.cmake
 

@@ -37,8 +37,7 @@ function(build_by_find_package folder)
   run("${CMAKE_COMMAND}" --build "${SCRATCH}/build")
 endfunction()
 
-# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config, in the compiler's default standard but for the package's
-# flags.
+# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config. Only the package's flags select a C++ standard.
 function(build_by_pkg_config package folder)
   file(GLOB_RECURSE description "${SCRATCH}/prefix/*/${package}.pc")
   get_filename_component(descriptions "${description}" DIRECTORY)

@@ -165,7 +165,7 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
                 << nativeWindows() << " windows are left";
         }
     };
-    // WebKitGTK keeps the last process of each site for five minutes, also those of earlier tests.
+    // WebKitGTK keeps the last process of each site for five minutes, those of earlier tests included.
     const auto kept = TestSupport::webProcesses().size();
     // The first ones make what toolkit and engine keep for good.
     runSessions(10);

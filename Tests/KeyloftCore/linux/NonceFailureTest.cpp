@@ -17,7 +17,7 @@ namespace {
 
 using KeyloftCore::RelayTarget;
 
-/// Has the kernel refuse random bytes to this process from now on, whoever its user is.
+/// Makes the kernel refuse random bytes to this process from now on, even to root.
 void loseRandomSource() {
     sock_filter instructions[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),

@@ -160,7 +160,7 @@ protected:
         EXPECT_EQ(server->count("/callback"), 0U);
     }
 
-    /// Submits a form to the redirect URI that has one more control, and waits for the ending.
+    /// Submits a form with an additional control to the redirect URI and waits for the ending.
     void answerWithControl(const std::string& control) {
         results.clear();
         standardError.emplace();

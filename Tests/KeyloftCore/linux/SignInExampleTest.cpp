@@ -1,4 +1,4 @@
-// The example program as somebody would run it.
+// Runs the example program as a user would.
 
 #include "Tests/KeyloftCore/linux/SignInTest.h"
 #include "Tests/Support/AccessibilityTree.h"
@@ -48,16 +48,16 @@ protected:
 
     static std::string quoted(const std::string& text) { return "'" + text + "'"; }
 
-    /// A sign-in page that goes on by itself once it is there.
+    /// Serves a sign-in page that runs `script` once it is loaded.
     void routePage(const std::string& page, const std::string& script) {
         server->route("/auth/authorize",
                       HTTPResponse::html("<!DOCTYPE html><title>Sign in</title>" + page +
                                          "<script>addEventListener('load', () => " + script + ")</script>"));
     }
 
-    /// Opens the Edit menu, which is the second one, and presses `keys`. The page is asked first for the key
-    /// that opens the menu bar, so that the menu opens some time after it. A window that has not got the
-    /// keyboard yet misses the key.
+    /// Opens the Edit menu, the second one, and presses `keys`. The page gets F10 before the menu bar, so the
+    /// menu opens with a delay. A window without the keyboard focus misses the key, so press it several
+    /// times.
     [[nodiscard]] static bool chooseFromEditMenu(const TestSupport::Program& program,
                                                  const std::string& keys) {
         const auto isOpen = [&program] {
@@ -70,8 +70,7 @@ protected:
             askXdotool("key F10");
             opened = runUntil(isOpen, patience / 5);
         }
-        // GTK 4.8 closes the menu bar if an arrow key follows another within some milliseconds (not
-        // reported).
+        // GTK 4.8.3 closes the menu bar if one arrow key follows another within milliseconds (not reported).
         askXdotool("key --delay 250 Right " + keys);
         return opened;
     }

@@ -11,7 +11,7 @@ namespace Platform::Tests {
 
 namespace {
 
-/// A top-level with the kind of header bar that GTK adds where no window manager draws a frame.
+/// A top-level with a header bar, such as GTK adds if no window manager draws a frame.
 class MinimizingTest : public AppKitTest {
 public:
     MinimizingTest(const MinimizingTest&) = delete;

@@ -34,7 +34,7 @@ using Events = std::vector<std::string>;
 class TextFieldTest : public AppKitTest {
 protected:
     TextFieldTest() {
-        // Before the window is shown: one that the manager finds already there does not get the keyboard.
+        // Before the window is shown: a window manager does not focus windows that it finds when it starts.
         TestSupport::startWindowManager();
         const auto row = StackView::create(Orientation::horizontal);
         row->addArrangedSubview(field);
@@ -45,7 +45,7 @@ protected:
         show(window);
     }
 
-    /// Gives the field the keyboard, for real keys.
+    /// Gives the field the keyboard focus, for real key presses.
     void activate(const std::shared_ptr<TextField>& wanted) const {
         wanted->selectText();
         GtkWindow* toplevel = TabHost::of(*window)->toplevel();
@@ -176,7 +176,7 @@ TEST_F(TextFieldTest, aPasteOfNothingButLineBreaksIsNoEdit) {
     EXPECT_EQ(field->stringValue(), "x");
 }
 
-// Dropped text and that of an input method come this way.
+// Dropped text and text of an input method are inserted this way.
 TEST_F(TextFieldTest, lineBreaksAreDroppedFromTextThatGTKInserts) {
     typeInto(field, "one\ntwo");
     EXPECT_EQ(field->stringValue(), "onetwo");
@@ -258,7 +258,7 @@ TEST_F(TextFieldTest, escapeEmptiesASearchField) {
     EXPECT_STREQ(gtk_editable_get_text(GTK_EDITABLE(widgetOf(search))), "");
     EXPECT_FALSE(search->isEditing());
     EXPECT_TRUE(target->performed.empty());
-    // The keyboard stays.
+    // The field keeps the focus.
     pressKey("c");
     EXPECT_TRUE(runUntil([&] { return search->stringValue() == "c"; }));
 }

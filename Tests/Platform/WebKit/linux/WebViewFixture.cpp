@@ -75,7 +75,7 @@ void TestWindow::hide() { gtk_widget_set_visible(window_.get(), FALSE); }
 
 namespace {
 
-/// The network sessions of the views that a test has made.
+/// The network sessions of the views that the current test has made.
 std::vector<GObjectPtr<WebKitNetworkSession>>& usedSessions() {
     static std::vector<GObjectPtr<WebKitNetworkSession>> sessions;
     return sessions;
@@ -87,13 +87,13 @@ WebViewTest::WebViewTest() { gtk_init(); }
 
 WebViewTest::~WebViewTest() {
     TestSupport::runPending();
-    // WebKitGTK keeps processes of stores in memory too.
+    // WebKitGTK also keeps processes for stores in memory.
     const auto sessions = std::exchange(usedSessions(), {});
     if (TestSupport::forgetPages(sessions, std::chrono::seconds(8))) {
         return;
     }
-    // It never drops its reference to a view that it was given for a page without an opener (seen with 2.50,
-    // not reported): nothing else ends the process of that page.
+    // WebKitGTK never releases a view that it was given for a page without an opener (seen with 2.50, not
+    // reported), and so never ends the process of that page.
     for (const pid_t process : TestSupport::webProcesses()) {
         ::kill(process, SIGKILL);
     }

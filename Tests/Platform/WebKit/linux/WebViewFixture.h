@@ -105,14 +105,15 @@ protected:
     static void run(Platform::WebView& view, const std::string& script);
     [[nodiscard]] static bool waitForTitle(Platform::WebView& view, const std::string& title);
     [[nodiscard]] bool waitForFailures(std::size_t count) const;
-    /// For the statement of EXPECT_EXIT with `succeeds`: calls `body` and ends the process.
+    /// The statement for an EXPECT_EXIT with `succeeds`: calls `body` and ends the process.
     ///
-    /// A process makes its default data store once. A test of that asks for the "threadsafe" style, in which
-    /// the statement runs in a new process with a display session and an empty home directory of its own.
+    /// A process creates its default data store only once. Tests of its creation select the "threadsafe"
+    /// style, in which the statement runs in a new process with its own display session and empty home
+    /// directory.
     [[noreturn]] static void exitAfter(const std::function<void()>& body);
     static const testing::ExitedWithCode succeeds;
 
-    /// Runs the loop for so long: for what must not happen.
+    /// Runs the loop for `seconds`, for tests that something does not happen.
     static void runFor(double seconds);
 
     TestSupport::HTTPServer server;
