@@ -4,8 +4,7 @@
 
 namespace TestSupport {
 
-/// Lets the monotonic clock of this process, and so the main loop's timers, be ahead by so much more. The
-/// clock never goes back.
+/// Advances the monotonic clock of this process, and with it the main loop's timers. It is never set back.
 void advanceClock(std::chrono::seconds step);
 
 } // namespace TestSupport

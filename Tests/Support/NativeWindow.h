@@ -61,13 +61,13 @@ void closeTab(Platform::Window& window);
 void closeNativeWindow(Platform::Window& window);
 void clickNewTabButton(Platform::Window& window);
 
-/// Returns false if the window manager is asked for a frame that cannot minimise the window.
+/// Returns false if the window's hints ask the window manager for a frame without minimising.
 bool frameHintsAllowMinimizing(Platform::Window& window);
 
 /// Whether the keyboard goes to this window's native one.
 bool isActive(Platform::Window& window);
 
-/// The title of the program's native window that the keyboard goes to, or nothing.
+/// The title of this program's native window that has the keyboard focus, or an empty text.
 std::string activeTitle();
 
 /// Starts a window manager if need be, and waits until the keyboard goes to the window.
@@ -130,14 +130,14 @@ ShownMenu openedMenu(Platform::Window& window, const std::string& title);
 
 /// The titles in the menu bar, from left to right.
 std::vector<std::string> menuTitles(Platform::Window& window);
-/// Whether the menu of the menu bar is open and has been laid out.
+/// Returns true if the menu of the menu bar is open and laid out.
 bool isMenuOpen(Platform::Window& window, const std::string& title);
 ScreenPoint menuTitleOnScreen(Platform::Window& window, const std::string& title);
 /// Opens the menu and chooses the item, both with clicks.
 void chooseFromMenu(Platform::Window& window, const std::string& title, const std::string& item);
 
-/// The keyboard has a layout of the given name ("de") while this object lives, and a US layout afterwards.
-/// `keycodeOfZ` is the code of the key that types "z" in it.
+/// Sets the keyboard layout of the given name ("de") while this object lives, and then the US layout.
+/// `keycodeOfZ` is the code of the key that types "z" in the layout.
 class KeyboardLayout {
 public:
     KeyboardLayout(const std::string& name, unsigned keycodeOfZ);
@@ -184,7 +184,7 @@ bool hasSheetFocus(Platform::Window& window);
 /// Lives as long as the toolkit's own object of the view, and keeps nothing alive.
 std::weak_ptr<void> nativeLifetime(Platform::View& view);
 
-/// Returns true if the engine lets a sideways swipe go back and forward.
+/// Returns true if sideways swipes go back and forward in the view.
 bool allowsSwipes(Platform::WebView& view);
 
 /// Runs a script in the page, without waiting for it.
@@ -193,8 +193,8 @@ void runScript(Platform::WebView& view, const std::string& script);
 /// Kills the processes, the view's web process among them, and waits until the view has been told.
 [[nodiscard]] bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes);
 
-/// Sends what the view's network session asks of other hosts than this one to a port of loopback, as to a
-/// proxy. Requests that have begun are not affected.
+/// Sends requests of the view's network session to a proxy at a port of loopback, except requests to this
+/// host and those that have begun already.
 void redirectTraffic(Platform::WebView& view, int port);
 
 /// As long as it lives, what web views ask of other hosts than this one goes to a port of loopback, as to a

@@ -9,9 +9,8 @@ namespace TestSupport {
 /// The processes in which the web engine runs pages for this one, in the order of their numbers.
 std::vector<pid_t> webProcesses();
 
-/// Removes what pages have stored in the default data store, and waits until no web process is left: neither
-/// one that WebKitGTK keeps for the next page of a site nor that of a view that was let go. Returns false if
-/// some are left. Main thread only.
+/// Removes what pages have stored in the default data store and waits until no web process is left, including
+/// those that WebKitGTK keeps for the next page of a site. Returns false if one is left. Main thread only.
 [[nodiscard]] bool forgetPages();
 
 } // namespace TestSupport

@@ -9,7 +9,7 @@
 
 namespace TestSupport {
 
-/// `forgetPages` for the pages of `sessions` as well, which have stores of their own, within about `limit`.
+/// Like `forgetPages()`, and also for `sessions`, which have other data stores. Gives up after about `limit`.
 [[nodiscard]] bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> sessions,
                                std::chrono::seconds limit);
 

@@ -194,7 +194,7 @@ GtkWidget* popoverOf(GtkWidget* menuBarItem) {
     return find(menuBarItem, [](GtkWidget* widget) { return GTK_IS_POPOVER(widget); });
 }
 
-/// A key of the current keyboard layout, and which of the characters on it is meant.
+/// A key of the current keyboard layout and the level of one of its characters.
 struct Key {
     guint code = 0;
     int level = 0;
@@ -482,7 +482,7 @@ ScreenPoint menuTitleOnScreen(Platform::Window& window, const std::string& title
 }
 
 void chooseFromMenu(Platform::Window& window, const std::string& title, const std::string& item) {
-    // GTK 4.8.3 now and then ignores a click on a title soon after a menu closed (not reported).
+    // GTK 4.8.3 sometimes ignores a click on a title soon after a menu closed (not reported).
     constexpr int clicks = 3;
     for (int i = 0; i < clicks && !isMenuOpen(window, title); ++i) {
         clickAt(menuTitleOnScreen(window, title));
@@ -635,7 +635,7 @@ bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& process
             *static_cast<bool*>(told) = true;
         }),
         &isTold);
-    // Zero would be the test's own process group.
+    // Process 0 is the test's own process group.
     return std::ranges::all_of(processes,
                                [](pid_t process) { return process > 0 && ::kill(process, SIGKILL) == 0; }) &&
            runUntil([&] { return isTold; });

@@ -91,8 +91,8 @@ bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> session
     sessions.push_back(Platform::networkSession(Platform::WebsiteDataStore::defaultStore));
     const auto deadline = std::chrono::steady_clock::now() + limit;
     do {
-        // While WebKitGTK removes data it keeps no process of the store. A view that was just let go may hand
-        // its process over afterwards; hence again.
+        // WebKitGTK ends the processes that it keeps for a store when it removes the store's data. A view
+        // that was just released may add its process afterwards, so repeat.
         for (const auto& session : sessions) {
             bool removed = false;
             webkit_website_data_manager_clear(

@@ -5,7 +5,7 @@
 
 namespace TestSupport {
 
-/// Runs a program found in PATH to its end, with the main loop running meanwhile; fails the test if it fails.
+/// Runs a program from PATH until it ends, and the main loop meanwhile. Fails the test if the program fails.
 void runProgram(const std::vector<std::string>& arguments);
 
 /// Types, clicks and moves as a person would, through the X server. The main loop runs meanwhile.
