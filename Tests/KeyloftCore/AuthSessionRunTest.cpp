@@ -12,10 +12,6 @@ namespace TestSupport {
 
 using KeyloftCore::HostError;
 using Platform::Size;
-using TestSupport::HTTPResponse;
-using TestSupport::runPending;
-using TestSupport::runScript;
-using TestSupport::runUntil;
 
 namespace {
 

@@ -15,8 +15,6 @@ namespace TestSupport {
 using Platform::NavigationAction;
 using Platform::NavigationActionPolicy;
 using Platform::URL;
-using TestSupport::HTTPResponse;
-using TestSupport::runUntil;
 
 namespace {
 

@@ -67,7 +67,7 @@ protected:
     const KeyloftCore::AuthResult& result() const { return endings.at(0).value(); }
     const KeyloftCore::HostError& error() const { return endings.at(0).error(); }
 
-    TestSupport::HTTPServer proxy;
+    HTTPServer proxy;
     std::vector<KeyloftCore::AuthSession::Result> endings;
     /// For what is called by hand: a session does not look at the view.
     std::shared_ptr<Platform::WebView> otherView;

@@ -27,8 +27,6 @@
 
 namespace TestSupport {
 
-using TestSupport::Descriptor;
-
 namespace {
 
 // How long a server may take to come up on a machine under load.

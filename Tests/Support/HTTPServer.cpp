@@ -21,8 +21,6 @@
 
 namespace TestSupport {
 
-using TestSupport::Descriptor;
-
 namespace {
 
 /// Binds to a free port of loopback and returns it.

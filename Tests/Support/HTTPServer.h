@@ -87,7 +87,7 @@ public:
         int port() const { return port_; }
 
     private:
-        TestSupport::Descriptor descriptor_;
+        Descriptor descriptor_;
         int port_ = 0;
     };
 

@@ -30,12 +30,12 @@ public:
         std::fputs(text().c_str(), stderr);
     }
 
-    std::string text() const { return TestSupport::contentsOf(path()); }
+    std::string text() const { return contentsOf(path()); }
 
 private:
     std::string path() const { return directory_ / "standard-error"; }
 
-    TestSupport::TemporaryDirectory directory_;
+    TemporaryDirectory directory_;
     int saved_;
 };
 

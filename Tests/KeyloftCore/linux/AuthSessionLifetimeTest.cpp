@@ -20,8 +20,6 @@
 namespace TestSupport {
 
 using KeyloftCore::AuthSession;
-using TestSupport::runScript;
-using TestSupport::runUntil;
 
 namespace {
 

@@ -72,7 +72,7 @@ void mountOver(const std::filesystem::path& file, const char* place) {
 } // namespace
 
 bool enterPrivateNetwork() {
-    if (!TestSupport::enterNamespaces(CLONE_NEWNET)) {
+    if (!enterNamespaces(CLONE_NEWNET)) {
         return false;
     }
     raiseLoopback();

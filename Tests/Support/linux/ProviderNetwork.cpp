@@ -50,7 +50,7 @@ void ProviderNetwork::enter(const std::vector<std::string>& arguments) {
     }
     int status = 0;
     {
-        const TestSupport::TemporaryDirectory directory;
+        const TemporaryDirectory directory;
         const ProviderNetwork network(directory.path());
         network.prepare();
         status = network.runInside(arguments);
