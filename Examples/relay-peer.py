@@ -94,19 +94,19 @@ def read(connection, count):
 
 
 def exchange(message):
-    """Sends one message on a connection of its own and returns the reply, a dictionary."""
+    """Sends one message on a new connection and returns the reply, a dictionary."""
     try:
         payload = json.dumps(message, ensure_ascii=False).encode()
     except UnicodeEncodeError:
         raise Failure("the target or a parameter is not valid Unicode") from None
     if len(payload) > MAX_PAYLOAD:
-        raise Failure("the message has %d bytes; a host takes %d" % (len(payload), MAX_PAYLOAD))
+        raise Failure("the message has %d bytes; hosts accept at most %d" % (len(payload), MAX_PAYLOAD))
     with connect() as connection:
         try:
             connection.sendall(struct.pack("<I", len(payload)) + payload)
             (length,) = struct.unpack("<I", read(connection, 4))
             if length > MAX_PAYLOAD:
-                raise Failure("the reply has %d bytes; a peer takes %d" % (length, MAX_PAYLOAD))
+                raise Failure("the reply has %d bytes; peers accept at most %d" % (length, MAX_PAYLOAD))
             text = read(connection, length)
         except OSError as error:
             raise Failure("no reply: %s" % (error.strerror or error)) from None

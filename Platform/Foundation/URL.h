@@ -69,8 +69,8 @@ public:
     URL appendingPathComponent(std::string_view component, bool isDirectory) const;
     /// This URL without its path's last component, the path ending in "/"; the same URL at the root.
     URL deletingLastPathComponent() const;
-    /// The path as the file system takes it: decoded to bytes, which need not be UTF-8, without a trailing
-    /// slash except the root's.
+    /// The file system's path: decoded to bytes, which need not be UTF-8, without a trailing slash except the
+    /// root's.
     std::string filePath() const;
 
     friend bool operator==(const URL& left, const URL& right) { return left.text_ == right.text_; }

@@ -64,9 +64,9 @@ std::string encodedPath(std::string_view path);
 /// not domain names, its percent-encoded form. Returns nothing if it has none.
 std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme);
 
-/// The bytes that `text` stands for. An invalid escape stands for itself.
+/// Percent-decodes `text` to bytes. Keeps invalid escapes as they are.
 std::string decodedBytes(std::string_view text);
-/// The same, or nothing if they are not UTF-8.
+/// Does the same, but returns nothing if the bytes are not UTF-8.
 std::optional<std::string> decoded(std::string_view text);
 /// Returns a URL's host percent-decoded if it contains "%", otherwise in Unicode. Returns nothing if it
 /// cannot be decoded.

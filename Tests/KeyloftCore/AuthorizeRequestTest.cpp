@@ -243,7 +243,7 @@ TEST(AuthorizeRequest, hostsAreComparedDecodedAndInASCII) {
         requestTo("https://xn--bcher-kva.example/cb").matchesRedirect(url("https://B\u00DCCHER.example/cb")));
     EXPECT_FALSE(requestTo("https://b%25C3%25BCcher.example/cb")
                      .matchesRedirect(url("https://xn--bcher-kva.example/cb")))
-        << "escapes are not mapped";
+        << "decoded escapes are not converted to ASCII";
 }
 
 TEST(AuthorizeRequest, aPathThatIsNoUTF8MatchesNothing) {

@@ -343,7 +343,7 @@ TEST_F(SystemCallTest, otherFailuresOfAcceptingPassByQuietly) {
 TEST_F(SystemCallTest, anAnnouncedConnectionThatIsGoneHoldsNobodyUp) {
     startEcho();
     const auto early = RelaySocketClient::connect(path);
-    EXPECT_EQ(ask(path, "x"), "echo x") << "accepted one after the other, so the first one is as well";
+    EXPECT_EQ(ask(path, "x"), "echo x") << "connections are accepted in order, so this one is too";
     std::atomic<int> stolen = -1;
     SystemCalls system;
     system.accept = [&](int listening) -> SystemCalls::Maybe {
@@ -404,7 +404,7 @@ TEST_F(SystemCallTest, aModeThatCannotBeSetIsNoFailure) {
     };
     const Intercepted intercepted(system);
     startEcho();
-    EXPECT_EQ(TestSupport::modeOf(path), 0700U) << "the mask has closed it to others before";
+    EXPECT_EQ(TestSupport::modeOf(path), 0700U) << "the mask already denies access to others";
     EXPECT_EQ(ask(path, "x"), "echo x");
 }
 

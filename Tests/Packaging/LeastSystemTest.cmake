@@ -74,7 +74,7 @@ expect(14.0 13.0 "${for14}")
 expect(15.0 13.0 "${for15}")
 expect(13.4 13.0 "${for13_4}")
 expect(14.2 13.0 "${for14_2}")
-# By number, not by text.
+# Versions are compared by number, not as text.
 expect(13.0 13.0 "${for10_15}")
 expect(13.0 9.0 "${for13}")
 # The greatest counts, wherever it is.

@@ -117,7 +117,7 @@ struct KeyEquivalent {
 
 } // namespace
 
-/// One menu of the bar and the toolkit's model of it.
+/// One menu of the bar and its GMenu.
 struct MenuBar::OpenMenu {
     std::shared_ptr<MenuItem> top;
     GObjectPtr<GMenu> model;

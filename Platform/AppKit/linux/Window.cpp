@@ -19,7 +19,7 @@ GQuark windowQuark() {
     return quark;
 }
 
-/// Returns true while a menu of the menu bar is open and has the keyboard.
+/// Returns true if a menu of the menu bar is open and has the keyboard focus.
 bool isMenuOpen(GtkRoot* root) {
     GtkWidget* focus = gtk_root_get_focus(root);
     GtkWidget* menu = focus ? gtk_widget_get_ancestor(focus, GTK_TYPE_POPOVER_MENU) : nullptr;

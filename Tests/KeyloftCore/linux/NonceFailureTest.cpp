@@ -29,7 +29,7 @@ void loseRandomSource() {
     char byte = 0;
     if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
         prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0 || getrandom(&byte, 1, 0) != -1) {
-        std::cerr << "the random source cannot be taken away\n";
+        std::cerr << "the random source cannot be disabled\n";
         std::exit(1);
     }
 }

@@ -37,7 +37,7 @@ TEST_F(DefaultWebsiteDataStore, isMadeByTheFirstView) {
 TEST_F(DefaultWebsiteDataStore, onlyTheUserMayEnter) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitAfter([this] {
-                    // As an older version, or somebody else, may have left it.
+                    // As an older version or another program may have left it.
                     std::filesystem::create_directories(folder(g_get_user_data_dir()));
                     std::filesystem::permissions(folder(g_get_user_data_dir()),
                                                  std::filesystem::perms::owner_all |
@@ -102,7 +102,7 @@ TEST_F(DefaultWebsiteDataStore, aBadCertificateFailsTheLoad) {
 TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitAfter([this] {
-                    // A file where the folder is needed stops root as well.
+                    // A file in the folder's place stops root as well.
                     std::ofstream(folder(g_get_user_data_dir())) << "in the way";
                     ASSERT_FALSE(std::filesystem::is_directory(folder(g_get_user_data_dir())));
                     const auto view = makeView();
