@@ -6,7 +6,7 @@
 
 namespace KeyloftBrowserKit {
 
-/// A URL that is part of the program; a text that is none stops the process.
+/// Parses a URL literal. Aborts if `text` is not a valid URL.
 Platform::URL builtInURL(std::string_view text);
 
 } // namespace KeyloftBrowserKit

@@ -43,7 +43,7 @@ constexpr std::chrono::seconds sendTimeout(3);
 /// A descriptor that something else in the process gave back is not announced to anyone, so it is looked for.
 constexpr std::chrono::milliseconds pauseWithoutDescriptors(1000);
 
-/// Which file a path leads to.
+/// Device and inode of the file at a path.
 struct FileIdentity {
     dev_t dev;
     ino_t ino;
@@ -71,8 +71,8 @@ std::string deletingLastPathComponent(std::string path) {
     return path;
 }
 
-/// Whether accepting failed because the process or the system has run out of something. The connection still
-/// waits then, and would be announced again at once and for ever.
+/// Returns true if accepting failed because the process or the kernel has run out of a resource. The
+/// connection is still waiting then, so that poll would report it again at once, without end.
 bool isShortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }

@@ -343,7 +343,7 @@ TEST_F(SystemCallTest, otherFailuresOfAcceptingPassByQuietly) {
 TEST_F(SystemCallTest, anAnnouncedConnectionThatIsGoneHoldsNobodyUp) {
     startEcho();
     const auto early = RelaySocketClient::connect(path);
-    EXPECT_EQ(ask(path, "x"), "echo x") << "connections are accepted in order, so this one is too";
+    EXPECT_EQ(ask(path, "x"), "echo x") << "so the connection before it has been accepted as well";
     std::atomic<int> stolen = -1;
     SystemCalls system;
     system.accept = [&](int listening) -> SystemCalls::Maybe {

@@ -16,7 +16,7 @@ struct Application::Native {
     GObjectPtr<GtkApplication> application;
     std::shared_ptr<Menu> mainMenu;
     std::weak_ptr<Menu> windowsMenu;
-    /// Every top-level that stands, in the order they were made; the only strong owner.
+    /// All open top-level windows, in creation order. The only strong references to them.
     std::vector<std::shared_ptr<TabHost>> hosts;
     /// Made when the first window is.
     std::unique_ptr<SavedFrames> frames;

@@ -11,11 +11,11 @@
 
 namespace Platform {
 
-/// Keeps keys that come back from a page from whoever has the focus by then.
+/// Drops key events that a page returns unhandled after the focus has moved to another widget.
 ///
-/// A key that a page does not want is given back by the engine as if it had just been pressed. Meanwhile the
-/// focus may have moved: to what is next to the page, where the engine puts it itself at Tab, or into a
-/// window that the page has opened. There the key would be obeyed a second time.
+/// WebKitGTK returns an unhandled key event as if the key had just been pressed. By then the focus may be in
+/// the next widget, where WebKitGTK itself moves it on Tab, or in a window that the page has opened. That
+/// widget would handle the key a second time.
 class ReturnedKeys {
 public:
     explicit ReturnedKeys(GtkWindow* toplevel);

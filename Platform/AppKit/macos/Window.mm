@@ -250,7 +250,7 @@ void Window::Native::addSheet(Window& window, const std::shared_ptr<Sheet>& shee
 
 void Window::Native::showSheet(Window& window) {
     Native& native = *window.native_;
-    // AppKit would select the tab to show its sheet: a page nobody looks at is not to come to the front so.
+    // AppKit selects a window's tab to show its sheet. Hold the sheet back until the user selects the tab.
     if (native.sheets_.empty() || native.isSheetShown_ || !isSelectedTab(native.window)) {
         return;
     }
