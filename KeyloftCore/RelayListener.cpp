@@ -72,7 +72,7 @@ std::string deletingLastPathComponent(std::string path) {
 }
 
 /// Returns true if accepting failed because the process or the kernel has run out of a resource. The
-/// connection is still waiting then, so that poll would report it again at once, without end.
+/// connection is still waiting then and would be reported again at once, without end.
 bool isShortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
