@@ -12,8 +12,9 @@ namespace KeyloftCore {
 ///
 /// All work, `onFrame` included, runs on one private serial queue ("velde.orvane.keyloft.relay-listener"). It
 /// waits for a client in one case only: a reply that the client does not read at once blocks the queue, and
-/// with it the other clients and `close`, for at most 3 seconds; then the connection is closed. Only the
-/// owner calls `listen` and `close`, from one thread at a time.
+/// with it the other clients and `close`, for at most 3 seconds; then the connection is closed. Several such
+/// replies block it one after the other. Only the owner calls `listen` and `close`, from one thread at a
+/// time.
 class RelayListener {
 public:
     /// Sends the reply of one connection as one frame and closes it. May be called from any thread, at any

@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 
 using KeyloftCore::ResponseMode;
 using TestSupport::askXdotool;

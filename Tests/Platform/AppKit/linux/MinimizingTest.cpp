@@ -4,7 +4,6 @@
 #include "Tests/Support/Display.h"
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace Platform::Tests {
