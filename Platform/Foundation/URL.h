@@ -29,7 +29,7 @@ public:
     /// as it does for the system.
     static URL fromFilePath(std::string_view path, bool isDirectory);
 
-    /// The whole text, percent-encoded: equality is that of this text.
+    /// The whole text, percent-encoded. URLs are equal if their texts are.
     const std::string& absoluteString() const& { return text_; }
     std::string absoluteString() && { return std::move(text_); }
 
