@@ -11,9 +11,8 @@ class SerialQueue;
 /// the end of the stream or an error.
 ///
 /// The descriptor is one that can be waited for (a socket, a pipe, a terminal), and has one source at a time.
-/// It stays its owner's, who must keep it open until the cancel handler runs, or until `cancel` returns on
-/// the source's own queue; on macOS rather until the `SerialQueue::sync` that cancelled returns, or the
-/// system's log complains. A descriptor closed earlier stops the process where it is noticed.
+/// Its owner must keep it open until the cancel handler runs. A descriptor that is closed earlier stops the
+/// process where it is noticed.
 ///
 /// A new source waits for `resume`. Cancelling is asynchronous: it does not interrupt a running event
 /// handler, but no event handler starts any more after the cancel handler, which is called exactly once, on

@@ -53,11 +53,8 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void enqueue(Work item);
     void enqueueAfter(std::chrono::milliseconds delay, Work item);
     void add(const std::shared_ptr<ReadSource::State>& source);
-    /// The source is being cancelled; `remove` follows its cancel handler.
-    void beginCancelling();
+    /// Called after the source's cancel handler.
     void remove(ReadSource::State& source);
-    /// Waits, off the queue, for the cancel handlers of the sources that are being cancelled.
-    void waitForCancelled();
     /// Drops what is not due, cancels the sources and, off the queue, waits until all is done.
     void end();
 
@@ -73,8 +70,6 @@ private:
     std::unordered_map<ReadSource::State*, std::weak_ptr<ReadSource::State>> sources_;
     /// Entered by every source until its cancel handler has run.
     const dispatch_group_t uncancelled_ = dispatch_group_create();
-    /// Entered by every source from its cancellation until its cancel handler has run.
-    const dispatch_group_t cancelling_ = dispatch_group_create();
 };
 
 } // namespace Platform

@@ -66,9 +66,6 @@ void ReadSource::State::cancel() {
     if (std::exchange(cancelled, true)) {
         return;
     }
-    if (const auto owner = queue.lock()) {
-        owner->beginCancelling();
-    }
     dispatch_source_cancel(source);
     // The cancel handler waits for a source that is not running.
     if (stage == Stage::idle) {

@@ -76,18 +76,13 @@ void SerialQueue::State::add(const std::shared_ptr<ReadSource::State>& source) {
     sources_.emplace(source.get(), source);
 }
 
-void SerialQueue::State::beginCancelling() { dispatch_group_enter(cancelling_); }
-
 void SerialQueue::State::remove(ReadSource::State& source) {
     {
         const std::scoped_lock lock(mutex_);
         sources_.erase(&source);
     }
-    dispatch_group_leave(cancelling_);
     dispatch_group_leave(uncancelled_);
 }
-
-void SerialQueue::State::waitForCancelled() { dispatch_group_wait(cancelling_, DISPATCH_TIME_FOREVER); }
 
 /// What was delayed is released outside the lock: its destructors may call back.
 void SerialQueue::State::drop() {
@@ -145,9 +140,6 @@ void SerialQueue::sync(const Work& work) {
     dispatch_sync(state_->queue, ^{
         work();
     });
-    // Who cancels a source this way closes its descriptor next, which Dispatch still watches until the
-    // handler runs.
-    state_->waitForCancelled();
 }
 
 bool SerialQueue::isCurrent() const { return state_->isCurrent(); }
