@@ -15,6 +15,10 @@
     Platform::TextFieldEvents::didBegin(obj.object);
 }
 
+- (void)controlTextDidChange:(NSNotification*)obj {
+    Platform::TextFieldEvents::didChange(static_cast<NSTextField*>(obj.object));
+}
+
 - (void)controlTextDidEndEditing:(NSNotification*)obj {
     NSNumber* const movement = obj.userInfo[NSTextMovementUserInfoKey];
     Platform::TextFieldEvents::didEnd(obj.object, static_cast<NSTextMovement>(movement.integerValue));
@@ -117,6 +121,20 @@ void TextFieldEvents::didBegin(id field) noexcept {
     if (const auto edited = textFieldOf(field)) {
         edited->beginEditing();
     }
+}
+
+/// Single-line mode hides line breaks that are pasted or dropped, but keeps them.
+void TextFieldEvents::didChange(NSTextField* field) noexcept {
+    NSText* const editor = [field currentEditor];
+    const std::string text = fromNSString(editor.string);
+    const std::string line = TextField::withoutLineBreaks(text);
+    if (line == text) {
+        return;
+    }
+    NSString* const before = [editor.string substringToIndex:editor.selectedRange.location];
+    const auto insertionPoint = toNSString(TextField::withoutLineBreaks(fromNSString(before))).length;
+    editor.string = toNSString(line);
+    editor.selectedRange = NSMakeRange(insertionPoint, 0);
 }
 
 void TextFieldEvents::didEnd(id field, NSTextMovement movement) noexcept {

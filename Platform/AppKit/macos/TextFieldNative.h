@@ -23,6 +23,7 @@ struct TextFieldEvents {
     static std::unique_ptr<View::Native> make(const TextField& field, NSTextField* _Nonnull made);
 
     static void didBegin(id _Nullable field) noexcept;
+    static void didChange(NSTextField* _Nonnull field) noexcept;
     static void didEnd(id _Nullable field, NSTextMovement movement) noexcept;
     /// Escape. Returns whether it was obeyed here.
     static bool cancelled(NSTextField* _Nonnull field) noexcept;

@@ -9,6 +9,8 @@ NS_ASSUME_NONNULL_BEGIN
 
 @interface NSText : NSView
 @property (nullable, assign) id<NSTextDelegate> delegate;
+@property (copy) NSString* string;
+@property NSRange selectedRange;
 @property (getter=isFieldEditor) BOOL fieldEditor;
 - (void)copy:(nullable id)sender;
 - (void)cut:(nullable id)sender;
