@@ -18,28 +18,6 @@ GQuark hostQuark() {
     return quark;
 }
 
-/// The size of the largest screen: no window need be larger. Without a screen there is no such limit.
-SavedFrame fittedToScreens(SavedFrame frame) {
-    GListModel* screens = gdk_display_get_monitors(gdk_display_get_default());
-    int width = 0;
-    int height = 0;
-    for (guint i = 0; i < g_list_model_get_n_items(screens); ++i) {
-        const auto screen =
-            GObjectPtr<GdkMonitor>::adopt(static_cast<GdkMonitor*>(g_list_model_get_item(screens, i)));
-        GdkRectangle area;
-        gdk_monitor_get_geometry(screen.get(), &area);
-        width = std::max(width, area.width);
-        height = std::max(height, area.height);
-    }
-    if (width > 0) {
-        frame.width = std::min(frame.width, width);
-    }
-    if (height > 0) {
-        frame.height = std::min(frame.height, height);
-    }
-    return frame;
-}
-
 } // namespace
 
 std::shared_ptr<TabHost> TabHost::create() {
@@ -122,7 +100,8 @@ void TabHost::setFrame(const Window& window) {
     SavedFrame frame{.width = static_cast<int>(window.contentSize().width),
                      .height = static_cast<int>(window.contentSize().height) + barHeight};
     if (const auto saved = Application::shared().native().savedFrames().frame(window.frameAutosaveName())) {
-        frame = fittedToScreens(*saved);
+        // GTK fits the window to its screen.
+        frame = *saved;
         frame.width = std::max(frame.width, static_cast<int>(window.minSize().width));
         frame.height = std::max(frame.height, static_cast<int>(window.minSize().height) + barHeight);
     }
