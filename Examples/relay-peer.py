@@ -33,10 +33,14 @@ class Failure(Exception):
 
 def is_acceptable_redirect(uri):
     # Hosts write the URI in ASCII, its host in the ASCII form of IDNA. Refuse anything else.
-    match = re.match(r"https://([^/?#]+)", uri) if uri.isascii() else None
-    if not match or "@" in match[1]:
+    match = re.match(r"https://([^/?#@]+)(?=[/?#]|$)", uri) if uri.isascii() and uri.isprintable() else None
+    if not match:
         return False
-    return urllib.parse.unquote(re.sub(r":[0-9]*$", "", match[1])) != PROVIDER
+    try:
+        host = urllib.parse.unquote(re.sub(r":[0-9]*$", "", match[1]), errors="strict")
+    except UnicodeDecodeError:
+        return False
+    return host != PROVIDER
 
 
 def read_target(url):
@@ -64,7 +68,7 @@ def read_target(url):
 
 def connect():
     """Returns a connection to the first candidate that accepts."""
-    home = os.environ.get("HOME", "")
+    home = os.environ.get("HOME", "") if sys.platform == "linux" else ""
     if not os.path.isabs(home):
         home = pwd.getpwuid(os.getuid()).pw_dir
     errors = []
