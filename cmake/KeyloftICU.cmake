@@ -1,6 +1,6 @@
 # keyloft_find_icu(ARGUMENT…)
 #
-# Finds ICU and its target ICU::uc. Passes ARGUMENT… (REQUIRED) to find_package.
+# Finds ICU and its target ICU::uc. Passes ARGUMENT… (REQUIRED, QUIET) to find_package.
 #
 # On macOS ICU is linked statically, so that programs do not depend on a library in Homebrew's folders. Homebrew's ICU
 # is keg-only: no default search path contains it. Set ICU_ROOT to use another ICU.
