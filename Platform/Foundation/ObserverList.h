@@ -21,6 +21,11 @@ class ObserverList {
 public:
     using Callback = std::function<void(Arguments...)>;
 
+    ObserverList() = default;
+    ObserverList(const ObserverList&) = delete;
+    ObserverList& operator=(const ObserverList&) = delete;
+    ~ObserverList() = default;
+
     /// Adds `callback` until the token ends. The token may outlive the list.
     Observation add(Callback callback) {
         auto observer = std::make_shared<Observer>(std::move(callback));
