@@ -4,13 +4,11 @@
 
 #include <webkit/webkit.h>
 
-#include <chrono>
 #include <vector>
 
 namespace TestSupport {
 
-/// Like `forgetPages()`, and also for `sessions`, which have other data stores. Gives up after about `limit`.
-[[nodiscard]] bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> sessions,
-                               std::chrono::seconds limit);
+/// Like `forgetPages()`, and also for `sessions`, which have other data stores.
+[[nodiscard]] bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> sessions);
 
 } // namespace TestSupport
