@@ -15,6 +15,8 @@
 
 namespace Platform {
 
+class WebViewEngine;
+
 /// A page and its history. Main thread only.
 ///
 /// The engine is the source of truth for what is shown; the values here change with it and are told to
@@ -77,10 +79,10 @@ protected:
     std::unique_ptr<Native> makeNative() override;
 
 private:
-    struct Engine;
+    friend class WebViewEngine;
 
     std::shared_ptr<WebViewConfiguration> configuration_;
-    std::shared_ptr<Engine> engine_;
+    std::shared_ptr<WebViewEngine> engine_;
 };
 
 } // namespace Platform

@@ -26,7 +26,6 @@ public:
     const std::string& uri() const { return uri_; }
     bool isRedirect() const { return isRedirect_; }
 
-    bool isAnswered() const { return !decision_; }
     void answer(NavigationActionPolicy policy);
 
 private:

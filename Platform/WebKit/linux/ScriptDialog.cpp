@@ -1,24 +1,27 @@
 #include "Platform/WebKit/linux/ScriptDialog.h"
 
-#include <utility>
-
 namespace Platform {
 
-ScriptDialog::ScriptDialog(WebKitScriptDialog* dialog)
-    : dialog_(webkit_script_dialog_ref(dialog)) {}
+namespace {
 
-ScriptDialog::~ScriptDialog() { answer(false); }
+/// Giving the last reference back closes the dialog. Closing it by hand is an error while the engine still
+/// tells of it.
+std::shared_ptr<WebKitScriptDialog> share(WebKitScriptDialog* dialog) {
+    return {webkit_script_dialog_ref(dialog), &webkit_script_dialog_unref};
+}
 
-void ScriptDialog::answer(bool confirmed) {
-    const auto dialog = std::exchange(dialog_, nullptr);
-    if (!dialog) {
-        return;
-    }
-    if (webkit_script_dialog_get_dialog_type(dialog.get()) == WEBKIT_SCRIPT_DIALOG_CONFIRM) {
-        webkit_script_dialog_confirm_set_confirmed(dialog.get(), confirmed ? TRUE : FALSE);
-    }
-    // Giving the last reference back closes the dialog. To close it by hand is an error while the engine
-    // still tells of it, for then it has the last word.
+} // namespace
+
+std::shared_ptr<Reply<>> alertReply(WebKitScriptDialog* dialog) {
+    return std::make_shared<Reply<>>([shared = share(dialog)] {});
+}
+
+std::shared_ptr<Reply<bool>> confirmReply(WebKitScriptDialog* dialog) {
+    return std::make_shared<Reply<bool>>(
+        [shared = share(dialog)](bool confirmed) {
+            webkit_script_dialog_confirm_set_confirmed(shared.get(), confirmed ? TRUE : FALSE);
+        },
+        false);
 }
 
 } // namespace Platform

@@ -19,4 +19,14 @@ std::shared_ptr<WebViewConfiguration> WebViewConfiguration::create() {
     return configuration;
 }
 
+std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WebKitWebView* view,
+                                                             const WebViewConfiguration& ours) {
+    auto native = std::make_unique<WebViewConfiguration::Native>();
+    native->opener = GObjectPtr<WebKitWebView>::retain(view);
+    auto configuration = std::make_shared<WebViewConfiguration>(std::move(native));
+    configuration->setUserContentController(ours.userContentController());
+    configuration->setWebsiteDataStore(ours.websiteDataStore());
+    return configuration;
+}
+
 } // namespace Platform

@@ -5,6 +5,8 @@
 
 #include <webkit/webkit.h>
 
+#include <memory>
+
 namespace Platform {
 
 struct WebViewConfiguration::Native {
@@ -12,5 +14,9 @@ struct WebViewConfiguration::Native {
     /// any longer, for the configuration lives as long as the new view and the opener need not.
     GObjectPtr<WebKitWebView> opener;
 };
+
+/// The configuration for a new window of the page in `view`, which was made with `ours`.
+std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WebKitWebView* view,
+                                                             const WebViewConfiguration& ours);
 
 } // namespace Platform

@@ -9,7 +9,7 @@
 
 namespace Platform {
 
-class WebViewEngine;
+class WKWebViewEngine;
 
 /// What WebKit calls a property that can be observed. A key's address stands for it in a registration.
 struct ObservedKey {
@@ -23,7 +23,7 @@ std::span<const ObservedKey> observedKeys();
 /// Passes on what a web view of WebKit's tells and asks. Held by the engine, which it knows weakly.
 @interface KeyloftWebViewDelegate : NSObject <WKNavigationDelegate, WKUIDelegate> {
 @public
-    std::weak_ptr<Platform::WebViewEngine> engine;
+    std::weak_ptr<Platform::WKWebViewEngine> engine;
 }
 /// Any window's has changed.
 - (void)occlusionStateDidChange:(NSNotification* _Nonnull)notification;

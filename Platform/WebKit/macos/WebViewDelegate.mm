@@ -1,6 +1,6 @@
 #include "Platform/WebKit/macos/WebViewDelegate.h"
 
-#include "Platform/WebKit/macos/WebViewEngine.h"
+#include "Platform/WebKit/macos/WKWebViewEngine.h"
 
 #include <algorithm>
 #include <array>
@@ -22,7 +22,8 @@ std::span<const ObservedKey> observedKeys() {
 
 } // namespace Platform
 
-using Platform::WebViewEngine;
+using Platform::NavigationActionPolicy;
+using Platform::WKWebViewEngine;
 
 @implementation KeyloftWebViewDelegate
 
@@ -59,29 +60,32 @@ using Platform::WebViewEngine;
 - (void)webView:(WKWebView*)webView
     decidePolicyForNavigationAction:(WKNavigationAction*)navigationAction
                     decisionHandler:(void (^)(WKNavigationActionPolicy))decisionHandler {
-    const auto reply = std::make_shared<WebViewEngine::PolicyReply>(
-        [decisionHandler](WKNavigationActionPolicy policy) { decisionHandler(policy); },
-        WKNavigationActionPolicyCancel);
+    const auto reply = std::make_shared<WKWebViewEngine::PolicyReply>(
+        [decisionHandler](NavigationActionPolicy policy) {
+            decisionHandler(policy == NavigationActionPolicy::allow ? WKNavigationActionPolicyAllow
+                                                                    : WKNavigationActionPolicyCancel);
+        },
+        NavigationActionPolicy::cancel);
     if (const auto asked = engine.lock()) {
-        asked->decidePolicy(navigationAction, reply);
+        asked->decidePolicyFor(navigationAction, reply);
     }
 }
 
 - (void)webView:(WKWebView*)webView didCommitNavigation:(WKNavigation*)navigation {
     if (const auto told = engine.lock()) {
-        told->committed();
+        told->didCommit();
     }
 }
 
 - (void)webView:(WKWebView*)webView didFinishNavigation:(WKNavigation*)navigation {
     if (const auto told = engine.lock()) {
-        told->finished();
+        told->didFinish();
     }
 }
 
 - (void)webView:(WKWebView*)webView didFailNavigation:(WKNavigation*)navigation withError:(NSError*)error {
     if (const auto told = engine.lock()) {
-        told->failed(error);
+        told->didFail(error, true);
     }
 }
 
@@ -89,7 +93,7 @@ using Platform::WebViewEngine;
     didFailProvisionalNavigation:(WKNavigation*)navigation
                        withError:(NSError*)error {
     if (const auto told = engine.lock()) {
-        told->failedProvisionally(error);
+        told->didFail(error, false);
     }
 }
 
@@ -106,12 +110,12 @@ using Platform::WebViewEngine;
                forNavigationAction:(WKNavigationAction*)navigationAction
                     windowFeatures:(WKWindowFeatures*)windowFeatures {
     const auto asked = engine.lock();
-    return asked != nullptr ? asked->createWebView(configuration, navigationAction) : nil;
+    return asked != nullptr ? asked->createNativeView(configuration, navigationAction) : nil;
 }
 
 - (void)webViewDidClose:(WKWebView*)webView {
     if (const auto told = engine.lock()) {
-        told->closed();
+        told->didClose();
     }
 }
 
@@ -120,9 +124,9 @@ using Platform::WebViewEngine;
                       initiatedByFrame:(WKFrameInfo*)frame
                      completionHandler:(void (^)(void))completionHandler {
     const auto reply =
-        std::make_shared<WebViewEngine::AlertReply>([completionHandler] { completionHandler(); });
+        std::make_shared<WKWebViewEngine::AlertReply>([completionHandler] { completionHandler(); });
     if (const auto asked = engine.lock()) {
-        asked->runAlertPanel(message, frame, reply);
+        asked->runAlertPanelFor(message, frame, reply);
     }
 }
 
@@ -130,10 +134,10 @@ using Platform::WebViewEngine;
     runJavaScriptConfirmPanelWithMessage:(NSString*)message
                         initiatedByFrame:(WKFrameInfo*)frame
                        completionHandler:(void (^)(BOOL))completionHandler {
-    const auto reply = std::make_shared<WebViewEngine::ConfirmReply>(
+    const auto reply = std::make_shared<WKWebViewEngine::ConfirmReply>(
         [completionHandler](bool confirmed) { completionHandler(confirmed ? YES : NO); }, false);
     if (const auto asked = engine.lock()) {
-        asked->runConfirmPanel(message, frame, reply);
+        asked->runConfirmPanelFor(message, frame, reply);
     }
 }
 

@@ -1,8 +1,11 @@
+#include "Platform/WebKit/linux/WebProcessPlace.h"
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
+#include "Tests/Support/Setting.h"
 
 using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
+using TestSupport::Setting;
 
 namespace {
 
@@ -157,4 +160,27 @@ TEST_F(WebViewNewWindow, closingItselfDoesNothing) {
     run(*opener, "opened.close()");
     EXPECT_EQ(evaluate(*opener, "'still here'"), "still here");
     EXPECT_EQ(children[0]->title(), "Child");
+}
+
+TEST_F(WebViewNewWindow, thatIsMovedToAProcessOfItsOwnGivesWayAlone) {
+    const Setting limit(webProcessLimit, 2);
+    acceptWindows();
+    auto isolated = HTTPResponse::page("/child");
+    isolated.headers.emplace_back("Cross-Origin-Opener-Policy", "same-origin");
+    server.route("/child", isolated);
+    run(*opener, "window.open('/child')");
+    ASSERT_TRUE(runUntil([&] { return children.size() == 1; }));
+    ASSERT_TRUE(waitForTitle(*children[0], "/child"));
+    ASSERT_EQ(evaluate(*children[0], "String(window.opener)"), "null");
+    bool hasGivenWay = false;
+    const SignalConnection connection(
+        widgetOf(*children[0]), "web-process-terminated",
+        G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, bool* ended) { *ended = true; }),
+        &hasGivenWay);
+    const auto third = makeView();
+    TestWindow thirdWindow(*third);
+    thirdWindow.show();
+    ASSERT_TRUE(loadPage(*third, "/third"));
+    EXPECT_TRUE(runUntil([&] { return hasGivenWay; }));
+    EXPECT_EQ(evaluate(*opener, "document.title"), "/opener");
 }

@@ -437,16 +437,3 @@ TEST_F(WebProcess, thatEndedWithTheWindowItOpenedBringsThatBackWhenItIsSeen) {
     childWindow.show();
     EXPECT_TRUE(waitForTitle(*child, "/child"));
 }
-
-TEST_F(WebProcess, thatAPageLeftForOneOfItsOwnIsCountedApart) {
-    const Setting limit(webProcessLimit, 2);
-    window->show();
-    ASSERT_TRUE(loadPage(*view, "/opener"));
-    auto isolated = HTTPResponse::page("/child");
-    isolated.headers.emplace_back("Cross-Origin-Opener-Policy", "same-origin");
-    const auto child = openChild(isolated);
-    ASSERT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the engine has moved it";
-    const auto third = showPage("/third");
-    EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; }));
-    EXPECT_EQ(evaluate(*view, "document.title"), "/opener");
-}

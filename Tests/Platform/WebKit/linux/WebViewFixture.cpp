@@ -4,8 +4,6 @@
 #include "Tests/Support/Waiting.h"
 #include "Tests/Support/linux/ForgetPages.h"
 
-#include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <utility>
 
@@ -89,15 +87,9 @@ WebViewTest::~WebViewTest() {
     TestSupport::runPending();
     // WebKitGTK also keeps processes for stores in memory.
     const auto sessions = std::exchange(usedSessions(), {});
-    if (TestSupport::forgetPages(sessions, std::chrono::seconds(8))) {
-        return;
-    }
-    // WebKitGTK never releases a view that it was given for a page without an opener (seen with 2.50, not
-    // reported), and so never ends the process of that page.
-    for (const pid_t process : TestSupport::webProcesses()) {
-        ::kill(process, SIGKILL);
-    }
-    EXPECT_TRUE(TestSupport::forgetPages(sessions, TestSupport::patience));
+    // Waiting helps only the tests that run next in this process.
+    const bool isOnlyTest = testing::UnitTest::GetInstance()->test_to_run_count() == 1;
+    EXPECT_TRUE(isOnlyTest || TestSupport::forgetPages(sessions));
 }
 
 std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConfiguration>& configuration) {

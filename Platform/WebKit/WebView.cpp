@@ -1,17 +1,11 @@
 #include "Platform/WebKit/WebView.h"
 
 #include "Platform/AppKit/MainThread.h"
-#include "Platform/AppKit/macos/ActionSelectors.h"
-#include "Platform/AppKit/macos/ViewNative.h"
-#include "Platform/WebKit/macos/WebViewEngine.h"
+#include "Platform/WebKit/WebViewEngine.h"
 
 #include <utility>
 
 namespace Platform {
-
-struct WebView::Engine : WebViewEngine {
-    using WebViewEngine::WebViewEngine;
-};
 
 std::shared_ptr<WebView> WebView::create(const std::shared_ptr<WebViewConfiguration>& configuration) {
     assertMainThread("WebView::create");
@@ -21,29 +15,27 @@ std::shared_ptr<WebView> WebView::create(const std::shared_ptr<WebViewConfigurat
     };
     auto view = std::make_shared<Made>(configuration);
     view->native();
-    view->engine_->connect(view);
+    view->engine_->setOwner(view);
     return view;
 }
 
 WebView::WebView(std::shared_ptr<WebViewConfiguration> configuration)
     : configuration_(std::move(configuration))
-    , engine_(std::make_shared<Engine>(*configuration_)) {}
+    , engine_(WebViewEngine::create(*configuration_)) {}
 
 WebView::~WebView() { assertMainThread("WebView"); }
 
-std::unique_ptr<View::Native> WebView::makeNative() { return std::make_unique<Native>(engine_->view()); }
+std::optional<URL> WebView::url() const { return engine_->values().url; }
 
-std::optional<URL> WebView::url() const { return engine_->url(); }
+std::optional<std::string> WebView::title() const { return engine_->values().title; }
 
-std::optional<std::string> WebView::title() const { return engine_->title(); }
+bool WebView::canGoBack() const { return engine_->values().canGoBack; }
 
-bool WebView::canGoBack() const { return engine_->view().canGoBack; }
+bool WebView::canGoForward() const { return engine_->values().canGoForward; }
 
-bool WebView::canGoForward() const { return engine_->view().canGoForward; }
+double WebView::estimatedProgress() const { return engine_->values().estimatedProgress; }
 
-double WebView::estimatedProgress() const { return engine_->view().estimatedProgress; }
-
-bool WebView::isLoading() const { return engine_->view().loading; }
+bool WebView::isLoading() const { return engine_->values().isLoading; }
 
 Observation WebView::observe(Property property, std::function<void()> changed) {
     assertMainThread("WebView::observe");
@@ -88,7 +80,7 @@ void WebView::goForward() {
 
 void WebView::setAllowsBackForwardNavigationGestures(bool allows) {
     assertMainThread("WebView::setAllowsBackForwardNavigationGestures");
-    engine_->view().allowsBackForwardNavigationGestures = allows ? YES : NO;
+    engine_->setAllowsBackForwardNavigationGestures(allows);
 }
 
 void WebView::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {
@@ -105,8 +97,7 @@ bool WebView::respondsTo(Action action) const { return isEditing(action); }
 
 void WebView::perform(Action action, const ActionSender& /*sender*/) {
     assertMainThread("WebView::perform");
-    // Undo and redo are the window's, which asks the page for them.
-    [engine_->view() tryToPerform:selectorFor(action) with:nil];
+    engine_->performEditing(action);
 }
 
 } // namespace Platform

@@ -1,4 +1,4 @@
-#include "Platform/WebKit/macos/Reply.h"
+#include "Platform/WebKit/Reply.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 namespace Platform {
 
-TEST(Reply, PassesOnTheFirstAnswerAlone) {
+TEST(Reply, passesOnTheFirstAnswerAlone) {
     std::vector<bool> answers;
     {
         Reply<bool> reply([&answers](bool answer) { answers.push_back(answer); }, false);
@@ -17,7 +17,7 @@ TEST(Reply, PassesOnTheFirstAnswerAlone) {
     EXPECT_EQ(answers, std::vector{true});
 }
 
-TEST(Reply, GivesTheSafeAnswerWhenNobodyGaveOne) {
+TEST(Reply, givesTheSafeAnswerWhenNobodyGaveOne) {
     std::vector<int> answers;
     {
         const Reply<int> reply([&answers](int answer) { answers.push_back(answer); }, 7);
@@ -25,7 +25,7 @@ TEST(Reply, GivesTheSafeAnswerWhenNobodyGaveOne) {
     EXPECT_EQ(answers, std::vector{7});
 }
 
-TEST(Reply, WithoutAValueIsGivenOnce) {
+TEST(Reply, withoutAValueIsGivenOnce) {
     int answers = 0;
     {
         Reply<> reply([&answers] { ++answers; });
@@ -34,7 +34,7 @@ TEST(Reply, WithoutAValueIsGivenOnce) {
     EXPECT_EQ(answers, 1);
 }
 
-TEST(Reply, IsGivenWhenTheLastOneHoldingItLetsGo) {
+TEST(Reply, isGivenWhenTheLastOneHoldingItLetsGo) {
     int answers = 0;
     auto reply = std::make_shared<Reply<>>([&answers] { ++answers; });
     std::function<void()> completion = [reply] { (*reply)(); };
@@ -44,7 +44,7 @@ TEST(Reply, IsGivenWhenTheLastOneHoldingItLetsGo) {
     EXPECT_EQ(answers, 1);
 }
 
-TEST(Reply, LetsGoOfItselfFromInsideTheHandler) {
+TEST(Reply, letsGoOfItselfFromInsideTheHandler) {
     int answers = 0;
     std::shared_ptr<Reply<>> reply;
     reply = std::make_shared<Reply<>>([&answers, &reply] {
@@ -56,7 +56,7 @@ TEST(Reply, LetsGoOfItselfFromInsideTheHandler) {
     EXPECT_EQ(reply, nullptr);
 }
 
-TEST(PendingReplies, AnswersWhatIsOpenSafelyAndOnce) {
+TEST(PendingReplies, answersWhatIsOpenSafelyAndOnce) {
     std::vector<bool> confirmations;
     int dismissals = 0;
     const auto confirm = std::make_shared<Reply<bool>>(
@@ -75,7 +75,7 @@ TEST(PendingReplies, AnswersWhatIsOpenSafelyAndOnce) {
     EXPECT_EQ(dismissals, 1);
 }
 
-TEST(PendingReplies, LeavesWhatWasAnsweredAlone) {
+TEST(PendingReplies, leavesWhatWasAnsweredAlone) {
     std::vector<bool> answers;
     const auto reply =
         std::make_shared<Reply<bool>>([&answers](bool answer) { answers.push_back(answer); }, false);
@@ -86,7 +86,7 @@ TEST(PendingReplies, LeavesWhatWasAnsweredAlone) {
     EXPECT_EQ(answers, std::vector{true});
 }
 
-TEST(PendingReplies, DoesNotKeepAQuestionOpen) {
+TEST(PendingReplies, doesNotKeepAQuestionOpen) {
     int answers = 0;
     auto reply = std::make_shared<Reply<>>([&answers] { ++answers; });
     PendingReplies replies;
@@ -97,7 +97,22 @@ TEST(PendingReplies, DoesNotKeepAQuestionOpen) {
     EXPECT_EQ(answers, 1);
 }
 
-TEST(PendingReplies, TakesAnotherQuestionFromInsideAnAnswer) {
+TEST(PendingReplies, areOpenUntilTheyAreAnswered) {
+    PendingReplies replies;
+    EXPECT_FALSE(replies.areOpen());
+    const auto answered = std::make_shared<Reply<>>([] {});
+    replies.add(answered);
+    EXPECT_TRUE(replies.areOpen());
+    (*answered)();
+    EXPECT_FALSE(replies.areOpen());
+    auto dropped = std::make_shared<Reply<>>([] {});
+    replies.add(dropped);
+    EXPECT_TRUE(replies.areOpen());
+    dropped.reset();
+    EXPECT_FALSE(replies.areOpen());
+}
+
+TEST(PendingReplies, takesAnotherQuestionFromInsideAnAnswer) {
     PendingReplies replies;
     std::shared_ptr<Reply<>> second;
     int answers = 0;

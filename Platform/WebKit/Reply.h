@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/MainThread.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <tuple>
@@ -18,12 +19,13 @@ public:
     PendingReply& operator=(const PendingReply&) = delete;
     virtual ~PendingReply() = default;
 
+    virtual bool isAnswered() const = 0;
     /// Gives the safe answer. Does nothing after an answer.
     virtual void answerSafely() = 0;
 };
 
-/// The answer to one of WebKit's questions. WebKit stops the process if it gets no answer or two: the first
-/// answer counts, and destruction without one gives the safe answer. Main thread only.
+/// The answer to one of the engine's questions, which must be answered exactly once: the first answer counts,
+/// and destruction without one gives the safe answer. Main thread only.
 template <typename... Answer>
 class Reply final : public PendingReply {
 public:
@@ -41,6 +43,7 @@ public:
         }
     }
 
+    bool isAnswered() const override { return !handler_; }
     void answerSafely() final { std::apply(*this, safeAnswer_); }
 
 private:
@@ -53,9 +56,11 @@ class PendingReplies {
 public:
     /// Held weakly: whoever answers the question owns the reply.
     void add(const std::weak_ptr<PendingReply>& reply) {
-        std::erase_if(replies_, [](const auto& other) { return other.expired(); });
+        std::erase_if(replies_, [](const auto& other) { return !isOpen(other); });
         replies_.push_back(reply);
     }
+
+    bool areOpen() const { return std::ranges::any_of(replies_, isOpen); }
 
     /// Gives each open question the safe answer.
     void answerAllSafely() {
@@ -67,6 +72,11 @@ public:
     }
 
 private:
+    static bool isOpen(const std::weak_ptr<PendingReply>& weak) {
+        const auto reply = weak.lock();
+        return reply && !reply->isAnswered();
+    }
+
     std::vector<std::weak_ptr<PendingReply>> replies_;
 };
 

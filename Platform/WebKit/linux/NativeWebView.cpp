@@ -1,0 +1,90 @@
+#include "Platform/WebKit/linux/NativeWebView.h"
+
+#include "Platform/WebKit/linux/NetworkSession.h"
+#include "Platform/WebKit/linux/UserContentControllerNative.h"
+#include "Platform/WebKit/linux/WebViewConfigurationNative.h"
+
+#include <utility>
+
+namespace Platform {
+
+namespace {
+
+GObjectPtr<WebKitSettings> makeSettings() {
+    auto settings = GObjectPtr<WebKitSettings>::adopt(webkit_settings_new());
+    webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
+    webkit_settings_set_enable_fullscreen(settings.get(), FALSE);
+    return settings;
+}
+
+/// The engine looks up its key bindings in a text widget inside its view. If that could have the focus, Tab
+/// would lead there from a page's last link, and the keyboard would be caught.
+void keepFocusFromInnerWidgets(GtkWidget* view) {
+    for (GtkWidget* child = gtk_widget_get_first_child(view); child;
+         child = gtk_widget_get_next_sibling(child)) {
+        if (GTK_IS_TEXT_VIEW(child)) {
+            gtk_widget_set_can_focus(child, FALSE);
+        }
+    }
+}
+
+std::optional<std::string> nonEmpty(const char* text) {
+    return text && *text ? std::optional<std::string>(text) : std::nullopt;
+}
+
+/// The editing command of an action, or nothing.
+const char* editingCommand(Action action) {
+    switch (action) {
+    case Action::undo:
+        return WEBKIT_EDITING_COMMAND_UNDO;
+    case Action::redo:
+        return WEBKIT_EDITING_COMMAND_REDO;
+    case Action::cut:
+        return WEBKIT_EDITING_COMMAND_CUT;
+    case Action::copy:
+        return WEBKIT_EDITING_COMMAND_COPY;
+    case Action::paste:
+        return WEBKIT_EDITING_COMMAND_PASTE;
+    case Action::selectAll:
+        return WEBKIT_EDITING_COMMAND_SELECT_ALL;
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+GObjectPtr<WebKitWebView> makeNativeWebView(WebViewConfiguration& configuration) {
+    const auto settings = makeSettings();
+    auto* manager = configuration.userContentController()->native().manager.get();
+    gpointer object = nullptr;
+    if (const auto opener = std::exchange(configuration.native().opener, {})) {
+        // The session goes with the opener; giving it once more is an error.
+        object = g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", opener.get(), "settings", settings.get(),
+                              "user-content-manager", manager, nullptr);
+    } else {
+        const auto session = networkSession(configuration.websiteDataStore());
+        object = g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "settings",
+                              settings.get(), "user-content-manager", manager, nullptr);
+    }
+    keepFocusFromInnerWidgets(GTK_WIDGET(object));
+    return GObjectPtr<WebKitWebView>::retain(WEBKIT_WEB_VIEW(object));
+}
+
+std::optional<std::string> uriOf(WebKitWebView* view) { return nonEmpty(webkit_web_view_get_uri(view)); }
+
+std::optional<std::string> titleOf(WebKitWebView* view) { return nonEmpty(webkit_web_view_get_title(view)); }
+
+std::string engineText(const URL& url) {
+    const auto request =
+        GObjectPtr<WebKitURIRequest>::adopt(webkit_uri_request_new(url.absoluteString().c_str()));
+    return webkit_uri_request_get_uri(request.get());
+}
+
+void executeEditing(WebKitWebView* view, Action action) {
+    if (const char* command = editingCommand(action)) {
+        webkit_web_view_execute_editing_command(view, command);
+    }
+}
+
+} // namespace Platform

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "Platform/AppKit/linux/GObjectPtr.h"
+#include "Platform/WebKit/WebViewEngine.h"
+#include "Platform/WebKit/linux/NativeWebView.h"
+#include "Platform/WebKit/linux/Navigation.h"
+#include "Platform/WebKit/linux/NavigationQuestion.h"
+#include "Platform/WebKit/linux/Prewarming.h"
+#include "Platform/WebKit/linux/SwipeGestures.h"
+#include "Platform/WebKit/linux/WebProcessPlace.h"
+
+#include <webkit/webkit.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Platform {
+
+/// Drives WebKitGTK's view.
+class WebKitGTKEngine final : public WebViewEngine, private WebProcessUser {
+public:
+    explicit WebKitGTKEngine(WebViewConfiguration& configuration);
+    WebKitGTKEngine(const WebKitGTKEngine&) = delete;
+    WebKitGTKEngine& operator=(const WebKitGTKEngine&) = delete;
+    ~WebKitGTKEngine() override;
+
+    void stopLoading() override;
+    void setAllowsBackForwardNavigationGestures(bool allows) override { gestures_.setAllowed(allows); }
+    void performEditing(Action action) override { executeEditing(view_.get(), action); }
+
+private:
+    friend class WebView;
+
+    struct Failure {
+        Error error;
+        bool hasCommitted = false;
+    };
+
+    static WebKitGTKEngine& of(const WebView& view) {
+        return static_cast<WebKitGTKEngine&>(WebViewEngine::of(view));
+    }
+
+    void startLoad(const URLRequest& request) override;
+    void startHTML(const std::string& html, const std::optional<URL>& baseURL) override;
+    void startReload() override;
+    void startGoingBack() override;
+    void startGoingForward() override;
+    bool isLoadPending() const override { return place_.isWaiting(); }
+    bool isVisible() const override;
+    void beginPendingLoad() override { place_.cutIn(); }
+
+    bool mayGiveWay() const override;
+    void giveWay() override;
+
+    std::optional<std::string> requestedURI();
+    void navigate(std::optional<Navigation::Load> load, std::function<void()> begin);
+    void beginWithProcess(std::function<void()> begin);
+
+    void decide(const std::shared_ptr<NavigationQuestion>& question);
+    void ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested);
+    void answer(NavigationQuestion& question, NavigationActionPolicy policy, bool isRequested);
+
+    void timedOut();
+    void updateHistory();
+    void prewarm();
+
+    template <auto handler>
+    void connect(gpointer instance, const char* signal);
+
+    // The view's signals.
+
+    void uriChanged(WebKitWebView*, GParamSpec*);
+    void titleChanged(WebKitWebView*, GParamSpec*);
+    void progressChanged(WebKitWebView*, GParamSpec*);
+    void isLoadingChanged(WebKitWebView*, GParamSpec*);
+    void historyChanged(WebKitBackForwardList*, WebKitBackForwardListItem*, gpointer);
+    void movedToAnotherProcess(WebKitWebView*, GParamSpec*) { place_.moved(); }
+    void loadChanged(WebKitWebView*, WebKitLoadEvent event);
+    gboolean loadFailed(WebKitWebView*, WebKitLoadEvent event, const char* uri, GError* error);
+    gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type);
+    GtkWidget* createView(WebKitWebView*, WebKitNavigationAction* action);
+    gboolean scriptDialog(WebKitWebView*, WebKitScriptDialog* dialog);
+    void closeRequested(WebKitWebView*) { closed(); }
+    void webProcessTerminated(WebKitWebView*, WebKitWebProcessTerminationReason);
+    void mapped(WebKitWebView*);
+    void unmapped(WebKitWebView*) { place_.seen(); }
+
+    GObjectPtr<WebKitWebView> view_;
+    Navigation navigation_;
+    /// Of the load that the engine is about to call finished.
+    std::optional<Failure> failure_;
+    WebProcessPlace place_;
+    SwipeGestures gestures_;
+    std::optional<Prewarming> prewarming_;
+    std::vector<SignalConnection> connections_;
+};
+
+} // namespace Platform
