@@ -204,6 +204,12 @@ class AboutPanelKeyTest : public AppDelegateTest {
 protected:
     static constexpr const char* panel = "About Keyloft";
 
+    void TearDown() override {
+        ASSERT_TRUE(openPanel());
+        pressKey("Escape");
+        EXPECT_TRUE(runUntil([] { return TestSupport::activeTitle() != panel; }));
+    }
+
     [[nodiscard]] static bool openPanel() {
         EXPECT_TRUE(Application::shared().sendAction(Action::orderFrontStandardAboutPanel, nullptr, {}));
         return runUntil([] { return TestSupport::activeTitle() == panel; });
