@@ -27,6 +27,7 @@ NS_ASSUME_NONNULL_BEGIN
 @protocol NSControlTextEditingDelegate <NSObject>
 @optional
 - (void)controlTextDidBeginEditing:(NSNotification*)obj;
+- (void)controlTextDidChange:(NSNotification*)obj;
 - (void)controlTextDidEndEditing:(NSNotification*)obj;
 - (BOOL)control:(NSControl*)control textView:(NSTextView*)textView doCommandBySelector:(SEL)commandSelector;
 @end

@@ -2,6 +2,7 @@
 
 #include <Foundation/NSData.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/NSRange.h>
 
 NS_ASSUME_NONNULL_BEGIN
 
@@ -16,6 +17,7 @@ enum : NSStringEncoding {
                                 length:(NSUInteger)len
                               encoding:(NSStringEncoding)encoding;
 - (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy;
+- (NSString*)substringToIndex:(NSUInteger)to;
 - (BOOL)isEqualToString:(NSString*)aString;
 + (nullable instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
 @end
