@@ -102,6 +102,37 @@ protected:
     TestSupport::HTTPServer server;
 };
 
+struct Layout {
+    const char* name;
+    int keycodeOfQ;
+};
+
+/// The real program on a keyboard of that layout.
+class ProgramLayoutTest : public ProgramTest, public testing::WithParamInterface<Layout> {
+protected:
+    void SetUp() override { setLayout(GetParam().name); }
+    void TearDown() override { setLayout("us"); }
+
+    static void setLayout(const std::string& name) {
+        EXPECT_EQ(Program("/usr/bin/env", {"setxkbmap", name}).waitForExit(), 0) << name;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(On, ProgramLayoutTest,
+                         testing::Values(Layout{"us", 24}, Layout{"de", 24}, Layout{"fr", 38}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_P(ProgramLayoutTest, isQuitByControlAndTheKeyThatTypesQ) {
+    const auto program = start({page("/given")});
+    ASSERT_TRUE(waitForFocus("/given"));
+    const auto key = [](int code) { askXdotool("keydown ctrl key " + std::to_string(code) + " keyup ctrl"); };
+    // A key that is Q on one of the layouts and not on this one.
+    key(GetParam().keycodeOfQ == 24 ? 38 : 24);
+    EXPECT_TRUE(program->isRunning());
+    key(GetParam().keycodeOfQ);
+    EXPECT_EQ(program->waitForExit(), 0) << program->errors();
+}
+
 TEST_F(ProgramTest, startsWithOneBlankTabThatWaitsForAnAddress) {
     const auto program = start();
     ASSERT_TRUE(waitForWindows({"New Tab"}));
