@@ -138,6 +138,16 @@ class RelayExamples(unittest.TestCase):
             self.expect_failure("relay target", peer, "https://client.example/" + fragment)
 
     @for_each_peer
+    def test_a_peer_refuses_a_redirect_URI_that_it_cannot_trust(self, peer):
+        for uri in ("http://client.example/", "https:///cb", "https://user@client.example/", "https://%FF/cb",
+                    "https://appleid.apple.com/", "https://appleid.apple.com:443", "https://%61ppleid.apple.com/",
+                    "https://appleid.apple.com\n/"):
+            with self.subTest(uri):
+                target = json.dumps({"n": "ABCDEFGHIJKLMNOPQRST-_", "r": uri}).encode()
+                encoded = base64.urlsafe_b64encode(target).decode().rstrip("=")
+                self.expect_failure("relay target", peer, "https://client.example/#keyloft=" + encoded)
+
+    @for_each_peer
     def test_a_peer_without_a_host_names_both_paths(self, peer):
         self.expect_failure(f"(?s){FIRST}.*{SECOND}", peer, OTHER_URL)
 
