@@ -10,13 +10,13 @@ namespace Platform {
 /// The time that a load may take until its page begins to show. Main thread only.
 class LoadTimeout {
 public:
-    /// Not running. `interval` is in seconds; no load times out that has none above 0. `expired` is called
-    /// each time the interval has passed.
+    /// Does not start. `interval` is in seconds; one that is not above 0 never expires. Calls `expired` at
+    /// the end of the interval.
     LoadTimeout(Timer::Interval interval, std::function<void()> expired);
 
-    /// Begins anew.
+    /// Starts, or starts again.
     void start();
-    /// Begins anew, if it is running or has expired.
+    /// Starts again if it is running or has expired.
     void restart();
     void stop() { timer_.reset(); }
 

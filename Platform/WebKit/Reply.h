@@ -24,8 +24,8 @@ public:
     virtual void answerSafely() = 0;
 };
 
-/// The answer to one of the engine's questions, which must be answered exactly once: the first answer counts,
-/// and destruction without one gives the safe answer. Main thread only.
+/// Answers a question of the web engine exactly once: with the first answer, or with the safe one on
+/// destruction. Main thread only.
 template <typename... Answer>
 class Reply final : public PendingReply {
 public:

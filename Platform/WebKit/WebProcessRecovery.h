@@ -10,13 +10,13 @@ namespace Platform {
 
 /// Decides when and with what a page comes back after its web process ended. Main thread only.
 ///
-/// It is reloaded once, when it is next visible. After a second end within a minute the page itself is to
-/// blame, and it waits for the user.
+/// The page is reloaded once, when it is next visible. After a second failure within a minute it waits for
+/// the user, because the page itself is probably the cause.
 class WebProcessRecovery {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// `now` tells the time.
+    /// `now` is called for the time of each failure.
     explicit WebProcessRecovery(std::function<Clock::time_point()> now = Clock::now);
 
     enum class Cause {
@@ -24,18 +24,18 @@ public:
         /// The program ended the process itself, to make room for another.
         eviction,
     };
-    /// The web process ended. `interrupted` is the load of which nothing was committed yet: a reload could
-    /// not bring it back. `hasPage` is false when there is nothing to reload.
+    /// The web process ended. `interrupted` is the load that had not committed, which a reload cannot bring
+    /// back. `hasPage` is false if there is nothing to reload.
     void processEnded(Cause cause, std::optional<URLRequest> interrupted, bool hasPage);
-    /// Somebody asked for a navigation, which makes the reload unnecessary.
+    /// A navigation was requested, so no reload is needed.
     void navigationRequested();
     /// There is a web process again, and a page in it.
     void pageReturned();
 
-    /// Whether the page that was shown last is still reported, for the engine has forgotten it.
+    /// Returns true from the end of the process until a page is back. Views keep reporting the last page.
     bool isPageGone() const { return state_ != State::running; }
     bool reloadsWhenVisible() const { return state_ == State::reloadsWhenVisible; }
-    /// What to load in place of a reload, if anything.
+    /// The load to repeat instead of a reload, if any.
     const std::optional<URLRequest>& interrupted() const { return interrupted_; }
 
 private:

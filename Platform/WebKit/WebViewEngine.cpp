@@ -157,7 +157,7 @@ void WebViewEngine::webProcessEnded(WebProcessRecovery::Cause cause, std::option
     recovery_.processEnded(cause, std::move(interrupted), values_.url.has_value());
     ownPage_.disarm();
     panels_.answerAllSafely();
-    // Only when the engine has forgotten the page can it be told to bring it back.
+    // A reload has no effect before the web engine has handled the end of the process.
     catchUpSoon();
 }
 

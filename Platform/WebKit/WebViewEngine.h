@@ -13,12 +13,11 @@
 
 namespace Platform {
 
-/// What web views do alike on every system: they mirror the engine's values for their observers, pass on what
-/// it tells and asks to their delegates, show the program's own page and bring pages back whose web process
-/// ended. A subclass for each system drives the engine.
+/// The part of a web view that is the same on every system: mirrored values and their observers, calls to
+/// delegates, the program's own page, and recovery after the web process ended. A subclass for each system
+/// drives the native view.
 ///
-/// It ends with its view, and with it all that the engine tells and asks; the native view may live on while
-/// the toolkit holds it. Main thread only.
+/// A view owns its engine. The native view may outlive both, but then calls neither. Main thread only.
 class WebViewEngine : public std::enable_shared_from_this<WebViewEngine> {
 public:
     using Property = WebView::Property;
@@ -41,11 +40,10 @@ public:
 
     WebViewEngine(const WebViewEngine&) = delete;
     WebViewEngine& operator=(const WebViewEngine&) = delete;
-    /// Gives the panels that are still open their safe answers: a page that waits for one stays alive.
+    /// Gives open panels their safe answers, because a page that waits for an answer stays alive.
     virtual ~WebViewEngine();
 
-    /// Called once, as soon as the view that owns the engine can be kept alive. Nobody is told or asked
-    /// anything before.
+    /// Called once, as soon as `owner` can be kept alive. No observer or delegate is called before.
     virtual void setOwner(const std::weak_ptr<WebView>& owner) { owner_ = owner; }
     /// The owner, kept alive for the caller; nothing before `setOwner`, and once it is on its way out.
     std::shared_ptr<WebView> keepAlive() const { return owner_.lock(); }
@@ -71,7 +69,7 @@ protected:
     /// That of another view.
     static WebViewEngine& of(const WebView& view) { return *view.engine_; }
 
-    // What the engine tells and asks. The caller keeps the view alive.
+    // Events of the native view. The caller keeps the owner alive.
 
     template <typename Value>
     void update(Value Values::* member, Value value, Property property) {
@@ -84,7 +82,7 @@ protected:
     void titleChanged(std::optional<std::string> title);
 
     bool asksForPolicy() const { return !policyDelegate_.expired(); }
-    /// Whether this is the navigation to the program's own page, which nobody is asked about.
+    /// Returns true for the navigation to the program's own page, about which no delegate is asked.
     bool isOwnPage(const NavigationAction& action, bool isRedirect) {
         return ownPage_.use(action, isRedirect);
     }
@@ -92,7 +90,7 @@ protected:
 
     void committed() { ownPage_.disarm(); }
     void finished();
-    /// Ends the pass of the program's own page, whoever is told of the failure.
+    /// Called at every failure, reported or not.
     void failed() { ownPage_.disarm(); }
     void report(const Error& error, bool hasCommitted);
 
@@ -106,29 +104,29 @@ protected:
                          const std::shared_ptr<ConfirmReply>& reply);
     bool hasOpenPanels() const { return panels_.areOpen(); }
 
-    /// Called before the engine forgets its page.
+    /// Called before the native view drops its page.
     void webProcessEnded(WebProcessRecovery::Cause cause, std::optional<URLRequest> interrupted);
     void pageReturned() { recovery_.pageReturned(); }
     bool isPageGone() const { return recovery_.isPageGone(); }
-    /// Begins what waited until the view is visible, if it is.
+    /// Begins loads that waited for the view to become visible, if it is.
     void catchUp();
-    /// Does so in the run loop's next turn.
+    /// Calls `catchUp` in the next iteration of the run loop.
     void catchUpSoon();
 
 private:
-    // What the engine is to do. The navigation under way is replaced.
+    // Operations of the native view. Each replaces the navigation under way.
 
     virtual void startLoad(const URLRequest& request) = 0;
-    /// `baseURL` is one that the engine can use.
+    /// `baseURL` is absolute.
     virtual void startHTML(const std::string& html, const std::optional<URL>& baseURL) = 0;
     virtual void startReload() = 0;
     virtual void startGoingBack() = 0;
     virtual void startGoingForward() = 0;
 
     virtual bool isVisible() const = 0;
-    /// Whether the last navigation has not begun, so that there is nothing to reload yet.
+    /// Returns true if the last requested navigation has not begun, so that there is nothing to reload.
     virtual bool isLoadPending() const { return false; }
-    /// Begins the pending navigation, for the view is visible.
+    /// Begins the pending navigation of a visible view.
     virtual void beginPendingLoad() {}
 
     void requestNavigation();

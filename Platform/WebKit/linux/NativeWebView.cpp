@@ -17,8 +17,8 @@ GObjectPtr<WebKitSettings> makeSettings() {
     return settings;
 }
 
-/// The engine looks up its key bindings in a text widget inside its view. If that could have the focus, Tab
-/// would lead there from a page's last link, and the keyboard would be caught.
+/// WebKitGTK's view contains a text widget that it looks up key bindings in. Keep Tab from moving the focus
+/// there from a page's last link, where it would be stuck.
 void keepFocusFromInnerWidgets(GtkWidget* view) {
     for (GtkWidget* child = gtk_widget_get_first_child(view); child;
          child = gtk_widget_get_next_sibling(child)) {

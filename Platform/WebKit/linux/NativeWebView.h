@@ -12,17 +12,18 @@
 
 namespace Platform {
 
-/// A view of WebKitGTK's with the configuration's data store and scripts. Takes the opener out of it.
+/// Creates a WebKitGTK view with the configuration's data store and scripts, and takes the opener from the
+/// configuration.
 GObjectPtr<WebKitWebView> makeNativeWebView(WebViewConfiguration& configuration);
 
-/// Nothing where the engine has no text.
+/// Return nothing for an empty text.
 std::optional<std::string> uriOf(WebKitWebView* view);
 std::optional<std::string> titleOf(WebKitWebView* view);
 
-/// `url` as the engine will write it.
+/// The text of `url` as WebKitGTK writes it.
 std::string engineText(const URL& url);
 
-/// Does in the page what an editing action asks for.
+/// Performs an editing action in the page; ignores other actions.
 void executeEditing(WebKitWebView* view, Action action);
 
 } // namespace Platform

@@ -89,11 +89,11 @@ void Navigation::decide() {
 }
 
 bool Navigation::start(const std::optional<URL>& url) {
-    // The engine asks about a load before it starts it.
+    // WebKitGTK asks about a load before it starts it.
     if (isRequested() && load()) {
         return false;
     }
-    // A page that goes elsewhere before it is there is not the program's load any more.
+    // A second start is a navigation that the page requested before the program's load committed.
     auto load = hasStarted() ? std::nullopt : takeLoad();
     phase_ = Started{{.load = std::move(load), .shownURL = shownURL(url)}, takeFailure()};
     return true;
@@ -103,7 +103,7 @@ void Navigation::commit() {
     if (hasStarted()) {
         end();
     } else if (auto* navigation = underWay()) {
-        // The page before the one under way has come in, in place of the one that was shown.
+        // An earlier navigation has committed and replaced the page that was shown.
         navigation->shownURL.reset();
     }
 }

@@ -12,40 +12,40 @@
 
 namespace Platform {
 
-/// How far a view's navigation has come. The engine does not say which navigation its events belong to, and
-/// those of one that was replaced still arrive after the request for the next.
+/// The phase of a view's navigation. WebKitGTK's events do not identify their navigation, and events of a
+/// replaced navigation still arrive after the next one was requested.
 class Navigation {
 public:
-    /// What the program asked for by URL.
+    /// A navigation to a URL, requested by the program.
     struct Load {
-        /// As the engine writes it. After a redirect, where that leads.
+        /// As WebKitGTK writes it. After a redirect, the new location.
         std::string uri;
         LoadTimeout timeout;
     };
 
-    /// A failure that the engine is about to tell under a name of its own.
+    /// A failure that WebKitGTK is about to report as another error.
     struct ExpectedFailure {
-        /// Where a redirect led that was refused for its port.
+        /// The location of a redirect that was refused for its port.
         std::optional<std::string> refusedRedirect;
-        /// Runs while the engine cancels a load whose time is up.
+        /// Runs while WebKitGTK cancels a load that timed out.
         std::shared_ptr<Timer> cancellation;
     };
 
-    /// Whether nothing was ever asked for.
+    /// Returns true before the first navigation.
     bool isFresh() const { return std::holds_alternative<Fresh>(phase_); }
-    /// Whether a page has opened the view, and the engine has not asked about its first navigation.
+    /// Returns true for a view that a page opened, until the policy question about its first navigation.
     bool isNewWindow() const { return std::holds_alternative<NewWindow>(phase_); }
-    /// Whether the program has asked for a navigation that the engine has not asked about.
+    /// Returns true from the program's request until the policy question about it.
     bool isRequested() const { return std::holds_alternative<Requested>(phase_); }
     bool hasStarted() const { return std::holds_alternative<Started>(phase_); }
 
-    /// What the program asked for, while it is under way.
+    /// The program's load that is under way, or null.
     Load* load();
-    /// The URL of the page that is shown, where the view's own is `url`, which may be that of a page on its
-    /// way. Nothing if it is not known.
+    /// The URL of the page that is shown, or nothing if it is unknown. `url` is the view's own, which may
+    /// already be that of the next page.
     std::optional<URL> shownURL(const std::optional<URL>& url) const;
 
-    /// A fresh view is to be used.
+    /// Ends the state of a fresh view or a new window.
     void use() { phase_ = Idle{}; }
     /// A page has opened the view.
     void openWindow() { phase_ = NewWindow{}; }
@@ -55,19 +55,19 @@ public:
     void stop(const std::string& uri);
     bool isStopped(const std::string& uri) const;
 
-    /// The engine has asked about the requested navigation.
+    /// WebKitGTK has asked about the requested navigation.
     void decide();
-    /// The engine has begun a navigation. Returns false if it is the one before the one under way.
+    /// WebKitGTK has begun a navigation. Returns false if it is an earlier one, which was replaced.
     bool start(const std::optional<URL>& url);
     void commit();
-    /// The navigation is over. Its failure may still be told.
+    /// The navigation is over. Its failure may still be reported.
     void end();
-    /// Nothing will be told of it any more.
+    /// The navigation is over, and no failure of it will be reported.
     void abandon();
 
-    /// Of a navigation that has started or is over; otherwise none.
+    /// Null unless the navigation has started or is over.
     ExpectedFailure* expectedFailure();
-    /// `error`, or the failure that was expected in its place.
+    /// Returns the expected failure if `error` is how WebKitGTK reports it, else `error`.
     Error nameFailure(const Error& error);
 
 private:
@@ -85,7 +85,7 @@ private:
         std::optional<std::string> stoppedURI = std::nullopt;
     };
     struct Decided : UnderWay {};
-    /// A page's own navigation begins here.
+    /// The first phase of navigations that the page requests.
     struct Started : UnderWay {
         ExpectedFailure failure = {};
     };

@@ -9,11 +9,11 @@
 
 namespace Platform {
 
-/// Starts the web process of an empty view once its window stands, while the user still types the address:
-/// that takes longer than everything else of a first load. Main thread only.
+/// Delays work until a window is painted: the start of an empty view's web process, which takes longer than
+/// the rest of a first load and can run while the user types the address. Main thread only.
 class Prewarming {
 public:
-    /// Calls `start` in the run loop's next turn after the window has been painted, unless destroyed before.
+    /// Calls `start` once, in the iteration of the run loop after the window is painted, unless destroyed.
     Prewarming(GtkWidget* widget, std::function<void()> start);
     Prewarming(const Prewarming&) = delete;
     Prewarming& operator=(const Prewarming&) = delete;
@@ -24,8 +24,8 @@ private:
     SignalConnection painted_;
 };
 
-/// Starts the process; `started` is called when it has. An empty page needs none, but a script does. This one
-/// does nothing, and touches neither history nor properties.
+/// Starts the view's web process and calls `started` when it runs. WebKitGTK starts none for an empty page,
+/// so this evaluates a script without effect on the history or the properties.
 void startWebProcess(WebKitWebView* view, std::function<void()> started);
 
 } // namespace Platform

@@ -4,8 +4,8 @@ namespace Platform {
 
 namespace {
 
-/// Giving the last reference back closes the dialog. Closing it by hand is an error while the engine still
-/// tells of it.
+/// Releasing the last reference closes the dialog. webkit_script_dialog_close() is an error during the
+/// signal.
 std::shared_ptr<WebKitScriptDialog> share(WebKitScriptDialog* dialog) {
     return {webkit_script_dialog_ref(dialog), &webkit_script_dialog_unref};
 }

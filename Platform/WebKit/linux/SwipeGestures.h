@@ -6,11 +6,10 @@
 
 namespace Platform {
 
-/// Swiping back and forward in a view, while that is safe.
+/// Enables swiping back and forward while the view is in a window.
 ///
-/// For the gestures the engine takes a picture of each page that is left, and crashes where there is no
-/// window to take it of: in a closed tab, in one that was never shown, and in one that is being dragged from
-/// window to window.
+/// With gestures enabled, WebKitGTK takes a snapshot of each page that is left. It crashes if the view is in
+/// no window: in a closed tab, in one that was never shown, and while a tab is dragged from window to window.
 class SwipeGestures {
 public:
     explicit SwipeGestures(WebKitWebView* view);

@@ -15,8 +15,8 @@ namespace Platform {
 
 namespace {
 
-/// How many seconds the engine may take to confirm that it cancelled a load whose time was up. It does not
-/// when its web process hangs.
+/// Seconds to wait for the cancellation of a load that timed out. WebKitGTK reports none if its web process
+/// hangs.
 constexpr Timer::Interval cancellationLimit = 1;
 
 gboolean releaseLater(gpointer /*view*/) { return G_SOURCE_REMOVE; }
@@ -164,7 +164,7 @@ void WebKitGTKEngine::startGoingForward() {
 }
 
 std::optional<std::string> WebKitGTKEngine::requestedURI() {
-    // The view's own may be that of the page before, when the engine has just given an earlier load up.
+    // The view's own URI may be that of the previous page if WebKitGTK has just dropped an earlier load.
     const auto* load = navigation_.load();
     return load ? load->uri : uriOf(view_.get());
 }
@@ -178,8 +178,8 @@ void WebKitGTKEngine::stopLoading() {
         update(&Values::url, shownURL, Property::url);
         return;
     }
-    // If the engine has not asked about the navigation yet, it only forgets it, and would report it as
-    // loading for good.
+    // Before the policy question, WebKitGTK drops the navigation but reports it as loading forever. Cancel it
+    // at the question.
     if (values().isLoading || load) {
         if (const auto requested = requestedURI()) {
             navigation_.stop(*requested);
@@ -196,7 +196,7 @@ void WebKitGTKEngine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
     auto* load = navigation_.load();
     switch (event) {
     case WEBKIT_LOAD_STARTED:
-        // The time may have been up between the engine's question and now.
+        // It may have timed out since the policy question.
         if (navigation_.start(values().url) && navigation_.load() &&
             navigation_.load()->timeout.hasExpired()) {
             timedOut();
@@ -242,8 +242,8 @@ gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     if (isFirstOfWindow) {
         navigation_.use();
     }
-    // A window that is to know nothing of its opener has its page loaded by the engine, which starts a
-    // process for it as soon as it may.
+    // WebKitGTK itself loads the page of a window without an opener, and starts a process for it once the
+    // question is answered.
     if (isFirstOfWindow && uriOf(view_.get())) {
         place_.leave();
         beginWithProcess([this, question] { decide(question); });
@@ -351,13 +351,13 @@ GtkWidget* WebKitGTKEngine::createView(WebKitWebView* view, WebKitNavigationActi
     auto& engine = of(*child);
     engine.navigation_.openWindow();
     engine.place_.share(place_);
-    // Borrowed: the emission takes a reference over, and gives the engine one that it never gives back.
+    // Borrowed: the emission adds a reference, which WebKitGTK never releases.
     return GTK_WIDGET(engine.view_.get());
 }
 
 gboolean WebKitGTKEngine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog) {
     const std::string message = webkit_script_dialog_get_message(dialog);
-    // A page must not speak in the name of the one that comes after it.
+    // While a navigation is under way, the view's URL may be that of the next page.
     const FrameInfo frame{.url = navigation_.shownURL(values().url)};
     switch (webkit_script_dialog_get_dialog_type(dialog)) {
     case WEBKIT_SCRIPT_DIALOG_ALERT:

@@ -90,7 +90,7 @@ private:
 
     GObjectPtr<WebKitWebView> view_;
     Navigation navigation_;
-    /// Of the load that the engine is about to call finished.
+    /// Reported at WEBKIT_LOAD_FINISHED, which follows every failure.
     std::optional<Failure> failure_;
     WebProcessPlace place_;
     SwipeGestures gestures_;

@@ -14,7 +14,7 @@ namespace Platform {
 
 /// Drives WebKit's view.
 ///
-/// What WebKit calls must not throw: its frames lie behind.
+/// Functions that WebKit calls must not throw through its frames.
 class WKWebViewEngine final : public WebViewEngine {
 public:
     explicit WKWebViewEngine(WebViewConfiguration& configuration);
@@ -28,7 +28,7 @@ public:
     void performEditing(Action action) override;
     void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) override;
 
-    // What WebKit tells and asks, as the delegate passes it on.
+    // Called by the delegate.
 
     using WebViewEngine::asksForPolicy;
     void propertyChanged(Property property) noexcept;
@@ -61,7 +61,7 @@ private:
 
     WKWebView* __strong _Nonnull const view_;
     KeyloftWebViewDelegate* __strong _Nonnull const delegate_;
-    /// What `load` asked for and nothing was committed of yet.
+    /// The last `load`, until it commits.
     std::optional<URLRequest> uncommittedRequest_;
 };
 

@@ -10,9 +10,8 @@
 
 #include <utility>
 
-/// WebKit's view stands before the window's controller in the responder chain and has actions of its own
-/// under names of the program's (`reload:`, `goBack:` …). Those are the controller's: it validates them, and
-/// does more with them.
+/// WKWebView precedes the window's controller in the responder chain and implements some of the program's
+/// actions (`reload:`, `goBack:` …). Leave these to the controller, which validates them.
 @interface KeyloftWebView : WKWebView
 @end
 
@@ -66,8 +65,7 @@ WKWebViewEngine::~WKWebViewEngine() {
     }
     view_.navigationDelegate = nil;
     view_.UIDelegate = nil;
-    // The view may be let go from inside one of WebKit's calls, which still works with its own when it
-    // returns.
+    // Keep WKWebView until the WebKit call that released the owner has returned.
     RunLoop::main().perform([keptAlive = view_] { (void)keptAlive; });
 }
 
@@ -167,7 +165,7 @@ void WKWebViewEngine::didCommit() noexcept {
     committed();
     uncommittedRequest_.reset();
     pageReturned();
-    // What changed while the last page was still reported.
+    // Catch up on changes that were ignored while the page was gone.
     urlChanged(fromNSURL(view_.URL));
     titleChanged(nonEmpty(view_.title));
 }
@@ -186,7 +184,7 @@ void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
 void WKWebViewEngine::decidePolicyFor(WKNavigationAction* action,
                                       const std::shared_ptr<PolicyReply>& reply) noexcept {
     const auto ours = fromWKNavigationAction(action);
-    // WebKit does not tell redirects apart, but nothing redirects a page that no server sends.
+    // WebKit does not mark redirects, but the program's own page comes from no server that could redirect it.
     if (action.targetFrame.mainFrame && isOwnPage(ours, false)) {
         (*reply)(NavigationActionPolicy::allow);
     } else {

@@ -108,7 +108,7 @@ bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> session
         }
     } while (std::chrono::steady_clock::now() < deadline);
     // WebKitGTK never releases a view that it was given for a page without an opener (seen with 2.50, not
-    // reported), and so never ends the process of that page. It holds another in store once a page has moved
+    // reported), and so never ends the process of that page. It keeps a spare process once a page has moved
     // to a process of its own.
     for (const pid_t process : webProcesses()) {
         ::kill(process, SIGKILL);

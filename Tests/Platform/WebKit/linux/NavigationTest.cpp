@@ -144,7 +144,7 @@ TEST_F(NavigationTest, namesACancellationAfterTheTimeOutOnce) {
     navigation.start(shown);
     ASSERT_NE(navigation.expectedFailure(), nullptr);
     navigation.expectedFailure()->cancellation = Timer::scheduled(60, false, [] {});
-    // The engine says that nothing loads any more before it says why.
+    // WebKitGTK reports the end of loading before the failure.
     navigation.end();
     EXPECT_EQ(navigation.nameFailure(interruption("a")), interruption("a"));
     EXPECT_EQ(navigation.nameFailure(cancellation("a")).code, Error::urlTimedOut);
