@@ -61,7 +61,7 @@ public:
 
     /// The text of all parts.
     std::string string() const;
-    /// The URL of that text, or nothing if the text is empty or too long.
+    /// The URL of that text, or nothing if the text is empty, too long, or begins with ":".
     std::optional<URL> url() const;
 
     /// Equality of the parts.
