@@ -46,7 +46,7 @@ std::shared_ptr<Platform::Menu> makeMainMenu() {
     using Platform::Menu;
     using Platform::MenuItem;
     const auto signIn = Menu::create("Sign-In");
-    signIn->addItem(MenuItem::create("Close Window", Platform::Action::performClose, "w"));
+    signIn->addItem(MenuItem::create("Close Window", Platform::StandardAction::performClose, "w"));
     auto mainMenu = Menu::create();
     for (const auto& menu : {signIn, Menu::createEditMenu()}) {
         const auto item = MenuItem::create(menu->title(), std::nullopt);

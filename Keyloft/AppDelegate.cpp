@@ -8,6 +8,7 @@
 
 namespace Keyloft {
 
+namespace StandardAction = Platform::StandardAction;
 using Platform::Action;
 using Platform::Application;
 using Platform::Menu;
@@ -86,7 +87,7 @@ bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
 }
 
 void AppDelegate::perform(Action action, const Platform::ActionSender& /*sender*/) {
-    if (action == Action::newTab) {
+    if (action == BrowserAction::newTab) {
         openTab(std::nullopt, frontBrowserWindow(), nullptr);
     }
 }
@@ -149,10 +150,10 @@ std::shared_ptr<BrowserWindowController> AppDelegate::emptyTabInFront() const {
 
 void AppDelegate::menuNeedsUpdate(Menu& menu) {
     menu.removeAllItems();
-    addItem(menu, "Add Bookmark", Action::toggleBookmark, "d");
+    addItem(menu, "Add Bookmark", BrowserAction::toggleBookmark, "d");
     addSeparator(menu);
     for (const auto& bookmark : bookmarks_->bookmarks()) {
-        const auto item = MenuItem::create(bookmark.titleInOneLine(), Action::openBookmark);
+        const auto item = MenuItem::create(bookmark.titleInOneLine(), BrowserAction::openBookmark);
         item->setRepresentedURL(bookmark.url);
         menu.addItem(item);
     }
@@ -162,43 +163,43 @@ std::shared_ptr<Menu> AppDelegate::buildMainMenu() {
     const auto mainMenu = Menu::create();
 
     const auto application = addMenu(*mainMenu, "Keyloft", Menu::create());
-    addItem(*application, "About Keyloft", Action::orderFrontStandardAboutPanel);
+    addItem(*application, "About Keyloft", StandardAction::orderFrontStandardAboutPanel);
     addSeparator(*application);
-    addItem(*application, "Hide Keyloft", Action::hide, "h");
-    const auto hideOthers = MenuItem::create("Hide Others", Action::hideOtherApplications, "h");
+    addItem(*application, "Hide Keyloft", StandardAction::hide, "h");
+    const auto hideOthers = MenuItem::create("Hide Others", StandardAction::hideOtherApplications, "h");
     hideOthers->setKeyEquivalentModifiers(Platform::ModifierFlags::optionCommand);
     application->addItem(hideOthers);
-    addItem(*application, "Show All", Action::unhideAllApplications);
+    addItem(*application, "Show All", StandardAction::unhideAllApplications);
     addSeparator(*application);
-    addItem(*application, "Quit Keyloft", Action::terminate, "q");
+    addItem(*application, "Quit Keyloft", StandardAction::terminate, "q");
 
     const auto file = addMenu(*mainMenu, "File");
-    addItem(*file, "New Tab", Action::newTab, "t");
-    addItem(*file, "Open Location…", Action::focusAddressBar, "l");
+    addItem(*file, "New Tab", BrowserAction::newTab, "t");
+    addItem(*file, "Open Location…", BrowserAction::focusAddressBar, "l");
     addSeparator(*file);
-    addItem(*file, "Close Tab", Action::performClose, "w");
+    addItem(*file, "Close Tab", StandardAction::performClose, "w");
 
     addMenu(*mainMenu, "Edit", Menu::createEditMenu());
 
     const auto view = addMenu(*mainMenu, "View");
-    addItem(*view, "Reload Page", Action::reload, "r");
-    addItem(*view, "Stop", Action::stopLoading, ".");
+    addItem(*view, "Reload Page", BrowserAction::reload, "r");
+    addItem(*view, "Stop", BrowserAction::stopLoading, ".");
 
     const auto history = addMenu(*mainMenu, "History");
-    addItem(*history, "Back", Action::goBack, "[");
-    addItem(*history, "Forward", Action::goForward, "]");
+    addItem(*history, "Back", BrowserAction::goBack, "[");
+    addItem(*history, "Forward", BrowserAction::goForward, "]");
 
     addMenu(*mainMenu, "Bookmarks", bookmarksMenu_);
     bookmarksMenu_->setDelegate(weak_from_this());
 
     const auto window = addMenu(*mainMenu, "Window");
-    addItem(*window, "Minimize", Action::performMiniaturize, "m");
-    addItem(*window, "Zoom", Action::performZoom);
+    addItem(*window, "Minimize", StandardAction::performMiniaturize, "m");
+    addItem(*window, "Zoom", StandardAction::performZoom);
     addSeparator(*window);
-    addItem(*window, "Show Previous Tab", Action::selectPreviousTab, "{");
-    addItem(*window, "Show Next Tab", Action::selectNextTab, "}");
+    addItem(*window, "Show Previous Tab", StandardAction::selectPreviousTab, "{");
+    addItem(*window, "Show Next Tab", StandardAction::selectNextTab, "}");
     addSeparator(*window);
-    addItem(*window, "Bring All to Front", Action::arrangeInFront);
+    addItem(*window, "Bring All to Front", StandardAction::arrangeInFront);
     Application::shared().setWindowsMenu(window);
 
     return mainMenu;

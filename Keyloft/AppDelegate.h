@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Keyloft/BrowserAction.h"
 #include "Keyloft/BrowserWindowController.h"
 #include "KeyloftBrowserKit/BookmarkStore.h"
 #include "Platform/AppKit/Application.h"
@@ -47,7 +48,7 @@ public:
     bool applicationShouldHandleReopen(bool hasVisibleWindows) override;
     bool applicationShouldTerminateAfterLastWindowClosed() override { return false; }
 
-    bool respondsTo(Platform::Action action) const override { return action == Platform::Action::newTab; }
+    bool respondsTo(Platform::Action action) const override { return action == BrowserAction::newTab; }
     void perform(Platform::Action action, const Platform::ActionSender& sender) override;
 
     void menuNeedsUpdate(Platform::Menu& menu) override;

@@ -1,5 +1,6 @@
 #include "Keyloft/BrowserWindowController.h"
 
+#include "Keyloft/BrowserAction.h"
 #include "KeyloftBrowserKit/AddressInput.h"
 #include "Platform/AppKit/Alert.h"
 #include "Platform/AppKit/Box.h"
@@ -154,23 +155,23 @@ void BrowserWindowController::buildContent() {
 
 std::shared_ptr<StackView> BrowserWindowController::buildToolbar() {
     const auto self = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
-    configureToolbarButton(*backButton_, {"chevron.left", "Back"}, self, Action::goBack);
-    configureToolbarButton(*forwardButton_, {"chevron.right", "Forward"}, self, Action::goForward);
-    configureToolbarButton(*reloadButton_, reloadImage, self, Action::reload);
-    configureToolbarButton(*bookmarkButton_, addBookmarkImage, self, Action::toggleBookmark);
+    configureToolbarButton(*backButton_, {"chevron.left", "Back"}, self, BrowserAction::goBack);
+    configureToolbarButton(*forwardButton_, {"chevron.right", "Forward"}, self, BrowserAction::goForward);
+    configureToolbarButton(*reloadButton_, reloadImage, self, BrowserAction::reload);
+    configureToolbarButton(*bookmarkButton_, addBookmarkImage, self, BrowserAction::toggleBookmark);
     backButton_->setEnabled(false);
     forwardButton_->setEnabled(false);
 
     addressField_->setPlaceholder("Enter a URL or search");
     addressField_->setFont({14});
     addressField_->setDelegate(self);
-    addressField_->setTarget(self, Action::navigateFromAddressField);
+    addressField_->setTarget(self, BrowserAction::navigateFromAddressField);
     addressField_->setAccessibilityLabel("Address");
     addressField_->setContentHuggingPriority(1, Orientation::horizontal);
     addressField_->setContentCompressionResistancePriority(1, Orientation::horizontal);
 
     searchField_->setPlaceholder("Search DuckDuckGo");
-    searchField_->setTarget(self, Action::searchFromSearchField);
+    searchField_->setTarget(self, BrowserAction::searchFromSearchField);
     searchField_->setAccessibilityLabel("Search DuckDuckGo");
 
     auto toolbar = StackView::create(Orientation::horizontal);
@@ -366,7 +367,7 @@ void BrowserWindowController::rebuildBookmarksBar() {
         view->removeFromSuperview();
     }
     for (const Bookmark& bookmark : bookmarks_->bookmarks()) {
-        const auto button = Button::create(bookmark.titleInOneLine(), self, Action::openBookmark);
+        const auto button = Button::create(bookmark.titleInOneLine(), self, BrowserAction::openBookmark);
         button->setBezelStyle(Button::BezelStyle::recessed);
         button->setBordered(false);
         button->setFont({12});
@@ -391,36 +392,39 @@ const std::map<Action, BrowserWindowController::Handler>& BrowserWindowControlle
     using Self = BrowserWindowController;
     using Sender = ActionSender;
     static const std::map<Action, Handler> table = {
-        {Action::focusAddressBar, [](Self& self, const Sender& /*sender*/) { self.focusAddressBar(); }},
-        {Action::navigateFromAddressField,
+        {BrowserAction::focusAddressBar,
+         [](Self& self, const Sender& /*sender*/) { self.focusAddressBar(); }},
+        {BrowserAction::navigateFromAddressField,
          [](Self& self, const Sender& /*sender*/) { self.navigateFromAddressField(); }},
-        {Action::searchFromSearchField,
+        {BrowserAction::searchFromSearchField,
          [](Self& self, const Sender& /*sender*/) { self.searchFromSearchField(); }},
-        {Action::goBack, [](Self& self, const Sender& /*sender*/) { self.goBack(); }},
-        {Action::goForward, [](Self& self, const Sender& /*sender*/) { self.goForward(); }},
-        {Action::stopLoading, [](Self& self, const Sender& /*sender*/) { self.stopLoading(); }},
-        {Action::reload, [](Self& self, const Sender& sender) { self.reload(sender); }},
-        {Action::toggleBookmark, [](Self& self, const Sender& /*sender*/) { self.toggleBookmark(); }},
-        {Action::openBookmark, [](Self& self, const Sender& sender) { self.openBookmark(sender); }},
-        {Action::newWindowForTab, [](Self& self, const Sender& /*sender*/) { self.newWindowForTab(); }},
+        {BrowserAction::goBack, [](Self& self, const Sender& /*sender*/) { self.goBack(); }},
+        {BrowserAction::goForward, [](Self& self, const Sender& /*sender*/) { self.goForward(); }},
+        {BrowserAction::stopLoading, [](Self& self, const Sender& /*sender*/) { self.stopLoading(); }},
+        {BrowserAction::reload, [](Self& self, const Sender& sender) { self.reload(sender); }},
+        {BrowserAction::toggleBookmark, [](Self& self, const Sender& /*sender*/) { self.toggleBookmark(); }},
+        {BrowserAction::openBookmark, [](Self& self, const Sender& sender) { self.openBookmark(sender); }},
+        {Platform::StandardAction::newWindowForTab,
+         [](Self& self, const Sender& /*sender*/) { self.newWindowForTab(); }},
     };
     return table;
 }
 
 bool BrowserWindowController::validateMenuItem(Platform::MenuItem& item) {
-    switch (item.action().value_or(Action::reload)) {
-    case Action::goBack:
+    if (item.action() == BrowserAction::goBack) {
         return webView_->canGoBack();
-    case Action::goForward:
+    }
+    if (item.action() == BrowserAction::goForward) {
         return webView_->canGoForward();
-    case Action::stopLoading:
+    }
+    if (item.action() == BrowserAction::stopLoading) {
         return webView_->isLoading();
-    case Action::toggleBookmark:
+    }
+    if (item.action() == BrowserAction::toggleBookmark) {
         item.setTitle(isBookmarked() ? "Remove Bookmark" : "Add Bookmark");
         return pageURL().has_value();
-    default:
-        return true;
     }
+    return true;
 }
 
 void BrowserWindowController::windowWillClose(Window& /*window*/) {

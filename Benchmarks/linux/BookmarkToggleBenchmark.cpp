@@ -158,7 +158,7 @@ TEST(BookmarkToggleBenchmark, changingTabs) {
     std::vector<Turn> turns(repetitions);
     for (Turn& turn : turns) {
         turn = longestTurn(
-            [] { Application::shared().sendAction(Platform::Action::selectNextTab, nullptr, {}); });
+            [] { Application::shared().sendAction(Platform::StandardAction::selectNextTab, nullptr, {}); });
     }
     report("the next tab selected, 300 bookmarks in 20 tabs", turns);
 }

@@ -1,60 +1,64 @@
 #pragma once
 
+#include <compare>
+#include <string_view>
+
 namespace Platform {
 
 class Control;
 class MenuItem;
 
-/// What a control or a menu item asks for. The names are those of the selectors that carry the same meaning
-/// on macOS, without their colon.
-enum class Action {
-    // The application's own.
-    newTab,
-    focusAddressBar,
-    navigateFromAddressField,
-    searchFromSearchField,
-    reload,
-    stopLoading,
-    goBack,
-    goForward,
-    toggleBookmark,
-    openBookmark,
-    newWindowForTab,
-    // Application.
-    orderFrontStandardAboutPanel,
-    hide,
-    hideOtherApplications,
-    unhideAllApplications,
-    terminate,
-    arrangeInFront,
-    // Window.
-    performClose,
-    performMiniaturize,
-    performZoom,
-    selectPreviousTab,
-    selectNextTab,
-    // Text editing, for the focused field or page.
-    undo,
-    redo,
-    cut,
-    copy,
-    paste,
-    selectAll,
+/// What a control or a menu item asks for, by its name. On macOS it is the selector of that name followed by
+/// a colon.
+class Action {
+public:
+    /// The text of `name` must outlive the action, as a literal does.
+    constexpr explicit Action(std::string_view name)
+        : name_(name) {}
+
+    constexpr std::string_view name() const { return name_; }
+
+    friend constexpr auto operator<=>(Action, Action) = default;
+
+private:
+    std::string_view name_;
 };
 
-/// Whether the action edits text: the focused field or page has it before anybody else.
+/// The actions that the system performs or sends itself.
+namespace StandardAction {
+
+// Of the application.
+inline constexpr Action orderFrontStandardAboutPanel("orderFrontStandardAboutPanel");
+inline constexpr Action hide("hide");
+inline constexpr Action hideOtherApplications("hideOtherApplications");
+inline constexpr Action unhideAllApplications("unhideAllApplications");
+inline constexpr Action terminate("terminate");
+inline constexpr Action arrangeInFront("arrangeInFront");
+
+// Of a window.
+inline constexpr Action performClose("performClose");
+inline constexpr Action performMiniaturize("performMiniaturize");
+inline constexpr Action performZoom("performZoom");
+inline constexpr Action selectPreviousTab("selectPreviousTab");
+inline constexpr Action selectNextTab("selectNextTab");
+/// Sent by a tab bar's button.
+inline constexpr Action newWindowForTab("newWindowForTab");
+
+// Of the text or page that has the focus.
+inline constexpr Action undo("undo");
+inline constexpr Action redo("redo");
+inline constexpr Action cut("cut");
+inline constexpr Action copy("copy");
+inline constexpr Action paste("paste");
+inline constexpr Action selectAll("selectAll");
+
+} // namespace StandardAction
+
+/// Returns true for the actions that edit text. The focused text or page has their keys before anybody else.
 constexpr bool isEditing(Action action) {
-    switch (action) {
-    case Action::undo:
-    case Action::redo:
-    case Action::cut:
-    case Action::copy:
-    case Action::paste:
-    case Action::selectAll:
-        return true;
-    default:
-        return false;
-    }
+    using namespace StandardAction;
+    return action == undo || action == redo || action == cut || action == copy || action == paste ||
+           action == selectAll;
 }
 
 /// Who sent an action: at most one of the two is set. Valid during the call only.

@@ -27,13 +27,13 @@ std::shared_ptr<Menu> Menu::create(const std::string& title) {
 
 std::shared_ptr<Menu> Menu::createEditMenu() {
     auto menu = create("Edit");
-    menu->addItem(MenuItem::create("Undo", Action::undo, "z"));
-    menu->addItem(MenuItem::create("Redo", Action::redo, "Z"));
+    menu->addItem(MenuItem::create("Undo", StandardAction::undo, "z"));
+    menu->addItem(MenuItem::create("Redo", StandardAction::redo, "Z"));
     menu->addItem(MenuItem::createSeparator());
-    menu->addItem(MenuItem::create("Cut", Action::cut, "x"));
-    menu->addItem(MenuItem::create("Copy", Action::copy, "c"));
-    menu->addItem(MenuItem::create("Paste", Action::paste, "v"));
-    menu->addItem(MenuItem::create("Select All", Action::selectAll, "a"));
+    menu->addItem(MenuItem::create("Cut", StandardAction::cut, "x"));
+    menu->addItem(MenuItem::create("Copy", StandardAction::copy, "c"));
+    menu->addItem(MenuItem::create("Paste", StandardAction::paste, "v"));
+    menu->addItem(MenuItem::create("Select All", StandardAction::selectAll, "a"));
     return menu;
 }
 

@@ -287,7 +287,7 @@ TEST_F(AppDelegateTest, pagesAndTabsGoToTheWindowUsedLastWhileAnotherProgramHasT
     ASSERT_EQ(controllers().size(), 3U);
     EXPECT_TRUE(shareNativeWindow(*older->window(), *controllers()[2]->window()));
     EXPECT_TRUE(runUntil([&] { return isActive(*older->window()); }));
-    EXPECT_TRUE(Application::shared().sendAction(Action::newTab, nullptr, {}));
+    EXPECT_TRUE(Application::shared().sendAction(BrowserAction::newTab, nullptr, {}));
     ASSERT_EQ(controllers().size(), 4U);
     EXPECT_TRUE(shareNativeWindow(*older->window(), *controllers()[3]->window()));
 }
@@ -308,7 +308,7 @@ TEST_F(AppDelegateTest, onceTheFrontWindowIsGoneTheOneUsedBeforeItIsInFront) {
 
 TEST_F(AppDelegateTest, newTabOpensABlankTabInTheFrontWindow) {
     const auto page = openPage("/page");
-    EXPECT_TRUE(Application::shared().sendAction(Action::newTab, nullptr, {}));
+    EXPECT_TRUE(Application::shared().sendAction(BrowserAction::newTab, nullptr, {}));
     ASSERT_EQ(controllers().size(), 2U);
     const auto tab = controllers()[1];
     EXPECT_TRUE(tab->isEmptyTab());
@@ -319,19 +319,21 @@ TEST_F(AppDelegateTest, newTabOpensABlankTabInTheFrontWindow) {
 }
 
 TEST_F(AppDelegateTest, newTabWithoutAWindowOpensOne) {
-    EXPECT_TRUE(Application::shared().sendAction(Action::newTab, nullptr, {}));
+    EXPECT_TRUE(Application::shared().sendAction(BrowserAction::newTab, nullptr, {}));
     ASSERT_EQ(controllers().size(), 1U);
     EXPECT_TRUE(controllers()[0]->window()->isVisible());
     controllers()[0]->window()->close();
-    EXPECT_TRUE(Application::shared().sendAction(Action::newTab, nullptr, {}));
+    EXPECT_TRUE(Application::shared().sendAction(BrowserAction::newTab, nullptr, {}));
     EXPECT_EQ(controllers().size(), 1U);
 }
 
 TEST_F(AppDelegateTest, newTabIsItsOnlyAction) {
-    for (int action = 0; action <= static_cast<int>(Action::selectAll); ++action) {
-        EXPECT_EQ(delegate->respondsTo(static_cast<Action>(action)),
-                  action == static_cast<int>(Action::newTab))
-            << action;
+    EXPECT_TRUE(delegate->respondsTo(BrowserAction::newTab));
+    for (const Action action :
+         {BrowserAction::focusAddressBar, BrowserAction::reload, BrowserAction::toggleBookmark,
+          BrowserAction::openBookmark, StandardAction::newWindowForTab, StandardAction::performClose,
+          StandardAction::terminate, StandardAction::selectAll}) {
+        EXPECT_FALSE(delegate->respondsTo(action)) << action.name();
     }
 }
 
@@ -391,7 +393,7 @@ TEST_F(AppDelegateTest, aTabsClosuresAreSafeOnceTheDelegateIsGone) {
     const std::weak_ptr<AppDelegate> weak = std::exchange(delegate, nullptr);
     ASSERT_TRUE(weak.expired());
     EXPECT_EQ(tab->onNewTab(std::nullopt, nullptr), nullptr);
-    tab->perform(Action::newWindowForTab, {});
+    tab->perform(StandardAction::newWindowForTab, {});
     tab->onClose();
     tab->window()->close();
 }

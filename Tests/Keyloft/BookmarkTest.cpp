@@ -40,7 +40,7 @@ TEST_F(BookmarksTest, togglingAddsThePageWithItsTitleAndTakesItOutAgain) {
     EXPECT_EQ(tab->bookmarkButton()->image(), presentImage);
     EXPECT_EQ(tab->bookmarkButton()->toolTip(), "Bookmark this page");
 
-    performFromMenu(*tab, Action::toggleBookmark);
+    performFromMenu(*tab, BrowserAction::toggleBookmark);
     EXPECT_TRUE(store->bookmarks().empty());
     EXPECT_FALSE(tab->isBookmarked());
     EXPECT_EQ(tab->bookmarkButton()->image(), absentImage);
@@ -161,7 +161,7 @@ TEST_F(BookmarksTest, aButtonStandsForItsBookmark) {
     EXPECT_EQ(button->title(), "_One_ & <b>two</b>");
     EXPECT_EQ(button->toolTip(), "https://one.test/?a=b#c");
     EXPECT_EQ(button->representedURL(), url("https://one.test/?a=b#c"));
-    EXPECT_EQ(button->action(), Action::openBookmark);
+    EXPECT_EQ(button->action(), BrowserAction::openBookmark);
     EXPECT_EQ(button->bezelStyle(), Button::BezelStyle::recessed);
     EXPECT_FALSE(button->isBordered());
     EXPECT_EQ(button->font(), Font{12});
@@ -203,12 +203,12 @@ TEST_F(BookmarksTest, aClickOnAButtonLoadsItsBookmark) {
 TEST_F(BookmarksTest, aMenuItemLoadsItsBookmark) {
     server.route("/kept", HTTPResponse::page("kept"));
     const auto tab = openTab();
-    const auto item = MenuItem::create("Kept", Action::openBookmark);
-    tab->perform(Action::openBookmark, {.menuItem = item.get()});
-    tab->perform(Action::openBookmark, {});
+    const auto item = MenuItem::create("Kept", BrowserAction::openBookmark);
+    tab->perform(BrowserAction::openBookmark, {.menuItem = item.get()});
+    tab->perform(BrowserAction::openBookmark, {});
     EXPECT_TRUE(tab->isEmptyTab());
     item->setRepresentedURL(serverURL("/kept"));
-    tab->perform(Action::openBookmark, {.menuItem = item.get()});
+    tab->perform(BrowserAction::openBookmark, {.menuItem = item.get()});
     EXPECT_TRUE(waitForTitle(tab, "kept"));
 }
 

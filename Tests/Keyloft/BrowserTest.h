@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Keyloft/BrowserAction.h"
 #include "Keyloft/BrowserWindowController.h"
 #include "KeyloftBrowserKit/BookmarkStore.h"
 #include "Platform/AppKit/Menu.h"
@@ -14,6 +15,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace BrowserAction = Keyloft::BrowserAction;
 
 /// Tabs as the application opens them, a bookmark store of the test's own, and a web server for the pages.
 class BrowserTest : public testing::Test {

@@ -61,7 +61,7 @@ protected:
 
 TEST_F(ControllerLifetimeTest, aTabEndsHoweverItIsClosed) {
     expectEndBy([](Controller& tab) { tab.window()->close(); });
-    expectEndBy([](Controller& tab) { tab.window()->perform(Action::performClose, {}); });
+    expectEndBy([](Controller& tab) { tab.window()->perform(StandardAction::performClose, {}); });
     expectEndBy([](Controller& tab) { TestSupport::closeTab(*tab.window()); });
     expectEndBy([](Controller& tab) { TestSupport::closeNativeWindow(*tab.window()); });
     expectEndBy([](Controller& tab) {

@@ -47,7 +47,7 @@ TEST_F(AddressEditingTest, openLocationSelectsTheWholeAddress) {
     const auto tab = openActiveTab();
     ASSERT_TRUE(loadPage(tab, "/page"));
     ASSERT_TRUE(hasFocus(*tab->webView()));
-    performFromMenu(*tab, Action::focusAddressBar);
+    performFromMenu(*tab, BrowserAction::focusAddressBar);
     ASSERT_TRUE(runUntil([&] { return hasFocus(*tab->addressField()); }));
     EXPECT_EQ(TestSupport::selectedText(*tab->addressField()), server.url("/page"));
     EXPECT_FALSE(tab->isEditingAddress());

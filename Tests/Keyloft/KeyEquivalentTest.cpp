@@ -211,7 +211,8 @@ protected:
     }
 
     [[nodiscard]] static bool openPanel() {
-        EXPECT_TRUE(Application::shared().sendAction(Action::orderFrontStandardAboutPanel, nullptr, {}));
+        EXPECT_TRUE(
+            Application::shared().sendAction(StandardAction::orderFrontStandardAboutPanel, nullptr, {}));
         return runUntil([] { return TestSupport::activeTitle() == panel; });
     }
 };

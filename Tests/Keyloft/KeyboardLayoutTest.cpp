@@ -63,30 +63,30 @@ TEST_P(KeyboardLayoutTest, everyKeyEquivalentCanBeTyped) {
     TestSupport::activate(*tab->window());
     ASSERT_TRUE(loadPage(tab, "/one"));
     ASSERT_TRUE(loadPage(tab, "/two"));
-    press(Action::toggleBookmark, [&] { return tab->isBookmarked(); });
-    press(Action::reload, [&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); });
-    press(Action::goBack, [&] { return waitForTitle(tab, "/one") && tab->webView()->canGoForward(); });
-    press(Action::goForward, [&] { return waitForTitle(tab, "/two"); });
+    press(BrowserAction::toggleBookmark, [&] { return tab->isBookmarked(); });
+    press(BrowserAction::reload, [&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); });
+    press(BrowserAction::goBack, [&] { return waitForTitle(tab, "/one") && tab->webView()->canGoForward(); });
+    press(BrowserAction::goForward, [&] { return waitForTitle(tab, "/two"); });
     tab->load(serverURL("/endless"));
     ASSERT_TRUE(runUntil([&] { return tab->window()->title() == "endless"; }));
-    press(Action::stopLoading, [&] { return !tab->webView()->isLoading(); });
+    press(BrowserAction::stopLoading, [&] { return !tab->webView()->isLoading(); });
 
     TextField& field = *tab->addressField();
     const auto address = server.url("/endless");
-    press(Action::focusAddressBar, [&] { return TestSupport::selectedText(field) == address; });
-    press(Action::cut, [&] { return field.stringValue().empty(); });
-    press(Action::paste, [&] { return field.stringValue() == address; });
-    press(Action::undo, [&] { return field.stringValue() != address; });
-    press(Action::redo, [&] { return field.stringValue() == address; });
-    press(Action::selectAll, [&] { return TestSupport::selectedText(field) == address; });
+    press(BrowserAction::focusAddressBar, [&] { return TestSupport::selectedText(field) == address; });
+    press(StandardAction::cut, [&] { return field.stringValue().empty(); });
+    press(StandardAction::paste, [&] { return field.stringValue() == address; });
+    press(StandardAction::undo, [&] { return field.stringValue() != address; });
+    press(StandardAction::redo, [&] { return field.stringValue() == address; });
+    press(StandardAction::selectAll, [&] { return TestSupport::selectedText(field) == address; });
     pressKey("Home");
     pressKey("shift+Right");
-    press(Action::copy, [&] { return TestSupport::selectedText(field) == address.substr(0, 1); });
+    press(StandardAction::copy, [&] { return TestSupport::selectedText(field) == address.substr(0, 1); });
     pressKey("End");
-    press(Action::paste, [&] { return field.stringValue() == address + address.front(); });
+    press(StandardAction::paste, [&] { return field.stringValue() == address + address.front(); });
 
     for (std::size_t count = 2; count <= 3; ++count) {
-        press(Action::newTab, [&] {
+        press(BrowserAction::newTab, [&] {
             return controllers().size() == count && hasFocus(*controllers().back()->addressField());
         });
     }
@@ -94,17 +94,17 @@ TEST_P(KeyboardLayoutTest, everyKeyEquivalentCanBeTyped) {
         return TestSupport::isSelectedTab(*controllers()[index]->window());
     };
     ASSERT_TRUE(isSelected(2));
-    press(Action::selectPreviousTab, [&] { return isSelected(1); });
-    press(Action::selectNextTab, [&] { return isSelected(2); });
-    for (const Action action : {Action::hide, Action::performMiniaturize}) {
+    press(StandardAction::selectPreviousTab, [&] { return isSelected(1); });
+    press(StandardAction::selectNextTab, [&] { return isSelected(2); });
+    for (const Action action : {StandardAction::hide, StandardAction::performMiniaturize}) {
         press(action, [&] { return !TestSupport::isActive(*tab->window()); });
         TestSupport::activate(*controllers()[2]->window());
     }
-    press(Action::performClose, [&] { return controllers().size() == 2; });
+    press(StandardAction::performClose, [&] { return controllers().size() == 2; });
 
     // The first would end the tests; the second is never enabled on Linux.
-    pressed.insert({Action::terminate, Action::hideOtherApplications});
+    pressed.insert({StandardAction::terminate, StandardAction::hideOtherApplications});
     for (const auto& item : itemsWithKeys()) {
-        EXPECT_TRUE(pressed.contains(item->action().value_or(Action::newTab))) << item->title();
+        EXPECT_TRUE(pressed.contains(item->action().value_or(BrowserAction::newTab))) << item->title();
     }
 }

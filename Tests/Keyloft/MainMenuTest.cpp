@@ -55,40 +55,44 @@ TEST_F(MainMenuTest, hasTheseMenusAndItems) {
     const std::vector<Submenu> expected = {
         {"Keyloft",
          "",
-         {{"About Keyloft", "", Action::orderFrontStandardAboutPanel},
+         {{"About Keyloft", "", StandardAction::orderFrontStandardAboutPanel},
           separator,
-          {"Hide Keyloft", "h", Action::hide},
-          {"Hide Others", "h", Action::hideOtherApplications, ModifierFlags::optionCommand},
-          {"Show All", "", Action::unhideAllApplications},
+          {"Hide Keyloft", "h", StandardAction::hide},
+          {"Hide Others", "h", StandardAction::hideOtherApplications, ModifierFlags::optionCommand},
+          {"Show All", "", StandardAction::unhideAllApplications},
           separator,
-          {"Quit Keyloft", "q", Action::terminate}}},
+          {"Quit Keyloft", "q", StandardAction::terminate}}},
         {"File",
          "File",
-         {{"New Tab", "t", Action::newTab},
-          {"Open Location\u2026", "l", Action::focusAddressBar},
+         {{"New Tab", "t", BrowserAction::newTab},
+          {"Open Location\u2026", "l", BrowserAction::focusAddressBar},
           separator,
-          {"Close Tab", "w", Action::performClose}}},
+          {"Close Tab", "w", StandardAction::performClose}}},
         {"Edit",
          "Edit",
-         {{"Undo", "z", Action::undo},
-          {"Redo", "Z", Action::redo},
+         {{"Undo", "z", StandardAction::undo},
+          {"Redo", "Z", StandardAction::redo},
           separator,
-          {"Cut", "x", Action::cut},
-          {"Copy", "c", Action::copy},
-          {"Paste", "v", Action::paste},
-          {"Select All", "a", Action::selectAll}}},
-        {"View", "View", {{"Reload Page", "r", Action::reload}, {"Stop", ".", Action::stopLoading}}},
-        {"History", "History", {{"Back", "[", Action::goBack}, {"Forward", "]", Action::goForward}}},
+          {"Cut", "x", StandardAction::cut},
+          {"Copy", "c", StandardAction::copy},
+          {"Paste", "v", StandardAction::paste},
+          {"Select All", "a", StandardAction::selectAll}}},
+        {"View",
+         "View",
+         {{"Reload Page", "r", BrowserAction::reload}, {"Stop", ".", BrowserAction::stopLoading}}},
+        {"History",
+         "History",
+         {{"Back", "[", BrowserAction::goBack}, {"Forward", "]", BrowserAction::goForward}}},
         {"Bookmarks", "Bookmarks", {}},
         {"Window",
          "Window",
-         {{"Minimize", "m", Action::performMiniaturize},
-          {"Zoom", "", Action::performZoom},
+         {{"Minimize", "m", StandardAction::performMiniaturize},
+          {"Zoom", "", StandardAction::performZoom},
           separator,
-          {"Show Previous Tab", "{", Action::selectPreviousTab},
-          {"Show Next Tab", "}", Action::selectNextTab},
+          {"Show Previous Tab", "{", StandardAction::selectPreviousTab},
+          {"Show Next Tab", "}", StandardAction::selectNextTab},
           separator,
-          {"Bring All to Front", "", Action::arrangeInFront}}},
+          {"Bring All to Front", "", StandardAction::arrangeInFront}}},
     };
     const auto menu = Keyloft::AppDelegate::create()->buildMainMenu();
     ASSERT_EQ(menu->items().size(), expected.size());
@@ -117,7 +121,7 @@ TEST_F(MainMenuTest, itsBookmarksMenuIsTheDelegates) {
 
 TEST_F(MainMenuTest, theBookmarksMenuIsMadeAnewForEachOpening) {
     auto& menu = *delegate->bookmarksMenu();
-    const std::vector<Item> head = {{"Add Bookmark", "d", Action::toggleBookmark}, separator};
+    const std::vector<Item> head = {{"Add Bookmark", "d", BrowserAction::toggleBookmark}, separator};
     delegate->menuNeedsUpdate(menu);
     expectMenu(menu, head);
 
@@ -125,7 +129,8 @@ TEST_F(MainMenuTest, theBookmarksMenuIsMadeAnewForEachOpening) {
     delegate->bookmarks()->add({"Two", url("https://two.test/")});
     delegate->menuNeedsUpdate(menu);
     auto expected = head;
-    expected.insert(expected.end(), {{"One", "", Action::openBookmark}, {"Two", "", Action::openBookmark}});
+    expected.insert(expected.end(),
+                    {{"One", "", BrowserAction::openBookmark}, {"Two", "", BrowserAction::openBookmark}});
     expectMenu(menu, expected);
     EXPECT_EQ(menu.items()[0]->representedURL(), std::nullopt);
     EXPECT_EQ(menu.items()[2]->representedURL(), url("https://one.test/"));
@@ -177,10 +182,12 @@ TEST_F(MainMenuTest, everyActionReachesSomebodyWhileATabIsOpen) {
 }
 
 TEST_F(MainMenuTest, withoutATabNewTabAndTheApplicationsOwnActionsRemain) {
-    for (const Action action : {Action::newTab, Action::terminate, Action::orderFrontStandardAboutPanel}) {
+    for (const Action action :
+         {BrowserAction::newTab, StandardAction::terminate, StandardAction::orderFrontStandardAboutPanel}) {
         EXPECT_NE(Application::shared().targetForAction(action), nullptr);
     }
-    for (const Action action : {Action::reload, Action::performClose, Action::copy, Action::toggleBookmark}) {
+    for (const Action action : {BrowserAction::reload, StandardAction::performClose, StandardAction::copy,
+                                BrowserAction::toggleBookmark}) {
         EXPECT_EQ(Application::shared().targetForAction(action), nullptr);
     }
 }

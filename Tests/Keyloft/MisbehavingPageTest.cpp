@@ -66,7 +66,7 @@ TEST_F(MisbehavingPageTest, aPageThatNeverFinishesIsUsableAndCanBeStoppedReplace
     EXPECT_TRUE(loadPage(tab, "/replacing"));
     tab->load(serverURL("/endless"));
     ASSERT_TRUE(runUntil([&] { return tab->window()->title() == "endless"; }));
-    performFromMenu(*tab, Action::stopLoading);
+    performFromMenu(*tab, BrowserAction::stopLoading);
     EXPECT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
     EXPECT_EQ(tab->webView()->url(), serverURL("/endless"));
     EXPECT_FALSE(TestSupport::shownSheet(*tab->window()));

@@ -65,7 +65,7 @@ TEST_F(NavigationTest, blankTextDoesNothing) {
         tab->navigateFromAddressField();
         tab->searchField()->setStringValue(blank);
         tab->searchFromSearchField();
-        performFromMenu(*tab, Action::reload);
+        performFromMenu(*tab, BrowserAction::reload);
         tab->reloadButton()->sendAction();
         EXPECT_TRUE(tab->isEmptyTab()) << '"' << blank << '"';
         EXPECT_EQ(tab->addressField()->stringValue(), blank);
@@ -101,9 +101,9 @@ TEST_F(NavigationTest, backAndForwardGoThroughTheHistory) {
     EXPECT_TRUE(tab->backButton()->isEnabled());
     EXPECT_FALSE(tab->forwardButton()->isEnabled());
 
-    performFromMenu(*tab, Action::goBack);
+    performFromMenu(*tab, BrowserAction::goBack);
     ASSERT_TRUE(waitForTitle(tab, "/one"));
-    performFromMenu(*tab, Action::goForward);
+    performFromMenu(*tab, BrowserAction::goForward);
     ASSERT_TRUE(waitForTitle(tab, "/two"));
 }
 
@@ -130,7 +130,7 @@ TEST_F(NavigationTest, reloadingFromTheMenuReloadsEvenWhileThePageLoads) {
     tab->load(serverURL("/endless"));
     ASSERT_TRUE(runUntil([&] { return tab->window()->title() == "endless"; }));
     ASSERT_TRUE(tab->webView()->isLoading());
-    performFromMenu(*tab, Action::reload);
+    performFromMenu(*tab, BrowserAction::reload);
     ASSERT_TRUE(runUntil([&] { return server.count("/endless") == 2; }));
     EXPECT_TRUE(tab->webView()->isLoading());
     EXPECT_FALSE(TestSupport::shownSheet(*tab->window()));
@@ -142,7 +142,7 @@ TEST_F(NavigationTest, stopStopsAnAnswerThatHasNotCome) {
     ASSERT_TRUE(loadPage(tab, "/shown"));
     tab->load(serverURL("/held"));
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
-    performFromMenu(*tab, Action::stopLoading);
+    performFromMenu(*tab, BrowserAction::stopLoading);
     ASSERT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
     // The page before stays.
     ASSERT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/shown"); }));
@@ -157,7 +157,7 @@ TEST_F(NavigationTest, reloadReloadsThePageWhateverStandsInTheAddressField) {
     tab->addressField()->setStringValue(server.url("/other"));
     tab->reloadButton()->sendAction();
     ASSERT_TRUE(runUntil([&] { return server.count("/page") == 2 && !tab->webView()->isLoading(); }));
-    performFromMenu(*tab, Action::reload);
+    performFromMenu(*tab, BrowserAction::reload);
     ASSERT_TRUE(runUntil([&] { return server.count("/page") == 3 && !tab->webView()->isLoading(); }));
     EXPECT_EQ(server.count("/other"), 0U);
 }
@@ -171,7 +171,7 @@ TEST_F(NavigationTest, reloadWithoutAPageNavigatesToTheAddressFieldsText) {
 
     const auto byMenu = openTab();
     byMenu->addressField()->setStringValue(server.url("/typed"));
-    performFromMenu(*byMenu, Action::reload);
+    performFromMenu(*byMenu, BrowserAction::reload);
     EXPECT_TRUE(waitForTitle(byMenu, "typed"));
 }
 
@@ -181,7 +181,7 @@ TEST_F(NavigationTest, reloadOfAboutBlankDoesNotNavigate) {
     tab->load(url("about:blank"));
     ASSERT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
     tab->addressField()->setStringValue(server.url("/typed"));
-    performFromMenu(*tab, Action::reload);
+    performFromMenu(*tab, BrowserAction::reload);
     ASSERT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
     EXPECT_EQ(tab->webView()->url(), url("about:blank"));
     EXPECT_EQ(server.count("/typed"), 0U);
@@ -212,10 +212,10 @@ TEST_F(NavigationTest, theToolbarsControlsAreWhatTheySay) {
     };
     const auto tab = openTab();
     const Row rows[] = {
-        {tab->backButton(), {"chevron.left", "Back"}, Action::goBack},
-        {tab->forwardButton(), {"chevron.right", "Forward"}, Action::goForward},
-        {tab->reloadButton(), {"arrow.clockwise", "Reload"}, Action::reload},
-        {tab->bookmarkButton(), {"bookmark", "Bookmark this page"}, Action::toggleBookmark},
+        {tab->backButton(), {"chevron.left", "Back"}, BrowserAction::goBack},
+        {tab->forwardButton(), {"chevron.right", "Forward"}, BrowserAction::goForward},
+        {tab->reloadButton(), {"arrow.clockwise", "Reload"}, BrowserAction::reload},
+        {tab->bookmarkButton(), {"bookmark", "Bookmark this page"}, BrowserAction::toggleBookmark},
     };
     for (const auto& [button, image, action] : rows) {
         EXPECT_EQ(button->image(), image);
@@ -227,9 +227,9 @@ TEST_F(NavigationTest, theToolbarsControlsAreWhatTheySay) {
     EXPECT_EQ(tab->addressField()->placeholder(), "Enter a URL or search");
     EXPECT_EQ(tab->addressField()->accessibilityLabel(), "Address");
     EXPECT_EQ(tab->addressField()->font(), Font{14});
-    EXPECT_EQ(tab->addressField()->action(), Action::navigateFromAddressField);
+    EXPECT_EQ(tab->addressField()->action(), BrowserAction::navigateFromAddressField);
     EXPECT_EQ(tab->searchField()->placeholder(), "Search DuckDuckGo");
     EXPECT_EQ(tab->searchField()->accessibilityLabel(), "Search DuckDuckGo");
-    EXPECT_EQ(tab->searchField()->action(), Action::searchFromSearchField);
+    EXPECT_EQ(tab->searchField()->action(), BrowserAction::searchFromSearchField);
     EXPECT_EQ(tab->bookmarksBar()->accessibilityLabel(), "Bookmarks bar");
 }

@@ -16,14 +16,14 @@ TEST_F(NewTabRequestTest, theNewTabButtonAsksForABlankTab) {
         EXPECT_EQ(configuration, nullptr);
         return nullptr;
     };
-    tab->perform(Action::newWindowForTab, {});
+    tab->perform(StandardAction::newWindowForTab, {});
     EXPECT_EQ(asked, 1);
 }
 
 TEST_F(NewTabRequestTest, withoutAnybodyToAskTheNewTabButtonDoesNothing) {
     const auto tab = openTab();
     tab->onNewTab = nullptr;
-    tab->perform(Action::newWindowForTab, {});
+    tab->perform(StandardAction::newWindowForTab, {});
     EXPECT_EQ(tabs.size(), 1U);
 }
 

@@ -106,7 +106,7 @@ protected:
             tab.window()->close();
             break;
         case 1:
-            tab.window()->perform(Action::performClose, {});
+            tab.window()->perform(StandardAction::performClose, {});
             break;
         default:
             TestSupport::closeTab(*tab.window());

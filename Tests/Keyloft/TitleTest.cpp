@@ -77,7 +77,7 @@ TEST_F(AboutBlankTest, countsAsNoPage) {
     EXPECT_EQ(tab->pageURL(), std::nullopt);
     EXPECT_EQ(tab->addressField()->stringValue(), "");
     EXPECT_EQ(tab->window()->title(), "New Tab");
-    EXPECT_FALSE(isEnabled(*tab, Action::toggleBookmark));
+    EXPECT_FALSE(isEnabled(*tab, BrowserAction::toggleBookmark));
     tab->toggleBookmark();
     EXPECT_TRUE(store->bookmarks().empty());
 }
@@ -88,7 +88,7 @@ TEST_F(AboutBlankTest, withMoreInItsTextIsAPage) {
     ASSERT_TRUE(runUntil([&] { return tab->webView()->url() && !tab->webView()->isLoading(); }));
     EXPECT_EQ(tab->pageURL(), url("about:blank#x"));
     EXPECT_EQ(tab->addressField()->stringValue(), "about:blank#x");
-    EXPECT_TRUE(isEnabled(*tab, Action::toggleBookmark));
+    EXPECT_TRUE(isEnabled(*tab, BrowserAction::toggleBookmark));
 }
 
 TEST_F(AboutBlankTest, makesATabThatIsNotEmpty) {

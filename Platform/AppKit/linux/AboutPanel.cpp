@@ -41,11 +41,11 @@ bool AboutPanel::isKey() const { return dialog_ && gtk_window_is_active(GTK_WIND
 bool AboutPanel::respondsTo(Action action) const { return Window::Native::isWindowAction(action); }
 
 void AboutPanel::perform(Action action, const ActionSender& /*sender*/) {
-    if (action == Action::performClose) {
+    if (action == StandardAction::performClose) {
         close();
     }
 }
 
-bool AboutPanel::validateMenuItem(MenuItem& item) { return item.action() == Action::performClose; }
+bool AboutPanel::validateMenuItem(MenuItem& item) { return item.action() == StandardAction::performClose; }
 
 } // namespace Platform

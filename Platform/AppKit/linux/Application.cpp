@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
+#include <map>
 #include <span>
 #include <string>
 
@@ -223,47 +224,38 @@ std::shared_ptr<Responder> Application::targetForAction(Action action) const {
     return nullptr;
 }
 
-bool Application::respondsTo(Action action) const {
-    switch (action) {
-    case Action::orderFrontStandardAboutPanel:
-    case Action::hide:
-    case Action::hideOtherApplications:
-    case Action::unhideAllApplications:
-    case Action::terminate:
-    case Action::arrangeInFront:
-        return true;
-    default:
-        return false;
-    }
+const std::map<Action, void (*)(Application&)>& Application::Native::actions() {
+    static const std::map<Action, void (*)(Application&)> table = {
+        {StandardAction::orderFrontStandardAboutPanel,
+         [](Application& self) {
+             const auto host = self.native_->frontHost();
+             self.native_->aboutPanel.orderFront(host ? host->toplevel() : nullptr, self.native_->mainMenu);
+         }},
+        {StandardAction::hide,
+         [](Application& self) {
+             for (const auto& host : self.native_->visibleHosts()) {
+                 gtk_window_minimize(host->toplevel());
+             }
+         }},
+        {StandardAction::hideOtherApplications, [](Application&) {}},
+        {StandardAction::unhideAllApplications, [](Application& self) { self.native_->bringAllToFront(); }},
+        {StandardAction::arrangeInFront, [](Application& self) { self.native_->bringAllToFront(); }},
+        {StandardAction::terminate, [](Application& self) { self.terminate(); }},
+    };
+    return table;
 }
 
+bool Application::respondsTo(Action action) const { return Native::actions().contains(action); }
+
 void Application::perform(Action action, const ActionSender& /*sender*/) {
-    switch (action) {
-    case Action::orderFrontStandardAboutPanel: {
-        const auto host = native_->frontHost();
-        native_->aboutPanel.orderFront(host ? host->toplevel() : nullptr, native_->mainMenu);
-        break;
-    }
-    case Action::hide:
-        for (const auto& host : native_->visibleHosts()) {
-            gtk_window_minimize(host->toplevel());
-        }
-        break;
-    case Action::unhideAllApplications:
-    case Action::arrangeInFront:
-        native_->bringAllToFront();
-        break;
-    case Action::terminate:
-        terminate();
-        break;
-    default:
-        break;
+    if (const auto found = Native::actions().find(action); found != Native::actions().end()) {
+        found->second(*this);
     }
 }
 
 bool Application::validateMenuItem(MenuItem& item) {
     // No desktop lets a program hide the windows of others.
-    return item.action() != Action::hideOtherApplications;
+    return item.action() != StandardAction::hideOtherApplications;
 }
 
 SavedFrames& Application::Native::savedFrames() {

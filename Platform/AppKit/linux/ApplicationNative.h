@@ -5,6 +5,7 @@
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/AppKit/linux/SavedFrames.h"
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -24,6 +25,8 @@ struct Application::Native {
     bool finishedLaunching = false;
     std::vector<SignalConnection> connections;
 
+    /// What the application itself performs.
+    static const std::map<Action, void (*)(Application&)>& actions();
     static int handleCommandLine(GApplication* application, GApplicationCommandLine* line, gpointer self);
 
     GtkApplication* gtk() const { return application.get(); }

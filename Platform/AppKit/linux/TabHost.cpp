@@ -280,7 +280,7 @@ void TabHost::activeChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpoin
 void TabHost::newTabClicked(GtkButton* /*button*/, gpointer self) {
     const auto host = static_cast<TabHost*>(self)->shared_from_this();
     host->wasUsed();
-    Application::shared().sendAction(Action::newWindowForTab, nullptr, {});
+    Application::shared().sendAction(StandardAction::newWindowForTab, nullptr, {});
 }
 
 } // namespace Platform

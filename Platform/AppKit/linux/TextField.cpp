@@ -5,6 +5,7 @@
 #include "Platform/AppKit/linux/TextFieldNative.h"
 
 #include <cstring>
+#include <map>
 
 namespace Platform {
 
@@ -12,22 +13,13 @@ namespace {
 
 /// The name of the text widget's own action for an editing action, or nothing.
 const char* textActionName(Action action) {
-    switch (action) {
-    case Action::undo:
-        return "text.undo";
-    case Action::redo:
-        return "text.redo";
-    case Action::cut:
-        return "clipboard.cut";
-    case Action::copy:
-        return "clipboard.copy";
-    case Action::paste:
-        return "clipboard.paste";
-    case Action::selectAll:
-        return "selection.select-all";
-    default:
-        return nullptr;
-    }
+    static const std::map<Action, const char*> names = {
+        {StandardAction::undo, "text.undo"},        {StandardAction::redo, "text.redo"},
+        {StandardAction::cut, "clipboard.cut"},     {StandardAction::copy, "clipboard.copy"},
+        {StandardAction::paste, "clipboard.paste"}, {StandardAction::selectAll, "selection.select-all"},
+    };
+    const auto found = names.find(action);
+    return found == names.end() ? nullptr : found->second;
 }
 
 } // namespace

@@ -64,6 +64,26 @@ protected:
     }
 };
 
+void zoom(GtkWindow* window) {
+    if (gtk_window_is_maximized(window)) {
+        gtk_window_unmaximize(window);
+    } else {
+        gtk_window_maximize(window);
+    }
+}
+
+const auto& windowActions() {
+    static const std::map<Action, void (*)(Window&, TabHost&)> table = {
+        {StandardAction::performClose, [](Window& window, TabHost&) { window.close(); }},
+        {StandardAction::performMiniaturize,
+         [](Window&, TabHost& host) { gtk_window_minimize(host.toplevel()); }},
+        {StandardAction::performZoom, [](Window&, TabHost& host) { zoom(host.toplevel()); }},
+        {StandardAction::selectPreviousTab, [](Window&, TabHost& host) { host.selectNeighbour(-1); }},
+        {StandardAction::selectNextTab, [](Window&, TabHost& host) { host.selectNeighbour(1); }},
+    };
+    return table;
+}
+
 } // namespace
 
 Window::Window(Size contentSize, Style style)
@@ -179,47 +199,12 @@ void Window::close() {
 
 bool Window::respondsTo(Action action) const { return Native::isWindowAction(action); }
 
-bool Window::Native::isWindowAction(Action action) {
-    switch (action) {
-    case Action::performClose:
-    case Action::performMiniaturize:
-    case Action::performZoom:
-    case Action::selectPreviousTab:
-    case Action::selectNextTab:
-        return true;
-    default:
-        return false;
-    }
-}
+bool Window::Native::isWindowAction(Action action) { return windowActions().contains(action); }
 
 void Window::perform(Action action, const ActionSender& /*sender*/) {
-    const auto host = TabHost::of(*this);
-    if (!host) {
-        return;
-    }
-    GtkWindow* toplevel = host->toplevel();
-    switch (action) {
-    case Action::performClose:
-        close();
-        break;
-    case Action::performMiniaturize:
-        gtk_window_minimize(toplevel);
-        break;
-    case Action::performZoom:
-        if (gtk_window_is_maximized(toplevel)) {
-            gtk_window_unmaximize(toplevel);
-        } else {
-            gtk_window_maximize(toplevel);
-        }
-        break;
-    case Action::selectPreviousTab:
-        host->selectNeighbour(-1);
-        break;
-    case Action::selectNextTab:
-        host->selectNeighbour(1);
-        break;
-    default:
-        break;
+    const auto found = windowActions().find(action);
+    if (const auto host = TabHost::of(*this); host && found != windowActions().end()) {
+        found->second(*this, *host);
     }
 }
 
@@ -228,16 +213,16 @@ bool Window::validateMenuItem(MenuItem& item) {
     if (!host) {
         return false;
     }
-    switch (item.action().value_or(Action::performClose)) {
-    case Action::performClose:
+    if (item.action() == StandardAction::performClose) {
         return style_.closable;
-    case Action::performMiniaturize:
-        return style_.miniaturizable;
-    case Action::performZoom:
-        return style_.resizable;
-    default:
-        return adw_tab_view_get_n_pages(host->tabView()) > 1;
     }
+    if (item.action() == StandardAction::performMiniaturize) {
+        return style_.miniaturizable;
+    }
+    if (item.action() == StandardAction::performZoom) {
+        return style_.resizable;
+    }
+    return adw_tab_view_get_n_pages(host->tabView()) > 1;
 }
 
 void Window::Native::makePage(Window& window) {

@@ -22,19 +22,22 @@
 
 @implementation KeyloftApplicationDelegate
 
-+ (void)initialize {
-    if (self == KeyloftApplicationDelegate.class) {
-        Platform::addActionMethods(self);
-    }
-}
-
 - (std::shared_ptr<Platform::Responder>)keyloftResponder {
     return delegate.lock();
 }
 
 - (BOOL)respondsToSelector:(SEL)selector {
-    return Platform::isAction(selector) ? Platform::respondsTo(self, selector)
-                                        : [super respondsToSelector:selector];
+    return Platform::respondsTo(self, selector) || [super respondsToSelector:selector];
+}
+
+- (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
+    // An action's method takes one object and returns nothing, as that one does.
+    const bool isForwarded = Platform::respondsTo(self, selector);
+    return [super methodSignatureForSelector:isForwarded ? @selector(forwardInvocation:) : selector];
+}
+
+- (void)forwardInvocation:(NSInvocation*)invocation {
+    Platform::forwardAction(self, invocation);
 }
 
 - (BOOL)validateMenuItem:(NSMenuItem*)menuItem {

@@ -15,14 +15,12 @@
 
 namespace Platform {
 
-/// Gives every action's selector a method that performs the action on the proxy's responder. To be called
-/// once for each proxy class, in its `initialize`.
-void addActionMethods(Class _Nonnull proxyClass);
-
-/// What a proxy's `respondsToSelector:` answers where the selector is an action's: whether its responder
-/// does.
-bool isAction(SEL _Nonnull selector);
+/// Returns true if the selector is an action's and the proxy's responder responds to the action. A proxy has
+/// no methods for these selectors: it answers for them in `respondsToSelector:` and forwards them.
 bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
+
+/// What a proxy's `forwardInvocation:` does: performs the action on the responder.
+void forwardAction(id<KeyloftResponderProxy> _Nonnull proxy, NSInvocation* _Nonnull invocation) noexcept;
 
 /// What a proxy's `validateMenuItem:` does: asks the responder about our item, and shows the title that it
 /// leaves. About an item of AppKit's own, such as a tab bar's "New Tab", it asks by the item's action.

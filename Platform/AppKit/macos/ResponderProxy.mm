@@ -24,19 +24,22 @@
 
 @implementation KeyloftActionTarget
 
-+ (void)initialize {
-    if (self == KeyloftActionTarget.class) {
-        Platform::addActionMethods(self);
-    }
-}
-
 - (std::shared_ptr<Platform::Responder>)keyloftResponder {
     return responder.lock();
 }
 
 - (BOOL)respondsToSelector:(SEL)selector {
-    return Platform::isAction(selector) ? Platform::respondsTo(self, selector)
-                                        : [super respondsToSelector:selector];
+    return Platform::respondsTo(self, selector) || [super respondsToSelector:selector];
+}
+
+- (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
+    // An action's method takes one object and returns nothing, as that one does.
+    const bool isForwarded = Platform::respondsTo(self, selector);
+    return [super methodSignatureForSelector:isForwarded ? @selector(forwardInvocation:) : selector];
+}
+
+- (void)forwardInvocation:(NSInvocation*)invocation {
+    Platform::forwardAction(self, invocation);
 }
 
 - (BOOL)validateMenuItem:(NSMenuItem*)menuItem {
@@ -47,30 +50,20 @@
 
 namespace Platform {
 
-namespace {
-
-/// The method behind every action's selector. Must not throw: AppKit's frames lie behind it.
-void performAction(id<KeyloftResponderProxy> self, SEL selector, id sender) noexcept {
-    const auto responder = [self keyloftResponder];
-    const auto action = actionFor(selector);
+// Must not throw: AppKit's frames lie behind it.
+void forwardAction(id<KeyloftResponderProxy> proxy, NSInvocation* invocation) noexcept {
+    const auto responder = [proxy keyloftResponder];
+    const auto action = actionFor(invocation.selector);
     if (responder == nullptr || !action) {
         return;
     }
+    __unsafe_unretained id sender = nil;
+    [invocation getArgument:&sender atIndex:2];
     // Kept until the action has been performed, whatever it closes.
     const auto control = std::dynamic_pointer_cast<Control>(viewOf(sender));
     const auto menuItem = menuItemOf(sender);
     responder->perform(*action, {.control = control.get(), .menuItem = menuItem.get()});
 }
-
-} // namespace
-
-void addActionMethods(Class proxyClass) {
-    for (const auto& entry : actionSelectors()) {
-        class_addMethod(proxyClass, entry.selector, reinterpret_cast<IMP>(&performAction), "v@:@");
-    }
-}
-
-bool isAction(SEL selector) { return actionFor(selector).has_value(); }
 
 bool respondsTo(id<KeyloftResponderProxy> proxy, SEL selector) noexcept {
     const auto responder = [proxy keyloftResponder];

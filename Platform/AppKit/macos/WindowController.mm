@@ -18,12 +18,6 @@
 
 @implementation KeyloftWindowController
 
-+ (void)initialize {
-    if (self == KeyloftWindowController.class) {
-        Platform::addActionMethods(self);
-    }
-}
-
 - (instancetype)initWithController:(const std::weak_ptr<Platform::WindowController>&)controller
                             window:(NSWindow*)window {
     self = [super initWithWindow:window];
@@ -48,8 +42,17 @@
 }
 
 - (BOOL)respondsToSelector:(SEL)selector {
-    return Platform::isAction(selector) ? Platform::respondsTo(self, selector)
-                                        : [super respondsToSelector:selector];
+    return Platform::respondsTo(self, selector) || [super respondsToSelector:selector];
+}
+
+- (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
+    // An action's method takes one object and returns nothing, as that one does.
+    const bool isForwarded = Platform::respondsTo(self, selector);
+    return [super methodSignatureForSelector:isForwarded ? @selector(forwardInvocation:) : selector];
+}
+
+- (void)forwardInvocation:(NSInvocation*)invocation {
+    Platform::forwardAction(self, invocation);
 }
 
 - (BOOL)validateMenuItem:(NSMenuItem*)menuItem {

@@ -4,6 +4,7 @@
 #include "Platform/WebKit/linux/UserContentControllerNative.h"
 #include "Platform/WebKit/linux/WebViewConfigurationNative.h"
 
+#include <map>
 #include <utility>
 
 namespace Platform {
@@ -34,22 +35,16 @@ std::optional<std::string> nonEmpty(const char* text) {
 
 /// The editing command of an action, or nothing.
 const char* editingCommand(Action action) {
-    switch (action) {
-    case Action::undo:
-        return WEBKIT_EDITING_COMMAND_UNDO;
-    case Action::redo:
-        return WEBKIT_EDITING_COMMAND_REDO;
-    case Action::cut:
-        return WEBKIT_EDITING_COMMAND_CUT;
-    case Action::copy:
-        return WEBKIT_EDITING_COMMAND_COPY;
-    case Action::paste:
-        return WEBKIT_EDITING_COMMAND_PASTE;
-    case Action::selectAll:
-        return WEBKIT_EDITING_COMMAND_SELECT_ALL;
-    default:
-        return nullptr;
-    }
+    static const std::map<Action, const char*> names = {
+        {StandardAction::undo, WEBKIT_EDITING_COMMAND_UNDO},
+        {StandardAction::redo, WEBKIT_EDITING_COMMAND_REDO},
+        {StandardAction::cut, WEBKIT_EDITING_COMMAND_CUT},
+        {StandardAction::copy, WEBKIT_EDITING_COMMAND_COPY},
+        {StandardAction::paste, WEBKIT_EDITING_COMMAND_PASTE},
+        {StandardAction::selectAll, WEBKIT_EDITING_COMMAND_SELECT_ALL},
+    };
+    const auto found = names.find(action);
+    return found == names.end() ? nullptr : found->second;
 }
 
 } // namespace

@@ -11,14 +11,15 @@
 #include <utility>
 
 /// WKWebView precedes the window's controller in the responder chain and implements some of the program's
-/// actions (`reload:`, `goBack:` …). Leave these to the controller, which validates them.
+/// actions. Leave these to the controller, which validates them.
 @interface KeyloftWebView : WKWebView
 @end
 
 @implementation KeyloftWebView
 - (BOOL)respondsToSelector:(SEL)selector {
-    const auto action = Platform::actionFor(selector);
-    return (!action || Platform::isEditing(*action)) && [super respondsToSelector:selector];
+    const bool isControllers = selector == @selector(reload:) || selector == @selector(stopLoading:) ||
+                               selector == @selector(goBack:) || selector == @selector(goForward:);
+    return !isControllers && [super respondsToSelector:selector];
 }
 @end
 

@@ -29,6 +29,8 @@ namespace {
 using Keyloft::AppDelegate;
 using Keyloft::BrowserWindowController;
 using KeyloftBrowserKit::BookmarkStore;
+namespace BrowserAction = Keyloft::BrowserAction;
+namespace StandardAction = Platform::StandardAction;
 using Platform::Action;
 using Platform::fromNSString;
 using Platform::selectorFor;
@@ -75,21 +77,34 @@ TEST_F(NativeBrowser, theControllerIsKnownByItsNameAndRespondsToItsOwnActionsOnl
     ASSERT_TRUE(native != nil);
     EXPECT_EQ(classNameOf(native), "BrowserWindowController");
     EXPECT_TRUE(static_cast<id>(window().delegate) == native);
-    for (const Action action : {Action::reload, Action::newWindowForTab, Action::toggleBookmark}) {
+    for (const Action action :
+         {BrowserAction::reload, StandardAction::newWindowForTab, BrowserAction::toggleBookmark}) {
         EXPECT_TRUE([native respondsToSelector:selectorFor(action)]);
     }
-    for (const Action action : {Action::performClose, Action::copy, Action::newTab}) {
+    for (const Action action : {StandardAction::performClose, StandardAction::copy, BrowserAction::newTab}) {
         EXPECT_FALSE([native respondsToSelector:selectorFor(action)]);
     }
+}
+
+TEST_F(NativeBrowser, anActionReachesTheControllerWhichHasNoMethodForIt) {
+    int asked = 0;
+    controller().onNewTab = [&](const auto& /*url*/, const auto& /*configuration*/) {
+        ++asked;
+        return nullptr;
+    };
+    EXPECT_TRUE([NSApplication.sharedApplication sendAction:selectorFor(StandardAction::newWindowForTab)
+                                                         to:window().windowController
+                                                       from:nil]);
+    EXPECT_EQ(asked, 1);
 }
 
 TEST_F(NativeBrowser, anItemOfTheSystemsOwnIsValidatedByItsAction) {
     const id native = window().windowController;
     NSMenuItem* const newTab = [[NSMenuItem alloc] initWithTitle:@"New Tab"
-                                                          action:selectorFor(Action::newWindowForTab)
+                                                          action:selectorFor(StandardAction::newWindowForTab)
                                                    keyEquivalent:@""];
     NSMenuItem* const back = [[NSMenuItem alloc] initWithTitle:@"Back"
-                                                        action:selectorFor(Action::goBack)
+                                                        action:selectorFor(BrowserAction::goBack)
                                                  keyEquivalent:@""];
     EXPECT_TRUE([static_cast<id<NSMenuItemValidation>>(native) validateMenuItem:newTab]);
     EXPECT_FALSE([static_cast<id<NSMenuItemValidation>>(native) validateMenuItem:back]);
@@ -103,16 +118,16 @@ TEST_F(NativeBrowser, toolbarButtonsAreTexturedAndSendTheirActionsToTheControlle
     EXPECT_FALSE(back.enabled);
     EXPECT_TRUE(back.image != nil);
     EXPECT_EQ(fromNSString(back.toolTip), "Back");
-    EXPECT_EQ(back.action, selectorFor(Action::goBack));
+    EXPECT_EQ(back.action, selectorFor(BrowserAction::goBack));
     EXPECT_TRUE(back.target == window().windowController);
-    EXPECT_EQ(buttonOf(*controller().reloadButton()).action, selectorFor(Action::reload));
+    EXPECT_EQ(buttonOf(*controller().reloadButton()).action, selectorFor(BrowserAction::reload));
 }
 
 TEST_F(NativeBrowser, bookmarkButtonsAreRecessedAndCarryTheirURL) {
     NSButton* const first = buttonOf(*controller().bookmarksBar()->arrangedSubviews().front());
     EXPECT_EQ(first.bezelStyle, 13U);
     EXPECT_FALSE(first.bordered);
-    EXPECT_EQ(first.action, selectorFor(Action::openBookmark));
+    EXPECT_EQ(first.action, selectorFor(BrowserAction::openBookmark));
     NSURL* const url = first.cell.representedObject;
     EXPECT_EQ(fromNSString(url.absoluteString), fromNSString(first.toolTip));
 }
@@ -144,7 +159,7 @@ TEST_F(NativeBrowser, thePageIsNotAskedWhereItMayGo) {
     EXPECT_TRUE(page.allowsBackForwardNavigationGestures);
     EXPECT_FALSE([page.navigationDelegate
         respondsToSelector:@selector(webView:decidePolicyForNavigationAction:decisionHandler:)]);
-    EXPECT_FALSE([page respondsToSelector:selectorFor(Action::reload)]);
+    EXPECT_FALSE([page respondsToSelector:selectorFor(BrowserAction::reload)]);
 }
 
 TEST(NativeMainMenu, isTheSystemsOwn) {

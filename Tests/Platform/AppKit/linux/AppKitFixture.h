@@ -17,6 +17,17 @@
 
 namespace Platform::Tests {
 
+/// Actions of a program, not of the system.
+namespace TestAction {
+inline constexpr Action newTab("newTab");
+inline constexpr Action navigateFromAddressField("navigateFromAddressField");
+inline constexpr Action searchFromSearchField("searchFromSearchField");
+inline constexpr Action reload("reload");
+inline constexpr Action goBack("goBack");
+inline constexpr Action toggleBookmark("toggleBookmark");
+inline constexpr Action openBookmark("openBookmark");
+} // namespace TestAction
+
 /// A responder that notes what reaches it.
 class Recorder : public Responder {
 public:

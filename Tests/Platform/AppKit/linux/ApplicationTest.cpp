@@ -32,7 +32,7 @@ protected:
 
     static std::shared_ptr<RecordingController> open(const std::string& title) {
         auto controller = RecordingController::create(title);
-        controller->recorder.answers = Action::reload;
+        controller->recorder.answers = TestAction::reload;
         show(controller->window());
         EXPECT_TRUE(runUntil([&] { return isActive(*controller); })) << title;
         return controller;
@@ -63,9 +63,9 @@ protected:
 TEST_F(ApplicationTest, hideMinimisesEveryWindowAndShowAllBringsThemBack) {
     const auto a = open("a");
     const auto b = open("b");
-    perform(Action::hide);
+    perform(StandardAction::hide);
     EXPECT_TRUE(runUntil([&] { return isMinimized(*a) && isMinimized(*b); }));
-    perform(Action::unhideAllApplications);
+    perform(StandardAction::unhideAllApplications);
     EXPECT_TRUE(runUntil([&] { return !isMinimized(*a) && !isMinimized(*b); }));
     // The one that was in front is so again.
     EXPECT_TRUE(runUntil([&] { return isActive(*b); }));
@@ -79,7 +79,7 @@ TEST_F(ApplicationTest, bringAllToFrontPresentsEveryWindowTheFrontOneLast) {
     use(*a);
     gtk_window_minimize(toplevelOf(*b));
     ASSERT_TRUE(runUntil([&] { return isMinimized(*b); }));
-    perform(Action::arrangeInFront);
+    perform(StandardAction::arrangeInFront);
     EXPECT_TRUE(runUntil([&] { return !isMinimized(*b) && isActive(*a); }));
     EXPECT_EQ(Application::shared().mainWindow(), a->window());
 }
@@ -99,28 +99,29 @@ TEST_F(ApplicationTest, minimiseAndZoomActOnTheTopLevel) {
     const auto second = RecordingController::create("second");
     first->window()->addTabbedWindow(second->window());
     for (const bool isMaximized : {true, false}) {
-        perform(Action::performZoom);
+        perform(StandardAction::performZoom);
         EXPECT_TRUE(
             runUntil([&] { return (gtk_window_is_maximized(toplevelOf(*first)) == TRUE) == isMaximized; }));
     }
-    perform(Action::performMiniaturize);
+    perform(StandardAction::performMiniaturize);
     EXPECT_TRUE(runUntil([&] { return isMinimized(*first); }));
 }
 
 TEST_F(ApplicationTest, hideOthersIsTheOnlyItemOfItsOwnThatIsGrey) {
-    for (const Action action : {Action::orderFrontStandardAboutPanel, Action::hide,
-                                Action::unhideAllApplications, Action::terminate, Action::arrangeInFront}) {
+    for (const Action action :
+         {StandardAction::orderFrontStandardAboutPanel, StandardAction::hide,
+          StandardAction::unhideAllApplications, StandardAction::terminate, StandardAction::arrangeInFront}) {
         const auto item = MenuItem::create("", action);
         EXPECT_TRUE(Application::shared().respondsTo(action));
-        EXPECT_TRUE(Application::shared().validateMenuItem(*item)) << static_cast<int>(action);
+        EXPECT_TRUE(Application::shared().validateMenuItem(*item)) << action.name();
     }
-    const auto item = MenuItem::create("", Action::hideOtherApplications);
+    const auto item = MenuItem::create("", StandardAction::hideOtherApplications);
     EXPECT_FALSE(Application::shared().validateMenuItem(*item));
 }
 
 TEST_F(ApplicationTest, theAboutPanelNamesProgramVersionAndLicence) {
     const auto window = open("a");
-    perform(Action::orderFrontStandardAboutPanel);
+    perform(StandardAction::orderFrontStandardAboutPanel);
     ASSERT_EQ(aboutPanels().size(), 1U);
     GtkAboutDialog* panel = aboutPanels().front();
     EXPECT_STREQ(gtk_about_dialog_get_program_name(panel), "Keyloft");
@@ -135,20 +136,20 @@ TEST_F(ApplicationTest, theAboutPanelNamesProgramVersionAndLicence) {
 
 TEST_F(ApplicationTest, thereIsOneAboutPanel) {
     const auto a = open("a");
-    perform(Action::orderFrontStandardAboutPanel);
+    perform(StandardAction::orderFrontStandardAboutPanel);
     const auto b = open("b");
-    perform(Action::orderFrontStandardAboutPanel);
+    perform(StandardAction::orderFrontStandardAboutPanel);
     ASSERT_EQ(aboutPanels().size(), 1U);
     EXPECT_TRUE(runUntil([&] { return gtk_window_is_active(GTK_WINDOW(aboutPanels().front())) == TRUE; }));
     gtk_window_close(GTK_WINDOW(aboutPanels().front()));
     EXPECT_TRUE(aboutPanels().empty());
-    perform(Action::orderFrontStandardAboutPanel);
+    perform(StandardAction::orderFrontStandardAboutPanel);
     EXPECT_EQ(aboutPanels().size(), 1U);
 }
 
 TEST_F(ApplicationTest, theAboutPanelOutlivesTheWindowItWasOpenedFrom) {
     const auto a = open("a");
-    perform(Action::orderFrontStandardAboutPanel);
+    perform(StandardAction::orderFrontStandardAboutPanel);
     a->window()->close();
     TestSupport::runPending();
     ASSERT_EQ(aboutPanels().size(), 1U);

@@ -15,7 +15,7 @@ struct Maker : MenuDelegate {
     void menuNeedsUpdate(Menu& menu) override {
         ++updates;
         menu.removeAllItems();
-        menu.addItem(MenuItem::create("Made " + std::to_string(updates), Action::toggleBookmark, "d"));
+        menu.addItem(MenuItem::create("Made " + std::to_string(updates), TestAction::toggleBookmark, "d"));
     }
     int updates = 0;
 };
@@ -29,10 +29,10 @@ protected:
             item->setSubmenu(menu);
             mainMenu->addItem(item);
         };
-        file->addItem(MenuItem::create("New Tab", Action::newTab, "t"));
+        file->addItem(MenuItem::create("New Tab", TestAction::newTab, "t"));
         file->addItem(MenuItem::createSeparator());
-        file->addItem(MenuItem::create("under_score", Action::reload));
-        file->addItem(MenuItem::create("Nobody's", Action::goBack));
+        file->addItem(MenuItem::create("under_score", TestAction::reload));
+        file->addItem(MenuItem::create("Nobody's", TestAction::goBack));
         add(file);
         made->setDelegate(maker);
         add(made);
@@ -108,7 +108,7 @@ TEST_F(MenuBarTest, showsTitlesAsTheyStandAndSeparatorsAsSections) {
 }
 
 TEST_F(MenuBarTest, anItemIsGreyWhenNobodyWouldPerformItOrItsTargetSaysSo) {
-    controller->recorder.answers = Action::reload;
+    controller->recorder.answers = TestAction::reload;
     show(controller->window());
     GtkWidget* menu = popover(controller->window(), 0);
     GtkWidget* toplevel = GTK_WIDGET(TabHost::of(*controller->window())->toplevel());
@@ -117,7 +117,7 @@ TEST_F(MenuBarTest, anItemIsGreyWhenNobodyWouldPerformItOrItsTargetSaysSo) {
     const std::string reload = attribute(section.get(), 0, G_MENU_ATTRIBUTE_ACTION);
     const std::string goBack = attribute(section.get(), 1, G_MENU_ATTRIBUTE_ACTION);
     EXPECT_TRUE(gtk_widget_activate_action(toplevel, reload.c_str(), nullptr));
-    EXPECT_EQ(controller->recorder.performed, std::vector{Action::reload});
+    EXPECT_EQ(controller->recorder.performed, std::vector{TestAction::reload});
     gtk_widget_activate_action(toplevel, goBack.c_str(), nullptr);
     EXPECT_EQ(controller->recorder.performed.size(), 1U);
 
@@ -130,11 +130,11 @@ TEST_F(MenuBarTest, anItemIsGreyWhenNobodyWouldPerformItOrItsTargetSaysSo) {
 }
 
 TEST_F(MenuBarTest, keysWorkBeforeTheirMenuWasEverOpened) {
-    controller->recorder.answers = Action::toggleBookmark;
+    controller->recorder.answers = TestAction::toggleBookmark;
     showActiveField();
     TestSupport::runXdotool({"key", "ctrl+d"});
     EXPECT_TRUE(
-        runUntil([&] { return controller->recorder.performed == std::vector{Action::toggleBookmark}; }));
+        runUntil([&] { return controller->recorder.performed == std::vector{TestAction::toggleBookmark}; }));
 }
 
 TEST_F(MenuBarTest, theKeyOfADisabledItemDoesNothingAnywhere) {

@@ -41,7 +41,7 @@ protected:
         row->addArrangedSubview(other);
         window->contentView()->addSubview(row);
         field->setDelegate(edits);
-        field->setTarget(target, Action::navigateFromAddressField);
+        field->setTarget(target, TestAction::navigateFromAddressField);
         show(window);
     }
 
@@ -99,7 +99,7 @@ TEST_F(TextFieldTest, returnEndsTheEditAndThenSendsTheAction) {
     target->whenPerformed = [&](const ActionSender&) { editingWhenSent = field->isEditing(); };
     g_signal_emit_by_name(widgetOf(field), "activate");
     EXPECT_EQ(edits->events, (Events{"begin", "end by Return"}));
-    EXPECT_EQ(target->performed, std::vector{Action::navigateFromAddressField});
+    EXPECT_EQ(target->performed, std::vector{TestAction::navigateFromAddressField});
     EXPECT_FALSE(editingWhenSent);
 }
 
@@ -205,7 +205,7 @@ TEST_F(TextFieldTest, aLongTextAsksForNoMoreRoom) {
 }
 
 TEST_F(TextFieldTest, performsEveryEditingAction) {
-    EXPECT_FALSE(field->respondsTo(Action::reload));
+    EXPECT_FALSE(field->respondsTo(TestAction::reload));
     activate(field);
     typeInto(field, "text");
     const auto expectText = [&](const std::string& text) {
@@ -215,27 +215,28 @@ TEST_F(TextFieldTest, performsEveryEditingAction) {
         ASSERT_TRUE(field->respondsTo(action));
         field->perform(action, {});
     };
-    perform(Action::selectAll);
+    perform(StandardAction::selectAll);
     EXPECT_EQ(selection(field), "text");
-    perform(Action::cut);
+    perform(StandardAction::cut);
     expectText("");
-    perform(Action::paste);
+    perform(StandardAction::paste);
     expectText("text");
-    perform(Action::undo);
+    perform(StandardAction::undo);
     expectText("");
-    perform(Action::redo);
+    perform(StandardAction::redo);
     expectText("text");
     gtk_editable_select_region(GTK_EDITABLE(widgetOf(field)), 0, 1);
-    perform(Action::copy);
+    perform(StandardAction::copy);
     gtk_editable_set_position(GTK_EDITABLE(widgetOf(field)), -1);
-    perform(Action::paste);
+    perform(StandardAction::paste);
     expectText("textt");
 }
 
 TEST_F(TextFieldTest, anEditingActionBeforeTheFirstShowingDoesNothing) {
     const auto late = TextField::create();
     late->setStringValue("text");
-    for (const Action action : {Action::selectAll, Action::cut, Action::paste, Action::undo}) {
+    for (const Action action :
+         {StandardAction::selectAll, StandardAction::cut, StandardAction::paste, StandardAction::undo}) {
         late->perform(action, {});
     }
     EXPECT_EQ(late->nativeIfMade(), nullptr);
@@ -245,7 +246,7 @@ TEST_F(TextFieldTest, anEditingActionBeforeTheFirstShowingDoesNothing) {
 TEST_F(TextFieldTest, escapeEmptiesASearchField) {
     const auto search = SearchField::create();
     search->setDelegate(edits);
-    search->setTarget(target, Action::searchFromSearchField);
+    search->setTarget(target, TestAction::searchFromSearchField);
     window->contentView()->addSubview(search);
     ASSERT_TRUE(runUntil([&] { return widgetOf(search) && gtk_widget_get_mapped(widgetOf(search)); }));
     activate(search);

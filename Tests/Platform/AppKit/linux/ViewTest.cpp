@@ -43,7 +43,7 @@ protected:
 
 TEST_F(ViewTest, hasNoWidgetUntilItsWindowIsShown) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
-    const auto button = Button::create("One", {}, Action::reload);
+    const auto button = Button::create("One", {}, TestAction::reload);
     window->contentView()->addSubview(button);
     EXPECT_EQ(widgetOf(button), nullptr);
     show(window);
@@ -60,7 +60,7 @@ TEST_F(ViewTest, makesNoWidgetsInATabThatNobodyLooksAt) {
     first->addTabbedWindow(second);
     show(second);
 
-    const auto button = Button::create("Late", {}, Action::reload);
+    const auto button = Button::create("Late", {}, TestAction::reload);
     bar->addArrangedSubview(button);
     runPending();
     EXPECT_EQ(widgetOf(button), nullptr);
@@ -75,9 +75,9 @@ TEST_F(ViewTest, followsItsSubviewsInOrder) {
     LayoutConstraint::activate({LayoutConstraint::equalToSuperview(bar, LayoutAttribute::width),
                                 LayoutConstraint::equalToSuperview(bar, LayoutAttribute::top)});
     window->contentView()->addSubview(bar);
-    const auto a = Button::create("A", {}, Action::reload);
-    const auto b = Button::create("B", {}, Action::reload);
-    const auto c = Button::create("C", {}, Action::reload);
+    const auto a = Button::create("A", {}, TestAction::reload);
+    const auto b = Button::create("B", {}, TestAction::reload);
+    const auto c = Button::create("C", {}, TestAction::reload);
     bar->addArrangedSubview(a);
     bar->addArrangedSubview(b);
     show(window);
@@ -93,7 +93,7 @@ TEST_F(ViewTest, followsItsSubviewsInOrder) {
 
 TEST_F(ViewTest, letsTheWidgetOfARemovedViewGo) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
-    auto button = Button::create("A", {}, Action::reload);
+    auto button = Button::create("A", {}, TestAction::reload);
     window->contentView()->addSubview(button);
     show(window);
     GtkWidget* widget = widgetOf(button);
@@ -137,7 +137,7 @@ TEST_F(ViewTest, showsPropertiesThatWereSetBeforeAndAfter) {
 
 TEST_F(ViewTest, aShownButtonTakesAnotherBezelAndBorder) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
-    const auto button = Button::create("Go", {}, Action::reload);
+    const auto button = Button::create("Go", {}, TestAction::reload);
     window->contentView()->addSubview(button);
     show(window);
     const auto height = [&] {
@@ -180,7 +180,7 @@ TEST_F(ViewTest, aStackAlignsARowInItsMiddleAndAColumnAtItsLeadingEdgeUnlessTold
 
 TEST_F(ViewTest, showsATitleAsItStands) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
-    const auto button = Button::create("_a <b>&amp;</b>", {}, Action::reload);
+    const auto button = Button::create("_a <b>&amp;</b>", {}, TestAction::reload);
     window->contentView()->addSubview(button);
     show(window);
     EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(gtk_button_get_child(GTK_BUTTON(widgetOf(button))))),
@@ -189,7 +189,7 @@ TEST_F(ViewTest, showsATitleAsItStands) {
 
 TEST_F(ViewTest, aToolTipThatIsTooLongIsCutWhereItIsShown) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
-    const auto button = Button::create("Go", {}, Action::reload);
+    const auto button = Button::create("Go", {}, TestAction::reload);
     window->contentView()->addSubview(button);
     show(window);
     const std::string longest(800, 'u');
@@ -204,7 +204,7 @@ TEST_F(ViewTest, aToolTipThatIsTooLongIsCutWhereItIsShown) {
 
 TEST_F(ViewTest, withoutAToolTipItShowsNone) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
-    const auto button = Button::create("Go", {}, Action::reload);
+    const auto button = Button::create("Go", {}, TestAction::reload);
     window->contentView()->addSubview(button);
     show(window);
     EXPECT_FALSE(gtk_widget_get_has_tooltip(widgetOf(button)));
@@ -217,20 +217,20 @@ TEST_F(ViewTest, withoutAToolTipItShowsNone) {
 TEST_F(ViewTest, aClickSendsTheActionToItsTarget) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
     const auto target = std::make_shared<Recorder>();
-    const auto button = Button::create("Go", target, Action::openBookmark);
+    const auto button = Button::create("Go", target, TestAction::openBookmark);
     const Control* sender = nullptr;
     target->whenPerformed = [&](const ActionSender& from) { sender = from.control; };
     window->contentView()->addSubview(button);
     show(window);
     g_signal_emit_by_name(widgetOf(button), "clicked");
-    EXPECT_EQ(target->performed, std::vector{Action::openBookmark});
+    EXPECT_EQ(target->performed, std::vector{TestAction::openBookmark});
     EXPECT_EQ(sender, button.get());
 }
 
 TEST_F(ViewTest, aButtonMayBeLetGoByItsOwnAction) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
     const auto target = std::make_shared<Recorder>();
-    auto button = Button::create("Go", target, Action::openBookmark);
+    auto button = Button::create("Go", target, TestAction::openBookmark);
     const std::weak_ptr<Button> weak = button;
     target->whenPerformed = [&](const ActionSender&) {
         button->removeFromSuperview();

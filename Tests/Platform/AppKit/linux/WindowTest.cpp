@@ -123,9 +123,9 @@ TEST_F(WindowTest, previousAndNextTabWrapAround) {
     show(a->window());
     a->window()->addTabbedWindow(b->window());
     const auto host = TabHost::of(*a->window());
-    a->window()->perform(Action::selectPreviousTab, {});
+    a->window()->perform(StandardAction::selectPreviousTab, {});
     EXPECT_EQ(host->selectedWindow(), b->window());
-    b->window()->perform(Action::selectNextTab, {});
+    b->window()->perform(StandardAction::selectNextTab, {});
     EXPECT_EQ(host->selectedWindow(), a->window());
 }
 
@@ -148,19 +148,19 @@ TEST_F(WindowTest, theMainWindowIsTheSelectedTabOfTheTopLevelInFront) {
 
 TEST_F(WindowTest, actionsGoDownTheResponderChain) {
     const auto controller = RecordingController::create("a");
-    controller->recorder.answers = Action::reload;
+    controller->recorder.answers = TestAction::reload;
     const auto field = TextField::create();
     controller->window()->contentView()->addSubview(field);
     show(controller->window());
-    EXPECT_EQ(Application::shared().targetForAction(Action::reload), controller);
-    EXPECT_EQ(Application::shared().targetForAction(Action::performClose), controller->window());
+    EXPECT_EQ(Application::shared().targetForAction(TestAction::reload), controller);
+    EXPECT_EQ(Application::shared().targetForAction(StandardAction::performClose), controller->window());
     controller->window()->makeFirstResponder(field);
-    EXPECT_EQ(Application::shared().targetForAction(Action::copy), field);
-    EXPECT_EQ(Application::shared().targetForAction(Action::terminate).get(), &Application::shared());
+    EXPECT_EQ(Application::shared().targetForAction(StandardAction::copy), field);
+    EXPECT_EQ(Application::shared().targetForAction(StandardAction::terminate).get(), &Application::shared());
 
-    EXPECT_TRUE(Application::shared().sendAction(Action::reload, nullptr, {}));
-    EXPECT_EQ(controller->recorder.performed, std::vector{Action::reload});
-    EXPECT_FALSE(Application::shared().sendAction(Action::goBack, nullptr, {}));
+    EXPECT_TRUE(Application::shared().sendAction(TestAction::reload, nullptr, {}));
+    EXPECT_EQ(controller->recorder.performed, std::vector{TestAction::reload});
+    EXPECT_FALSE(Application::shared().sendAction(TestAction::goBack, nullptr, {}));
 }
 
 TEST_F(WindowTest, aTabMovedToAnotherTopLevelIsTheSameWindow) {

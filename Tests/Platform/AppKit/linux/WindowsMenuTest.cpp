@@ -31,7 +31,7 @@ protected:
         const auto add = [&](const std::shared_ptr<Menu>& menu) {
             const auto item = MenuItem::create(menu->title(), std::nullopt);
             item->setSubmenu(menu);
-            menu->addItem(MenuItem::create("New Tab", Action::newTab, "t"));
+            menu->addItem(MenuItem::create("New Tab", TestAction::newTab, "t"));
             mainMenu->addItem(item);
         };
         add(Menu::create("File"));

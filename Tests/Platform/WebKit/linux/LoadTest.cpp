@@ -477,24 +477,24 @@ TEST_F(WebViewLoad, editingActionsGoToThePage) {
     server.route("/edit", HTTPResponse::html("<title>Edit</title><input id=i value=''>"));
     view->load(request(server.url("/edit")));
     ASSERT_TRUE(waitForTitle(*view, "Edit"));
-    for (const Action action :
-         {Action::undo, Action::redo, Action::cut, Action::copy, Action::paste, Action::selectAll}) {
+    for (const Action action : {StandardAction::undo, StandardAction::redo, StandardAction::cut,
+                                StandardAction::copy, StandardAction::paste, StandardAction::selectAll}) {
         EXPECT_TRUE(view->respondsTo(action));
     }
-    EXPECT_FALSE(view->respondsTo(Action::goBack));
+    EXPECT_FALSE(view->respondsTo(Action("goBack")));
 
     gtk_widget_grab_focus(GTK_WIDGET(widgetOf(*view)));
     evaluate(*view, "i.focus(); document.execCommand('insertText', false, 'typed'); 1");
     const auto value = [&] { return evaluate(*view, "i.value"); };
     ASSERT_EQ(value(), "typed");
-    view->perform(Action::undo, {});
+    view->perform(StandardAction::undo, {});
     EXPECT_TRUE(runUntil([&] { return value().empty(); }));
-    view->perform(Action::redo, {});
+    view->perform(StandardAction::redo, {});
     EXPECT_TRUE(runUntil([&] { return value() == "typed"; }));
-    view->perform(Action::selectAll, {});
-    view->perform(Action::cut, {});
+    view->perform(StandardAction::selectAll, {});
+    view->perform(StandardAction::cut, {});
     EXPECT_TRUE(runUntil([&] { return value().empty(); }));
-    view->perform(Action::paste, {});
+    view->perform(StandardAction::paste, {});
     EXPECT_TRUE(runUntil([&] { return value() == "typed"; }));
 }
 

@@ -3,6 +3,8 @@
 #include <Foundation/NSObjCRuntime.h>
 
 @class NSCoder;
+@class NSInvocation;
+@class NSMethodSignature;
 
 NS_ASSUME_NONNULL_BEGIN
 
@@ -36,6 +38,8 @@ NS_ROOT_CLASS
 - (instancetype)init NS_DESIGNATED_INITIALIZER;
 + (instancetype)alloc;
 + (Class)class;
+- (void)forwardInvocation:(NSInvocation*)anInvocation;
+- (NSMethodSignature*)methodSignatureForSelector:(SEL)aSelector;
 @end
 
 NS_ASSUME_NONNULL_END

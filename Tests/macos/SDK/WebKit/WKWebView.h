@@ -26,6 +26,10 @@ API_AVAILABLE(macos(10.10))
 - (nullable WKNavigation*)goForward;
 - (nullable WKNavigation*)reload;
 - (void)stopLoading;
+- (void)goBack:(nullable id)sender;
+- (void)goForward:(nullable id)sender;
+- (void)reload:(nullable id)sender;
+- (void)stopLoading:(nullable id)sender;
 @property (nonatomic) BOOL allowsBackForwardNavigationGestures;
 @end
 

@@ -12,4 +12,3 @@ typedef bool BOOL;
 
 typedef struct objc_class* Class;
 typedef struct objc_selector* SEL;
-typedef void (*IMP)(void /* id, SEL, ... */);

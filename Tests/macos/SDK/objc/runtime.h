@@ -8,9 +8,10 @@ typedef enum : uintptr_t {
 } objc_AssociationPolicy;
 
 extern "C" {
-BOOL class_addMethod(Class _Nullable cls, SEL _Nonnull name, IMP _Nonnull imp, const char* _Nullable types);
 const char* _Nonnull class_getName(Class _Nullable cls);
 Class _Nullable class_getSuperclass(Class _Nullable cls);
+const char* _Nonnull sel_getName(SEL _Nonnull sel);
+SEL _Nonnull sel_registerName(const char* _Nonnull str);
 Class _Nullable objc_allocateClassPair(Class _Nullable superclass, const char* _Nonnull name,
                                        size_t extraBytes);
 Class _Nullable objc_lookUpClass(const char* _Nonnull name);
