@@ -1,6 +1,7 @@
 #include "Tests/Support/Program.h"
 
 #include "Tests/Support/AccessibilityTree.h"
+#include "Tests/Support/Activation.h"
 #include "Tests/Support/Display.h"
 #include "Tests/Support/HTTPServer.h"
 #include "Tests/Support/Waiting.h"
@@ -11,7 +12,10 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -317,6 +321,35 @@ TEST_F(ProgramTest, aSecondStartHandsItsPagesToTheFirst) {
         ASSERT_TRUE(waitForWindows({left}));
     }
     quit(*program);
+}
+
+TEST_F(ProgramTest, theBusStartsItAndHandsItFurtherPages) {
+    std::stringstream service;
+    service << std::ifstream(KEYLOFT_SERVICE).rdbuf();
+    const std::string installed = "Exec=/usr/bin/env keyloft ";
+    auto text = service.str();
+    ASSERT_NE(text.find(installed), std::string::npos);
+    text.replace(text.find(installed), installed.size(), "Exec=" KEYLOFT_PROGRAM " ");
+    const auto file = TestSupport::sessionDirectory() / "services" / "velde.orvane.keyloft.service";
+    std::ofstream(file) << text;
+    const std::string bus = "org.freedesktop.DBus";
+    ASSERT_TRUE(TestSupport::callOverBus(bus, "/org/freedesktop/DBus", bus + ".ReloadConfig"));
+    ASSERT_TRUE(TestSupport::activate({page("/one")}));
+    ASSERT_TRUE(waitForWindows({"/one"}));
+    ASSERT_TRUE(TestSupport::activate({page("/two"), page("/three")}));
+    ASSERT_TRUE(waitForWindows({"/three"}));
+    startAgain({page("/four")});
+    ASSERT_TRUE(waitForWindows({"/four"}));
+    ASSERT_TRUE(waitForFocus("/four"));
+    press("ctrl+q");
+    ASSERT_TRUE(waitForWindows({}));
+    // The program may still hold its name.
+    ASSERT_TRUE(eventually([] { return TestSupport::activate(); }));
+    ASSERT_TRUE(waitForWindows({"New Tab"}));
+    ASSERT_TRUE(waitForFocus("New Tab"));
+    press("ctrl+q");
+    ASSERT_TRUE(waitForWindows({}));
+    std::filesystem::remove(file);
 }
 
 TEST_F(ProgramTest, staysWithoutAWindowAndOpensOneWhenStartedAgain) {

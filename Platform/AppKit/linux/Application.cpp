@@ -91,11 +91,11 @@ Application::Application()
     assertMainThread("Application::shared");
     chooseAcceleration();
     holdBackToolkitTheme();
-    // What is handed over is text: as a command line it arrives untouched, where a list of files would be
-    // rewritten.
-    native_->application = GObjectPtr<GtkApplication>::adopt(
-        GTK_APPLICATION(g_object_new(applicationType(), "application-id", identifier, "flags",
-                                     G_APPLICATION_HANDLES_COMMAND_LINE, nullptr)));
+    // A second start hands over its command line, which arrives untouched. D-Bus activation hands over a list
+    // of files, in which GVfs keeps http and https URLs untouched, but rewrites others.
+    native_->application = GObjectPtr<GtkApplication>::adopt(GTK_APPLICATION(
+        g_object_new(applicationType(), "application-id", identifier, "flags",
+                     G_APPLICATION_HANDLES_COMMAND_LINE | G_APPLICATION_HANDLES_OPEN, nullptr)));
     native_->connections.emplace_back(native_->gtk(), "startup",
                                       G_CALLBACK(+[](GApplication* application, gpointer /*data*/) {
                                           forgetDeadBus(application);
@@ -116,21 +116,20 @@ void Application::setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate
 int Application::run(int argc, char** argv) {
     auto& connections = native_->connections;
     GtkApplication* application = native_->gtk();
-    connections.emplace_back(application, "startup",
-                             G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
-                                 auto* app = static_cast<Application*>(self);
-                                 g_application_hold(G_APPLICATION(app->native_->gtk()));
-                                 if (const auto delegate = app->delegate_.lock()) {
-                                     delegate->applicationWillFinishLaunching();
-                                 }
-                             }),
-                             this);
+    connections.emplace_back(
+        application, "startup", G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
+            if (const auto delegate = static_cast<Application*>(self)->delegate_.lock()) {
+                delegate->applicationWillFinishLaunching();
+            }
+        }),
+        this);
     connections.emplace_back(application, "activate",
                              G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
                                  static_cast<Application*>(self)->wasStarted({});
                              }),
                              this);
     connections.emplace_back(application, "command-line", G_CALLBACK(Native::handleCommandLine), this);
+    connections.emplace_back(application, "open", G_CALLBACK(Native::handleOpen), this);
     if (!registerApplication(G_APPLICATION(application))) {
         return EXIT_FAILURE;
     }
@@ -152,6 +151,16 @@ int Application::Native::handleCommandLine(GApplication* /*application*/, GAppli
     return 0;
 }
 
+void Application::Native::handleOpen(GApplication* /*application*/, GFile** files, int count,
+                                     const char* /*hint*/, gpointer self) {
+    std::vector<std::unique_ptr<char, decltype(&g_free)>> texts;
+    std::vector<char*> pointers;
+    for (GFile* file : std::span(files, static_cast<std::size_t>(count))) {
+        pointers.push_back(texts.emplace_back(g_file_get_uri(file), &g_free).get());
+    }
+    static_cast<Application*>(self)->wasStarted(urlsOf(pointers));
+}
+
 void Application::prepare() {
     // Nothing is handed over to such a program, and the browser may be running beside it.
     auto* application = G_APPLICATION(native_->gtk());
@@ -170,6 +179,8 @@ void Application::wasStarted(const std::vector<URL>& urls) {
     }
     if (!native_->finishedLaunching) {
         native_->finishedLaunching = true;
+        // A service that is not asked for anything ends by itself.
+        g_application_hold(G_APPLICATION(native_->gtk()));
         delegate->applicationDidFinishLaunching();
     } else if (urls.empty()) {
         const bool visible = !native_->visibleHosts().empty();

@@ -28,6 +28,8 @@ struct Application::Native {
     /// What the application itself performs.
     static const std::map<Action, void (*)(Application&)>& actions();
     static int handleCommandLine(GApplication* application, GApplicationCommandLine* line, gpointer self);
+    static void handleOpen(GApplication* application, GFile** files, int count, const char* hint,
+                           gpointer self);
 
     GtkApplication* gtk() const { return application.get(); }
     SavedFrames& savedFrames();

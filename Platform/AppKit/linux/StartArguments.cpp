@@ -2,6 +2,7 @@
 
 namespace Platform {
 
-bool isSystemArgument(std::string_view /*argument*/) { return false; }
+// GApplication waits for a request from D-Bus if it is started with this.
+bool isSystemArgument(std::string_view argument) { return argument == "--gapplication-service"; }
 
 } // namespace Platform

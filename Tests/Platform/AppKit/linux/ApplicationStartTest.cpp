@@ -1,3 +1,4 @@
+#include "Tests/Support/Activation.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Waiting.h"
 
@@ -208,6 +209,36 @@ TEST_F(ApplicationStartTest, whenTheFirstDiesWhileItIsAskedTheSecondTakesItsPlac
     first->signal(SIGKILL);
     expectLines(*second, {willFinish, "open 1", "http://host.test/", didFinish});
     expectHandedOver({}, *second, {"reopen 0"});
+}
+
+TEST_F(ApplicationStartTest, aServiceStartsWithWhatTheBusAsksFor) {
+    const auto service = start({"--gapplication-service"});
+    expectLines(*service, {willFinish});
+    // GVfs may rewrite URLs of other schemes, and GLib's parser of call arguments requires UTF-8.
+    auto urls = exactURLs();
+    std::erase_if(urls, [](const auto& url) { return !url.argument.starts_with("http"); });
+    ASSERT_TRUE(TestSupport::activate(argumentsOf(urls)));
+    expectLines(*service, arrivalOf(urls));
+    expectLines(*service, {didFinish});
+    ASSERT_TRUE(TestSupport::activate());
+    expectLines(*service, {"reopen 0"});
+    expectHandedOver({"http://host.test/"}, *service, {"open 1", "http://host.test/"});
+    quit(*service);
+}
+
+TEST_F(ApplicationStartTest, aServiceThatIsActivatedFinishesItsStart) {
+    const auto service = start({"--gapplication-service"});
+    expectLines(*service, {willFinish});
+    ASSERT_TRUE(TestSupport::activate());
+    expectLines(*service, {didFinish});
+    quit(*service);
+}
+
+TEST_F(ApplicationStartTest, theBusHandsURLsToAProgramThatRuns) {
+    const auto program = startFirst();
+    ASSERT_TRUE(TestSupport::activate({"http://host.test/1", "http://host.test/2"}));
+    expectLines(*program, {"open 2", "http://host.test/1", "http://host.test/2"});
+    quit(*program);
 }
 
 TEST_F(ApplicationStartTest, withoutASessionBusEachStartRunsByItself) {
