@@ -11,6 +11,7 @@
 #include "KeyloftCore/RelayTarget.h"
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/Menu.h"
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/Foundation/JSON.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/URL.h"
@@ -58,6 +59,11 @@ std::shared_ptr<Platform::Menu> makeMainMenu() {
 
 AuthSession::Result signIn(const AuthorizeRequest& request,
                            const std::optional<std::string>& initiatorOrigin) {
+    Platform::setProgramInfo({.identifier = "velde.orvane.keyloft.auth-session",
+                              .name = "Sign-in",
+                              .version = {},
+                              .description = {},
+                              .copyright = {}});
     auto& application = Platform::Application::shared();
     application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
     application.prepare();

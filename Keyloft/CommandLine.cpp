@@ -1,6 +1,6 @@
 #include "Keyloft/CommandLine.h"
 
-#include "Platform/AppKit/Application.h"
+#include "Keyloft/Program.h"
 #include "Platform/AppKit/StartArguments.h"
 #include "Platform/Foundation/LogText.h"
 
@@ -43,7 +43,7 @@ std::optional<int> answerOption(std::span<char* const> arguments) {
             return print(help);
         }
         if (argument == "--version") {
-            return print(std::string(Platform::Application::displayName) + " " + KEYLOFT_VERSION + "\n");
+            return print(program().name + " " + program().version + "\n");
         }
         std::fprintf(stderr, "keyloft: unknown option \"%s\"; \"keyloft --help\" lists the options\n",
                      Platform::escapingControlCharacters(argument).c_str());

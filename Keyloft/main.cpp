@@ -1,5 +1,6 @@
 #include "Keyloft/AppDelegate.h"
 #include "Keyloft/CommandLine.h"
+#include "Keyloft/Program.h"
 #include "Platform/AppKit/Application.h"
 
 #include <cstddef>
@@ -18,6 +19,7 @@ int main(int argc, char** argv) {
     if (const auto status = Keyloft::answerOption(arguments.subspan(arguments.empty() ? 0 : 1))) {
         return *status;
     }
+    Platform::setProgramInfo(Keyloft::program());
     auto& application = Platform::Application::shared();
     delegate = Keyloft::AppDelegate::create();
     application.setDelegate(delegate);

@@ -23,7 +23,7 @@ std::shared_ptr<Platform::Window> showWindow(const std::shared_ptr<Platform::Web
     auto window = Platform::Window::create(contentSize,
                                            {.closable = true, .miniaturizable = false, .resizable = false});
     window->setReleasedWhenClosed(false);
-    window->setTitle(Platform::Application::displayName);
+    window->setTitle("Keyloft");
     window->setContentView(webView);
     window->center();
     window->makeKeyAndOrderFront();

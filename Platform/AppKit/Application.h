@@ -50,10 +50,6 @@ public:
     Application& operator=(const Application&) = delete;
     ~Application() override;
 
-    /// The name that the system knows the program by, as reverse DNS and as people read it.
-    static constexpr const char* identifier = "velde.orvane.keyloft";
-    static constexpr const char* displayName = "Keyloft";
-
     enum class ActivationPolicy {
         /// A program with windows and a menu bar, listed among the running ones.
         regular,

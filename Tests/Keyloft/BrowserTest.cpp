@@ -1,5 +1,6 @@
 #include "Tests/Keyloft/BrowserTest.h"
 
+#include "Keyloft/Program.h"
 #include "Platform/AppKit/Application.h"
 
 #include <optional>
@@ -11,6 +12,7 @@ using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
 
 BrowserTest::BrowserTest() {
+    setProgramInfo(Keyloft::program());
     Application::shared().prepare();
     TestSupport::forgetWindowFrames();
     setBookmarks({});

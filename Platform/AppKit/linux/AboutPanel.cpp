@@ -1,6 +1,6 @@
 #include "Platform/AppKit/linux/AboutPanel.h"
 
-#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/AppKit/linux/MenuBar.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 
@@ -11,10 +11,11 @@ AboutPanel::~AboutPanel() { close(); }
 void AboutPanel::orderFront(GtkWindow* parent, const std::shared_ptr<Menu>& mainMenu) {
     if (!dialog_) {
         dialog_ = GObjectPtr<GtkWidget>::retain(gtk_about_dialog_new());
-        g_object_set(dialog_.get(), "program-name", Application::displayName, "version", KEYLOFT_VERSION,
-                     "comments", "A small tabbed web browser", "copyright",
-                     "Copyright 2026 the Keyloft developers", "license-type", GTK_LICENSE_MIT_X11,
-                     "logo-icon-name", Application::identifier, nullptr);
+        const ProgramInfo& program = programInfo();
+        g_object_set(dialog_.get(), "program-name", program.name.c_str(), "version", program.version.c_str(),
+                     "comments", program.description.c_str(), "copyright", program.copyright.c_str(),
+                     "license-type", GTK_LICENSE_MIT_X11, "logo-icon-name", program.identifier.c_str(),
+                     nullptr);
         closing_ = SignalConnection(dialog_.get(), "close-request",
                                     G_CALLBACK(+[](GtkWindow* /*dialog*/, gpointer self) -> gboolean {
                                         static_cast<AboutPanel*>(self)->close();

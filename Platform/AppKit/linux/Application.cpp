@@ -1,6 +1,7 @@
 #include "Platform/AppKit/Application.h"
 
 #include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/AppKit/StartArguments.h"
 #include "Platform/AppKit/WindowController.h"
 #include "Platform/AppKit/linux/Acceleration.h"
@@ -51,7 +52,7 @@ void forgetDeadBus(GApplication* application) {
 /// GTK's own startup ends the process with a warning that does not name what is missing.
 void startWithDisplay(GApplication* application) {
     if (!gtk_init_check()) {
-        diagnosticLog(std::string(Application::displayName) +
+        diagnosticLog(programInfo().name +
                       " needs a display: neither WAYLAND_DISPLAY nor DISPLAY names one that can be opened");
         std::exit(EXIT_FAILURE);
     }
@@ -78,7 +79,7 @@ bool registerApplication(GApplication* application) {
         }
         const std::unique_ptr<GError, decltype(&g_error_free)> error(failure, &g_error_free);
         if (isAskedAgain || g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) {
-            diagnosticLog(std::string("Keyloft is already running but does not respond: ") + error->message);
+            diagnosticLog(programInfo().name + " is already running but does not respond: " + error->message);
             return false;
         }
     }
@@ -91,10 +92,13 @@ Application::Application()
     assertMainThread("Application::shared");
     chooseAcceleration();
     holdBackToolkitTheme();
+    // A program that does not say who it is gets no name on the bus.
+    const std::string& identifier = programInfo().identifier;
+    const char* id = g_application_id_is_valid(identifier.c_str()) ? identifier.c_str() : nullptr;
     // A second start hands over its command line, which arrives untouched. D-Bus activation hands over a list
     // of files, in which GVfs keeps http and https URLs untouched, but rewrites others.
     native_->application = GObjectPtr<GtkApplication>::adopt(GTK_APPLICATION(
-        g_object_new(applicationType(), "application-id", identifier, "flags",
+        g_object_new(applicationType(), "application-id", id, "flags",
                      G_APPLICATION_HANDLES_COMMAND_LINE | G_APPLICATION_HANDLES_OPEN, nullptr)));
     native_->connections.emplace_back(native_->gtk(), "startup",
                                       G_CALLBACK(+[](GApplication* application, gpointer /*data*/) {

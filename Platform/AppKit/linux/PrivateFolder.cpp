@@ -1,6 +1,6 @@
 #include "Platform/AppKit/linux/PrivateFolder.h"
 
-#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/Foundation/DiagnosticLog.h"
 
 #include <glib.h>
@@ -12,7 +12,7 @@
 namespace Platform {
 
 std::optional<std::string> privateFolder(const char* userDirectory) {
-    const std::filesystem::path folder = std::filesystem::path(userDirectory) / Application::identifier;
+    const std::filesystem::path folder = std::filesystem::path(userDirectory) / programInfo().identifier;
     std::error_code error;
     if (g_mkdir_with_parents(folder.c_str(), 0700) != 0) {
         error = std::error_code(errno, std::generic_category());
@@ -20,7 +20,8 @@ std::optional<std::string> privateFolder(const char* userDirectory) {
         std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
     }
     if (error) {
-        diagnosticLog("Keyloft: no private folder at " + folder.string() + ": " + error.message());
+        diagnosticLog(programInfo().name + ": no private folder at " + folder.string() + ": " +
+                      error.message());
         return std::nullopt;
     }
     return folder.string();

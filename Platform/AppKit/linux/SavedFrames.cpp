@@ -1,6 +1,6 @@
 #include "Platform/AppKit/linux/SavedFrames.h"
 
-#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/AppKit/linux/PrivateFolder.h"
 #include "Platform/Foundation/DiagnosticLog.h"
 #include "Platform/Foundation/FileManager.h"
@@ -36,7 +36,7 @@ SavedFrames::SavedFrames(std::string stateDirectory)
 SavedFrames::~SavedFrames() { save(); }
 
 void SavedFrames::read() {
-    const auto file = std::filesystem::path(stateDirectory_) / Application::identifier / fileName;
+    const auto file = std::filesystem::path(stateDirectory_) / programInfo().identifier / fileName;
     std::error_code error;
     const auto size = std::filesystem::file_size(file, error);
     if (error || size > longestFile) {
@@ -90,7 +90,7 @@ void SavedFrames::save() {
                                                       *folder + "/" + fileName);
         isChanged_ = false;
     } catch (const FileError& error) {
-        diagnosticLog("Keyloft: window frame save failed: " + error.localizedDescription());
+        diagnosticLog(programInfo().name + ": window frame save failed: " + error.localizedDescription());
     }
 }
 

@@ -1,6 +1,6 @@
 #include "Platform/AppKit/linux/Style.h"
 
-#include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/Foundation/FatalError.h"
 
@@ -45,7 +45,7 @@ void installStyle() {
     keyloft_register_resource();
     gtk_icon_theme_add_resource_path(gtk_icon_theme_get_for_display(gdk_display_get_default()),
                                      "/velde/orvane/keyloft/icons");
-    gtk_window_set_default_icon_name(Application::identifier);
+    gtk_window_set_default_icon_name(programInfo().identifier.c_str());
 
     const auto provider = GObjectPtr<GtkCssProvider>::adopt(gtk_css_provider_new());
     gtk_css_provider_load_from_data(provider.get(), rules, -1);

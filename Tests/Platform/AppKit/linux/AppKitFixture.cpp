@@ -1,5 +1,6 @@
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
 
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
 
 namespace Platform::Tests {
@@ -14,7 +15,14 @@ std::shared_ptr<RecordingController> RecordingController::create(const std::stri
     return controller;
 }
 
-AppKitTest::AppKitTest() { Application::shared().prepare(); }
+AppKitTest::AppKitTest() {
+    setProgramInfo({.identifier = "example.tests.appkit",
+                    .name = "AppKit Tests",
+                    .version = "1.2.3",
+                    .description = "Tests of windows and controls",
+                    .copyright = "Copyright of the tests"});
+    Application::shared().prepare();
+}
 
 AppKitTest::~AppKitTest() {
     Application::shared().setMainMenu(nullptr);

@@ -124,10 +124,11 @@ TEST_F(ApplicationTest, theAboutPanelNamesProgramVersionAndLicence) {
     perform(StandardAction::orderFrontStandardAboutPanel);
     ASSERT_EQ(aboutPanels().size(), 1U);
     GtkAboutDialog* panel = aboutPanels().front();
-    EXPECT_STREQ(gtk_about_dialog_get_program_name(panel), "Keyloft");
-    EXPECT_STREQ(gtk_about_dialog_get_version(panel), KEYLOFT_VERSION);
+    EXPECT_STREQ(gtk_about_dialog_get_program_name(panel), "AppKit Tests");
+    EXPECT_STREQ(gtk_about_dialog_get_version(panel), "1.2.3");
+    EXPECT_STREQ(gtk_about_dialog_get_comments(panel), "Tests of windows and controls");
     EXPECT_EQ(gtk_about_dialog_get_license_type(panel), GTK_LICENSE_MIT_X11);
-    EXPECT_STREQ(gtk_about_dialog_get_copyright(panel), "Copyright 2026 the Keyloft developers");
+    EXPECT_STREQ(gtk_about_dialog_get_copyright(panel), "Copyright of the tests");
     EXPECT_TRUE(runUntil([&] { return gtk_window_is_active(GTK_WINDOW(panel)) == TRUE; }));
     // Menus and new tabs still mean the browser's window, which is not held up.
     EXPECT_EQ(Application::shared().mainWindow(), window->window());

@@ -1,5 +1,6 @@
 #include "Platform/AppKit/linux/SavedFrames.h"
 
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/linux/MainLoop.h"
 
@@ -32,7 +33,7 @@ protected:
     }
 
     TestSupport::TemporaryDirectory directory;
-    fs::path folder = directory.path() / "velde.orvane.keyloft";
+    fs::path folder = directory.path() / programInfo().identifier;
     fs::path file = folder / "window-frames";
 };
 
@@ -147,7 +148,7 @@ TEST_F(SavedFramesTest, aFailedWriteIsLoggedAndLosesNothing) {
         testing::internal::CaptureStderr();
         frames.save();
         const auto log = testing::internal::GetCapturedStderr();
-        EXPECT_NE(log.find("Keyloft: "), std::string::npos) << log;
+        EXPECT_NE(log.find(programInfo().name + ": "), std::string::npos) << log;
         EXPECT_NE(log.find(folder.string()), std::string::npos) << log;
         EXPECT_EQ(frames.frame(name), frame);
 

@@ -1,4 +1,5 @@
 #include "Platform/AppKit/Application.h"
+#include "Platform/AppKit/ProgramInfo.h"
 
 #include <iostream>
 #include <memory>
@@ -36,6 +37,11 @@ public:
 
 int main(int argc, char** argv) {
     const auto delegate = std::make_shared<Delegate>();
+    Platform::setProgramInfo({.identifier = "velde.orvane.keyloft",
+                              .name = "Keyloft",
+                              .version = {},
+                              .description = {},
+                              .copyright = {}});
     auto& application = Platform::Application::shared();
     application.setDelegate(delegate);
     return application.run(argc, argv);

@@ -1,3 +1,4 @@
+#include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/WebKit/linux/NetworkSession.h"
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
@@ -14,7 +15,7 @@ namespace {
 class DefaultWebsiteDataStore : public WebViewTest {
 protected:
     static std::filesystem::path folder(const char* userDirectory) {
-        return std::filesystem::path(userDirectory) / "velde.orvane.keyloft";
+        return std::filesystem::path(userDirectory) / programInfo().identifier;
     }
     static std::filesystem::perms permissions(const std::filesystem::path& path) {
         return std::filesystem::status(path).permissions();
@@ -161,7 +162,7 @@ TEST_F(NonPersistentWebsiteDataStore, writesNothing) {
                         webkit_web_view_get_network_session(widgetOf(*view))));
                     for (const char* directory : {g_get_user_data_dir(), g_get_user_cache_dir()}) {
                         EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(directory) /
-                                                             "velde.orvane.keyloft"));
+                                                             programInfo().identifier));
                     }
                 }),
                 succeeds, "");
