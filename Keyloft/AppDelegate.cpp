@@ -50,8 +50,7 @@ std::shared_ptr<AppDelegate> AppDelegate::create() {
 
 URL AppDelegate::bookmarksFile() {
     return Platform::FileManager::defaultManager()
-        .applicationSupportDirectories()
-        .front()
+        .applicationSupportDirectory()
         .appendingPathComponent("Keyloft", true)
         .appendingPathComponent("bookmarks.json", false);
 }

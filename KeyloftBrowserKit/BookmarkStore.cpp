@@ -15,7 +15,8 @@ namespace {
 
 std::vector<Bookmark> load(const Platform::URL& fileURL) {
     try {
-        auto bookmarks = Bookmark::decode(Platform::FileManager::defaultManager().contents(fileURL));
+        auto bookmarks =
+            Bookmark::decode(Platform::FileManager::defaultManager().contents(fileURL.filePath()));
         return bookmarks ? *std::move(bookmarks) : BookmarkStore::seed();
     } catch (const Platform::FileError&) {
         // No file is how every first run begins.
@@ -62,8 +63,8 @@ void BookmarkStore::remove(const Platform::URL& url) {
 void BookmarkStore::save() {
     try {
         const auto& files = Platform::FileManager::defaultManager();
-        files.createDirectory(fileURL_.deletingLastPathComponent(), true);
-        files.writeAtomically(Bookmark::encode(bookmarks_), fileURL_);
+        files.createDirectory(fileURL_.deletingLastPathComponent().filePath());
+        files.writeAtomically(Bookmark::encode(bookmarks_), fileURL_.filePath());
     } catch (const Platform::FileError& error) {
         Platform::diagnosticLog("Keyloft: bookmarks save failed: " + error.localizedDescription());
         return;

@@ -180,7 +180,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         Platform::fatalError("a relay listener needs a handler for its requests");
     }
     requirePathWithoutNUL(socketPath);
-    Platform::FileManager::defaultManager().createDirectory(deletingLastPathComponent(socketPath), true,
+    Platform::FileManager::defaultManager().createDirectory(deletingLastPathComponent(socketPath),
                                                             directoryMode);
     unlink(socketPath.c_str());
     const auto address = sockaddrUn(socketPath);

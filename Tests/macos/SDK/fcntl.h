@@ -6,18 +6,12 @@
 #define O_WRONLY 0x0001
 #define O_RDWR 0x0002
 #define O_NONBLOCK 0x00000004
-#define O_NOFOLLOW 0x00000100
 #define O_CREAT 0x00000200
 #define O_TRUNC 0x00000400
 #define O_EXCL 0x00000800
 #define O_NOCTTY 0x00020000
 #define O_DIRECTORY 0x00100000
 #define O_CLOEXEC 0x01000000
-#define O_EXEC 0x40000000
-#define O_SEARCH (O_EXEC | O_DIRECTORY)
-
-#define AT_FDCWD (-2)
-#define AT_SYMLINK_NOFOLLOW 0x0020
 
 #define F_GETFD 1
 #define F_SETFD 2
@@ -31,5 +25,4 @@
 extern "C" {
 int fcntl(int, int, ...);
 int open(const char*, int, ...);
-int openat(int, const char*, int, ...);
 }

@@ -40,7 +40,6 @@ int getc(FILE*);
 int printf(const char*, ...) __attribute__((format(printf, 1, 2)));
 int remove(const char*);
 int rename(const char*, const char*);
-int renameat(int, const char*, int, const char*);
 int setvbuf(FILE*, char*, int, size_t);
 int scanf(const char*, ...) __attribute__((format(scanf, 1, 2)));
 int snprintf(char*, size_t, const char*, ...) __attribute__((format(printf, 3, 4)));

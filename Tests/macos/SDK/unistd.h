@@ -23,10 +23,8 @@ int isatty(int);
 int pause();
 int pipe(int[2]);
 ssize_t read(int, void*, size_t);
-ssize_t readlinkat(int, const char*, char*, size_t);
 int rmdir(const char*);
 long sysconf(int);
 int unlink(const char*);
-int unlinkat(int, const char*, int);
 ssize_t write(int, const void*, size_t);
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
-#include <Foundation/FoundationErrors.h>
 #include <Foundation/NSArray.h>
 #include <Foundation/NSCoder.h>
 #include <Foundation/NSData.h>

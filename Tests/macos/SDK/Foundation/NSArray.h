@@ -10,6 +10,7 @@ NS_ASSUME_NONNULL_BEGIN
     : NSObject <NSCopying, NSMutableCopying, NSSecureCoding, NSFastEnumeration>
 + (instancetype)array;
 @property (readonly) NSUInteger count;
+@property (nullable, nonatomic, readonly) ObjectType firstObject API_AVAILABLE(macos(10.6));
 - (ObjectType)objectAtIndexedSubscript:(NSUInteger)idx API_AVAILABLE(macos(10.8));
 @end
 

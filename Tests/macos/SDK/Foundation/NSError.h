@@ -9,9 +9,7 @@ NS_ASSUME_NONNULL_BEGIN
 typedef NSString* NSErrorDomain;
 typedef NSString* NSErrorUserInfoKey;
 
-FOUNDATION_EXPORT NSErrorDomain const NSPOSIXErrorDomain;
 FOUNDATION_EXPORT NSErrorDomain const NSURLErrorDomain;
-FOUNDATION_EXPORT NSErrorUserInfoKey const NSUnderlyingErrorKey;
 FOUNDATION_EXPORT NSString* const NSURLErrorFailingURLErrorKey API_AVAILABLE(macos(10.6));
 FOUNDATION_EXPORT NSString* const
     NSURLErrorFailingURLStringErrorKey API_DEPRECATED("NSURLErrorFailingURLErrorKey", macos(10.6, 15.4));

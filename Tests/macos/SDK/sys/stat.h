@@ -42,7 +42,6 @@ extern "C" {
 int chmod(const char*, mode_t);
 int fchmod(int, mode_t);
 int fstat(int, struct stat*);
-int fstatat(int, const char*, struct stat*, int);
 int lstat(const char*, struct stat*);
 int mkdir(const char*, mode_t);
 int stat(const char*, struct stat*);

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace Platform {
+
+/// Owns a file descriptor, or none (a negative value), and closes it.
+class Descriptor {
+public:
+    explicit Descriptor(int value = -1)
+        : value_(value) {}
+    Descriptor(Descriptor&& other) noexcept
+        : value_(std::exchange(other.value_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(value_, other.value_);
+        return *this;
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { close(); }
+
+    int get() const { return value_; }
+    bool isOpen() const { return value_ >= 0; }
+
+    /// Returns false, with `errno`, if the kernel reports that an earlier write failed.
+    bool close() {
+        if (!isOpen()) {
+            return true;
+        }
+        // After EINTR, too, the descriptor is closed and its number may belong to another file.
+        return ::close(std::exchange(value_, -1)) == 0 || errno == EINTR;
+    }
+
+private:
+    int value_;
+};
+
+} // namespace Platform
