@@ -22,6 +22,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <future>
 #include <optional>
 #include <utility>
@@ -58,18 +59,6 @@ struct FileIdentity {
 
     friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
 };
-
-std::string deletingLastPathComponent(std::string path) {
-    const auto dropSlashes = [&] {
-        while (path.size() > 1 && path.back() == '/') {
-            path.pop_back();
-        }
-    };
-    dropSlashes();
-    path.resize(path.rfind('/') + 1);
-    dropSlashes();
-    return path;
-}
 
 /// Returns true if accepting failed because the process or the kernel has run out of a resource. The
 /// connection is still waiting then and would be reported again at once, without end.
@@ -180,8 +169,9 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         Platform::fatalError("a relay listener needs a handler for its requests");
     }
     requirePathWithoutNUL(socketPath);
-    Platform::FileManager::defaultManager().createDirectory(deletingLastPathComponent(socketPath),
-                                                            directoryMode);
+    // A trailing slash makes an empty last component. Give every path one, and drop it with the name.
+    const auto directory = (std::filesystem::path(socketPath) / "").parent_path().parent_path();
+    Platform::FileManager::defaultManager().createDirectory(directory.string(), directoryMode);
     unlink(socketPath.c_str());
     const auto address = sockaddrUn(socketPath);
     const int listening = Platform::openUnixSocket();

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace Platform {
@@ -12,6 +14,13 @@ class Descriptor {
 public:
     explicit Descriptor(int value = -1)
         : value_(value) {}
+    /// Takes what `call` returned. Throws std::system_error, from `errno`, if that is negative.
+    Descriptor(int value, const std::string& call)
+        : value_(value) {
+        if (value < 0) {
+            throw std::system_error(errno, std::generic_category(), call);
+        }
+    }
     Descriptor(Descriptor&& other) noexcept
         : value_(std::exchange(other.value_, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {

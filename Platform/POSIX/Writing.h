@@ -4,10 +4,10 @@
 
 #include <cstddef>
 
-/// Shared by the implementations of UnixSocket. Do not include it elsewhere.
 namespace Platform {
 
-/// `write`, with the SIGPIPE it may raise taken back before anyone sees it.
+/// Writes as `write` does, but without SIGPIPE reaching a handler. Prefer `writeWithoutSignal`, which needs
+/// fewer system calls for a socket. For Platform's own sources; safe on any thread.
 ssize_t writeHoldingBackSignal(int descriptor, const void* bytes, std::size_t count);
 
 } // namespace Platform

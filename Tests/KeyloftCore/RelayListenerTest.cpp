@@ -448,6 +448,13 @@ TEST_F(RelayListenerTest, aDirectoryThatCannotBeMadeIsTheFileManagersErrorAndNot
     EXPECT_EQ(TestSupport::contentsOf(file), "mine");
 }
 
+TEST_F(RelayListenerTest, createsTheDirectoryOfAPathThatEndsInASlash) {
+    const auto ignore = [](const std::string&, const RelayListener::Reply&) {};
+    EXPECT_THROW(listener->listen(directory / "new/relay.sock/", ignore), RelaySocketError);
+    EXPECT_EQ(TestSupport::namesIn(directory.path()), std::set<std::string>{"new"});
+    EXPECT_TRUE(TestSupport::namesIn(directory / "new").empty());
+}
+
 TEST_F(RelayListenerTest, aPathWithANULIsRefusedBeforeAnythingIsTouched) {
     const auto withNUL = [](std::string text) { return text.append("\0more", 5); };
     writeContents(path, "mine");

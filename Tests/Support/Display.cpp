@@ -1,6 +1,6 @@
 #include "Tests/Support/Display.h"
 
-#include "Tests/Support/Descriptor.h"
+#include "Platform/POSIX/Descriptor.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -28,6 +28,8 @@
 namespace TestSupport {
 
 namespace {
+
+using Platform::Descriptor;
 
 // How long a server may take to come up on a machine under load.
 constexpr auto startLimit = std::chrono::seconds(30);
@@ -295,7 +297,7 @@ private:
                          std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24",
                                                   "-nolisten", "tcp", "-noreset", "-r"},
                          number.writeEnd.get());
-        number.writeEnd.reset();
+        number.writeEnd.close();
         setVariable("DISPLAY", ":" + display_->readLine(number.readEnd.get()));
         // At the first typed key the server tells everyone of a new keyboard. The window manager then lets go
         // of its keys and takes them anew, and what is typed meanwhile is lost to it: so that key is typed
@@ -325,7 +327,7 @@ private:
                      std::vector<std::string>{"dbus-daemon", "--config-file=" + configuration.string(),
                                               "--nofork", "--nopidfile", "--print-address=1"},
                      address.writeEnd.get());
-        address.writeEnd.reset();
+        address.writeEnd.close();
         setVariable("DBUS_SESSION_BUS_ADDRESS", bus_->readLine(address.readEnd.get()));
     }
 

@@ -1,5 +1,7 @@
 #include "Tests/Support/HTTPServer.h"
 
+#include "Platform/Foundation/Characters.h"
+
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -8,7 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
@@ -46,13 +47,6 @@ void sendAll(int descriptor, std::string_view data) {
     }
 }
 
-std::string lowercase(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return result;
-}
-
 /// The request at the beginning of `text`, or nothing while it is not all there.
 std::optional<HTTPRequest> parse(std::string_view text) {
     const auto end = text.find("\r\n\r\n");
@@ -82,7 +76,7 @@ std::optional<HTTPRequest> parse(std::string_view text) {
         const auto colon = line.find(':');
         auto value = line.substr(colon + 1);
         value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
-        request.headers[lowercase(line.substr(0, colon))] = value;
+        request.headers[Platform::asciiLowercased(line.substr(0, colon))] = value;
     }
     std::size_t bodySize = 0;
     if (const auto length = request.headers.find("content-length"); length != request.headers.end()) {
@@ -180,7 +174,7 @@ public:
 
 private:
     struct Connection {
-        Descriptor descriptor;
+        Platform::Descriptor descriptor;
         std::string received;
         /// Set once the request is there.
         std::optional<std::string> path;
@@ -238,7 +232,7 @@ private:
     void accept() {
         const int descriptor = ::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC);
         if (descriptor >= 0) {
-            connections_.push_back({.descriptor = Descriptor(descriptor),
+            connections_.push_back({.descriptor = Platform::Descriptor(descriptor),
                                     .received = {},
                                     .path = std::nullopt,
                                     .heldAnswer = {},
@@ -293,8 +287,8 @@ private:
         connection.isDone = true;
     }
 
-    Descriptor listener_;
-    Descriptor wakeUp_;
+    Platform::Descriptor listener_;
+    Platform::Descriptor wakeUp_;
     int port_ = 0;
     std::vector<Connection> connections_; // the thread's own
     mutable std::mutex mutex_;            // guards what follows

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Tests/Support/Descriptor.h"
+#include "Platform/POSIX/Descriptor.h"
 
 #include <cstddef>
 #include <functional>
@@ -87,7 +87,7 @@ public:
         int port() const { return port_; }
 
     private:
-        Descriptor descriptor_;
+        Platform::Descriptor descriptor_;
         int port_ = 0;
     };
 

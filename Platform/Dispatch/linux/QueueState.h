@@ -2,6 +2,7 @@
 
 #include "Platform/Dispatch/ReadSource.h"
 #include "Platform/Dispatch/SerialQueue.h"
+#include "Platform/POSIX/Descriptor.h"
 
 #include <poll.h>
 
@@ -15,21 +16,6 @@
 #include <vector>
 
 namespace Platform {
-
-/// Owns a descriptor and closes it.
-class OwnedDescriptor {
-public:
-    explicit OwnedDescriptor(int descriptor)
-        : descriptor_(descriptor) {}
-    OwnedDescriptor(const OwnedDescriptor&) = delete;
-    OwnedDescriptor& operator=(const OwnedDescriptor&) = delete;
-    ~OwnedDescriptor();
-
-    int get() const { return descriptor_; }
-
-private:
-    const int descriptor_;
-};
 
 /// The state that a source shares with its queue.
 struct ReadSource::State {
@@ -85,7 +71,7 @@ private:
     /// True from just before the thread waits until it is woken. Set with the mutex held.
     std::atomic<bool> asleep_ = false;
     std::thread thread_;
-    OwnedDescriptor wake_;
+    Descriptor wake_;
     // Used by the queue's thread alone.
     int timeout_ = 0;
     /// The descriptors of `waiting_`, then the one that wakes the thread.

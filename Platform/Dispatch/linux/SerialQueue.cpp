@@ -24,14 +24,6 @@ namespace {
 
 thread_local const void* currentQueue = nullptr;
 
-int makeWakeDescriptor() {
-    const int descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (descriptor < 0) {
-        throw std::system_error(errno, std::generic_category(), "eventfd");
-    }
-    return descriptor;
-}
-
 /// The kernel keeps 15 bytes of a thread's name; a reverse-DNS label tells most at its end.
 void nameThread(const std::string& label) {
     std::string name = label.substr(label.rfind('.') + 1);
@@ -52,11 +44,9 @@ sigset_t signalsForOthers() {
 
 } // namespace
 
-OwnedDescriptor::~OwnedDescriptor() { close(descriptor_); }
-
 SerialQueue::State::State(std::string name)
     : label(std::move(name))
-    , wake_(makeWakeDescriptor()) {}
+    , wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "eventfd") {}
 
 bool SerialQueue::State::isCurrent() const { return currentQueue == this; }
 

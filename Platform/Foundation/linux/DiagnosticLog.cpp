@@ -1,13 +1,12 @@
 #include "Platform/Foundation/DiagnosticLog.h"
 
 #include "Platform/Foundation/LogText.h"
+#include "Platform/POSIX/Writing.h"
 
-#include <pthread.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstddef>
 #include <cstdio>
 #include <ctime>
@@ -30,44 +29,14 @@ std::string prefix() {
            std::to_string(getpid()) + "] ";
 }
 
-/// Keeps a broken pipe from ending the process while it lives, without touching the process's signal
-/// handlers.
-class BrokenPipeSignalBlock {
-public:
-    BrokenPipeSignalBlock() {
-        sigset_t pending = {};
-        sigpending(&pending);
-        wasPending_ = sigismember(&pending, SIGPIPE) == 1;
-        sigemptyset(&brokenPipe_);
-        sigaddset(&brokenPipe_, SIGPIPE);
-        pthread_sigmask(SIG_BLOCK, &brokenPipe_, &previous_);
-    }
-    BrokenPipeSignalBlock(const BrokenPipeSignalBlock&) = delete;
-    BrokenPipeSignalBlock& operator=(const BrokenPipeSignalBlock&) = delete;
-    ~BrokenPipeSignalBlock() {
-        if (!wasPending_) {
-            const timespec immediately = {};
-            while (sigtimedwait(&brokenPipe_, nullptr, &immediately) < 0 && errno == EINTR) {
-            }
-        }
-        pthread_sigmask(SIG_SETMASK, &previous_, nullptr);
-    }
-
-private:
-    sigset_t brokenPipe_ = {};
-    sigset_t previous_ = {};
-    bool wasPending_ = false;
-};
-
 } // namespace
 
 void diagnosticLog(std::string_view text) {
     const std::string line = prefix() + escapingControlCharacters(text) + '\n';
 
-    const BrokenPipeSignalBlock block;
     std::string_view rest = line;
     while (!rest.empty()) {
-        const ssize_t count = write(STDERR_FILENO, rest.data(), rest.size());
+        const ssize_t count = writeHoldingBackSignal(STDERR_FILENO, rest.data(), rest.size());
         if (count < 0 && errno == EINTR) {
             continue;
         }

@@ -1,8 +1,9 @@
 #include "Platform/WebKit/linux/SafeAnswers.h"
 
+#include "Platform/Foundation/Characters.h"
+
 #include <libsoup/soup.h>
 
-#include <algorithm>
 #include <string_view>
 
 namespace Platform {
@@ -24,8 +25,7 @@ bool isAttachment(WebKitURIResponse* response) {
         return false;
     }
     type = type.substr(begin, type.find_last_not_of(space) - begin + 1);
-    return std::ranges::equal(type, std::string_view("attachment"),
-                              [](char left, char right) { return g_ascii_tolower(left) == right; });
+    return asciiLowercased(type) == "attachment";
 }
 
 gboolean decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
