@@ -2,7 +2,7 @@
 
 #include "Keyloft/Program.h"
 #include "Platform/AppKit/StartArguments.h"
-#include "Platform/Foundation/LogText.h"
+#include "Platform/Foundation/DiagnosticLog.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,9 +1,20 @@
 #include "KeyloftCore/RelaySocketAddress.h"
 
 #include "KeyloftCore/RelaySocketError.h"
-#include "Platform/POSIX/UnixSocketAddress.h"
+
+#include <sys/socket.h>
+
+#include <cstddef>
 
 namespace KeyloftCore {
+
+namespace {
+
+/// The longest path of a Unix-domain socket, in bytes: macOS's limit, also on systems with room for more, so
+/// that a path works on all or on none.
+constexpr std::size_t maximumPath = 103;
+
+} // namespace
 
 void requirePathWithoutNUL(std::string_view path) {
     if (path.contains('\0')) {
@@ -13,11 +24,14 @@ void requirePathWithoutNUL(std::string_view path) {
 
 sockaddr_un sockaddrUn(std::string_view path) {
     requirePathWithoutNUL(path);
-    const auto address = Platform::unixSocketAddress(path);
-    if (!address) {
+    sockaddr_un address = {};
+    static_assert(sizeof address.sun_path > maximumPath);
+    if (path.size() > maximumPath) {
         throw RelaySocketError::pathTooLong();
     }
-    return *address;
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, path.size());
+    return address;
 }
 
 } // namespace KeyloftCore

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace Platform {
@@ -9,5 +10,8 @@ namespace Platform {
 /// no text can pass for a second line or steer a terminal. A standard error that nobody reads is no failure.
 /// Safe on any thread.
 void diagnosticLog(std::string_view text);
+
+/// `text` with line breaks and other control characters written as escapes ("\n", "\x1b"), tabs aside.
+std::string escapingControlCharacters(std::string_view text);
 
 } // namespace Platform

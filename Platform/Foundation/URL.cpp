@@ -2,6 +2,7 @@
 
 #include "Platform/Foundation/FatalError.h"
 #include "Platform/Foundation/URLEncoding.h"
+#include "Platform/Foundation/URLHost.h"
 
 #include <utility>
 

@@ -1,6 +1,7 @@
 #include "Platform/Foundation/URLComponents.h"
 
 #include "Platform/Foundation/URLEncoding.h"
+#include "Platform/Foundation/URLHost.h"
 
 #include <tuple>
 #include <utility>

@@ -60,18 +60,10 @@ std::string encodedUnlessValid(std::string_view text, Allowed allowed);
 /// A ":" in the first segment of a path that does not begin with "/" is encoded too, lest it be read as a
 /// scheme's.
 std::string encodedPath(std::string_view path);
-/// Returns `host` unchanged if it is valid in a URL, otherwise its ASCII form or, if hosts of `scheme` are
-/// not domain names, its percent-encoded form. Returns nothing if it has none.
-std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme);
 
 /// Percent-decodes `text` to bytes. Keeps invalid escapes as they are.
 std::string decodedBytes(std::string_view text);
 /// Does the same, but returns nothing if the bytes are not UTF-8.
 std::optional<std::string> decoded(std::string_view text);
-/// Returns a URL's host percent-decoded if it contains "%", otherwise in Unicode. Returns nothing if it
-/// cannot be decoded.
-std::optional<std::string> decodedHost(std::string_view host);
-
-bool isIPLiteral(std::string_view host);
 
 } // namespace Platform::URLEncoding

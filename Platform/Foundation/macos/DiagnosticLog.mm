@@ -1,6 +1,5 @@
 #include "Platform/Foundation/DiagnosticLog.h"
 
-#include "Platform/Foundation/LogText.h"
 #include "Platform/Foundation/macos/Conversions.h"
 
 namespace Platform {

@@ -1,7 +1,11 @@
 #include "Platform/WebKit/macos/Conversions.h"
 
 #include "Platform/Foundation/macos/Conversions.h"
-#include "Platform/Foundation/macos/InputStream.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
 
 namespace Platform {
 
@@ -30,6 +34,27 @@ NavigationType fromWKNavigationType(WKNavigationType type) {
         break;
     }
     return NavigationType::other;
+}
+
+class NativeInputStream final : public InputStream {
+public:
+    explicit NativeInputStream(NSInputStream* stream)
+        : stream_(stream) {}
+
+    void open() override { [stream_ open]; }
+    bool hasBytesAvailable() override { return stream_.hasBytesAvailable; }
+    std::ptrdiff_t read(std::span<char> buffer) override {
+        return [stream_ read:reinterpret_cast<std::uint8_t*>(buffer.data()) maxLength:buffer.size()];
+    }
+    void close() override { [stream_ close]; }
+
+private:
+    NSInputStream* stream_;
+};
+
+/// Null for nil.
+std::shared_ptr<InputStream> fromNSInputStream(NSInputStream* stream) {
+    return stream == nil ? nullptr : std::make_shared<NativeInputStream>(stream);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "Platform/Foundation/LogText.h"
+#include "Platform/Foundation/DiagnosticLog.h"
 
 #include <cstddef>
 
