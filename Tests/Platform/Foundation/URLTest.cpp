@@ -56,6 +56,8 @@ TEST(URL, onlyAddressesStandInBrackets) {
     EXPECT_EQ(literal.percentEncodedHost(), "[2001:db8::7]");
     EXPECT_EQ(parsed("http://[fe80::1%25en0]/").host(), "fe80::1%en0");
     EXPECT_EQ(parsed("http://[v1.fe80::a+en1]/").host(), "v1.fe80::a+en1");
+    EXPECT_EQ(parsed("http://[fe80::1%a|b]/").absoluteString(), "http://[fe80::1%25a%7Cb]/");
+    EXPECT_EQ(parsed("http://[fe80::1%25a|b]/").absoluteString(), "http://[fe80::1%2525a%7Cb]/");
     for (const auto* const text :
          {"http://[::1", "http://::1]/", "http://[::1]x/", "http://[::1]]/", "http://[[::1]/",
           "http://[::1 ]/", "http://[a/b]/", "http://[a@b]/", "http://[::1]:8x/"}) {
