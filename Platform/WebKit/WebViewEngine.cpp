@@ -163,13 +163,9 @@ void WebViewEngine::webProcessEnded(WebProcessRecovery::Cause cause, std::option
 
 void WebViewEngine::catchUp() {
     const auto view = keepAlive();
-    if (!view || !isVisible()) {
-        return;
-    }
-    if (recovery_.reloadsWhenVisible()) {
+    if (view && isVisible() && recovery_.reloadsWhenVisible()) {
         reload();
     }
-    beginPendingLoad();
 }
 
 void WebViewEngine::catchUpSoon() {

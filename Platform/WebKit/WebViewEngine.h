@@ -108,7 +108,7 @@ protected:
     void webProcessEnded(WebProcessRecovery::Cause cause, std::optional<URLRequest> interrupted);
     void pageReturned() { recovery_.pageReturned(); }
     bool isPageGone() const { return recovery_.isPageGone(); }
-    /// Begins loads that waited for the view to become visible, if it is.
+    /// Brings the page back if it waited for the view to become visible, and the view is.
     void catchUp();
     /// Calls `catchUp` in the next iteration of the run loop.
     void catchUpSoon();
@@ -126,8 +126,6 @@ private:
     virtual bool isVisible() const = 0;
     /// Returns true if the last requested navigation has not begun, so that there is nothing to reload.
     virtual bool isLoadPending() const { return false; }
-    /// Begins the pending navigation of a visible view.
-    virtual void beginPendingLoad() {}
 
     void requestNavigation();
 

@@ -1,6 +1,5 @@
-#include "Platform/WebKit/linux/WebProcessPlace.h"
+#include "Platform/WebKit/linux/WebViewConfigurationNative.h"
 #include "Tests/Keyloft/AppDelegateTest.h"
-#include "Tests/Support/Setting.h"
 #include "Tests/Support/WebProcesses.h"
 
 #include <algorithm>
@@ -11,13 +10,26 @@
 
 using namespace Platform;
 using TestSupport::runUntil;
-using TestSupport::Setting;
 
 namespace {
 
 /// More tabs than web processes.
 class ManyTabsTest : public AppDelegateTest {
 protected:
+    /// Opens so many tabs of one window at once, with a page each, and returns their URLs.
+    std::vector<std::string> openTabs(int count) {
+        std::vector<std::string> urls;
+        for (int i = 0; i < count; ++i) {
+            const URL page = serverURL("/" + std::to_string(i));
+            urls.push_back(page.absoluteString());
+            server.route(page.path(), TestSupport::HTTPResponse::page(urls.back()));
+            const auto configuration = WebViewConfiguration::create();
+            configuration->native().slots = slots;
+            delegate->openTab(page, delegate->frontBrowserWindow(), configuration);
+        }
+        return urls;
+    }
+
     /// The pages that were asked for at least once.
     std::ptrdiff_t loadedPages(const std::vector<std::string>& urls) const {
         return std::ranges::count_if(urls,
@@ -25,18 +37,13 @@ protected:
     }
 
     static constexpr int limit = 4;
-    Setting<int> lowLimit{webProcessLimit, limit};
+    const std::shared_ptr<WebProcessSlots> slots = std::make_shared<WebProcessSlots>(limit, 10);
 };
 
 } // namespace
 
 TEST_F(ManyTabsTest, threeHundredAddressesAreTabsOfWhichEachLoadsAtTheLatestWhenItIsSeen) {
-    std::vector<std::string> urls;
-    for (int i = 0; i < 300; ++i) {
-        urls.push_back(serverURL("/" + std::to_string(i)).absoluteString());
-    }
-    openURLs(urls);
-    delegate->applicationDidFinishLaunching();
+    const auto urls = openTabs(300);
     const auto open = controllers();
     ASSERT_EQ(open.size(), urls.size());
     for (std::size_t i = 0; i < urls.size(); ++i) {
@@ -57,12 +64,7 @@ TEST_F(ManyTabsTest, threeHundredAddressesAreTabsOfWhichEachLoadsAtTheLatestWhen
 }
 
 TEST_F(ManyTabsTest, aTabThatIsClosedMakesRoomForThePageOfAnother) {
-    std::vector<std::string> urls;
-    for (int i = 0; i < limit + 2; ++i) {
-        urls.push_back(serverURL("/" + std::to_string(i)).absoluteString());
-    }
-    openURLs(urls);
-    delegate->applicationDidFinishLaunching();
+    const auto urls = openTabs(limit + 2);
     EXPECT_TRUE(runUntil([&] { return loadedPages(urls) == limit; }));
     controllers().front()->window()->close();
     EXPECT_TRUE(runUntil([&] { return loadedPages(urls) == limit + 1; }));

@@ -3,7 +3,6 @@
 #include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/WebKit/linux/LoadError.h"
-#include "Platform/WebKit/linux/NativeWebView.h"
 #include "Platform/WebKit/linux/RestrictedPort.h"
 #include "Platform/WebKit/linux/SafeAnswers.h"
 #include "Platform/WebKit/linux/ScriptDialog.h"
@@ -34,7 +33,13 @@ void WebKitGTKEngine::connect(gpointer instance, const char* signal) {
 
 WebKitGTKEngine::WebKitGTKEngine(WebViewConfiguration& configuration)
     : view_(makeNativeWebView(configuration))
-    , place_(*this)
+    , slot_(
+          configuration.native().slots,
+          [this] { return !webkit_web_view_is_playing_audio(view_.get()) && !hasOpenPanels(); },
+          [this] {
+              const auto keptAlive = keepAlive();
+              webkit_web_view_terminate_web_process(view_.get());
+          })
     , gestures_(view_.get()) {
     using Engine = WebKitGTKEngine;
     auto* view = view_.get();
@@ -96,11 +101,6 @@ void WebKitGTKEngine::isLoadingChanged(WebKitWebView* view, GParamSpec* /*proper
     update(&Values::isLoading, isLoading, Property::isLoading);
 }
 
-void WebKitGTKEngine::historyChanged(WebKitBackForwardList* /*list*/, WebKitBackForwardListItem* /*added*/,
-                                     gpointer /*removed*/) {
-    updateHistory();
-}
-
 void WebKitGTKEngine::updateHistory() {
     update(&Values::canGoBack, webkit_web_view_can_go_back(view_.get()) == TRUE, Property::canGoBack);
     update(&Values::canGoForward, webkit_web_view_can_go_forward(view_.get()) == TRUE,
@@ -109,21 +109,17 @@ void WebKitGTKEngine::updateHistory() {
 
 // Navigation
 
-void WebKitGTKEngine::navigate(std::optional<Navigation::Load> load, std::function<void()> begin) {
+void WebKitGTKEngine::navigate(std::optional<Navigation::Load> load, Begin begin) {
     navigation_.request(std::move(load), values().url);
-    beginWithProcess(std::move(begin));
+    requestSlot(std::move(begin));
 }
 
-/// Calls `begin` once there may be a web process for it.
-void WebKitGTKEngine::beginWithProcess(std::function<void()> begin) {
-    place_.begin([this, begin = std::move(begin)] {
+/// Calls `begin` when the view may use its web process.
+void WebKitGTKEngine::requestSlot(Begin begin) {
+    slot_.request([this, begin = std::move(begin)] {
         const auto keptAlive = keepAlive();
-        begin();
+        begin(view_.get());
     });
-    // Not at once: of many tabs that are opened together each is in sight, until the next one is.
-    if (place_.isWaiting()) {
-        catchUpSoon();
-    }
 }
 
 void WebKitGTKEngine::startLoad(const URLRequest& request) {
@@ -133,34 +129,21 @@ void WebKitGTKEngine::startLoad(const URLRequest& request) {
             timedOut();
         }
     });
-    navigate(Navigation::Load{uri, std::move(timeout)}, [this, uri] {
+    navigate(Navigation::Load{uri, std::move(timeout)}, [this, uri](WebKitWebView* view) {
         if (auto* load = navigation_.load()) {
             load->timeout.start();
         }
-        webkit_web_view_load_uri(view_.get(), uri.c_str());
+        webkit_web_view_load_uri(view, uri.c_str());
     });
-    if (place_.isWaiting()) {
+    if (slot_.isWaiting()) {
         urlChanged(URL::fromString(uri));
     }
 }
 
 void WebKitGTKEngine::startHTML(const std::string& html, const std::optional<URL>& baseURL) {
-    navigate(std::nullopt, [this, html, baseURL] {
-        webkit_web_view_load_html(view_.get(), html.c_str(),
-                                  baseURL ? baseURL->absoluteString().c_str() : nullptr);
+    navigate(std::nullopt, [html, baseURL](WebKitWebView* view) {
+        webkit_web_view_load_html(view, html.c_str(), baseURL ? baseURL->absoluteString().c_str() : nullptr);
     });
-}
-
-void WebKitGTKEngine::startReload() {
-    navigate(std::nullopt, [this] { webkit_web_view_reload(view_.get()); });
-}
-
-void WebKitGTKEngine::startGoingBack() {
-    navigate(std::nullopt, [this] { webkit_web_view_go_back(view_.get()); });
-}
-
-void WebKitGTKEngine::startGoingForward() {
-    navigate(std::nullopt, [this] { webkit_web_view_go_forward(view_.get()); });
 }
 
 std::optional<std::string> WebKitGTKEngine::requestedURI() {
@@ -171,9 +154,9 @@ std::optional<std::string> WebKitGTKEngine::requestedURI() {
 
 void WebKitGTKEngine::stopLoading() {
     auto* load = navigation_.load();
-    if (place_.isWaiting()) {
+    if (slot_.isWaiting()) {
         const auto shownURL = navigation_.shownURL(values().url);
-        place_.stopWaiting();
+        slot_.cancelRequest();
         navigation_.end();
         update(&Values::url, shownURL, Property::url);
         return;
@@ -192,7 +175,7 @@ void WebKitGTKEngine::stopLoading() {
 }
 
 void WebKitGTKEngine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event) {
-    place_.started();
+    slot_.processStarted();
     auto* load = navigation_.load();
     switch (event) {
     case WEBKIT_LOAD_STARTED:
@@ -232,7 +215,7 @@ gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
         return FALSE;
     }
-    place_.started();
+    slot_.processStarted();
     const auto question = std::make_shared<NavigationQuestion>(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     if (type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
         ask(question, false);
@@ -245,8 +228,8 @@ gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     // WebKitGTK itself loads the page of a window without an opener, and starts a process for it once the
     // question is answered.
     if (isFirstOfWindow && uriOf(view_.get())) {
-        place_.leave();
-        beginWithProcess([this, question] { decide(question); });
+        slot_.release();
+        requestSlot([this, question](WebKitWebView*) { decide(question); });
     } else {
         decide(question);
     }
@@ -350,7 +333,7 @@ GtkWidget* WebKitGTKEngine::createView(WebKitWebView* view, WebKitNavigationActi
     }
     auto& engine = of(*child);
     engine.navigation_.openWindow();
-    engine.place_.share(place_);
+    engine.slot_.share(slot_);
     // Borrowed: the emission adds a reference, which WebKitGTK never releases.
     return GTK_WIDGET(engine.view_.get());
 }
@@ -375,36 +358,22 @@ gboolean WebKitGTKEngine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
 
 void WebKitGTKEngine::webProcessTerminated(WebKitWebView* /*view*/,
                                            WebKitWebProcessTerminationReason /*reason*/) {
+    const auto* load = navigation_.load();
+    const auto url = load ? URL::fromString(load->uri) : values().url;
     std::optional<URLRequest> interrupted;
-    if (const auto* load = navigation_.load()) {
-        if (const auto url = URL::fromString(load->uri)) {
-            interrupted = URLRequest{.url = *url, .timeoutInterval = load->timeout.interval()};
-        }
-    } else if (values().url && (navigation_.isNewWindow() || place_.isWaiting())) {
-        interrupted = URLRequest{.url = *values().url, .timeoutInterval = 0};
+    if (url && (load || navigation_.isNewWindow() || slot_.isWaiting())) {
+        interrupted = URLRequest{.url = *url, .timeoutInterval = load ? load->timeout.interval() : 0};
     }
-    place_.leave();
-    place_.stopWaiting();
+    slot_.release();
+    slot_.cancelRequest();
     navigation_.abandon();
-    webProcessEnded(WebProcessPlace::isMakingRoom() ? WebProcessRecovery::Cause::eviction
-                                                    : WebProcessRecovery::Cause::failure,
+    webProcessEnded(slot_.isEvicting() ? WebProcessRecovery::Cause::eviction
+                                       : WebProcessRecovery::Cause::failure,
                     std::move(interrupted));
 }
 
-bool WebKitGTKEngine::isVisible() const { return gtk_widget_get_mapped(GTK_WIDGET(view_.get())) == TRUE; }
-
-bool WebKitGTKEngine::mayGiveWay() const {
-    return !isVisible() && !webkit_web_view_is_playing_audio(view_.get()) && !hasOpenPanels();
-}
-
-void WebKitGTKEngine::giveWay() {
-    if (const auto keptAlive = keepAlive()) {
-        webkit_web_view_terminate_web_process(view_.get());
-    }
-}
-
 void WebKitGTKEngine::mapped(WebKitWebView* view) {
-    place_.seen();
+    slot_.setVisible(true);
     catchUpSoon();
     if (navigation_.isFresh()) {
         prewarming_.emplace(GTK_WIDGET(view), [this] { prewarm(); });
@@ -416,10 +385,10 @@ void WebKitGTKEngine::prewarm() {
         return;
     }
     navigation_.use();
-    if (place_.takeNow()) {
+    if (slot_.tryAcquire()) {
         startWebProcess(view_.get(), [this, weak = weak_from_this()] {
             if (const auto engine = weak.lock()) {
-                place_.started();
+                slot_.processStarted();
             }
         });
     }

@@ -7,7 +7,7 @@
 #include "Platform/WebKit/linux/NavigationQuestion.h"
 #include "Platform/WebKit/linux/Prewarming.h"
 #include "Platform/WebKit/linux/SwipeGestures.h"
-#include "Platform/WebKit/linux/WebProcessPlace.h"
+#include "Platform/WebKit/linux/WebProcessSlots.h"
 
 #include <webkit/webkit.h>
 
@@ -20,7 +20,7 @@
 namespace Platform {
 
 /// Drives WebKitGTK's view.
-class WebKitGTKEngine final : public WebViewEngine, private WebProcessUser {
+class WebKitGTKEngine final : public WebViewEngine {
 public:
     explicit WebKitGTKEngine(WebViewConfiguration& configuration);
     WebKitGTKEngine(const WebKitGTKEngine&) = delete;
@@ -34,6 +34,8 @@ public:
 private:
     friend class WebView;
 
+    using Begin = std::function<void(WebKitWebView*)>;
+
     struct Failure {
         Error error;
         bool hasCommitted = false;
@@ -45,19 +47,15 @@ private:
 
     void startLoad(const URLRequest& request) override;
     void startHTML(const std::string& html, const std::optional<URL>& baseURL) override;
-    void startReload() override;
-    void startGoingBack() override;
-    void startGoingForward() override;
-    bool isLoadPending() const override { return place_.isWaiting(); }
-    bool isVisible() const override;
-    void beginPendingLoad() override { place_.cutIn(); }
-
-    bool mayGiveWay() const override;
-    void giveWay() override;
+    void startReload() override { navigate(std::nullopt, webkit_web_view_reload); }
+    void startGoingBack() override { navigate(std::nullopt, webkit_web_view_go_back); }
+    void startGoingForward() override { navigate(std::nullopt, webkit_web_view_go_forward); }
+    bool isLoadPending() const override { return slot_.isWaiting(); }
+    bool isVisible() const override { return slot_.isVisible(); }
 
     std::optional<std::string> requestedURI();
-    void navigate(std::optional<Navigation::Load> load, std::function<void()> begin);
-    void beginWithProcess(std::function<void()> begin);
+    void navigate(std::optional<Navigation::Load> load, Begin begin);
+    void requestSlot(Begin begin);
 
     void decide(const std::shared_ptr<NavigationQuestion>& question);
     void ask(const std::shared_ptr<NavigationQuestion>& question, bool isRequested);
@@ -76,8 +74,8 @@ private:
     void titleChanged(WebKitWebView*, GParamSpec*);
     void progressChanged(WebKitWebView*, GParamSpec*);
     void isLoadingChanged(WebKitWebView*, GParamSpec*);
-    void historyChanged(WebKitBackForwardList*, WebKitBackForwardListItem*, gpointer);
-    void movedToAnotherProcess(WebKitWebView*, GParamSpec*) { place_.moved(); }
+    void historyChanged(WebKitBackForwardList*, WebKitBackForwardListItem*, gpointer) { updateHistory(); }
+    void movedToAnotherProcess(WebKitWebView*, GParamSpec*) { slot_.processReplaced(); }
     void loadChanged(WebKitWebView*, WebKitLoadEvent event);
     gboolean loadFailed(WebKitWebView*, WebKitLoadEvent event, const char* uri, GError* error);
     gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type);
@@ -86,13 +84,13 @@ private:
     void closeRequested(WebKitWebView*) { closed(); }
     void webProcessTerminated(WebKitWebView*, WebKitWebProcessTerminationReason);
     void mapped(WebKitWebView*);
-    void unmapped(WebKitWebView*) { place_.seen(); }
+    void unmapped(WebKitWebView*) { slot_.setVisible(false); }
 
     GObjectPtr<WebKitWebView> view_;
     Navigation navigation_;
     /// Reported at WEBKIT_LOAD_FINISHED, which follows every failure.
     std::optional<Failure> failure_;
-    WebProcessPlace place_;
+    WebProcessSlot slot_;
     SwipeGestures gestures_;
     std::optional<Prewarming> prewarming_;
     std::vector<SignalConnection> connections_;

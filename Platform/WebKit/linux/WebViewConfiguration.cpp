@@ -20,9 +20,10 @@ std::shared_ptr<WebViewConfiguration> WebViewConfiguration::create() {
 }
 
 std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WebKitWebView* view,
-                                                             const WebViewConfiguration& ours) {
+                                                             WebViewConfiguration& ours) {
     auto native = std::make_unique<WebViewConfiguration::Native>();
     native->opener = GObjectPtr<WebKitWebView>::retain(view);
+    native->slots = ours.native().slots;
     auto configuration = std::make_shared<WebViewConfiguration>(std::move(native));
     configuration->setUserContentController(ours.userContentController());
     configuration->setWebsiteDataStore(ours.websiteDataStore());

@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/WebKit/WebViewConfiguration.h"
+#include "Platform/WebKit/linux/WebProcessSlots.h"
 
 #include <webkit/webkit.h>
 
@@ -13,10 +14,11 @@ struct WebViewConfiguration::Native {
     /// Set for a page's new window, until its view is made: the engine connects the two pages. It is not kept
     /// any longer, for the configuration lives as long as the new view and the opener need not.
     GObjectPtr<WebKitWebView> opener;
+    /// Limits the web processes of these views and of the windows that their pages open. Never null.
+    std::shared_ptr<WebProcessSlots> slots = WebProcessSlots::shared();
 };
 
 /// The configuration for a new window of the page in `view`, which was made with `ours`.
-std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WebKitWebView* view,
-                                                             const WebViewConfiguration& ours);
+std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WebKitWebView* view, WebViewConfiguration& ours);
 
 } // namespace Platform

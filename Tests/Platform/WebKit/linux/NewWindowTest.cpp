@@ -1,17 +1,15 @@
-#include "Platform/WebKit/linux/WebProcessPlace.h"
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
-#include "Tests/Support/Setting.h"
 
 using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
-using TestSupport::Setting;
 
 namespace {
 
 class WebViewNewWindow : public WebViewTest {
 protected:
     void SetUp() override {
+        window.reset();
         opener = makeView();
         window.emplace(*opener);
         window->show();
@@ -163,7 +161,7 @@ TEST_F(WebViewNewWindow, closingItselfDoesNothing) {
 }
 
 TEST_F(WebViewNewWindow, thatIsMovedToAProcessOfItsOwnGivesWayAlone) {
-    const Setting limit(webProcessLimit, 2);
+    limitProcesses(2);
     acceptWindows();
     auto isolated = HTTPResponse::page("/child");
     isolated.headers.emplace_back("Cross-Origin-Opener-Policy", "same-origin");

@@ -1,6 +1,4 @@
-#include "Platform/WebKit/linux/WebProcessPlace.h"
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
-#include "Tests/Support/Setting.h"
 #include "Tests/Support/WebProcesses.h"
 
 #include <cstddef>
@@ -8,7 +6,6 @@
 using namespace Platform;
 using TestSupport::HTTPResponse;
 using TestSupport::runUntil;
-using TestSupport::Setting;
 using TestSupport::webProcesses;
 using Ending = TestSupport::HTTPResponse::Ending;
 
@@ -17,6 +14,7 @@ namespace {
 class WebProcess : public WebViewTest {
 protected:
     void SetUp() override {
+        window.reset();
         view = makeView();
         window.emplace(*view);
     }
@@ -247,7 +245,7 @@ TEST_F(WebProcess, areStartedOneAfterTheOtherForPagesOutOfSight) {
 }
 
 TEST_F(WebProcess, isStartedOutOfTurnForAPageThatIsSeen) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     const auto first = makeView();
     ASSERT_TRUE(loadPage(*first, "/first"));
     const auto waiting = makeView();
@@ -258,7 +256,7 @@ TEST_F(WebProcess, isStartedOutOfTurnForAPageThatIsSeen) {
 }
 
 TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThePageIsSeen) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     const auto first = makeView();
     ASSERT_TRUE(loadPage(*first, "/first"));
     server.route("/page", HTTPResponse::page("/page"));
@@ -275,7 +273,7 @@ TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThePageIsSeen) {
 }
 
 TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThereIsRoom) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     auto first = makeView();
     ASSERT_TRUE(loadPage(*first, "/first"));
     server.route("/page", HTTPResponse::page("/page"));
@@ -287,7 +285,7 @@ TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThereIsRoom) {
 }
 
 TEST_F(WebProcess, isStartedForTheLastPageThatAWaitingViewWasAskedFor) {
-    const Setting limit(webProcessLimit, 0);
+    limitProcesses(0);
     for (const std::string path : {"/one", "/two"}) {
         server.route(path, HTTPResponse::page(path));
         view->load(request(server.url(path)));
@@ -299,7 +297,7 @@ TEST_F(WebProcess, isStartedForTheLastPageThatAWaitingViewWasAskedFor) {
 }
 
 TEST_F(WebProcess, isNotStartedForAWaitingPageThatWasStopped) {
-    const Setting limit(webProcessLimit, 0);
+    limitProcesses(0);
     view->load(request(server.url("/page")));
     std::vector<std::string> urls;
     const auto url = view->observe(Property::url, [&] { urls.push_back(urlOf(*view)); });
@@ -313,7 +311,7 @@ TEST_F(WebProcess, isNotStartedForAWaitingPageThatWasStopped) {
 }
 
 TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
-    const Setting limit(webProcessLimit, 2);
+    limitProcesses(2);
     const auto unseen = makeView();
     ASSERT_TRUE(loadPage(*unseen, "/unseen"));
     ASSERT_TRUE(loadPage(*view, "/seen"));
@@ -327,7 +325,7 @@ TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
 }
 
 TEST_F(WebProcess, thatGaveWayIsStartedAgainEachTimeThePageIsSeen) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     ASSERT_TRUE(loadPage(*view, "/one"));
     const auto other = showPage("/two");
     other->window.hide();
@@ -344,7 +342,7 @@ TEST_F(WebProcess, thatGaveWayIsStartedAgainEachTimeThePageIsSeen) {
 }
 
 TEST_F(WebProcess, ofAPageThatIsSeenGivesNoWay) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/one"));
     const auto other = showPage("/two");
@@ -353,7 +351,7 @@ TEST_F(WebProcess, ofAPageThatIsSeenGivesNoWay) {
 }
 
 TEST_F(WebProcess, ofAPageWithAnOpenPanelGivesNoWay) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     ASSERT_TRUE(loadPage(*view, "/one"));
     run(*view, "alert('stay')");
     ASSERT_TRUE(runUntil([&] { return ui->panels.size() == 1; }));
@@ -363,7 +361,7 @@ TEST_F(WebProcess, ofAPageWithAnOpenPanelGivesNoWay) {
 }
 
 TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/opener"));
     const auto child = openChild();
@@ -377,7 +375,7 @@ TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
 }
 
 TEST_F(WebProcess, thatGaveWayIsNotTakenForOneThatEndedByItself) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     ASSERT_TRUE(loadPage(*view, "/opener"));
     const auto child = openChild();
     showPage("/other");
@@ -389,7 +387,7 @@ TEST_F(WebProcess, thatGaveWayIsNotTakenForOneThatEndedByItself) {
 }
 
 TEST_F(WebProcess, isStartedInTurnForAWindowThatIsToKnowNothingOfItsOpener) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/opener"));
     std::vector<std::shared_ptr<WebView>> children;
@@ -421,7 +419,7 @@ TEST_F(WebProcess, isStartedInTurnForAWindowThatIsToKnowNothingOfItsOpener) {
 }
 
 TEST_F(WebProcess, thatEndedWithTheWindowItOpenedBringsThatBackWhenItIsSeen) {
-    const Setting limit(webProcessLimit, 1);
+    limitProcesses(1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/opener"));
     std::shared_ptr<WebView> child;

@@ -1,6 +1,7 @@
 #include "Tests/Platform/WebKit/linux/WebViewFixture.h"
 
 #include "Platform/Foundation/FatalError.h"
+#include "Platform/WebKit/linux/WebViewConfigurationNative.h"
 #include "Tests/Support/Waiting.h"
 #include "Tests/Support/linux/ForgetPages.h"
 
@@ -92,6 +93,12 @@ WebViewTest::~WebViewTest() {
     EXPECT_TRUE(isOnlyTest || TestSupport::forgetPages(sessions));
 }
 
+std::shared_ptr<WebView> WebViewTest::makeView() {
+    const auto configuration = WebViewConfiguration::create();
+    configuration->native().slots = slots;
+    return makeView(configuration);
+}
+
 std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConfiguration>& configuration) {
     auto view = WebView::create(configuration);
     view->setNavigationDelegate(navigation);
@@ -99,6 +106,11 @@ std::shared_ptr<WebView> WebViewTest::makeView(const std::shared_ptr<WebViewConf
     usedSessions().push_back(
         GObjectPtr<WebKitNetworkSession>::retain(webkit_web_view_get_network_session(widgetOf(*view))));
     return view;
+}
+
+void WebViewTest::limitProcesses(std::size_t limit) {
+    slots = std::make_shared<WebProcessSlots>(limit, 10);
+    SetUp();
 }
 
 std::string WebViewTest::textOf(const std::optional<URL>& url) { return url ? url->absoluteString() : ""; }

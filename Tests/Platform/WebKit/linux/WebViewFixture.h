@@ -3,6 +3,7 @@
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/Foundation/Timer.h"
 #include "Platform/WebKit/WebView.h"
+#include "Platform/WebKit/linux/WebProcessSlots.h"
 #include "Tests/Support/HTTPServer.h"
 #include "Tests/Support/WebProcesses.h"
 #include "Tests/Support/linux/MainLoop.h"
@@ -86,9 +87,13 @@ protected:
 
     using Property = Platform::WebView::Property;
 
-    /// A view with both delegates.
-    std::shared_ptr<Platform::WebView> makeView(const std::shared_ptr<Platform::WebViewConfiguration>&
-                                                    configuration = Platform::WebViewConfiguration::create());
+    /// A view with both delegates. Its web process is one of `slots`.
+    std::shared_ptr<Platform::WebView> makeView();
+    std::shared_ptr<Platform::WebView>
+    makeView(const std::shared_ptr<Platform::WebViewConfiguration>& configuration);
+
+    /// Sets up the test anew, with a limit of the number of web processes.
+    void limitProcesses(std::size_t limit);
 
     /// Empty where there is none.
     static std::string textOf(const std::optional<Platform::URL>& url);
@@ -117,6 +122,7 @@ protected:
     static void runFor(double seconds);
 
     TestSupport::HTTPServer server;
+    std::shared_ptr<Platform::WebProcessSlots> slots = Platform::WebProcessSlots::shared();
     std::shared_ptr<RecordingNavigationDelegate> navigation = std::make_shared<RecordingNavigationDelegate>();
     std::shared_ptr<RecordingUIDelegate> ui = std::make_shared<RecordingUIDelegate>();
 };
