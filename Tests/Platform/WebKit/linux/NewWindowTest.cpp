@@ -160,7 +160,7 @@ TEST_F(WebViewNewWindow, closingItselfDoesNothing) {
     EXPECT_EQ(children[0]->title(), "Child");
 }
 
-TEST_F(WebViewNewWindow, thatIsMovedToAProcessOfItsOwnGivesWayAlone) {
+TEST_F(WebViewNewWindow, thatIsMovedToAProcessOfItsOwnIsEvictedAlone) {
     limitProcesses(2);
     acceptWindows();
     auto isolated = HTTPResponse::page("/child");
@@ -170,15 +170,15 @@ TEST_F(WebViewNewWindow, thatIsMovedToAProcessOfItsOwnGivesWayAlone) {
     ASSERT_TRUE(runUntil([&] { return children.size() == 1; }));
     ASSERT_TRUE(waitForTitle(*children[0], "/child"));
     ASSERT_EQ(evaluate(*children[0], "String(window.opener)"), "null");
-    bool hasGivenWay = false;
+    bool wasEvicted = false;
     const SignalConnection connection(
         widgetOf(*children[0]), "web-process-terminated",
         G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, bool* ended) { *ended = true; }),
-        &hasGivenWay);
+        &wasEvicted);
     const auto third = makeView();
     TestWindow thirdWindow(*third);
     thirdWindow.show();
     ASSERT_TRUE(loadPage(*third, "/third"));
-    EXPECT_TRUE(runUntil([&] { return hasGivenWay; }));
+    EXPECT_TRUE(runUntil([&] { return wasEvicted; }));
     EXPECT_EQ(evaluate(*opener, "document.title"), "/opener");
 }

@@ -255,7 +255,7 @@ TEST_F(WebProcess, isStartedOutOfTurnForAPageThatIsSeen) {
     EXPECT_EQ(server.count("/waiting"), 0U);
 }
 
-TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThePageIsSeen) {
+TEST_F(WebProcess, isNotStartedAtTheLimitUntilThePageIsSeen) {
     limitProcesses(1);
     const auto first = makeView();
     ASSERT_TRUE(loadPage(*first, "/first"));
@@ -272,7 +272,7 @@ TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThePageIsSeen) {
     EXPECT_TRUE(waitForFailures(1));
 }
 
-TEST_F(WebProcess, isNotStartedBeyondTheLimitUntilThereIsRoom) {
+TEST_F(WebProcess, isNotStartedAtTheLimitUntilAnotherEnds) {
     limitProcesses(1);
     auto first = makeView();
     ASSERT_TRUE(loadPage(*first, "/first"));
@@ -310,7 +310,7 @@ TEST_F(WebProcess, isNotStartedForAWaitingPageThatWasStopped) {
     EXPECT_EQ(server.count("/page"), 0U);
 }
 
-TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
+TEST_F(WebProcess, ofThePageLongestOutOfSightIsEvictedAtTheLimit) {
     limitProcesses(2);
     const auto unseen = makeView();
     ASSERT_TRUE(loadPage(*unseen, "/unseen"));
@@ -324,7 +324,7 @@ TEST_F(WebProcess, ofThePageLongestOutOfSightGivesWayToOneTooMany) {
     EXPECT_EQ(unseen->title(), "/unseen");
 }
 
-TEST_F(WebProcess, thatGaveWayIsStartedAgainEachTimeThePageIsSeen) {
+TEST_F(WebProcess, thatWasEvictedIsStartedAgainEachTimeThePageIsSeen) {
     limitProcesses(1);
     ASSERT_TRUE(loadPage(*view, "/one"));
     const auto other = showPage("/two");
@@ -341,7 +341,7 @@ TEST_F(WebProcess, thatGaveWayIsStartedAgainEachTimeThePageIsSeen) {
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 1; }));
 }
 
-TEST_F(WebProcess, ofAPageThatIsSeenGivesNoWay) {
+TEST_F(WebProcess, ofAVisiblePageIsNotEvicted) {
     limitProcesses(1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/one"));
@@ -350,7 +350,7 @@ TEST_F(WebProcess, ofAPageThatIsSeenGivesNoWay) {
     EXPECT_EQ(evaluate(*view, "document.title"), "/one");
 }
 
-TEST_F(WebProcess, ofAPageWithAnOpenPanelGivesNoWay) {
+TEST_F(WebProcess, ofAPageWithAnOpenPanelIsNotEvicted) {
     limitProcesses(1);
     ASSERT_TRUE(loadPage(*view, "/one"));
     run(*view, "alert('stay')");
@@ -360,7 +360,18 @@ TEST_F(WebProcess, ofAPageWithAnOpenPanelGivesNoWay) {
     EXPECT_EQ(evaluate(*view, "document.title"), "/one");
 }
 
-TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
+TEST_F(WebProcess, ofAPageThatPlaysSoundIsNotEvicted) {
+    limitProcesses(1);
+    ASSERT_TRUE(loadPage(*view, "/one"));
+    run(*view, "const sound = new AudioContext(); const tone = new OscillatorNode(sound);"
+               "tone.connect(sound.destination); tone.start()");
+    ASSERT_TRUE(runUntil([&] { return webkit_web_view_is_playing_audio(widgetOf(*view)) == TRUE; }));
+    const auto other = showPage("/two");
+    EXPECT_EQ(evaluate(*view, "document.title"), "/one");
+    EXPECT_EQ(webProcesses().size(), 2U);
+}
+
+TEST_F(WebProcess, thatServesAVisiblePageIsNotEvicted) {
     limitProcesses(1);
     window->show();
     ASSERT_TRUE(loadPage(*view, "/opener"));
@@ -370,11 +381,11 @@ TEST_F(WebProcess, thatServesAPageThatIsSeenGivesNoWay) {
     window->hide();
     other->window.hide();
     const auto last = showPage("/last");
-    EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the two pages give way together";
+    EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the two pages are evicted together";
     EXPECT_EQ(evaluate(*other->view, "document.title"), "/two");
 }
 
-TEST_F(WebProcess, thatGaveWayIsNotTakenForOneThatEndedByItself) {
+TEST_F(WebProcess, thatWasEvictedDoesNotCountAsFailed) {
     limitProcesses(1);
     ASSERT_TRUE(loadPage(*view, "/opener"));
     const auto child = openChild();
@@ -413,9 +424,9 @@ TEST_F(WebProcess, isStartedInTurnForAWindowThatIsToKnowNothingOfItsOpener) {
     first.show();
     EXPECT_TRUE(waitForTitle(*children[0], "/one"));
     second.show();
-    EXPECT_TRUE(runUntil([&] { return server.count("/two") == 2; })) << "it gave way";
+    EXPECT_TRUE(runUntil([&] { return server.count("/two") == 2; })) << "it was evicted";
     EXPECT_EQ(evaluate(*view, "document.title"), "/opener");
-    EXPECT_EQ(server.count("/opener"), 1U) << "the opener did not";
+    EXPECT_EQ(server.count("/opener"), 1U) << "the opener was not";
 }
 
 TEST_F(WebProcess, thatEndedWithTheWindowItOpenedBringsThatBackWhenItIsSeen) {
