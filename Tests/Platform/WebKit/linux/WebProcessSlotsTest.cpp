@@ -121,6 +121,7 @@ TEST(WebProcessSlots, grantToAVisibleViewBesideOneThatStarts) {
     View hidden(slots);
     hidden.request();
     View visible(slots, true);
+    runPending();
     visible.request();
     EXPECT_EQ(visible.grants, 0) << "it may be hidden in the same iteration of the main loop";
     runPending();
@@ -169,6 +170,7 @@ TEST(WebProcessSlots, grantToAViewThatBecomesVisible) {
     for (auto* view : {&first, &older, &newer}) {
         view->request();
     }
+    runPending();
     newer.slot->setVisible(true);
     runPending();
     EXPECT_EQ(newer.grants, 1);
@@ -194,6 +196,8 @@ TEST(WebProcessSlots, grantWhenAProcessEndsBeforeItAnswers) {
     View second(slots);
     first.request();
     second.request();
+    runPending();
+    EXPECT_EQ(second.grants, 0);
     first.slot->release();
     runPending();
     EXPECT_EQ(second.grants, 1);
@@ -205,6 +209,8 @@ TEST(WebProcessSlots, grantWhenAViewIsDestroyed) {
     View second(slots);
     first.request();
     second.request();
+    runPending();
+    EXPECT_EQ(second.grants, 0);
     first.slot.reset();
     runPending();
     EXPECT_EQ(second.grants, 1);
@@ -330,4 +336,12 @@ TEST(WebProcessSlots, countAViewThatLeftASharedProcess) {
     EXPECT_TRUE(visible.slot->tryAcquire());
     EXPECT_EQ(opener.evictions, 1);
     EXPECT_EQ(child.evictions, 0);
+}
+
+TEST(WebProcessSlots, keepTheSlotOfAViewThatIsAloneInItsProcess) {
+    const auto slots = makeSlots(1);
+    View view(slots);
+    view.requestAndStart();
+    view.slot->processReplaced();
+    EXPECT_EQ(view.evictions, 0);
 }
