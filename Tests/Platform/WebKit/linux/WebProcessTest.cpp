@@ -376,9 +376,13 @@ TEST_F(WebProcess, thatServesAVisiblePageIsNotEvicted) {
     window->show();
     ASSERT_TRUE(loadPage(*view, "/opener"));
     const auto child = openChild();
-    const auto other = showPage("/two");
-    EXPECT_EQ(evaluate(*child, "document.title"), "/child");
+    TestWindow childWindow(*child);
+    childWindow.show();
     window->hide();
+    const auto other = showPage("/two");
+    EXPECT_EQ(evaluate(*view, "document.title"), "/opener");
+    EXPECT_EQ(server.count("/child"), 1U);
+    childWindow.hide();
     other->window.hide();
     const auto last = showPage("/last");
     EXPECT_TRUE(runUntil([] { return webProcesses().size() == 2; })) << "the two pages are evicted together";
