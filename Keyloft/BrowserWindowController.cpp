@@ -4,7 +4,6 @@
 #include "KeyloftBrowserKit/AddressInput.h"
 #include "Platform/AppKit/Alert.h"
 #include "Platform/AppKit/Box.h"
-#include "Platform/AppKit/LayoutConstraint.h"
 #include "Platform/AppKit/Menu.h"
 
 #include <array>
@@ -20,8 +19,6 @@ using Platform::ActionSender;
 using Platform::Alert;
 using Platform::Button;
 using Platform::Image;
-using Platform::LayoutAttribute;
-using Platform::LayoutConstraint;
 using Platform::Orientation;
 using Platform::StackView;
 using Platform::URL;
@@ -66,7 +63,8 @@ BrowserWindowController::BrowserWindowController(
     , addressField_(Platform::TextField::create())
     , searchField_(Platform::SearchField::create())
     , bookmarkButton_(Button::create())
-    , bookmarksBar_(StackView::create(Orientation::horizontal))
+    , bookmarksBar_(
+          StackView::create(Orientation::horizontal, 2, {.top = 0, .left = 8, .bottom = 4, .right = 8}))
     , progressBar_(ProgressBar::create()) {
     // All tabs and pop-ups share cookies and storage.
     configuration->setWebsiteDataStore(Platform::WebsiteDataStore::defaultStore);
@@ -116,9 +114,6 @@ void BrowserWindowController::buildContent() {
     const auto self = std::static_pointer_cast<BrowserWindowController>(shared_from_this());
     const auto toolbar = buildToolbar();
 
-    bookmarksBar_->setAlignment(StackView::Alignment::centerY);
-    bookmarksBar_->setSpacing(2);
-    bookmarksBar_->setEdgeInsets({.top = 0, .left = 8, .bottom = 4, .right = 8});
     bookmarksBar_->setAccessibilityLabel("Bookmarks bar");
     rebuildBookmarksBar();
 
@@ -127,30 +122,18 @@ void BrowserWindowController::buildContent() {
     webView_->setNavigationDelegate(self);
     webView_->setUIDelegate(self);
     webView_->setAllowsBackForwardNavigationGestures(true);
-    webView_->setContentHuggingPriority(1, Orientation::vertical);
+    webView_->setExpands(Orientation::vertical);
 
-    const auto column = StackView::create(Orientation::vertical);
-    column->setAlignment(StackView::Alignment::leading);
-    column->setSpacing(0);
+    progressBar_->setFixedLength(2, Orientation::vertical);
+
+    const auto column = StackView::create(Orientation::vertical, 0);
     const std::array<std::shared_ptr<Platform::View>, 5> rows = {toolbar, bookmarksBar_, separator,
                                                                  progressBar_, webView_};
     for (const auto& row : rows) {
         column->addArrangedSubview(row);
     }
+    column->setFillsSuperview();
     window()->contentView()->addSubview(column);
-
-    std::vector<LayoutConstraint> constraints = {
-        LayoutConstraint::equalToSuperview(column, LayoutAttribute::top),
-        LayoutConstraint::equalToSuperview(column, LayoutAttribute::leading),
-        LayoutConstraint::equalToSuperview(column, LayoutAttribute::trailing),
-        LayoutConstraint::equalToSuperview(column, LayoutAttribute::bottom),
-        LayoutConstraint::equalTo(progressBar_, LayoutAttribute::height, 2),
-        LayoutConstraint::equalTo(searchField_, LayoutAttribute::width, 220),
-    };
-    for (const auto& row : rows) {
-        constraints.push_back(LayoutConstraint::equalToSuperview(row, LayoutAttribute::width));
-    }
-    LayoutConstraint::activate(constraints);
 }
 
 std::shared_ptr<StackView> BrowserWindowController::buildToolbar() {
@@ -167,17 +150,15 @@ std::shared_ptr<StackView> BrowserWindowController::buildToolbar() {
     addressField_->setDelegate(self);
     addressField_->setTarget(self, BrowserAction::navigateFromAddressField);
     addressField_->setAccessibilityLabel("Address");
-    addressField_->setContentHuggingPriority(1, Orientation::horizontal);
-    addressField_->setContentCompressionResistancePriority(1, Orientation::horizontal);
+    addressField_->setExpands(Orientation::horizontal);
 
     searchField_->setPlaceholder("Search DuckDuckGo");
     searchField_->setTarget(self, BrowserAction::searchFromSearchField);
     searchField_->setAccessibilityLabel("Search DuckDuckGo");
+    searchField_->setFixedLength(220, Orientation::horizontal);
 
-    auto toolbar = StackView::create(Orientation::horizontal);
-    toolbar->setSpacing(6);
-    toolbar->setEdgeInsets({.top = 8, .left = 10, .bottom = 6, .right = 10});
-    toolbar->setHuggingPriority(Platform::LayoutPriorities::defaultLow, Orientation::horizontal);
+    auto toolbar =
+        StackView::create(Orientation::horizontal, 6, {.top = 8, .left = 10, .bottom = 6, .right = 10});
     const std::array<std::shared_ptr<Platform::View>, 6> controls = {
         backButton_, forwardButton_, reloadButton_, addressField_, bookmarkButton_, searchField_};
     for (const auto& control : controls) {
@@ -375,8 +356,10 @@ void BrowserWindowController::rebuildBookmarksBar() {
         button->setRepresentedURL(bookmark.url);
         bookmarksBar_->addArrangedSubview(button);
     }
-    // Takes what room is left, so that the buttons stay at the leading edge.
-    bookmarksBar_->addArrangedSubview(Platform::View::create());
+    // Takes the free room, so that the buttons stay at the leading edge.
+    const auto spacer = Platform::View::create();
+    spacer->setExpands(Orientation::horizontal);
+    bookmarksBar_->addArrangedSubview(spacer);
     updateBookmarkButton();
 }
 

@@ -30,8 +30,7 @@ public:
     void sendAction();
 
 protected:
-    /// Controls hug their content; fields of text give way.
-    Control();
+    Control() = default;
 
     virtual void applyFont(Native& native) = 0;
 

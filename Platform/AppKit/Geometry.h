@@ -30,14 +30,4 @@ struct EdgeInsets {
 
 enum class Orientation { horizontal, vertical };
 
-/// How hard a view resists growing beyond its content (hugging) or being cut below it (compression
-/// resistance): 1 gives way first, 1000 never.
-using LayoutPriority = float;
-
-namespace LayoutPriorities {
-inline constexpr LayoutPriority required = 1000;
-inline constexpr LayoutPriority defaultHigh = 750;
-inline constexpr LayoutPriority defaultLow = 250;
-} // namespace LayoutPriorities
-
 } // namespace Platform

@@ -2,18 +2,13 @@
 
 namespace Platform {
 
-StackView::StackView(Orientation orientation)
-    : orientation_(orientation)
-    , alignment_(orientation == Orientation::horizontal ? Alignment::centerY : Alignment::leading) {}
-
-std::shared_ptr<StackView> StackView::create(Orientation orientation) {
+std::shared_ptr<StackView> StackView::create(Orientation orientation, double spacing,
+                                             const EdgeInsets& insets) {
     struct Made : StackView {
-        explicit Made(Orientation orientation)
-            : StackView(orientation) {}
+        Made(Orientation orientation, double spacing, const EdgeInsets& insets)
+            : StackView(orientation, spacing, insets) {}
     };
-    return std::make_shared<Made>(orientation);
+    return std::make_shared<Made>(orientation, spacing, insets);
 }
-
-void StackView::addArrangedSubview(const std::shared_ptr<View>& view) { addSubview(view); }
 
 } // namespace Platform

@@ -51,7 +51,7 @@ public:
     void perform(Action action, const ActionSender& sender) override;
 
 protected:
-    TextField();
+    TextField() = default;
     std::unique_ptr<Native> makeNative() override;
     void applyFont(Native& native) override;
 

@@ -39,8 +39,8 @@ public:
     /// The window that shows the view, or nothing.
     std::shared_ptr<Window> window() const;
 
-    /// Where the view stands in its superview. For a view inside a stack or under constraints the layout
-    /// decides.
+    /// The rectangle of the view in its superview. The layout sets it for a view that is in a stack or fills
+    /// its superview.
     Rect frame() const;
     void setFrame(const Rect& frame);
 
@@ -58,16 +58,19 @@ public:
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
 
-    LayoutPriority contentHuggingPriority(Orientation orientation) const;
-    void setContentHuggingPriority(LayoutPriority priority, Orientation orientation);
-    LayoutPriority contentCompressionResistancePriority(Orientation orientation) const;
-    void setContentCompressionResistancePriority(LayoutPriority priority, Orientation orientation);
+    /// Keeps the view as large as its superview, which is not a stack. Call it before the view is added.
+    void setFillsSuperview() { fillsSuperview_ = true; }
+
+    /// Sets the width or the height, in points. Otherwise the content determines it.
+    void setFixedLength(double length, Orientation orientation);
+
+    /// Gives the view the free room of its stack. If room is missing, the view is the first to shrink.
+    void setExpands(Orientation orientation);
 
     /// Asks for `layout` before the window is next drawn.
     void setNeedsLayout();
 
-    /// Places the subviews; called when the view's size changed or `setNeedsLayout` asked for it. Overriders
-    /// place what the inherited layout does not.
+    /// Sets the frames of the subviews. Called when the view's size has changed and after `setNeedsLayout`.
     virtual void layout() {}
 
     /// The system's side of the view, for Platform's own sources.
@@ -76,15 +79,6 @@ public:
     Native& native();
     Native* nativeIfMade() const { return native_.get(); }
 
-    /// What constraints say of the view's size; see `LayoutConstraint`.
-    struct SizeConstraints {
-        std::optional<double> width;
-        std::optional<double> height;
-        bool fillsSuperviewWidth = false;
-        bool fillsSuperviewHeight = false;
-    };
-    const SizeConstraints& sizeConstraints() const { return sizeConstraints_; }
-
 protected:
     /// `className` is the name under which an object runtime, where there is one, knows the class.
     explicit View(std::string_view className = {});
@@ -92,12 +86,10 @@ protected:
     virtual std::unique_ptr<Native> makeNative();
 
 private:
-    /// The list of subviews changed: the native side follows when it is on the screen, else when it next is.
-    void subviewsChanged();
-
-    friend class LayoutConstraint;
     friend class Window;
-    friend struct ViewLayout;
+
+    /// Adds the native side of a subview to that of this view.
+    void addNativeSubview(View& subview);
 
     std::string className_;
     std::weak_ptr<View> superview_;
@@ -108,10 +100,10 @@ private:
     Color backgroundColor_ = Color::none;
     std::string accessibilityLabel_;
     std::string toolTip_;
-    std::array<LayoutPriority, 2> hugging_ = {LayoutPriorities::defaultLow, LayoutPriorities::defaultLow};
-    std::array<LayoutPriority, 2> compressionResistance_ = {LayoutPriorities::defaultHigh,
-                                                            LayoutPriorities::defaultHigh};
-    SizeConstraints sizeConstraints_;
+    bool fillsSuperview_ = false;
+    // Indexed by `Orientation`.
+    std::array<std::optional<double>, 2> fixedLengths_;
+    std::array<bool, 2> expands_{};
     std::unique_ptr<Native> native_;
 };
 

@@ -113,8 +113,6 @@ private:
     bool centered_ = false;
     bool closed_ = false;
     bool releasedWhenClosed_ = true;
-    /// What the window was made with: its content, or around it.
-    std::shared_ptr<View> root_;
     std::shared_ptr<View> contentView_;
     std::weak_ptr<WindowDelegate> delegate_;
     std::weak_ptr<WindowController> controller_;

@@ -5,8 +5,6 @@
 
 namespace Platform {
 
-Control::Control() { setContentHuggingPriority(LayoutPriorities::defaultHigh, Orientation::horizontal); }
-
 void Control::setEnabled(bool enabled) {
     enabled_ = enabled;
     if (const Native* made = nativeIfMade()) {

@@ -24,8 +24,6 @@ const char* textActionName(Action action) {
 
 } // namespace
 
-TextField::TextField() { setContentHuggingPriority(LayoutPriorities::defaultLow, Orientation::horizontal); }
-
 std::string TextField::stringValue() const { return stringValue_; }
 
 void TextField::setStringValue(const std::string& value) {
@@ -84,6 +82,11 @@ std::unique_ptr<TextFieldEvents::Native> TextFieldEvents::make(TextField& field,
     g_object_set(editable, "placeholder-text", field.placeholder_.c_str(), nullptr);
     // A long text scrolls; without this the field would ask for as much room as a few words take.
     gtk_editable_set_width_chars(GTK_EDITABLE(editable), 0);
+    // So would the placeholder.
+    GtkWidget* placeholder = gtk_widget_get_first_child(GTK_WIDGET(native->text));
+    if (GTK_IS_LABEL(placeholder)) {
+        gtk_label_set_max_width_chars(GTK_LABEL(placeholder), 0);
+    }
     gtk_widget_set_sensitive(editable, field.isEnabled());
     if (field.font()) {
         field.applyFont(*native);

@@ -2,11 +2,11 @@
 
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/Window.h"
-#include "Platform/AppKit/linux/ContainerWidget.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace Platform {
@@ -52,6 +52,17 @@ void applyBackgroundColor(GtkWidget* widget, Color color) {
     }
 }
 
+void applyFixedLengths(GtkWidget* widget, const std::array<std::optional<double>, 2>& lengths) {
+    gtk_widget_set_size_request(widget, static_cast<int>(lengths[0].value_or(-1)),
+                                static_cast<int>(lengths[1].value_or(-1)));
+}
+
+/// Set in both directions, as GTK otherwise expands a widget whose children expand.
+void applyExpansion(GtkWidget* widget, const std::array<bool, 2>& expands) {
+    gtk_widget_set_hexpand(widget, expands[0]);
+    gtk_widget_set_vexpand(widget, expands[1]);
+}
+
 } // namespace
 
 View::Native::~Native() {
@@ -60,6 +71,24 @@ View::Native::~Native() {
     if (widget) {
         g_object_set_qdata(G_OBJECT(widget.get()), viewQuark(), nullptr);
     }
+}
+
+void View::Native::followSubviews(View& view) {
+    const auto addMissing = [](GtkWidget* /*widget*/, gpointer data) {
+        auto& mapped = *static_cast<View*>(data);
+        for (const auto& subview : mapped.subviews()) {
+            if (!gtk_widget_get_parent(subview->native().widget.get())) {
+                mapped.addNativeSubview(*subview);
+            }
+        }
+    };
+    connections.emplace_back(widget.get(), "map", G_CALLBACK(+addMissing), &view);
+}
+
+GObjectPtr<GtkWidget> makeOverlay() {
+    return GObjectPtr<GtkWidget>::retain(
+        GTK_WIDGET(g_object_new(GTK_TYPE_OVERLAY, "overflow", GTK_OVERFLOW_HIDDEN, "accessible-role",
+                                GTK_ACCESSIBLE_ROLE_GROUP, nullptr)));
 }
 
 View* viewOfWidget(GtkWidget* widget) {
@@ -82,8 +111,12 @@ void View::addSubview(const std::shared_ptr<View>& view) {
     view->removeFromSuperview();
     subviews_.push_back(view);
     view->superview_ = weak_from_this();
-    subviewsChanged();
+    if (native_ && gtk_widget_get_mapped(native_->widget.get())) {
+        addNativeSubview(*view);
+    }
 }
+
+void View::addNativeSubview(View& subview) { native_->addSubview(subview.native().widget.get()); }
 
 void View::removeFromSuperview() {
     const auto superview = superview_.lock();
@@ -93,16 +126,23 @@ void View::removeFromSuperview() {
     const auto keptAlive = shared_from_this();
     std::erase(superview->subviews_, keptAlive);
     superview_.reset();
-    superview->subviewsChanged();
-}
-
-void View::subviewsChanged() {
-    if (native_) {
-        native_->subviewsChanged();
+    if (GtkWidget* widget = widgetIfMade(*this); widget && gtk_widget_get_parent(widget)) {
+        gtk_widget_unparent(widget);
     }
 }
 
-Rect View::frame() const { return frame_; }
+Rect View::frame() const {
+    GtkWidget* widget = widgetIfMade(*this);
+    GtkWidget* around = widget ? gtk_widget_get_parent(widget) : nullptr;
+    if (const auto superview = this->superview()) {
+        around = widgetIfMade(*superview);
+    }
+    graphene_rect_t bounds;
+    if (!widget || !around || !gtk_widget_compute_bounds(widget, around, &bounds)) {
+        return frame_;
+    }
+    return {bounds.origin.x, bounds.origin.y, bounds.size.width, bounds.size.height};
+}
 
 void View::setFrame(const Rect& frame) {
     if (frame_ == frame) {
@@ -145,25 +185,24 @@ void View::setToolTip(const std::string& toolTip) {
     }
 }
 
-LayoutPriority View::contentHuggingPriority(Orientation orientation) const {
-    return hugging_[indexOf(orientation)];
+void View::setFixedLength(double length, Orientation orientation) {
+    fixedLengths_[indexOf(orientation)] = length;
+    if (GtkWidget* widget = widgetIfMade(*this)) {
+        applyFixedLengths(widget, fixedLengths_);
+    }
 }
 
-void View::setContentHuggingPriority(LayoutPriority priority, Orientation orientation) {
-    hugging_[indexOf(orientation)] = priority;
-}
-
-LayoutPriority View::contentCompressionResistancePriority(Orientation orientation) const {
-    return compressionResistance_[indexOf(orientation)];
-}
-
-void View::setContentCompressionResistancePriority(LayoutPriority priority, Orientation orientation) {
-    compressionResistance_[indexOf(orientation)] = priority;
+void View::setExpands(Orientation orientation) {
+    expands_[indexOf(orientation)] = true;
+    if (GtkWidget* widget = widgetIfMade(*this)) {
+        applyExpansion(widget, expands_);
+    }
 }
 
 void View::setNeedsLayout() {
-    if (native_) {
-        native_->needsLayout();
+    // Frames that `layout` sets do not ask for another layout.
+    if (native_ && !native_->isPlacing) {
+        gtk_widget_queue_allocate(native_->widget.get());
     }
 }
 
@@ -174,6 +213,8 @@ View::Native& View::native() {
         GtkWidget* widget = native_->widget.get();
         g_object_set_qdata(G_OBJECT(widget), viewQuark(), this);
         gtk_widget_set_visible(widget, !hidden_);
+        applyFixedLengths(widget, fixedLengths_);
+        applyExpansion(widget, expands_);
         if (backgroundColor_ != Color::none) {
             applyBackgroundColor(widget, backgroundColor_);
         }
@@ -188,7 +229,34 @@ View::Native& View::native() {
 }
 
 std::unique_ptr<View::Native> View::makeNative() {
-    return makeContainer(*this, std::make_unique<FrameLayout>(*this));
+    struct OverlayNative final : Native {
+        void addSubview(GtkWidget* subview) override {
+            gtk_overlay_add_overlay(GTK_OVERLAY(widget.get()), subview);
+        }
+    };
+    const auto place = [](GtkOverlay* /*overlay*/, GtkWidget* child, GdkRectangle* rectangle,
+                          gpointer self) -> gboolean {
+        const auto view = static_cast<View*>(self)->shared_from_this();
+        const View* subview = viewOfWidget(child);
+        if (subview->fillsSuperview_) {
+            return FALSE;
+        }
+        view->native_->isPlacing = true;
+        view->layout();
+        view->native_->isPlacing = false;
+        const Rect& frame = subview->frame_;
+        GtkRequisition least;
+        gtk_widget_get_preferred_size(child, &least, nullptr);
+        *rectangle = {static_cast<int>(std::lround(frame.x)), static_cast<int>(std::lround(frame.y)),
+                      std::max(least.width, static_cast<int>(std::lround(frame.width))),
+                      std::max(least.height, static_cast<int>(std::lround(frame.height)))};
+        return TRUE;
+    };
+    auto native = std::make_unique<OverlayNative>();
+    native->widget = makeOverlay();
+    native->connections.emplace_back(native->widget.get(), "get-child-position", G_CALLBACK(+place), this);
+    native->followSubviews(*this);
+    return native;
 }
 
 } // namespace Platform

@@ -4,7 +4,6 @@
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/WindowController.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
-#include "Platform/AppKit/linux/ContainerWidget.h"
 #include "Platform/AppKit/linux/TabHost.h"
 #include "Platform/AppKit/linux/TextFieldNative.h"
 #include "Platform/AppKit/linux/ViewNative.h"
@@ -25,44 +24,6 @@ bool isMenuOpen(GtkRoot* root) {
     GtkWidget* menu = focus ? gtk_widget_get_ancestor(focus, GTK_TYPE_POPOVER_MENU) : nullptr;
     return menu && gtk_widget_get_visible(menu) && gtk_widget_get_ancestor(menu, GTK_TYPE_POPOVER_MENU_BAR);
 }
-
-/// The content has the window's size, whatever it would like itself: nothing in it widens the window.
-class ContentView final : public View {
-public:
-    ContentView() = default;
-
-protected:
-    std::unique_ptr<Native> makeNative() override {
-        struct Layout final : FrameLayout {
-            explicit Layout(ContentView& view)
-                : FrameLayout(view)
-                , content(view) {}
-
-            Extent measure(Orientation orientation) const override {
-                const auto window = content.window();
-                if (!window) {
-                    return {};
-                }
-                const Size least = window->minSize();
-                const Size size = window->contentSize();
-                return orientation == Orientation::horizontal ? Extent{least.width, size.width}
-                                                              : Extent{least.height, size.height};
-            }
-
-            void place(Size size) override {
-                const Rect whole{0, 0, size.width, size.height};
-                ViewLayout::setFrame(content, whole);
-                if (const auto window = content.window(); window && window->contentView().get() != &content) {
-                    ViewLayout::setFrame(*window->contentView(), whole);
-                }
-                FrameLayout::place(size);
-            }
-
-            ContentView& content;
-        };
-        return makeContainer(*this, std::make_unique<Layout>(*this));
-    }
-};
 
 void zoom(GtkWindow* window) {
     if (gtk_window_is_maximized(window)) {
@@ -99,9 +60,8 @@ std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
             : Window(contentSize, style) {}
     };
     auto window = std::make_shared<Made>(contentSize, style);
-    window->root_ = std::make_shared<ContentView>();
-    window->root_->window_ = window;
-    window->contentView_ = window->root_;
+    window->contentView_ = View::create();
+    window->contentView_->window_ = window;
     return window;
 }
 
@@ -127,14 +87,19 @@ void Window::setTitle(const std::string& title) {
 
 void Window::setMinSize(Size size) {
     minSize_ = size;
-    root_->setNeedsLayout();
+    if (native_->page) {
+        native_->applyMinSize(size);
+    }
 }
 
 void Window::setContentView(const std::shared_ptr<View>& view) {
     assertMainThread("Window::setContentView");
-    contentView_->removeFromSuperview();
+    contentView_->window_.reset();
     contentView_ = view;
-    root_->addSubview(view);
+    view->window_ = weak_from_this();
+    if (GtkWidget* page = native_->page.get()) {
+        gtk_overlay_set_child(GTK_OVERLAY(page), view->native().widget.get());
+    }
 }
 
 void Window::addTabbedWindow(const std::shared_ptr<Window>& window) {
@@ -231,13 +196,18 @@ void Window::Native::makePage(Window& window) {
     }
     page = GObjectPtr<GtkWidget>::retain(gtk_overlay_new());
     g_object_set_qdata(G_OBJECT(page.get()), windowQuark(), &window);
-    gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.root_->native().widget.get());
+    gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.contentView_->native().widget.get());
+    applyMinSize(window.minSize_);
     mapped = SignalConnection(page.get(), "map", G_CALLBACK(+[](GtkWidget* widget, gpointer /*data*/) {
                                   if (const auto shown = ofPage(widget)) {
                                       takePendingFocus(*shown);
                                   }
                               }),
                               nullptr);
+}
+
+void Window::Native::applyMinSize(Size size) const {
+    gtk_widget_set_size_request(page.get(), static_cast<int>(size.width), static_cast<int>(size.height));
 }
 
 GtkWidget* Window::Native::pageOf(Window& window) { return window.native_->page.get(); }

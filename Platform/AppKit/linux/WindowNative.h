@@ -29,6 +29,7 @@ struct Window::Native {
     static bool isWindowAction(Action action);
 
     void makePage(Window& window);
+    void applyMinSize(Size size) const;
     static GtkWidget* pageOf(Window& window);
     static std::shared_ptr<Window> ofPage(GtkWidget* page);
 

@@ -8,9 +8,6 @@
 
 namespace Platform {
 
-// Controls of AppKit hug their content as it is.
-Control::Control() = default;
-
 void Control::setEnabled(bool enabled) {
     assertMainThread("Control::setEnabled");
     enabled_ = enabled;

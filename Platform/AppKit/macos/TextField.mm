@@ -56,8 +56,6 @@ TextMovement fromNSTextMovement(NSTextMovement movement) {
 
 } // namespace
 
-TextField::TextField() = default;
-
 std::string TextField::stringValue() const {
     assertMainThread("TextField::stringValue");
     Native* const made = nativeIfMade();

@@ -12,18 +12,11 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace Platform {
-
-/// What AppKit asks of a view that lays its subviews out itself.
-struct ViewLayout {
-    static void layOut(NSView* native) noexcept {
-        if (const auto view = viewOf(native)) {
-            view->layout();
-        }
+static void layOut(NSView* native) noexcept {
+    if (const auto view = Platform::viewOf(native)) {
+        view->layout();
     }
-};
-
-} // namespace Platform
+}
 
 /// A view with nothing but subviews. It counts from the top, as our views do.
 @interface KeyloftView : NSView
@@ -46,7 +39,7 @@ struct ViewLayout {
 
 - (void)layout {
     [super layout];
-    Platform::ViewLayout::layOut(self);
+    layOut(self);
 }
 
 @end
@@ -75,7 +68,31 @@ void applyBackgroundColor(NSView* native, Color color) {
         color == Color::controlAccent ? NSColor.controlAccentColor.CGColor : nullptr;
 }
 
+void fixLength(NSView* view, double length, Orientation orientation) {
+    constrainEqual(view,
+                   orientation == Orientation::horizontal ? NSLayoutAttributeWidth : NSLayoutAttributeHeight,
+                   nil, length);
+}
+
+void expand(NSView* view, Orientation orientation) {
+    constexpr NSLayoutPriority least = 1;
+    [view setContentHuggingPriority:least forOrientation:toNSOrientation(orientation)];
+    [view setContentCompressionResistancePriority:least forOrientation:toNSOrientation(orientation)];
+}
+
 } // namespace
+
+void constrainEqual(NSView* view, NSLayoutAttribute attribute, NSView* other, double constant) {
+    view.translatesAutoresizingMaskIntoConstraints = NO;
+    [NSLayoutConstraint constraintWithItem:view
+                                 attribute:attribute
+                                 relatedBy:NSLayoutRelationEqual
+                                    toItem:other
+                                 attribute:other != nil ? attribute : NSLayoutAttributeNotAnAttribute
+                                multiplier:1
+                                  constant:constant]
+        .active = YES;
+}
 
 NSLayoutConstraintOrientation toNSOrientation(Orientation orientation) {
     return orientation == Orientation::horizontal ? NSLayoutConstraintOrientationHorizontal
@@ -95,7 +112,18 @@ void View::addSubview(const std::shared_ptr<View>& view) {
     subviews_.push_back(view);
     view->superview_ = weak_from_this();
     if (native_ != nullptr) {
-        native_->addSubview(view->native().view);
+        addNativeSubview(*view);
+    }
+}
+
+void View::addNativeSubview(View& subview) {
+    NSView* const added = subview.native().view;
+    native_->addSubview(added);
+    if (subview.fillsSuperview_) {
+        for (const NSLayoutAttribute edge : {NSLayoutAttributeTop, NSLayoutAttributeLeading,
+                                             NSLayoutAttributeTrailing, NSLayoutAttributeBottom}) {
+            constrainEqual(added, edge, native_->view);
+        }
     }
 }
 
@@ -160,29 +188,20 @@ void View::setToolTip(const std::string& toolTip) {
     }
 }
 
-// Each of AppKit's views has priorities of its own until others are set: these two make the native side at
-// once rather than know them.
-
-LayoutPriority View::contentHuggingPriority(Orientation orientation) const {
-    NSView* const native = nsViewOf(*this);
-    return native != nil ? [native contentHuggingPriorityForOrientation:toNSOrientation(orientation)]
-                         : hugging_[indexOf(orientation)];
+void View::setFixedLength(double length, Orientation orientation) {
+    assertMainThread("View::setFixedLength");
+    fixedLengths_[indexOf(orientation)] = length;
+    if (NSView* const native = nsViewOf(*this); native != nil) {
+        fixLength(native, length, orientation);
+    }
 }
 
-void View::setContentHuggingPriority(LayoutPriority priority, Orientation orientation) {
-    [native().view setContentHuggingPriority:priority forOrientation:toNSOrientation(orientation)];
-}
-
-LayoutPriority View::contentCompressionResistancePriority(Orientation orientation) const {
-    NSView* const native = nsViewOf(*this);
-    return native != nil
-               ? [native contentCompressionResistancePriorityForOrientation:toNSOrientation(orientation)]
-               : compressionResistance_[indexOf(orientation)];
-}
-
-void View::setContentCompressionResistancePriority(LayoutPriority priority, Orientation orientation) {
-    [native().view setContentCompressionResistancePriority:priority
-                                            forOrientation:toNSOrientation(orientation)];
+void View::setExpands(Orientation orientation) {
+    assertMainThread("View::setExpands");
+    expands_[indexOf(orientation)] = true;
+    if (NSView* const native = nsViewOf(*this); native != nil) {
+        expand(native, orientation);
+    }
 }
 
 void View::setNeedsLayout() {
@@ -204,8 +223,16 @@ View::Native& View::native() {
         if (!accessibilityLabel_.empty()) {
             made.accessibilityLabel = toNSString(accessibilityLabel_);
         }
+        for (const Orientation orientation : {Orientation::horizontal, Orientation::vertical}) {
+            if (const auto length = fixedLengths_[indexOf(orientation)]) {
+                fixLength(made, *length, orientation);
+            }
+            if (expands_[indexOf(orientation)]) {
+                expand(made, orientation);
+            }
+        }
         for (const auto& subview : subviews_) {
-            native_->addSubview(subview->native().view);
+            addNativeSubview(*subview);
         }
     }
     return *native_;

@@ -21,6 +21,10 @@ struct View::Native {
     NSView* __strong _Nonnull const view;
 };
 
+/// Keeps an attribute of `view` equal to that of `other`, or to a constant if there is no other view.
+void constrainEqual(NSView* _Nonnull view, NSLayoutAttribute attribute, NSView* _Nullable other,
+                    double constant = 0);
+
 NSLayoutConstraintOrientation toNSOrientation(Orientation orientation);
 
 } // namespace Platform

@@ -1,6 +1,5 @@
 #include "Platform/AppKit/Box.h"
 #include "Platform/AppKit/Button.h"
-#include "Platform/AppKit/LayoutConstraint.h"
 #include "Platform/AppKit/SearchField.h"
 #include "Platform/AppKit/StackView.h"
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
@@ -72,8 +71,7 @@ TEST_F(ViewTest, makesNoWidgetsInATabThatNobodyLooksAt) {
 TEST_F(ViewTest, followsItsSubviewsInOrder) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
     const auto bar = StackView::create(Orientation::horizontal);
-    LayoutConstraint::activate({LayoutConstraint::equalToSuperview(bar, LayoutAttribute::width),
-                                LayoutConstraint::equalToSuperview(bar, LayoutAttribute::top)});
+    bar->setFillsSuperview();
     window->contentView()->addSubview(bar);
     const auto a = Button::create("A", {}, TestAction::reload);
     const auto b = Button::create("B", {}, TestAction::reload);
@@ -87,7 +85,7 @@ TEST_F(ViewTest, followsItsSubviewsInOrder) {
     bar->addArrangedSubview(a);
     ASSERT_TRUE(
         runUntil([&] { return widgetOf(c) && gtk_widget_get_next_sibling(widgetOf(c)) == widgetOf(a); }));
-    EXPECT_EQ(gtk_widget_get_first_child(widgetOf(bar)), widgetOf(b));
+    EXPECT_EQ(gtk_widget_get_prev_sibling(widgetOf(b)), nullptr);
     ASSERT_TRUE(runUntil([&] { return a->frame().x > c->frame().x && c->frame().x > b->frame().x; }));
 }
 
@@ -158,24 +156,54 @@ TEST_F(ViewTest, aShownButtonTakesAnotherBezelAndBorder) {
     EXPECT_TRUE(gtk_button_get_has_frame(GTK_BUTTON(widgetOf(button))));
 }
 
-TEST_F(ViewTest, aStackAlignsARowInItsMiddleAndAColumnAtItsLeadingEdgeUnlessToldOtherwise) {
+TEST_F(ViewTest, aStackCentersARowAndGivesAColumnItsWidth) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
     const auto addStack = [&](Orientation orientation) {
         const auto stack = StackView::create(orientation);
         const auto view = View::create();
+        view->setFixedLength(40, Orientation::horizontal);
+        view->setFixedLength(40, Orientation::vertical);
         stack->addArrangedSubview(view);
+        stack->setFillsSuperview();
         window->contentView()->addSubview(stack);
-        LayoutConstraint::activate({LayoutConstraint::equalToSuperview(stack, LayoutAttribute::top),
-                                    LayoutConstraint::equalToSuperview(stack, LayoutAttribute::leading),
-                                    LayoutConstraint::equalTo(view, LayoutAttribute::width, 40),
-                                    LayoutConstraint::equalTo(view, LayoutAttribute::height, 40)});
         return view;
     };
     const auto inRow = addStack(Orientation::horizontal);
     const auto inColumn = addStack(Orientation::vertical);
     show(window);
-    EXPECT_TRUE(runUntil([&] { return inRow->frame() == Rect{0, 180, 600, 40}; }));
-    EXPECT_TRUE(runUntil([&] { return inColumn->frame() == Rect{0, 0, 40, 400}; }));
+    EXPECT_TRUE(runUntil([&] { return inRow->frame() == Rect{0, 180, 40, 40}; }));
+    EXPECT_TRUE(runUntil([&] { return inColumn->frame() == Rect{0, 0, 600, 40}; }));
+}
+
+TEST_F(ViewTest, aFieldOfAFixedWidthDoesNotGrowWithItsPlaceholder) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto row = StackView::create(Orientation::horizontal);
+    const auto field = SearchField::create();
+    field->setPlaceholder(std::string(100, 'm'));
+    field->setFixedLength(220, Orientation::horizontal);
+    row->addArrangedSubview(field);
+    row->setFillsSuperview();
+    window->contentView()->addSubview(row);
+    show(window);
+    ASSERT_TRUE(runUntil([&] { return field->frame().height > 0; }));
+    EXPECT_EQ(field->frame().width, 220);
+}
+
+TEST_F(ViewTest, aViewThatExpandsTakesTheFreeRoomAndShrinksFirst) {
+    const auto window = Window::create({.width = 600, .height = 400}, {});
+    const auto row = StackView::create(Orientation::horizontal, 10, {.left = 5, .right = 5});
+    const auto field = TextField::create();
+    const auto fixed = View::create();
+    field->setExpands(Orientation::horizontal);
+    fixed->setFixedLength(180, Orientation::horizontal);
+    row->addArrangedSubview(field);
+    row->addArrangedSubview(fixed);
+    row->setFillsSuperview();
+    window->contentView()->addSubview(row);
+    show(window);
+    EXPECT_TRUE(runUntil([&] { return field->frame().width == 400 && fixed->frame().x == 415; }));
+    fixed->setFixedLength(550, Orientation::horizontal);
+    EXPECT_TRUE(runUntil([&] { return field->frame().width < 100 && fixed->frame().width == 550; }));
 }
 
 TEST_F(ViewTest, showsATitleAsItStands) {
@@ -257,18 +285,11 @@ TEST_F(ViewTest, aFrameOfALaidOutSubviewIsWhereTheWidgetIs) {
     };
     const auto window = Window::create({.width = 600, .height = 400}, {});
     const auto half = Half::create();
+    half->setFillsSuperview();
     window->contentView()->addSubview(half);
-    LayoutConstraint::activate({LayoutConstraint::equalToSuperview(half, LayoutAttribute::width),
-                                LayoutConstraint::equalToSuperview(half, LayoutAttribute::top)});
     show(window);
     ASSERT_TRUE(runUntil([&] { return half->child->frame().width == 300; }));
     ASSERT_TRUE(runUntil([&] { return gtk_widget_get_allocated_width(widgetOf(half->child)) == 300; }));
-}
-
-TEST(ViewDeathTest, anUnknownConstraintStopsTheProcess) {
-    const auto view = View::create();
-    EXPECT_DEATH(LayoutConstraint::activate({LayoutConstraint::equalTo(view, LayoutAttribute::top, 3)}),
-                 "layout constraint");
 }
 
 TEST(ViewDeathTest, anUnknownSymbolStopsTheProcess) {

@@ -28,14 +28,10 @@ TEST_F(WindowTest, contentAsksForItsLeastSizeWhateverItHolds) {
     const auto window = Window::create({.width = 600, .height = 400}, {});
     window->setMinSize({.width = 300, .height = 200});
     show(window);
-    int width = 0;
-    int height = 0;
-    gtk_widget_measure(widgetOf(window->contentView()), GTK_ORIENTATION_HORIZONTAL, -1, &width, nullptr,
-                       nullptr, nullptr);
-    gtk_widget_measure(widgetOf(window->contentView()), GTK_ORIENTATION_VERTICAL, -1, &height, nullptr,
-                       nullptr, nullptr);
-    EXPECT_EQ(width, 300);
-    EXPECT_EQ(height, 200);
+    GtkRequisition least;
+    gtk_widget_get_preferred_size(Window::Native::pageOf(*window), &least, nullptr);
+    EXPECT_EQ(least.width, 300);
+    EXPECT_EQ(least.height, 200);
 }
 
 TEST_F(WindowTest, closingTellsTheDelegateOnce) {

@@ -36,7 +36,7 @@ typedef NS_ENUM(NSInteger, NSLayoutAttribute) {
                          attribute:(NSLayoutAttribute)attr2
                         multiplier:(CGFloat)multiplier
                           constant:(CGFloat)c API_AVAILABLE(macos(10.7));
-+ (void)activateConstraints:(NSArray<NSLayoutConstraint*>*)constraints API_AVAILABLE(macos(10.10));
+@property (getter=isActive) BOOL active API_AVAILABLE(macos(10.10));
 @end
 
 @interface NSView (NSConstraintBasedCompatibility)
@@ -44,12 +44,8 @@ typedef NS_ENUM(NSInteger, NSLayoutAttribute) {
 @end
 
 @interface NSView (NSConstraintBasedLayoutLayering)
-- (NSLayoutPriority)contentHuggingPriorityForOrientation:(NSLayoutConstraintOrientation)orientation
-    API_AVAILABLE(macos(10.7));
 - (void)setContentHuggingPriority:(NSLayoutPriority)priority
                    forOrientation:(NSLayoutConstraintOrientation)orientation API_AVAILABLE(macos(10.7));
-- (NSLayoutPriority)contentCompressionResistancePriorityForOrientation:
-    (NSLayoutConstraintOrientation)orientation API_AVAILABLE(macos(10.7));
 - (void)setContentCompressionResistancePriority:(NSLayoutPriority)priority
                                  forOrientation:(NSLayoutConstraintOrientation)orientation
     API_AVAILABLE(macos(10.7));
