@@ -1,5 +1,7 @@
 #include "Platform/AppKit/linux/ReturnedKeys.h"
 
+#include "Platform/AppKit/linux/SignalHandler.h"
+
 #include <algorithm>
 
 namespace Platform {
@@ -14,19 +16,15 @@ constexpr std::size_t keptKeys = 64;
 ReturnedKeys::ReturnedKeys(GtkWindow* toplevel) {
     GtkEventController* keys = gtk_event_controller_key_new();
     gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
-    connections_.emplace_back(keys, "key-pressed", G_CALLBACK(pressed), this);
-    connections_.emplace_back(toplevel, "notify::focus-widget",
-                              G_CALLBACK(+[](GtkWindow*, GParamSpec*, gpointer self) {
-                                  ++static_cast<ReturnedKeys*>(self)->focusMoves_;
-                              }),
-                              this);
+    connections_.push_back(connectSignal<&ReturnedKeys::pressed>(keys, "key-pressed", *this));
+    connections_.push_back(connectSignal<&ReturnedKeys::focusMoved>(toplevel, "notify::focus-widget", *this));
     gtk_widget_add_controller(GTK_WIDGET(toplevel), keys);
 }
 
 gboolean ReturnedKeys::pressed(GtkEventControllerKey* keys, guint /*key*/, guint /*code*/,
-                               GdkModifierType /*modifiers*/, gpointer self) {
+                               GdkModifierType /*modifiers*/) {
     GdkEvent* event = gtk_event_controller_get_current_event(GTK_EVENT_CONTROLLER(keys));
-    if (!static_cast<ReturnedKeys*>(self)->isForOther(event)) {
+    if (!isForOther(event)) {
         return GDK_EVENT_PROPAGATE;
     }
     // Show the focus ring, as GTK does when a key moves the focus.

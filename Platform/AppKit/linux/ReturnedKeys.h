@@ -32,7 +32,8 @@ private:
         std::uint64_t focusMoves;
     };
 
-    static gboolean pressed(GtkEventControllerKey* keys, guint, guint, GdkModifierType, gpointer self);
+    gboolean pressed(GtkEventControllerKey* keys, guint, guint, GdkModifierType);
+    void focusMoved(GtkWindow*, GParamSpec*) { ++focusMoves_; }
     bool isForOther(GdkEvent* event);
 
     std::uint64_t focusMoves_ = 0;

@@ -1,5 +1,7 @@
 #include "Platform/AppKit/linux/Sheet.h"
 
+#include "Platform/AppKit/linux/SignalHandler.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -78,17 +80,16 @@ GtkWidget* Sheet::widget(std::function<void(std::size_t)> answered) {
     GtkEventController* keys = gtk_event_controller_key_new();
     gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
     gtk_widget_add_controller(shade_.get(), keys);
-    connections_.emplace_back(keys, "key-pressed", G_CALLBACK(keyPressed), this);
+    connections_.push_back(connectSignal<&Sheet::keyPressed>(keys, "key-pressed", *this));
     return shade_.get();
 }
 
 gboolean Sheet::keyPressed(GtkEventControllerKey* /*keys*/, guint keyval, guint /*keycode*/,
-                           GdkModifierType state, gpointer self) {
-    auto& sheet = *static_cast<Sheet*>(self);
+                           GdkModifierType state) {
     const bool withControl = (state & GDK_CONTROL_MASK) != 0;
     switch (keyval) {
     case GDK_KEY_Escape:
-        sheet.answer(sheet.escapeButton());
+        answer(escapeButton());
         return GDK_EVENT_STOP;
     case GDK_KEY_Tab:
     case GDK_KEY_KP_Tab:
@@ -96,11 +97,16 @@ gboolean Sheet::keyPressed(GtkEventControllerKey* /*keys*/, guint keyval, guint 
         if (withControl) { // goes to the next page
             return GDK_EVENT_PROPAGATE;
         }
-        sheet.moveFocus((state & GDK_SHIFT_MASK) != 0 ? -1 : 1);
+        moveFocus((state & GDK_SHIFT_MASK) != 0 ? -1 : 1);
         return GDK_EVENT_STOP;
     default:
         return GDK_EVENT_PROPAGATE;
     }
+}
+
+void Sheet::clicked(GtkButton* button) {
+    const auto position = std::ranges::find(buttons_, GTK_WIDGET(button));
+    answer(static_cast<std::size_t>(position - buttons_.begin()));
 }
 
 std::size_t Sheet::escapeButton() const {
@@ -163,13 +169,7 @@ GtkWidget* Sheet::makeCard() {
             gtk_widget_add_css_class(button, "suggested-action");
         }
         gtk_widget_set_hexpand(button, TRUE);
-        connections_.emplace_back(
-            button, "clicked", G_CALLBACK(+[](GtkButton* clicked, gpointer self) {
-                auto* sheet = static_cast<Sheet*>(self);
-                const auto position = std::ranges::find(sheet->buttons_, GTK_WIDGET(clicked));
-                sheet->answer(static_cast<std::size_t>(position - sheet->buttons_.begin()));
-            }),
-            this);
+        connections_.push_back(connectSignal<&Sheet::clicked>(button, "clicked", *this));
         buttons_.push_back(button);
         // The default button stands at the trailing end, where the eye ends.
         gtk_box_prepend(GTK_BOX(row), button);

@@ -38,8 +38,8 @@ private:
     std::size_t escapeButton() const;
     /// Goes on inside the sheet, round and round.
     void moveFocus(std::ptrdiff_t step);
-    static gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode,
-                               GdkModifierType state, gpointer self);
+    gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode, GdkModifierType state);
+    void clicked(GtkButton* button);
 
     Alert alert_;
     Alert::Completion completion_;

@@ -4,8 +4,9 @@
 
 namespace Platform {
 
-/// The C callback that calls a member function with the arguments of a signal. The object's `keepAlive`
-/// returns what keeps it alive during the call, or nothing if it must not be called any more.
+/// The C callback that calls a member function with the arguments of a signal. What the object's `keepAlive`
+/// returns, or for a shared object a reference to it, lives until the call returns; if that is nothing, the
+/// object is not called any more.
 template <auto handler>
 struct SignalHandler;
 
@@ -13,8 +14,15 @@ template <typename Object, typename Result, typename... Arguments, Result (Objec
 struct SignalHandler<handler> {
     static Result call(Arguments... arguments, gpointer data) {
         auto& object = *static_cast<Object*>(data);
-        const auto keptAlive = object.keepAlive();
-        return keptAlive ? (object.*handler)(arguments...) : Result();
+        if constexpr (requires { object.keepAlive(); }) {
+            const auto keptAlive = object.keepAlive();
+            return keptAlive ? (object.*handler)(arguments...) : Result();
+        } else if constexpr (requires { object.weak_from_this(); }) {
+            const auto keptAlive = object.weak_from_this().lock();
+            return keptAlive ? (object.*handler)(arguments...) : Result();
+        } else {
+            return (object.*handler)(arguments...);
+        }
     }
 };
 

@@ -3,6 +3,7 @@
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/Minimizing.h"
+#include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
@@ -35,6 +36,11 @@ std::shared_ptr<TabHost> TabHost::of(Window& window) {
     return host ? host->shared_from_this() : nullptr;
 }
 
+template <auto handler>
+void TabHost::connect(gpointer instance, const char* signal) {
+    connections_.push_back(connectSignal<handler>(instance, signal, *this));
+}
+
 TabHost::TabHost()
     : toplevel_(GObjectPtr<GtkWidget>::retain(gtk_window_new()))
     , returnedKeys_(toplevel())
@@ -54,7 +60,7 @@ TabHost::TabHost()
     gtk_widget_add_css_class(newTab, "flat");
     gtk_widget_set_tooltip_text(newTab, "New Tab");
     gtk_accessible_update_property(GTK_ACCESSIBLE(newTab), GTK_ACCESSIBLE_PROPERTY_LABEL, "New Tab", -1);
-    connections_.emplace_back(newTab, "clicked", G_CALLBACK(newTabClicked), this);
+    connect<&TabHost::newTabClicked>(newTab, "clicked");
     adw_tab_bar_set_end_action_widget(tabBar, newTab);
     adw_tab_bar_set_view(tabBar, tabView_);
     gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabBar));
@@ -75,16 +81,16 @@ TabHost::~TabHost() {
 }
 
 void TabHost::connect() {
-    connections_.emplace_back(toplevel_.get(), "close-request", G_CALLBACK(closeRequested), this);
-    connections_.emplace_back(toplevel_.get(), "notify::focus-widget", G_CALLBACK(focusChanged), this);
-    connections_.emplace_back(toplevel_.get(), "notify::is-active", G_CALLBACK(activeChanged), this);
+    connect<&TabHost::closeRequested>(toplevel_.get(), "close-request");
+    connect<&TabHost::focusChanged>(toplevel_.get(), "notify::focus-widget");
+    connect<&TabHost::activeChanged>(toplevel_.get(), "notify::is-active");
     for (const char* property : {"notify::default-width", "notify::default-height", "notify::maximized"}) {
-        connections_.emplace_back(toplevel_.get(), property, G_CALLBACK(frameChanged), this);
+        connect<&TabHost::frameChanged>(toplevel_.get(), property);
     }
-    connections_.emplace_back(tabView_, "close-page", G_CALLBACK(closePageRequested), this);
-    connections_.emplace_back(tabView_, "notify::n-pages", G_CALLBACK(pageCountChanged), this);
-    connections_.emplace_back(tabView_, "notify::selected-page", G_CALLBACK(selectionChanged), this);
-    connections_.emplace_back(tabView_, "create-window", G_CALLBACK(windowWanted), this);
+    connect<&TabHost::closePageRequested>(tabView_, "close-page");
+    connect<&TabHost::pageCountChanged>(tabView_, "notify::n-pages");
+    connect<&TabHost::selectionChanged>(tabView_, "notify::selected-page");
+    connect<&TabHost::windowWanted>(tabView_, "create-window");
 }
 
 void TabHost::setFrame(const Window& window) {
@@ -193,21 +199,19 @@ void TabHost::wasUsed() {
 
 void TabHost::orderOut() { gtk_widget_set_visible(toplevel_.get(), FALSE); }
 
-gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/, gpointer self) {
-    const auto host = static_cast<TabHost*>(self)->shared_from_this();
+gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/) {
     // Unseen, a tab is not shown each time the one before it closes.
-    gtk_widget_set_visible(host->toplevel_.get(), FALSE);
+    gtk_widget_set_visible(toplevel_.get(), FALSE);
     // The toolkit would drop the pages without asking; each tab is to close on its own, in order.
-    for (const auto& window : host->windows()) {
-        if (of(*window) == host) {
-            host->closePage(*window);
+    for (const auto& window : windows()) {
+        if (of(*window).get() == this) {
+            closePage(*window);
         }
     }
     return GDK_EVENT_STOP;
 }
 
-gboolean TabHost::closePageRequested(AdwTabView* view, AdwTabPage* page, gpointer self) {
-    const auto host = static_cast<TabHost*>(self)->shared_from_this();
+gboolean TabHost::closePageRequested(AdwTabView* view, AdwTabPage* page) {
     const auto window = Window::Native::ofPage(adw_tab_page_get_child(page));
     const bool closes = !window || window->isReleasedWhenClosed();
     if (window && closes) {
@@ -219,38 +223,35 @@ gboolean TabHost::closePageRequested(AdwTabView* view, AdwTabPage* page, gpointe
     return GDK_EVENT_STOP;
 }
 
-void TabHost::pageCountChanged(AdwTabView* view, GParamSpec* /*property*/, gpointer self) {
+void TabHost::pageCountChanged(AdwTabView* view, GParamSpec* /*property*/) {
     if (adw_tab_view_get_n_pages(view) > 0 || adw_tab_view_get_is_transferring_page(view)) {
         return;
     }
-    const auto host = static_cast<TabHost*>(self)->shared_from_this();
-    gtk_widget_set_visible(host->toplevel_.get(), FALSE);
-    Application::shared().native().hostEmptied(host);
+    gtk_widget_set_visible(toplevel_.get(), FALSE);
+    Application::shared().native().hostEmptied(shared_from_this());
 }
 
-void TabHost::selectionChanged(AdwTabView* /*view*/, GParamSpec* /*property*/, gpointer self) {
-    const auto host = static_cast<TabHost*>(self)->shared_from_this();
-    const auto window = host->selectedWindow();
+void TabHost::selectionChanged(AdwTabView* /*view*/, GParamSpec* /*property*/) {
+    const auto window = selectedWindow();
     if (!window) {
         return;
     }
-    gtk_window_set_title(host->toplevel(), window->title().c_str());
-    host->setNeedsAttention(*window, false);
+    gtk_window_set_title(toplevel(), window->title().c_str());
+    setNeedsAttention(*window, false);
     Window::Native::takePendingFocus(*window);
 }
 
-AdwTabView* TabHost::windowWanted(AdwTabView* /*view*/, gpointer self) {
-    const auto from = static_cast<TabHost*>(self)->shared_from_this();
+AdwTabView* TabHost::windowWanted(AdwTabView* /*view*/) {
     const auto host = create();
     int width = 0;
     int height = 0;
-    gtk_window_get_default_size(from->toplevel(), &width, &height);
+    gtk_window_get_default_size(toplevel(), &width, &height);
     gtk_window_set_default_size(host->toplevel(), width, height);
     host->present();
     return host->tabView_;
 }
 
-void TabHost::focusChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer /*self*/) {
+void TabHost::focusChanged(GtkWindow* toplevel, GParamSpec* /*property*/) {
     View* view = viewOfWidget(gtk_window_get_focus(toplevel));
     if (!view) {
         return;
@@ -261,8 +262,8 @@ void TabHost::focusChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpoint
     }
 }
 
-void TabHost::frameChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer self) {
-    const auto window = static_cast<TabHost*>(self)->selectedWindow();
+void TabHost::frameChanged(GtkWindow* toplevel, GParamSpec* /*property*/) {
+    const auto window = selectedWindow();
     if (!window || window->frameAutosaveName().empty()) {
         return;
     }
@@ -271,15 +272,14 @@ void TabHost::frameChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpoint
     Application::shared().native().savedFrames().setFrame(window->frameAutosaveName(), frame);
 }
 
-void TabHost::activeChanged(GtkWindow* toplevel, GParamSpec* /*property*/, gpointer self) {
+void TabHost::activeChanged(GtkWindow* toplevel, GParamSpec* /*property*/) {
     if (gtk_window_is_active(toplevel)) {
-        static_cast<TabHost*>(self)->wasUsed();
+        wasUsed();
     }
 }
 
-void TabHost::newTabClicked(GtkButton* /*button*/, gpointer self) {
-    const auto host = static_cast<TabHost*>(self)->shared_from_this();
-    host->wasUsed();
+void TabHost::newTabClicked(GtkButton* /*button*/) {
+    wasUsed();
     Application::shared().sendAction(StandardAction::newWindowForTab, nullptr, {});
 }
 

@@ -56,15 +56,17 @@ private:
     TabHost();
     void connect();
     void wasUsed();
-    static gboolean closeRequested(GtkWindow* toplevel, gpointer self);
-    static gboolean closePageRequested(AdwTabView* view, AdwTabPage* page, gpointer self);
-    static void pageCountChanged(AdwTabView* view, GParamSpec* property, gpointer self);
-    static void selectionChanged(AdwTabView* view, GParamSpec* property, gpointer self);
-    static AdwTabView* windowWanted(AdwTabView* view, gpointer self);
-    static void focusChanged(GtkWindow* toplevel, GParamSpec* property, gpointer self);
-    static void frameChanged(GtkWindow* toplevel, GParamSpec* property, gpointer self);
-    static void activeChanged(GtkWindow* toplevel, GParamSpec* property, gpointer self);
-    static void newTabClicked(GtkButton* button, gpointer self);
+    template <auto handler>
+    void connect(gpointer instance, const char* signal);
+    gboolean closeRequested(GtkWindow* toplevel);
+    gboolean closePageRequested(AdwTabView* view, AdwTabPage* page);
+    void pageCountChanged(AdwTabView* view, GParamSpec* property);
+    void selectionChanged(AdwTabView* view, GParamSpec* property);
+    AdwTabView* windowWanted(AdwTabView* view);
+    void focusChanged(GtkWindow* toplevel, GParamSpec* property);
+    void frameChanged(GtkWindow* toplevel, GParamSpec* property);
+    void activeChanged(GtkWindow* toplevel, GParamSpec* property);
+    void newTabClicked(GtkButton* button);
 
     GObjectPtr<GtkWidget> toplevel_;
     ReturnedKeys returnedKeys_;

@@ -1,6 +1,7 @@
 #include "Platform/AppKit/TextField.h"
 
 #include "Platform/AppKit/Window.h"
+#include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/TextFieldNative.h"
 
@@ -32,11 +33,10 @@ void TextField::setStringValue(const std::string& value) {
         return;
     }
     stringValue_ = line;
-    if (nativeIfMade()) {
-        auto& native = TextFieldEvents::nativeOf(*this);
-        native.settingText = true;
-        gtk_editable_set_text(GTK_EDITABLE(native.widget.get()), line.c_str());
-        native.settingText = false;
+    if (auto* native = static_cast<TextFieldEvents*>(nativeIfMade())) {
+        native->settingText = true;
+        gtk_editable_set_text(GTK_EDITABLE(native->widget.get()), line.c_str());
+        native->settingText = false;
     }
 }
 
@@ -57,49 +57,48 @@ void TextField::selectText() {
 }
 
 void TextField::perform(Action action, const ActionSender& /*sender*/) {
-    if (nativeIfMade()) {
-        gtk_widget_activate_action(GTK_WIDGET(TextFieldEvents::nativeOf(*this).text), textActionName(action),
-                                   nullptr);
+    if (const auto* native = static_cast<TextFieldEvents*>(nativeIfMade())) {
+        gtk_widget_activate_action(GTK_WIDGET(native->text), textActionName(action), nullptr);
     }
 }
 
 std::unique_ptr<View::Native> TextField::makeNative() {
-    return TextFieldEvents::make(*this, gtk_entry_new());
+    return std::make_unique<TextFieldEvents>(*this, gtk_entry_new());
 }
 
 void TextField::applyFont(Native& native) {
     if (const auto wanted = font()) {
-        gtk_text_set_attributes(static_cast<TextFieldEvents::Native&>(native).text,
+        gtk_text_set_attributes(static_cast<TextFieldEvents&>(native).text,
                                 fontAttributes(wanted->systemFontSize));
     }
 }
 
-std::unique_ptr<TextFieldEvents::Native> TextFieldEvents::make(TextField& field, GtkWidget* editable) {
-    auto native = std::make_unique<Native>();
-    native->widget = GObjectPtr<GtkWidget>::retain(editable);
-    native->text = GTK_TEXT(gtk_editable_get_delegate(GTK_EDITABLE(editable)));
+TextFieldEvents::TextFieldEvents(TextField& owner, GtkWidget* editable)
+    : field(owner)
+    , text(GTK_TEXT(gtk_editable_get_delegate(GTK_EDITABLE(editable)))) {
+    widget = GObjectPtr<GtkWidget>::retain(editable);
     gtk_editable_set_text(GTK_EDITABLE(editable), field.stringValue_.c_str());
     g_object_set(editable, "placeholder-text", field.placeholder_.c_str(), nullptr);
     // A long text scrolls; without this the field would ask for as much room as a few words take.
     gtk_editable_set_width_chars(GTK_EDITABLE(editable), 0);
     // So would the placeholder.
-    GtkWidget* placeholder = gtk_widget_get_first_child(GTK_WIDGET(native->text));
+    GtkWidget* placeholder = gtk_widget_get_first_child(GTK_WIDGET(text));
     if (GTK_IS_LABEL(placeholder)) {
         gtk_label_set_max_width_chars(GTK_LABEL(placeholder), 0);
     }
     gtk_widget_set_sensitive(editable, field.isEnabled());
     if (field.font()) {
-        field.applyFont(*native);
+        field.applyFont(*this);
     }
 
-    native->connections.emplace_back(native->text, "insert-text", G_CALLBACK(insertText), nullptr);
-    native->connections.emplace_back(editable, "changed", G_CALLBACK(changed), &field);
-    native->connections.emplace_back(native->text, "preedit-changed", G_CALLBACK(preeditChanged), &field);
-    native->connections.emplace_back(editable, "activate", G_CALLBACK(activated), &field);
+    using Events = TextFieldEvents;
     GtkEventController* keys = gtk_event_controller_key_new();
     gtk_widget_add_controller(editable, keys);
-    native->connections.emplace_back(keys, "key-pressed", G_CALLBACK(keyPressed), &field);
-    return native;
+    connections.push_back(connectSignal<&Events::insertText>(text, "insert-text", *this));
+    connections.push_back(connectSignal<&Events::changed>(editable, "changed", *this));
+    connections.push_back(connectSignal<&Events::preeditChanged>(text, "preedit-changed", *this));
+    connections.push_back(connectSignal<&Events::activated>(editable, "activate", *this));
+    connections.push_back(connectSignal<&Events::keyPressed>(keys, "key-pressed", *this));
 }
 
 void TextFieldEvents::focusLeft(TextField& field) {
@@ -107,51 +106,41 @@ void TextFieldEvents::focusLeft(TextField& field) {
     field.endEditing(TextMovement::other);
 }
 
-void TextFieldEvents::insertText(GtkEditable* editable, const char* text, int length, int* position,
-                                 gpointer /*data*/) {
-    const std::string inserted(text, length < 0 ? std::strlen(text) : static_cast<std::size_t>(length));
-    const std::string line = TextField::withoutLineBreaks(inserted);
-    if (line == inserted) {
+void TextFieldEvents::insertText(GtkEditable* editable, const char* inserted, int length, int* position) {
+    const std::string all(inserted, length < 0 ? std::strlen(inserted) : static_cast<std::size_t>(length));
+    const std::string line = TextField::withoutLineBreaks(all);
+    if (line == all) {
         return;
     }
     g_signal_stop_emission_by_name(editable, "insert-text");
     gtk_editable_insert_text(editable, line.c_str(), static_cast<int>(line.size()), position);
 }
 
-void TextFieldEvents::changed(GtkEditable* editable, gpointer self) {
-    auto& field = *static_cast<TextField*>(self);
-    if (nativeOf(field).settingText) {
+void TextFieldEvents::changed(GtkEditable* editable) {
+    if (settingText) {
         return;
     }
-    const auto keptAlive = field.shared_from_this();
     field.stringValue_ = gtk_editable_get_text(editable);
     field.beginEditing();
 }
 
-void TextFieldEvents::preeditChanged(GtkText* /*text*/, const char* preedit, gpointer self) {
-    if (*preedit == '\0') {
-        return;
+void TextFieldEvents::preeditChanged(GtkText* /*source*/, const char* preedit) {
+    if (*preedit != '\0') {
+        field.beginEditing();
     }
-    auto& field = *static_cast<TextField*>(self);
-    const auto keptAlive = field.shared_from_this();
-    field.beginEditing();
 }
 
-void TextFieldEvents::activated(GtkWidget* /*widget*/, gpointer self) {
-    auto& field = *static_cast<TextField*>(self);
-    const auto keptAlive = field.shared_from_this();
+void TextFieldEvents::activated(GtkWidget* /*editable*/) {
     field.endEditing(TextMovement::returnKey);
     field.sendAction();
 }
 
-gboolean TextFieldEvents::keyPressed(GtkEventControllerKey* /*controller*/, guint keyval, guint /*keycode*/,
-                                     GdkModifierType /*state*/, gpointer self) {
+gboolean TextFieldEvents::keyPressed(GtkEventControllerKey* /*keys*/, guint keyval, guint /*keycode*/,
+                                     GdkModifierType /*state*/) {
     if (keyval != GDK_KEY_Escape) {
         return GDK_EVENT_PROPAGATE;
     }
-    auto& field = *static_cast<TextField*>(self);
-    const auto keptAlive = field.shared_from_this();
-    if (nativeOf(field).isEmptiedByEscape) {
+    if (isEmptiedByEscape) {
         field.setStringValue("");
     }
     field.endEditing(TextMovement::cancel);

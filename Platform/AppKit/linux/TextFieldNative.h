@@ -3,32 +3,28 @@
 #include "Platform/AppKit/TextField.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 
+#include <memory>
+
 namespace Platform {
 
-/// What the toolkit's own text widget tells, and the focus that the window follows.
-struct TextFieldEvents {
-    struct Native final : View::Native {
-        GtkText* text = nullptr; // the focus widget inside `widget`
-        bool settingText = false;
-        bool isEmptiedByEscape = false;
-    };
+/// A text field's widget, one of GTK's single-line editors, and what it reports.
+struct TextFieldEvents final : View::Native {
+    TextFieldEvents(TextField& owner, GtkWidget* editable);
 
-    /// Makes the native side of a field around one of GTK's single-line editors.
-    static std::unique_ptr<Native> make(TextField& field, GtkWidget* editable);
+    std::shared_ptr<View> keepAlive() const { return field.weak_from_this().lock(); }
 
-    /// Another control of the same page took the focus.
+    void insertText(GtkEditable* editable, const char* inserted, int length, int* position);
+    void changed(GtkEditable* editable);
+    void preeditChanged(GtkText* source, const char* preedit);
+    void activated(GtkWidget* editable);
+    gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode, GdkModifierType state);
+    /// Another control of the same page took the focus. The field may not have a widget yet.
     static void focusLeft(TextField& field);
 
-private:
-    static Native& nativeOf(TextField& field) { return static_cast<Native&>(field.native()); }
-    static void insertText(GtkEditable* editable, const char* text, int length, int* position, gpointer data);
-    static void changed(GtkEditable* editable, gpointer self);
-    static void preeditChanged(GtkText* text, const char* preedit, gpointer self);
-    static void activated(GtkWidget* widget, gpointer self);
-    static gboolean keyPressed(GtkEventControllerKey* controller, guint keyval, guint keycode,
-                               GdkModifierType state, gpointer self);
-
-    friend class TextField;
+    TextField& field;
+    GtkText* text = nullptr; // the focus widget inside `widget`
+    bool settingText = false;
+    bool isEmptiedByEscape = false;
 };
 
 } // namespace Platform

@@ -141,7 +141,7 @@ TEST_F(TextFieldTest, anotherTabNeitherEndsNorBeginsAnEdit) {
 }
 
 TEST_F(TextFieldTest, inputMethodTextBeginsTheEdit) {
-    auto& native = static_cast<TextFieldEvents::Native&>(field->native());
+    auto& native = static_cast<TextFieldEvents&>(field->native());
     g_signal_emit_by_name(native.text, "preedit-changed", "");
     EXPECT_FALSE(field->isEditing());
     g_signal_emit_by_name(native.text, "preedit-changed", "に");
