@@ -1,7 +1,6 @@
 #include "Platform/AppKit/View.h"
 
 #include "Platform/AppKit/MainThread.h"
-#include "Platform/AppKit/Window.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 

@@ -1,9 +1,6 @@
 #include "Platform/AppKit/Window.h"
 
-#include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/MainThread.h"
-#include "Platform/AppKit/WindowController.h"
-#include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/TabHost.h"
 #include "Platform/AppKit/linux/TextFieldNative.h"
 #include "Platform/AppKit/linux/ViewNative.h"
