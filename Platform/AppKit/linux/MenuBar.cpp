@@ -1,6 +1,7 @@
 #include "Platform/AppKit/linux/MenuBar.h"
 
 #include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/TabHost.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/RunLoop.h"
@@ -15,7 +16,10 @@ namespace Platform {
 namespace {
 
 constexpr const char* actionPrefix = "menu";
+constexpr const char* itemAction = "item";
 constexpr const char* windowAction = "window";
+
+std::string actionName(const char* action) { return std::string(actionPrefix) + "." + action; }
 
 /// GTK's name for the item's key equivalent, such as "<Control>braceleft". Adds Shift for upper-case letters
 /// only: whether another character needs Shift depends on the keyboard layout, and GTK ignores modifiers that
@@ -82,7 +86,7 @@ void update(Menu& menu) {
 
 /// Once the menus are closed, the keyboard goes back to the page: the toolkit may leave it with the tab
 /// strip.
-void returnFocus() {
+void returnFocus(GtkPopover* /*popover*/, gpointer /*data*/) {
     const std::weak_ptr<Window> main = Application::shared().mainWindow();
     // Later, as the next menu may open at once, and the chosen item's action may move the focus itself.
     RunLoop::main().perform([main] {
@@ -117,15 +121,6 @@ struct KeyEquivalent {
 
 } // namespace
 
-/// One menu of the bar and its GMenu.
-struct MenuBar::OpenMenu {
-    std::shared_ptr<MenuItem> top;
-    GObjectPtr<GMenu> model;
-    std::vector<std::shared_ptr<MenuItem>> items;
-    MenuBar* bar = nullptr;
-    std::string prefix;
-};
-
 bool validate(MenuItem& item) {
     const auto action = item.action();
     const auto target = action ? Application::shared().targetForAction(*action) : nullptr;
@@ -137,17 +132,12 @@ MenuBar::MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu)
     , actions_(GObjectPtr<GSimpleActionGroup>::adopt(g_simple_action_group_new())) {
     const auto model = GObjectPtr<GMenu>::adopt(g_menu_new());
     for (const auto& top : mainMenu_->items()) {
-        auto menu = std::make_unique<OpenMenu>();
-        menu->top = top;
-        menu->model = GObjectPtr<GMenu>::adopt(g_menu_new());
-        menu->bar = this;
-        menu->prefix = std::to_string(menus_.size()) + "-";
-        g_menu_append_submenu(model.get(), menuLabel(top->title()).c_str(), G_MENU_MODEL(menu->model.get()));
-        menus_.push_back(std::move(menu));
+        const auto menu = GObjectPtr<GMenu>::adopt(g_menu_new());
+        g_menu_append_submenu(model.get(), menuLabel(top->title()).c_str(), G_MENU_MODEL(menu.get()));
     }
     bar_ = GObjectPtr<GtkWidget>::retain(gtk_popover_menu_bar_new_from_model(G_MENU_MODEL(model.get())));
     gtk_widget_insert_action_group(toplevel, actionPrefix, G_ACTION_GROUP(actions_.get()));
-    addWindowAction();
+    addActions();
     connectPopovers();
     addKeyEquivalents(toplevel, *mainMenu_);
 }
@@ -155,101 +145,90 @@ MenuBar::MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu)
 MenuBar::~MenuBar() = default;
 
 void MenuBar::connectPopovers() {
-    auto menu = menus_.begin();
-    for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item && menu != menus_.end();
-         item = gtk_widget_get_next_sibling(item), ++menu) {
+    for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item;
+         item = gtk_widget_get_next_sibling(item)) {
         // Otherwise the pointer's mere passing takes the focus from field and page.
         gtk_widget_set_focusable(item, FALSE);
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
              child = gtk_widget_get_next_sibling(child)) {
-            if (!GTK_IS_POPOVER(child)) {
-                continue;
+            if (GTK_IS_POPOVER(child)) {
+                // Before GTK looks for an item to give the focus to.
+                connections_.push_back(connectSignal<&MenuBar::opened>(child, "map", *this));
+                connections_.emplace_back(child, "closed", G_CALLBACK(returnFocus), nullptr);
+                popovers_.push_back(child);
             }
-            // Before the toolkit looks for an item to give the focus to.
-            connections_.emplace_back(child, "map", G_CALLBACK(+[](GtkWidget* popover, gpointer data) {
-                                          auto* opened = static_cast<OpenMenu*>(data);
-                                          opened->bar->rebuild(*opened);
-                                          cutLongTexts(popover, greatestTextWidth(popover));
-                                      }),
-                                      menu->get());
-            connections_.emplace_back(
-                child, "closed",
-                G_CALLBACK(+[](GtkPopover* /*popover*/, gpointer /*data*/) { returnFocus(); }), nullptr);
         }
     }
 }
 
-void MenuBar::rebuild(OpenMenu& menu) {
-    const auto& submenu = menu.top->submenu();
-    update(*submenu);
-    for (std::size_t i = 0; i < menu.items.size(); ++i) {
-        g_action_map_remove_action(G_ACTION_MAP(actions_.get()), (menu.prefix + std::to_string(i)).c_str());
-    }
-    menu.items = submenu->items();
-    g_menu_remove_all(menu.model.get());
+void MenuBar::opened(GtkWidget* popover) {
+    const auto index = std::ranges::find(popovers_, popover) - popovers_.begin();
+    rebuild(mainMenu_->items()[static_cast<std::size_t>(index)]->submenu(),
+            G_MENU(gtk_popover_menu_get_menu_model(GTK_POPOVER_MENU(popover))));
+    cutLongTexts(popover, greatestTextWidth(popover));
+}
+
+void MenuBar::rebuild(const std::shared_ptr<Menu>& menu, GMenu* model) {
+    update(*menu);
+    items_ = menu->items();
+    g_menu_remove_all(model);
 
     auto section = GObjectPtr<GMenu>::adopt(g_menu_new());
     const auto endSection = [&] {
-        g_menu_append_section(menu.model.get(), nullptr, G_MENU_MODEL(section.get()));
+        g_menu_append_section(model, nullptr, G_MENU_MODEL(section.get()));
         section = GObjectPtr<GMenu>::adopt(g_menu_new());
     };
-    for (std::size_t i = 0; i < menu.items.size(); ++i) {
-        MenuItem& item = *menu.items[i];
+    for (std::size_t i = 0; i < items_.size(); ++i) {
+        MenuItem& item = *items_[i];
         if (item.isSeparator()) {
             endSection();
             continue;
         }
-        const std::string name = menu.prefix + std::to_string(i);
-        const auto action = GObjectPtr<GSimpleAction>::adopt(g_simple_action_new(name.c_str(), nullptr));
-        g_simple_action_set_enabled(action.get(), validate(item));
-        g_signal_connect_data(
-            action.get(), "activate",
-            G_CALLBACK(+[](GSimpleAction* /*action*/, GVariant* /*parameter*/, gpointer data) {
-                const auto chosen = *static_cast<std::shared_ptr<MenuItem>*>(data);
-                send(chosen);
-            }),
-            std::make_unique<std::shared_ptr<MenuItem>>(menu.items[i]).release(),
-            [](gpointer data, GClosure* /*closure*/) {
-                const std::unique_ptr<std::shared_ptr<MenuItem>> owned(
-                    static_cast<std::shared_ptr<MenuItem>*>(data));
-            },
-            GConnectFlags{});
-        g_action_map_add_action(G_ACTION_MAP(actions_.get()), G_ACTION(action.get()));
-
-        const auto native = GObjectPtr<GMenuItem>::adopt(g_menu_item_new(
-            menuLabel(item.title()).c_str(), (std::string(actionPrefix) + "." + name).c_str()));
+        // GTK greys an item whose action does not exist.
+        const bool isEnabled = validate(item);
+        const auto native =
+            GObjectPtr<GMenuItem>::adopt(g_menu_item_new(menuLabel(item.title()).c_str(), nullptr));
+        g_menu_item_set_action_and_target(native.get(), actionName(isEnabled ? itemAction : "none").c_str(),
+                                          "i", static_cast<gint32>(i));
         if (!item.keyEquivalent().empty()) {
             g_menu_item_set_attribute(native.get(), "accel", "s", accelerator(item).c_str());
         }
         g_menu_append_item(section.get(), native.get());
     }
     endSection();
-    if (submenu == Application::shared().native().windowsMenu.lock()) {
-        appendWindows(menu.model.get());
+    if (menu == Application::shared().native().windowsMenu.lock()) {
+        appendWindows(model);
     }
 }
 
-void MenuBar::addWindowAction() {
-    const auto action = GObjectPtr<GSimpleAction>::adopt(
+void MenuBar::addActions() {
+    const auto item = GObjectPtr<GSimpleAction>::adopt(g_simple_action_new(itemAction, G_VARIANT_TYPE_INT32));
+    connections_.push_back(connectSignal<&MenuBar::itemChosen>(item.get(), "activate", *this));
+    g_action_map_add_action(G_ACTION_MAP(actions_.get()), G_ACTION(item.get()));
+    const auto window = GObjectPtr<GSimpleAction>::adopt(
         g_simple_action_new_stateful(windowAction, G_VARIANT_TYPE_INT32, g_variant_new_int32(-1)));
-    connections_.emplace_back(action.get(), "activate",
-                              G_CALLBACK(+[](GSimpleAction* /*action*/, GVariant* index, gpointer self) {
-                                  const auto& windows = static_cast<MenuBar*>(self)->windows_;
-                                  const auto chosen = static_cast<std::size_t>(g_variant_get_int32(index));
-                                  if (chosen >= windows.size()) {
-                                      return;
-                                  }
-                                  if (const auto window = windows[chosen].lock()) {
-                                      window->makeKeyAndOrderFront();
-                                  }
-                              }),
-                              this);
-    g_action_map_add_action(G_ACTION_MAP(actions_.get()), G_ACTION(action.get()));
+    connections_.push_back(connectSignal<&MenuBar::windowChosen>(window.get(), "activate", *this));
+    g_action_map_add_action(G_ACTION_MAP(actions_.get()), G_ACTION(window.get()));
+}
+
+void MenuBar::itemChosen(GSimpleAction* /*action*/, GVariant* index) {
+    const auto chosen = static_cast<std::size_t>(g_variant_get_int32(index));
+    if (chosen < items_.size()) {
+        const auto item = items_[chosen];
+        send(item);
+    }
+}
+
+void MenuBar::windowChosen(GSimpleAction* /*action*/, GVariant* index) {
+    const auto chosen = static_cast<std::size_t>(g_variant_get_int32(index));
+    const auto window = chosen < windows_.size() ? windows_[chosen].lock() : nullptr;
+    if (window) {
+        window->makeKeyAndOrderFront();
+    }
 }
 
 void MenuBar::appendWindows(GMenu* model) {
     const auto mainWindow = Application::shared().mainWindow();
-    const std::string action = std::string(actionPrefix) + "." + windowAction;
     const auto section = GObjectPtr<GMenu>::adopt(g_menu_new());
     windows_.clear();
     for (const auto& host : Application::shared().native().visibleHosts()) {
@@ -261,7 +240,7 @@ void MenuBar::appendWindows(GMenu* model) {
             }
             const auto item =
                 GObjectPtr<GMenuItem>::adopt(g_menu_item_new(menuLabel(window->title()).c_str(), nullptr));
-            g_menu_item_set_action_and_target(item.get(), action.c_str(), "i", index);
+            g_menu_item_set_action_and_target(item.get(), actionName(windowAction).c_str(), "i", index);
             g_menu_append_item(section.get(), item.get());
             windows_.push_back(window);
         }

@@ -25,17 +25,20 @@ public:
     GtkWidget* widget() const { return bar_.get(); }
 
 private:
-    struct OpenMenu;
-
+    void addActions();
     void connectPopovers();
-    void rebuild(OpenMenu& menu);
-    void addWindowAction();
+    void opened(GtkWidget* popover);
+    void rebuild(const std::shared_ptr<Menu>& menu, GMenu* model);
     void appendWindows(GMenu* model);
+    void itemChosen(GSimpleAction* action, GVariant* index);
+    void windowChosen(GSimpleAction* action, GVariant* index);
 
     std::shared_ptr<Menu> mainMenu_;
     GObjectPtr<GtkWidget> bar_;
     GObjectPtr<GSimpleActionGroup> actions_;
-    std::vector<std::unique_ptr<OpenMenu>> menus_;
+    std::vector<GtkWidget*> popovers_; // held by `bar_`
+    /// The items of the menu that was opened last.
+    std::vector<std::shared_ptr<MenuItem>> items_;
     /// Those that the Windows menu listed when it was last opened.
     std::vector<std::weak_ptr<Window>> windows_;
     std::vector<SignalConnection> connections_;

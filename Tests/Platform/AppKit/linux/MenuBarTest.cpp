@@ -53,6 +53,19 @@ protected:
         return nullptr;
     }
 
+    /// The item with that title, if it is shown below `widget`.
+    static GtkWidget* itemIn(GtkWidget* widget, const std::string& title) {
+        if (GTK_IS_LABEL(widget) && gtk_label_get_text(GTK_LABEL(widget)) == title) {
+            return gtk_widget_get_parent(widget);
+        }
+        GtkWidget* found = nullptr;
+        for (GtkWidget* child = gtk_widget_get_first_child(widget); child && !found;
+             child = gtk_widget_get_next_sibling(child)) {
+            found = itemIn(child, title);
+        }
+        return found;
+    }
+
     static GMenuModel* sectionOf(GtkWidget* popover, int section) {
         return g_menu_model_get_item_link(gtk_popover_menu_get_menu_model(GTK_POPOVER_MENU(popover)), section,
                                           G_MENU_LINK_SECTION);
@@ -111,22 +124,16 @@ TEST_F(MenuBarTest, anItemIsGreyWhenNobodyWouldPerformItOrItsTargetSaysSo) {
     controller->recorder.answers = TestAction::reload;
     show(controller->window());
     GtkWidget* menu = popover(controller->window(), 0);
-    GtkWidget* toplevel = GTK_WIDGET(TabHost::of(*controller->window())->toplevel());
     gtk_popover_popup(GTK_POPOVER(menu));
-    const auto section = GObjectPtr<GMenuModel>::adopt(sectionOf(menu, 1));
-    const std::string reload = attribute(section.get(), 0, G_MENU_ATTRIBUTE_ACTION);
-    const std::string goBack = attribute(section.get(), 1, G_MENU_ATTRIBUTE_ACTION);
-    EXPECT_TRUE(gtk_widget_activate_action(toplevel, reload.c_str(), nullptr));
-    EXPECT_EQ(controller->recorder.performed, std::vector{TestAction::reload});
-    gtk_widget_activate_action(toplevel, goBack.c_str(), nullptr);
-    EXPECT_EQ(controller->recorder.performed.size(), 1U);
+    EXPECT_FALSE(gtk_widget_get_sensitive(itemIn(menu, "Nobody's")));
+    EXPECT_TRUE(gtk_widget_get_sensitive(itemIn(menu, "under_score")));
+    g_signal_emit_by_name(itemIn(menu, "under_score"), "clicked");
+    EXPECT_TRUE(runUntil([&] { return controller->recorder.performed == std::vector{TestAction::reload}; }));
 
     controller->recorder.valid = false;
     gtk_popover_popdown(GTK_POPOVER(menu));
     gtk_popover_popup(GTK_POPOVER(menu));
-    const auto again = GObjectPtr<GMenuModel>::adopt(sectionOf(menu, 1));
-    gtk_widget_activate_action(toplevel, attribute(again.get(), 0, G_MENU_ATTRIBUTE_ACTION).c_str(), nullptr);
-    EXPECT_EQ(controller->recorder.performed.size(), 1U);
+    EXPECT_FALSE(gtk_widget_get_sensitive(itemIn(menu, "under_score")));
 }
 
 TEST_F(MenuBarTest, keysWorkBeforeTheirMenuWasEverOpened) {
