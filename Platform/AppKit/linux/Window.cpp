@@ -6,6 +6,8 @@
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 
+#include <map>
+
 namespace Platform {
 
 namespace {
