@@ -85,7 +85,7 @@ fs::path destinationOf(const Task& task) {
     fs::path path = task.path;
     while (true) {
         std::error_code error;
-        const fs::path file = fs::canonical(path, error);
+        fs::path file = fs::canonical(path, error);
         if (!error) {
             return file;
         }
