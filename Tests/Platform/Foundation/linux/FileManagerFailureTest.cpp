@@ -69,7 +69,8 @@ using Names = std::set<std::string>;
 class FileManagerFailureTest : public testing::Test {
 protected:
     FileManagerFailureTest() { writeContents(file_, "old"); }
-    ~FileManagerFailureTest() override {
+
+    void TearDown() override {
         for (const auto* next : {&nextFsync, &nextClose, &nextFchown, &nextWrite}) {
             EXPECT_EQ(next->error, 0) << "The failure did not happen.";
         }
