@@ -14,35 +14,10 @@
 #include <utility>
 
 /// Known to the object runtime under the name that the delegate's module gives.
-@interface KeyloftApplicationDelegate : NSObject <NSApplicationDelegate, KeyloftResponderProxy> {
-@public
-    std::weak_ptr<Platform::ApplicationDelegate> delegate;
-}
+@interface KeyloftApplicationDelegate : KeyloftActionTarget <NSApplicationDelegate>
 @end
 
 @implementation KeyloftApplicationDelegate
-
-- (std::shared_ptr<Platform::Responder>)keyloftResponder {
-    return delegate.lock();
-}
-
-- (BOOL)respondsToSelector:(SEL)selector {
-    return Platform::respondsTo(self, selector) || [super respondsToSelector:selector];
-}
-
-- (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
-    // An action's method takes one object and returns nothing, as that one does.
-    const bool isForwarded = Platform::respondsTo(self, selector);
-    return [super methodSignatureForSelector:isForwarded ? @selector(forwardInvocation:) : selector];
-}
-
-- (void)forwardInvocation:(NSInvocation*)invocation {
-    Platform::forwardAction(self, invocation);
-}
-
-- (BOOL)validateMenuItem:(NSMenuItem*)menuItem {
-    return Platform::validate(self, menuItem);
-}
 
 - (void)applicationWillFinishLaunching:(NSNotification*)notification {
     Platform::Application::Native::willFinishLaunching();
@@ -138,7 +113,7 @@ void Application::setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate
     const Class delegateClass =
         named->className_.empty() ? base : registeredSubclass(base, named->className_);
     KeyloftApplicationDelegate* const native = [[delegateClass alloc] init];
-    native->delegate = delegate;
+    native->responder = delegate;
     native_->delegate = native;
     nativeApplication().delegate = native;
 }

@@ -13,14 +13,21 @@
 - (std::shared_ptr<Platform::Responder>)keyloftResponder;
 @end
 
+/// Forwards actions and their validation to `responder`. It has no methods for their selectors.
+@interface KeyloftActionTarget : NSObject <KeyloftResponderProxy> {
+@public
+    std::weak_ptr<Platform::Responder> responder;
+}
+@end
+
 namespace Platform {
 
-/// Returns true if the selector is an action's and the proxy's responder responds to the action. A proxy has
-/// no methods for these selectors: it answers for them in `respondsToSelector:` and forwards them.
+/// Returns true if the selector is an action's and the proxy's responder responds to the action.
 bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
-/// What a proxy's `forwardInvocation:` does: performs the action on the responder.
-void forwardAction(id<KeyloftResponderProxy> _Nonnull proxy, NSInvocation* _Nonnull invocation) noexcept;
+/// Returns an object that performs the selector's action on the proxy's responder, or nil if that does not
+/// respond to it.
+id _Nullable forwardingTarget(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
 /// What a proxy's `validateMenuItem:` does: asks the responder about our item, and shows the title that it
 /// leaves. About an item of AppKit's own, such as a tab bar's "New Tab", it asks by the item's action.

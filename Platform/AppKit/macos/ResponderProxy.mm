@@ -15,12 +15,31 @@
 
 #include <string>
 
-/// The target of a control where AppKit has no object that stands for it.
-@interface KeyloftActionTarget : NSObject <KeyloftResponderProxy> {
-@public
-    std::weak_ptr<Platform::Responder> responder;
+namespace Platform {
+
+namespace {
+
+KeyloftActionTarget* actionTarget(const std::shared_ptr<Responder>& responder) {
+    KeyloftActionTarget* const target = [[KeyloftActionTarget alloc] init];
+    target->responder = responder;
+    return target;
 }
-@end
+
+/// Must not throw: AppKit's frames are below it on the stack.
+void performAction(const std::shared_ptr<Responder>& responder, SEL selector, id sender) noexcept {
+    const auto action = actionFor(selector);
+    if (responder == nullptr || !action) {
+        return;
+    }
+    // Kept until the action has been performed, whatever it closes.
+    const auto control = std::dynamic_pointer_cast<Control>(viewOf(sender));
+    const auto menuItem = menuItemOf(sender);
+    responder->perform(*action, {.control = control.get(), .menuItem = menuItem.get()});
+}
+
+} // namespace
+
+} // namespace Platform
 
 @implementation KeyloftActionTarget
 
@@ -39,7 +58,9 @@
 }
 
 - (void)forwardInvocation:(NSInvocation*)invocation {
-    Platform::forwardAction(self, invocation);
+    __unsafe_unretained id sender = nil;
+    [invocation getArgument:&sender atIndex:2];
+    Platform::performAction(responder.lock(), invocation.selector, sender);
 }
 
 - (BOOL)validateMenuItem:(NSMenuItem*)menuItem {
@@ -50,25 +71,14 @@
 
 namespace Platform {
 
-// Must not throw: AppKit's frames lie behind it.
-void forwardAction(id<KeyloftResponderProxy> proxy, NSInvocation* invocation) noexcept {
-    const auto responder = [proxy keyloftResponder];
-    const auto action = actionFor(invocation.selector);
-    if (responder == nullptr || !action) {
-        return;
-    }
-    __unsafe_unretained id sender = nil;
-    [invocation getArgument:&sender atIndex:2];
-    // Kept until the action has been performed, whatever it closes.
-    const auto control = std::dynamic_pointer_cast<Control>(viewOf(sender));
-    const auto menuItem = menuItemOf(sender);
-    responder->perform(*action, {.control = control.get(), .menuItem = menuItem.get()});
-}
-
 bool respondsTo(id<KeyloftResponderProxy> proxy, SEL selector) noexcept {
     const auto responder = [proxy keyloftResponder];
     const auto action = actionFor(selector);
     return responder != nullptr && action && responder->respondsTo(*action);
+}
+
+id forwardingTarget(id<KeyloftResponderProxy> proxy, SEL selector) noexcept {
+    return respondsTo(proxy, selector) ? actionTarget([proxy keyloftResponder]) : nil;
 }
 
 BOOL validate(id<KeyloftResponderProxy> proxy, NSMenuItem* nativeItem) noexcept {
@@ -94,9 +104,7 @@ id targetFor(const std::shared_ptr<Responder>& responder) {
     if (controller != nullptr && controller->window() != nullptr) {
         return controller->window()->native().controller;
     }
-    KeyloftActionTarget* const target = [[KeyloftActionTarget alloc] init];
-    target->responder = responder;
-    return target;
+    return actionTarget(responder);
 }
 
 std::shared_ptr<Responder> responderOf(id native) {

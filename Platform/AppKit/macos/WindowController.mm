@@ -45,14 +45,8 @@
     return Platform::respondsTo(self, selector) || [super respondsToSelector:selector];
 }
 
-- (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
-    // An action's method takes one object and returns nothing, as that one does.
-    const bool isForwarded = Platform::respondsTo(self, selector);
-    return [super methodSignatureForSelector:isForwarded ? @selector(forwardInvocation:) : selector];
-}
-
-- (void)forwardInvocation:(NSInvocation*)invocation {
-    Platform::forwardAction(self, invocation);
+- (id)forwardingTargetForSelector:(SEL)selector {
+    return Platform::forwardingTarget(self, selector);
 }
 
 - (BOOL)validateMenuItem:(NSMenuItem*)menuItem {

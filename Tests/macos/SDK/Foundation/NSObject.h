@@ -39,6 +39,7 @@ NS_ROOT_CLASS
 + (instancetype)alloc;
 + (Class)class;
 - (void)forwardInvocation:(NSInvocation*)anInvocation;
+- (nullable id)forwardingTargetForSelector:(SEL)aSelector;
 - (NSMethodSignature*)methodSignatureForSelector:(SEL)aSelector;
 @end
 
