@@ -271,7 +271,8 @@ TEST_F(AboutPanelKeyTest, workAfterTheWindowThatThePanelWasOpenedFromHasClosed) 
     tab->window()->close();
     ASSERT_TRUE(runUntil([] { return TestSupport::activeTitle() == panel; }));
     pressKey("ctrl+t");
-    EXPECT_TRUE(runUntil([&] { return controllers().size() == 1; }));
+    ASSERT_TRUE(runUntil([&] { return controllers().size() == 1; }));
+    EXPECT_TRUE(runUntil([&] { return TestSupport::isActive(*controllers().front()->window()); }));
 }
 
 namespace {
