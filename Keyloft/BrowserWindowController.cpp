@@ -446,8 +446,7 @@ void BrowserWindowController::showLoadError(const Platform::Error& error) {
 
     const Alert alert{.style = Alert::Style::warning,
                       .messageText = "Keyloft can't open the page",
-                      .informativeText = error.localizedDescription + "\n" + address,
-                      .buttonTitles = {}};
+                      .informativeText = error.localizedDescription + "\n" + address};
     if (window()) {
         alert.beginSheetModal(window(), nullptr);
     } else {
@@ -468,8 +467,7 @@ void BrowserWindowController::runJavaScriptAlertPanel(WebView& /*webView*/, cons
                                                       std::function<void()> completion) {
     const Alert alert{.style = Alert::Style::informational,
                       .messageText = panelTitle(frame, "Alert"),
-                      .informativeText = message,
-                      .buttonTitles = {}};
+                      .informativeText = message};
     alert.beginSheetModal(window(),
                           [completion = std::move(completion)](std::size_t /*button*/) { completion(); });
 }

@@ -17,13 +17,17 @@ struct Alert {
     Style style = Style::warning;
     std::string messageText;
     std::string informativeText;
-    /// In the order given; the first is the default button. None means a single "OK".
-    std::vector<std::string> buttonTitles;
+    /// In the order given; the first is the default button. Never empty.
+    std::vector<std::string> buttonTitles{"OK"};
 
     static constexpr std::size_t firstButton = 0;
 
-    /// Called exactly once with the index of the chosen button. Escape chooses "Cancel" when there is such a
-    /// button, else the only one; a window that closes chooses the last.
+    /// The answer of a window that closes: the last button.
+    std::size_t safeButton() const;
+    /// "Cancel" if there is such a button, else the safe button.
+    std::size_t escapeButton() const;
+
+    /// Called exactly once with the index of the chosen button.
     using Completion = std::function<void(std::size_t button)>;
 
     /// Shows the sheet over `window`'s page only; several queue up. Other tabs and windows stay usable.

@@ -9,7 +9,7 @@ namespace Platform {
 
 void Alert::beginSheetModal(const std::shared_ptr<Window>& window, Completion completion) const {
     assertMainThread("Alert::beginSheetModal");
-    Window::Native::addSheet(*window, std::make_unique<Sheet>(*this, std::move(completion)));
+    window->native().sheets.add(*this, std::move(completion));
 }
 
 std::size_t Alert::runModal() const {
@@ -17,8 +17,11 @@ std::size_t Alert::runModal() const {
     const auto toplevel = GObjectPtr<GtkWidget>::retain(gtk_window_new());
     const auto loop = std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)>(
         g_main_loop_new(nullptr, FALSE), &g_main_loop_unref);
-    Sheet sheet(*this, nullptr);
-    std::size_t answer = sheet.safeButton();
+    std::size_t answer = safeButton();
+    Sheet sheet(*this, [&](std::size_t button) {
+        answer = button;
+        g_main_loop_quit(loop.get());
+    });
     const SignalConnection closing(toplevel.get(), "close-request",
                                    G_CALLBACK(+[](GtkWindow* /*window*/, gpointer running) -> gboolean {
                                        g_main_loop_quit(static_cast<GMainLoop*>(running));
@@ -27,10 +30,7 @@ std::size_t Alert::runModal() const {
                                    loop.get());
     gtk_window_set_modal(GTK_WINDOW(toplevel.get()), TRUE);
     gtk_window_set_resizable(GTK_WINDOW(toplevel.get()), FALSE);
-    gtk_window_set_child(GTK_WINDOW(toplevel.get()), sheet.widget([&](std::size_t button) {
-        answer = button;
-        g_main_loop_quit(loop.get());
-    }));
+    gtk_window_set_child(GTK_WINDOW(toplevel.get()), sheet.widget());
     gtk_window_present(GTK_WINDOW(toplevel.get()));
     sheet.focus();
     g_main_loop_run(loop.get());

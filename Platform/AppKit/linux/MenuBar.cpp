@@ -91,7 +91,7 @@ void returnFocus(GtkPopover* /*popover*/, gpointer /*data*/) {
     // Later, as the next menu may open at once, and the chosen item's action may move the focus itself.
     RunLoop::main().perform([main] {
         if (const auto window = main.lock()) {
-            Window::Native::takeFocus(*window);
+            window->native().takeFocus();
         }
     });
 }

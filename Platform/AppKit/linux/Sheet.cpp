@@ -41,55 +41,34 @@ GtkWidget* makeLabel(const std::string& text, const char* cssClass) {
 
 } // namespace
 
-Sheet::Sheet(Alert alert, Alert::Completion completion)
-    : alert_(std::move(alert))
-    , completion_(std::move(completion)) {
-    if (alert_.buttonTitles.empty()) {
-        alert_.buttonTitles.emplace_back("OK");
-    }
+Sheet::Sheet(const Alert& alert, std::function<void(std::size_t)> answered)
+    : escapeButton_(alert.escapeButton())
+    , answered_(std::move(answered))
+    , shade_(GObjectPtr<GtkWidget>::retain(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0))) {
+    gtk_widget_add_css_class(shade_.get(), "keyloft-shade");
+    gtk_box_append(GTK_BOX(shade_.get()), makeCard(alert));
+
+    GtkEventController* keys = gtk_event_controller_key_new();
+    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
+    gtk_widget_add_controller(shade_.get(), keys);
+    connections_.push_back(connectSignal<&Sheet::keyPressed>(keys, "key-pressed", *this));
 }
 
 Sheet::~Sheet() = default;
-
-void Sheet::complete(std::size_t button) {
-    if (const auto completion = std::exchange(completion_, nullptr)) {
-        completion(button);
-    }
-}
 
 void Sheet::answer(std::size_t button) {
     const auto answered = answered_;
     answered(button);
 }
 
-void Sheet::focus() {
-    if (!buttons_.empty()) {
-        gtk_widget_grab_focus(buttons_.front());
-    }
-}
-
-GtkWidget* Sheet::widget(std::function<void(std::size_t)> answered) {
-    if (shade_) {
-        return shade_.get();
-    }
-    answered_ = std::move(answered);
-    shade_ = GObjectPtr<GtkWidget>::retain(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0));
-    gtk_widget_add_css_class(shade_.get(), "keyloft-shade");
-    gtk_box_append(GTK_BOX(shade_.get()), makeCard());
-
-    GtkEventController* keys = gtk_event_controller_key_new();
-    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
-    gtk_widget_add_controller(shade_.get(), keys);
-    connections_.push_back(connectSignal<&Sheet::keyPressed>(keys, "key-pressed", *this));
-    return shade_.get();
-}
+void Sheet::focus() { gtk_widget_grab_focus(buttons_.front()); }
 
 gboolean Sheet::keyPressed(GtkEventControllerKey* /*keys*/, guint keyval, guint /*keycode*/,
                            GdkModifierType state) {
     const bool withControl = (state & GDK_CONTROL_MASK) != 0;
     switch (keyval) {
     case GDK_KEY_Escape:
-        answer(escapeButton());
+        answer(escapeButton_);
         return GDK_EVENT_STOP;
     case GDK_KEY_Tab:
     case GDK_KEY_KP_Tab:
@@ -109,13 +88,6 @@ void Sheet::clicked(GtkButton* button) {
     answer(static_cast<std::size_t>(position - buttons_.begin()));
 }
 
-std::size_t Sheet::escapeButton() const {
-    const auto cancel = std::ranges::find(alert_.buttonTitles, "Cancel");
-    return cancel == alert_.buttonTitles.end()
-               ? safeButton()
-               : static_cast<std::size_t>(cancel - alert_.buttonTitles.begin());
-}
-
 void Sheet::moveFocus(std::ptrdiff_t step) {
     const auto count = std::ssize(stops_);
     const auto focused = std::ranges::find_if(stops_, gtk_widget_is_focus);
@@ -126,7 +98,7 @@ void Sheet::moveFocus(std::ptrdiff_t step) {
     gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
-GtkWidget* Sheet::makeCard() {
+GtkWidget* Sheet::makeCard(const Alert& alert) {
     GtkWidget* card =
         GTK_WIDGET(g_object_new(GTK_TYPE_BOX, "orientation", GTK_ORIENTATION_VERTICAL, "spacing", 12,
                                 "halign", GTK_ALIGN_CENTER, "valign", GTK_ALIGN_CENTER, "vexpand", TRUE,
@@ -134,11 +106,11 @@ GtkWidget* Sheet::makeCard() {
     gtk_widget_add_css_class(card, "keyloft-sheet");
     gtk_widget_set_size_request(card, cardWidth, -1);
     gtk_accessible_update_property(GTK_ACCESSIBLE(card), GTK_ACCESSIBLE_PROPERTY_LABEL,
-                                   alert_.messageText.c_str(), -1);
+                                   alert.messageText.c_str(), -1);
     // However long the texts are, the buttons stay in reach.
     GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
-    gtk_box_append(GTK_BOX(texts), makeLabel(alert_.messageText, "title-4"));
-    GtkWidget* text = makeLabel(alert_.informativeText, "body");
+    gtk_box_append(GTK_BOX(texts), makeLabel(alert.messageText, "title-4"));
+    GtkWidget* text = makeLabel(alert.informativeText, "body");
     // Free to choose, the toolkit lays a long text out again and again for seconds to find the width it
     // likes.
     gtk_label_set_width_chars(GTK_LABEL(text), textWidthInCharacters);
@@ -163,8 +135,8 @@ GtkWidget* Sheet::makeCard() {
     GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
     gtk_box_set_homogeneous(GTK_BOX(row), TRUE);
     gtk_widget_set_margin_top(row, 12);
-    for (std::size_t i = 0; i < alert_.buttonTitles.size(); ++i) {
-        GtkWidget* button = gtk_button_new_with_label(alert_.buttonTitles[i].c_str());
+    for (std::size_t i = 0; i < alert.buttonTitles.size(); ++i) {
+        GtkWidget* button = gtk_button_new_with_label(alert.buttonTitles[i].c_str());
         if (i == 0) {
             gtk_widget_add_css_class(button, "suggested-action");
         }

@@ -30,7 +30,7 @@ std::shared_ptr<TabHost> TabHost::create() {
 }
 
 std::shared_ptr<TabHost> TabHost::of(Window& window) {
-    GtkWidget* page = Window::Native::pageOf(window);
+    GtkWidget* page = window.native().page.get();
     GtkRoot* root = page ? gtk_widget_get_root(page) : nullptr;
     auto* host = root ? static_cast<TabHost*>(g_object_get_qdata(G_OBJECT(root), hostQuark())) : nullptr;
     return host ? host->shared_from_this() : nullptr;
@@ -121,7 +121,7 @@ void TabHost::addPage(Window& window, Window* neighbour) {
     GtkWidget* page = window.native().page.get();
     int position = adw_tab_view_get_n_pages(tabView_);
     if (neighbour) {
-        AdwTabPage* beside = adw_tab_view_get_page(tabView_, Window::Native::pageOf(*neighbour));
+        AdwTabPage* beside = adw_tab_view_get_page(tabView_, neighbour->native().page.get());
         position = adw_tab_view_get_page_position(tabView_, beside) + 1;
     }
     adw_tab_view_insert(tabView_, page, position);
@@ -129,15 +129,15 @@ void TabHost::addPage(Window& window, Window* neighbour) {
 }
 
 void TabHost::select(Window& window) {
-    adw_tab_view_set_selected_page(tabView_, adw_tab_view_get_page(tabView_, Window::Native::pageOf(window)));
+    adw_tab_view_set_selected_page(tabView_, adw_tab_view_get_page(tabView_, window.native().page.get()));
 }
 
 void TabHost::closePage(Window& window) {
-    adw_tab_view_close_page(tabView_, adw_tab_view_get_page(tabView_, Window::Native::pageOf(window)));
+    adw_tab_view_close_page(tabView_, adw_tab_view_get_page(tabView_, window.native().page.get()));
 }
 
 void TabHost::updateTitle(Window& window) {
-    AdwTabPage* page = adw_tab_view_get_page(tabView_, Window::Native::pageOf(window));
+    AdwTabPage* page = adw_tab_view_get_page(tabView_, window.native().page.get());
     // A tab without a tool tip of its own shows its title, as long as that may be.
     const std::string shown = toolTipText(window.title());
     if (shown == window.title()) {
@@ -154,7 +154,7 @@ void TabHost::updateTitle(Window& window) {
 }
 
 void TabHost::setNeedsAttention(Window& window, bool needs) {
-    AdwTabPage* page = adw_tab_view_get_page(tabView_, Window::Native::pageOf(window));
+    AdwTabPage* page = adw_tab_view_get_page(tabView_, window.native().page.get());
     adw_tab_page_set_needs_attention(page, needs && adw_tab_view_get_selected_page(tabView_) != page);
 }
 
@@ -215,7 +215,7 @@ gboolean TabHost::closePageRequested(AdwTabView* view, AdwTabPage* page) {
     const auto window = Window::Native::ofPage(adw_tab_page_get_child(page));
     const bool closes = !window || window->isReleasedWhenClosed();
     if (window && closes) {
-        Window::Native::willClose(*window);
+        window->native().willClose();
     } else if (window) {
         window->orderOut();
     }
@@ -238,7 +238,7 @@ void TabHost::selectionChanged(AdwTabView* /*view*/, GParamSpec* /*property*/) {
     }
     gtk_window_set_title(toplevel(), window->title().c_str());
     setNeedsAttention(*window, false);
-    Window::Native::takePendingFocus(*window);
+    window->native().takePendingFocus();
 }
 
 AdwTabView* TabHost::windowWanted(AdwTabView* /*view*/) {
@@ -258,7 +258,7 @@ void TabHost::focusChanged(GtkWindow* toplevel, GParamSpec* /*property*/) {
     }
     const auto keptAlive = view->shared_from_this();
     if (const auto window = view->window()) {
-        Window::Native::focusMoved(*window, *view);
+        window->native().focusMoved(*view);
     }
 }
 

@@ -49,7 +49,7 @@ const auto& windowActions() {
 Window::Window(Size contentSize, Style style)
     : contentSize_(contentSize)
     , style_(style)
-    , native_(std::make_unique<Native>()) {
+    , native_(std::make_unique<Native>(*this)) {
     assertMainThread("Window");
 }
 
@@ -65,6 +65,7 @@ std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
 }
 
 Window::~Window() {
+    native_->sheets.close();
     if (GtkWidget* page = native_->page.get()) {
         const auto host = TabHost::of(*this);
         g_object_set_qdata(G_OBJECT(page), windowQuark(), nullptr);
@@ -87,7 +88,7 @@ void Window::setTitle(const std::string& title) {
 void Window::setMinSize(Size size) {
     minSize_ = size;
     if (native_->page) {
-        native_->applyMinSize(size);
+        native_->applyMinSize();
     }
 }
 
@@ -108,7 +109,7 @@ void Window::addTabbedWindow(const std::shared_ptr<Window>& window) {
         makeKeyAndOrderFront();
         host = TabHost::of(*this);
     }
-    window->native_->makePage(*window);
+    window->native_->makePage();
     if (!TabHost::of(*window)) {
         host->addPage(*window, this);
     }
@@ -119,7 +120,7 @@ void Window::makeKeyAndOrderFront() {
     if (closed_) {
         return;
     }
-    native_->makePage(*this);
+    native_->makePage();
     auto host = TabHost::of(*this);
     if (!host) {
         host = TabHost::create();
@@ -128,7 +129,7 @@ void Window::makeKeyAndOrderFront() {
     }
     host->select(*this);
     host->present();
-    Native::takeFocus(*this);
+    native_->takeFocus();
 }
 
 void Window::orderOut() {
@@ -143,8 +144,8 @@ bool Window::isVisible() const { return native_->page && gtk_widget_get_mapped(n
 void Window::makeFirstResponder(const std::shared_ptr<View>& view) {
     assertMainThread("Window::makeFirstResponder");
     const auto keptAlive = shared_from_this();
-    Native::focusMoved(*this, *view);
-    Native::takeFocus(*this);
+    native_->focusMoved(*view);
+    native_->takeFocus();
 }
 
 std::shared_ptr<View> Window::firstResponder() const { return native_->firstResponder.lock(); }
@@ -157,7 +158,7 @@ void Window::close() {
     } else if (const auto host = TabHost::of(*this)) {
         host->closePage(*this);
     } else {
-        Native::willClose(*this);
+        native_->willClose();
     }
 }
 
@@ -166,9 +167,8 @@ bool Window::respondsTo(Action action) const { return Native::isWindowAction(act
 bool Window::Native::isWindowAction(Action action) { return windowActions().contains(action); }
 
 void Window::perform(Action action, const ActionSender& /*sender*/) {
-    const auto found = windowActions().find(action);
-    if (const auto host = TabHost::of(*this); host && found != windowActions().end()) {
-        found->second(*this, *host);
+    if (const auto host = TabHost::of(*this)) {
+        windowActions().at(action)(*this, *host);
     }
 }
 
@@ -189,38 +189,36 @@ bool Window::validateMenuItem(MenuItem& item) {
     return adw_tab_view_get_n_pages(host->tabView()) > 1;
 }
 
-void Window::Native::makePage(Window& window) {
+void Window::Native::makePage() {
     if (page) {
         return;
     }
     page = GObjectPtr<GtkWidget>::retain(gtk_overlay_new());
     g_object_set_qdata(G_OBJECT(page.get()), windowQuark(), &window);
     gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.contentView_->native().widget.get());
-    applyMinSize(window.minSize_);
+    applyMinSize();
     mapped = SignalConnection(page.get(), "map", G_CALLBACK(+[](GtkWidget* widget, gpointer /*data*/) {
                                   if (const auto shown = ofPage(widget)) {
-                                      takePendingFocus(*shown);
+                                      shown->native().takePendingFocus();
                                   }
                               }),
                               nullptr);
 }
 
-void Window::Native::applyMinSize(Size size) const {
+void Window::Native::applyMinSize() const {
+    const Size size = window.minSize_;
     gtk_widget_set_size_request(page.get(), static_cast<int>(size.width), static_cast<int>(size.height));
 }
-
-GtkWidget* Window::Native::pageOf(Window& window) { return window.native_->page.get(); }
 
 std::shared_ptr<Window> Window::Native::ofPage(GtkWidget* page) {
     auto* window = static_cast<Window*>(g_object_get_qdata(G_OBJECT(page), windowQuark()));
     return window ? window->weak_from_this().lock() : nullptr;
 }
 
-void Window::Native::focusMoved(Window& window, View& view) {
-    Native& native = *window.native_;
-    const auto previous = native.firstResponder.lock();
-    native.firstResponder = view.weak_from_this();
-    native.focusPending = false;
+void Window::Native::focusMoved(View& view) {
+    const auto previous = firstResponder.lock();
+    firstResponder = view.weak_from_this();
+    focusPending = false;
     // GTK reads this setting right after it reports the new focus. A field that gets the focus back from a
     // menu, a sheet or another tab must keep its selection, or the next typed character replaces its text.
     const bool isFocusedAnew = previous.get() != &view;
@@ -233,93 +231,75 @@ void Window::Native::focusMoved(Window& window, View& view) {
     }
 }
 
-void Window::Native::takeFocus(Window& window) {
-    window.native_->focusPending = true;
-    takePendingFocus(window);
+void Window::Native::takeFocus() {
+    focusPending = true;
+    takePendingFocus();
 }
 
-void Window::Native::takePendingFocus(Window& window) {
-    Native& native = *window.native_;
-    if (!native.focusPending || !native.page || !gtk_widget_get_mapped(native.page.get()) ||
-        isMenuOpen(gtk_widget_get_root(native.page.get()))) {
+void Window::Native::takePendingFocus() {
+    if (!focusPending || !page || !gtk_widget_get_mapped(page.get()) ||
+        isMenuOpen(gtk_widget_get_root(page.get()))) {
         return;
     }
-    if (!native.sheets.empty()) {
-        native.focusPending = false;
-        native.sheets.front()->focus();
-    } else if (const auto view = native.firstResponder.lock(); view && view->nativeIfMade()) {
-        native.focusPending = false;
-        GtkWidget* focus = gtk_root_get_focus(gtk_widget_get_root(native.page.get()));
+    if (sheet) {
+        focusPending = false;
+        sheet->focus();
+    } else if (const auto view = firstResponder.lock(); view && view->nativeIfMade()) {
+        focusPending = false;
+        GtkWidget* focus = gtk_root_get_focus(gtk_widget_get_root(page.get()));
         if (viewOfWidget(focus) != view.get()) {
             gtk_widget_grab_focus(view->native().widget.get());
         }
     }
 }
 
-void Window::Native::willClose(Window& window) {
+void Window::Native::willClose() {
     if (window.closed_) {
         return;
     }
     window.closed_ = true;
     const auto keptAlive = window.shared_from_this();
-    while (!window.native_->sheets.empty()) {
-        sheetAnswered(window, window.native_->sheets.front()->safeButton());
-    }
+    sheets.close();
     if (const auto delegate = window.delegate_.lock()) {
         delegate->windowWillClose(window);
     }
 }
 
-void Window::Native::addSheet(Window& window, std::unique_ptr<Sheet> sheet) {
-    if (window.closed_) {
-        sheet->complete(sheet->safeButton());
-        return;
-    }
-    window.native_->sheets.push_back(std::move(sheet));
-    if (window.native_->sheets.size() == 1) {
-        showSheet(window);
-    }
-}
-
-void Window::Native::showSheet(Window& window) {
-    Native& native = *window.native_;
-    native.makePage(window);
-    // What is under the sheet is out of reach of pointer and keyboard, and looks as it did.
-    GtkWidget* content = window.contentView_->native().widget.get();
-    gtk_widget_set_can_target(content, FALSE);
-    gtk_widget_set_can_focus(content, FALSE);
-    GtkWidget* shade = native.sheets.front()->widget([weak = window.weak_from_this()](std::size_t button) {
+bool Window::Native::showSheet(const Alert& alert) {
+    makePage();
+    sheet = std::make_unique<Sheet>(alert, [weak = window.weak_from_this()](std::size_t button) {
         if (const auto answered = weak.lock()) {
-            sheetAnswered(*answered, button);
+            answered->native().sheets.answer(button);
         }
     });
-    gtk_overlay_add_overlay(GTK_OVERLAY(native.page.get()), shade);
+    setContentReachable(false);
+    gtk_overlay_add_overlay(GTK_OVERLAY(page.get()), sheet->widget());
     if (const auto host = TabHost::of(window)) {
         host->setNeedsAttention(window, true);
     }
-    takeFocus(window);
+    takeFocus();
+    return true;
 }
 
-void Window::Native::sheetAnswered(Window& window, std::size_t button) {
-    const auto keptAlive = window.shared_from_this();
-    Native& native = *window.native_;
-    const std::unique_ptr<Sheet> sheet = std::move(native.sheets.front());
-    native.sheets.pop_front();
-    if (GtkWidget* shade = sheet->widgetIfMade()) {
-        gtk_overlay_remove_overlay(GTK_OVERLAY(native.page.get()), shade);
+void Window::Native::hideSheet() {
+    gtk_overlay_remove_overlay(GTK_OVERLAY(page.get()), sheet->widget());
+    sheet.reset();
+    // The focus goes straight to the next sheet.
+    if (!sheets.isEmpty()) {
+        return;
     }
-    if (native.sheets.empty()) {
-        GtkWidget* content = window.contentView_->native().widget.get();
-        gtk_widget_set_can_target(content, TRUE);
-        gtk_widget_set_can_focus(content, TRUE);
-        if (const auto host = TabHost::of(window)) {
-            host->setNeedsAttention(window, false);
-        }
-        takeFocus(window);
-    } else if (!window.closed_) {
-        showSheet(window);
+    setContentReachable(true);
+    if (const auto host = TabHost::of(window)) {
+        host->setNeedsAttention(window, false);
     }
-    sheet->complete(button);
+    takeFocus();
+}
+
+/// Keeps pointer and keyboard from what is under a sheet, without a change of its looks.
+void Window::Native::setContentReachable(bool reachable) const {
+    GtkWidget* content = window.contentView_->native().widget.get();
+    gtk_widget_set_can_target(content, reachable ? TRUE : FALSE);
+    gtk_widget_set_can_focus(content, reachable ? TRUE : FALSE);
 }
 
 } // namespace Platform

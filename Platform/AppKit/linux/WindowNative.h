@@ -1,11 +1,10 @@
 #pragma once
 
-#include "Platform/AppKit/Alert.h"
+#include "Platform/AppKit/SheetQueue.h"
 #include "Platform/AppKit/Window.h"
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/AppKit/linux/Sheet.h"
 
-#include <deque>
 #include <memory>
 
 namespace Platform {
@@ -15,37 +14,43 @@ class TabHost;
 /// A window's page: its content with the sheets over it, a child of some top-level's tab view. The page moves
 /// from one top-level to another when its tab is dragged, so the top-level is looked up each time and never
 /// kept.
-struct Window::Native {
+struct Window::Native final : SheetPresenter {
+    explicit Native(Window& owner)
+        : window(owner) {}
+
+    /// Returns true if a window responds to the action.
+    static bool isWindowAction(Action action);
+    static std::shared_ptr<Window> ofPage(GtkWidget* page);
+
+    void makePage();
+    void applyMinSize() const;
+
+    /// The toolkit's focus moved to a widget of this page.
+    void focusMoved(View& view);
+    /// Gives GTK's focus to the sheet, or to the first responder if there is no sheet: now, or as soon as the
+    /// page is on the screen and no menu is open. A text field keeps its selection.
+    void takeFocus();
+    /// Completes a `takeFocus` that had to wait, if it can.
+    void takePendingFocus();
+    /// Called before the page is removed. Notifies the delegate once.
+    void willClose();
+
+    bool showSheet(const Alert& alert) override;
+    void hideSheet() override;
+
+    Window& window;
     GObjectPtr<GtkWidget> page;
     std::weak_ptr<View> firstResponder;
     /// True while the first responder waits for GTK's focus, because the page is not on the screen or a menu
     /// is open.
     bool focusPending = false;
-    /// The one at the front is shown.
-    std::deque<std::unique_ptr<Sheet>> sheets;
+    SheetQueue sheets{*this};
+    /// The sheet that is shown.
+    std::unique_ptr<Sheet> sheet;
     SignalConnection mapped;
 
-    /// Returns true if a window responds to the action.
-    static bool isWindowAction(Action action);
-
-    void makePage(Window& window);
-    void applyMinSize(Size size) const;
-    static GtkWidget* pageOf(Window& window);
-    static std::shared_ptr<Window> ofPage(GtkWidget* page);
-
-    /// The toolkit's focus moved to a widget of this page.
-    static void focusMoved(Window& window, View& view);
-    /// Gives GTK's focus to the sheet, or to the first responder if there is no sheet: now, or as soon as the
-    /// page is on the screen and no menu is open. A text field keeps its selection.
-    static void takeFocus(Window& window);
-    /// Completes a `takeFocus` that had to wait, if it can.
-    static void takePendingFocus(Window& window);
-    /// Called before the page is removed. Notifies the delegate once.
-    static void willClose(Window& window);
-
-    static void addSheet(Window& window, std::unique_ptr<Sheet> sheet);
-    static void showSheet(Window& window);
-    static void sheetAnswered(Window& window, std::size_t button);
+private:
+    void setContentReachable(bool reachable) const;
 };
 
 } // namespace Platform

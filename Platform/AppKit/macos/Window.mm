@@ -3,6 +3,7 @@
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/Menu.h"
 #include "Platform/AppKit/macos/ActionSelectors.h"
+#include "Platform/AppKit/macos/AlertNative.h"
 #include "Platform/AppKit/macos/MenuNative.h"
 #include "Platform/AppKit/macos/NativeReference.h"
 #include "Platform/AppKit/macos/ViewNative.h"
@@ -20,13 +21,13 @@
 
 - (void)windowDidBecomeKey:(NSNotification*)notification {
     if (const auto window = Platform::windowOf(notification.object)) {
-        Platform::Window::Native::becameKey(*window);
+        window->native().becameKey();
     }
 }
 
 - (void)windowWillClose:(NSNotification*)notification {
     if (const auto window = Platform::windowOf(notification.object)) {
-        Platform::Window::Native::willClose(*window);
+        window->native().willClose();
     }
 }
 
@@ -73,7 +74,7 @@ Window::Window(Size contentSize, Style style)
     : contentSize_(contentSize)
     , style_(style) {
     assertMainThread("Window");
-    native_ = std::make_unique<Native>(makeNativeWindow(contentSize, style));
+    native_ = std::make_unique<Native>(*this, makeNativeWindow(contentSize, style));
 }
 
 std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
@@ -93,7 +94,7 @@ std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
 }
 
 Window::~Window() {
-    Native::answerSheets(*this);
+    native_->sheets.close();
     native_->window.delegate = nil;
     if (!closed_) {
         [native_->window close];
@@ -125,8 +126,8 @@ void Window::addTabbedWindow(const std::shared_ptr<Window>& window) {
     if (closed_ || window->closed_) {
         return;
     }
-    Native::prepareToShow(*this);
-    Native::prepareToShow(*window);
+    native_->prepareToShow();
+    window->native_->prepareToShow();
     [native_->window addTabbedWindow:window->native_->window ordered:NSWindowAbove];
 }
 
@@ -135,7 +136,7 @@ void Window::makeKeyAndOrderFront() {
     if (closed_) {
         return;
     }
-    Native::prepareToShow(*this);
+    native_->prepareToShow();
     [native_->window makeKeyAndOrderFront:nil];
 }
 
@@ -186,104 +187,79 @@ void Window::Native::setController(NSWindowController<NSWindowDelegate>* owner) 
     delegate = nil;
 }
 
-void Window::Native::prepareToShow(Window& window) {
-    Native& native = *window.native_;
-    if (std::exchange(native.isPrepared_, true)) {
+void Window::Native::prepareToShow() {
+    if (std::exchange(isPrepared_, true)) {
         return;
     }
-    if (!window.tabbingIdentifier_.empty()) {
-        native.window.tabbingMode = NSWindowTabbingModePreferred;
-        native.window.tabbingIdentifier = toNSString(window.tabbingIdentifier_);
+    if (!owner_.tabbingIdentifier_.empty()) {
+        window.tabbingMode = NSWindowTabbingModePreferred;
+        window.tabbingIdentifier = toNSString(owner_.tabbingIdentifier_);
     }
-    if (window.centered_) {
-        [native.window center];
+    if (owner_.centered_) {
+        [window center];
     }
-    // Takes the frame that was kept under the name. Of several windows the first has the name: it is no
-    // mistake that the others are refused.
-    if (!window.frameAutosaveName_.empty()) {
-        [native.window setFrameAutosaveName:toNSString(window.frameAutosaveName_)];
+    // Applies the frame that is saved under the name. Only the first of several windows can have the name;
+    // AppKit refuses it to the others.
+    if (!owner_.frameAutosaveName_.empty()) {
+        [window setFrameAutosaveName:toNSString(owner_.frameAutosaveName_)];
     }
 }
 
-void Window::Native::willClose(Window& window) noexcept {
-    // Such a window is only put away.
-    if (!window.releasedWhenClosed_ || std::exchange(window.closed_, true)) {
+void Window::Native::willClose() noexcept {
+    // A window that is not released when closed is only ordered out.
+    if (!owner_.releasedWhenClosed_ || std::exchange(owner_.closed_, true)) {
         return;
     }
-    // AppKit is not done with the window yet when the delegate lets it go.
-    RunLoop::main().perform([keptAlive = window.shared_from_this()] {});
-    answerSheets(window);
-    [window.native_->window setFrameAutosaveName:@""];
-    if (const auto delegate = window.delegate_.lock()) {
-        delegate->windowWillClose(window);
+    // AppKit still uses the window after this delegate method.
+    RunLoop::main().perform([keptAlive = owner_.shared_from_this()] {});
+    sheets.close();
+    [window setFrameAutosaveName:@""];
+    if (const auto listener = owner_.delegate_.lock()) {
+        listener->windowWillClose(owner_);
     }
 }
 
-void Window::Native::becameKey(Window& window) noexcept {
-    if (!window.closed_) {
-        takeFrameName(window);
-        showSheet(window);
+void Window::Native::becameKey() noexcept {
+    if (!owner_.closed_) {
+        takeFrameName();
+        sheets.showFirst();
     }
 }
 
-/// AppKit lets one window have a frame's name. Once that one is closed the next that is used takes the name,
-/// so that the frame goes on being kept; it stays where it is.
-void Window::Native::takeFrameName(const Window& window) {
-    NSWindow* const native = window.native_->window;
-    if (window.frameAutosaveName_.empty() || native.frameAutosaveName.length > 0) {
+/// AppKit lets one window have a frame's name. Once that window is closed, the next one that is used takes
+/// the name, so that its frame is saved; it does not move.
+void Window::Native::takeFrameName() const {
+    if (owner_.frameAutosaveName_.empty() || window.frameAutosaveName.length > 0) {
         return;
     }
-    const NSRect frame = native.frame;
-    if ([native setFrameAutosaveName:toNSString(window.frameAutosaveName_)]) {
-        [native setFrame:frame display:YES];
+    const NSRect frame = window.frame;
+    if ([window setFrameAutosaveName:toNSString(owner_.frameAutosaveName_)]) {
+        [window setFrame:frame display:YES];
     }
 }
 
-void Window::Native::addSheet(Window& window, const std::shared_ptr<Sheet>& sheet) {
-    if (window.closed_) {
-        sheet->answerSafely();
-        return;
-    }
-    window.native_->sheets_.push_back(sheet);
-    showSheet(window);
-}
-
-void Window::Native::showSheet(Window& window) {
-    Native& native = *window.native_;
+bool Window::Native::showSheet(const Alert& alert) {
     // AppKit selects a window's tab to show its sheet. Hold the sheet back until the user selects the tab.
-    if (native.sheets_.empty() || native.isSheetShown_ || !isSelectedTab(native.window)) {
-        return;
+    if (!isSelectedTab(window)) {
+        return false;
     }
-    native.isSheetShown_ = true;
-    const std::weak_ptr<Window> weak = window.weak_from_this();
-    [native.sheets_.front()->alert() beginSheetModalForWindow:native.window
-                                            completionHandler:^(NSModalResponse response) {
-                                                if (const auto answered = weak.lock()) {
-                                                    sheetAnswered(*answered, response);
-                                                }
-                                            }];
+    sheet_ = makeNativeAlert(alert);
+    const auto weak = owner_.weak_from_this();
+    const Alert shown = alert;
+    [sheet_ beginSheetModalForWindow:window
+                   completionHandler:^(NSModalResponse response) {
+                       if (const auto answered = weak.lock()) {
+                           // AppKit has ended the sheet.
+                           answered->native().sheet_ = nil;
+                           answered->native().sheets.answer(chosenButton(shown, response));
+                       }
+                   }];
+    return true;
 }
 
-void Window::Native::sheetAnswered(Window& window, NSModalResponse response) noexcept {
-    Native& native = *window.native_;
-    if (native.sheets_.empty()) { // answered for it when the window closed
-        return;
-    }
-    const auto answered = std::exchange(native.sheets_.front(), nullptr);
-    native.sheets_.pop_front();
-    native.isSheetShown_ = false;
-    showSheet(window);
-    answered->answer(response);
-}
-
-void Window::Native::answerSheets(Window& window) {
-    Native& native = *window.native_;
-    const auto unanswered = std::exchange(native.sheets_, {});
-    if (std::exchange(native.isSheetShown_, false)) {
-        [native.window endSheet:unanswered.front()->alert().window];
-    }
-    for (const auto& sheet : unanswered) {
-        sheet->answerSafely();
+void Window::Native::hideSheet() {
+    if (NSAlert* const shown = std::exchange(sheet_, nil)) {
+        [window endSheet:shown.window];
     }
 }
 

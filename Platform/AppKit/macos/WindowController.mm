@@ -55,13 +55,13 @@
 
 - (void)windowDidBecomeKey:(NSNotification*)notification {
     if (const auto window = Platform::windowOf(notification.object)) {
-        Platform::Window::Native::becameKey(*window);
+        window->native().becameKey();
     }
 }
 
 - (void)windowWillClose:(NSNotification*)notification {
     if (const auto window = Platform::windowOf(notification.object)) {
-        Platform::Window::Native::willClose(*window);
+        window->native().willClose();
     }
 }
 
@@ -87,7 +87,7 @@ void WindowController::setWindow(const std::shared_ptr<Window>& window) {
 
 void WindowController::showWindow() {
     assertMainThread("WindowController::showWindow");
-    Window::Native::prepareToShow(*window_);
+    window_->native().prepareToShow();
     [window_->native().controller showWindow:nil];
 }
 

@@ -2,11 +2,11 @@
 #include "Keyloft/BrowserWindowController.h"
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/macos/ActionSelectors.h"
+#include "Platform/AppKit/macos/AlertNative.h"
 #include "Platform/AppKit/macos/ControlNative.h"
 #include "Platform/AppKit/macos/MenuNative.h"
 #include "Platform/AppKit/macos/NativeReference.h"
 #include "Platform/AppKit/macos/ResponderProxy.h"
-#include "Platform/AppKit/macos/Sheet.h"
 #include "Platform/AppKit/macos/WindowNative.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/Timer.h"
@@ -213,8 +213,8 @@ TEST(NativeError, namesTheFailingURLUnderEitherKey) {
 
 TEST(NativeAlert, doesNotKeepTheUserFromQuitting) {
     Platform::Application::shared().prepare();
-    const Platform::Sheet sheet(Platform::Alert(), nullptr);
-    EXPECT_FALSE(sheet.alert().window.preventsApplicationTerminationWhenModal);
+    NSAlert* const alert = Platform::makeNativeAlert({});
+    EXPECT_FALSE(alert.window.preventsApplicationTerminationWhenModal);
 }
 
 TEST(NativeRunLoop, isStoppedFromATimerWhileNoEventComes) {

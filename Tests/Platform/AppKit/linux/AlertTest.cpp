@@ -13,10 +13,7 @@ namespace {
 
 class AlertTest : public AppKitTest {
 protected:
-    Sheet* sheet() const {
-        const auto& sheets = controller->window()->native().sheets;
-        return sheets.empty() ? nullptr : sheets.front().get();
-    }
+    Sheet* sheet() const { return controller->window()->native().sheet.get(); }
 
     static GtkWidget* findButton(GtkWidget* widget, const std::string& title) {
         if (GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) == title) {
@@ -32,7 +29,7 @@ protected:
     }
 
     void press(const std::string& title) const {
-        GtkWidget* button = findButton(sheet()->widgetIfMade(), title);
+        GtkWidget* button = findButton(sheet()->widget(), title);
         ASSERT_NE(button, nullptr) << title;
         g_signal_emit_by_name(button, "clicked");
     }
@@ -53,11 +50,11 @@ TEST_F(AlertTest, answersWithTheChosenButtonOnce) {
     EXPECT_EQ(sheet(), nullptr);
 }
 
-TEST_F(AlertTest, hasAnOKButtonWhenNoneIsAskedFor) {
+TEST_F(AlertTest, hasAnOKButtonByDefault) {
     show(controller->window());
     int answers = 0;
-    Alert{.messageText = "Note", .informativeText = "", .buttonTitles = {}}.beginSheetModal(
-        controller->window(), [&](std::size_t) { ++answers; });
+    Alert{.messageText = "Note", .informativeText = ""}.beginSheetModal(controller->window(),
+                                                                        [&](std::size_t) { ++answers; });
     press("OK");
     EXPECT_EQ(answers, 1);
 }
@@ -66,7 +63,7 @@ TEST_F(AlertTest, sheetsOfOnePageQueue) {
     show(controller->window());
     std::vector<std::string> answers;
     for (const char* name : {"first", "second"}) {
-        Alert{.messageText = name, .informativeText = "", .buttonTitles = {}}.beginSheetModal(
+        Alert{.messageText = name, .informativeText = ""}.beginSheetModal(
             controller->window(), [&answers, name](std::size_t) { answers.emplace_back(name); });
     }
     press("OK");
@@ -87,6 +84,17 @@ TEST_F(AlertTest, aClosingWindowGivesTheSafeAnswerToEverySheet) {
     runPending();
 }
 
+TEST_F(AlertTest, aWindowThatIsDestroyedOpenGivesTheSafeAnswer) {
+    std::optional<std::size_t> answer;
+    auto window = Window::create({.width = 400, .height = 300}, {});
+    show(window);
+    Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}.beginSheetModal(
+        window, [&](std::size_t button) { answer = button; });
+    window.reset();
+    EXPECT_EQ(answer, 1U);
+    runPending();
+}
+
 TEST_F(AlertTest, aClosedWindowAnswersAtOnce) {
     show(controller->window());
     controller->window()->close();
@@ -101,8 +109,7 @@ TEST_F(AlertTest, whatIsUnderTheSheetIsOutOfReachUntilItIsAnswered) {
     controller->window()->contentView()->addSubview(field);
     show(controller->window());
     field->selectText();
-    Alert{.messageText = "Note", .informativeText = "", .buttonTitles = {}}.beginSheetModal(
-        controller->window(), nullptr);
+    Alert{.messageText = "Note", .informativeText = ""}.beginSheetModal(controller->window(), nullptr);
     GtkWidget* content = widgetOf(controller->window()->contentView());
     EXPECT_FALSE(gtk_widget_get_can_target(content));
     EXPECT_FALSE(gtk_widget_get_can_focus(content));
@@ -119,10 +126,9 @@ TEST_F(AlertTest, aSheetOnAHiddenTabWaitsThereAndAsksForAttention) {
     const auto other = RecordingController::create("other");
     controller->window()->addTabbedWindow(other->window());
     show(other->window());
-    Alert{.messageText = "Note", .informativeText = "", .buttonTitles = {}}.beginSheetModal(
-        controller->window(), nullptr);
+    Alert{.messageText = "Note", .informativeText = ""}.beginSheetModal(controller->window(), nullptr);
     const auto host = TabHost::of(*controller->window());
-    AdwTabPage* page = adw_tab_view_get_page(host->tabView(), Window::Native::pageOf(*controller->window()));
+    AdwTabPage* page = adw_tab_view_get_page(host->tabView(), controller->window()->native().page.get());
     EXPECT_EQ(host->selectedWindow(), other->window());
     EXPECT_TRUE(adw_tab_page_get_needs_attention(page));
     show(controller->window());
@@ -135,19 +141,19 @@ TEST_F(AlertTest, aSheetOnAWindowThatWasNeverShownComesWithIt) {
         controller->window(), [&](std::size_t button) { answer = button; });
     EXPECT_EQ(answer, std::nullopt);
     show(controller->window());
-    EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(sheet()->widgetIfMade()) == TRUE; }));
+    EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(sheet()->widget()) == TRUE; }));
     const GtkWidget* focus = gtk_window_get_focus(TabHost::of(*controller->window())->toplevel());
-    EXPECT_EQ(focus, findButton(sheet()->widgetIfMade(), "OK"));
+    EXPECT_EQ(focus, findButton(sheet()->widget(), "OK"));
     press("Cancel");
     EXPECT_EQ(answer, 1U);
 }
 
 TEST_F(AlertTest, aLongTextKeepsTheButtonsInReach) {
     show(controller->window());
-    Alert{.messageText = "Note", .informativeText = std::string(10000, 'w'), .buttonTitles = {}}
-        .beginSheetModal(controller->window(), nullptr);
-    GtkWidget* button = findButton(sheet()->widgetIfMade(), "OK");
-    GtkWidget* page = Window::Native::pageOf(*controller->window());
+    Alert{.messageText = "Note", .informativeText = std::string(10000, 'w')}.beginSheetModal(
+        controller->window(), nullptr);
+    GtkWidget* button = findButton(sheet()->widget(), "OK");
+    GtkWidget* page = controller->window()->native().page.get();
     const auto isInReach = [&] {
         graphene_rect_t bounds;
         return gtk_widget_get_allocated_height(button) > 0 &&

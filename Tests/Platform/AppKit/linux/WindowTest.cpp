@@ -29,7 +29,7 @@ TEST_F(WindowTest, contentAsksForItsLeastSizeWhateverItHolds) {
     window->setMinSize({.width = 300, .height = 200});
     show(window);
     GtkRequisition least;
-    gtk_widget_get_preferred_size(Window::Native::pageOf(*window), &least, nullptr);
+    gtk_widget_get_preferred_size(window->native().page.get(), &least, nullptr);
     EXPECT_EQ(least.width, 300);
     EXPECT_EQ(least.height, 200);
 }
@@ -168,7 +168,7 @@ TEST_F(WindowTest, aTabMovedToAnotherTopLevelIsTheSameWindow) {
     show(c->window());
     const auto from = TabHost::of(*a->window());
     const auto to = TabHost::of(*c->window());
-    AdwTabPage* page = adw_tab_view_get_page(from->tabView(), Window::Native::pageOf(*b->window()));
+    AdwTabPage* page = adw_tab_view_get_page(from->tabView(), b->window()->native().page.get());
     adw_tab_view_transfer_page(from->tabView(), page, to->tabView(), 1);
     runPending();
     EXPECT_EQ(TabHost::of(*b->window()), to);

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Platform/AppKit/Alert.h"
+
+#include <cstddef>
+#include <deque>
+
+namespace Platform {
+
+/// Shows a window's sheets, one at a time.
+class SheetPresenter {
+public:
+    virtual ~SheetPresenter() = default;
+
+    /// Returns false if the window cannot show a sheet at the moment.
+    virtual bool showSheet(const Alert& alert) = 0;
+    virtual void hideSheet() = 0;
+};
+
+/// The alerts of one window that wait for an answer, in the order in which they were added. The window shows
+/// the first one. Main thread only.
+class SheetQueue {
+public:
+    /// `presenter` must outlive the queue.
+    explicit SheetQueue(SheetPresenter& presenter)
+        : presenter_(presenter) {}
+
+    bool isEmpty() const { return sheets_.empty(); }
+
+    /// Calls `completion` once with the index of the chosen button; at once, with the safe button, if the
+    /// queue is closed. `completion` may be null.
+    void add(const Alert& alert, Alert::Completion completion);
+    /// Shows the first alert unless it is shown already. To be called when the window becomes able to show
+    /// one.
+    void showFirst();
+    /// Answers the alert that is shown, and shows the next one before the completion is called. Does nothing
+    /// if no alert is shown.
+    void answer(std::size_t button);
+    /// Answers all alerts with their safe buttons, and those added later too.
+    void close();
+
+private:
+    struct Sheet {
+        Alert alert;
+        Alert::Completion completion;
+    };
+
+    SheetPresenter& presenter_;
+    std::deque<Sheet> sheets_;
+    bool isFirstShown_ = false;
+    bool isClosed_ = false;
+};
+
+} // namespace Platform
