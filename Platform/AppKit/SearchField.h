@@ -13,6 +13,7 @@ public:
 protected:
     SearchField() = default;
     std::unique_ptr<Native> makeNative() override;
+    bool isEmptiedByEscape() const override { return true; }
 };
 
 } // namespace Platform

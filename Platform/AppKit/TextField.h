@@ -54,13 +54,18 @@ protected:
     TextField() = default;
     std::unique_ptr<Native> makeNative() override;
     void applyFont(Native& native) override;
+    virtual bool isEmptiedByEscape() const { return false; }
 
 private:
     friend struct TextFieldEvents;
 
     static std::string withoutLineBreaks(std::string text);
+    static void applyStringValue(Native& native, const std::string& value);
+    static void applyPlaceholder(Native& native, const std::string& placeholder);
     void beginEditing();
     void endEditing(TextMovement movement);
+    /// Ends the edit as Escape does.
+    void cancelEditing();
 
     std::string stringValue_;
     std::string placeholder_;

@@ -10,9 +10,7 @@ std::shared_ptr<SearchField> SearchField::create() {
 }
 
 std::unique_ptr<View::Native> SearchField::makeNative() {
-    auto native = std::make_unique<TextFieldEvents>(*this, gtk_search_entry_new());
-    native->isEmptiedByEscape = true;
-    return native;
+    return std::make_unique<TextFieldEvents>(*this, gtk_search_entry_new());
 }
 
 } // namespace Platform

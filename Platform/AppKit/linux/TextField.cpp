@@ -12,39 +12,29 @@ namespace Platform {
 
 namespace {
 
-/// The name of the text widget's own action for an editing action, or nothing.
-const char* textActionName(Action action) {
-    static const std::map<Action, const char*> names = {
+/// The actions of GTK's text widget.
+const std::map<Action, const char*>& textActions() {
+    static const std::map<Action, const char*> table = {
         {StandardAction::undo, "text.undo"},        {StandardAction::redo, "text.redo"},
         {StandardAction::cut, "clipboard.cut"},     {StandardAction::copy, "clipboard.copy"},
         {StandardAction::paste, "clipboard.paste"}, {StandardAction::selectAll, "selection.select-all"},
     };
-    const auto found = names.find(action);
-    return found == names.end() ? nullptr : found->second;
+    return table;
 }
 
 } // namespace
 
 std::string TextField::stringValue() const { return stringValue_; }
 
-void TextField::setStringValue(const std::string& value) {
-    const std::string line = withoutLineBreaks(value);
-    if (stringValue_ == line) {
-        return;
-    }
-    stringValue_ = line;
-    if (auto* native = static_cast<TextFieldEvents*>(nativeIfMade())) {
-        native->settingText = true;
-        gtk_editable_set_text(GTK_EDITABLE(native->widget.get()), line.c_str());
-        native->settingText = false;
-    }
+void TextField::applyStringValue(Native& native, const std::string& value) {
+    auto& events = static_cast<TextFieldEvents&>(native);
+    events.settingText = true;
+    gtk_editable_set_text(GTK_EDITABLE(events.widget.get()), value.c_str());
+    events.settingText = false;
 }
 
-void TextField::setPlaceholder(const std::string& placeholder) {
-    placeholder_ = placeholder;
-    if (const Native* made = nativeIfMade()) {
-        g_object_set(made->widget.get(), "placeholder-text", placeholder.c_str(), nullptr);
-    }
+void TextField::applyPlaceholder(Native& native, const std::string& placeholder) {
+    g_object_set(native.widget.get(), "placeholder-text", placeholder.c_str(), nullptr);
 }
 
 void TextField::selectText() {
@@ -58,7 +48,7 @@ void TextField::selectText() {
 
 void TextField::perform(Action action, const ActionSender& /*sender*/) {
     if (const auto* native = static_cast<TextFieldEvents*>(nativeIfMade())) {
-        gtk_widget_activate_action(GTK_WIDGET(native->text), textActionName(action), nullptr);
+        gtk_widget_activate_action(GTK_WIDGET(native->text), textActions().at(action), nullptr);
     }
 }
 
@@ -140,11 +130,7 @@ gboolean TextFieldEvents::keyPressed(GtkEventControllerKey* /*keys*/, guint keyv
     if (keyval != GDK_KEY_Escape) {
         return GDK_EVENT_PROPAGATE;
     }
-    if (isEmptiedByEscape) {
-        field.setStringValue("");
-    }
-    field.endEditing(TextMovement::cancel);
-    field.selectText();
+    field.cancelEditing();
     return GDK_EVENT_STOP;
 }
 

@@ -24,7 +24,6 @@ struct TextFieldEvents final : View::Native {
     TextField& field;
     GtkText* text = nullptr; // the focus widget inside `widget`
     bool settingText = false;
-    bool isEmptiedByEscape = false;
 };
 
 } // namespace Platform

@@ -62,25 +62,12 @@ std::string TextField::stringValue() const {
     return made != nullptr ? fromNSString(TextFieldEvents::fieldOf(*made).stringValue) : stringValue_;
 }
 
-void TextField::setStringValue(const std::string& value) {
-    assertMainThread("TextField::setStringValue");
-    const std::string line = withoutLineBreaks(value);
-    // Setting what is there already would move the insertion point.
-    if (stringValue() == line) {
-        return;
-    }
-    stringValue_ = line;
-    if (Native* const made = nativeIfMade()) {
-        TextFieldEvents::fieldOf(*made).stringValue = toNSString(line);
-    }
+void TextField::applyStringValue(Native& native, const std::string& value) {
+    TextFieldEvents::fieldOf(native).stringValue = toNSString(value);
 }
 
-void TextField::setPlaceholder(const std::string& placeholder) {
-    assertMainThread("TextField::setPlaceholder");
-    placeholder_ = placeholder;
-    if (Native* const made = nativeIfMade()) {
-        TextFieldEvents::fieldOf(*made).placeholderString = toNSString(placeholder);
-    }
+void TextField::applyPlaceholder(Native& native, const std::string& placeholder) {
+    TextFieldEvents::fieldOf(native).placeholderString = toNSString(placeholder);
 }
 
 void TextField::selectText() { [TextFieldEvents::fieldOf(native()) selectText:nil]; }
@@ -143,14 +130,12 @@ void TextFieldEvents::didEnd(id field, NSTextMovement movement) noexcept {
 
 bool TextFieldEvents::cancelled(NSTextField* field) noexcept {
     const auto edited = textFieldOf(field);
-    // A search field empties itself.
-    if (edited == nullptr || [field isKindOfClass:NSSearchField.class]) {
+    if (edited == nullptr) {
         return false;
     }
     // AppKit's edit ends too, so that the next change begins another.
     [field abortEditing];
-    edited->endEditing(TextMovement::cancel);
-    [field selectText:nil];
+    edited->cancelEditing();
     return true;
 }
 
