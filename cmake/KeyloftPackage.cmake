@@ -44,7 +44,7 @@ function(keyloft_install_package component)
     set(session_packages ", gtk4 >= 4.8, gtk4-x11, x11, libadwaita-1 >= 1.2, webkitgtk-6.0")
   else()
     set(relay_frameworks " -framework Foundation -framework Security")
-    set(session_frameworks " -framework AppKit -framework QuartzCore -framework WebKit")
+    set(session_frameworks " -framework AppKit -framework JavaScriptCore -framework QuartzCore -framework WebKit")
   endif()
   # Relative to the file itself, so that the installed tree can be moved.
   file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")

@@ -21,12 +21,15 @@ struct UserScript {
     bool forMainFrameOnly = true;
 };
 
-/// What a page's script posted to a handler. A value: tests make it by hand.
+/// A value that a page's script posted to a handler.
 struct ScriptMessage {
-    /// The handler's.
+    /// The handler's name.
     std::string name;
-    /// Null for what JSON cannot tell.
+    /// Null if `JSON.stringify` cannot convert the value, or `JSONValue::parse` refuses the result.
     JSONValue body;
+
+    /// The body for the result of `JSON.stringify`, or for an empty text if it failed.
+    static JSONValue bodyOf(const std::string& json);
 };
 
 class ScriptMessageHandler {

@@ -1,6 +1,7 @@
 #include "Platform/WebKit/UserContentController.h"
 
 #include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/WebKit/linux/UserContentControllerNative.h"
 
 #include <jsc/jsc.h>
@@ -11,24 +12,19 @@ namespace Platform {
 
 namespace {
 
-JSONValue jsonValue(JSCValue* value) {
+std::string stringify(JSCValue* value) {
     const std::unique_ptr<char, decltype(&g_free)> text(jsc_value_to_json(value, 0), &g_free);
-    if (!text) {
-        return nullptr;
-    }
-    // What is neither array nor object is no JSON text on its own.
-    const auto list = JSONValue::parse("[" + std::string(text.get()) + "]");
-    return list && list->array() && list->array()->size() == 1 ? list->array()->front() : nullptr;
-}
-
-void messageReceived(WebKitUserContentManager* /*manager*/, JSCValue* value, gpointer data) {
-    const auto& registration = *static_cast<UserContentController::Native::Registration*>(data);
-    if (const auto handler = registration.handler.lock()) {
-        handler->didReceiveScriptMessage({.name = registration.name, .body = jsonValue(value)});
-    }
+    return text ? text.get() : "";
 }
 
 } // namespace
+
+void UserContentController::Native::Registration::received(WebKitUserContentManager* /*manager*/,
+                                                           JSCValue* value) {
+    if (const auto receiver = handler.lock()) {
+        receiver->didReceiveScriptMessage({.name = name, .body = ScriptMessage::bodyOf(stringify(value))});
+    }
+}
 
 UserContentController::UserContentController()
     : native_(std::make_unique<Native>()) {
@@ -49,9 +45,8 @@ void UserContentController::addScriptMessageHandler(const std::weak_ptr<ScriptMe
     auto registration = std::make_unique<Native::Registration>();
     registration->name = name;
     registration->handler = handler;
-    registration->received =
-        SignalConnection(native_->manager.get(), ("script-message-received::" + name).c_str(),
-                         G_CALLBACK(messageReceived), registration.get());
+    registration->connection = connectSignal<&Native::Registration::received>(
+        native_->manager.get(), ("script-message-received::" + name).c_str(), *registration);
     native_->registrations.push_back(std::move(registration));
     webkit_user_content_manager_register_script_message_handler(native_->manager.get(), name.c_str(),
                                                                 nullptr);

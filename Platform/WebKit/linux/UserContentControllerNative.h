@@ -14,11 +14,13 @@ struct UserContentController::Native {
     struct Registration {
         std::string name;
         std::weak_ptr<ScriptMessageHandler> handler;
-        SignalConnection received;
+        SignalConnection connection;
+
+        void received(WebKitUserContentManager* manager, JSCValue* value);
     };
 
     GObjectPtr<WebKitUserContentManager> manager;
-    /// The engine's calls lead to them, so that they stay where they are.
+    /// WebKitGTK has pointers to them.
     std::vector<std::unique_ptr<Registration>> registrations;
 };
 

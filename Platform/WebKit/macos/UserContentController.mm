@@ -2,8 +2,9 @@
 
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/Foundation/macos/Conversions.h"
-#include "Platform/WebKit/macos/ScriptValue.h"
 #include "Platform/WebKit/macos/UserContentControllerNative.h"
+
+#import <JavaScriptCore/JavaScriptCore.h>
 
 /// WebKit holds its handlers for as long as there is a page; this one holds ours weakly.
 @interface KeyloftScriptMessageHandler : NSObject <WKScriptMessageHandler> {
@@ -16,11 +17,18 @@ namespace Platform {
 
 namespace {
 
+std::string stringify(id value) {
+    JSContext* const context = [[JSContext alloc] init];
+    JSValue* const text = [[context evaluateScript:@"JSON.stringify"]
+        callWithArguments:@[ value != nil ? value : NSNull.null ]];
+    return text.isString ? fromNSString([text toString]) : "";
+}
+
 /// Must not throw: WebKit's frames lie behind it.
 void deliver(const std::weak_ptr<ScriptMessageHandler>& receiver, WKScriptMessage* message) noexcept {
     if (const auto handler = receiver.lock()) {
         handler->didReceiveScriptMessage(
-            {.name = fromNSString(message.name), .body = jsonValue(message.body)});
+            {.name = fromNSString(message.name), .body = ScriptMessage::bodyOf(stringify(message.body))});
     }
 }
 

@@ -13,6 +13,7 @@
 #include <Foundation/NSInvocation.h>
 #include <Foundation/NSKeyValueObserving.h>
 #include <Foundation/NSNotification.h>
+#include <Foundation/NSNull.h>
 #include <Foundation/NSObjCRuntime.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSPathUtilities.h>

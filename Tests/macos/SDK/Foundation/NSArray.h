@@ -12,6 +12,7 @@ NS_ASSUME_NONNULL_BEGIN
 @property (readonly) NSUInteger count;
 @property (nullable, nonatomic, readonly) ObjectType firstObject API_AVAILABLE(macos(10.6));
 - (ObjectType)objectAtIndexedSubscript:(NSUInteger)idx API_AVAILABLE(macos(10.8));
++ (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nonnull])objects count:(NSUInteger)cnt;
 @end
 
 @interface NSMutableArray<ObjectType> : NSArray <ObjectType>

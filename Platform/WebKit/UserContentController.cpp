@@ -1,0 +1,11 @@
+#include "Platform/WebKit/UserContentController.h"
+
+namespace Platform {
+
+JSONValue ScriptMessage::bodyOf(const std::string& json) {
+    // JSON text begins with an array or an object.
+    const auto list = JSONValue::parse("[" + json + "]");
+    return list && list->array() && list->array()->size() == 1 ? list->array()->front() : nullptr;
+}
+
+} // namespace Platform

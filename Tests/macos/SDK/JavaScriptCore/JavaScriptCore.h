@@ -1,0 +1,4 @@
+#pragma once
+
+#include <JavaScriptCore/JSContext.h>
+#include <JavaScriptCore/JSValue.h>
