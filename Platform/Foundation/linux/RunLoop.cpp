@@ -2,49 +2,24 @@
 
 #include <glib.h>
 
-#include <deque>
+#include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 namespace Platform {
 
 namespace {
 
-/// What `perform` was given. One idle source at a time works it off, so that the order of the calls is kept.
-class PerformQueue {
-public:
-    static PerformQueue& shared() {
-        static PerformQueue queue;
-        return queue;
-    }
+using Callback = std::function<void()>;
 
-    void push(std::function<void()> callback) {
-        const std::scoped_lock lock(mutex_);
-        callbacks_.push_back(std::move(callback));
-        // One source for each callback: a callback that runs the loop itself does not hold up those behind
-        // it.
-        g_idle_add_full(G_PRIORITY_DEFAULT, &PerformQueue::performNext, nullptr, nullptr);
-    }
+gboolean perform(gpointer callback) noexcept {
+    (*static_cast<Callback*>(callback))();
+    return G_SOURCE_REMOVE;
+}
 
-private:
-    static gboolean performNext(gpointer /*unused*/) noexcept {
-        if (const auto callback = shared().pop()) {
-            callback();
-        }
-        return G_SOURCE_REMOVE;
-    }
-
-    std::function<void()> pop() {
-        const std::scoped_lock lock(mutex_);
-        auto callback = std::move(callbacks_.front());
-        callbacks_.pop_front();
-        return callback;
-    }
-
-    std::mutex mutex_;
-    std::deque<std::function<void()>> callbacks_;
-};
+void release(gpointer callback) noexcept {
+    const std::unique_ptr<Callback> released(static_cast<Callback*>(callback));
+}
 
 GMainLoop* innermostLoop = nullptr;
 
@@ -69,6 +44,9 @@ void RunLoop::stop() {
     }
 }
 
-void RunLoop::perform(std::function<void()> callback) { PerformQueue::shared().push(std::move(callback)); }
+void RunLoop::perform(std::function<void()> callback) {
+    g_idle_add_full(G_PRIORITY_DEFAULT, &Platform::perform,
+                    std::make_unique<Callback>(std::move(callback)).release(), &release);
+}
 
 } // namespace Platform
