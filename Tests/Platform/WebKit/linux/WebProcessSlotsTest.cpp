@@ -56,6 +56,21 @@ struct View {
     std::vector<View*> children;
 };
 
+/// Two hidden views. The second waits for the process of the first, which starts.
+class WaitingView : public ::testing::Test {
+protected:
+    void SetUp() override {
+        first.request();
+        second.request();
+        runPending();
+        ASSERT_EQ(second.grants, 0);
+    }
+
+    Slots slots = makeSlots(150);
+    View first{slots};
+    View second{slots};
+};
+
 } // namespace
 
 TEST(WebProcessSlots, grantAtOnceIfNoProcessIsStarting) {
@@ -86,34 +101,6 @@ TEST(WebProcessSlots, grantToHiddenViewsOneAfterTheOther) {
     second.slot->processStarted();
     runPending();
     EXPECT_EQ(third.grants, 1);
-}
-
-TEST(WebProcessSlots, makeANewRequestWaitBehindOthers) {
-    const auto slots = makeSlots(150);
-    View first(slots);
-    View second(slots);
-    first.request();
-    second.request();
-    first.slot->processStarted();
-    View third(slots);
-    third.request();
-    runPending();
-    EXPECT_EQ(second.grants, 1);
-    EXPECT_EQ(third.grants, 0);
-}
-
-TEST(WebProcessSlots, grantOnlyTheLastRequestOfAView) {
-    const auto slots = makeSlots(150);
-    View first(slots);
-    View second(slots);
-    first.request();
-    int replaced = 0;
-    second.slot->request([&] { ++replaced; });
-    second.request();
-    first.slot->processStarted();
-    runPending();
-    EXPECT_EQ(replaced, 0);
-    EXPECT_EQ(second.grants, 1);
 }
 
 TEST(WebProcessSlots, grantToAVisibleViewBesideOneThatStarts) {
@@ -175,45 +162,6 @@ TEST(WebProcessSlots, grantToAViewThatBecomesVisible) {
     runPending();
     EXPECT_EQ(newer.grants, 1);
     EXPECT_EQ(older.grants, 0);
-}
-
-TEST(WebProcessSlots, doNotGrantACancelledRequest) {
-    const auto slots = makeSlots(150);
-    View first(slots);
-    View second(slots);
-    first.request();
-    second.request();
-    second.slot->cancelRequest();
-    EXPECT_FALSE(second.slot->isWaiting());
-    first.slot->processStarted();
-    runPending();
-    EXPECT_EQ(second.grants, 0);
-}
-
-TEST(WebProcessSlots, grantWhenAProcessEndsBeforeItAnswers) {
-    const auto slots = makeSlots(150);
-    View first(slots);
-    View second(slots);
-    first.request();
-    second.request();
-    runPending();
-    EXPECT_EQ(second.grants, 0);
-    first.slot->release();
-    runPending();
-    EXPECT_EQ(second.grants, 1);
-}
-
-TEST(WebProcessSlots, grantWhenAViewIsDestroyed) {
-    const auto slots = makeSlots(150);
-    View first(slots);
-    View second(slots);
-    first.request();
-    second.request();
-    runPending();
-    EXPECT_EQ(second.grants, 0);
-    first.slot.reset();
-    runPending();
-    EXPECT_EQ(second.grants, 1);
 }
 
 TEST(WebProcessSlots, grantWhenAProcessDoesNotAnswerInTime) {
@@ -344,4 +292,42 @@ TEST(WebProcessSlots, keepTheSlotOfAViewThatIsAloneInItsProcess) {
     view.requestAndStart();
     view.slot->processReplaced();
     EXPECT_EQ(view.evictions, 0);
+}
+
+TEST_F(WaitingView, isGrantedBeforeANewRequest) {
+    first.slot->processStarted();
+    View third(slots);
+    third.request();
+    runPending();
+    EXPECT_EQ(second.grants, 1);
+    EXPECT_EQ(third.grants, 0);
+}
+
+TEST_F(WaitingView, isGrantedOnlyItsLastRequest) {
+    int last = 0;
+    second.slot->request([&] { ++last; });
+    first.slot->processStarted();
+    runPending();
+    EXPECT_EQ(second.grants, 0);
+    EXPECT_EQ(last, 1);
+}
+
+TEST_F(WaitingView, isNotGrantedACancelledRequest) {
+    second.slot->cancelRequest();
+    EXPECT_FALSE(second.slot->isWaiting());
+    first.slot->processStarted();
+    runPending();
+    EXPECT_EQ(second.grants, 0);
+}
+
+TEST_F(WaitingView, isGrantedWhenAProcessEndsBeforeItAnswers) {
+    first.slot->release();
+    runPending();
+    EXPECT_EQ(second.grants, 1);
+}
+
+TEST_F(WaitingView, isGrantedWhenAnotherIsDestroyed) {
+    first.slot.reset();
+    runPending();
+    EXPECT_EQ(second.grants, 1);
 }
