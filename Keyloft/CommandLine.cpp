@@ -43,7 +43,8 @@ std::optional<int> answerOption(std::span<char* const> arguments) {
             return print(help);
         }
         if (argument == "--version") {
-            return print(program().name + " " + program().version + "\n");
+            const auto info = program();
+            return print(info.name + " " + info.version + "\n");
         }
         std::fprintf(stderr, "keyloft: unknown option \"%s\"; \"keyloft --help\" lists the options\n",
                      Platform::escapingControlCharacters(argument).c_str());

@@ -4,7 +4,7 @@
 
 namespace Keyloft {
 
-/// The browser as the system and its About panel know it.
+/// Identifies the browser to the desktop and in its About panel.
 Platform::ProgramInfo program();
 
 } // namespace Keyloft

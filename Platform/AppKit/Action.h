@@ -8,8 +8,8 @@ namespace Platform {
 class Control;
 class MenuItem;
 
-/// What a control or a menu item asks for, by its name. On macOS it is the selector of that name followed by
-/// a colon.
+/// The name of an operation that controls and menu items request. On macOS it is the selector of that name
+/// followed by a colon.
 class Action {
 public:
     /// The text of `name` must outlive the action, as a literal does.
@@ -24,7 +24,7 @@ private:
     std::string_view name_;
 };
 
-/// The actions that the system performs or sends itself.
+/// The actions that AppKit performs or sends itself; Linux provides the same ones.
 namespace StandardAction {
 
 // Of the application.
@@ -54,14 +54,14 @@ inline constexpr Action selectAll("selectAll");
 
 } // namespace StandardAction
 
-/// Returns true for the actions that edit text. The focused text or page has their keys before anybody else.
+/// Returns true for the actions that edit text. The focused text or page receives their keys first.
 constexpr bool isEditing(Action action) {
     using namespace StandardAction;
     return action == undo || action == redo || action == cut || action == copy || action == paste ||
            action == selectAll;
 }
 
-/// Who sent an action: at most one of the two is set. Valid during the call only.
+/// The sender of an action. At most one of the two is set. Valid during the call only.
 struct ActionSender {
     const Control* control = nullptr;
     const MenuItem* menuItem = nullptr;

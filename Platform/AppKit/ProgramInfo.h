@@ -4,11 +4,11 @@
 
 namespace Platform {
 
-/// Who the program is. Only Linux reads it: on macOS the bundle's Info.plist says the same to the system.
+/// Identifies the program. Read on Linux only; on macOS the bundle's Info.plist has the same information.
 struct ProgramInfo {
-    /// In reverse DNS. The desktop entry, the icon and the folders of the user's data have this name.
+    /// In reverse DNS notation: the name of the desktop entry, the icon and the folders of the user's data.
     std::string identifier;
-    /// As people read it.
+    /// Shown to people.
     std::string name;
     std::string version;
     // For the About panel.
@@ -16,7 +16,7 @@ struct ProgramInfo {
     std::string copyright;
 };
 
-/// What was set last; before that, texts that name no program. Main thread only.
+/// The value that was set last, or placeholder texts. Main thread only.
 const ProgramInfo& programInfo();
 
 /// To be called before anything else of AppKit.

@@ -26,7 +26,7 @@ bool isValidIPLiteral(std::string_view host) {
            (zone.empty() || (zone.starts_with("%25") && isValid(zone.substr(3), Allowed::host)));
 }
 
-/// Schemes whose "hosts" are no domain names and are percent-encoded.
+/// Returns true for schemes whose hosts are percent-encoded instead of being domain names.
 bool hasNoDomainNames(std::string_view scheme) {
     constexpr auto schemes = std::to_array<std::string_view>({
         "addressbook",

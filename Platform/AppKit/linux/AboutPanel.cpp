@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/AppKit/linux/MenuBar.h"
+#include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 
 namespace Platform {
@@ -16,18 +17,18 @@ void AboutPanel::orderFront(GtkWindow* parent, const std::shared_ptr<Menu>& main
                      "comments", program.description.c_str(), "copyright", program.copyright.c_str(),
                      "license-type", GTK_LICENSE_MIT_X11, "logo-icon-name", program.identifier.c_str(),
                      nullptr);
-        closing_ = SignalConnection(dialog_.get(), "close-request",
-                                    G_CALLBACK(+[](GtkWindow* /*dialog*/, gpointer self) -> gboolean {
-                                        static_cast<AboutPanel*>(self)->close();
-                                        return GDK_EVENT_STOP;
-                                    }),
-                                    this);
+        closing_ = connectSignal<&AboutPanel::closeRequested>(dialog_.get(), "close-request", *this);
         if (mainMenu) {
             addKeyEquivalents(dialog_.get(), *mainMenu);
         }
     }
     gtk_window_set_transient_for(GTK_WINDOW(dialog_.get()), parent);
     gtk_window_present(GTK_WINDOW(dialog_.get()));
+}
+
+gboolean AboutPanel::closeRequested(GtkWindow* /*dialog*/) {
+    close();
+    return GDK_EVENT_STOP;
 }
 
 void AboutPanel::close() {

@@ -29,6 +29,8 @@ public:
     bool validateMenuItem(MenuItem& item) override;
 
 private:
+    gboolean closeRequested(GtkWindow* dialog);
+
     GObjectPtr<GtkWidget> dialog_;
     SignalConnection closing_;
 };

@@ -6,6 +6,7 @@
 #include "Platform/AppKit/WindowController.h"
 #include "Platform/AppKit/linux/Acceleration.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/TabDrag.h"
 #include "Platform/AppKit/linux/TabHost.h"
@@ -88,11 +89,11 @@ bool registerApplication(GApplication* application) {
 } // namespace
 
 Application::Application()
-    : native_(std::make_unique<Native>()) {
+    : native_(std::make_unique<Native>(*this)) {
     assertMainThread("Application::shared");
     chooseAcceleration();
     holdBackToolkitTheme();
-    // A program that does not say who it is gets no name on the bus.
+    // A program that has not set its identifier gets no name on the bus.
     const std::string& identifier = programInfo().identifier;
     const char* id = g_application_id_is_valid(identifier.c_str()) ? identifier.c_str() : nullptr;
     // A second start hands over its command line, which arrives untouched. D-Bus activation hands over a list
@@ -100,14 +101,7 @@ Application::Application()
     native_->application = GObjectPtr<GtkApplication>::adopt(GTK_APPLICATION(
         g_object_new(applicationType(), "application-id", id, "flags",
                      G_APPLICATION_HANDLES_COMMAND_LINE | G_APPLICATION_HANDLES_OPEN, nullptr)));
-    native_->connections.emplace_back(native_->gtk(), "startup",
-                                      G_CALLBACK(+[](GApplication* application, gpointer /*data*/) {
-                                          forgetDeadBus(application);
-                                          startLibadwaita();
-                                          installStyle();
-                                          endTabDragsOnBareDesktop();
-                                      }),
-                                      nullptr);
+    native_->connect();
 }
 
 Application::~Application() = default;
@@ -118,22 +112,7 @@ void Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
 void Application::setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate) { delegate_ = delegate; }
 
 int Application::run(int argc, char** argv) {
-    auto& connections = native_->connections;
     GtkApplication* application = native_->gtk();
-    connections.emplace_back(
-        application, "startup", G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
-            if (const auto delegate = static_cast<Application*>(self)->delegate_.lock()) {
-                delegate->applicationWillFinishLaunching();
-            }
-        }),
-        this);
-    connections.emplace_back(application, "activate",
-                             G_CALLBACK(+[](GApplication* /*application*/, gpointer self) {
-                                 static_cast<Application*>(self)->wasStarted({});
-                             }),
-                             this);
-    connections.emplace_back(application, "command-line", G_CALLBACK(Native::handleCommandLine), this);
-    connections.emplace_back(application, "open", G_CALLBACK(Native::handleOpen), this);
     if (!registerApplication(G_APPLICATION(application))) {
         return EXIT_FAILURE;
     }
@@ -145,24 +124,42 @@ int Application::run(int argc, char** argv) {
     return status;
 }
 
-int Application::Native::handleCommandLine(GApplication* /*application*/, GApplicationCommandLine* line,
-                                           gpointer self) {
+void Application::Native::connect() {
+    connections.push_back(connectSignal<&Native::startedUp>(gtk(), "startup", *this));
+    connections.push_back(connectSignal<&Native::activated>(gtk(), "activate", *this));
+    connections.push_back(connectSignal<&Native::commandLineReceived>(gtk(), "command-line", *this));
+    connections.push_back(connectSignal<&Native::opened>(gtk(), "open", *this));
+}
+
+void Application::Native::startedUp(GApplication* started) {
+    forgetDeadBus(started);
+    startLibadwaita();
+    installStyle();
+    endTabDragsOnBareDesktop();
+    if (const auto delegate = owner.delegate_.lock()) {
+        delegate->applicationWillFinishLaunching();
+    }
+}
+
+void Application::Native::activated(GApplication* /*application*/) { owner.wasStarted({}); }
+
+int Application::Native::commandLineReceived(GApplication* /*application*/, GApplicationCommandLine* line) {
     int count = 0;
     const std::unique_ptr<char*, decltype(&g_strfreev)> arguments(
         g_application_command_line_get_arguments(line, &count), &g_strfreev);
     const std::span<char* const> all(arguments.get(), static_cast<std::size_t>(count));
-    static_cast<Application*>(self)->wasStarted(urlsOf(all.subspan(all.empty() ? 0 : 1)));
-    return 0;
+    owner.wasStarted(urlsOf(all.subspan(all.empty() ? 0 : 1)));
+    return EXIT_SUCCESS;
 }
 
-void Application::Native::handleOpen(GApplication* /*application*/, GFile** files, int count,
-                                     const char* /*hint*/, gpointer self) {
+void Application::Native::opened(GApplication* /*application*/, GFile** files, int count,
+                                 const char* /*hint*/) {
     std::vector<std::unique_ptr<char, decltype(&g_free)>> texts;
     std::vector<char*> pointers;
     for (GFile* file : std::span(files, static_cast<std::size_t>(count))) {
         pointers.push_back(texts.emplace_back(g_file_get_uri(file), &g_free).get());
     }
-    static_cast<Application*>(self)->wasStarted(urlsOf(pointers));
+    owner.wasStarted(urlsOf(pointers));
 }
 
 void Application::prepare() {
@@ -263,9 +260,7 @@ const std::map<Action, void (*)(Application&)>& Application::Native::actions() {
 bool Application::respondsTo(Action action) const { return Native::actions().contains(action); }
 
 void Application::perform(Action action, const ActionSender& /*sender*/) {
-    if (const auto found = Native::actions().find(action); found != Native::actions().end()) {
-        found->second(*this);
-    }
+    Native::actions().at(action)(*this);
 }
 
 bool Application::validateMenuItem(MenuItem& item) {

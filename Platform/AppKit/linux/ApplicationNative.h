@@ -14,34 +14,41 @@ namespace Platform {
 class TabHost;
 
 struct Application::Native {
+    explicit Native(Application& application)
+        : owner(application) {}
+
+    Application& owner;
     GObjectPtr<GtkApplication> application;
     std::shared_ptr<Menu> mainMenu;
     std::weak_ptr<Menu> windowsMenu;
     /// All open top-level windows, in creation order. The only strong references to them.
     std::vector<std::shared_ptr<TabHost>> hosts;
-    /// Made when the first window is.
+    /// Created with the first window.
     std::unique_ptr<SavedFrames> frames;
     AboutPanel aboutPanel;
     bool finishedLaunching = false;
     std::vector<SignalConnection> connections;
 
-    /// What the application itself performs.
+    /// The actions that the application performs itself.
     static const std::map<Action, void (*)(Application&)>& actions();
-    static int handleCommandLine(GApplication* application, GApplicationCommandLine* line, gpointer self);
-    static void handleOpen(GApplication* application, GFile** files, int count, const char* hint,
-                           gpointer self);
+
+    void connect();
+    void startedUp(GApplication* started);
+    void activated(GApplication* application);
+    int commandLineReceived(GApplication* application, GApplicationCommandLine* line);
+    void opened(GApplication* application, GFile** files, int count, const char* hint);
 
     GtkApplication* gtk() const { return application.get(); }
     SavedFrames& savedFrames();
 
-    /// Those that are on the screen, minimised ones too; the others were ordered out.
+    /// The hosts on the screen, minimised ones included. The others were ordered out.
     std::vector<std::shared_ptr<TabHost>> visibleHosts() const;
-    /// The one of them that was last worked in.
+    /// The visible host that was used last.
     std::shared_ptr<TabHost> frontHost() const;
-    /// Brings every top-level to the front, minimised ones too, in the order in which they were worked in.
+    /// Brings every top-level to the front, minimised ones too, in the order in which they were used.
     void bringAllToFront() const;
 
-    /// The host's last page is gone: lets the host go once its own callbacks have returned.
+    /// Called when the host's last page is gone. Releases the host once its own callbacks have returned.
     void hostEmptied(const std::shared_ptr<TabHost>& host);
 };
 

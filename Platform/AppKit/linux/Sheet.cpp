@@ -98,6 +98,12 @@ void Sheet::moveFocus(std::ptrdiff_t step) {
     gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
+/// The keyboard stops at the texts only if they must be scrolled.
+void Sheet::textResized(GtkAdjustment* visible) {
+    gtk_widget_set_focusable(stops_.front(),
+                             gtk_adjustment_get_upper(visible) > gtk_adjustment_get_page_size(visible));
+}
+
 GtkWidget* Sheet::makeCard(const Alert& alert) {
     GtkWidget* card =
         GTK_WIDGET(g_object_new(GTK_TYPE_BOX, "orientation", GTK_ORIENTATION_VERTICAL, "spacing", 12,
@@ -120,15 +126,9 @@ GtkWidget* Sheet::makeCard(const Alert& alert) {
     gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scroller), TRUE);
     gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(scroller), textHeight);
     gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), texts);
-    // The keyboard stops at texts only where there is more of them to see.
     gtk_widget_set_focusable(scroller, FALSE);
-    connections_.emplace_back(gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)), "changed",
-                              G_CALLBACK(+[](GtkAdjustment* visible, gpointer scroller) {
-                                  gtk_widget_set_focusable(GTK_WIDGET(scroller),
-                                                           gtk_adjustment_get_upper(visible) >
-                                                               gtk_adjustment_get_page_size(visible));
-                              }),
-                              scroller);
+    connections_.push_back(connectSignal<&Sheet::textResized>(
+        gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)), "changed", *this));
     gtk_box_append(GTK_BOX(card), scroller);
     stops_.push_back(scroller);
 

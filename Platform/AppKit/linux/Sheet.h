@@ -31,6 +31,7 @@ private:
     void moveFocus(std::ptrdiff_t step);
     gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode, GdkModifierType state);
     void clicked(GtkButton* button);
+    void textResized(GtkAdjustment* visible);
 
     std::size_t escapeButton_;
     std::function<void(std::size_t)> answered_;

@@ -1,6 +1,7 @@
 #include "Platform/AppKit/Window.h"
 
 #include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/TabHost.h"
 #include "Platform/AppKit/linux/TextFieldNative.h"
 #include "Platform/AppKit/linux/ViewNative.h"
@@ -197,12 +198,7 @@ void Window::Native::makePage() {
     g_object_set_qdata(G_OBJECT(page.get()), windowQuark(), &window);
     gtk_overlay_set_child(GTK_OVERLAY(page.get()), window.contentView_->native().widget.get());
     applyMinSize();
-    mapped = SignalConnection(page.get(), "map", G_CALLBACK(+[](GtkWidget* widget, gpointer /*data*/) {
-                                  if (const auto shown = ofPage(widget)) {
-                                      shown->native().takePendingFocus();
-                                  }
-                              }),
-                              nullptr);
+    mapped = connectSignal<&Native::pageMapped>(page.get(), "map", *this);
 }
 
 void Window::Native::applyMinSize() const {
@@ -264,6 +260,8 @@ void Window::Native::willClose() {
         delegate->windowWillClose(window);
     }
 }
+
+void Window::Native::pageMapped(GtkWidget* /*page*/) { takePendingFocus(); }
 
 bool Window::Native::showSheet(const Alert& alert) {
     makePage();

@@ -18,6 +18,8 @@ struct Window::Native final : SheetPresenter {
     explicit Native(Window& owner)
         : window(owner) {}
 
+    std::shared_ptr<Window> keepAlive() const { return window.weak_from_this().lock(); }
+
     /// Returns true if a window responds to the action.
     static bool isWindowAction(Action action);
     static std::shared_ptr<Window> ofPage(GtkWidget* page);
@@ -50,6 +52,7 @@ struct Window::Native final : SheetPresenter {
     SignalConnection mapped;
 
 private:
+    void pageMapped(GtkWidget* page);
     void setContentReachable(bool reachable) const;
 };
 

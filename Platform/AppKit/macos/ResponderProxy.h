@@ -7,8 +7,8 @@
 #include <memory>
 #include <string_view>
 
-/// An object of AppKit that stands for one of our responders in AppKit's responder chain: a window's
-/// controller, the application's delegate. It holds it weakly.
+/// Represents one of our responders in AppKit's responder chain, as a window's controller and the
+/// application's delegate do. Holds the responder weakly.
 @protocol KeyloftResponderProxy <NSObject, NSMenuItemValidation>
 - (std::shared_ptr<Platform::Responder>)keyloftResponder;
 @end
@@ -25,19 +25,19 @@ namespace Platform {
 /// Returns true if the selector is an action's and the proxy's responder responds to the action.
 bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
-/// Returns an object that performs the selector's action on the proxy's responder, or nil if that does not
-/// respond to it.
+/// Returns an object that performs the selector's action on the proxy's responder, or nil if the responder
+/// does not respond to the action.
 id _Nullable forwardingTarget(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
-/// What a proxy's `validateMenuItem:` does: asks the responder about our item, and shows the title that it
-/// leaves. About an item of AppKit's own, such as a tab bar's "New Tab", it asks by the item's action.
+/// Implements `validateMenuItem:`: passes our item to the responder and shows the title that it sets. An item
+/// of AppKit's own, such as a tab bar's "New Tab", is passed on by its action.
 BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem) noexcept;
 
-/// What AppKit takes as the target of `responder`'s actions: the object that stands for it, or a new one,
-/// which the caller keeps. nil for nothing.
+/// Returns AppKit's target for the responder's actions: the object that represents it, or a new one, which
+/// the caller keeps. nil if `responder` is null.
 id _Nullable targetFor(const std::shared_ptr<Responder>& responder);
 
-/// Our responder behind an object of AppKit's responder chain, or nothing.
+/// Returns the responder that an object of AppKit's responder chain represents, or null.
 std::shared_ptr<Responder> responderOf(id _Nullable native);
 
 /// Returns the subclass of `proxyClass` that is registered with the Objective-C runtime as `name`, and
@@ -45,7 +45,7 @@ std::shared_ptr<Responder> responderOf(id _Nullable native);
 /// number.
 Class _Nonnull registeredSubclass(Class _Nonnull proxyClass, std::string_view name);
 
-/// For initialisers that nobody may call, `initWithCoder:` above all.
+/// For initialisers that must not be called, such as `initWithCoder:`.
 [[noreturn]] void notSupported();
 
 } // namespace Platform

@@ -6,8 +6,8 @@
 
 namespace Platform {
 
-/// AppKit's view behind a view. It is owned here; it knows ours weakly (`viewOf`). Views that need more
-/// derive from this.
+/// Owns AppKit's view of a view; AppKit's view refers to ours weakly (`viewOf`). Views that need more derive
+/// from this.
 struct View::Native {
     explicit Native(NSView* _Nonnull made)
         : view(made) {}
@@ -15,13 +15,13 @@ struct View::Native {
     Native& operator=(const Native&) = delete;
     virtual ~Native() = default;
 
-    /// Puts a subview's own view in, in front of the others.
+    /// Adds a subview's view in front of the others.
     virtual void addSubview(NSView* _Nonnull subview) { [view addSubview:subview]; }
 
     NSView* __strong _Nonnull const view;
 };
 
-/// Keeps an attribute of `view` equal to that of `other`, or to a constant if there is no other view.
+/// Keeps an attribute of `view` equal to that of `other`, or to a constant if `other` is nil.
 void constrainEqual(NSView* _Nonnull view, NSLayoutAttribute attribute, NSView* _Nullable other,
                     double constant = 0);
 

@@ -33,9 +33,8 @@ std::optional<std::string> nonEmpty(const char* text) {
     return text && *text ? std::optional<std::string>(text) : std::nullopt;
 }
 
-/// The editing command of an action, or nothing.
-const char* editingCommand(Action action) {
-    static const std::map<Action, const char*> names = {
+const std::map<Action, const char*>& editingCommands() {
+    static const std::map<Action, const char*> table = {
         {StandardAction::undo, WEBKIT_EDITING_COMMAND_UNDO},
         {StandardAction::redo, WEBKIT_EDITING_COMMAND_REDO},
         {StandardAction::cut, WEBKIT_EDITING_COMMAND_CUT},
@@ -43,8 +42,7 @@ const char* editingCommand(Action action) {
         {StandardAction::paste, WEBKIT_EDITING_COMMAND_PASTE},
         {StandardAction::selectAll, WEBKIT_EDITING_COMMAND_SELECT_ALL},
     };
-    const auto found = names.find(action);
-    return found == names.end() ? nullptr : found->second;
+    return table;
 }
 
 } // namespace
@@ -77,9 +75,7 @@ std::string engineText(const URL& url) {
 }
 
 void executeEditing(WebKitWebView* view, Action action) {
-    if (const char* command = editingCommand(action)) {
-        webkit_web_view_execute_editing_command(view, command);
-    }
+    webkit_web_view_execute_editing_command(view, editingCommands().at(action));
 }
 
 } // namespace Platform

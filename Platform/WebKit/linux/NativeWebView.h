@@ -23,7 +23,7 @@ std::optional<std::string> titleOf(WebKitWebView* view);
 /// The text of `url` as WebKitGTK writes it.
 std::string engineText(const URL& url);
 
-/// Performs an editing action in the page; ignores other actions.
+/// Performs an editing action in the page.
 void executeEditing(WebKitWebView* view, Action action);
 
 } // namespace Platform

@@ -17,7 +17,7 @@
 
 namespace Platform::Tests {
 
-/// Actions of a program, not of the system.
+/// Actions that the tests define.
 namespace TestAction {
 inline constexpr Action newTab("newTab");
 inline constexpr Action navigateFromAddressField("navigateFromAddressField");
