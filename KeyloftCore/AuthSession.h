@@ -37,6 +37,7 @@ class AuthSession : public Platform::NavigationPolicyDelegate,
                     public Platform::ScriptMessageHandler,
                     public std::enable_shared_from_this<AuthSession> {
 public:
+    /// The provider's answer, or why there is none.
     using Result = std::expected<AuthResult, HostError>;
     /// Called once, on the main thread: with what the provider answered, or with
     ///
@@ -47,6 +48,7 @@ public:
     /// It may let the session go. What it holds is released when it returns.
     using Completion = std::function<void(Result)>;
 
+    /// Creates a session. It opens and loads nothing before `start`.
     static std::shared_ptr<AuthSession> create(AuthorizeRequest request, Completion completion);
 
     AuthSession(const AuthSession&) = delete;
@@ -62,6 +64,7 @@ public:
     /// again, it opens another window with a time limit of its own; the first one stays as it is.
     void start();
 
+    /// For the session's web view and the script in its pages. A host does not call these.
     void decidePolicy(Platform::WebView& webView, const Platform::NavigationAction& action,
                       const DecisionHandler& decisionHandler) override;
     void didFinishNavigation(Platform::WebView& webView) override;
@@ -70,6 +73,7 @@ public:
     void didReceiveScriptMessage(const Platform::ScriptMessage& message) override;
 
 protected:
+    /// For `create`.
     AuthSession(AuthorizeRequest request, Completion completion);
 
 private:

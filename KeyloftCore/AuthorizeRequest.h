@@ -30,12 +30,14 @@ public:
 
     /// As it was given.
     const Platform::URL& url() const { return url_; }
+    /// The query's "redirect_uri", decoded.
     const Platform::URL& redirectURI() const { return redirectURI_; }
     /// `query` where the URL names none, or none that is known.
     ResponseMode responseMode() const { return responseMode_; }
     /// Absent if the URL has no state, a state without "=", or one that does not decode to UTF-8. "state=" is
     /// an empty state.
     const std::optional<std::string>& state() const { return state_; }
+    /// As it was given.
     const std::string& relayNonce() const { return relayNonce_; }
 
     /// Returns true if `url` has the redirect URI's scheme, host, effective port and path; an empty path
@@ -46,6 +48,7 @@ public:
     /// Whether `value` is there, is a string and is this request's nonce. Null is no value.
     bool matchesNonce(const Platform::JSONValue* value) const;
 
+    /// This request's redirect URI, state and nonce.
     RelayTarget relayTarget() const;
 
     /// The authorize URL for the relay: the first "response_mode" turned into "form_post" (or that appended),

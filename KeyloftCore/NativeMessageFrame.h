@@ -19,12 +19,14 @@ struct NativeMessageFrame {
     /// What a decoder throws at a prefix beyond `maxLength`.
     class DecodeError : public std::exception {
     public:
+        /// `length` is the prefix's value in bytes.
         static DecodeError frameTooLarge(std::int64_t length) { return DecodeError(length); }
 
         /// What the prefix said.
         std::int64_t length() const noexcept { return length_; }
         const char* what() const noexcept override { return text_.c_str(); }
 
+        /// Errors are equal if their lengths are.
         friend bool operator==(const DecodeError& left, const DecodeError& right) {
             return left.length_ == right.length_;
         }

@@ -16,24 +16,29 @@ namespace KeyloftCore {
 struct RelayProtocol {
     RelayProtocol() = delete;
 
+    /// A reply to one message: one of the three cases.
     class Reply {
     public:
         /// Whether the peer's target belongs to the request.
         struct Confirm {
+            /// True if it does.
             bool ok = false;
             friend bool operator==(const Confirm&, const Confirm&) = default;
         };
         /// The result that the peer relayed, absent if it was refused.
         struct Ack {
+            /// For the host only: the peer learns no more than that it was accepted.
             std::optional<AuthResult> result;
             friend bool operator==(const Ack&, const Ack&) = default;
         };
         /// The message was not understood.
         struct Error {
+            /// The reason, in English.
             std::string message;
             friend bool operator==(const Error&, const Error&) = default;
         };
 
+        /// A reply of the case.
         static Reply confirm(bool ok) { return Reply(Confirm{ok}); }
         static Reply ack(std::optional<AuthResult> result) { return Reply(Ack{std::move(result)}); }
         static Reply error(std::string message) { return Reply(Error{std::move(message)}); }

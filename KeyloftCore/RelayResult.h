@@ -16,6 +16,7 @@ struct RelayResult {
     /// The first check that a message failed, in the order of the checks.
     class ParseError : public std::exception {
     public:
+        /// In the order of the checks.
         enum class Case {
             notAResult,
             badParams,
@@ -24,13 +25,16 @@ struct RelayResult {
             nonceMismatch,
         };
 
+        /// The error of a check.
         explicit ParseError(Case kind)
             : kind_(kind) {}
 
+        /// The check that failed.
         Case kind() const noexcept { return kind_; }
         /// The case's name.
         const char* what() const noexcept override;
 
+        /// Errors are equal if their kinds are.
         friend bool operator==(const ParseError& left, const ParseError& right) {
             return left.kind_ == right.kind_;
         }

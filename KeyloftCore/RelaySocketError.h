@@ -10,6 +10,7 @@ namespace KeyloftCore {
 /// Why the relay socket could not be made, reached or written to.
 class RelaySocketError : public std::exception {
 public:
+    /// The kinds of failure.
     enum class Case {
         syscall,         ///< `call` failed with `code`
         pathTooLong,     ///< the path does not fit in a socket address
@@ -21,6 +22,7 @@ public:
     static RelaySocketError pathTooLong();
     static RelaySocketError pathContainsNUL();
 
+    /// The case to branch on.
     Case kind() const noexcept { return kind_; }
     /// Empty and 0 unless `kind` is `syscall`.
     const std::string& call() const noexcept { return call_; }
@@ -28,6 +30,7 @@ public:
     /// `syscall("connect", 2)`
     const char* what() const noexcept override { return text_.c_str(); }
 
+    /// Compares kind, call and code.
     friend bool operator==(const RelaySocketError& left, const RelaySocketError& right) {
         return left.kind_ == right.kind_ && left.call_ == right.call_ && left.code_ == right.code_;
     }

@@ -19,6 +19,7 @@ struct RelayTarget {
     /// The longest state that a fragment is read with, in characters.
     static constexpr std::size_t maxStateLength = 2048;
 
+    /// The request's; an empty state is not the same as none.
     Platform::URL redirectURI;
     std::optional<std::string> state;
     std::string nonce;

@@ -14,6 +14,7 @@ namespace KeyloftCore {
 /// An engine need not hand over what a form posts, so each page's forms are watched by a script, which posts
 /// what is submitted to the message handler `messageHandlerName` before the page goes away.
 struct SubmittedForm {
+    /// The name under which pages reach the handler of the script's messages.
     static constexpr std::string_view messageHandlerName = "keyloft";
     /// For every frame, from the document's start.
     static const std::string_view hookScript;

@@ -16,6 +16,7 @@ public:
     constexpr explicit Action(std::string_view name)
         : name_(name) {}
 
+    /// Without the selector's colon.
     constexpr std::string_view name() const { return name_; }
 
     friend constexpr auto operator<=>(Action, Action) = default;
@@ -27,7 +28,7 @@ private:
 /// The actions that AppKit performs or sends itself; Linux provides the same ones.
 namespace StandardAction {
 
-// Of the application.
+/// Performed by the application.
 inline constexpr Action orderFrontStandardAboutPanel("orderFrontStandardAboutPanel");
 inline constexpr Action hide("hide");
 inline constexpr Action hideOtherApplications("hideOtherApplications");
@@ -35,7 +36,7 @@ inline constexpr Action unhideAllApplications("unhideAllApplications");
 inline constexpr Action terminate("terminate");
 inline constexpr Action arrangeInFront("arrangeInFront");
 
-// Of a window.
+/// Performed by a window.
 inline constexpr Action performClose("performClose");
 inline constexpr Action performMiniaturize("performMiniaturize");
 inline constexpr Action performZoom("performZoom");
@@ -44,7 +45,7 @@ inline constexpr Action selectNextTab("selectNextTab");
 /// Sent by a tab bar's button.
 inline constexpr Action newWindowForTab("newWindowForTab");
 
-// Of the text or page that has the focus.
+/// Performed by the text field or page that has the focus.
 inline constexpr Action undo("undo");
 inline constexpr Action redo("redo");
 inline constexpr Action cut("cut");
@@ -63,6 +64,7 @@ constexpr bool isEditing(Action action) {
 
 /// The sender of an action. At most one of the two is set. Valid during the call only.
 struct ActionSender {
+    /// The control or the menu item that was used; null otherwise.
     const Control* control = nullptr;
     const MenuItem* menuItem = nullptr;
 };

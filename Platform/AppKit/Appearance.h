@@ -9,6 +9,7 @@ namespace Platform {
 /// `symbolName` is the symbol's name on macOS ("chevron.left"); Linux maps it onto the icon of the same
 /// meaning and stops the process at a name that it does not know, for then the program itself is wrong.
 struct Image {
+    /// The symbol, and its name for assistive technology.
     std::string symbolName;
     std::string accessibilityDescription;
 
@@ -17,11 +18,13 @@ struct Image {
 
 /// The system's own font at a size in points.
 struct Font {
+    /// In points.
     double systemFontSize = 13;
 
     friend bool operator==(const Font&, const Font&) = default;
 };
 
+/// The colours that views can have.
 enum class Color {
     none,
     /// The accent colour that the user chose for the system; the theme's on Linux.

@@ -12,9 +12,13 @@
 
 namespace Platform {
 
+/// Receives the application's events, and the actions that no responder before it performs. Main thread only.
 class ApplicationDelegate : public Responder {
 public:
+    /// The first of these calls. Set the main menu here.
     virtual void applicationWillFinishLaunching() = 0;
+
+    /// The program runs. URLs that it was started with have been opened.
     virtual void applicationDidFinishLaunching() = 0;
 
     /// URLs handed over by the system or by a second start, exactly as given; may come before
@@ -25,6 +29,7 @@ public:
     /// usually does.
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
 
+    /// Returns true to end the program with its last window.
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
 
 protected:
@@ -50,10 +55,12 @@ public:
     Application& operator=(const Application&) = delete;
     ~Application() override;
 
+    /// How the system presents the program.
     enum class ActivationPolicy {
         /// A program with windows and a menu bar, listed among the running ones.
         regular,
     };
+    /// No effect on Linux, where each program with windows is a regular one.
     void setActivationPolicy(ActivationPolicy policy);
 
     /// Held weakly: the program keeps its delegate.
@@ -64,6 +71,7 @@ public:
     int run(int argc, char** argv);
     void terminate();
 
+    /// The items of `menu` are the titles of the menu bar. Call it before the first window is shown.
     void setMainMenu(const std::shared_ptr<Menu>& menu);
     /// The menu in which the system lists the open windows.
     void setWindowsMenu(const std::shared_ptr<Menu>& menu);
@@ -82,6 +90,7 @@ public:
     /// Whoever would receive the action now.
     std::shared_ptr<Responder> targetForAction(Action action) const;
 
+    /// Performs the application's standard actions.
     bool respondsTo(Action action) const override;
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;

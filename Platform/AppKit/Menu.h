@@ -19,21 +19,28 @@ enum class ModifierFlags { command, optionCommand };
 /// One line of a menu. Without a target: its action goes down the responder chain.
 class MenuItem {
 public:
+    /// Without an action the item is disabled, unless it has a submenu. `keyEquivalent` is the character of
+    /// its key, empty for none.
     static std::shared_ptr<MenuItem> create(const std::string& title, std::optional<Action> action,
                                             const std::string& keyEquivalent = "");
+    /// Creates a line between groups of items.
     static std::shared_ptr<MenuItem> createSeparator();
 
     /// Shown as it stands: no character of it is a mnemonic.
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title) { title_ = title; }
 
+    /// As the item was created.
     std::optional<Action> action() const { return action_; }
     const std::string& keyEquivalent() const { return keyEquivalent_; }
+    /// Command unless they are set.
     ModifierFlags keyEquivalentModifiers() const { return modifiers_; }
     void setKeyEquivalentModifiers(ModifierFlags modifiers) { modifiers_ = modifiers; }
 
+    /// Returns true for the items of `createSeparator`.
     bool isSeparator() const { return separator_; }
 
+    /// Null for an item that performs its action.
     const std::shared_ptr<Menu>& submenu() const { return submenu_; }
     void setSubmenu(const std::shared_ptr<Menu>& submenu) { submenu_ = submenu; }
 
@@ -54,6 +61,7 @@ private:
     std::optional<URL> representedURL_;
 };
 
+/// Fills a menu whose items change. Main thread only.
 class MenuDelegate {
 public:
     virtual ~MenuDelegate() = default;
@@ -66,16 +74,19 @@ public:
 /// only, as its items are.
 class Menu {
 public:
+    /// Creates an empty menu. In a menu bar, give a menu the title of its item.
     static std::shared_ptr<Menu> create(const std::string& title = "");
     /// Creates the standard "Edit" menu: Undo, Redo, Cut, Copy, Paste and Select All. On macOS text fields
     /// and pages have no keys for these actions without it.
     static std::shared_ptr<Menu> createEditMenu();
 
+    /// The title and the items, in the order in which they were added.
     const std::string& title() const { return title_; }
     const std::vector<std::shared_ptr<MenuItem>>& items() const { return items_; }
     void addItem(const std::shared_ptr<MenuItem>& item) { items_.push_back(item); }
     void removeAllItems() { items_.clear(); }
 
+    /// Held weakly.
     std::shared_ptr<MenuDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(const std::weak_ptr<MenuDelegate>& delegate) { delegate_ = delegate; }
 

@@ -13,6 +13,7 @@ public:
     Responder& operator=(const Responder&) = delete;
     virtual ~Responder() = default;
 
+    /// Returns true for the actions that `perform` performs.
     virtual bool respondsTo(Action /*action*/) const { return false; }
 
     /// Called only for actions that `respondsTo` answered with true.

@@ -24,6 +24,7 @@ class Window;
 /// A superview holds its subviews strongly; a view knows its superview and window weakly.
 class View : public Responder, public std::enable_shared_from_this<View> {
 public:
+    /// Creates a view without content: a container, or free room in a stack.
     static std::shared_ptr<View> create();
 
     View(const View&) = delete;
@@ -44,6 +45,7 @@ public:
     Rect frame() const;
     void setFrame(const Rect& frame);
 
+    /// A hidden view takes no room in its stack.
     bool isHidden() const { return hidden_; }
     void setHidden(bool hidden);
 
@@ -55,6 +57,7 @@ public:
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
+    /// Empty for none.
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
 
@@ -83,6 +86,7 @@ protected:
     /// `className` is the name under which an object runtime, where there is one, knows the class.
     explicit View(std::string_view className = {});
 
+    /// Creates the native side of the view's kind.
     virtual std::unique_ptr<Native> makeNative();
 
 private:

@@ -12,6 +12,7 @@ namespace Platform {
 class Window;
 class WindowController;
 
+/// Receives the events of a window. Main thread only.
 class WindowDelegate {
 public:
     virtual ~WindowDelegate() = default;
@@ -26,7 +27,9 @@ public:
 /// content and first responder. On Linux nothing native is made before the window is first shown.
 class Window : public Responder, public std::enable_shared_from_this<Window> {
 public:
+    /// What the user can do with a window's frame.
     struct Style {
+        /// True if the frame has the button, or the edges to drag.
         bool closable = true;
         bool miniaturizable = true;
         bool resizable = true;
@@ -39,9 +42,11 @@ public:
     Window& operator=(const Window&) = delete;
     ~Window() override;
 
+    /// Shown in the frame, the tab and the list of open windows.
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
 
+    /// As the window was created.
     Size contentSize() const { return contentSize_; }
     const Style& style() const { return style_; }
 
@@ -49,6 +54,7 @@ public:
     Size minSize() const { return minSize_; }
     void setMinSize(Size size);
 
+    /// Only macOS reads it, when the window is first shown.
     const std::string& tabbingIdentifier() const { return tabbingIdentifier_; }
     void setTabbingIdentifier(const std::string& identifier) { tabbingIdentifier_ = identifier; }
 
@@ -60,11 +66,14 @@ public:
     const std::string& frameAutosaveName() const { return frameAutosaveName_; }
     void setFrameAutosaveName(const std::string& name) { frameAutosaveName_ = name; }
 
+    /// The view that fills the window.
     const std::shared_ptr<View>& contentView() const { return contentView_; }
     /// Takes the place of the view that the window was made with.
     void setContentView(const std::shared_ptr<View>& view);
 
+    /// Held weakly.
     void setDelegate(const std::weak_ptr<WindowDelegate>& delegate) { delegate_ = delegate; }
+    /// The controller that owns the window, or null.
     std::shared_ptr<WindowController> windowController() const { return controller_.lock(); }
 
     /// Makes `window` a tab of this window, in front of this one's tab; it is shown, not selected.
@@ -76,6 +85,7 @@ public:
     /// content, which goes on as before, and may be shown again.
     void orderOut();
 
+    /// Returns true while the window, or its tab, is on the screen.
     bool isVisible() const;
 
     /// The view that has the keyboard while this window is the key one; remembered while it is not.
@@ -91,6 +101,7 @@ public:
     /// native side go.
     void close();
 
+    /// Performs the standard actions of a window.
     bool respondsTo(Action action) const override;
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;

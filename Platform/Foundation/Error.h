@@ -24,6 +24,7 @@ struct Error {
     static constexpr int webKitFrameLoadInterrupted = 102;
     static constexpr int webKitRestrictedPort = 103;
 
+    /// `urlDomain`, `webKitDomain` or another one, and a code of that domain.
     std::string domain;
     int code = 0;
     /// A sentence to show to a person.

@@ -16,6 +16,7 @@ namespace Platform {
 /// Reports that a file or directory could not be read, written or created. Thrown by FileManager.
 class FileError : public std::exception {
 public:
+    /// `localizedDescription` is a whole sentence.
     explicit FileError(std::string localizedDescription)
         : localizedDescription_(std::move(localizedDescription)) {}
 
@@ -35,6 +36,7 @@ public:
     /// The longest file that `contents` reads, in bytes.
     static constexpr std::uint64_t maximumContents = std::uint64_t{1} << 31U;
 
+    /// The file manager of the process.
     static const FileManager& defaultManager();
 
     /// The user's home directory: the session's, or the user database's if the session has none.

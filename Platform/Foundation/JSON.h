@@ -15,6 +15,7 @@ namespace Platform {
 /// A JSON value, read or to be written. A plain value; strings are UTF-8 and may hold NUL.
 class JSONValue {
 public:
+    /// In the order of the text.
     using Array = std::vector<JSONValue>;
     /// Sorted by name, in the order of the names' bytes. Of a name told twice the last value counts.
     using Object = std::map<std::string, JSONValue, std::less<>>;
@@ -22,6 +23,7 @@ public:
     /// Deepest nesting of arrays and objects that `parse` takes.
     static constexpr std::size_t maxDepth = 512;
 
+    /// A value of the argument's kind. Without an argument it is null.
     JSONValue() = default;
     JSONValue(std::nullptr_t) {}
     JSONValue(bool value)
@@ -46,6 +48,7 @@ public:
     /// refused. Takes any input, of any size, without deep recursion.
     static std::optional<JSONValue> parse(std::string_view bytes);
 
+    /// Returns true for null.
     bool isNull() const { return std::holds_alternative<std::nullptr_t>(value_); }
     /// The value where it is of that kind, else null.
     const bool* boolean() const { return std::get_if<bool>(&value_); }
@@ -59,6 +62,7 @@ public:
     /// An object's member that is a string; null where there is none, or it is anything else.
     const std::string* stringMember(std::string_view name) const;
 
+    /// Compares contents.
     friend bool operator==(const JSONValue& left, const JSONValue& right);
 
 private:

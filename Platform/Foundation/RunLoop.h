@@ -12,6 +12,7 @@ public:
     RunLoop(const RunLoop&) = delete;
     RunLoop& operator=(const RunLoop&) = delete;
 
+    /// The loop of the main thread.
     static RunLoop& main();
 
     /// Runs the loop until `stop`. May be called again from a callback; each `stop` then ends the innermost

@@ -73,6 +73,7 @@ public:
     /// root's.
     std::string filePath() const;
 
+    /// Compares the texts.
     friend bool operator==(const URL& left, const URL& right) { return left.text_ == right.text_; }
 
 private:

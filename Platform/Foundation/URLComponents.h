@@ -12,6 +12,7 @@ namespace Platform {
 
 /// One "name=value" of a query. A piece without "=" has no value, one that ends in "=" has an empty one.
 struct URLQueryItem {
+    /// Decoded or not, as the function that returns or takes the item says.
     std::string name;
     std::optional<std::string> value;
 
@@ -30,6 +31,7 @@ public:
     /// The parts of what `text` spells, or nothing where it is no URL. Unlike a URL, components may be empty.
     static std::optional<URLComponents> fromString(std::string_view text);
 
+    /// The parts of the text. Absent is not the same as empty.
     const std::optional<std::string>& scheme() const { return scheme_; }
     std::optional<std::string> user() const;
     std::optional<std::string> password() const;

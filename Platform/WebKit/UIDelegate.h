@@ -32,12 +32,14 @@ public:
     /// The page closed its own window by script; it goes on until somebody lets the view go.
     virtual void webViewDidClose(WebView& /*webView*/) {}
 
+    /// A page called `alert`. Its script waits for the completion.
     virtual void runJavaScriptAlertPanel(WebView& /*webView*/, const std::string& /*message*/,
                                          const FrameInfo& /*frame*/, std::function<void()> completion) {
         const auto answer = std::move(completion);
         answer();
     }
 
+    /// A page called `confirm`. Its script waits for the completion, whose argument it gets as the result.
     virtual void runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& /*message*/,
                                            const FrameInfo& /*frame*/, std::function<void(bool)> completion) {
         const auto answer = std::move(completion);

@@ -9,12 +9,14 @@ namespace Platform {
 
 /// A script that the program adds to pages. A value.
 struct UserScript {
+    /// The moment at which a script runs.
     enum class InjectionTime {
         /// Before anything of the page runs.
         atDocumentStart,
         atDocumentEnd,
     };
 
+    /// JavaScript, and when it runs.
     std::string source;
     InjectionTime injectionTime = InjectionTime::atDocumentEnd;
     /// Otherwise it runs in every frame, of whatever origin.
@@ -32,23 +34,26 @@ struct ScriptMessage {
     static JSONValue bodyOf(const std::string& json);
 };
 
+/// Receives what pages post. Main thread only.
 class ScriptMessageHandler {
 public:
     virtual ~ScriptMessageHandler() = default;
 
+    /// Any page, and any frame of it, may have posted the message: check its body.
     virtual void didReceiveScriptMessage(const ScriptMessage& message) = 0;
 };
 
 /// What the program adds to the pages of the views that share it. Main thread only.
 class UserContentController {
 public:
+    /// Creates a controller without scripts and handlers.
     static std::shared_ptr<UserContentController> create();
 
     UserContentController(const UserContentController&) = delete;
     UserContentController& operator=(const UserContentController&) = delete;
     ~UserContentController();
 
-    /// Pages reach the handler as `window.webkit.messageHandlers.<name>.postMessage(…)`, from any frame. Held
+    /// Pages reach the handler as `window.webkit.messageHandlers.NAME.postMessage(…)`, from any frame. Held
     /// weakly: messages to a handler that is gone are dropped. A name is given once.
     void addScriptMessageHandler(const std::weak_ptr<ScriptMessageHandler>& handler, const std::string& name);
 
