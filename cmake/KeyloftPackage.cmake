@@ -24,6 +24,7 @@ function(keyloft_install_package component)
     ARCHIVE DESTINATION "${KEYLOFT_ARCHIVE_DIR}" COMPONENT ${install_component}
     INCLUDES DESTINATION "${KEYLOFT_HEADER_DIR}"
   )
+  set_property(GLOBAL APPEND PROPERTY KEYLOFT_INSTALLED_HEADERS ${arg_HEADERS})
   foreach(header IN LISTS arg_HEADERS)
     get_filename_component(folder "${header}" DIRECTORY)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}"

@@ -1,0 +1,9 @@
+# keyloft_reference(HEADER…)
+#
+# The target "reference": Doxygen's pages of the installed headers, in reference/html of the build folder.
+function(keyloft_reference)
+  list(JOIN ARGN "\" \"${PROJECT_SOURCE_DIR}/" headers)
+  set(headers "\"${PROJECT_SOURCE_DIR}/${headers}\"")
+  configure_file("${PROJECT_SOURCE_DIR}/docs/Doxyfile.in" "${PROJECT_BINARY_DIR}/Doxyfile" @ONLY)
+  add_custom_target(reference COMMAND doxygen "${PROJECT_BINARY_DIR}/Doxyfile" VERBATIM)
+endfunction()
