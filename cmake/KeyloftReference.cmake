@@ -1,6 +1,7 @@
 # keyloft_reference(HEADER…)
 #
-# The target "reference": Doxygen's pages of the installed headers, in reference/html of the build folder.
+# The target "reference": Doxygen's pages of the installed headers and of the documents, in reference/html of the build
+# folder.
 function(keyloft_reference)
   list(JOIN ARGN "\" \"${PROJECT_SOURCE_DIR}/" headers)
   set(headers "\"${PROJECT_SOURCE_DIR}/${headers}\"")
