@@ -20,16 +20,13 @@ function(keyloft_install_package component)
   set_target_properties(${own} PROPERTIES EXPORT_NAME ${component})
   set(install_component KeyloftCore${component})
 
+  set_property(GLOBAL APPEND PROPERTY KEYLOFT_INSTALLED_HEADERS ${arg_HEADERS})
+  list(TRANSFORM arg_HEADERS PREPEND "${PROJECT_SOURCE_DIR}/")
+  target_sources(${own} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${arg_HEADERS})
   install(TARGETS ${arg_TARGETS} EXPORT KeyloftCore${component}
     ARCHIVE DESTINATION "${KEYLOFT_ARCHIVE_DIR}" COMPONENT ${install_component}
-    INCLUDES DESTINATION "${KEYLOFT_HEADER_DIR}"
+    FILE_SET HEADERS DESTINATION "${KEYLOFT_HEADER_DIR}" COMPONENT ${install_component}
   )
-  set_property(GLOBAL APPEND PROPERTY KEYLOFT_INSTALLED_HEADERS ${arg_HEADERS})
-  foreach(header IN LISTS arg_HEADERS)
-    get_filename_component(folder "${header}" DIRECTORY)
-    install(FILES "${PROJECT_SOURCE_DIR}/${header}"
-      DESTINATION "${KEYLOFT_HEADER_DIR}/${folder}" COMPONENT ${install_component})
-  endforeach()
 
   install(EXPORT KeyloftCore${component} FILE KeyloftCore${component}Targets.cmake NAMESPACE KeyloftCore::
     DESTINATION "${KEYLOFT_PACKAGE_DIR}" COMPONENT ${install_component})
