@@ -1,6 +1,7 @@
 #include "Keyloft/AppDelegate.h"
 
 #include "Platform/Foundation/FileManager.h"
+#include "Platform/Foundation/MakeShared.h"
 
 #include <algorithm>
 #include <string>
@@ -43,10 +44,7 @@ AppDelegate::AppDelegate()
     , bookmarks_(std::make_shared<KeyloftBrowserKit::BookmarkStore>(bookmarksFile()))
     , bookmarksMenu_(Menu::create("Bookmarks")) {}
 
-std::shared_ptr<AppDelegate> AppDelegate::create() {
-    struct Made : AppDelegate {};
-    return std::make_shared<Made>();
-}
+std::shared_ptr<AppDelegate> AppDelegate::create() { return Platform::makeShared<AppDelegate>(); }
 
 URL AppDelegate::bookmarksFile() {
     return Platform::FileManager::defaultManager()

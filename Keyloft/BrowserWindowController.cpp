@@ -5,6 +5,7 @@
 #include "Platform/AppKit/Alert.h"
 #include "Platform/AppKit/Box.h"
 #include "Platform/AppKit/Menu.h"
+#include "Platform/Foundation/MakeShared.h"
 
 #include <array>
 #include <utility>
@@ -74,15 +75,10 @@ BrowserWindowController::BrowserWindowController(
 std::shared_ptr<BrowserWindowController>
 BrowserWindowController::create(std::shared_ptr<BookmarkStore> bookmarks,
                                 std::shared_ptr<Platform::WebViewConfiguration> configuration) {
-    struct Made : BrowserWindowController {
-        Made(std::shared_ptr<BookmarkStore> bookmarks,
-             const std::shared_ptr<Platform::WebViewConfiguration>& configuration)
-            : BrowserWindowController(std::move(bookmarks), configuration) {}
-    };
     if (!configuration) {
         configuration = Platform::WebViewConfiguration::create();
     }
-    auto controller = std::make_shared<Made>(std::move(bookmarks), configuration);
+    auto controller = Platform::makeShared<BrowserWindowController>(std::move(bookmarks), configuration);
     controller->assemble();
     return controller;
 }

@@ -3,7 +3,6 @@
 #include "Keyloft/ProgressBar.h"
 #include "KeyloftBrowserKit/BookmarkStore.h"
 #include "Platform/AppKit/Button.h"
-#include "Platform/AppKit/SearchField.h"
 #include "Platform/AppKit/StackView.h"
 #include "Platform/AppKit/TextField.h"
 #include "Platform/AppKit/WindowController.h"

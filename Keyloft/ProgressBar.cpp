@@ -1,10 +1,11 @@
 #include "Keyloft/ProgressBar.h"
 
+#include "Platform/Foundation/MakeShared.h"
+
 namespace Keyloft {
 
 std::shared_ptr<ProgressBar> ProgressBar::create() {
-    struct Made : ProgressBar {};
-    auto bar = std::make_shared<Made>();
+    auto bar = Platform::makeShared<ProgressBar>();
     bar->fill_->setBackgroundColor(Platform::Color::controlAccent);
     bar->fill_->setHidden(true);
     bar->addSubview(bar->fill_);

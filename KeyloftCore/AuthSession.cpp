@@ -6,6 +6,7 @@
 #include "Platform/AppKit/Window.h"
 #include "Platform/Foundation/Characters.h"
 #include "Platform/Foundation/FatalError.h"
+#include "Platform/Foundation/MakeShared.h"
 #include "Platform/Foundation/Timer.h"
 #include "Platform/WebKit/WebView.h"
 
@@ -40,11 +41,7 @@ AuthSession::AuthSession(AuthorizeRequest request, Completion completion)
 AuthSession::~AuthSession() = default;
 
 std::shared_ptr<AuthSession> AuthSession::create(AuthorizeRequest request, Completion completion) {
-    struct Made : AuthSession {
-        Made(AuthorizeRequest request, Completion completion)
-            : AuthSession(std::move(request), std::move(completion)) {}
-    };
-    return std::make_shared<Made>(std::move(request), std::move(completion));
+    return Platform::makeShared<AuthSession>(std::move(request), std::move(completion));
 }
 
 void AuthSession::start() {

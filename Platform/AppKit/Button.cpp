@@ -1,13 +1,11 @@
 #include "Platform/AppKit/Button.h"
 
 #include "Platform/AppKit/MainThread.h"
+#include "Platform/Foundation/MakeShared.h"
 
 namespace Platform {
 
-std::shared_ptr<Button> Button::create() {
-    struct Made : Button {};
-    return std::make_shared<Made>();
-}
+std::shared_ptr<Button> Button::create() { return makeShared<Button>(); }
 
 std::shared_ptr<Button> Button::create(const std::string& title, const std::weak_ptr<Responder>& target,
                                        Action action) {

@@ -1,11 +1,12 @@
 #include "Platform/AppKit/Menu.h"
 
+#include "Platform/Foundation/MakeShared.h"
+
 namespace Platform {
 
 std::shared_ptr<MenuItem> MenuItem::create(const std::string& title, std::optional<Action> action,
                                            const std::string& keyEquivalent) {
-    struct Made : MenuItem {};
-    auto item = std::make_shared<Made>();
+    auto item = makeShared<MenuItem>();
     item->title_ = title;
     item->action_ = action;
     item->keyEquivalent_ = keyEquivalent;
@@ -19,8 +20,7 @@ std::shared_ptr<MenuItem> MenuItem::createSeparator() {
 }
 
 std::shared_ptr<Menu> Menu::create(const std::string& title) {
-    struct Made : Menu {};
-    auto menu = std::make_shared<Made>();
+    auto menu = makeShared<Menu>();
     menu->title_ = title;
     return menu;
 }

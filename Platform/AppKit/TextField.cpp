@@ -1,13 +1,13 @@
 #include "Platform/AppKit/TextField.h"
 
 #include "Platform/AppKit/MainThread.h"
+#include "Platform/Foundation/MakeShared.h"
 
 namespace Platform {
 
-std::shared_ptr<TextField> TextField::create() {
-    struct Made : TextField {};
-    return std::make_shared<Made>();
-}
+std::shared_ptr<TextField> TextField::create() { return makeShared<TextField>(); }
+
+std::shared_ptr<SearchField> SearchField::create() { return makeShared<SearchField>(); }
 
 bool TextField::respondsTo(Action action) const { return Platform::isEditing(action); }
 

@@ -1,11 +1,10 @@
 #include "Platform/AppKit/View.h"
 
+#include "Platform/Foundation/MakeShared.h"
+
 namespace Platform {
 
-std::shared_ptr<View> View::create() {
-    struct Made : View {};
-    return std::make_shared<Made>();
-}
+std::shared_ptr<View> View::create() { return makeShared<View>(); }
 
 std::shared_ptr<Window> View::window() const {
     auto window = window_.lock();

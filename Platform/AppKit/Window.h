@@ -110,10 +110,11 @@ public:
     struct Native;
     Native& native() { return *native_; }
 
+protected:
+    Window(Size contentSize, Style style);
+
 private:
     friend class WindowController;
-
-    Window(Size contentSize, Style style);
 
     std::string title_;
     Size contentSize_;

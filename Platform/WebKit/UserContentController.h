@@ -64,9 +64,10 @@ public:
     struct Native;
     Native& native() { return *native_; }
 
-private:
+protected:
     UserContentController();
 
+private:
     std::unique_ptr<Native> native_;
 };
 

@@ -1,6 +1,7 @@
 #include "Platform/WebKit/WebView.h"
 
 #include "Platform/AppKit/MainThread.h"
+#include "Platform/Foundation/MakeShared.h"
 #include "Platform/WebKit/WebViewEngine.h"
 
 #include <utility>
@@ -9,11 +10,7 @@ namespace Platform {
 
 std::shared_ptr<WebView> WebView::create(const std::shared_ptr<WebViewConfiguration>& configuration) {
     assertMainThread("WebView::create");
-    struct Made final : WebView {
-        explicit Made(std::shared_ptr<WebViewConfiguration> configuration)
-            : WebView(std::move(configuration)) {}
-    };
-    auto view = std::make_shared<Made>(configuration);
+    auto view = makeShared<WebView>(configuration);
     view->native();
     view->engine_->setOwner(view);
     return view;

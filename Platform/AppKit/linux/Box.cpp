@@ -4,11 +4,6 @@
 
 namespace Platform {
 
-std::shared_ptr<Box> Box::createSeparator() {
-    struct Made : Box {};
-    return std::make_shared<Made>();
-}
-
 std::unique_ptr<View::Native> Box::makeNative() {
     auto native = std::make_unique<Native>();
     native->widget = GObjectPtr<GtkWidget>::retain(gtk_separator_new(GTK_ORIENTATION_HORIZONTAL));

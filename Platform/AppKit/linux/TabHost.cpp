@@ -7,6 +7,7 @@
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
+#include "Platform/Foundation/MakeShared.h"
 
 #include <algorithm>
 
@@ -22,8 +23,7 @@ GQuark hostQuark() {
 } // namespace
 
 std::shared_ptr<TabHost> TabHost::create() {
-    struct Made : TabHost {};
-    auto host = std::make_shared<Made>();
+    auto host = makeShared<TabHost>();
     host->connect();
     Application::shared().native().hosts.push_back(host);
     return host;

@@ -52,8 +52,10 @@ public:
     /// Greater than that of every top-level that was worked in before this one.
     std::uint64_t lastUse() const { return lastUse_; }
 
-private:
+protected:
     TabHost();
+
+private:
     void connect();
     void wasUsed();
     template <auto handler>

@@ -56,6 +56,10 @@ std::unique_ptr<View::Native> TextField::makeNative() {
     return std::make_unique<TextFieldEvents>(*this, gtk_entry_new());
 }
 
+std::unique_ptr<View::Native> SearchField::makeNative() {
+    return std::make_unique<TextFieldEvents>(*this, gtk_search_entry_new());
+}
+
 void TextField::applyFont(Native& native) {
     if (const auto wanted = font()) {
         gtk_text_set_attributes(static_cast<TextFieldEvents&>(native).text,

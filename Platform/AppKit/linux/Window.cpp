@@ -6,6 +6,7 @@
 #include "Platform/AppKit/linux/TextFieldNative.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
+#include "Platform/Foundation/MakeShared.h"
 
 #include <map>
 
@@ -55,11 +56,7 @@ Window::Window(Size contentSize, Style style)
 }
 
 std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
-    struct Made : Window {
-        Made(Size contentSize, Style style)
-            : Window(contentSize, style) {}
-    };
-    auto window = std::make_shared<Made>(contentSize, style);
+    auto window = makeShared<Window>(contentSize, style);
     window->contentView_ = View::create();
     window->contentView_->window_ = window;
     return window;

@@ -4,11 +4,6 @@
 
 namespace Platform {
 
-std::shared_ptr<Box> Box::createSeparator() {
-    struct Made : Box {};
-    return std::make_shared<Made>();
-}
-
 std::unique_ptr<View::Native> Box::makeNative() {
     NSBox* const box = [[NSBox alloc] initWithFrame:NSZeroRect];
     box.boxType = NSBoxSeparator;

@@ -84,6 +84,13 @@ std::unique_ptr<View::Native> TextField::makeNative() {
     return TextFieldEvents::make(*this, field);
 }
 
+std::unique_ptr<View::Native> SearchField::makeNative() {
+    NSSearchField* const field = [[NSSearchField alloc] initWithFrame:NSZeroRect];
+    field.sendsWholeSearchString = YES;
+    field.sendsSearchStringImmediately = NO;
+    return TextFieldEvents::make(*this, field);
+}
+
 void TextField::applyFont(Native& native) { ControlNative::of(native).applyFont(*this); }
 
 std::unique_ptr<View::Native> TextFieldEvents::make(const TextField& field, NSTextField* made) {

@@ -8,6 +8,7 @@
 #include "Platform/AppKit/macos/NativeReference.h"
 #include "Platform/AppKit/macos/ViewNative.h"
 #include "Platform/AppKit/macos/WindowNative.h"
+#include "Platform/Foundation/MakeShared.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/macos/Conversions.h"
 
@@ -78,11 +79,7 @@ Window::Window(Size contentSize, Style style)
 }
 
 std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
-    struct Made : Window {
-        Made(Size contentSize, Style style)
-            : Window(contentSize, style) {}
-    };
-    auto window = std::make_shared<Made>(contentSize, style);
+    auto window = makeShared<Window>(contentSize, style);
     Native& native = *window->native_;
     setReference(native.window, window);
     native.delegate = [[KeyloftWindowDelegate alloc] init];

@@ -50,12 +50,6 @@ UserContentController::UserContentController()
 
 UserContentController::~UserContentController() { assertMainThread("UserContentController"); }
 
-std::shared_ptr<UserContentController> UserContentController::create() {
-    assertMainThread("UserContentController::create");
-    struct Made : UserContentController {};
-    return std::make_shared<Made>();
-}
-
 void UserContentController::addScriptMessageHandler(const std::weak_ptr<ScriptMessageHandler>& handler,
                                                     const std::string& name) {
     assertMainThread("UserContentController::addScriptMessageHandler");

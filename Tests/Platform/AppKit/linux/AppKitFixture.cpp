@@ -2,12 +2,12 @@
 
 #include "Platform/AppKit/ProgramInfo.h"
 #include "Platform/AppKit/linux/ApplicationNative.h"
+#include "Platform/Foundation/MakeShared.h"
 
 namespace Platform::Tests {
 
 std::shared_ptr<RecordingController> RecordingController::create(const std::string& title) {
-    struct Made : RecordingController {};
-    auto controller = std::make_shared<Made>();
+    auto controller = makeShared<RecordingController>();
     const auto window = Window::create({.width = 600, .height = 400}, {});
     window->setTitle(title);
     controller->setWindow(window);

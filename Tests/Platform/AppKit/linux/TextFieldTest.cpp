@@ -1,4 +1,5 @@
-#include "Platform/AppKit/SearchField.h"
+#include "Platform/AppKit/TextField.h"
+
 #include "Platform/AppKit/StackView.h"
 #include "Platform/AppKit/linux/TextFieldNative.h"
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"

@@ -1,7 +1,8 @@
 #include "Platform/AppKit/Box.h"
 #include "Platform/AppKit/Button.h"
-#include "Platform/AppKit/SearchField.h"
 #include "Platform/AppKit/StackView.h"
+#include "Platform/AppKit/TextField.h"
+#include "Platform/Foundation/MakeShared.h"
 #include "Tests/Platform/AppKit/linux/AppKitFixture.h"
 
 #include <memory>
@@ -275,8 +276,7 @@ TEST_F(ViewTest, aFrameOfALaidOutSubviewIsWhereTheWidgetIs) {
     class Half : public View {
     public:
         static std::shared_ptr<Half> create() {
-            struct Made : Half {};
-            auto half = std::make_shared<Made>();
+            auto half = makeShared<Half>();
             half->addSubview(half->child);
             return half;
         }
