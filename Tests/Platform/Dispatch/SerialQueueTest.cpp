@@ -152,7 +152,7 @@ TEST(SerialQueueDeathTest, aSynchronousCallOnItselfStopsTheProcess) {
             SerialQueue queue("velde.orvane.keyloft.test");
             queue.sync([&] { queue.sync([] {}); });
         },
-        "synchronous call on the queue.*velde.orvane.keyloft.test");
+        "a synchronous call on the queue that it would wait for: velde.orvane.keyloft.test");
 }
 
 } // namespace

@@ -10,7 +10,11 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <ctime>
+#include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -28,6 +32,21 @@ using TestSupport::eventually;
 using TestSupport::openDescriptors;
 using TestSupport::Pipe;
 using TestSupport::runningThreads;
+
+pid_t threadOf(SerialQueue& queue) {
+    pid_t thread = 0;
+    queue.sync([&] { thread = gettid(); });
+    return thread;
+}
+
+/// Waits until a thread of this process sleeps.
+[[nodiscard]] bool fallsAsleep(pid_t thread) {
+    return eventually([&] {
+        std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+        std::string line;
+        return std::getline(file, line) && line.contains(") S ");
+    });
+}
 
 TEST(SerialQueueThread, namesItsThreadAfterTheLabelsEnd) {
     SerialQueue queue("velde.orvane.keyloft.a-name-longer-than-the-kernel-keeps");
@@ -64,6 +83,63 @@ TEST(SerialQueueThread, leavesNoThreadAndNoDescriptor) {
     EXPECT_EQ(openDescriptors(), descriptors);
 }
 
+TEST(SerialQueueThread, sleepsWhileThereIsNothingToDo) {
+    using std::chrono::milliseconds;
+    SerialQueue queue("test");
+    ASSERT_TRUE(fallsAsleep(threadOf(queue)));
+    const auto processorTime = [] {
+        timespec time = {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    };
+    std::chrono::nanoseconds used{};
+    Event done;
+    queue.sync([&] {
+        used = -processorTime();
+        queue.asyncAfter(milliseconds(50), [&] {
+            used += processorTime();
+            done.signal();
+        });
+    });
+    ASSERT_TRUE(done.wait());
+    EXPECT_LT(used, milliseconds(10));
+}
+
+TEST(SerialQueueThread, doesNotSleepWhileWorkIsWaiting) {
+    SerialQueue queue("test");
+    const auto sleeps = [] {
+        rusage usage = {};
+        getrusage(RUSAGE_THREAD, &usage);
+        return usage.ru_nvcsw;
+    };
+    long before = 0;
+    long after = 0;
+    int left = 200;
+    Event done;
+    const std::function<void()> next = [&] {
+        if (left == 200) {
+            before = sleeps();
+        }
+        if (--left > 0) {
+            queue.async(next);
+        } else {
+            after = sleeps();
+            done.signal();
+        }
+    };
+    queue.async(next);
+    ASSERT_TRUE(done.wait());
+    EXPECT_LT(after - before, 100);
+}
+
+TEST(SerialQueueThread, isWokenForDelayedWork) {
+    SerialQueue queue("test");
+    ASSERT_TRUE(fallsAsleep(threadOf(queue)));
+    Event done;
+    queue.asyncAfter(std::chrono::milliseconds(1), [&] { done.signal(); });
+    EXPECT_TRUE(done.wait());
+}
+
 TEST(SerialQueueThread, leavesTheProcessesSignalsToOtherThreads) {
     SerialQueue queue("test");
     sigset_t mask;
@@ -85,6 +161,23 @@ TEST(SerialQueueThread, cannotBeMadeWithoutADescriptor) {
     setrlimit(RLIMIT_NOFILE, &none);
     EXPECT_THROW(SerialQueue("test"), std::system_error);
     setrlimit(RLIMIT_NOFILE, &previous);
+}
+
+TEST(SerialQueueThread, cannotBeMadeWithoutAThread) {
+    pthread_attr_t previous;
+    ASSERT_EQ(pthread_getattr_default_np(&previous), 0);
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_getattr_default_np(&attributes), 0);
+    // More than the address space.
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 60U), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&attributes), 0);
+    EXPECT_THROW(SerialQueue("test"), std::system_error);
+    EXPECT_EQ(pthread_setattr_default_np(&previous), 0);
+    pthread_attr_destroy(&attributes);
+    pthread_attr_destroy(&previous);
+    sigset_t mask;
+    pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+    EXPECT_EQ(sigismember(&mask, SIGINT), 0) << "the caller gets its signals back";
 }
 
 TEST(ReadSourceThread, workOfAHandlerRunsBeforeTheNextHandler) {
@@ -160,7 +253,7 @@ TEST(ReadSourceDeathTest, aDescriptorClosedTooEarlyStopsTheProcess) {
             queue.sync([] {});
             queue.sync([] {});
         },
-        "closed before its read source was cancelled");
+        "a descriptor was closed before its read source was cancelled, on queue test");
 }
 
 } // namespace
