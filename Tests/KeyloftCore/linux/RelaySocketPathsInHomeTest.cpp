@@ -1,45 +1,22 @@
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketClient.h"
 #include "KeyloftCore/RelaySocketPaths.h"
+#include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace {
 
 using KeyloftCore::RelaySocketPaths;
-
-/// HOME for the length of a test.
-class Home {
-public:
-    explicit Home(const std::string& path) {
-        if (const char* home = std::getenv("HOME")) {
-            previous_ = home;
-        }
-        setenv("HOME", path.c_str(), 1);
-    }
-    Home(const Home&) = delete;
-    Home& operator=(const Home&) = delete;
-    ~Home() {
-        if (previous_) {
-            setenv("HOME", previous_->c_str(), 1);
-        } else {
-            unsetenv("HOME");
-        }
-    }
-
-private:
-    std::optional<std::string> previous_;
-};
+using TestSupport::EnvironmentVariable;
 
 TEST(RelaySocketPaths, areUnderTheHomeDirectoryOfTheEnvironment) {
-    const Home home("/Users/a");
+    const EnvironmentVariable home("HOME", "/Users/a");
     EXPECT_EQ(
         RelaySocketPaths::candidates(),
         (std::vector<std::string>{"/Users/a/Library/Group Containers/group.velde.orvane.keyloft/relay.sock",
@@ -48,7 +25,7 @@ TEST(RelaySocketPaths, areUnderTheHomeDirectoryOfTheEnvironment) {
 }
 
 TEST(RelaySocketPaths, areFileSystemPathsAndNotURLText) {
-    const Home home("/Users/Zoë with 100% and #?");
+    const EnvironmentVariable home("HOME", "/Users/Zoë with 100% and #?");
     const auto candidates = RelaySocketPaths::candidates();
     EXPECT_EQ(candidates[0],
               "/Users/Zoë with 100% and #?/Library/Group Containers/group.velde.orvane.keyloft/relay.sock");
@@ -57,7 +34,7 @@ TEST(RelaySocketPaths, areFileSystemPathsAndNotURLText) {
 
 TEST(RelaySocketPaths, keepTheBytesOfAHomeDirectoryThatIsNotUTF8) {
     const TestSupport::TemporaryDirectory directory;
-    const Home home(directory / "caf\xE9");
+    const EnvironmentVariable home("HOME", (directory / "caf\xE9").c_str());
     const auto candidates = RelaySocketPaths::candidates();
     EXPECT_EQ(candidates[0],
               directory / "caf\xE9/Library/Group Containers/group.velde.orvane.keyloft/relay.sock");
@@ -74,18 +51,18 @@ TEST(RelaySocketPaths, keepTheBytesOfAHomeDirectoryThatIsNotUTF8) {
 
 TEST(RelaySocketPaths, followTheHomeDirectoryAnewAndTouchNothing) {
     const auto missing = std::filesystem::temp_directory_path() / "no-such-home-for-the-relay";
-    const Home home(missing.string());
+    const EnvironmentVariable home("HOME", missing.string().c_str());
     const auto candidates = RelaySocketPaths::candidates();
     EXPECT_EQ(candidates, RelaySocketPaths::candidates());
     EXPECT_TRUE(candidates[0].starts_with(missing.string() + "/"));
     EXPECT_FALSE(std::filesystem::exists(missing));
-    const Home other("/");
+    const EnvironmentVariable other("HOME", "/");
     EXPECT_EQ(RelaySocketPaths::candidates()[0],
               "/Library/Group Containers/group.velde.orvane.keyloft/relay.sock");
 }
 
 TEST(RelaySocketPaths, aPathTooLongForASocketIsStillReturned) {
-    const Home home("/" + std::string(300, 'h'));
+    const EnvironmentVariable home("HOME", ("/" + std::string(300, 'h')).c_str());
     for (const auto& path : RelaySocketPaths::candidates()) {
         EXPECT_GT(path.size(), 300U);
     }

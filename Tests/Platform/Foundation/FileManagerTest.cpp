@@ -1,10 +1,12 @@
 #include "Platform/Foundation/FileManager.h"
 
+#include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/Present.h"
 #include "Tests/Support/PrivateMounts.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,6 +29,7 @@ namespace fs = std::filesystem;
 using Platform::FileError;
 using Platform::FileManager;
 using TestSupport::contentsOf;
+using TestSupport::EnvironmentVariable;
 using TestSupport::namesIn;
 using TestSupport::present;
 using TestSupport::TemporaryDirectory;
@@ -75,33 +78,6 @@ mode_t modeOf(const std::string& path) {
     return status.st_mode & 07777U;
 }
 
-/// Sets an environment variable for as long as it lives.
-class EnvironmentVariable {
-public:
-    EnvironmentVariable(const char* name, const char* value)
-        : name_(name) {
-        if (const char* previous = std::getenv(name); previous != nullptr) {
-            previous_ = previous;
-        }
-        set(value);
-    }
-    EnvironmentVariable(const EnvironmentVariable&) = delete;
-    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-    ~EnvironmentVariable() { set(previous_ ? previous_->c_str() : nullptr); }
-
-private:
-    void set(const char* value) const {
-        if (value != nullptr) {
-            setenv(name_, value, 1);
-        } else {
-            unsetenv(name_);
-        }
-    }
-
-    const char* name_;
-    std::optional<std::string> previous_;
-};
-
 TEST(FileManager, theHomeDirectoryIsTheSessions) {
     const EnvironmentVariable home("HOME", "/home/a b");
     EXPECT_EQ(files().homeDirectory().filePath(), "/home/a b");
@@ -109,10 +85,20 @@ TEST(FileManager, theHomeDirectoryIsTheSessions) {
 }
 
 TEST(FileManager, withoutAUsableHomeInTheSessionTheUserDatabaseIsAsked) {
-    for (const char* value : {static_cast<const char*>(nullptr), "", "relative"}) {
-        const EnvironmentVariable home("HOME", value);
-        EXPECT_TRUE(files().homeDirectory().filePath().starts_with('/'));
-    }
+    const TemporaryDirectory directory;
+    const std::string database = directory / "passwd";
+    const std::string user = "u:x:" + std::to_string(getuid()) + ":" + std::to_string(getgid()) + "::";
+    KEYLOFT_IN_PRIVATE_MOUNTS([&] {
+        writeContents(database, "");
+        ASSERT_EQ(mount(database.c_str(), "/etc/passwd", nullptr, MS_BIND, nullptr), 0);
+        for (const char* value : {static_cast<const char*>(nullptr), "", "relative"}) {
+            const EnvironmentVariable home("HOME", value);
+            writeContents(database, user + "/home/in the database:\n");
+            EXPECT_EQ(files().homeDirectory().filePath(), "/home/in the database");
+            writeContents(database, user + "relative:\n");
+            EXPECT_EQ(files().homeDirectory().filePath(), "/");
+        }
+    });
 }
 
 TEST(FileManager, applicationSupportIsTheHomeDirectorysLiterally) {
