@@ -1,11 +1,13 @@
 #include "Platform/Foundation/FileManager.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdarg>
 #include <set>
 #include <string>
 #include <utility>
@@ -31,6 +33,7 @@ NextFailure nextFsync;
 NextFailure nextClose;
 NextFailure nextFchown;
 NextFailure nextWrite;
+NextFailure nextOpen;
 
 } // namespace
 
@@ -41,6 +44,7 @@ int __real_fsync(int descriptor);
 int __real_close(int descriptor);
 int __real_fchown(int descriptor, uid_t owner, gid_t group);
 ssize_t __real_write(int descriptor, const void* bytes, size_t count);
+int __real_open(const char* path, int flags, ...);
 
 int __wrap_fsync(int descriptor) { return nextFsync.isDue() ? -1 : __real_fsync(descriptor); }
 int __wrap_close(int descriptor) {
@@ -52,6 +56,13 @@ int __wrap_fchown(int descriptor, uid_t owner, gid_t group) {
 }
 ssize_t __wrap_write(int descriptor, const void* bytes, size_t count) {
     return nextWrite.isDue() ? -1 : __real_write(descriptor, bytes, count);
+}
+int __wrap_open(const char* path, int flags, ...) {
+    std::va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return nextOpen.isDue() ? -1 : __real_open(path, flags, mode);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)
@@ -71,7 +82,7 @@ protected:
     FileManagerFailureTest() { writeContents(file_, "old"); }
 
     void TearDown() override {
-        for (const auto* next : {&nextFsync, &nextClose, &nextFchown, &nextWrite}) {
+        for (const auto* next : {&nextFsync, &nextClose, &nextFchown, &nextWrite, &nextOpen}) {
             EXPECT_EQ(next->error, 0) << "The failure did not happen.";
         }
     }
@@ -105,6 +116,17 @@ TEST_F(FileManagerFailureTest, leavesTheOldFileIfItCannotBeFlushed) {
 TEST_F(FileManagerFailureTest, leavesTheOldFileIfClosingReportsALostWrite) {
     nextClose = {.error = EDQUOT};
     expectFailure("Disk quota exceeded", "old");
+}
+
+TEST_F(FileManagerFailureTest, leavesTheOldFileIfItsDirectoryCannotBeOpened) {
+    nextOpen = {.error = EMFILE};
+    expectFailure("Too many open files", "old");
+}
+
+TEST_F(FileManagerFailureTest, writesInADirectoryThatMayNotBeListed) {
+    nextOpen = {.error = EACCES};
+    EXPECT_NO_THROW(write());
+    EXPECT_EQ(contentsOf(file()), "new");
 }
 
 TEST_F(FileManagerFailureTest, reportsADirectoryThatCannotBeFlushed) {
