@@ -1,5 +1,7 @@
 #include "Platform/Foundation/DiagnosticLog.h"
 
+#include "Tests/Support/EnvironmentVariable.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -7,6 +9,7 @@
 #include <array>
 #include <csignal>
 #include <cstddef>
+#include <ctime>
 #include <regex>
 #include <string>
 #include <string_view>
@@ -36,6 +39,23 @@ TEST(DiagnosticLog, aLineHasTimeProgramAndProcess) {
     EXPECT_TRUE(std::regex_match(logged("hello"), pattern)) << logged("hello");
 }
 
+TEST(DiagnosticLog, aLinesTimeIsTheLocalTimeOfItsWriting) {
+    // Twelve hours apart: one of the two is the afternoon.
+    for (const char* zone : {"UTC0", "Noon-12"}) {
+        const TestSupport::EnvironmentVariable localZone("TZ", zone);
+        tzset();
+        const std::time_t before = std::time(nullptr);
+        const std::string line = logged("hello");
+        const std::time_t after = std::time(nullptr);
+        tm logged = {};
+        ASSERT_NE(strptime(line.c_str(), "%Y-%m-%d %H:%M:%S.", &logged), nullptr);
+        const std::time_t time = mktime(&logged);
+        EXPECT_GE(time, before);
+        EXPECT_LE(time, after);
+    }
+    tzset();
+}
+
 TEST(DiagnosticLog, lineBreaksAndControlsBecomeEscapes) {
     EXPECT_EQ(message("a\nb\r\nc"), "a\\nb\\r\\nc");
     EXPECT_EQ(message("\x1b[2J\x7f"), "\\x1b[2J\\x7f");
@@ -44,6 +64,7 @@ TEST(DiagnosticLog, lineBreaksAndControlsBecomeEscapes) {
                       "c"),
               "a\\x9bb\xc2\xa0"
               "c");
+    EXPECT_EQ(message("\xc2\x80\xc2\x9f"), "\\x80\\x9f");
     EXPECT_EQ(message(std::string_view("a\0b", 3)), "a\\x00b");
 }
 
