@@ -29,6 +29,18 @@ TEST(URLComponents, anEmptyTextHasComponents) {
     EXPECT_EQ(components.url(), std::nullopt);
 }
 
+TEST(URLComponents, everyPartIsDecoded) {
+    const URLComponents components = componentsOf("s://%41:%42@%43:8/%44?%45#%46");
+    EXPECT_EQ(components.scheme(), "s");
+    EXPECT_EQ(components.user(), "A");
+    EXPECT_EQ(components.password(), "B");
+    EXPECT_EQ(components.host(), "C");
+    EXPECT_EQ(components.port(), 8);
+    EXPECT_EQ(components.path(), "/D");
+    EXPECT_EQ(components.query(), "E");
+    EXPECT_EQ(components.fragment(), "F");
+}
+
 TEST(URLComponents, unchangedPartsKeepTheirText) {
     EXPECT_EQ(componentsOf("https://x.test:065/").string(), "https://x.test:065/");
     EXPECT_EQ(componentsOf("https://x.test:/").string(), "https://x.test:/");
@@ -139,6 +151,7 @@ TEST(URLComponents, encodedItemsAreKeptAsTheyAre) {
     components.setPercentEncodedQueryItems({item("a=b", "c&d"), item("%zz", "100%")});
     EXPECT_EQ(components.percentEncodedQuery(), "a%3Db=c%26d&%25zz=100%25")
         << "what would be read otherwise is encoded";
+    EXPECT_EQ(components.string(), "https://x.test/?a%3Db=c%26d&%25zz=100%25");
 }
 
 TEST(URLComponents, anyItemsAreReadBack) {
@@ -168,6 +181,7 @@ TEST(URLComponents, invalidEncodedTextIsEncodedRatherThanRefused) {
     EXPECT_EQ(components.percentEncodedQuery(), "a%20b%2541");
     components.setPercentEncodedQuery("a%41");
     EXPECT_EQ(components.percentEncodedQuery(), "a%41");
+    EXPECT_EQ(components.string(), "https://x.test/?a%41");
 }
 
 } // namespace

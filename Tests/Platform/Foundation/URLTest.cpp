@@ -148,6 +148,27 @@ TEST(URL, onlyWhatIsInvalidIsEncoded) {
     EXPECT_EQ(parsed("a@ b:c/d:e").absoluteString(), "a@%20b%3Ac/d:e");
 }
 
+TEST(URL, anEscapeHasTwoHexadecimalDigitsOfEitherCase) {
+    EXPECT_EQ(parsed("https://x.test/%41%4a%4b%4c%4d%4e%4f%4A%4B%4C%4D%4E%4F%c3%a9").path(),
+              "/AJKLMNOJKLMNO\u00E9");
+    EXPECT_EQ(parsed("https://x.test/%39%a%0").absoluteString(), "https://x.test/%2539%25a%250")
+        << "an escape that is cut off";
+    for (const auto* const digit : {":", "@", "G", "g", "~"}) {
+        const std::string notAnEscape = digit + std::string("4");
+        EXPECT_EQ(parsed("https://x.test/%" + notAnEscape).absoluteString(),
+                  "https://x.test/%25" + notAnEscape);
+        EXPECT_EQ(parsed(std::string("https://x.test/%4") + digit).absoluteString(),
+                  std::string("https://x.test/%254") + digit);
+    }
+}
+
+TEST(URL, nothingBeyondTheTextIsRead) {
+    const std::string_view escape = "%41";
+    EXPECT_EQ(parsed(escape.substr(0, 2)).absoluteString(), "%254");
+    const std::string_view scheme = "x:";
+    EXPECT_EQ(parsed(scheme.substr(0, 1)).absoluteString(), "x");
+}
+
 TEST(URL, controlCharactersAndNULAreEncoded) {
     const URL url = parsed(std::string_view("https://x.test/a\0b\x7F\n#\0", 22));
     EXPECT_EQ(url.absoluteString(), "https://x.test/a%00b%7F%0A#%00");
