@@ -54,12 +54,14 @@ TEST(Timer, firesAgainAndAgainIfItRepeats) {
 TEST(Timer, neverFiresOnceInvalidated) {
     int calls = 0;
     const auto timer = Timer::scheduled(0.001, true, [&] { ++calls; });
+    testing::internal::CaptureStderr();
     timer->invalidate();
     timer->invalidate();
     EXPECT_FALSE(timer->isValid());
     timer->fire();
     runFor(0.01);
     EXPECT_EQ(calls, 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(Timer, isInvalidatedWithItsLastReference) {
@@ -209,8 +211,10 @@ TEST(RunLoop, runsInsideACallbackUntilItsOwnStop) {
 }
 
 TEST(RunLoop, aStopOutsideOfARunDoesNothing) {
+    testing::internal::CaptureStderr();
     RunLoop::main().stop();
     runFor(0.001);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 } // namespace
