@@ -74,7 +74,7 @@ TEST(NativeMessageFrameDeathTest, aPayloadBeyondThirtyTwoBitsStopsTheProcess) {
     void* area = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     ASSERT_NE(area, MAP_FAILED);
     EXPECT_DEATH(NativeMessageFrame::encode({static_cast<const char*>(area), size}),
-                 "does not fit in 32 bits");
+                 "a relay frame's payload does not fit in 32 bits");
     munmap(area, size);
 }
 

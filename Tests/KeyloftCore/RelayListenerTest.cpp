@@ -689,7 +689,7 @@ TEST(RelayListenerDeathTest, aListenerWithoutAHandlerStopsTheProcess) {
     const TestSupport::TemporaryDirectory directory;
     const auto path = directory / "relay.sock";
     writeContents(path, "mine");
-    EXPECT_DEATH(RelayListener().listen(path, nullptr), "needs a handler for its requests");
+    EXPECT_DEATH(RelayListener().listen(path, nullptr), "a relay listener needs a handler for its requests");
     EXPECT_EQ(TestSupport::contentsOf(path), "mine");
 }
 

@@ -300,7 +300,8 @@ TEST(RelaySocketClientDeathTest, aTimeoutThatIsNoTimeStopsTheProcess) {
     for (const double timeout :
          {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
           std::numeric_limits<double>::quiet_NaN(), 9.3e18, -9.3e18, std::numeric_limits<double>::max()}) {
-        EXPECT_DEATH(RelaySocketClient::connect(path).readFrame(timeout), "not finite or too large")
+        EXPECT_DEATH(RelaySocketClient::connect(path).readFrame(timeout),
+                     "a relay time-out that is not finite or too large")
             << timeout;
     }
 }
