@@ -65,6 +65,7 @@ TEST(DiagnosticLog, lineBreaksAndControlsBecomeEscapes) {
               "a\\x9bb\xc2\xa0"
               "c");
     EXPECT_EQ(message("\xc2\x80\xc2\x9f"), "\\x80\\x9f");
+    EXPECT_EQ(message("\x1f \xc2\x7f"), "\\x1f \xc2\\x7f");
     EXPECT_EQ(message(std::string_view("a\0b", 3)), "a\\x00b");
 }
 

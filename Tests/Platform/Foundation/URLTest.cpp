@@ -109,6 +109,16 @@ TEST(URL, anInternationalHostWithAnyErrorIsRefused) {
     EXPECT_EQ(parsed("https://a\u00B7b.test/").host(), "xn--ab-0ea.test") << "punctuation is not checked";
 }
 
+TEST(URL, aHostThatIsNotADomainNameIsEncodedAsItIs) {
+    for (const std::string scheme :
+         {"addressbook", "callto", "contact", "facetime", "facetime-audio", "facetime-audio-prompt",
+          "facetime-prompt", "facetimephone", "http+unix", "https+unix", "imap", "phasset", "pop", "tel",
+          "telprompt", "ws+unix", "wss+unix", "TEL"}) {
+        EXPECT_EQ(parsed(scheme + "://B\u00FCcher b/").absoluteString(), scheme + "://B%C3%BCcher%20b/");
+    }
+    EXPECT_EQ(URL::fromString("unknown://B\u00FCcher b/"), std::nullopt);
+}
+
 TEST(URL, anASCIIHostIsNotCheckedAsADomainName) {
     for (const std::string& host : {std::string(".a..b"), std::string("-a-.test"), std::string("bc--d.test"),
                                     std::string("xn--999999999.test"), std::string(300, 'a')}) {
