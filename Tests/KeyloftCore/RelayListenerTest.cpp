@@ -31,6 +31,7 @@ using TestSupport::longWait;
 using TestSupport::modeOf;
 using TestSupport::RawPeer;
 using TestSupport::RelayTest;
+using TestSupport::WithoutStandardInput;
 using TestSupport::writeContents;
 
 /// The process's file mode mask for the length of a test.
@@ -519,6 +520,21 @@ TEST_F(RelayListenerTest, withoutADescriptorLeftTheSocketFails) {
     const auto error = listenError(*listener, path);
     setrlimit(RLIMIT_NOFILE, &previous);
     EXPECT_EQ(error, RelaySocketError::syscall("socket", EMFILE));
+}
+
+TEST_F(RelayListenerTest, worksWithoutStandardInput) {
+    {
+        const WithoutStandardInput listeningIsZero;
+        startEcho();
+        EXPECT_EQ(ask(path, "x"), "echo x");
+        listener->close();
+    }
+    startEcho();
+    RawPeer peer;
+    const WithoutStandardInput connectionIsZero;
+    ASSERT_TRUE(peer.connect(path));
+    ASSERT_TRUE(peer.send(frame("y")));
+    EXPECT_EQ(peer.receiveAll(), frame("echo y"));
 }
 
 TEST_F(RelayListenerTest, descriptorsAreClosedOnExec) {

@@ -26,6 +26,7 @@ using TestSupport::frame;
 using TestSupport::longWait;
 using TestSupport::RawPeer;
 using TestSupport::TemporaryDirectory;
+using TestSupport::WithoutStandardInput;
 using Clock = std::chrono::steady_clock;
 
 /// A server that does what a test wants with its one connection.
@@ -101,6 +102,15 @@ TEST_F(RelaySocketClientTest, copiesShareTheDescriptor) {
     const auto copy = client; // NOLINT: the copy is what is tested
     EXPECT_EQ(copy.fd(), client.fd());
     EXPECT_EQ(copy.readFrame(longWait), "x");
+    client.close();
+}
+
+TEST_F(RelaySocketClientTest, connectsWithoutStandardInput) {
+    const PlainServer server(path, [](int connection) { put(connection, frame("x")); });
+    const WithoutStandardInput socketIsZero;
+    const auto client = RelaySocketClient::connect(path);
+    EXPECT_EQ(client.fd(), 0);
+    EXPECT_EQ(client.readFrame(longWait), "x");
     client.close();
 }
 

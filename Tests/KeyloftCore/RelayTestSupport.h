@@ -8,6 +8,7 @@
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Waiting.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -113,6 +114,26 @@ public:
 private:
     int descriptor_;
     int error_ = 0;
+};
+
+/// Leaves descriptor 0 to whatever is opened next, as in a program that was started without standard input.
+class WithoutStandardInput {
+public:
+    WithoutStandardInput()
+        : saved_(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)) {
+        ::close(STDIN_FILENO);
+    }
+    WithoutStandardInput(const WithoutStandardInput&) = delete;
+    WithoutStandardInput& operator=(const WithoutStandardInput&) = delete;
+    ~WithoutStandardInput() {
+        if (saved_ >= 0) {
+            dup2(saved_, STDIN_FILENO);
+            ::close(saved_);
+        }
+    }
+
+private:
+    int saved_;
 };
 
 inline std::string frame(std::string_view payload) {
