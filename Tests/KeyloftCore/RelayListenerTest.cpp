@@ -11,6 +11,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -567,6 +568,20 @@ TEST_F(RelayListenerTest, closeRemovesTheSocketAndEndsConnections) {
     EXPECT_EQ(idle.receiveAll(), "");
     EXPECT_EQ(half.receiveAll(), "");
     EXPECT_FALSE(RawPeer().connect(path));
+}
+
+TEST_F(RelayListenerTest, itsEndWaitsForARunningHandler) {
+    std::atomic<bool> hasEnded = false;
+    listener->listen(path, [&](const std::string&, const RelayListener::Reply&) {
+        requests.signal();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        hasEnded = true;
+    });
+    const RawPeer peer(path);
+    ASSERT_TRUE(peer.send(frame("x")));
+    ASSERT_TRUE(requests.wait());
+    listener.reset();
+    EXPECT_TRUE(hasEnded);
 }
 
 TEST_F(RelayListenerTest, closeIsHarmlessTwiceAndBeforeListening) {
