@@ -182,6 +182,8 @@ TEST(URLComponents, invalidEncodedTextIsEncodedRatherThanRefused) {
     components.setPercentEncodedQuery("a%41");
     EXPECT_EQ(components.percentEncodedQuery(), "a%41");
     EXPECT_EQ(components.string(), "https://x.test/?a%41");
+    components.setPercentEncodedQuery(std::string_view("%41").substr(0, 2));
+    EXPECT_EQ(components.percentEncodedQuery(), "%254");
 }
 
 } // namespace

@@ -172,13 +172,6 @@ TEST(URL, anEscapeHasTwoHexadecimalDigitsOfEitherCase) {
     }
 }
 
-TEST(URL, nothingBeyondTheTextIsRead) {
-    const std::string_view escape = "%41";
-    EXPECT_EQ(parsed(escape.substr(0, 2)).absoluteString(), "%254");
-    const std::string_view scheme = "x:";
-    EXPECT_EQ(parsed(scheme.substr(0, 1)).absoluteString(), "x");
-}
-
 TEST(URL, controlCharactersAndNULAreEncoded) {
     const URL url = parsed(std::string_view("https://x.test/a\0b\x7F\n#\0", 22));
     EXPECT_EQ(url.absoluteString(), "https://x.test/a%00b%7F%0A#%00");
