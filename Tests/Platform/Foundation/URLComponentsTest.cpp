@@ -123,12 +123,20 @@ TEST(URLComponents, aHostThatIsNotValidPunycodeIsAbsent) {
              Row{"both directions in one label", "xn--a-zhc.test"},
              Row{"joiner out of context", "xn--ab-m1t.test"},
              Row{"too many bytes", std::string(2049, 'a')},
-             Row{"too many bytes once converted", "xn--" + std::string(1000, 'a') + "bcd"},
+             Row{"too many bytes once converted", "xn--wgv" + std::string(682, 'a')},
          }) {
         const URLComponents components = componentsOf("https://" + host + "/");
         EXPECT_EQ(components.host(), std::nullopt) << error;
         EXPECT_EQ(components.percentEncodedHost(), host) << error;
     }
+}
+
+TEST(URLComponents, aHostIsShownUpToItsLimitInBytes) {
+    std::string shown;
+    for (int character = 0; character < 682; ++character) {
+        shown += "\u65E5";
+    }
+    EXPECT_EQ(componentsOf("https://xn--wgv" + std::string(681, 'a') + "/").host(), shown);
 }
 
 TEST(URLComponents, aHostThatOnlyLosesItsCaseStaysAsWritten) {
