@@ -424,6 +424,20 @@ TEST_F(SystemCallTest, aListenerThatDoesNotKnowItsFileLeavesIt) {
     EXPECT_TRUE(TestSupport::isSocket(path));
 }
 
+TEST_F(SystemCallTest, closeReturnsOnceTheSocketIsClosed) {
+    startEcho();
+    std::atomic<bool> isClosed = false;
+    SystemCalls system;
+    system.close = [&]() -> SystemCalls::Maybe {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        isClosed = true;
+        return std::nullopt;
+    };
+    const Intercepted intercepted(system);
+    listener->close();
+    EXPECT_TRUE(isClosed);
+}
+
 TEST_F(SystemCallTest, aFileThatCannotBeLookedAtStays) {
     startEcho();
     SystemCalls system;
