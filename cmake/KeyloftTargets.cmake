@@ -91,7 +91,9 @@ function(keyloft_test name)
     set(arg_TIMEOUT 120)
   endif()
   include(GoogleTest)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${kind} TIMEOUT ${arg_TIMEOUT})
+  # A critical message of GLib, GTK or WebKitGTK aborts the test.
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES LABELS ${kind} TIMEOUT ${arg_TIMEOUT} ENVIRONMENT G_DEBUG=fatal-criticals)
   # Also run all tests of the program in one process: no test may depend on what another leaves behind.
   if(NOT KEYLOFT_SANITIZE)
     add_test(NAME ${name}.inOneGo COMMAND ${name})
