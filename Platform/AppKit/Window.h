@@ -111,6 +111,7 @@ public:
     Native& native() { return *native_; }
 
 protected:
+    /// For `create`.
     Window(Size contentSize, Style style);
 
 private:
