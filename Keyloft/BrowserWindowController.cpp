@@ -3,8 +3,8 @@
 #include "Keyloft/BrowserAction.h"
 #include "KeyloftBrowserKit/AddressInput.h"
 #include "Platform/AppKit/Alert.h"
-#include "Platform/AppKit/Box.h"
 #include "Platform/AppKit/Menu.h"
+#include "Platform/AppKit/View.h"
 #include "Platform/Foundation/MakeShared.h"
 
 #include <array>

@@ -6,6 +6,8 @@ namespace Platform {
 
 std::shared_ptr<View> View::create() { return makeShared<View>(); }
 
+std::shared_ptr<Box> Box::createSeparator() { return makeShared<Box>(); }
+
 std::shared_ptr<Window> View::window() const {
     auto window = window_.lock();
     for (auto view = superview(); view && !window; view = view->superview()) {

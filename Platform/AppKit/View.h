@@ -111,4 +111,15 @@ private:
     std::unique_ptr<Native> native_;
 };
 
+/// Decoration that separates or groups views.
+class Box : public View {
+public:
+    /// A horizontal line, one point thick.
+    static std::shared_ptr<Box> createSeparator();
+
+protected:
+    Box() = default;
+    std::unique_ptr<Native> makeNative() override;
+};
+
 } // namespace Platform

@@ -13,7 +13,7 @@ class WindowController : public Responder, public std::enable_shared_from_this<W
 public:
     WindowController(const WindowController&) = delete;
     WindowController& operator=(const WindowController&) = delete;
-    ~WindowController() override;
+    ~WindowController() override = default;
 
     const std::shared_ptr<Window>& window() const { return window_; }
 
@@ -21,7 +21,8 @@ public:
 
 protected:
     /// `className` is the name under which an object runtime, where there is one, knows the class.
-    explicit WindowController(std::string_view className);
+    explicit WindowController(std::string_view className)
+        : className_(className) {}
 
     /// To be called once, as soon as the controller is held by a `shared_ptr`.
     void setWindow(const std::shared_ptr<Window>& window);

@@ -258,4 +258,10 @@ std::unique_ptr<View::Native> View::makeNative() {
     return native;
 }
 
+std::unique_ptr<View::Native> Box::makeNative() {
+    auto native = std::make_unique<Native>();
+    native->widget = GObjectPtr<GtkWidget>::retain(gtk_separator_new(GTK_ORIENTATION_HORIZONTAL));
+    return native;
+}
+
 } // namespace Platform

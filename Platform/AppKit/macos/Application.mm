@@ -2,7 +2,6 @@
 
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/StartArguments.h"
-#include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/ApplicationNative.h"
 #include "Platform/AppKit/macos/MenuNative.h"
 #include "Platform/AppKit/macos/NativeReference.h"

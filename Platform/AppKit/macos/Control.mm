@@ -1,7 +1,6 @@
 #include "Platform/AppKit/Control.h"
 
 #include "Platform/AppKit/MainThread.h"
-#include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/ControlNative.h"
 #include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/Foundation/macos/Conversions.h"

@@ -1,8 +1,8 @@
 #include "Platform/AppKit/Menu.h"
 
-#include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/MenuNative.h"
 #include "Platform/AppKit/macos/NativeReference.h"
+#include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/Foundation/macos/Conversions.h"
 
 namespace Platform {

@@ -5,6 +5,7 @@
 #import <AppKit/AppKit.h>
 
 #include <memory>
+#include <optional>
 #include <string_view>
 
 /// Represents one of our responders in AppKit's responder chain, as a window's controller and the
@@ -21,6 +22,13 @@
 @end
 
 namespace Platform {
+
+/// The selector of an action.
+SEL _Nonnull selectorFor(Action action);
+
+/// The action of a selector with one argument, or nothing. Its name is the selector's own text, which lives
+/// as long as the process.
+std::optional<Action> actionFor(SEL _Nullable selector);
 
 /// Returns true if the selector is an action's and the proxy's responder responds to the action.
 bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;

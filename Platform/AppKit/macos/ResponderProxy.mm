@@ -4,7 +4,6 @@
 #include "Platform/AppKit/Control.h"
 #include "Platform/AppKit/Menu.h"
 #include "Platform/AppKit/WindowController.h"
-#include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/NativeReference.h"
 #include "Platform/AppKit/macos/WindowNative.h"
 #include "Platform/Foundation/DiagnosticLog.h"
@@ -38,6 +37,16 @@ void performAction(const std::shared_ptr<Responder>& responder, SEL selector, id
 }
 
 } // namespace
+
+SEL selectorFor(Action action) { return sel_registerName((std::string(action.name()) + ':').c_str()); }
+
+std::optional<Action> actionFor(SEL selector) {
+    const std::string_view name = selector != nullptr ? sel_getName(static_cast<SEL _Nonnull>(selector)) : "";
+    if (!name.ends_with(':') || name.find(':') + 1 < name.size()) {
+        return std::nullopt;
+    }
+    return Action(name.substr(0, name.size() - 1));
+}
 
 } // namespace Platform
 

@@ -1,8 +1,8 @@
 #include "Platform/AppKit/TextField.h"
 
 #include "Platform/AppKit/MainThread.h"
-#include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/NativeReference.h"
+#include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/AppKit/macos/TextFieldNative.h"
 #include "Platform/Foundation/macos/Conversions.h"
 

@@ -246,4 +246,10 @@ std::unique_ptr<View::Native> View::makeNative() {
     return std::make_unique<Native>(made);
 }
 
+std::unique_ptr<View::Native> Box::makeNative() {
+    NSBox* const box = [[NSBox alloc] initWithFrame:NSZeroRect];
+    box.boxType = NSBoxSeparator;
+    return std::make_unique<Native>(box);
+}
+
 } // namespace Platform

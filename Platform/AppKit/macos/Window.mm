@@ -2,10 +2,10 @@
 
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/Menu.h"
-#include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/AlertNative.h"
 #include "Platform/AppKit/macos/MenuNative.h"
 #include "Platform/AppKit/macos/NativeReference.h"
+#include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/AppKit/macos/ViewNative.h"
 #include "Platform/AppKit/macos/WindowNative.h"
 #include "Platform/Foundation/MakeShared.h"

@@ -69,11 +69,6 @@
 
 namespace Platform {
 
-WindowController::WindowController(std::string_view className)
-    : className_(className) {}
-
-WindowController::~WindowController() = default;
-
 void WindowController::setWindow(const std::shared_ptr<Window>& window) {
     assertMainThread("WindowController::setWindow");
     window_ = window;

@@ -1,6 +1,6 @@
 #include "Platform/WebKit/macos/WKWebViewEngine.h"
 
-#include "Platform/AppKit/macos/ActionSelectors.h"
+#include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/AppKit/macos/ViewNative.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Foundation/macos/Conversions.h"

@@ -1,7 +1,6 @@
 #include "Keyloft/AppDelegate.h"
 #include "Keyloft/BrowserWindowController.h"
 #include "Platform/AppKit/Application.h"
-#include "Platform/AppKit/macos/ActionSelectors.h"
 #include "Platform/AppKit/macos/AlertNative.h"
 #include "Platform/AppKit/macos/ControlNative.h"
 #include "Platform/AppKit/macos/MenuNative.h"

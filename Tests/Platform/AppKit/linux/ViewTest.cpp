@@ -1,4 +1,5 @@
-#include "Platform/AppKit/Box.h"
+#include "Platform/AppKit/View.h"
+
 #include "Platform/AppKit/Button.h"
 #include "Platform/AppKit/StackView.h"
 #include "Platform/AppKit/TextField.h"
