@@ -8,15 +8,15 @@ namespace Platform {
 class Control;
 class MenuItem;
 
-/// The name of an operation that controls and menu items request. On macOS it is the selector of that name
-/// followed by a colon.
+/// The name of an operation that controls and menu items request. On macOS its selector is the name followed
+/// by a colon.
 class Action {
 public:
     /// The text of `name` must outlive the action, as a literal does.
     constexpr explicit Action(std::string_view name)
         : name_(name) {}
 
-    /// Without the selector's colon.
+    /// The name, without the selector's colon.
     constexpr std::string_view name() const { return name_; }
 
     friend constexpr auto operator<=>(Action, Action) = default;
@@ -55,14 +55,14 @@ inline constexpr Action selectAll("selectAll");
 
 } // namespace StandardAction
 
-/// Returns true for the actions that edit text. The focused text or page receives their keys first.
+/// Returns true for the actions that edit text. The focused text field or page receives their keys first.
 constexpr bool isEditing(Action action) {
     using namespace StandardAction;
     return action == undo || action == redo || action == cut || action == copy || action == paste ||
            action == selectAll;
 }
 
-/// The sender of an action. At most one of the two is set. Valid during the call only.
+/// The sender of an action. At most one member is set. Valid during the call only.
 struct ActionSender {
     /// The control or the menu item that was used; null otherwise.
     const Control* control = nullptr;

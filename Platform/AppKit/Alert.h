@@ -17,23 +17,26 @@ struct Alert {
     Style style = Style::warning;
     std::string messageText;
     std::string informativeText;
-    /// In the order given; the first is the default button. Never empty.
+    /// The buttons' titles. The first button is the default one. Never empty.
     std::vector<std::string> buttonTitles{"OK"};
 
     static constexpr std::size_t firstButton = 0;
 
-    /// The answer of a window that closes: the last button.
+    /// Returns the index of the last button, which is the answer if the window closes.
     std::size_t safeButton() const;
-    /// "Cancel" if there is such a button, else the safe button.
+    /// Returns the index of the button that Escape chooses: "Cancel", or the safe button if no button has
+    /// that title.
     std::size_t escapeButton() const;
 
     /// Called exactly once with the index of the chosen button.
     using Completion = std::function<void(std::size_t button)>;
 
-    /// Shows the sheet over `window`'s page only; several queue up. Other tabs and windows stay usable.
+    /// Shows the alert as a sheet over `window` only. Other tabs and windows stay usable. Several sheets of a
+    /// window are shown one after another.
     void beginSheetModal(const std::shared_ptr<Window>& window, Completion completion) const;
 
-    /// Shows the alert by itself and returns when it was answered.
+    /// Shows the alert by itself until the user answers it. Returns the index of the chosen button, or of the
+    /// safe button if the alert ends without a choice.
     std::size_t runModal() const;
 };
 

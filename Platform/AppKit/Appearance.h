@@ -4,19 +4,19 @@
 
 namespace Platform {
 
-/// A picture out of the system's own set, so that it follows the system's look.
+/// A system symbol on macOS, or an icon of the theme on Linux, so that it follows the user's desktop.
 ///
-/// `symbolName` is the symbol's name on macOS ("chevron.left"); Linux maps it onto the icon of the same
-/// meaning and stops the process at a name that it does not know, for then the program itself is wrong.
+/// `symbolName` is the name of the symbol on macOS ("chevron.left"). Linux maps it to the icon of the same
+/// meaning. An unknown name is a programming error and aborts the process.
 struct Image {
-    /// The symbol, and its name for assistive technology.
+    /// The symbol's name, and its label for assistive technology.
     std::string symbolName;
     std::string accessibilityDescription;
 
     friend bool operator==(const Image&, const Image&) = default;
 };
 
-/// The system's own font at a size in points.
+/// The system font at a given size.
 struct Font {
     /// In points.
     double systemFontSize = 13;
@@ -27,7 +27,7 @@ struct Font {
 /// The colours that views can have.
 enum class Color {
     none,
-    /// The accent colour that the user chose for the system; the theme's on Linux.
+    /// The accent colour: the user's choice on macOS, the theme's on Linux.
     controlAccent,
 };
 

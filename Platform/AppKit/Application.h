@@ -15,25 +15,26 @@ namespace Platform {
 /// Receives the application's events, and the actions that no responder before it performs. Main thread only.
 class ApplicationDelegate : public Responder {
 public:
-    /// The first of these calls. Set the main menu here.
+    /// Called before all other functions of the delegate. Set the main menu here.
     virtual void applicationWillFinishLaunching() = 0;
 
-    /// The program runs. URLs that it was started with have been opened.
+    /// Called when the application runs, after the URLs of its command line have been passed to
+    /// `applicationOpenURLs`.
     virtual void applicationDidFinishLaunching() = 0;
 
-    /// URLs handed over by the system or by a second start, exactly as given; may come before
-    /// `applicationDidFinishLaunching`.
+    /// Called with URLs from the command line, the desktop or a second start of the program, exactly as
+    /// given. May be called before `applicationDidFinishLaunching`.
     virtual void applicationOpenURLs(const std::vector<URL>& urls) = 0;
 
-    /// The user started the program again, or clicked its icon. Returns whether the system is to do what it
-    /// usually does.
+    /// Called when the user starts the program again or clicks its icon. Return true for the default
+    /// behaviour, which brings the visible windows to the front.
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
 
-    /// Returns true to end the program with its last window.
+    /// Return true to terminate the application when its last window closes.
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
 
 protected:
-    /// `className` is the name under which an object runtime, where there is one, knows the class.
+    /// `className` is the name of the class in the Objective-C runtime. Ignored on Linux.
     explicit ApplicationDelegate(std::string_view className = {})
         : className_(className) {}
 
@@ -46,48 +47,50 @@ private:
 /// The one application object. Main thread only.
 class Application : public Responder {
 public:
-    /// Made at the first call, which must come before anything else of AppKit.
+    /// Returns the application. The first call creates it; only `setProgramInfo` may be called before.
     static Application& shared();
-    /// Whether it has been made.
+    /// Returns true after the first call of `shared`.
     static bool exists();
 
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
     ~Application() override;
 
-    /// How the system presents the program.
+    /// The way in which macOS presents the program.
     enum class ActivationPolicy {
-        /// A program with windows and a menu bar, listed among the running ones.
+        /// A program with windows, a menu bar and an icon in the Dock.
         regular,
     };
-    /// No effect on Linux, where each program with windows is a regular one.
+    /// Has no effect on Linux: every program with windows is a regular one there.
     void setActivationPolicy(ActivationPolicy policy);
 
-    /// Held weakly: the program keeps its delegate.
+    /// The delegate is held weakly.
     void setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate);
 
-    /// Runs until the application is terminated; returns the process's exit status. `arguments` are the
-    /// program's, of which those that parse as URLs with a scheme are handed to the delegate.
+    /// Runs until the application is terminated, and returns the process's exit status. The arguments that
+    /// parse as URLs with a scheme are passed to the delegate. On Linux a second start passes its arguments
+    /// to the running process and returns.
     int run(int argc, char** argv);
     void terminate();
 
-    /// The items of `menu` are the titles of the menu bar. Call it before the first window is shown.
+    /// Sets the menu whose items are the titles of the menu bar. Call it before the first window is shown.
     void setMainMenu(const std::shared_ptr<Menu>& menu);
-    /// The menu in which the system lists the open windows.
+    /// Sets the menu that ends with a list of the open windows.
     void setWindowsMenu(const std::shared_ptr<Menu>& menu);
 
-    /// The selected tab of the window that the user last worked in; menus, sheets and other programs do not
-    /// change it. On macOS there is none while the application is not the active one.
+    /// Returns the selected tab of the window that the user last worked in, or null if no window is visible.
+    /// Menus, sheets and other programs do not change it, except that on macOS it is null while the
+    /// application is not active.
     std::shared_ptr<Window> mainWindow() const;
 
     /// Brings the program to the front.
     void activateIgnoringOtherApps();
 
-    /// Sends an action to `target`, or, without one, to the first of the responder chain that responds.
-    /// Returns whether anybody did.
+    /// Sends an action to `target` or, if that is null, to the first object in the responder chain that
+    /// responds to it. Returns true if the action was performed.
     bool sendAction(Action action, const std::shared_ptr<Responder>& target, const ActionSender& sender);
 
-    /// Whoever would receive the action now.
+    /// Returns the responder that an action without a target would reach now, or null.
     std::shared_ptr<Responder> targetForAction(Action action) const;
 
     /// Performs the application's standard actions.
@@ -95,18 +98,18 @@ public:
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;
 
-    /// The system's side, for Platform's own sources.
+    /// The native side, for Platform's own sources.
     struct Native;
     Native& native() { return *native_; }
 
-    /// Makes the toolkit ready without running: for programs that drive the main loop themselves.
+    /// Initializes GTK or AppKit, for programs that run the main loop themselves instead of calling `run`.
     void prepare();
 
 protected:
     Application();
 
 private:
-    /// The program was started, or started again, with these URLs.
+    /// Called when the program is started, or started again, with `urls`.
     void wasStarted(const std::vector<URL>& urls);
 
     std::weak_ptr<ApplicationDelegate> delegate_;

@@ -8,21 +8,21 @@
 
 namespace Platform {
 
-/// A view that sends an action when it is used. The target is held weakly; without one, or once it is gone,
-/// the action goes down the responder chain.
+/// A view that sends an action when the user operates it. The target is held weakly. Without a target, or
+/// once it is destroyed, the action goes down the responder chain.
 class Control : public View {
 public:
     bool isEnabled() const { return enabled_; }
     void setEnabled(bool enabled);
 
-    /// None means the system's usual one for the control.
+    /// Empty for the control's default font.
     const std::optional<Font>& font() const { return font_; }
     void setFont(const Font& font);
 
     void setTarget(const std::weak_ptr<Responder>& target, Action action);
     std::optional<Action> action() const { return action_; }
 
-    /// What the control stands for, on macOS its cell's represented object.
+    /// The URL that the control represents. On macOS it is the represented object of the control's cell.
     const std::optional<URL>& representedURL() const { return representedURL_; }
     void setRepresentedURL(const std::optional<URL>& url);
 

@@ -2,10 +2,10 @@
 
 namespace Platform {
 
-/// Stops the process with a message unless called on the main thread.
+/// Aborts the process with a message that names `operation`, unless called on the main thread.
 ///
-/// Everything in AppKit and WebKit belongs to the main thread; each entry point that touches native state
-/// says so by this call, so that a mistake shows at its cause and not as a corrupted toolkit later.
+/// Everything in AppKit and WebKit belongs to the main thread. Entry points that touch native state call this
+/// function, so that a mistake is reported at its cause and not as corrupted state of GTK or AppKit later.
 void assertMainThread(const char* operation);
 
 } // namespace Platform

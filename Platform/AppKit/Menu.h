@@ -12,39 +12,39 @@ namespace Platform {
 
 class Menu;
 
-/// A key equivalent's modifiers beside Shift, which an upper-case letter or a shifted sign implies. Command
-/// is Control on Linux, Option is Alt.
+/// The modifiers of a key equivalent besides Shift, which an upper-case letter or a shifted character
+/// implies. On Linux, Command is Control and Option is Alt.
 enum class ModifierFlags { command, optionCommand };
 
-/// One line of a menu. Without a target: its action goes down the responder chain.
+/// An item of a menu. It has no target; its action goes down the responder chain.
 class MenuItem {
 public:
-    /// Without an action the item is disabled, unless it has a submenu. `keyEquivalent` is the character of
-    /// its key, empty for none.
+    /// Creates an item. Without an action it is disabled, unless it has a submenu. `keyEquivalent` is the
+    /// character of its key, or empty if it has no key.
     static std::shared_ptr<MenuItem> create(const std::string& title, std::optional<Action> action,
                                             const std::string& keyEquivalent = "");
     /// Creates a line between groups of items.
     static std::shared_ptr<MenuItem> createSeparator();
 
-    /// Shown as it stands: no character of it is a mnemonic.
+    /// Shown literally, without mnemonics.
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title) { title_ = title; }
 
-    /// As the item was created.
+    /// The action and the key equivalent that the item was created with.
     std::optional<Action> action() const { return action_; }
     const std::string& keyEquivalent() const { return keyEquivalent_; }
-    /// Command unless they are set.
+    /// The default is Command.
     ModifierFlags keyEquivalentModifiers() const { return modifiers_; }
     void setKeyEquivalentModifiers(ModifierFlags modifiers) { modifiers_ = modifiers; }
 
     /// Returns true for the items of `createSeparator`.
     bool isSeparator() const { return separator_; }
 
-    /// Null for an item that performs its action.
+    /// The menu that the item opens. Null for an item that performs its action.
     const std::shared_ptr<Menu>& submenu() const { return submenu_; }
     void setSubmenu(const std::shared_ptr<Menu>& submenu) { submenu_ = submenu; }
 
-    /// What the item stands for.
+    /// The URL that the item represents.
     const std::optional<URL>& representedURL() const { return representedURL_; }
     void setRepresentedURL(const std::optional<URL>& url) { representedURL_ = url; }
 
@@ -66,12 +66,12 @@ class MenuDelegate {
 public:
     virtual ~MenuDelegate() = default;
 
-    /// The menu is about to be shown, or its keys to be looked up.
+    /// Called when the menu is about to be shown or its key equivalents are about to be looked up.
     virtual void menuNeedsUpdate(Menu& menu) = 0;
 };
 
-/// An ordered list of items. A plain object; the system shows it (`Application::setMainMenu`). Main thread
-/// only, as its items are.
+/// An ordered list of items. It has no native state of its own; `Application::setMainMenu` shows it. Main
+/// thread only, like its items.
 class Menu {
 public:
     /// Creates an empty menu. In a menu bar, give a menu the title of its item.

@@ -6,9 +6,10 @@ namespace Platform {
 
 /// Identifies the program. Read on Linux only; on macOS the bundle's Info.plist has the same information.
 struct ProgramInfo {
-    /// In reverse DNS notation: the name of the desktop entry, the icon and the folders of the user's data.
+    /// The application ID, in reverse DNS notation. It names the desktop entry, the icon and the folders of
+    /// the user's data.
     std::string identifier;
-    /// Shown to people.
+    /// Shown to the user.
     std::string name;
     std::string version;
     // For the About panel.
@@ -16,10 +17,10 @@ struct ProgramInfo {
     std::string copyright;
 };
 
-/// The value that was set last, or placeholder texts. Main thread only.
+/// Returns the value that was set last, or placeholder texts. Main thread only.
 const ProgramInfo& programInfo();
 
-/// To be called before anything else of AppKit.
+/// Call it before any other function of AppKit.
 void setProgramInfo(ProgramInfo info);
 
 } // namespace Platform

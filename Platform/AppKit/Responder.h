@@ -4,9 +4,9 @@
 
 namespace Platform {
 
-/// Somebody whom actions reach on their way down the responder chain: the key window's first responder and
-/// the views around it, the window, its controller, the application, the application's delegate. The first
-/// one that responds performs the action; nobody behind it hears of it. Main thread only.
+/// An object in the responder chain: the key window's first responder and its superviews, the window, its
+/// controller, the application, the application's delegate. The first object that responds to an action
+/// performs it; the objects after it do not receive it. Main thread only.
 class Responder {
 public:
     Responder(const Responder&) = delete;
@@ -16,11 +16,11 @@ public:
     /// Returns true for the actions that `perform` performs.
     virtual bool respondsTo(Action /*action*/) const { return false; }
 
-    /// Called only for actions that `respondsTo` answered with true.
+    /// Performs the action. Called only if `respondsTo` returns true for it.
     virtual void perform(Action /*action*/, const ActionSender& /*sender*/) {}
 
-    /// Asked of whoever responds to the item's action before the item is shown or its key is obeyed. May
-    /// retitle the item; returns whether it is enabled.
+    /// Returns true if the item is enabled. May retitle the item. Called on the responder that would receive
+    /// the item's action, before the item is shown or its key equivalent is performed.
     virtual bool validateMenuItem(MenuItem& /*item*/) { return true; }
 
 protected:

@@ -27,16 +27,16 @@ public:
 
     bool isEmpty() const { return sheets_.empty(); }
 
-    /// Calls `completion` once with the index of the chosen button; at once, with the safe button, if the
-    /// queue is closed. `completion` may be null.
+    /// Adds an alert. Calls `completion`, which may be null, once with the index of the chosen button. If the
+    /// queue is closed, calls it at once with the safe button.
     void add(const Alert& alert, Alert::Completion completion);
-    /// Shows the first alert unless it is shown already. To be called when the window becomes able to show
-    /// one.
+    /// Shows the first alert unless it is shown already. Call it when the window becomes able to show a
+    /// sheet.
     void showFirst();
     /// Answers the alert that is shown, and shows the next one before the completion is called. Does nothing
     /// if no alert is shown.
     void answer(std::size_t button);
-    /// Answers all alerts with their safe buttons, and those added later too.
+    /// Answers all alerts with their safe buttons, including those that are added later.
     void close();
 
 private:

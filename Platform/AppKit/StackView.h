@@ -7,8 +7,8 @@ namespace Platform {
 /// Arranges its subviews in one row or column. A row centers them vertically; a column makes them as wide as
 /// itself.
 ///
-/// Along the stack each view has the size of its content, and views that expand share the free room. A stack
-/// does not ask for room: what does not fit is cut off at the trailing end.
+/// Along the stack each view has the size of its content, and views that expand share the free space. A stack
+/// requests no space in this direction: content that does not fit is cut off at the trailing end.
 class StackView : public View {
 public:
     /// `spacing` is the distance between two neighbors, in points.

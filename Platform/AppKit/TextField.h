@@ -8,31 +8,31 @@ namespace Platform {
 
 class TextField;
 
-/// How an edit ended.
+/// The reason why an edit ended.
 enum class TextMovement { other, returnKey, tab, backtab, cancel };
 
 class TextFieldDelegate {
 public:
     virtual ~TextFieldDelegate() = default;
 
-    /// The user began to change the text: first typed character, pasted text or input method text. Setting
-    /// the text from the program begins nothing.
+    /// Called at the user's first change of the text, whether typed, pasted or composed with an input method.
+    /// `setStringValue` does not begin an edit.
     virtual void controlTextDidBeginEditing(TextField& field) = 0;
 
-    /// The edit ended: Return (the field's action is sent right after), Escape, or another control of the
-    /// same page took the focus. Another tab, window, menu or program does not end it. Told also where
-    /// nothing was changed since the field had the focus, or since the last end.
+    /// Called when an edit ends: on Return, right before the field's action is sent; on Escape; or when
+    /// another control of the same page takes the focus. Another tab, window, menu or program does not end an
+    /// edit. Also called if the text has not changed since the field got the focus, or since the last call.
     virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;
 };
 
-/// One line of text that the user can edit; Return sends the action. Longer text scrolls and never widens the
+/// A line of text that the user can edit. Return sends the action. Long text scrolls and never widens the
 /// field.
 class TextField : public Control {
 public:
     static std::shared_ptr<TextField> create();
 
-    /// The current text, the user's changes included. Line feeds and carriage returns are dropped from what
-    /// is set, typed, pasted or dropped: the field has one line.
+    /// The current text, including the user's changes. Line feeds and carriage returns are removed from text
+    /// that is set, typed, pasted or dropped, because the field has one line.
     std::string stringValue() const;
     void setStringValue(const std::string& value);
 
@@ -41,12 +41,12 @@ public:
 
     void setDelegate(const std::weak_ptr<TextFieldDelegate>& delegate) { delegate_ = delegate; }
 
-    /// Gives the field the focus with all its text selected.
+    /// Gives the field the focus and selects all its text.
     void selectText();
 
     bool isEditing() const { return editing_; }
 
-    /// Undo, redo, cut, copy, paste and select all.
+    /// Performs the actions that edit text: undo, redo, cut, copy, paste and select all.
     bool respondsTo(Action action) const override;
     void perform(Action action, const ActionSender& sender) override;
 
@@ -73,8 +73,8 @@ private:
     bool editing_ = false;
 };
 
-/// A text field with the look of a search box. It sends the whole text, and only on Return; Escape empties
-/// it.
+/// A text field that looks like a search box. It sends its action on Return only, not while the user types.
+/// Escape empties it.
 class SearchField : public TextField {
 public:
     static std::shared_ptr<SearchField> create();

@@ -17,27 +17,27 @@ class Window;
 
 /// A rectangle of a window. Main thread only.
 ///
-/// A view is a plain object. What stands for it on the screen is made when its window is next shown, so that
-/// a view in a tab that nobody looks at costs next to nothing; until then every property is kept here, and
-/// the native side takes them over. The view is the source of truth for all but what the user changes.
+/// A view creates its native side when it is first needed, on Linux usually when its window is next shown, so
+/// a view in a tab that is never selected costs little. Properties that are set earlier are kept in the view
+/// and applied then. The view is the source of truth for everything except the user's changes.
 ///
-/// A superview holds its subviews strongly; a view knows its superview and window weakly.
+/// A superview holds its subviews strongly. A view refers to its superview and window weakly.
 class View : public Responder, public std::enable_shared_from_this<View> {
 public:
-    /// Creates a view without content: a container, or free room in a stack.
+    /// Creates a view without content: a container, or free space in a stack.
     static std::shared_ptr<View> create();
 
     View(const View&) = delete;
     View& operator=(const View&) = delete;
     ~View() override;
 
-    /// Adds the view in front of the other subviews; takes it out of where it was before.
+    /// Adds the view in front of the other subviews, after removing it from its previous superview.
     void addSubview(const std::shared_ptr<View>& view);
     void removeFromSuperview();
     std::shared_ptr<View> superview() const { return superview_.lock(); }
     const std::vector<std::shared_ptr<View>>& subviews() const { return subviews_; }
 
-    /// The window that shows the view, or nothing.
+    /// Returns the window that contains the view, or null.
     std::shared_ptr<Window> window() const;
 
     /// The rectangle of the view in its superview. The layout sets it for a view that is in a stack or fills
@@ -45,7 +45,7 @@ public:
     Rect frame() const;
     void setFrame(const Rect& frame);
 
-    /// A hidden view takes no room in its stack.
+    /// A hidden view takes no space in its stack.
     bool isHidden() const { return hidden_; }
     void setHidden(bool hidden);
 
@@ -53,11 +53,11 @@ public:
     Color backgroundColor() const { return backgroundColor_; }
     void setBackgroundColor(Color color);
 
-    /// What assistive technology calls the view; a tool tip does not follow from it.
+    /// The name of the view for assistive technology. It does not set a tool tip.
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
-    /// Empty for none.
+    /// Empty if the view has no tool tip.
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
 
@@ -67,26 +67,27 @@ public:
     /// Sets the width or the height, in points. Otherwise the content determines it.
     void setFixedLength(double length, Orientation orientation);
 
-    /// Gives the view the free room of its stack. If room is missing, the view is the first to shrink.
+    /// Gives the view the free space of its stack. If space is missing, the view shrinks first.
     void setExpands(Orientation orientation);
 
-    /// Asks for `layout` before the window is next drawn.
+    /// Requests a call of `layout` before the window is next drawn.
     void setNeedsLayout();
 
     /// Sets the frames of the subviews. Called when the view's size has changed and after `setNeedsLayout`.
     virtual void layout() {}
 
-    /// The system's side of the view, for Platform's own sources.
+    /// The native side of the view, for Platform's own sources.
     struct Native;
-    /// Makes the native side when there is none yet.
+    /// Returns the native side. `native` creates it on the first call; `nativeIfMade` returns null before
+    /// that.
     Native& native();
     Native* nativeIfMade() const { return native_.get(); }
 
 protected:
-    /// `className` is the name under which an object runtime, where there is one, knows the class.
+    /// `className` is the name of the class in the Objective-C runtime. Ignored on Linux.
     explicit View(std::string_view className = {});
 
-    /// Creates the native side of the view's kind.
+    /// Creates the native side. Subclasses override it.
     virtual std::unique_ptr<Native> makeNative();
 
 private:

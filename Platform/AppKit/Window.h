@@ -17,25 +17,25 @@ class WindowDelegate {
 public:
     virtual ~WindowDelegate() = default;
 
-    /// The window is about to close for good; told exactly once.
+    /// Called exactly once, when the window is about to close for good.
     virtual void windowWillClose(Window& window) = 0;
 };
 
-/// A window, or one tab of a window that several share. Main thread only.
+/// A window, or one tab of a native window that several windows share. Main thread only.
 ///
 /// Windows with the same tabbing identifier may be tabs of one native window; each still has its own title,
-/// content and first responder. On Linux nothing native is made before the window is first shown.
+/// content and first responder. On Linux no native window is created before the window is first shown.
 class Window : public Responder, public std::enable_shared_from_this<Window> {
 public:
-    /// What the user can do with a window's frame.
+    /// The operations that the user can perform on a window's frame.
     struct Style {
-        /// True if the frame has the button, or the edges to drag.
+        /// True if the frame has the button or, for a resizable window, edges that can be dragged.
         bool closable = true;
         bool miniaturizable = true;
         bool resizable = true;
     };
 
-    /// `contentSize` is the content's at first, without menu bar, tab strip and frame.
+    /// `contentSize` is the initial size of the content, without menu bar, tab strip and frame.
     static std::shared_ptr<Window> create(Size contentSize, Style style);
 
     Window(const Window&) = delete;
@@ -46,29 +46,32 @@ public:
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
 
-    /// As the window was created.
+    /// The size and the style that the window was created with.
     Size contentSize() const { return contentSize_; }
     const Style& style() const { return style_; }
 
-    /// The least size that the user can give it: of the content, or on macOS of the window with its frame.
+    /// The minimum size that the user can resize to: that of the content, or on macOS of the window with its
+    /// frame.
     Size minSize() const { return minSize_; }
     void setMinSize(Size size);
 
-    /// Only macOS reads it, when the window is first shown.
+    /// Windows with the same identifier become tabs of one native window. Read on macOS only, when the window
+    /// is first shown.
     const std::string& tabbingIdentifier() const { return tabbingIdentifier_; }
     void setTabbingIdentifier(const std::string& identifier) { tabbingIdentifier_ = identifier; }
 
-    /// In the middle of the screen when it is first shown, where the system lets a program choose.
+    /// Centers the window on the screen when it is first shown. Has no effect on Linux, because GTK cannot
+    /// position a window.
     void center() { centered_ = true; }
 
-    /// The name under which the system keeps the frame from one run to the next: size and maximised state,
-    /// and where the system tells it, the position. A new window takes the frame that was kept last.
+    /// The name under which the frame is saved from one run to the next: size and maximised state, and on
+    /// macOS also the position. A new window gets the frame that was saved last.
     const std::string& frameAutosaveName() const { return frameAutosaveName_; }
     void setFrameAutosaveName(const std::string& name) { frameAutosaveName_ = name; }
 
     /// The view that fills the window.
     const std::shared_ptr<View>& contentView() const { return contentView_; }
-    /// Takes the place of the view that the window was made with.
+    /// Replaces the content view. A window is created with an empty one.
     void setContentView(const std::shared_ptr<View>& view);
 
     /// Held weakly.
@@ -76,29 +79,29 @@ public:
     /// The controller that owns the window, or null.
     std::shared_ptr<WindowController> windowController() const { return controller_.lock(); }
 
-    /// Makes `window` a tab of this window, in front of this one's tab; it is shown, not selected.
+    /// Adds `window` as a tab right after this window's tab. The tab is shown, but not selected.
     void addTabbedWindow(const std::shared_ptr<Window>& window);
 
-    /// Shows the window, selects its tab and gives it the keyboard.
+    /// Shows the window, selects its tab and gives it the keyboard focus.
     void makeKeyAndOrderFront();
-    /// Takes the window off the screen, on Linux with all tabs that share its native one. It keeps its
-    /// content, which goes on as before, and may be shown again.
+    /// Hides the window, on Linux together with all tabs of its native window. Its content keeps running, and
+    /// it can be shown again.
     void orderOut();
 
     /// Returns true while the window, or its tab, is on the screen.
     bool isVisible() const;
 
-    /// The view that has the keyboard while this window is the key one; remembered while it is not.
+    /// The view that has the keyboard focus while this window is the key window. Remembered while it is not.
     void makeFirstResponder(const std::shared_ptr<View>& view);
     std::shared_ptr<View> firstResponder() const;
 
-    /// Whether closing ends the window, which is how it begins. Otherwise it only orders the window out, and
-    /// nobody is told.
+    /// True, the default, if closing ends the window. Otherwise closing only orders it out, and the delegate
+    /// is not notified.
     bool isReleasedWhenClosed() const { return releasedWhenClosed_; }
     void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
 
-    /// Closes the window: tells the delegate once, answers a pending sheet with its safe answer, lets the
-    /// native side go.
+    /// Closes the window: answers its pending sheets with their safe buttons, notifies the delegate once and
+    /// closes the native window or tab.
     void close();
 
     /// Performs the standard actions of a window.
@@ -106,7 +109,7 @@ public:
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;
 
-    /// The system's side, for Platform's own sources.
+    /// The native side, for Platform's own sources.
     struct Native;
     Native& native() { return *native_; }
 

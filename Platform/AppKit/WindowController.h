@@ -8,7 +8,7 @@
 
 namespace Platform {
 
-/// Owns a window and stands behind it in the responder chain. Main thread only.
+/// Owns a window and follows it in the responder chain. Main thread only.
 class WindowController : public Responder, public std::enable_shared_from_this<WindowController> {
 public:
     WindowController(const WindowController&) = delete;
@@ -20,11 +20,11 @@ public:
     void showWindow();
 
 protected:
-    /// `className` is the name under which an object runtime, where there is one, knows the class.
+    /// `className` is the name of the class in the Objective-C runtime. Ignored on Linux.
     explicit WindowController(std::string_view className)
         : className_(className) {}
 
-    /// To be called once, as soon as the controller is held by a `shared_ptr`.
+    /// Call it once, as soon as a `shared_ptr` holds the controller.
     void setWindow(const std::shared_ptr<Window>& window);
 
 private:
