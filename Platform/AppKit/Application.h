@@ -47,7 +47,8 @@ private:
 /// The one application object. Main thread only.
 class Application : public Responder {
 public:
-    /// Returns the application. The first call creates it; only `setProgramInfo` may be called before.
+    /// Returns the application. The first call creates it and must come before any other use of AppKit except
+    /// `setProgramInfo`.
     static Application& shared();
     /// Returns true after the first call of `shared`.
     static bool exists();

@@ -21,7 +21,8 @@ public:
 
     /// Called when an edit ends: on Return, right before the field's action is sent; on Escape; or when
     /// another control of the same page takes the focus. Another tab, window, menu or program does not end an
-    /// edit. Also called if the text has not changed since the field got the focus, or since the last call.
+    /// edit. Also called if the text has not changed since the field got the focus, or since the last edit
+    /// ended.
     virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;
 };
 

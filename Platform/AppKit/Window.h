@@ -60,7 +60,7 @@ public:
     const std::string& tabbingIdentifier() const { return tabbingIdentifier_; }
     void setTabbingIdentifier(const std::string& identifier) { tabbingIdentifier_ = identifier; }
 
-    /// Centers the window on the screen when it is first shown. Has no effect on Linux, because GTK cannot
+    /// Centers the window on the screen when it is first shown. Has no effect on Linux, because GTK 4 cannot
     /// position a window.
     void center() { centered_ = true; }
 
@@ -95,8 +95,8 @@ public:
     void makeFirstResponder(const std::shared_ptr<View>& view);
     std::shared_ptr<View> firstResponder() const;
 
-    /// True, the default, if closing ends the window. Otherwise closing only orders it out, and the delegate
-    /// is not notified.
+    /// True by default: closing ends the window. If false, closing only orders it out, and the delegate is
+    /// not notified.
     bool isReleasedWhenClosed() const { return releasedWhenClosed_; }
     void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
 

@@ -7,7 +7,7 @@
 namespace Platform {
 
 bool hasRenderNode(const std::filesystem::path& devices) {
-    // Stepped by hand: the loop over a range throws where a step fails.
+    // A range-based for loop would throw if an increment fails.
     std::error_code error;
     std::filesystem::directory_iterator entry(devices, error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {

@@ -28,8 +28,9 @@ namespace {
 constexpr const char* themeVariable = "GTK_THEME";
 constexpr const char* emptyTheme = "Adwaita-empty";
 
-/// The toolkit would parse its own style sheet only for libadwaita to put another in its place, at a tenth of
-/// the time that the first window takes. A theme that the user chose stays.
+/// Keeps GTK from parsing its own style sheet, which libadwaita replaces anyway. Parsing it takes a tenth of
+/// the time until the first window appears (seen with GTK 4.8.3 and libadwaita 1.2.2, not reported). A theme
+/// that the user has chosen is kept.
 void holdBackToolkitTheme() { g_setenv(themeVariable, emptyTheme, FALSE); }
 
 void startLibadwaita() {
@@ -39,14 +40,17 @@ void startLibadwaita() {
     adw_init();
 }
 
-/// WebKitGTK aborts if the session bus does not respond, but runs without one.
+/// WebKitGTK aborts if the session bus does not respond, but runs without one (seen with 2.50.6, not
+/// reported).
 void forgetDeadBus(GApplication* application) {
     if (g_application_get_dbus_connection(application)) {
         return;
     }
     g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
     // Without a session bus GTK still finds the display's accessibility bus, and then crashes because the
-    // application has no object path (seen with 4.8.3, not reported).
+    // application has no object path. Seen with 4.8.3;
+    // https://gitlab.gnome.org/GNOME/gtk/-/commit/0eb791eaaa2672ffdb69c4bca47125aea6b1c2ba adds a path for
+    // this case.
     g_setenv("GTK_A11Y", "none", TRUE);
 }
 
@@ -70,8 +74,9 @@ GType applicationType() {
     return type;
 }
 
-/// Makes this process the one that runs, or finds the one that does. Should that one end while it is asked,
-/// asking again makes this one take its place; one that just does not answer is left alone.
+/// Makes this process the primary instance, or connects it to the process that is. If that process exits
+/// during the request, a second request makes this one the primary instance. If it does not respond, logs a
+/// line and returns false.
 bool registerApplication(GApplication* application) {
     for (bool isAskedAgain = false;; isAskedAgain = true) {
         GError* failure = nullptr;
@@ -106,7 +111,7 @@ Application::Application()
 
 Application::~Application() = default;
 
-// Every program with windows is one here.
+// Every program with windows is a regular one on Linux.
 void Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
 
 void Application::setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate) { delegate_ = delegate; }
@@ -163,7 +168,7 @@ void Application::Native::opened(GApplication* /*application*/, GFile** files, i
 }
 
 void Application::prepare() {
-    // Nothing is handed over to such a program, and the browser may be running beside it.
+    // Such a program receives no URLs from other processes, and may run at the same time as the browser.
     auto* application = G_APPLICATION(native_->gtk());
     g_application_set_flags(application, static_cast<GApplicationFlags>(g_application_get_flags(application) |
                                                                         G_APPLICATION_NON_UNIQUE));
@@ -180,7 +185,7 @@ void Application::wasStarted(const std::vector<URL>& urls) {
     }
     if (!native_->finishedLaunching) {
         native_->finishedLaunching = true;
-        // A service that is not asked for anything ends by itself.
+        // Hold the application only now: a D-Bus service that receives no request exits by itself.
         g_application_hold(G_APPLICATION(native_->gtk()));
         delegate->applicationDidFinishLaunching();
     } else if (urls.empty()) {

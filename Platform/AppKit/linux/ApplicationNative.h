@@ -45,7 +45,8 @@ struct Application::Native {
     std::vector<std::shared_ptr<TabHost>> visibleHosts() const;
     /// The visible host that was used last.
     std::shared_ptr<TabHost> frontHost() const;
-    /// Brings every top-level to the front, minimised ones too, in the order in which they were used.
+    /// Brings all hosts on the screen to the front, minimised ones too, in the order in which they were last
+    /// used.
     void bringAllToFront() const;
 
     /// Called when the host's last page is gone. Releases the host once its own callbacks have returned.

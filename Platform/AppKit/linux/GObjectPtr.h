@@ -8,8 +8,8 @@ namespace Platform {
 
 /// Holds one reference to a GObject.
 ///
-/// `retain` adds a reference of its own and sinks a floating one, `adopt` takes over a reference that the
-/// caller was given. Leaving scope gives the reference back.
+/// `retain` adds a reference and sinks a floating one; `adopt` takes over a reference that the caller owns.
+/// The destructor releases the reference.
 template <typename T>
 class GObjectPtr {
 public:
@@ -57,7 +57,7 @@ private:
     T* object_ = nullptr;
 };
 
-/// A signal connection that ends with its owner, however long the object lives.
+/// A signal connection that ends with this object. The instance may be finalized first.
 class SignalConnection {
 public:
     SignalConnection() = default;

@@ -50,8 +50,8 @@ std::string menuLabel(const std::string& title) {
     return label;
 }
 
-/// The greatest width of a menu's text, in the toolkit's units of an average character. Two fifths of the
-/// screen leave the rest of one half for the margins and the keys.
+/// Returns the maximum width of a menu's text, in GTK's unit of an average character. The text may take two
+/// fifths of the screen, so that with its margins and keys the menu takes at most one half.
 int greatestTextWidth(GtkWidget* widget) {
     GdkDisplay* display = gtk_widget_get_display(widget);
     GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gtk_widget_get_root(widget)));
@@ -65,7 +65,7 @@ int greatestTextWidth(GtkWidget* widget) {
     return screen.width * 2 / 5 * PANGO_SCALE / std::max(character, PANGO_SCALE);
 }
 
-/// Has every text below `widget` that is too long cut in the middle where it is drawn.
+/// Ellipsizes each label below `widget` in the middle if it is wider than `greatestWidth`.
 void cutLongTexts(GtkWidget* widget, int greatestWidth) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
          child = gtk_widget_get_next_sibling(child)) {
@@ -84,11 +84,12 @@ void update(Menu& menu) {
     }
 }
 
-/// Once the menus are closed, the keyboard goes back to the page: the toolkit may leave it with the tab
-/// strip.
+/// Returns the focus to the page after a menu has closed. GTK may leave it in the tab strip (seen with 4.8.3,
+/// not reported).
 void returnFocus(GtkPopover* /*popover*/, gpointer /*data*/) {
     const std::weak_ptr<Window> main = Application::shared().mainWindow();
-    // Later, as the next menu may open at once, and the chosen item's action may move the focus itself.
+    // Deferred, because the next menu may open at once, and the chosen item's action may move the focus
+    // itself.
     RunLoop::main().perform([main] {
         if (const auto window = main.lock()) {
             window->native().takeFocus();
@@ -107,7 +108,7 @@ struct KeyEquivalent {
     std::string key;
     ModifierFlags modifiers = ModifierFlags::command;
 
-    /// The item that has the key now; a delegate may have made its menu's items anew.
+    /// Returns the item that has the key now. The menu's delegate may have replaced the items.
     std::shared_ptr<MenuItem> item() const {
         update(*menu);
         for (const auto& item : menu->items()) {
@@ -147,12 +148,13 @@ MenuBar::~MenuBar() = default;
 void MenuBar::connectPopovers() {
     for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item;
          item = gtk_widget_get_next_sibling(item)) {
-        // Otherwise the pointer's mere passing takes the focus from field and page.
+        // Otherwise the item takes the focus as soon as the pointer passes over it (seen with GTK 4.8.3, not
+        // reported).
         gtk_widget_set_focusable(item, FALSE);
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
              child = gtk_widget_get_next_sibling(child)) {
             if (GTK_IS_POPOVER(child)) {
-                // Before GTK looks for an item to give the focus to.
+                // GTK maps a popover before it looks for an item to focus.
                 connections_.push_back(connectSignal<&MenuBar::opened>(child, "map", *this));
                 connections_.emplace_back(child, "closed", G_CALLBACK(returnFocus), nullptr);
                 popovers_.push_back(child);
@@ -184,7 +186,7 @@ void MenuBar::rebuild(const std::shared_ptr<Menu>& menu, GMenu* model) {
             endSection();
             continue;
         }
-        // GTK greys an item whose action does not exist.
+        // GTK disables an item whose action does not exist.
         const bool isEnabled = validate(item);
         const auto native =
             GObjectPtr<GMenuItem>::adopt(g_menu_item_new(menuLabel(item.title()).c_str(), nullptr));
@@ -249,8 +251,8 @@ void MenuBar::appendWindows(GMenu* model) {
 }
 
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu) {
-    // Editing keys go to the focused field or page first. All others run before any widget sees them, and are
-    // swallowed if their item is disabled.
+    // The focused field or page receives the editing keys first. All other keys are handled before any widget
+    // receives them, and are discarded if their item is disabled.
     GtkEventController* capturing = gtk_shortcut_controller_new();
     gtk_event_controller_set_propagation_phase(capturing, GTK_PHASE_CAPTURE);
     GtkEventController* bubbling = gtk_shortcut_controller_new();

@@ -11,10 +11,10 @@ namespace Platform {
 
 class Window;
 
-/// Shows the main menu as a menu bar, and obeys its key equivalents in one top-level.
+/// Shows the main menu as the menu bar of one top-level, and handles its key equivalents there.
 ///
-/// A menu's items are made and validated each time it opens, so that a bar that nobody opens costs only its
-/// titles. The application's windows menu ends with the open windows, of which the main one is marked.
+/// The items of a menu are created and validated each time it opens, so a bar that is never opened costs only
+/// its titles. The application's windows menu ends with the open windows; the main window is marked.
 class MenuBar {
 public:
     MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu);
@@ -39,7 +39,7 @@ private:
     std::vector<GtkWidget*> popovers_; // held by `bar_`
     /// The items of the menu that was opened last.
     std::vector<std::shared_ptr<MenuItem>> items_;
-    /// Those that the Windows menu listed when it was last opened.
+    /// The windows that the windows menu listed when it was last opened.
     std::vector<std::weak_ptr<Window>> windows_;
     std::vector<SignalConnection> connections_;
 };

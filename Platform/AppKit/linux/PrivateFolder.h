@@ -5,8 +5,9 @@
 
 namespace Platform {
 
-/// The application's own folder in one of the user's directories, made if need be, which only the user may
-/// enter. Nothing, and a line in the diagnostic log, where it cannot be had.
+/// Returns the path of the application's own folder in `userDirectory`, which only the user may enter.
+/// Creates the folder if it does not exist. On failure writes a line to the diagnostic log and returns
+/// nothing.
 std::optional<std::string> privateFolder(const char* userDirectory);
 
 } // namespace Platform

@@ -14,8 +14,9 @@ namespace Platform {
 /// Drops key events that a page returns unhandled after the focus has moved to another widget.
 ///
 /// WebKitGTK returns an unhandled key event as if the key had just been pressed. By then the focus may be in
-/// the next widget, where WebKitGTK itself moves it on Tab, or in a window that the page has opened. That
-/// widget would handle the key a second time.
+/// another widget: WebKitGTK itself moves it to the next widget on Tab, and the page may have opened a
+/// window. That widget would handle the key a second time. Seen with WebKitGTK 2.50.6;
+/// https://bugs.webkit.org/show_bug.cgi?id=261348 is about returning events at all.
 class ReturnedKeys {
 public:
     explicit ReturnedKeys(GtkWindow* toplevel);
@@ -37,7 +38,7 @@ private:
     bool isForOther(GdkEvent* event);
 
     std::uint64_t focusMoves_ = 0;
-    /// What may yet come back, perhaps not only once, for an input method gives keys back as well.
+    /// Keys that may yet be returned, possibly more than once, because input methods return keys as well.
     std::deque<Pressed> pressed_;
     std::vector<SignalConnection> connections_;
 };

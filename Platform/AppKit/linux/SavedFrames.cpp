@@ -16,9 +16,10 @@ namespace Platform {
 namespace {
 
 constexpr const char* fileName = "window-frames";
-/// Anything longer is not ours.
+/// In bytes. A longer file was not written by this class and is ignored.
 constexpr std::uintmax_t longestFile = std::uintmax_t{64} * 1024;
-/// A window that is being resized changes with every step of the pointer.
+/// Seconds from the last change to the write. A window that is being resized changes with each motion of the
+/// pointer.
 constexpr Timer::Interval quietTime = 1;
 
 constexpr const char* widthKey = "width";
@@ -54,7 +55,7 @@ void SavedFrames::read() {
 }
 
 std::optional<SavedFrame> SavedFrames::frame(const std::string& name) const {
-    // What is missing or no number reads as 0, and what is no truth value as false.
+    // GLib returns 0 for a missing or malformed integer, and FALSE for a missing or malformed boolean.
     const SavedFrame frame{
         .width = g_key_file_get_integer(frames_.get(), name.c_str(), widthKey, nullptr),
         .height = g_key_file_get_integer(frames_.get(), name.c_str(), heightKey, nullptr),

@@ -10,7 +10,8 @@
 
 namespace Platform {
 
-/// A top-level's size, menu bar and tab strip included, as it is while not maximised. Logical pixels.
+/// The size that a top-level has while it is not maximised, including menu bar and tab strip, in logical
+/// pixels; and whether it is maximised.
 struct SavedFrame {
     int width = 0;
     int height = 0;
@@ -19,17 +20,17 @@ struct SavedFrame {
     friend bool operator==(const SavedFrame&, const SavedFrame&) = default;
 };
 
-/// The frames that windows keep from one run to the next, by their autosave names. Main thread only.
+/// The frames of windows that are saved from one run to the next, by their autosave names. Main thread only.
 ///
-/// They are in a file of the application's own folder in `stateDirectory`, read once and written whole, some
-/// time after the last of several changes. A file that cannot be read or makes no sense counts as none. A
-/// failure to write is logged; the frames stay known to this run, and the next change tries again.
+/// The frames are in a file in the application's own folder in `stateDirectory`. The file is read once, and
+/// rewritten a short time after the last of several changes. A file that cannot be read or parsed is ignored.
+/// A failure to write is logged; the frames stay in memory, and the next change tries again.
 class SavedFrames {
 public:
     explicit SavedFrames(std::string stateDirectory);
     SavedFrames(const SavedFrames&) = delete;
     SavedFrames& operator=(const SavedFrames&) = delete;
-    /// Writes what still waits.
+    /// Writes changes that have not been saved yet.
     ~SavedFrames();
 
     std::optional<SavedFrame> frame(const std::string& name) const;

@@ -14,8 +14,8 @@ constexpr int cardWidth = 380;
 constexpr int textHeight = 300;
 constexpr int textWidthInCharacters = 40;
 
-/// Whether a word is so long that to look for a place to break it at takes noticeable time, which grows with
-/// the square of its length.
+/// Returns true if a word is so long that Pango takes noticeable time to find a place to break it. The time
+/// grows with the square of the word's length (seen with GTK 4.8.3, not reported).
 bool hasEndlessWord(const std::string& text) {
     constexpr std::size_t endless = 500;
     std::size_t begin = 0;
@@ -73,7 +73,7 @@ gboolean Sheet::keyPressed(GtkEventControllerKey* /*keys*/, guint keyval, guint 
     case GDK_KEY_Tab:
     case GDK_KEY_KP_Tab:
     case GDK_KEY_ISO_Left_Tab:
-        if (withControl) { // goes to the next page
+        if (withControl) { // selects another tab
             return GDK_EVENT_PROPAGATE;
         }
         moveFocus((state & GDK_SHIFT_MASK) != 0 ? -1 : 1);
@@ -98,7 +98,7 @@ void Sheet::moveFocus(std::ptrdiff_t step) {
     gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
-/// The keyboard stops at the texts only if they must be scrolled.
+/// The texts can have the focus only if they must be scrolled.
 void Sheet::textResized(GtkAdjustment* visible) {
     gtk_widget_set_focusable(stops_.front(),
                              gtk_adjustment_get_upper(visible) > gtk_adjustment_get_page_size(visible));
@@ -113,12 +113,12 @@ GtkWidget* Sheet::makeCard(const Alert& alert) {
     gtk_widget_set_size_request(card, cardWidth, -1);
     gtk_accessible_update_property(GTK_ACCESSIBLE(card), GTK_ACCESSIBLE_PROPERTY_LABEL,
                                    alert.messageText.c_str(), -1);
-    // However long the texts are, the buttons stay in reach.
+    // Only the texts scroll, so the buttons stay visible however long the texts are.
     GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
     gtk_box_append(GTK_BOX(texts), makeLabel(alert.messageText, "title-4"));
     GtkWidget* text = makeLabel(alert.informativeText, "body");
-    // Free to choose, the toolkit lays a long text out again and again for seconds to find the width it
-    // likes.
+    // Without a requested width, GTK lays out a long text repeatedly, for seconds, to choose one (seen with
+    // 4.8.3, not reported).
     gtk_label_set_width_chars(GTK_LABEL(text), textWidthInCharacters);
     gtk_box_append(GTK_BOX(texts), text);
     GtkWidget* scroller = gtk_scrolled_window_new();
@@ -143,7 +143,7 @@ GtkWidget* Sheet::makeCard(const Alert& alert) {
         gtk_widget_set_hexpand(button, TRUE);
         connections_.push_back(connectSignal<&Sheet::clicked>(button, "clicked", *this));
         buttons_.push_back(button);
-        // The default button stands at the trailing end, where the eye ends.
+        // The default button is at the trailing end of the row.
         gtk_box_prepend(GTK_BOX(row), button);
     }
     stops_.insert(stops_.end(), buttons_.rbegin(), buttons_.rend());

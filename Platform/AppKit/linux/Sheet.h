@@ -9,7 +9,7 @@
 
 namespace Platform {
 
-/// The card of an alert on a shade that covers what is behind it.
+/// The card with an alert's texts and buttons, on a shade that covers the widgets below it.
 class Sheet {
 public:
     /// Calls `answered` with the index of the button that the user chooses. It may destroy the sheet.
@@ -18,7 +18,7 @@ public:
     Sheet& operator=(const Sheet&) = delete;
     ~Sheet();
 
-    /// The widget to put over the page.
+    /// The widget to show over the page.
     GtkWidget* widget() const { return shade_.get(); }
 
     /// Gives the default button the focus.
@@ -27,7 +27,7 @@ public:
 private:
     GtkWidget* makeCard(const Alert& alert);
     void answer(std::size_t button);
-    /// Goes on inside the sheet, round and round.
+    /// Moves the focus by `step` stops, and wraps around at the ends of the sheet.
     void moveFocus(std::ptrdiff_t step);
     gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode, GdkModifierType state);
     void clicked(GtkButton* button);
@@ -37,7 +37,7 @@ private:
     std::function<void(std::size_t)> answered_;
     GObjectPtr<GtkWidget> shade_;
     std::vector<GtkWidget*> buttons_;
-    /// Where the keyboard can be, from the first to the last.
+    /// The widgets that can have the focus, in Tab order.
     std::vector<GtkWidget*> stops_;
     std::vector<SignalConnection> connections_;
 };

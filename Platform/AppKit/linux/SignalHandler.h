@@ -4,9 +4,9 @@
 
 namespace Platform {
 
-/// The C callback that calls a member function with the arguments of a signal. What the object's `keepAlive`
-/// returns, or for a shared object a reference to it, lives until the call returns; if that is nothing, the
-/// object is not called any more.
+/// The C callback that calls a member function with the arguments of a signal. Until the call returns, it
+/// holds the result of the object's `keepAlive` or, without that function, a reference to the object if it is
+/// shared. If that reference is null, the object is not called.
 template <auto handler>
 struct SignalHandler;
 

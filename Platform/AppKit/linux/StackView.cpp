@@ -23,8 +23,8 @@ std::unique_ptr<View::Native> StackView::makeNative() {
     gtk_widget_set_margin_bottom(box, static_cast<int>(insets_.bottom));
     gtk_widget_set_margin_end(box, static_cast<int>(insets_.right));
 
-    // An overlay does not ask for the size of what lies over its main child. The size group makes it ask for
-    // the size across the box; along the box, it cuts off what does not fit.
+    // A GtkOverlay requests no space for the widgets over its main child. The size group makes it request the
+    // size across the box; along the box, it clips what does not fit.
     GtkWidget* main = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     const auto thickness = GObjectPtr<GtkSizeGroup>::adopt(
         gtk_size_group_new(isRow ? GTK_SIZE_GROUP_VERTICAL : GTK_SIZE_GROUP_HORIZONTAL));

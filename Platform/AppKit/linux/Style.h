@@ -6,17 +6,19 @@
 
 namespace Platform {
 
-/// Gives the display the few rules that the theme does not have; once a display.
+/// Adds the style rules and icons that the theme lacks to the default display. Call it once, after GTK is
+/// initialized.
 void installStyle();
 
-/// The name of the theme's icon for a system symbol.
+/// Returns the name of the theme's icon for a symbol of macOS. Aborts if the symbol is unknown.
 const char* iconName(const std::string& symbolName);
 
-/// Text attributes of the system's font at `points` logical pixels, shared by all that ask for the same size.
+/// Returns attributes for text of `points` logical pixels. The list is shared by all callers with the same
+/// size and lives as long as the process.
 PangoAttrList* fontAttributes(double points);
 
-/// `text`, or beginning and end of one that is too long for a tool tip: the toolkit would take seconds to
-/// break it into more lines than the screen has.
+/// Returns `text`, or its beginning and end if it is too long for a tool tip. GTK would take seconds to break
+/// it into more lines than the screen has (seen with 4.8.3, not reported).
 std::string toolTipText(const std::string& text);
 
 } // namespace Platform

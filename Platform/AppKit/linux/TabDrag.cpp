@@ -4,7 +4,7 @@
 
 #include <memory>
 
-// Last, as it defines macros by everyday names.
+// Last, because it defines macros with common names.
 // clang-format off
 #include <gdk/x11/gdkx.h>
 // clang-format on
@@ -13,7 +13,8 @@ namespace Platform {
 
 namespace {
 
-/// Whether the pointer is over no window. What is dragged lets the pointer through.
+/// Returns true if the pointer is not over a window. The dragged icon does not count, because the pointer
+/// passes through it.
 bool isOnBareDesktop(GdkDrag* drag) {
     GdkDisplay* display = gdk_drag_get_display(drag);
     if (!GDK_IS_X11_DISPLAY(display)) {
@@ -42,13 +43,13 @@ gboolean dropPerformed(GSignalInvocationHint* /*hint*/, guint /*count*/, const G
         g_idle_add(finish,
                    std::make_unique<GObjectPtr<GdkDrag>>(GObjectPtr<GdkDrag>::retain(drag)).release());
     }
-    return TRUE; // for the next drop, too
+    return TRUE; // keeps the hook for the next drop
 }
 
 } // namespace
 
 void endTabDragsOnBareDesktop() {
-    // A class has its signals once somebody used it.
+    // The signals of a class exist once the class has been initialized.
     const std::unique_ptr<void, decltype(&g_type_class_unref)> drags(g_type_class_ref(GDK_TYPE_DRAG),
                                                                      &g_type_class_unref);
     g_signal_add_emission_hook(g_signal_lookup("drop-performed", GDK_TYPE_DRAG), 0, dropPerformed, nullptr,

@@ -2,9 +2,9 @@
 
 namespace Platform {
 
-/// Has a tab that is dropped on a bare X11 desktop, where no window could take it, get a window of its own.
-/// The toolkit takes the desktop for somebody who will answer, and the tab would be lost. Once a process,
-/// after the toolkit started.
+/// Gives a tab that is dropped on a bare X11 desktop, on which no window could receive it, a window of its
+/// own. GTK waits for an answer from the root window that never comes, and the tab would be lost (seen with
+/// 4.8.3, not reported). Call it once, after GTK is initialized.
 void endTabDragsOnBareDesktop();
 
 } // namespace Platform

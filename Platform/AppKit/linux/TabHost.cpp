@@ -65,7 +65,7 @@ TabHost::TabHost()
     adw_tab_bar_set_view(tabBar, tabView_);
     gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabBar));
 
-    // Every other key of the tab view's own would be taken from the page.
+    // AdwTabView handles its shortcuts before the page does. Leave all but these to the page.
     adw_tab_view_set_shortcuts(tabView_,
                                static_cast<AdwTabViewShortcuts>(ADW_TAB_VIEW_SHORTCUT_CONTROL_TAB |
                                                                 ADW_TAB_VIEW_SHORTCUT_CONTROL_SHIFT_TAB));
@@ -138,7 +138,7 @@ void TabHost::closePage(Window& window) {
 
 void TabHost::updateTitle(Window& window) {
     AdwTabPage* page = adw_tab_view_get_page(tabView_, window.native().page.get());
-    // A tab without a tool tip of its own shows its title, as long as that may be.
+    // A tab without a tool tip of its own shows its title, however long, as the tool tip.
     const std::string shown = toolTipText(window.title());
     if (shown == window.title()) {
         adw_tab_page_set_tooltip(page, "");
@@ -188,7 +188,7 @@ void TabHost::selectNeighbour(int step) {
 void TabHost::present() {
     wasUsed();
     gtk_window_present(toplevel());
-    // The window manager can work while the page's first load is prepared here.
+    // Lets the window manager work while this process prepares the page's first load.
     gdk_display_flush(gtk_widget_get_display(toplevel_.get()));
 }
 
@@ -200,9 +200,9 @@ void TabHost::wasUsed() {
 void TabHost::orderOut() { gtk_widget_set_visible(toplevel_.get(), FALSE); }
 
 gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/) {
-    // Unseen, a tab is not shown each time the one before it closes.
+    // Hide the window first. Otherwise each tab is shown for a moment when the tab before it closes.
     gtk_widget_set_visible(toplevel_.get(), FALSE);
-    // The toolkit would drop the pages without asking; each tab is to close on its own, in order.
+    // GTK's default handler drops the pages without `close-page`. Close each tab on its own, in order.
     for (const auto& window : windows()) {
         if (of(*window).get() == this) {
             closePage(*window);

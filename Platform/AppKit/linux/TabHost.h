@@ -19,7 +19,7 @@ class TabHost : public std::enable_shared_from_this<TabHost> {
 public:
     static std::shared_ptr<TabHost> create();
 
-    /// The top-level that the page stands in now, or nothing.
+    /// Returns the top-level that contains the window's page now, or null.
     static std::shared_ptr<TabHost> of(Window& window);
 
     TabHost(const TabHost&) = delete;
@@ -30,7 +30,7 @@ public:
     AdwTabView* tabView() const { return tabView_; }
     MenuBar* menuBar() const { return menuBar_.get(); }
 
-    /// Adds the window's page behind `neighbour`'s, or at the end.
+    /// Adds the window's page after that of `neighbour`, or at the end if that is null.
     void addPage(Window& window, Window* neighbour);
     void select(Window& window);
     void closePage(Window& window);
@@ -42,14 +42,14 @@ public:
 
     void selectNeighbour(int step);
     void present();
-    /// Takes the top-level off the screen; its pages stay as they are.
+    /// Hides the top-level; its pages stay as they are.
     void orderOut();
 
-    /// Gives the top-level the frame that is kept under `window`'s autosave name, or else one that fits its
-    /// content size; before it is first presented.
+    /// Sets the frame that is saved under `window`'s autosave name, or else one that fits its content size,
+    /// and applies the window's style. Call it before the top-level is first presented.
     void setFrame(const Window& window);
 
-    /// Greater than that of every top-level that was worked in before this one.
+    /// Orders top-levels by their last use: a top-level that was used later has a greater value.
     std::uint64_t lastUse() const { return lastUse_; }
 
 protected:

@@ -73,7 +73,7 @@ TextFieldEvents::TextFieldEvents(TextField& owner, GtkWidget* editable)
     widget = GObjectPtr<GtkWidget>::retain(editable);
     gtk_editable_set_text(GTK_EDITABLE(editable), field.stringValue_.c_str());
     g_object_set(editable, "placeholder-text", field.placeholder_.c_str(), nullptr);
-    // A long text scrolls; without this the field would ask for as much room as a few words take.
+    // Long text scrolls. By default the field would request the width of a few words.
     gtk_editable_set_width_chars(GTK_EDITABLE(editable), 0);
     // So would the placeholder.
     GtkWidget* placeholder = gtk_widget_get_first_child(GTK_WIDGET(text));

@@ -7,7 +7,7 @@
 
 namespace Platform {
 
-/// A text field's widget, one of GTK's single-line editors, and what it reports.
+/// The widget of a text field, which is one of GTK's single-line editors, and the handlers of its signals.
 struct TextFieldEvents final : View::Native {
     TextFieldEvents(TextField& owner, GtkWidget* editable);
 
@@ -18,7 +18,7 @@ struct TextFieldEvents final : View::Native {
     void preeditChanged(GtkText* source, const char* preedit);
     void activated(GtkWidget* editable);
     gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode, GdkModifierType state);
-    /// Another control of the same page took the focus. The field may not have a widget yet.
+    /// Called when another control of the same page has taken the focus. The field may not have a widget yet.
     static void focusLeft(TextField& field);
 
     TextField& field;

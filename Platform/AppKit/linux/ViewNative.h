@@ -7,7 +7,7 @@
 
 namespace Platform {
 
-/// The widget of a view. Views that need more derive from it.
+/// The widget of a view. Derived classes add the state that some kinds of views need.
 struct View::Native {
     Native() = default;
     Native(const Native&) = delete;
@@ -17,7 +17,7 @@ struct View::Native {
     /// Adds the widget of a subview in front of the others, for views that can have subviews.
     virtual void addSubview(GtkWidget* /*subview*/) {}
 
-    /// Makes and adds the widgets that subviews of `view` lack, whenever the widget is mapped.
+    /// Creates and adds missing widgets of `view`'s subviews whenever its own widget is mapped.
     void followSubviews(View& view);
 
     GObjectPtr<GtkWidget> widget;
@@ -27,10 +27,10 @@ struct View::Native {
     SignalConnection toolTipConnection;
 };
 
-/// A widget for a group of other widgets, which cuts off what does not fit.
+/// Creates a widget that contains a group of other widgets and clips them.
 GObjectPtr<GtkWidget> makeOverlay();
 
-/// The view that `widget` or the nearest widget around it stands for, or nothing.
+/// Returns the view that `widget` or its nearest ancestor belongs to, or null.
 View* viewOfWidget(GtkWidget* widget);
 
 } // namespace Platform

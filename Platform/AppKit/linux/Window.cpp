@@ -279,7 +279,7 @@ bool Window::Native::showSheet(const Alert& alert) {
 void Window::Native::hideSheet() {
     gtk_overlay_remove_overlay(GTK_OVERLAY(page.get()), sheet->widget());
     sheet.reset();
-    // The focus goes straight to the next sheet.
+    // The next sheet is shown right away and takes the focus.
     if (!sheets.isEmpty()) {
         return;
     }
@@ -290,7 +290,8 @@ void Window::Native::hideSheet() {
     takeFocus();
 }
 
-/// Keeps pointer and keyboard from what is under a sheet, without a change of its looks.
+/// Keeps the pointer and the keyboard focus away from the content under a sheet. Unlike insensitivity, this
+/// does not change the content's look.
 void Window::Native::setContentReachable(bool reachable) const {
     GtkWidget* content = window.contentView_->native().widget.get();
     gtk_widget_set_can_target(content, reachable ? TRUE : FALSE);

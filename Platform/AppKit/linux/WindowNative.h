@@ -13,7 +13,7 @@ class TabHost;
 
 /// A window's page: its content with the sheets over it, a child of some top-level's tab view. The page moves
 /// from one top-level to another when its tab is dragged, so the top-level is looked up each time and never
-/// kept.
+/// stored.
 struct Window::Native final : SheetPresenter {
     explicit Native(Window& owner)
         : window(owner) {}
@@ -27,7 +27,7 @@ struct Window::Native final : SheetPresenter {
     void makePage();
     void applyMinSize() const;
 
-    /// The toolkit's focus moved to a widget of this page.
+    /// Called when GTK's focus has moved to the widget of `view` on this page.
     void focusMoved(View& view);
     /// Gives GTK's focus to the sheet, or to the first responder if there is no sheet: now, or as soon as the
     /// page is on the screen and no menu is open. A text field keeps its selection.
