@@ -12,7 +12,7 @@
 #include <span>
 #include <utility>
 
-/// Known to the object runtime under the name that the delegate's module gives.
+/// Instantiated as a subclass with the name that the delegate chooses (`registeredSubclass`).
 @interface KeyloftApplicationDelegate : KeyloftActionTarget <NSApplicationDelegate>
 @end
 
@@ -121,7 +121,7 @@ int Application::run(int argc, char** argv) {
     assertMainThread("Application::run");
     const std::span<char* const> all(argv, static_cast<std::size_t>(argc));
     native_->startURLs = urlsOf(all.subspan(all.empty() ? 0 : 1));
-    // AppKit would take the same arguments for names of documents.
+    // Otherwise AppKit opens the same arguments as documents.
     [NSUserDefaults.standardUserDefaults registerDefaults:@{@"NSTreatUnknownArgumentsAsOpen" : @"NO"}];
     [nativeApplication() run];
     return 0;
@@ -225,7 +225,7 @@ bool Application::Native::shouldTerminateAfterLastWindowClosed() noexcept {
     return delegate != nullptr && delegate->applicationShouldTerminateAfterLastWindowClosed();
 }
 
-/// What follows is the process's exit: windows and pages are to end while AppKit still stands.
+/// The process exits right afterwards. Windows and pages must be closed while AppKit still works.
 void Application::Native::willTerminate() noexcept {
     for (NSWindow* native in nativeApplication().windows) {
         if (windowOf(native) != nullptr) {

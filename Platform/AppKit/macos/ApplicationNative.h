@@ -9,7 +9,7 @@
 
 namespace Platform {
 
-/// What the application's delegate is told, and what belongs to the one application object.
+/// The functions that AppKit's application delegate calls, and the state of the application object.
 struct Application::Native {
     static void willFinishLaunching() noexcept;
     static void didFinishLaunching() noexcept;
@@ -22,7 +22,7 @@ struct Application::Native {
     id<NSApplicationDelegate> __strong _Nullable delegate;
     std::shared_ptr<Menu> mainMenu;
     std::weak_ptr<Menu> windowsMenu;
-    /// Out of the program's arguments, until the delegate has them.
+    /// The URLs among the program's arguments, until they are passed to the delegate.
     std::vector<URL> startURLs;
 };
 

@@ -5,13 +5,13 @@
 
 namespace Platform {
 
-/// What buttons and fields have in common.
+/// The common part of the native sides of buttons and text fields.
 struct ControlNative : View::Native {
     explicit ControlNative(NSControl* _Nonnull made)
         : Native(made)
         , control(made) {}
 
-    /// Takes over what was set before the native side was made.
+    /// Applies the properties that were set before the native side was created.
     void takeOver(const Control& owner);
 
     void applyTarget(const Control& owner);
@@ -23,7 +23,7 @@ struct ControlNative : View::Native {
     NSControl* __strong _Nonnull const control;
 
 private:
-    /// Stands for the target; AppKit holds it weakly.
+    /// Represents the target. AppKit holds it weakly.
     id __strong _Nullable target_;
 };
 

@@ -15,7 +15,7 @@ void menuNeedsUpdate(NSMenu* native) noexcept;
 
 } // namespace Platform
 
-/// One object serves every menu: which of ours is meant, the menu itself tells.
+/// The delegate of all NSMenus. `menuOf` finds the menu that an NSMenu represents.
 @interface KeyloftMenuDelegate : NSObject <NSMenuDelegate>
 @end
 
@@ -93,7 +93,7 @@ NSMenuItem* makeNativeMenuItem(const MenuItem& item) {
         [[NSMenuItem alloc] initWithTitle:toNSString(item.title())
                                    action:item.action() ? selectorFor(*item.action()) : nullptr
                             keyEquivalent:toNSString(item.keyEquivalent())];
-    // Command alone is what an item has anyway; Shift follows from an upper-case letter.
+    // Command alone is AppKit's default, and an upper-case letter implies Shift.
     if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand) {
         native.keyEquivalentModifierMask = NSEventModifierFlagOption | NSEventModifierFlagCommand;
     }

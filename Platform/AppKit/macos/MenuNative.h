@@ -8,14 +8,14 @@
 
 namespace Platform {
 
-/// AppKit's menu with the same items and submenus. One with a delegate is filled again whenever AppKit is
-/// about to show it or to look its keys up.
+/// Creates an NSMenu with the same items and submenus. If `menu` has a delegate, the NSMenu is filled again
+/// whenever AppKit is about to show it or to look up its keys.
 NSMenu* _Nonnull makeNativeMenu(const std::shared_ptr<Menu>& menu);
 
-/// The menu that stands for `menu`: `root` itself or one below it; or nil.
+/// Returns the NSMenu that represents `menu`, which is `root` or one of its submenus at any level, or nil.
 NSMenu* _Nullable nativeMenuOf(const Menu& menu, NSMenu* _Nullable root);
 
-/// AppKit's item with the same title, action and key, which does not know ours.
+/// Creates an NSMenuItem with the same title, action, key and represented URL. It does not refer to `item`.
 NSMenuItem* _Nonnull makeNativeMenuItem(const MenuItem& item);
 
 } // namespace Platform

@@ -44,7 +44,8 @@ Kept referenceOf(id native) {
     return kept != nullptr ? *kept : Kept();
 }
 
-/// The window's one editor of text stands in for the field that it edits, which is its delegate.
+/// Returns the field that a field editor edits, which is the editor's delegate. Returns any other responder
+/// itself.
 NSResponder* editedField(NSResponder* responder) {
     if (![responder isKindOfClass:NSText.class]) {
         return responder;

@@ -30,7 +30,7 @@ void performAction(const std::shared_ptr<Responder>& responder, SEL selector, id
     if (responder == nullptr || !action) {
         return;
     }
-    // Kept until the action has been performed, whatever it closes.
+    // Kept alive until the action has been performed, even if it closes their window or menu.
     const auto control = std::dynamic_pointer_cast<Control>(viewOf(sender));
     const auto menuItem = menuItemOf(sender);
     responder->perform(*action, {.control = control.get(), .menuItem = menuItem.get()});
@@ -61,7 +61,7 @@ std::optional<Action> actionFor(SEL selector) {
 }
 
 - (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
-    // An action's method takes one object and returns nothing, as that one does.
+    // The method of an action takes one object and returns nothing, like `forwardInvocation:`.
     const bool isForwarded = Platform::respondsTo(self, selector);
     return [super methodSignatureForSelector:isForwarded ? @selector(forwardInvocation:) : selector];
 }

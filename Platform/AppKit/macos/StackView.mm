@@ -29,7 +29,7 @@ std::unique_ptr<View::Native> StackView::makeNative() {
     stack.edgeInsets = NSEdgeInsetsMake(insets_.top, insets_.left, insets_.bottom, insets_.right);
     [stack setHuggingPriority:NSLayoutPriorityDefaultLow
                forOrientation:NSLayoutConstraintOrientationHorizontal];
-    // What does not fit is cut off. Otherwise a row of many buttons would widen the window.
+    // Clip content that does not fit. Otherwise a row of many buttons would widen the window.
     [stack setClippingResistancePriority:NSLayoutPriorityDefaultLow
                           forOrientation:toNSOrientation(orientation_)];
     return std::make_unique<StackNative>(stack);

@@ -73,7 +73,8 @@ void TextField::applyPlaceholder(Native& native, const std::string& placeholder)
 void TextField::selectText() { [TextFieldEvents::fieldOf(native()) selectText:nil]; }
 
 void TextField::perform(Action action, const ActionSender& /*sender*/) {
-    // The editor does what it can itself and leaves undo and redo to its window.
+    // The field editor performs the actions that it can perform itself, and leaves undo and redo to its
+    // window.
     [[TextFieldEvents::fieldOf(native()) currentEditor] tryToPerform:selectorFor(action) with:nil];
 }
 
@@ -99,7 +100,7 @@ std::unique_ptr<View::Native> TextFieldEvents::make(const TextField& field, NSTe
     cell.usesSingleLineMode = YES;
     cell.scrollable = YES;
     cell.lineBreakMode = NSLineBreakByTruncatingTail;
-    // The action is Return's alone, not that of every edit's end.
+    // Send the action on Return only, not at the end of every edit.
     cell.sendsActionOnEndEditing = NO;
     made.placeholderString = toNSString(field.placeholder());
     made.stringValue = toNSString(field.stringValue());
@@ -115,7 +116,7 @@ void TextFieldEvents::didBegin(id field) noexcept {
     }
 }
 
-/// Single-line mode hides line breaks that are pasted or dropped, but keeps them.
+/// Removes line breaks that are pasted or dropped. Single-line mode only hides them.
 void TextFieldEvents::didChange(NSTextField* field) noexcept {
     NSText* const editor = [field currentEditor];
     const std::string text = fromNSString(editor.string);
@@ -140,7 +141,7 @@ bool TextFieldEvents::cancelled(NSTextField* field) noexcept {
     if (edited == nullptr) {
         return false;
     }
-    // AppKit's edit ends too, so that the next change begins another.
+    // End AppKit's edit, too, so that the next change begins a new one.
     [field abortEditing];
     edited->cancelEditing();
     return true;

@@ -7,7 +7,7 @@
 
 namespace Platform {
 
-/// What AppKit tells of a field's edit.
+/// Handles the events of a field's edit that AppKit reports.
 struct TextFieldEvents {
     struct Native final : ControlNative {
         explicit Native(NSTextField* _Nonnull made)
@@ -19,13 +19,13 @@ struct TextFieldEvents {
         KeyloftTextFieldDelegate* __strong _Nullable delegate;
     };
 
-    /// The native side of a field around any of AppKit's single-line fields.
+    /// Creates the native side of `field` with `made`, one of AppKit's single-line fields.
     static std::unique_ptr<View::Native> make(const TextField& field, NSTextField* _Nonnull made);
 
     static void didBegin(id _Nullable field) noexcept;
     static void didChange(NSTextField* _Nonnull field) noexcept;
     static void didEnd(id _Nullable field, NSTextMovement movement) noexcept;
-    /// Escape. Returns whether it was obeyed here.
+    /// Handles Escape. Returns false if the field is not ours, so that AppKit handles it.
     static bool cancelled(NSTextField* _Nonnull field) noexcept;
 
     static NSTextField* _Nonnull fieldOf(View::Native& native) { return static_cast<Native&>(native).field; }

@@ -18,7 +18,7 @@ static void layOut(NSView* native) noexcept {
     }
 }
 
-/// A view with nothing but subviews. It counts from the top, as our views do.
+/// A view that has only subviews. Its origin is its top left corner, as in `Rect`.
 @interface KeyloftView : NSView
 - (instancetype)initWithCoder:(NSCoder*)coder NS_UNAVAILABLE;
 @end
@@ -52,7 +52,7 @@ std::size_t indexOf(Orientation orientation) { return orientation == Orientation
 
 NSRect toNSRect(const Rect& rect) { return NSMakeRect(rect.x, rect.y, rect.width, rect.height); }
 
-/// nil while there is none.
+/// Returns nil if the native view has not been created yet.
 NSView* nsViewOf(const View& view) {
     const View::Native* const native = view.nativeIfMade();
     return native != nullptr ? native->view : nil;
@@ -146,7 +146,7 @@ Rect View::frame() const {
         return frame_;
     }
     const NSRect frame = native.frame;
-    // Most of AppKit's own views count from the bottom.
+    // The origin of most of AppKit's own views is the bottom left corner.
     NSView* const superview = native.superview;
     const CGFloat top = superview == nil || superview.flipped
                             ? frame.origin.y

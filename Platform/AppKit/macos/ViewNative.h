@@ -6,8 +6,8 @@
 
 namespace Platform {
 
-/// Owns AppKit's view of a view; AppKit's view refers to ours weakly (`viewOf`). Views that need more derive
-/// from this.
+/// Owns the NSView of a view. The NSView refers to the view weakly (`viewOf`). Derived classes add the state
+/// that some kinds of views need.
 struct View::Native {
     explicit Native(NSView* _Nonnull made)
         : view(made) {}
@@ -15,7 +15,7 @@ struct View::Native {
     Native& operator=(const Native&) = delete;
     virtual ~Native() = default;
 
-    /// Adds a subview's view in front of the others.
+    /// Adds the NSView of a subview in front of the others.
     virtual void addSubview(NSView* _Nonnull subview) { [view addSubview:subview]; }
 
     NSView* __strong _Nonnull const view;

@@ -58,12 +58,12 @@ NSWindow* makeNativeWindow(Size contentSize, const Window::Style& style) {
                                     styleMask:toNSWindowStyleMask(style)
                                       backing:NSBackingStoreBuffered
                                         defer:NO];
-    // Ours owns it; closing is not to release it once more.
+    // `Window::Native` owns the NSWindow; closing must not release it a second time.
     window.releasedWhenClosed = NO;
     return window;
 }
 
-/// Whether the window is what its tabs show, be it the only one.
+/// Returns true if the window is the selected tab, or is not in a tab group.
 bool isSelectedTab(NSWindow* window) {
     NSWindow* const selected = window.tabGroup.selectedWindow;
     return selected == nil || selected == window;
@@ -223,8 +223,8 @@ void Window::Native::becameKey() noexcept {
     }
 }
 
-/// AppKit lets one window have a frame's name. Once that window is closed, the next one that is used takes
-/// the name, so that its frame is saved; it does not move.
+/// AppKit lets only one window have a frame autosave name. After that window has closed, the next window that
+/// becomes key takes the name, so that its frame is saved. Its frame stays as it is.
 void Window::Native::takeFrameName() const {
     if (owner_.frameAutosaveName_.empty() || window.frameAutosaveName.length > 0) {
         return;

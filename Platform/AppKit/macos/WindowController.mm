@@ -5,7 +5,7 @@
 #include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/AppKit/macos/WindowNative.h"
 
-/// Known to the object runtime under the name that the controller's module gives.
+/// Instantiated as a subclass with the name that the controller chooses (`registeredSubclass`).
 @interface KeyloftWindowController : NSWindowController <KeyloftResponderProxy, NSWindowDelegate> {
 @private
     std::weak_ptr<Platform::WindowController> _controller;
@@ -23,7 +23,7 @@
     self = [super initWithWindow:window];
     if (self != nil) {
         _controller = controller;
-        // The window comes back where it was left.
+        // The window opens at its saved position, without an offset from the previous window.
         self.shouldCascadeWindows = NO;
     }
     return self;

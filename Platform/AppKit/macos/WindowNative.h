@@ -9,7 +9,7 @@
 
 namespace Platform {
 
-/// AppKit's window and what belongs to it. Tabs, first responder and the way of actions are AppKit's own.
+/// The NSWindow of a window and its state. AppKit itself manages tabs, first responder and responder chain.
 struct Window::Native final : SheetPresenter {
     Native(Window& owner, NSWindow* _Nonnull made)
         : window(made)
