@@ -7,16 +7,16 @@
 
 namespace Platform {
 
-/// The time that a load may take until its page begins to show. Main thread only.
+/// Limits the time from the start of a load to the commit of its page. Main thread only.
 class LoadTimeout {
 public:
-    /// Does not start. `interval` is in seconds; one that is not above 0 never expires. Calls `expired` at
-    /// the end of the interval.
+    /// Creates a stopped timeout. `expired` is called `interval` seconds after the start; never if `interval`
+    /// is not positive.
     LoadTimeout(Timer::Interval interval, std::function<void()> expired);
 
-    /// Starts, or starts again.
+    /// Starts or restarts the interval.
     void start();
-    /// Starts again if it is running or has expired.
+    /// Restarts the interval if it is running or has expired.
     void restart();
     void stop() { timer_.reset(); }
 

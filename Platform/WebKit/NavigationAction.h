@@ -9,9 +9,9 @@
 
 namespace Platform {
 
-/// What made a page navigate. The numbers are those of WebKit's interface.
+/// The cause of a navigation. The values are those of WKNavigationType.
 enum class NavigationType {
-    other = -1, ///< by the program, by script, or by a frame's source
+    other = -1, ///< By the program, a script or the source of a frame.
     linkActivated = 0,
     formSubmitted = 1,
     backForward = 2,
@@ -19,22 +19,23 @@ enum class NavigationType {
     formResubmitted = 4,
 };
 
-/// A navigation that a page wants, in whichever of its frames. A value: tests make it by hand.
+/// A navigation in any frame of a page. A plain value, so that tests can construct it.
 struct NavigationAction {
-    /// None when the engine's text is no URL.
+    /// Absent if WebKit's text is not a valid URL.
     std::optional<URL> url;
-    /// None for schemes that know no method.
+    /// Absent for schemes that have no methods.
     std::optional<std::string> method;
-    /// The request's body, whole. Linux's engine hands out none, nor a stream.
+    /// The complete body of the request. WebKitGTK provides neither the body nor a stream.
     std::optional<std::string> body;
-    /// The same where the engine has it as a stream, not opened yet.
+    /// The body as an unopened stream. Null if WebKit does not provide one.
     std::shared_ptr<InputStream> bodyStream;
     NavigationType navigationType = NavigationType::other;
 };
 
-/// The frame that a script panel comes from. A value.
+/// The frame whose script opens a panel. A plain value.
 struct FrameInfo {
-    /// The frame's request; Linux's engine does not tell frames apart and gives the page's own.
+    /// The URL of the frame's request. WebKitGTK does not identify frames, so there it is the URL of the
+    /// page.
     std::optional<URL> url;
 };
 

@@ -11,37 +11,37 @@ class WebView;
 
 enum class NavigationActionPolicy { cancel, allow };
 
-/// Told of a web view's navigations, on the main thread; what a delegate leaves out, WebKit's defaults
-/// answer.
+/// Receives the navigation events of a web view on the main thread. The default implementations do nothing.
 ///
-/// Errors bear the domains and codes of Foundation and WebKit: "NSURLErrorDomain" (-999 cancelled, -1001
+/// Errors have the domains and codes of Foundation and WebKit: "NSURLErrorDomain" (-999 cancelled, -1001
 /// timed out, -1003 host not found …) and "WebKitErrorDomain" (102 frame load interrupted …).
 class NavigationDelegate {
 public:
     virtual ~NavigationDelegate() = default;
 
-    /// A page has come in whole.
+    /// A page finished loading.
     virtual void didFinishNavigation(WebView& /*webView*/) {}
 
-    /// A page that had begun to show failed to load to its end.
+    /// A load failed after its page committed.
     virtual void didFailNavigation(WebView& /*webView*/, const Error& /*error*/) {}
 
-    /// A load failed before anything of the new page showed; the previous page stays. A redirect that the
-    /// policy cancels fails as WebKitErrorDomain 102; any other cancelled navigation fails nothing.
+    /// A load failed before its page committed; the previous page stays. A redirect that the policy cancels
+    /// fails with WebKitErrorDomain 102. Cancelling any other navigation does not report a failure.
     virtual void didFailProvisionalNavigation(WebView& /*webView*/, const Error& /*error*/) {}
 };
 
-/// A navigation delegate that decides where the page may go. With any other the engine decides: it goes
-/// wherever it can, and macOS hands what WebKit does not load (`mailto:` …) to the program that does.
+/// A navigation delegate that also decides about navigations. Without one, WebKit allows every navigation
+/// that it can load; on macOS it passes other URLs, such as `mailto:`, to the program that handles them.
 class NavigationPolicyDelegate : public NavigationDelegate {
 public:
-    /// Answers the question that came with it. May be called at once or later, from the main thread; the
-    /// first call counts. A question whose handler is destroyed uncalled is answered with `cancel`.
+    /// Answers one policy question. May be called during `decidePolicy` or later, on the main thread. Only
+    /// the first call counts. Destroying the handler without a call answers with `cancel`.
     using DecisionHandler = std::function<void(NavigationActionPolicy)>;
 
-    /// Whether the page, or one of its frames, may go where it wants: asked before every navigation, each
-    /// redirect and each new window that a link or a form asks for; not about `WebView::loadHTMLString`'s
-    /// own page, nor about steps within one document.
+    /// Decides about a navigation of the page or one of its frames. Called before every navigation, every
+    /// redirect and every new window that a link or a form requests, but not for the page of
+    /// `WebView::loadHTMLString` itself, nor for `history.pushState` and moves through the history within one
+    /// document.
     virtual void decidePolicy(WebView& webView, const NavigationAction& action,
                               const DecisionHandler& decisionHandler) = 0;
 };

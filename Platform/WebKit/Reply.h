@@ -11,7 +11,7 @@
 
 namespace Platform {
 
-/// A question of a page that may still be open.
+/// A question from a page that may still be unanswered.
 class PendingReply {
 public:
     PendingReply() = default;
@@ -20,11 +20,11 @@ public:
     virtual ~PendingReply() = default;
 
     virtual bool isAnswered() const = 0;
-    /// Gives the safe answer. Does nothing after an answer.
+    /// Gives the safe answer, unless the question is already answered.
     virtual void answerSafely() = 0;
 };
 
-/// Answers a question of the web engine exactly once: with the first answer, or with the safe one on
+/// Answers a question from WebKit exactly once: with the first answer, or with the safe answer on
 /// destruction. Main thread only.
 template <typename... Answer>
 class Reply final : public PendingReply {
@@ -54,7 +54,7 @@ private:
 /// The open questions of one page, so that they can be answered when its process ends. Main thread only.
 class PendingReplies {
 public:
-    /// Held weakly: whoever answers the question owns the reply.
+    /// Holds `reply` weakly. The code that answers the question owns it.
     void add(const std::weak_ptr<PendingReply>& reply) {
         std::erase_if(replies_, [](const auto& other) { return !isOpen(other); });
         replies_.push_back(reply);

@@ -7,7 +7,7 @@
 
 namespace Platform {
 
-/// A script that the program adds to pages. A value.
+/// A script that the program adds to pages. A plain value.
 struct UserScript {
     /// The moment at which a script runs.
     enum class InjectionTime {
@@ -16,10 +16,10 @@ struct UserScript {
         atDocumentEnd,
     };
 
-    /// JavaScript, and when it runs.
+    /// The JavaScript code.
     std::string source;
     InjectionTime injectionTime = InjectionTime::atDocumentEnd;
-    /// Otherwise it runs in every frame, of whatever origin.
+    /// If false, the script runs in every frame, regardless of its origin.
     bool forMainFrameOnly = true;
 };
 
@@ -30,37 +30,38 @@ struct ScriptMessage {
     /// Null if `JSON.stringify` cannot convert the value, or `JSONValue::parse` refuses the result.
     JSONValue body;
 
-    /// The body for the result of `JSON.stringify`, or for an empty text if it failed.
+    /// Returns the body for `json`, the result of `JSON.stringify` or an empty text if that failed.
     static JSONValue bodyOf(const std::string& json);
 };
 
-/// Receives what pages post. Main thread only.
+/// Receives messages that pages post. Main thread only.
 class ScriptMessageHandler {
 public:
     virtual ~ScriptMessageHandler() = default;
 
-    /// Any page, and any frame of it, may have posted the message: check its body.
+    /// Any frame of any page may have posted `message`, so validate its body.
     virtual void didReceiveScriptMessage(const ScriptMessage& message) = 0;
 };
 
-/// What the program adds to the pages of the views that share it. Main thread only.
+/// Scripts and message handlers for the pages of the web views that share the controller. Main thread only.
 class UserContentController {
 public:
-    /// Creates a controller without scripts and handlers.
+    /// Creates a controller without scripts or handlers.
     static std::shared_ptr<UserContentController> create();
 
     UserContentController(const UserContentController&) = delete;
     UserContentController& operator=(const UserContentController&) = delete;
     ~UserContentController();
 
-    /// Pages reach the handler as `window.webkit.messageHandlers.NAME.postMessage(…)`, from any frame. Held
-    /// weakly: messages to a handler that is gone are dropped. A name is given once.
+    /// Adds a handler that pages in any frame call as `window.webkit.messageHandlers.NAME.postMessage(…)`.
+    /// The handler is held weakly; messages to a destroyed handler are dropped. Each name may be added only
+    /// once.
     void addScriptMessageHandler(const std::weak_ptr<ScriptMessageHandler>& handler, const std::string& name);
 
-    /// Runs in the page's own world, in every page that begins to load from now on.
+    /// Adds a script that runs in the page's own script world, in every page that begins to load afterwards.
     void addUserScript(const UserScript& script);
 
-    /// The system's side, for Platform's own sources.
+    /// The native controller, for Platform's own sources.
     struct Native;
     Native& native() { return *native_; }
 

@@ -8,7 +8,7 @@
 
 namespace Platform {
 
-/// Decides when and with what a page comes back after its web process ended. Main thread only.
+/// Decides when a page is reloaded after its web process ended, and which load is repeated. Main thread only.
 ///
 /// The page is reloaded once, when it is next visible. After a second failure within a minute it waits for
 /// the user, because the page itself is probably the cause.
@@ -24,12 +24,12 @@ public:
         /// The program ended the process itself, to make room for another.
         eviction,
     };
-    /// The web process ended. `interrupted` is the load that had not committed, which a reload cannot bring
-    /// back. `hasPage` is false if there is nothing to reload.
+    /// The web process ended. `interrupted` is the load that had not committed, which a reload would not
+    /// repeat. `hasPage` is false if there is nothing to reload.
     void processEnded(Cause cause, std::optional<URLRequest> interrupted, bool hasPage);
     /// A navigation was requested, so no reload is needed.
     void navigationRequested();
-    /// There is a web process again, and a page in it.
+    /// The view has a web process with a page again.
     void pageReturned();
 
     /// Returns true from the end of the process until a page is back. Views keep reporting the last page.

@@ -17,14 +17,15 @@ namespace Platform {
 
 class WebViewEngine;
 
-/// A page and its history. Main thread only.
+/// A web page and its history. Main thread only.
 ///
-/// The engine is the source of truth for what is shown; the values here change with it and are told to
-/// observers after they changed. Unlike other views its native side is made at once, for it loads whether it
-/// is shown or not.
+/// The properties mirror those of the native view, which determines what is shown; observers are notified
+/// after a property has changed. Unlike other views, a web view creates its native view immediately, because
+/// it loads pages even while it is not shown.
 ///
-/// After the engine's web process ended the view goes on reporting its last URL and title, reports that
-/// nothing loads, and reloads once when it is next visible; a second end within a minute waits for the user.
+/// After its web process ended, the view keeps reporting the last URL and title, reports that it is not
+/// loading, and reloads the page once when it is next visible. After a second failure within a minute it
+/// waits for the user.
 class WebView : public View {
 public:
     /// The properties that can be observed.
@@ -35,37 +36,38 @@ public:
     WebView& operator=(const WebView&) = delete;
     ~WebView() override;
 
-    /// Nothing before the first navigation. While a load that the program asked for is under way this is
-    /// already its URL; should it fail, the shown page's again.
+    /// Absent before the first navigation. During a load that the program requested, the URL being loaded; if
+    /// the load fails, the URL of the shown page again.
     std::optional<URL> url() const;
-    /// Nothing when the page has none.
+    /// Absent if the page has no title.
     std::optional<std::string> title() const;
     bool canGoBack() const;
     bool canGoForward() const;
-    /// 0 to 1; after a failed load it stays as it was.
+    /// From 0 to 1. A failed load leaves it unchanged.
     double estimatedProgress() const;
     bool isLoading() const;
 
-    /// Calls `changed` after each change of the property, never at first, in the order of the calls of
-    /// `observe`. May be ended, and the view let go, from inside the call.
+    /// Calls `changed` after each change of the property, in the order of registration, but not for the
+    /// initial value. `changed` may end the observation and release the view.
     [[nodiscard]] Observation observe(Property property, std::function<void()> changed);
 
-    /// The request's time-out begins now and at each redirect, and ends when the page begins to show.
+    /// Loads the URL of `request`. The timeout begins with the load, restarts at each redirect and ends when
+    /// the page commits.
     void load(const URLRequest& request);
 
-    /// Shows a page of the program's own, whose origin and relative links are those of `baseURL`, or of
-    /// nowhere without one. Nothing is asked of the base URL's server, and the delegate's policy is not asked
-    /// about this one page; it is asked about everything that the page then does.
+    /// Shows a page that the program supplies. Its origin and the base of its relative links are those of
+    /// `baseURL`; without one, it has neither. Does not contact the server of the base URL. The delegate's
+    /// policy is not asked about this page, but about everything that the page then does.
     void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);
     void reload();
     void stopLoading();
     void goBack();
     void goForward();
 
-    /// Swiping sideways goes back and forward.
+    /// Allows or forbids going back and forward by swiping sideways.
     void setAllowsBackForwardNavigationGestures(bool allows);
 
-    /// Whether it is a `NavigationPolicyDelegate` is read now.
+    /// The delegate is held weakly. A `NavigationPolicyDelegate` is recognized at this call.
     void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate);
     void setUIDelegate(const std::weak_ptr<UIDelegate>& delegate);
 

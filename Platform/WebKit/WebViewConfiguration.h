@@ -7,16 +7,16 @@
 
 namespace Platform {
 
-/// Where cookies, storage and caches of web views live.
+/// The store for the cookies, storage and caches of web views.
 enum class WebsiteDataStore {
-    /// The user's persistent store, shared by all views that have it.
+    /// The user's persistent store, shared by all views that use it.
     defaultStore,
-    /// A new one for each view, in memory, that ends with the view: nothing of it reaches a disk, or another
-    /// view except the windows that its pages open.
+    /// A separate store in memory for each view, destroyed with the view. It is never written to a disk, and
+    /// shared only with the windows that the view's pages open.
     nonPersistent,
 };
 
-/// What a web view is made with; read when the view is created. Main thread only.
+/// Settings that a web view reads when it is created. Main thread only.
 class WebViewConfiguration {
 public:
     static std::shared_ptr<WebViewConfiguration> create();
@@ -28,7 +28,8 @@ public:
     WebsiteDataStore websiteDataStore() const { return websiteDataStore_; }
     void setWebsiteDataStore(WebsiteDataStore store) { websiteDataStore_ = store; }
 
-    /// What the views' pages are given besides; a configuration has one of its own to begin with.
+    /// Scripts and message handlers for the pages of these views. Never null; each configuration starts with
+    /// its own.
     const std::shared_ptr<UserContentController>& userContentController() const {
         return userContentController_;
     }
@@ -36,7 +37,7 @@ public:
         userContentController_ = std::move(controller);
     }
 
-    /// The system's side, for Platform's own sources: for a page's new window it carries the opener.
+    /// The native configuration, for Platform's own sources. For a page's new window it carries the opener.
     struct Native;
     Native& native() { return *native_; }
 

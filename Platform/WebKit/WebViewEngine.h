@@ -13,9 +13,9 @@
 
 namespace Platform {
 
-/// The part of a web view that is the same on every system: mirrored values and their observers, calls to
-/// delegates, the program's own page, and recovery after the web process ended. A subclass for each system
-/// drives the native view.
+/// The platform-independent part of a web view: mirrored values and their observers, calls to delegates, the
+/// program's own page, and recovery after the web process ended. A subclass for each platform drives the
+/// native view.
 ///
 /// A view owns its engine. The native view may outlive both, but then calls neither. Main thread only.
 class WebViewEngine : public std::enable_shared_from_this<WebViewEngine> {
@@ -35,7 +35,7 @@ public:
         bool isLoading = false;
     };
 
-    /// The system's engine.
+    /// Creates the engine of the platform.
     static std::shared_ptr<WebViewEngine> create(WebViewConfiguration& configuration);
 
     WebViewEngine(const WebViewEngine&) = delete;
@@ -45,7 +45,8 @@ public:
 
     /// Called once, as soon as `owner` can be kept alive. No observer or delegate is called before.
     virtual void setOwner(const std::weak_ptr<WebView>& owner) { owner_ = owner; }
-    /// The owner, kept alive for the caller; nothing before `setOwner`, and once it is on its way out.
+    /// The owner, kept alive for the caller. Null before `setOwner` and after the owner's destruction has
+    /// begun.
     std::shared_ptr<WebView> keepAlive() const { return owner_.lock(); }
 
     const Values& values() const { return values_; }
@@ -66,7 +67,7 @@ public:
 protected:
     WebViewEngine() = default;
 
-    /// That of another view.
+    /// The engine of `view`.
     static WebViewEngine& of(const WebView& view) { return *view.engine_; }
 
     // Events of the native view. The caller keeps the owner alive.
@@ -94,7 +95,7 @@ protected:
     void failed() { ownPage_.disarm(); }
     void report(const Error& error, bool hasCommitted);
 
-    /// The view for a new window, made with `configuration`, or nothing.
+    /// Returns the view for a new window, made with `configuration`, or null if it is refused.
     std::shared_ptr<WebView> createWebView(const std::shared_ptr<WebViewConfiguration>& configuration,
                                            const NavigationAction& action);
     void closed();
@@ -108,7 +109,7 @@ protected:
     void webProcessEnded(WebProcessRecovery::Cause cause, std::optional<URLRequest> interrupted);
     void pageReturned() { recovery_.pageReturned(); }
     bool isPageGone() const { return recovery_.isPageGone(); }
-    /// Brings the page back if it waited for the view to become visible, and the view is.
+    /// Reloads the page if it waits for the view to become visible and the view is visible.
     void catchUp();
     /// Calls `catchUp` in the next iteration of the run loop.
     void catchUpSoon();

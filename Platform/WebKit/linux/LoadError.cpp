@@ -29,7 +29,7 @@ Kind kindOfInputOutputError(const GError& error) {
     case G_IO_ERROR_NETWORK_UNREACHABLE:
         return urlError(Error::urlCannotConnectToHost);
     case G_IO_ERROR_PARTIAL_INPUT:
-    case G_IO_ERROR_CONNECTION_CLOSED: // the same number as a broken pipe
+    case G_IO_ERROR_CONNECTION_CLOSED: // Equal to G_IO_ERROR_BROKEN_PIPE.
         return urlError(Error::urlNetworkConnectionLost);
     default:
         return {.domain = g_quark_to_string(error.domain), .code = error.code};

@@ -9,12 +9,12 @@
 
 namespace Platform {
 
-/// What the engine says of a failed load, in the domains and codes of Foundation and WebKit. What has no
-/// counterpart there keeps its own domain and code. Nothing where the load did not fail: the engine hands a
-/// page that is a sound or a film over to its player with an "error".
+/// Converts an error of WebKitGTK to the domains and codes of Foundation and WebKit. An error without a
+/// counterpart keeps its domain and code. Returns nothing if the load did not fail: when its media player
+/// takes over a page that is an audio or video file, WebKitGTK reports that as an error.
 std::optional<Error> loadError(const GError& error, const char* failingURI);
 
-/// What the engine has no error for.
+/// Errors that WebKitGTK does not define.
 Error timedOutError(const std::optional<std::string>& failingURL);
 Error restrictedPortError(const std::optional<std::string>& failingURL);
 

@@ -18,8 +18,8 @@ GObjectPtr<WebKitSettings> makeSettings() {
     return settings;
 }
 
-/// WebKitGTK's view contains a text widget that it looks up key bindings in. Keep Tab from moving the focus
-/// there from a page's last link, where it would be stuck.
+/// Keeps Tab from moving the focus from a page's last link into a text view inside WebKitWebView, where it
+/// would be stuck. WebKitGTK 2.50.6 uses that widget only to look up key bindings (not reported).
 void keepFocusFromInnerWidgets(GtkWidget* view) {
     for (GtkWidget* child = gtk_widget_get_first_child(view); child;
          child = gtk_widget_get_next_sibling(child)) {
@@ -52,7 +52,7 @@ GObjectPtr<WebKitWebView> makeNativeWebView(WebViewConfiguration& configuration)
     auto* manager = configuration.userContentController()->native().manager.get();
     gpointer object = nullptr;
     if (const auto opener = std::exchange(configuration.native().opener, {})) {
-        // The session goes with the opener; giving it once more is an error.
+        // A related view uses the session of its opener. It is an error to set the session as well.
         object = g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", opener.get(), "settings", settings.get(),
                               "user-content-manager", manager, nullptr);
     } else {

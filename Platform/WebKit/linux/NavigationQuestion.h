@@ -9,11 +9,11 @@
 
 namespace Platform {
 
-/// The engine's words for a navigation, in ours.
+/// Converts a navigation action of WebKitGTK.
 NavigationAction navigationAction(WebKitNavigationAction* action);
 
-/// The engine's question whether a navigation may go on. Only the first answer counts; without one,
-/// destruction answers with no.
+/// A policy question of WebKitGTK about a navigation. Only the first answer counts. Without an answer, the
+/// destructor cancels the navigation.
 class NavigationQuestion {
 public:
     explicit NavigationQuestion(WebKitNavigationPolicyDecision* decision);
@@ -22,7 +22,7 @@ public:
     ~NavigationQuestion();
 
     const NavigationAction& action() const { return action_; }
-    /// As the engine writes the URL.
+    /// The URL as WebKitGTK writes it.
     const std::string& uri() const { return uri_; }
     bool isRedirect() const { return isRedirect_; }
 

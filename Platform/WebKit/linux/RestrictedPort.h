@@ -2,8 +2,9 @@
 
 namespace Platform {
 
-/// Whether `uri` is an http or https URL of a port that belongs to another protocol and that web pages may
-/// therefore not speak to. The engine would show an empty page in its place instead of saying so.
+/// Returns true if `uri` is an http or https URL whose port belongs to another protocol and is therefore
+/// blocked for web pages. WebKitGTK 2.50.6 shows an empty page for such a URL instead of reporting a failure
+/// (not reported).
 bool usesRestrictedPort(const char* uri);
 
 } // namespace Platform

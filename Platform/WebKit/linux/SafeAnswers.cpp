@@ -42,11 +42,12 @@ gboolean decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision, W
 }
 
 gboolean scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpointer /*data*/) {
-    // A refused departure would leave the view between two pages.
+    // Always allow leaving the page: after a refusal, WebKitGTK 2.50.6 keeps reporting the URL of the next
+    // page and that it is loading (not reported).
     if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
         webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
     }
-    // Nobody holds the dialog, so that it closes when this returns.
+    // Nothing else refers to the dialog, so it closes when this returns.
     return TRUE;
 }
 
@@ -65,7 +66,7 @@ gboolean queryPermissionState(WebKitWebView* /*view*/, WebKitPermissionStateQuer
     return TRUE;
 }
 
-/// Without a credential the server's own page for that case is shown.
+/// Without a credential, WebKitGTK shows the page that the server sent with its response.
 gboolean authenticate(WebKitWebView* /*view*/, WebKitAuthenticationRequest* request, gpointer /*data*/) {
     webkit_authentication_request_authenticate(request, nullptr);
     return TRUE;
@@ -104,7 +105,7 @@ void removeRefused(WebKitContextMenu* menu) {
             removeRefused(submenu);
         }
     }
-    // A group whose items are all gone leaves its separator behind.
+    // Remove separators next to another separator or at either end of the menu.
     bool separatorBehind = true;
     for (guint index = webkit_context_menu_get_n_items(menu); index-- > 0;) {
         WebKitContextMenuItem* item = webkit_context_menu_get_item_at_position(menu, index);

@@ -4,10 +4,10 @@
 
 namespace Platform {
 
-/// Gives the page the safe answer to whatever nobody else answers: nothing is saved, printed, permitted or
-/// shown full screen, no dialog of the engine's own appears, and a failed load draws no page. The answers
-/// stay with the widget to its end, which may come after its owner's. To be called when everybody else's
-/// handlers are connected.
+/// Connects handlers that give a safe answer to every signal that no other handler answers: nothing is saved,
+/// printed, permitted or shown full screen, WebKitGTK shows no dialog of its own, and a failed load draws no
+/// page. The handlers remain connected until the widget is destroyed, which may be after its owner. Call this
+/// after connecting all other handlers, because the first answer counts.
 void giveSafeAnswers(WebKitWebView* view);
 
 } // namespace Platform

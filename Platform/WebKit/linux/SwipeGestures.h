@@ -8,8 +8,9 @@ namespace Platform {
 
 /// Enables swiping back and forward while the view is in a window.
 ///
-/// With gestures enabled, WebKitGTK takes a snapshot of each page that is left. It crashes if the view is in
-/// no window: in a closed tab, in one that was never shown, and while a tab is dragged from window to window.
+/// With gestures enabled, WebKitGTK takes a snapshot of each page that is left. Version 2.50.6 crashes if the
+/// view is not in a window then (not reported): in a closed tab, in a tab that was never shown, and while a
+/// tab is dragged from window to window.
 class SwipeGestures {
 public:
     explicit SwipeGestures(WebKitWebView* view);

@@ -20,7 +20,7 @@ struct UserContentController::Native {
     };
 
     GObjectPtr<WebKitUserContentManager> manager;
-    /// WebKitGTK has pointers to them.
+    /// Allocated one by one, because signal handlers keep pointers to them.
     std::vector<std::unique_ptr<Registration>> registrations;
 };
 

@@ -14,8 +14,8 @@ namespace Platform {
 
 namespace {
 
-/// Seconds to wait for the cancellation of a load that timed out. WebKitGTK reports none if its web process
-/// hangs.
+/// Seconds to wait for the cancellation of a load that timed out. WebKitGTK does not report a cancellation
+/// while its web process hangs.
 constexpr Timer::Interval cancellationLimit = 1;
 
 gboolean releaseLater(gpointer /*view*/) { return G_SOURCE_REMOVE; }
@@ -58,14 +58,14 @@ WebKitGTKEngine::WebKitGTKEngine(WebViewConfiguration& configuration)
     connect<&Engine::webProcessTerminated>(view, "web-process-terminated");
     connect<&Engine::mapped>(view, "map");
     connect<&Engine::unmapped>(view, "unmap");
-    // After ours, for the first answer counts.
+    // Connected last, because the first answer counts.
     giveSafeAnswers(view);
 }
 
 WebKitGTKEngine::~WebKitGTKEngine() {
-    // The view may be let go from inside one of the widget's signals, whose emitter still works with the
-    // widget when the handler returns. Not when the loop is idle: a page that asks forever, and now gets its
-    // answers at once, never lets it be.
+    // Keep the widget until the main loop runs again: a handler of one of its signals may release the view,
+    // and the emission still uses the widget after the handler returns. A source of idle priority might never
+    // run, because a page that asks questions in an endless loop now gets immediate answers.
     g_idle_add_full(G_PRIORITY_HIGH, releaseLater, g_object_ref(view_.get()), g_object_unref);
 }
 
@@ -95,7 +95,7 @@ void WebKitGTKEngine::isLoadingChanged(WebKitWebView* view, GParamSpec* /*proper
     const bool isLoading = webkit_web_view_is_loading(view) == TRUE;
     if (isLoading) {
         pageReturned();
-    } else if (!navigation_.isRequested()) { // otherwise it is the navigation before that is given up
+    } else if (!navigation_.isRequested()) { // If requested, an earlier navigation ended.
         navigation_.end();
     }
     update(&Values::isLoading, isLoading, Property::isLoading);
@@ -161,8 +161,8 @@ void WebKitGTKEngine::stopLoading() {
         update(&Values::url, shownURL, Property::url);
         return;
     }
-    // Before the policy question, WebKitGTK drops the navigation but reports it as loading forever. Cancel it
-    // at the question.
+    // WebKitGTK 2.50.6 drops a navigation that is stopped before its policy question, but reports it as
+    // loading forever (not reported). Cancel it at the question.
     if (values().isLoading || load) {
         if (const auto requested = requestedURI()) {
             navigation_.stop(*requested);
@@ -179,7 +179,7 @@ void WebKitGTKEngine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
     auto* load = navigation_.load();
     switch (event) {
     case WEBKIT_LOAD_STARTED:
-        // It may have timed out since the policy question.
+        // The load may have timed out since the policy question.
         if (navigation_.start(values().url) && navigation_.load() &&
             navigation_.load()->timeout.hasExpired()) {
             timedOut();
@@ -334,7 +334,7 @@ GtkWidget* WebKitGTKEngine::createView(WebKitWebView* view, WebKitNavigationActi
     auto& engine = of(*child);
     engine.navigation_.openWindow();
     engine.slot_.share(slot_);
-    // Borrowed: the emission adds a reference, which WebKitGTK never releases.
+    // Return a borrowed reference: the emission adds a reference that WebKitGTK never releases.
     return GTK_WIDGET(engine.view_.get());
 }
 

@@ -79,7 +79,7 @@ WebProcessSlot::~WebProcessSlot() {
 
 void WebProcessSlot::request(std::function<void()> granted) {
     granted_ = std::move(granted);
-    // Of many tabs that open together, each is visible until the next one opens. So visible views pass the
+    // When many tabs open together, each is visible until the next one opens. So visible views pass the
     // others only in the next iteration of the main loop.
     if (process_ || (slots_->nextWaiting() == this && slots_->canStart(false))) {
         grant();

@@ -11,20 +11,21 @@ namespace Platform {
 
 class WebProcessSlot;
 
-/// Limits how many web processes there are and how many start at a time. Main thread only.
+/// Limits the number of web processes and the number of those that start at the same time. Main thread only.
 ///
 /// WebKitGTK blocks the main loop while it starts a process, and processes that start together slow each
-/// other down. A hidden view waits until no process is starting and there are fewer than the limit. A visible
-/// view may start its process beside one other, and at the limit evicts the process longest out of sight.
+/// other down. A hidden view waits until no process is starting and the number of processes is below the
+/// limit. A visible view may start its process while one other starts, and at the limit evicts the process
+/// that has been hidden the longest.
 class WebProcessSlots : public std::enable_shared_from_this<WebProcessSlots> {
 public:
-    /// A process that does not answer within `startTimeout` seconds holds up the others no longer.
+    /// A process that does not answer within `startTimeout` seconds no longer delays the others.
     WebProcessSlots(std::size_t limit, Timer::Interval startTimeout)
         : limit_(limit)
         , startTimeout_(startTimeout) {}
 
-    /// The slots of this program. Each process is a client of the X server, which accepts 256 by default. If
-    /// it refuses one, WebKitGTK exits the program.
+    /// The slots of this program. Each process is a client of the X server, which accepts 256 clients by
+    /// default. If it refuses one, WebKitGTK 2.50.6 exits the program (not reported).
     static const std::shared_ptr<WebProcessSlots>& shared();
 
 private:
@@ -38,7 +39,7 @@ private:
 
     std::size_t limit_;
     Timer::Interval startTimeout_;
-    /// The most recently seen last.
+    /// All slots, the most recently seen last.
     std::vector<WebProcessSlot*> slots_;
     bool isEvicting_ = false;
 };
@@ -54,14 +55,14 @@ public:
     WebProcessSlot& operator=(const WebProcessSlot&) = delete;
     ~WebProcessSlot();
 
-    /// Calls `granted` when the view may use its process: at once if it has one or is next, else later.
+    /// Calls `granted` when the view may use its process: at once if it has one or is next, otherwise later.
     /// Replaces the request that is waiting.
     void request(std::function<void()> granted);
     bool isWaiting() const { return granted_ != nullptr; }
     void cancelRequest() { granted_ = nullptr; }
     /// Returns true if the view may use its process now.
     bool tryAcquire();
-    /// Holds the process of `other`.
+    /// Shares the process of `other`.
     void share(const WebProcessSlot& other) { process_ = other.process_; }
     void release();
 

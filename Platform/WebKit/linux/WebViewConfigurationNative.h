@@ -11,8 +11,8 @@
 namespace Platform {
 
 struct WebViewConfiguration::Native {
-    /// Set for a page's new window, until its view is made: the engine connects the two pages. It is not kept
-    /// any longer, for the configuration lives as long as the new view and the opener need not.
+    /// The opener of a page's new window, to which WebKitGTK connects the new page. Cleared when the view is
+    /// created, because the configuration lives as long as the new view and the opener may not.
     GObjectPtr<WebKitWebView> opener;
     /// Limits the web processes of these views and of the windows that their pages open. Never null.
     std::shared_ptr<WebProcessSlots> slots = WebProcessSlots::shared();

@@ -5,10 +5,10 @@
 
 #import <WebKit/WebKit.h>
 
-/// WebKit's values and ours.
+/// Conversions between the values of WebKit and those of Platform.
 namespace Platform {
 
-/// nil where NSURL takes the request's URL for none.
+/// Returns nil if NSURL cannot parse the request's URL.
 NSURLRequest* _Nullable toNSURLRequest(const URLRequest& request);
 
 NavigationAction fromWKNavigationAction(WKNavigationAction* _Nonnull action);

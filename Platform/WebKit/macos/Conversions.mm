@@ -52,7 +52,7 @@ private:
     NSInputStream* stream_;
 };
 
-/// Null for nil.
+/// Returns null for nil.
 std::shared_ptr<InputStream> fromNSInputStream(NSInputStream* stream) {
     return stream == nil ? nullptr : std::make_shared<NativeInputStream>(stream);
 }

@@ -6,7 +6,7 @@
 
 #import <JavaScriptCore/JavaScriptCore.h>
 
-/// WebKit holds its handlers for as long as there is a page; this one holds ours weakly.
+/// WebKit retains its message handlers while a page exists. This proxy holds the program's handler weakly.
 @interface KeyloftScriptMessageHandler : NSObject <WKScriptMessageHandler> {
 @public
     std::weak_ptr<Platform::ScriptMessageHandler> handler;
@@ -24,7 +24,7 @@ std::string stringify(id value) {
     return text.isString ? fromNSString([text toString]) : "";
 }
 
-/// Must not throw: WebKit's frames lie behind it.
+/// Must not throw, because WebKit calls it.
 void deliver(const std::weak_ptr<ScriptMessageHandler>& receiver, WKScriptMessage* message) noexcept {
     if (const auto handler = receiver.lock()) {
         handler->didReceiveScriptMessage(

@@ -12,7 +12,7 @@
 
 namespace Platform {
 
-/// Drives WebKit's view.
+/// Drives WKWebView.
 ///
 /// Functions that WebKit calls must not throw through its frames.
 class WKWebViewEngine final : public WebViewEngine {
@@ -61,7 +61,7 @@ private:
 
     WKWebView* __strong _Nonnull const view_;
     KeyloftWebViewDelegate* __strong _Nonnull const delegate_;
-    /// The last `load`, until it commits.
+    /// The request of the last `load`, until it commits, fails, stops or is replaced.
     std::optional<URLRequest> uncommittedRequest_;
 };
 

@@ -114,7 +114,7 @@ void WKWebViewEngine::startLoad(const URLRequest& request) {
     [view_ loadRequest:native];
 }
 
-/// Fails a load that cannot even begin, as WebKit fails one: later.
+/// Reports the failure of a load that cannot begin. Like WebKit, reports it asynchronously.
 void WKWebViewEngine::refuse(const URL& url) {
     RunLoop::main().perform([this, weak = weak_from_this(), text = url.absoluteString()] {
         if (const auto engine = weak.lock()) {
@@ -153,7 +153,7 @@ void WKWebViewEngine::startGoingForward() {
 
 void WKWebViewEngine::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {
     WebViewEngine::setNavigationDelegate(delegate);
-    // WebKit reads what a delegate responds to when it is set, and only then.
+    // WKWebView checks the methods of a delegate only when the delegate is set.
     view_.navigationDelegate = nil;
     view_.navigationDelegate = delegate_;
 }
@@ -173,7 +173,7 @@ void WKWebViewEngine::didCommit() noexcept {
 
 void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
     failed();
-    // A cancelled load is usually the previous one, which the present one replaced.
+    // A cancelled load is usually the previous one, which the current load replaced.
     if (![error.domain isEqualToString:NSURLErrorDomain] || error.code != NSURLErrorCancelled) {
         uncommittedRequest_.reset();
     }
@@ -185,7 +185,7 @@ void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
 void WKWebViewEngine::decidePolicyFor(WKNavigationAction* action,
                                       const std::shared_ptr<PolicyReply>& reply) noexcept {
     const auto ours = fromWKNavigationAction(action);
-    // WebKit does not mark redirects, but the program's own page comes from no server that could redirect it.
+    // WKNavigationAction does not mark redirects, but no server can redirect the program's own page.
     if (action.targetFrame.mainFrame && isOwnPage(ours, false)) {
         (*reply)(NavigationActionPolicy::allow);
     } else {
@@ -231,7 +231,7 @@ void WKWebViewEngine::setAllowsBackForwardNavigationGestures(bool allows) {
 }
 
 void WKWebViewEngine::performEditing(Action action) {
-    // Undo and redo are the window's, which asks the page for them.
+    // Undo and redo are actions of the window, which uses the page's undo manager.
     [view_ tryToPerform:selectorFor(action) with:nil];
 }
 

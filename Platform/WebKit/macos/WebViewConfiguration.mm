@@ -48,7 +48,7 @@ std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WKWebViewConfigurat
 WKWebViewConfiguration* nativeConfiguration(WebViewConfiguration& configuration) {
     const WebViewConfiguration::Native& native = configuration.native();
     native.configuration.userContentController = configuration.userContentController()->native().controller;
-    // WebKit refuses a new window another store than its opener's.
+    // WebKit requires a new window to share the store of its opener.
     if (!native.isForNewWindow) {
         native.configuration.websiteDataStore = nativeStore(configuration.websiteDataStore());
     }

@@ -11,16 +11,17 @@ struct WebViewConfiguration::Native {
         : configuration(made) {}
 
     WKWebViewConfiguration* __strong _Nonnull const configuration;
-    /// It is WebKit's for a page's new window, which shares the store of the page that opens it.
+    /// True if WebKit supplied the configuration for a page's new window, which shares the store of its
+    /// opener.
     bool isForNewWindow = false;
 };
 
-/// The configuration that WebKit hands over for a new window of `opener`'s page.
+/// Wraps the configuration that WebKit supplies for a new window of `opener`'s page.
 std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WKWebViewConfiguration* _Nonnull supplied,
                                                              const WebViewConfiguration& opener);
 
-/// WebKit's configuration, as ours now says. Of one that is kept in memory only, each call begins a new
-/// store.
+/// Returns the native configuration with the current settings of `configuration`. If the store is not
+/// persistent, each call creates a new one, except for a page's new window.
 WKWebViewConfiguration* _Nonnull nativeConfiguration(WebViewConfiguration& configuration);
 
 } // namespace Platform

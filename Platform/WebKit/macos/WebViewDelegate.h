@@ -11,7 +11,7 @@ namespace Platform {
 
 class WKWebViewEngine;
 
-/// What WebKit calls a property that can be observed. A key's address stands for it in a registration.
+/// The key path of an observable property. The address of this object is the context of the observation.
 struct ObservedKey {
     NSString* __unsafe_unretained _Nonnull keyPath;
     WebView::Property property;
@@ -20,11 +20,11 @@ std::span<const ObservedKey> observedKeys();
 
 } // namespace Platform
 
-/// Passes on what a web view of WebKit's tells and asks. Held by the engine, which it knows weakly.
+/// Forwards the callbacks of WKWebView to the engine, which owns the delegate. Holds the engine weakly.
 @interface KeyloftWebViewDelegate : NSObject <WKNavigationDelegate, WKUIDelegate> {
 @public
     std::weak_ptr<Platform::WKWebViewEngine> engine;
 }
-/// Any window's has changed.
+/// Called when the occlusion state of any window has changed.
 - (void)occlusionStateDidChange:(NSNotification* _Nonnull)notification;
 @end

@@ -27,7 +27,7 @@ using Platform::WKWebViewEngine;
 
 @implementation KeyloftWebViewDelegate
 
-/// WebKit decides by itself where a page may go only if nobody else can be asked.
+/// WKWebView uses its own policy only if the delegate does not respond to this selector.
 - (BOOL)respondsToSelector:(SEL)selector {
     if (selector != @selector(webView:decidePolicyForNavigationAction:decisionHandler:)) {
         return [super respondsToSelector:selector];
