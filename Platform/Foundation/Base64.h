@@ -6,11 +6,11 @@
 
 namespace Platform {
 
-/// Standard alphabet, padded with "=", no line breaks.
+/// Encodes `bytes` in the standard alphabet with "=" padding and without line breaks.
 std::string base64Encoded(std::string_view bytes);
 
-/// The bytes that `text` encodes; nothing where it holds any other character, a line break included, or is
-/// not padded to a multiple of four. Bits left over in the last character are ignored.
+/// Decodes `text`. Returns nothing if it contains any other character, including a line break, or is not
+/// padded to a multiple of four characters. Ignores unused bits of the last character.
 std::optional<std::string> base64Decoded(std::string_view text);
 
 } // namespace Platform

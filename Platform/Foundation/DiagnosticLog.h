@@ -5,13 +5,12 @@
 
 namespace Platform {
 
-/// Writes `text` as one line to standard error, behind the local time, the program's name and the process's
-/// number, in one write. Line breaks and other control characters in the text are written as escapes, so that
-/// no text can pass for a second line or steer a terminal. A standard error that nobody reads is no failure.
-/// Safe on any thread.
+/// Writes `text` as one line to standard error in one write, after the local time, the program's name and the
+/// process ID. Escapes line breaks and other control characters, so that no text can imitate a second line or
+/// control a terminal. Write errors, such as a closed pipe, are ignored. Safe on any thread.
 void diagnosticLog(std::string_view text);
 
-/// `text` with line breaks and other control characters written as escapes ("\n", "\x1b"), tabs aside.
+/// `text` with line breaks and other control characters except tabs written as escapes ("\n", "\x1b").
 std::string escapingControlCharacters(std::string_view text);
 
 } // namespace Platform

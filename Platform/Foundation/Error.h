@@ -6,9 +6,9 @@
 
 namespace Platform {
 
-/// Why something failed that the system reports by domain and code, a page load above all. A plain value.
+/// A failure that is identified by a domain and a code, such as that of a page load. A plain value.
 struct Error {
-    /// The domain of errors of loading a URL.
+    /// The domain of URL loading errors.
     static constexpr std::string_view urlDomain = "NSURLErrorDomain";
     /// Codes of that domain.
     static constexpr int urlCancelled = -999;
@@ -19,7 +19,7 @@ struct Error {
     static constexpr int urlSecureConnectionFailed = -1200;
     static constexpr int urlServerCertificateUntrusted = -1202;
 
-    /// The domain of the web engine's own errors.
+    /// The domain of WebKit's own errors.
     static constexpr std::string_view webKitDomain = "WebKitErrorDomain";
     static constexpr int webKitFrameLoadInterrupted = 102;
     static constexpr int webKitRestrictedPort = 103;
@@ -27,9 +27,9 @@ struct Error {
     /// `urlDomain`, `webKitDomain` or another one, and a code of that domain.
     std::string domain;
     int code = 0;
-    /// A sentence to show to a person.
+    /// A sentence to show to the user.
     std::string localizedDescription;
-    /// The text of the URL that failed, where one is known.
+    /// The text of the URL that failed, if known.
     std::optional<std::string> failingURL;
 
     friend bool operator==(const Error&, const Error&) = default;

@@ -4,7 +4,8 @@
 
 namespace Platform {
 
-/// Logs `message` and stops the process: for invariants that no valid data can break. Safe on any thread.
+/// Logs `message` and aborts the process. Only for violated invariants, which no valid data can cause. Safe
+/// on any thread.
 [[noreturn]] void fatalError(std::string_view message);
 
 } // namespace Platform

@@ -34,7 +34,7 @@ auto uninterrupted(const Call& call) {
     return result;
 }
 
-/// An operation on a path, for the texts of its errors.
+/// An operation on a path, for its error messages.
 struct Task {
     std::string_view subject;
     std::string_view verb;
@@ -63,7 +63,7 @@ struct Task {
 int makeDirectory(const fs::path& path, std::optional<mode_t> permissions) {
     static constexpr mode_t usual = 0777;
     const bool isMade = mkdir(path.c_str(), permissions.value_or(usual)) == 0 &&
-                        // mkdir subtracts the umask.
+                        // mkdir applies the umask.
                         (!permissions || chmod(path.c_str(), *permissions) == 0);
     return isMade ? 0 : errno;
 }
@@ -105,8 +105,8 @@ fs::path destinationOf(const Task& task) {
     }
 }
 
-/// mkostemp does not serve here: a new file gets what the umask leaves of its permissions, and the umask can
-/// be read only by changing it for all threads.
+/// A name for a new file. mkostemp is not suitable: a new file gets the permissions that the umask allows,
+/// and the umask can be read only by changing it for all threads.
 fs::path temporaryName(const Task& task) {
     std::array<std::byte, sizeof(std::uint64_t)> random = {};
     if (!RandomBytes::fill(random)) {
@@ -127,10 +127,10 @@ bool writeAll(int file, std::string_view data) {
     return true;
 }
 
-/// Gives the file the permissions and, as far as the user may, the owner and group of `original`.
+/// Gives the file the permissions and, as far as the user is allowed to, the owner and group of `original`.
 bool makeResemble(int file, const struct stat& original) {
     const bool hasOwner = fchown(file, original.st_uid, original.st_gid) == 0;
-    // A set-ID bit would act for another owner.
+    // Without the original owner, a set-ID bit would grant the rights of another user.
     return fchmod(file, original.st_mode & (hasOwner ? 07777U : 0777U)) == 0;
 }
 
@@ -157,7 +157,7 @@ std::string FileManager::contents(const std::string& path) const {
     if (!file.isOpen() || fstat(file.get(), &status) != 0) {
         throw task.failure(errno);
     }
-    // For a directory, read() fails with the more exact reason.
+    // For a directory, read() fails with a more specific reason.
     if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
         throw task.failure("Not a regular file");
     }
@@ -186,7 +186,7 @@ void FileManager::writeAtomically(std::string_view data, const std::string& path
     if (lstat(destination.c_str(), &original) != 0 && errno != ENOENT) {
         throw task.failure(errno);
     }
-    // For a directory, rename() fails with the more exact reason. Without a file, the mode is 0.
+    // For a directory, rename() fails with a more specific reason. Without a file, the mode is 0.
     if (S_ISCHR(original.st_mode) || S_ISBLK(original.st_mode)) {
         throw task.failure("Not a regular file");
     }

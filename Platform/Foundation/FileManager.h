@@ -30,7 +30,7 @@ private:
 
 /// Files, directories and their standard locations. Stateless; safe on any thread.
 ///
-/// Paths are the kernel's own, with "/" between names and not percent-encoded.
+/// Paths are those of the kernel: names separated by "/", not percent-encoded.
 class FileManager {
 public:
     /// The longest file that `contents` reads, in bytes.
@@ -39,11 +39,11 @@ public:
     /// The file manager of the process.
     static const FileManager& defaultManager();
 
-    /// The user's home directory: the session's, or the user database's if the session has none.
+    /// The user's home directory, as defined by the session or, failing that, by the user database.
     URL homeDirectory() const;
 
-    /// The directory for applications' data, on every system `Library/Application Support` in the home
-    /// directory. Creates nothing.
+    /// The directory for applications' data: `Library/Application Support` in the home directory, on every
+    /// platform. Creates nothing.
     URL applicationSupportDirectory() const;
 
     /// Creates a directory and its missing parents. Accepts an existing directory. Each directory created has
@@ -51,8 +51,8 @@ public:
     /// Throws FileError.
     void createDirectory(const std::string& path, std::optional<mode_t> permissions = std::nullopt) const;
 
-    /// Returns the whole contents of a regular file and follows symbolic links. Never waits for the other end
-    /// of a pipe or device: these are errors. Throws FileError.
+    /// Returns the whole contents of a regular file and follows symbolic links. A pipe or device is an error;
+    /// the function never waits for its other end. Throws FileError.
     std::string contents(const std::string& path) const;
 
     /// Replaces the file's contents so that a reader, and a restart after a crash, finds either the old or
@@ -65,8 +65,8 @@ public:
     void writeAtomically(std::string_view data, const std::string& path) const;
 
 private:
-    /// Writes the contents of a file or directory to the disk. One system call: -1 and `errno` on failure,
-    /// EINTR included.
+    /// Writes the contents of a file or directory to the disk. Returns -1 and sets `errno` on failure,
+    /// including an interruption (EINTR).
     static int flush(int descriptor);
 };
 

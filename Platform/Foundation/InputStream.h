@@ -5,7 +5,7 @@
 
 namespace Platform {
 
-/// Bytes that come one after the other, a request's body for example. One thread at a time.
+/// A stream of bytes, such as the body of a request. For one thread at a time.
 class InputStream {
 public:
     InputStream() = default;
@@ -13,12 +13,12 @@ public:
     InputStream& operator=(const InputStream&) = delete;
     virtual ~InputStream() = default;
 
-    /// To be called once, before anything is read.
+    /// Opens the stream. Must be called once, before the first `read`.
     virtual void open() = 0;
-    /// Whether `read` would give bytes, or cannot tell without trying.
+    /// Returns true if `read` would return bytes, or if only an attempt to read can determine that.
     virtual bool hasBytesAvailable() = 0;
-    /// Reads at most as many bytes as `buffer` has room for. How many they were: 0 at the end, less after a
-    /// failure.
+    /// Reads at most `buffer.size()` bytes. Returns the number of bytes read, 0 at the end of the stream, or
+    /// a negative value on failure.
     virtual std::ptrdiff_t read(std::span<char> buffer) = 0;
     virtual void close() = 0;
 };

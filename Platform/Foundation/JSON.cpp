@@ -10,7 +10,7 @@ namespace Platform {
 
 namespace {
 
-/// Builds a JSONValue from the library's events, whose reader keeps no stack of its own but a list of flags.
+/// Builds a JSONValue from the events of nlohmann/json's SAX parser, which does not recurse.
 class Builder {
 public:
     using number_integer_t = nlohmann::json::number_integer_t;
@@ -46,7 +46,7 @@ public:
     JSONValue take() { return std::move(top_); }
 
 private:
-    /// An array or object that is not closed yet, and the name of the member that comes next.
+    /// An array or object that is not closed yet, and the name of its next member.
     struct Open {
         bool isObject = false;
         JSONValue::Array array;
@@ -137,12 +137,13 @@ void appendLiteral(std::string& out, std::string_view text, JSONSlashes slashes)
 }
 
 std::string numberText(double value) {
-    // 2^53: beyond it not every integer has a double of its own, and shortest notation is as good.
+    // 2^53. Beyond it not every integer has its own double, and the shortest notation is as good.
     constexpr double exactIntegers = 9007199254740992.0;
     if (std::trunc(value) == value && std::abs(value) <= exactIntegers) {
         return std::to_string(static_cast<std::int64_t>(value));
     }
-    // The C++ library of macOS 13.0 cannot do this yet.
+    // libc++ provides std::to_chars for floating-point numbers only since macOS 13.3, and the program runs on
+    // 13.0.
     return nlohmann::json(value).dump();
 }
 
@@ -213,7 +214,8 @@ private:
 } // namespace
 
 std::optional<JSONValue> JSONValue::parse(std::string_view bytes) {
-    // NUL is valid nowhere in a JSON text, but the library takes it for the end.
+    // NUL is not valid in a JSON text, but nlohmann/json 3.11.2 treats it as the end of the input
+    // (https://github.com/nlohmann/json/issues/5530).
     if (bytes.contains('\0')) {
         return std::nullopt;
     }

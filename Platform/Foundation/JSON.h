@@ -12,18 +12,18 @@
 
 namespace Platform {
 
-/// A JSON value, read or to be written. A plain value; strings are UTF-8 and may hold NUL.
+/// A JSON value, with value semantics. Strings are UTF-8 and may contain NUL.
 class JSONValue {
 public:
-    /// In the order of the text.
+    /// Elements in the order of the text.
     using Array = std::vector<JSONValue>;
-    /// Sorted by name, in the order of the names' bytes. Of a name told twice the last value counts.
+    /// Members, sorted by the bytes of their names. If a name occurs more than once, its last value is used.
     using Object = std::map<std::string, JSONValue, std::less<>>;
 
-    /// Deepest nesting of arrays and objects that `parse` takes.
+    /// The deepest nesting of arrays and objects that `parse` accepts.
     static constexpr std::size_t maxDepth = 512;
 
-    /// A value of the argument's kind. Without an argument it is null.
+    /// Creates a value of the argument's kind, or null without an argument.
     JSONValue() = default;
     JSONValue(std::nullptr_t) {}
     JSONValue(bool value)
@@ -43,23 +43,23 @@ public:
     JSONValue(Object value)
         : value_(std::make_shared<const Object>(std::move(value))) {}
 
-    /// The array or object that `bytes` hold in UTF-8, or nothing. Strict (RFC 8259), except that a leading
-    /// byte order mark is passed over; deeper nesting than `maxDepth` and numbers beyond a double are
-    /// refused. Takes any input, of any size, without deep recursion.
+    /// Parses an array or object in UTF-8. Returns nothing on an error. Strict (RFC 8259), except that a
+    /// leading byte order mark is skipped; also rejects nesting deeper than `maxDepth` and numbers outside
+    /// the range of a double. Safe for any input of any size, because it does not recurse deeply.
     static std::optional<JSONValue> parse(std::string_view bytes);
 
     /// Returns true for null.
     bool isNull() const { return std::holds_alternative<std::nullptr_t>(value_); }
-    /// The value where it is of that kind, else null.
+    /// Returns the value if it is of that kind, otherwise null.
     const bool* boolean() const { return std::get_if<bool>(&value_); }
     const double* number() const { return std::get_if<double>(&value_); }
     const std::string* string() const { return shared<std::string>(); }
     const Array* array() const { return shared<Array>(); }
     const Object* object() const { return shared<Object>(); }
 
-    /// An object's member; null where this is no object or has none of that name.
+    /// Returns an object's member, or null if this is not an object or has no member of that name.
     const JSONValue* member(std::string_view name) const;
-    /// An object's member that is a string; null where there is none, or it is anything else.
+    /// Returns an object's string member, or null if there is no such member or it is not a string.
     const std::string* stringMember(std::string_view name) const;
 
     /// Compares contents.
@@ -72,8 +72,8 @@ private:
         return pointer == nullptr ? nullptr : pointer->get();
     }
 
-    /// What is larger than a pointer is shared between copies, which nobody can tell since it never changes;
-    /// a long list of small numbers thus stays bearable.
+    /// Strings, arrays and objects are immutable, so that copies share them. A value is therefore small,
+    /// which limits the memory for long arrays of numbers.
     std::variant<std::nullptr_t, bool, double, std::shared_ptr<const std::string>,
                  std::shared_ptr<const Array>, std::shared_ptr<const Object>>
         value_ = nullptr;

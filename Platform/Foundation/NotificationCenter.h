@@ -23,14 +23,15 @@ private:
 
 struct Notification {
     NotificationName name;
-    /// The sender's identity, only to be compared.
+    /// Identifies the sender. Only compared, never dereferenced.
     const void* object = nullptr;
 };
 
 /// Notifies the observers of a name.
 ///
-/// Callbacks run on the posting thread before `post` returns. All functions may be called on any thread. An
-/// observation that is ended on another thread than the posting one may still be running afterwards.
+/// Callbacks run on the posting thread before `post` returns. All functions may be called on any thread. If
+/// an observation is ended on a thread other than the posting one, its callback may still be running
+/// afterwards.
 class NotificationCenter {
 public:
     using Callback = std::function<void(const Notification&)>;

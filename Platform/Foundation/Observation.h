@@ -5,12 +5,12 @@
 
 namespace Platform {
 
-/// A registration that ends when this token does: destroyed, reset or assigned over. Ending is idempotent.
+/// A registration that ends when this token is destroyed, reset or assigned to. Ending is idempotent.
 ///
 /// A token belongs to one thread at a time.
 class [[nodiscard]] Observation {
 public:
-    /// Observes nothing.
+    /// Creates a token without an observation.
     Observation() = default;
     /// `end` is called once, at the end of the observation. It must not throw.
     explicit Observation(std::function<void()> end)
@@ -31,13 +31,13 @@ public:
 
     /// Ends the observation now.
     void reset() noexcept {
-        // Emptied first: what ends the observation may destroy the owner of this token.
+        // Empty the token first, because `end` may destroy its owner.
         if (const auto end = std::exchange(end_, nullptr)) {
             end();
         }
     }
 
-    /// Whether there is anything to end.
+    /// Returns true if there is an observation to end.
     explicit operator bool() const noexcept { return static_cast<bool>(end_); }
 
 private:

@@ -14,8 +14,8 @@ namespace Platform {
 /// A list of callbacks, called in the order in which they were added.
 ///
 /// Callbacks may add and end observations, their own included, notify again, and destroy the list. All
-/// functions may be called on any thread. An observation that is ended on another thread may still be running
-/// afterwards.
+/// functions may be called on any thread. If an observation is ended on a thread other than the notifying
+/// one, its callback may still be running afterwards.
 template <typename... Arguments>
 class ObserverList {
 public:

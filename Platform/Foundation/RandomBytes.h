@@ -5,12 +5,12 @@
 
 namespace Platform {
 
-/// Random bytes fit for secrets, from the system's own generator. Safe on any thread.
+/// Cryptographically secure random bytes from the operating system. Safe on any thread.
 class RandomBytes {
 public:
     RandomBytes() = delete;
 
-    /// Fills `bytes` whole, or returns false, in which case nothing in them may be used.
+    /// Fills all of `bytes`. Returns false on failure; the contents must not be used then.
     [[nodiscard]] static bool fill(std::span<std::byte> bytes);
 };
 

@@ -4,9 +4,9 @@
 
 namespace Platform {
 
-/// The main thread's loop, on which timers and everything of the toolkit run.
+/// The run loop of the main thread, which runs timers and the events of GTK or AppKit.
 ///
-/// All operations belong to the main thread, except `perform`.
+/// All functions are for the main thread only, except `perform`.
 class RunLoop {
 public:
     RunLoop(const RunLoop&) = delete;
@@ -18,11 +18,11 @@ public:
     /// Runs the loop until `stop`. May be called again from a callback; each `stop` then ends the innermost
     /// run.
     void run();
-    /// Ends the innermost `run` after the present callback. Does nothing outside of one.
+    /// Ends the innermost `run` after the current callback. Does nothing outside `run`.
     void stop();
 
-    /// Calls `callback` once on the main thread, on a later turn of the loop, in the order of the calls. Any
-    /// thread. Callbacks must not throw.
+    /// Calls `callback` once on the main thread, in a later iteration of the loop, in the order of the calls
+    /// to `perform`. May be called on any thread. `callback` must not throw.
     void perform(std::function<void()> callback);
 
 private:

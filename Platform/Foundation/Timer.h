@@ -5,9 +5,9 @@
 
 namespace Platform {
 
-/// Calls back on the main run loop after some time, once or again and again. Main thread only.
+/// Calls back on the main run loop after an interval, once or repeatedly. Main thread only.
 ///
-/// Whoever holds the timer owns it: with the last reference gone it is invalidated.
+/// The run loop does not keep a timer alive: releasing the last reference invalidates it.
 class Timer {
 public:
     /// Seconds.
@@ -17,21 +17,23 @@ public:
     Timer& operator=(const Timer&) = delete;
     ~Timer();
 
-    /// A running timer that first fires no earlier than `interval` from now. Anything below a millisecond,
-    /// and what is no number, counts as one; the longest interval is 49 days. `callback` may invalidate the
-    /// timer or release the last reference to it, and must not throw.
+    /// Returns a running timer that first fires no earlier than `interval` from now. Intervals below one
+    /// millisecond, and NaN, count as one millisecond; the longest interval is 49 days. `callback` may
+    /// invalidate the timer or release the last reference to it, and must not throw.
     static std::shared_ptr<Timer> scheduled(Interval interval, bool repeats, std::function<void()> callback);
 
     /// Stops the timer for good and releases the callback, at the latest when a running call of it returns.
     void invalidate();
-    /// False once invalidated; a timer that does not repeat is so before its one callback begins.
+    /// Returns false once the timer is invalidated. A timer that does not repeat is invalidated before its
+    /// callback begins.
     bool isValid() const;
 
-    /// Calls back at once, unless invalidated. A repeating timer keeps its rhythm, any other is used up.
+    /// Calls back immediately, unless invalidated. A repeating timer keeps its schedule; any other is
+    /// invalidated.
     void fire();
 
 private:
-    /// The system's timer, which calls `fired`.
+    /// The native timer, which calls `fired`.
     struct Native;
 
     Timer();
@@ -40,7 +42,7 @@ private:
     void fired() noexcept;
 
     std::unique_ptr<Native> native_;
-    /// Shared, so that the call that is running outlives the timer.
+    /// Shared, so that a running callback outlives the timer.
     std::shared_ptr<const std::function<void()>> callback_;
     bool repeats_ = false;
 };

@@ -18,10 +18,10 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
     return path;
 }
 
-// Escapes make a text three times as long at most, and must leave its offsets within 32 bits.
+// Percent-encoding makes a text at most three times as long, and its offsets must fit in 32 bits.
 constexpr std::size_t maxTextLength = std::size_t{1} << 28U;
 
-/// The URL of a text that was put together from valid components.
+/// The URL of a text that is composed of valid components.
 URL builtFrom(std::string_view text) {
     auto url = URL::fromString(text);
     if (!url) {
@@ -94,7 +94,7 @@ std::optional<std::string> URL::host() const {
 std::optional<std::int64_t> URL::port() const { return port_; }
 
 std::string URL::path() const {
-    // Foundation turns a path's bytes into text by a way that passes over one leading byte order mark.
+    // Foundation skips one leading byte order mark when it decodes a path.
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     std::string path = URLEncoding::decoded(view(path_)).value_or(std::string());
     if (path.starts_with(byteOrderMark)) {

@@ -10,23 +10,22 @@
 
 namespace Platform {
 
-/// A parsed URL or relative reference, exactly as Foundation understands its text.
+/// A URL or relative reference, parsed exactly as Foundation does.
 ///
-/// Foundation follows RFC 3986 but is lenient: what a component may not hold is percent-encoded, an
-/// international host becomes its ASCII form (UTS #46), and only a text without any sensible reading (a bad
-/// scheme, host or port, or no text at all) is no URL. Nothing is normalised: case, dot segments and default
-/// ports stay as they were given.
+/// Foundation follows RFC 3986 but is lenient: it percent-encodes characters that a component may not contain
+/// and converts an international host to its ASCII form (UTS #46). It rejects only an empty text and an
+/// invalid scheme, host or port. Nothing is normalised: case, dot segments and default ports remain as given.
 ///
-/// A plain value: the text and where its components lie. Safe to read from any thread. Views that accessors
-/// return live as long as the URL that they were asked of.
+/// A plain value that consists of the text and the positions of its components. Safe to read from any thread.
+/// A view that an accessor returns is valid as long as its URL.
 class URL {
 public:
-    /// The URL that `text` spells, or nothing where Foundation has none.
+    /// Parses `text`. Returns nothing if Foundation does not accept it or if it is longer than 256 MiB.
     static std::optional<URL> fromString(std::string_view text);
 
     /// The file URL of a path. A relative path gives a relative reference without a scheme (no working
     /// directory is consulted), an empty one "./"; a directory's path ends in "/". A NUL byte ends the path,
-    /// as it does for the system.
+    /// as it does for the kernel.
     static URL fromFilePath(std::string_view path, bool isDirectory);
 
     /// The whole text, percent-encoded. URLs are equal if their texts are.
@@ -39,10 +38,10 @@ public:
     /// Percent-decoded, an IP literal without its brackets. Absent without an authority, and if the bytes are
     /// not UTF-8.
     std::optional<std::string> host() const;
-    /// Absent too where the number is too large for 64 bits.
+    /// Also absent if the number exceeds 64 bits.
     std::optional<std::int64_t> port() const;
-    /// Percent-decoded, trailing slashes kept; empty where the decoded bytes are no UTF-8, and without a
-    /// leading byte order mark.
+    /// Percent-decoded, with trailing slashes but without a leading byte order mark. Empty if the decoded
+    /// bytes are not UTF-8.
     std::string path() const;
     /// Percent-encoded, without "?".
     std::optional<std::string_view> query() const&;
@@ -64,20 +63,21 @@ public:
     std::string_view percentEncodedPath() const&;
     std::string_view percentEncodedPath() const&& = delete;
 
-    /// This URL with `component` (not encoded; "/" in it separates) added to its path, with one "/" between.
-    /// The path ends in "/" exactly if that makes it a directory's. An empty component adds nothing.
+    /// This URL with `component` appended to its path, with one "/" between. `component` is not
+    /// percent-encoded; a "/" in it separates components. The path ends in "/" if and only if `isDirectory`
+    /// is true. An empty component changes nothing.
     URL appendingPathComponent(std::string_view component, bool isDirectory) const;
     /// This URL without its path's last component, the path ending in "/"; the same URL at the root.
     URL deletingLastPathComponent() const;
-    /// The file system's path: decoded to bytes, which need not be UTF-8, without a trailing slash except the
-    /// root's.
+    /// The path in the file system: percent-decoded to bytes, which need not be UTF-8, without a trailing
+    /// slash except that of the root.
     std::string filePath() const;
 
     /// Compares the texts.
     friend bool operator==(const URL& left, const URL& right) { return left.text_ == right.text_; }
 
 private:
-    /// Where a component lies in `text_`.
+    /// The position of a component in `text_`.
     struct Extent {
         static constexpr std::uint32_t absent = std::numeric_limits<std::uint32_t>::max();
 

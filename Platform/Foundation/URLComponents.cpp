@@ -129,7 +129,7 @@ void URLComponents::setQueryItems(const std::vector<URLQueryItem>& items) {
 void URLComponents::setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items) {
     changed();
     query_ = joined(items, [](std::string_view text, bool isName) {
-        // A value may hold "=": only the first one of an item separates.
+        // A value may contain "=": only the first one in an item is a separator.
         const bool kept = URLEncoding::isValid(text, Allowed::query) &&
                           text.find_first_of(isName ? "&=" : "&") == std::string_view::npos;
         return kept ? std::string(text) : URLEncoding::encoded(text, Allowed::queryItem);

@@ -10,9 +10,10 @@
 
 namespace Platform {
 
-/// One "name=value" of a query. A piece without "=" has no value, one that ends in "=" has an empty one.
+/// One "name=value" item of a query. An item without "=" has no value, one that ends in "=" has an empty
+/// value.
 struct URLQueryItem {
-    /// Decoded or not, as the function that returns or takes the item says.
+    /// Percent-encoded or not, depending on the function that returns or takes the item.
     std::string name;
     std::optional<std::string> value;
 
@@ -28,7 +29,7 @@ class URLComponents {
 public:
     /// The parts of `url` (not resolved against any base).
     explicit URLComponents(const URL& url);
-    /// The parts of what `text` spells, or nothing where it is no URL. Unlike a URL, components may be empty.
+    /// Parses `text`. Returns nothing if it is not a valid URL. Unlike a URL, it may be empty.
     static std::optional<URLComponents> fromString(std::string_view text);
 
     /// The parts of the text. Absent is not the same as empty.
@@ -45,17 +46,18 @@ public:
     std::optional<std::string> fragment() const;
     const std::optional<std::string>& percentEncodedFragment() const { return fragment_; }
 
-    /// The query split at "&", and each piece at its first "=", decoded; "+" stays a plus sign. A name that
-    /// does not decode to UTF-8 is empty, and such a value is absent. Nothing without a query, an empty list
-    /// for an empty query.
+    /// Splits the query at "&" and each item at its first "=", and decodes the parts; "+" remains a plus
+    /// sign. A name that does not decode to UTF-8 is empty, and such a value is absent. Returns nothing
+    /// without a query, and an empty list for an empty query.
     std::optional<std::vector<URLQueryItem>> queryItems() const;
     /// The same, percent-encoded as stored.
     std::optional<std::vector<URLQueryItem>> percentEncodedQueryItems() const;
 
     /// Sets a query that is already encoded. If any part of it is not valid, encodes all of it.
     void setPercentEncodedQuery(std::string_view query);
-    /// Names and values are encoded so that they are read back the same: of what a query may hold only "&"
-    /// and "=" do not stay literal, while "+", "?", ";" and "/" do. An empty list gives an empty query.
+    /// Sets items that are not encoded. Encodes "&", "=" and characters that a query may not contain, so that
+    /// the items are read back unchanged; "+", "?", ";" and "/" stay literal. An empty list sets an empty
+    /// query.
     void setQueryItems(const std::vector<URLQueryItem>& items);
     /// Sets items that are already encoded. Encodes each name and value that is not valid.
     void setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items);
@@ -82,8 +84,8 @@ private:
     std::string path_;
     std::optional<std::string> query_;
     std::optional<std::string> fragment_;
-    /// The text as it was parsed, until a part is changed: it may spell a port in a way that the number does
-    /// not.
+    /// The parsed text, until a part is changed. It may spell the port differently, for example with leading
+    /// zeros.
     std::optional<std::string> text_;
 };
 

@@ -20,11 +20,11 @@ constexpr bool isLetter(char character) {
 }
 constexpr bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-/// Ends of components, in the same table.
+/// Sets of delimiters, as bits of the same table.
 enum class Delimiter : std::uint16_t {
-    general = 1U << 8U,   ///< All that may end a scheme, or show that there is none.
-    authority = 1U << 9U, ///< What ends an authority.
-    path = 1U << 10U,     ///< What ends a path.
+    general = 1U << 8U,   ///< Characters that end a scheme, or show that a text has no scheme.
+    authority = 1U << 9U, ///< Characters that end an authority.
+    path = 1U << 10U,     ///< Characters that end a path.
 };
 
 using Table = std::array<std::uint16_t, 256>;
@@ -116,9 +116,9 @@ std::string_view take(std::string_view& rest, std::size_t length) {
     return taken;
 }
 
-/// Cuts an authority; false where its host and port cannot be told apart.
+/// Splits an authority. Returns false if its host and port cannot be separated.
 bool splitAuthority(std::string_view authority, Parts& parts) {
-    // The last "@" ends the user's part: what is before it may hold others, which are encoded later.
+    // The last "@" ends the user information. Any "@" before it is encoded later.
     if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
         std::string_view user = authority.substr(0, at);
         authority.remove_prefix(at + 1);
@@ -261,7 +261,7 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
         return true;
     }
 
-    // All delimiters are ASCII, so that repairing ill-formed UTF-8 does not move them.
+    // All delimiters are ASCII, so that repairing ill-formed UTF-8 does not affect them.
     const std::string source = repairingUTF8(text);
     Parts old;
     split(source, allowEmptyScheme, old);
@@ -286,7 +286,7 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
             return false;
         }
         out += *host;
-        // What is put together anew spells its port as a number, or not at all.
+        // The new text spells the port as a number or omits it.
         if (parsed.port) {
             out += ':';
             out += std::to_string(*parsed.port);

@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
-/// The rules of RFC 3986 as Foundation applies them, shared by URL and URLComponents. Nobody else includes
-/// this.
+/// The rules of RFC 3986 as Foundation applies them. Shared by URL, URLComponents and URLHost; do not include
+/// it elsewhere.
 namespace Platform::URLEncoding {
 
-/// Which characters stand for themselves where; bits of a table over ASCII. "%" belongs to none of them.
+/// Sets of ASCII characters that are literal in a component, as bits of a table. "%" belongs to no set.
 enum class Allowed : std::uint16_t {
     user = 1U << 0U,
     host = 1U << 1U,
@@ -21,7 +21,7 @@ enum class Allowed : std::uint16_t {
     scheme = 1U << 7U,
 };
 
-/// Where the components of a text lie. Nothing is validated but the text's division.
+/// The components of a text. Only the division into components is validated, not their contents.
 struct Parts {
     std::optional<std::string_view> scheme;
     std::optional<std::string_view> user;
@@ -33,8 +33,8 @@ struct Parts {
     std::optional<std::string_view> fragment;
 };
 
-/// A parsed text: valid, with `parts` lying in `text`, which was encoded and put together anew where need be.
-/// It stays where it is, so that they do.
+/// A valid parsed text. `parts` refer to `text`, which is a re-encoded copy of the source if the source was
+/// not valid as given. It is neither copied nor moved, so that `parts` remain valid.
 struct Parsed {
     std::string text;
     Parts parts;
@@ -46,19 +46,19 @@ struct Parsed {
     ~Parsed() = default;
 };
 
-/// Fills `parsed` from `text`; false where it is no URL. `allowEmptyScheme` reads a leading ":" as the end of
-/// an empty scheme instead of as part of the path.
+/// Parses `text` into `parsed`. Returns false if it is not a valid URL. If `allowEmptyScheme` is true, a
+/// leading ":" ends an empty scheme instead of being part of the path.
 bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed);
 
-/// Whether all of `text` is allowed or part of a valid escape.
+/// Returns true if all of `text` is allowed or part of a valid escape.
 bool isValid(std::string_view text, Allowed allowed);
 bool isValidScheme(std::string_view scheme);
-/// `text` with all that is not allowed encoded, "%" included.
+/// `text` with every character that is not allowed encoded, including "%".
 std::string encoded(std::string_view text, Allowed allowed);
-/// `text` itself where it is valid, else encoded.
+/// `text` itself if it is valid, otherwise encoded.
 std::string encodedUnlessValid(std::string_view text, Allowed allowed);
-/// A ":" in the first segment of a path that does not begin with "/" is encoded too, lest it be read as a
-/// scheme's.
+/// `path`, encoded. In the first segment of a path that does not begin with "/", a ":" is encoded, too, so
+/// that it is not read as the end of a scheme.
 std::string encodedPath(std::string_view path);
 
 /// Percent-decodes `text` to bytes. Keeps invalid escapes as they are.

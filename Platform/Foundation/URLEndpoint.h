@@ -16,8 +16,8 @@ struct URLEndpoint {
     std::optional<std::int64_t> port;
     std::string path;
 
-    /// Returns nothing if a part cannot be read. Otherwise a host that is not UTF-8 would count as absent, a
-    /// port beyond 64 bits as the scheme's default, and a path that is not UTF-8 as the root.
+    /// Returns nothing if a part cannot be decoded. Otherwise a host that is not UTF-8 would count as absent,
+    /// a port beyond 64 bits as the scheme's default, and a path that is not UTF-8 as the root.
     static std::optional<URLEndpoint> of(const URL& url);
 
     /// The URL's port, or the default port of "http" or "https". Nothing for other schemes without a port.

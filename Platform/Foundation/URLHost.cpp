@@ -21,12 +21,12 @@ bool isValidIPLiteral(std::string_view host) {
     const std::string_view inner = host.substr(1, host.size() - 2);
     const std::string_view address = inner.substr(0, inner.find('%'));
     const std::string_view zone = inner.substr(address.size());
-    // The first "%" can only be the one before the zone, and is itself written encoded.
+    // The first "%" can only introduce the zone, where it is itself percent-encoded.
     return isValid(address, Allowed::ipLiteral) &&
            (zone.empty() || (zone.starts_with("%25") && isValid(zone.substr(3), Allowed::host)));
 }
 
-/// Returns true for schemes whose hosts are percent-encoded instead of being domain names.
+/// Returns true for schemes whose hosts are percent-encoded names instead of domain names.
 bool hasNoDomainNames(std::string_view scheme) {
     constexpr auto schemes = std::to_array<std::string_view>({
         "addressbook",
@@ -69,8 +69,8 @@ enum class Direction { toASCII, toUnicode };
 
 /// Converts a domain name by UTS #46. Returns nothing if that fails.
 std::optional<std::string> convertedName(std::string_view name, Direction direction) {
-    // A URL is not built from a name that a resolver refuses, but such a name can be shown. ICU checks
-    // lengths only when it converts to ASCII.
+    // A name that a resolver rejects is not accepted in a URL, but it may be shown. ICU checks lengths only
+    // when it converts to ASCII.
     constexpr std::uint32_t shown = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LEADING_HYPHEN |
                                     UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
     // Foundation's limit in bytes, for the name and for its conversion.
@@ -109,7 +109,7 @@ std::optional<std::string> encodedHost(std::string_view host, std::optional<std:
         return std::string(host);
     }
     if (isIPLiteral(host)) {
-        // A zone's "%" that is not written encoded is taken for what is meant.
+        // Accept a "%" before the zone that is not percent-encoded, and encode it.
         const std::string_view bare = host.substr(0, host.find('%'));
         std::string literal(host);
         if (bare.size() < host.size() && host.ends_with(']')) {

@@ -13,7 +13,7 @@ bool isIPLiteral(std::string_view host);
 /// Returns true if `host` needs no encoding in a URL.
 bool isValidHost(std::string_view host);
 /// Returns `host` unchanged if it is valid in a URL, otherwise its ASCII form or, if hosts of `scheme` are
-/// not domain names, its percent-encoded form. Returns nothing if it has none.
+/// not domain names, its percent-encoded form. Returns nothing if `host` cannot be converted.
 std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme);
 /// Returns a URL's host percent-decoded if it contains "%", otherwise in Unicode. Returns nothing if it
 /// cannot be decoded.

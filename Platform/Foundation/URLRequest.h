@@ -4,7 +4,7 @@
 
 namespace Platform {
 
-/// What is asked of a server. The cache policy is always the protocol's own.
+/// A request to a server. The cache policy is always that of the protocol.
 struct URLRequest {
     URL url;
     /// Seconds without an answer after which the load fails.

@@ -10,7 +10,7 @@ namespace Platform {
 namespace {
 
 guint milliseconds(Timer::Interval interval) {
-    // Written so that NaN takes the first way out.
+    // Negated, so that NaN counts as one millisecond, too.
     if (!(interval > 0.001)) {
         return 1;
     }
@@ -33,7 +33,7 @@ void Timer::start(Interval interval) {
     const auto fired = [](gpointer data) -> gboolean {
         auto& timer = *static_cast<Timer*>(data);
         if (timer.repeats_) {
-            // The timer may be gone when this returns, and with it the source; GLib allows for that.
+            // The timer may be destroyed, and its source with it, when this returns. GLib permits that.
             timer.fired();
             return G_SOURCE_CONTINUE;
         }

@@ -9,18 +9,18 @@
 #include <string>
 #include <string_view>
 
-/// The one place where texts, URLs and errors pass between Foundation's objects and our values. Safe on any
-/// thread.
+/// All conversions of texts, URLs and errors between the objects of Foundation and the values of Platform.
+/// Safe on any thread.
 namespace Platform {
 
-/// `text` is UTF-8; an ill-formed byte becomes U+FFFD.
+/// `text` is UTF-8; an ill-formed sequence becomes U+FFFD.
 NSString* _Nonnull toNSString(std::string_view text);
-/// UTF-8; nothing at all for nil, and a replacement for a surrogate that has lost its other half.
+/// Returns UTF-8, empty for nil. An unpaired surrogate is replaced.
 std::string fromNSString(NSString* _Nullable string);
 
-/// nil where NSURL, stricter than URL on older systems, takes the text for none.
+/// Returns nil if NSURL, which is stricter than URL in older versions of macOS, does not accept the text.
 NSURL* _Nullable toNSURL(const URL& url);
-/// Nothing for nil and for what is no URL by our rules.
+/// Returns nothing for nil, and for a text that URL does not accept.
 std::optional<URL> fromNSURL(NSURL* _Nullable url);
 
 Error fromNSError(NSError* _Nonnull error);

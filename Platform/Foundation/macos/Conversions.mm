@@ -28,7 +28,7 @@ std::optional<URL> fromNSURL(NSURL* url) {
 
 namespace {
 
-/// Prefers the key with a string, which macOS 15.4 deprecates and later systems may omit.
+/// Prefers the key with a string, which macOS 15.4 deprecates and later versions may omit.
 std::optional<std::string> failingURLOf(NSError* error) {
     const id text = error.userInfo[NSURLErrorFailingURLStringErrorKey];
     if ([text isKindOfClass:NSString.class]) {

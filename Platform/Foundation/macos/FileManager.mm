@@ -31,7 +31,7 @@ URL FileManager::applicationSupportDirectory() const {
     return directoryURL(url);
 }
 
-/// fsync leaves the data in the drive's cache. Not every file system can do more.
+/// fsync leaves the data in the drive's cache, but not every file system supports F_FULLFSYNC.
 int FileManager::flush(int descriptor) {
     const int flushed = fcntl(descriptor, F_FULLFSYNC);
     return flushed != 0 && errno != EINTR ? fsync(descriptor) : flushed;

@@ -14,8 +14,8 @@ namespace Platform {
 
 namespace {
 
-/// What `perform` was given. A run loop's source works it off, one callback a turn and signalled again before
-/// each, so that a callback which runs the loop itself does not hold up those behind it.
+/// The callbacks passed to `perform`. A source of the run loop calls one of them per iteration and is
+/// signalled again before the call, so that a callback that runs the loop itself does not delay the others.
 class PerformQueue {
 public:
     PerformQueue() {
@@ -27,8 +27,8 @@ public:
     PerformQueue(const PerformQueue&) = delete;
     PerformQueue& operator=(const PerformQueue&) = delete;
 
-    /// Never destroyed. An application ends from inside its loop, with windows still waiting here to be let
-    /// go; they would come back for more while this goes.
+    /// Never destroyed. An application exits from inside its run loop, while callbacks that release windows
+    /// may still be queued. Destroying these would call `perform` during the destruction of the queue.
     static PerformQueue& shared() {
         static PerformQueue* const queue = std::make_unique<PerformQueue>().release();
         return *queue;
@@ -69,7 +69,7 @@ private:
     CFRunLoopSourceRef source_ = nullptr;
 };
 
-/// Whether the innermost `run` is to end; null outside of one.
+/// The flag that ends the innermost `run`. Null outside `run`.
 bool* innermostStopped = nullptr;
 
 RunLoopTurn turn = {
@@ -90,7 +90,7 @@ RunLoop& RunLoop::main() {
 }
 
 void RunLoop::run() {
-    PerformQueue::shared(); // a loop without any source would return at once
+    PerformQueue::shared(); // A run loop without sources would return at once.
     bool stopped = false;
     bool* const outer = std::exchange(innermostStopped, &stopped);
     while (!stopped) {

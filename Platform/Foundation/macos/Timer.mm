@@ -15,7 +15,7 @@ constexpr Timer::Interval longest = 49.0 * 24 * 60 * 60;
 } // namespace
 
 struct Timer::Native {
-    /// Held by the run loop until it is invalidated, and not fired after that.
+    /// Retained by the run loop until it is invalidated; does not fire afterwards.
     NSTimer* timer = nil;
 };
 
@@ -25,14 +25,15 @@ Timer::Timer()
 Timer::~Timer() { invalidate(); }
 
 void Timer::start(Interval interval) {
-    // Written so that what is no number takes the first way.
+    // Negated, so that NaN counts as the shortest interval, too.
     const Interval usable = !(interval > shortest) ? shortest : std::min(interval, longest);
     native_->timer = [NSTimer timerWithTimeInterval:usable
                                             repeats:repeats_ ? YES : NO
                                               block:^(NSTimer* /*unused*/) {
                                                   this->fired();
                                               }];
-    // The common modes: a menu or an alert that runs the loop its own way holds no timer up.
+    // In the common modes, a menu or an alert that runs the loop in a mode of its own does not delay the
+    // timer.
     [NSRunLoop.mainRunLoop addTimer:native_->timer forMode:NSRunLoopCommonModes];
 }
 
