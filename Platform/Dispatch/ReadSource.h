@@ -7,17 +7,17 @@ namespace Platform {
 
 class SerialQueue;
 
-/// Calls back on a queue for as long as a descriptor has something to be read: bytes, a waiting connection,
-/// the end of the stream or an error.
+/// Calls a handler on a queue while a descriptor is readable: it has bytes, a waiting connection, the end of
+/// the stream or an error.
 ///
-/// The descriptor is one that can be waited for (a socket, a pipe, a terminal), and has one source at a time.
-/// Its owner must keep it open until the cancel handler runs. A descriptor that is closed earlier stops the
-/// process where it is noticed.
+/// The descriptor must support polling (a socket, a pipe or a terminal) and may have one source at a time.
+/// Its owner must keep it open until the cancel handler runs. Closing it earlier aborts the process when the
+/// queue detects it.
 ///
-/// A new source waits for `resume`. Cancelling is asynchronous: it does not interrupt a running event
-/// handler, but no event handler starts any more after the cancel handler, which is called exactly once, on
-/// the queue. Then both handlers are released, there too. Every operation may be called from any thread, also
-/// from the source's own handlers, and none is harmful twice. Handlers must not throw.
+/// A new source is inactive until `resume`. Cancellation is asynchronous: it does not interrupt a running
+/// event handler, but no event handler starts after the cancel handler, which is called exactly once, on the
+/// queue. Both handlers are then released, also on the queue. All functions may be called on any thread,
+/// including from the source's own handlers, and may be called repeatedly. Handlers must not throw.
 class ReadSource {
 public:
     using Handler = std::function<void()>;
@@ -29,15 +29,16 @@ public:
     /// Cancels.
     ~ReadSource();
 
-    /// Both are set before the first `resume`.
+    /// Both handlers must be set before the first `resume`.
     void setEventHandler(Handler handler);
     void setCancelHandler(Handler handler);
 
-    /// Starts calling back, or goes on with it.
+    /// Starts or continues to call the event handler.
     void resume();
-    /// Calls back no more until `resume`. Does not count: one `resume` ends any number of these.
+    /// Stops calling the event handler until `resume`. Calls are not counted: one `resume` ends any number of
+    /// suspensions.
     void suspend();
-    /// Calls back no more.
+    /// Stops calling the event handler for good. The cancel handler follows on the queue.
     void cancel();
     bool isCancelled() const;
 

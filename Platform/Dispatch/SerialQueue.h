@@ -9,21 +9,20 @@ namespace Platform {
 
 class ReadSource;
 
-/// Runs work one item at a time, in the order in which it was handed over, on a thread that is not the
-/// caller's; only `sync` may borrow the caller's, which waits anyway.
+/// Runs work items one at a time, in the order of their submission, on a thread other than the caller's. Only
+/// `sync` may use the caller's thread, which waits anyway.
 ///
-/// Every operation may be called from any thread, unless it says otherwise. Work must not throw.
+/// All functions may be called on any thread. Work must not throw.
 ///
-/// Destroying a queue ends it: work that was handed over by then is still run, work that is not yet due is
-/// dropped, and read sources that are not cancelled are cancelled, their cancel handlers included. The
-/// destructor waits for all this, except on the queue itself, where it returns at once and the rest follows
-/// after the present item.
+/// Destroying a queue ends it: submitted work still runs, delayed work that is not due is dropped, the
+/// remaining read sources are cancelled, and their cancel handlers are called. The destructor waits for all
+/// this. On the queue itself it returns at once, and the rest follows after the current item.
 class SerialQueue {
 public:
     using Work = std::function<void()>;
 
-    /// `label` names the queue to people: in debuggers, and in what is printed when the process is stopped.
-    /// Throws std::system_error where the system has no thread or descriptor left for it.
+    /// `label` identifies the queue in debuggers and in the messages of fatal errors. Throws
+    /// std::system_error if no thread or descriptor is available.
     explicit SerialQueue(std::string label);
     SerialQueue(const SerialQueue&) = delete;
     SerialQueue& operator=(const SerialQueue&) = delete;
@@ -31,17 +30,17 @@ public:
 
     const std::string& label() const;
 
-    /// Hands `work` over and returns.
+    /// Submits `work` and returns at once.
     void async(Work work);
 
-    /// Hands `work` over once `delay` has passed.
+    /// Submits `work` after `delay`.
     void asyncAfter(std::chrono::milliseconds delay, Work work);
 
-    /// Hands `work` over and returns once it has run. On the queue itself that could never happen: such a
-    /// call stops the process with a message.
+    /// Submits `work` and returns after it has run. A call on the queue itself would deadlock and is a fatal
+    /// error.
     void sync(const Work& work);
 
-    /// Whether the caller runs on this queue.
+    /// Returns true if the caller runs on this queue.
     bool isCurrent() const;
 
 private:

@@ -28,8 +28,8 @@ struct ReadSource::State {
     std::atomic<bool> cancelled = false;
 };
 
-/// A queue's thread and its work. The thread waits with poll(), where adding and removing a descriptor needs
-/// no system call: most connections last for a single exchange.
+/// A queue's thread and its work. The thread waits with poll(): adding or removing a descriptor needs no
+/// system call, and most connections last for a single exchange.
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     using Clock = std::chrono::steady_clock;
     using Source = std::shared_ptr<ReadSource::State>;
@@ -74,7 +74,7 @@ private:
     Descriptor wake_;
     // Used by the queue's thread alone.
     int timeout_ = 0;
-    /// The descriptors of `waiting_`, then the one that wakes the thread.
+    /// The descriptors of `waiting_`, followed by that of `wake_`.
     std::vector<pollfd> polled_;
     std::vector<Source> waiting_;
 };

@@ -24,15 +24,16 @@ namespace {
 
 thread_local const void* currentQueue = nullptr;
 
-/// The kernel keeps 15 bytes of a thread's name; a reverse-DNS label tells most at its end.
+/// The kernel limits the name of a thread to 15 bytes. The last part of a reverse-DNS label is the most
+/// specific.
 void nameThread(const std::string& label) {
     std::string name = label.substr(label.rfind('.') + 1);
     name.resize(std::min<std::size_t>(name.size(), 15));
     pthread_setname_np(pthread_self(), name.c_str());
 }
 
-/// Signals sent to the process are for the program's own threads; faults must still be reported where they
-/// happen.
+/// The signals that a queue's thread blocks. Signals sent to the process are for the program's own threads,
+/// but a fault must be reported on the thread that causes it.
 sigset_t signalsForOthers() {
     sigset_t set;
     sigfillset(&set);
@@ -66,7 +67,7 @@ void SerialQueue::State::start() {
 void SerialQueue::State::wakeIfAsleep() {
     if (asleep_.exchange(false)) {
         const std::uint64_t one = 1;
-        // It cannot fail: the counter is read before it could run full.
+        // Cannot fail, because the counter is read long before it overflows.
         [[maybe_unused]] const auto written = write(wake_.get(), &one, sizeof one);
     }
 }
@@ -137,7 +138,7 @@ void SerialQueue::State::takeTurn() {
     }
     for (auto& item : running) {
         item();
-        // The next item may rely on this one's release.
+        // The next item may rely on the release of this one.
         item = nullptr;
     }
     for (const auto& source : retiring) {
@@ -207,7 +208,7 @@ void SerialQueue::State::wait() {
         if (source->eventHandler) {
             source->eventHandler();
         }
-        // Work that the handler handed over, such as a reply, goes before the next handler.
+        // Run work that the handler submitted, such as a reply, before the next handler.
         takeTurn();
     }
 }

@@ -14,10 +14,10 @@
 
 namespace Platform {
 
-/// What a source and its queue share. Guarded by the mutex unless it says otherwise; Dispatch's own calls do
-/// not wait and may be made with it held.
+/// The state that a source shares with its queue. Guarded by the mutex unless noted otherwise. Calls to
+/// Dispatch do not block and may be made with the mutex held.
 struct ReadSource::State : std::enable_shared_from_this<ReadSource::State> {
-    /// Dispatch counts suspensions and starts a source but once; these are where ours stands.
+    /// The stage of the source. Dispatch counts suspensions and activates a source only once.
     enum class Stage {
         idle,
         running,
@@ -35,7 +35,7 @@ struct ReadSource::State : std::enable_shared_from_this<ReadSource::State> {
     bool cancelled = false;
     dispatch_source_t source;
     std::weak_ptr<SerialQueue::State> queue;
-    /// The queue's own once the source has started.
+    /// Used only on the queue once the source has started.
     Handler eventHandler;
     Handler cancelHandler;
 
@@ -45,7 +45,7 @@ private:
     void retire() noexcept;
 };
 
-/// A queue's inner life: Dispatch's queue and what ends with ours.
+/// A queue of Dispatch, with the delayed work and the sources that end with it.
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     explicit State(std::string label);
 
@@ -55,7 +55,8 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void add(const std::shared_ptr<ReadSource::State>& source);
     /// Called after the source's cancel handler.
     void remove(ReadSource::State& source);
-    /// Drops what is not due, cancels the sources and, off the queue, waits until all is done.
+    /// Drops delayed work that is not due and cancels the sources. Waits until all is done, unless called on
+    /// the queue.
     void end();
 
     const std::string label;
@@ -68,7 +69,7 @@ private:
     std::mutex mutex_;
     std::unordered_set<std::shared_ptr<Work>> delayed_;
     std::unordered_map<ReadSource::State*, std::weak_ptr<ReadSource::State>> sources_;
-    /// Entered by every source until its cancel handler has run.
+    /// Entered by every source and left after its cancel handler.
     const dispatch_group_t uncancelled_ = dispatch_group_create();
 };
 

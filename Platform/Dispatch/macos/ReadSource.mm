@@ -11,8 +11,8 @@ ReadSource::State::State(const std::shared_ptr<SerialQueue::State>& serialQueue,
                                     serialQueue->queue))
     , queue(serialQueue) {}
 
-/// Dispatch wants a source started before it lets it go, a cancelled one too, and takes handlers only before.
-/// From here until the source is cancelled its blocks keep this state.
+/// Dispatch requires that a source is activated before it is released, even if it is cancelled, and that its
+/// handlers are set before. From here until the cancellation, the handler blocks keep this state alive.
 void ReadSource::State::start() {
     const auto self = shared_from_this();
     dispatch_source_set_event_handler(source, ^{
@@ -67,7 +67,7 @@ void ReadSource::State::cancel() {
         return;
     }
     dispatch_source_cancel(source);
-    // The cancel handler waits for a source that is not running.
+    // Dispatch does not call the cancel handler of a source that is inactive or suspended.
     if (stage == Stage::idle) {
         start();
     } else if (stage == Stage::suspended) {

@@ -11,13 +11,14 @@ namespace Platform {
 
 namespace {
 
-/// The key under which a queue knows itself: no other has its address for as long as work is left on it.
+/// The key of a value that identifies the queue: its address, which no other queue has while work is left on
+/// it.
 constexpr char identityKey = 0;
 
-/// Longer than any program runs, and still a number of nanoseconds.
+/// Longer than any program runs, and still representable in nanoseconds.
 constexpr std::chrono::milliseconds longestDelay = std::chrono::hours(24 * 365 * 100);
 
-/// Run on the queue, and released there: whoever handed it over does not keep it.
+/// Runs `item` and destroys it on the queue.
 void perform(SerialQueue::Work& item) noexcept {
     item();
     item = nullptr;
@@ -84,7 +85,7 @@ void SerialQueue::State::remove(ReadSource::State& source) {
     dispatch_group_leave(uncancelled_);
 }
 
-/// What was delayed is released outside the lock: its destructors may call back.
+/// Releases the delayed work outside the lock, because its destructors may call the queue.
 void SerialQueue::State::drop() {
     std::unordered_set<std::shared_ptr<Work>> dropped;
     const std::scoped_lock lock(mutex_);
@@ -113,7 +114,7 @@ void SerialQueue::State::end() {
                       });
         dispatch_group_wait(uncancelled_, DISPATCH_TIME_FOREVER);
     } else {
-        // A group may not go before those that entered it have left.
+        // A dispatch group must not be released before it has been left as often as entered.
         dispatch_group_notify(uncancelled_, queue, ^{
             (void)self;
         });
