@@ -9,12 +9,13 @@
 
 namespace Platform {
 
-/// Owns a file descriptor, or none (a negative value), and closes it.
+/// Owns a file descriptor and closes it. A negative value means that it owns none.
 class Descriptor {
 public:
     explicit Descriptor(int value = -1)
         : value_(value) {}
-    /// Takes what `call` returned. Throws std::system_error, from `errno`, if that is negative.
+    /// Takes ownership of `value`, which the function named `call` returned. Throws std::system_error with
+    /// `errno` if it is negative.
     Descriptor(int value, const std::string& call)
         : value_(value) {
         if (value < 0) {
@@ -39,7 +40,7 @@ public:
         if (!isOpen()) {
             return true;
         }
-        // After EINTR, too, the descriptor is closed and its number may belong to another file.
+        // Even after EINTR the descriptor is closed, and its number may already belong to another file.
         return ::close(std::exchange(value_, -1)) == 0 || errno == EINTR;
     }
 

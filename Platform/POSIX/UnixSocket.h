@@ -9,17 +9,17 @@
 
 namespace Platform {
 
-/// Where systems differ about Unix-domain stream sockets. Everything else about them is plain POSIX. Each
-/// operation is one system call's worth: it fails with -1 (or nothing) and `errno`, and never repeats an
-/// interrupted call.
+/// Operations on Unix-domain stream sockets that differ between platforms; all others are plain POSIX. Each
+/// operation corresponds to one system call. It fails with -1 (or nothing) and sets `errno`, and does not
+/// repeat an interrupted call.
 ///
-/// Descriptors made here are closed on exec. Safe on any thread.
+/// Descriptors created here are closed on exec. Safe on any thread.
 
-/// A new socket, not connected, on which writing to a closed peer raises no signal.
+/// Creates a socket that is not connected. Write to it with `writeWithoutSignal`.
 int openUnixSocket();
 
-/// `bind` and `connect` to a file. An empty path is no file: ENOENT, where some systems would go by a name
-/// outside the file system, which no file mode protects.
+/// Bind or connect the socket to a file. An empty path is an error (ENOENT), because Linux would use a name
+/// in its abstract namespace, which file permissions do not protect.
 int bindUnixSocket(int descriptor, const sockaddr_un& address);
 int connectUnixSocket(int descriptor, const sockaddr_un& address);
 
@@ -27,15 +27,15 @@ int connectUnixSocket(int descriptor, const sockaddr_un& address);
 /// EAGAIN if `listening` is non-blocking.
 int acceptUnixSocket(int listening);
 
-/// The effective user of the process at the other end, as it was when it connected; nothing where the system
-/// does not say.
+/// The effective user of the peer process at the time when it connected. Returns nothing if the kernel does
+/// not report it.
 std::optional<uid_t> unixSocketPeerUser(int descriptor);
 
-/// Limits each wait of a write to a blocking socket whose peer does not read.
+/// Limits each time that a write to a blocking socket waits for its peer to read.
 int setSendTimeout(int descriptor, std::chrono::seconds timeout);
 
-/// Writes what the descriptor takes, as `write` does, but without ever raising a signal, for sockets and
-/// pipes alike and whatever the process has decided about SIGPIPE.
+/// Writes to a socket, pipe or other file as `write` does, but without delivering SIGPIPE, regardless of the
+/// process's disposition of that signal.
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count);
 
 } // namespace Platform

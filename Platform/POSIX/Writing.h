@@ -6,7 +6,7 @@
 
 namespace Platform {
 
-/// Writes as `write` does, but without SIGPIPE reaching a handler. Prefer `writeWithoutSignal`, which needs
+/// Writes as `write` does, but prevents the delivery of SIGPIPE. Prefer `writeWithoutSignal`, which needs
 /// fewer system calls for a socket. For Platform's own sources; safe on any thread.
 ssize_t writeHoldingBackSignal(int descriptor, const void* bytes, std::size_t count);
 

@@ -12,7 +12,8 @@ namespace Platform {
 
 namespace {
 
-/// Linux takes a path that begins with NUL for a name in its abstract space.
+/// Returns true, with `errno`, for a path that begins with NUL. Linux treats it as a name in the abstract
+/// namespace.
 bool isAbstract(const sockaddr_un& address) {
     if (address.sun_path[0] == '\0') {
         errno = ENOENT;

@@ -16,11 +16,11 @@ namespace Platform {
 
 namespace {
 
-/// For pipes, terminals and sockets alike, and for good: the signal is the whole process's, so that a thread
-/// that holds it back leaves it to the others.
+/// Turns SIGPIPE off for a pipe, terminal or socket, permanently. macOS sends the signal to the process, so
+/// that another thread may receive it while this one blocks it.
 bool raisesNoSignal(int descriptor) { return fcntl(descriptor, F_SETNOSIGPIPE, 1) == 0; }
 
-/// There is no way to make a socket closed on exec in the same call.
+/// Sets the flags of a new socket. macOS cannot set close-on-exec in the call that creates it.
 int prepared(int descriptor) {
     if (descriptor < 0) {
         return -1;
@@ -73,7 +73,7 @@ int setSendTimeout(int descriptor, std::chrono::seconds timeout) {
 }
 
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
-    // A socket whose peer has gone takes no options any more.
+    // The flag cannot be set on a socket whose peer has disconnected.
     return raisesNoSignal(descriptor) ? write(descriptor, bytes, count)
                                       : writeHoldingBackSignal(descriptor, bytes, count);
 }
