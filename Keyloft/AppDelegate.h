@@ -13,8 +13,8 @@
 
 namespace Keyloft {
 
-/// The browser's top: owns the bookmarks and the open tabs, builds the main menu, and decides where a page
-/// opens.
+/// The application delegate. Owns the bookmarks and the open tabs, builds the main menu, and decides in which
+/// tab or window a page opens.
 class AppDelegate : public Platform::ApplicationDelegate,
                     public Platform::MenuDelegate,
                     public std::enable_shared_from_this<AppDelegate> {
@@ -26,18 +26,20 @@ public:
 
     const std::shared_ptr<KeyloftBrowserKit::BookmarkStore>& bookmarks() const { return bookmarks_; }
 
-    /// Every open tab, in the order of opening. This list is what keeps a tab alive.
+    /// All open tabs, in opening order. This list keeps the tabs alive.
     const std::vector<std::shared_ptr<BrowserWindowController>>& controllers() const { return controllers_; }
 
     const std::shared_ptr<Platform::Menu>& bookmarksMenu() const { return bookmarksMenu_; }
 
-    /// Opens a tab: in `window`'s window, or in a new one. Without a URL the tab is blank and its address
-    /// field selected.
+    /// Opens a tab in the native window of `window`, or in a new one if `window` is null, and selects it.
+    /// Without `url` the tab is blank and its address field is selected. Without `configuration` the tab
+    /// creates its own.
     std::shared_ptr<BrowserWindowController>
     openTab(const std::optional<Platform::URL>& url, const std::shared_ptr<Platform::Window>& window,
             const std::shared_ptr<Platform::WebViewConfiguration>& configuration);
 
-    /// The window that new tabs and handed-over URLs go to.
+    /// The window that receives new tabs and handed-over URLs: the application's main window, or else the
+    /// window of the tab opened last. Null if no tab is open.
     std::shared_ptr<Platform::Window> frontBrowserWindow() const;
 
     std::shared_ptr<Platform::Menu> buildMainMenu();
@@ -57,7 +59,7 @@ protected:
     AppDelegate();
 
 private:
-    /// The tab that a handed-over URL fills rather than open another.
+    /// The front tab if it is empty, else null. A handed-over URL loads in it instead of in a new tab.
     std::shared_ptr<BrowserWindowController> emptyTabInFront() const;
 
     std::shared_ptr<KeyloftBrowserKit::BookmarkStore> bookmarks_;

@@ -46,7 +46,7 @@ void configureToolbarButton(Button& button, const Image& image,
     button.setToolTip(image.accessibilityDescription);
 }
 
-/// Who speaks in a script panel: the frame's host, or what kind of panel it is.
+/// The title of a script panel: the host of the frame, or `fallback` if it has none.
 std::string panelTitle(const Platform::FrameInfo& frame, const char* fallback) {
     return (frame.url ? frame.url->host() : std::nullopt).value_or(fallback);
 }
@@ -293,7 +293,7 @@ void BrowserWindowController::goForward() { webView_->goForward(); }
 void BrowserWindowController::stopLoading() { webView_->stopLoading(); }
 
 void BrowserWindowController::reload(const ActionSender& sender) {
-    // The button is a stop button while the page loads; menu and key always reload.
+    // While a page loads, the button stops the load. The menu item and its key always reload.
     if (webView_->isLoading() && sender.control == reloadButton_.get()) {
         webView_->stopLoading();
     } else if (!webView_->url()) {
@@ -352,7 +352,7 @@ void BrowserWindowController::rebuildBookmarksBar() {
         button->setRepresentedURL(bookmark.url);
         bookmarksBar_->addArrangedSubview(button);
     }
-    // Takes the free room, so that the buttons stay at the leading edge.
+    // Takes the free space, so that the buttons stay at the leading edge.
     const auto spacer = Platform::View::create();
     spacer->setExpands(Orientation::horizontal);
     bookmarksBar_->addArrangedSubview(spacer);
@@ -424,8 +424,8 @@ void BrowserWindowController::didFailProvisionalNavigation(WebView& /*webView*/,
 }
 
 void BrowserWindowController::showLoadError(const Platform::Error& error) {
-    // A new navigation replaced the old one, or the page turned into something that is not shown: nothing
-    // went wrong.
+    // Neither is a failure: another navigation replaced this one, or the response is not a page that can be
+    // shown.
     if (error.domain == Platform::Error::urlDomain && error.code == Platform::Error::urlCancelled) {
         return;
     }

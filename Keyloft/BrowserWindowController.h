@@ -26,14 +26,15 @@ class BrowserWindowController : public Platform::WindowController,
                                 public Platform::NavigationDelegate,
                                 public Platform::UIDelegate {
 public:
-    /// `configuration` is the engine's for a page's new window; without one the tab makes its own.
+    /// For a window that a page opens, `configuration` is the argument of `createWebView`. If it is null, the
+    /// tab creates its own.
     static std::shared_ptr<BrowserWindowController>
     create(std::shared_ptr<KeyloftBrowserKit::BookmarkStore> bookmarks,
            std::shared_ptr<Platform::WebViewConfiguration> configuration);
 
-    /// The window is about to close.
+    /// Called when the window is about to close.
     std::function<void()> onClose;
-    /// Opens a tab in this controller's window and returns it, or nothing where that cannot be.
+    /// Called to open a tab in this controller's window. Returns the tab, or null if it cannot be opened.
     std::function<std::shared_ptr<BrowserWindowController>(
         const std::optional<Platform::URL>& url,
         const std::shared_ptr<Platform::WebViewConfiguration>& configuration)>
@@ -41,12 +42,13 @@ public:
 
     void load(const Platform::URL& url);
 
-    /// The page's URL; "about:blank" counts as no page.
+    /// The page's URL. Absent if there is no page or if it is "about:blank".
     std::optional<Platform::URL> pageURL() const;
-    /// The page's title unless it is empty.
+    /// The page's title. Absent if it is empty.
     std::optional<std::string> pageTitle() const;
     bool isBookmarked() const;
-    /// Nothing was ever loaded here and nothing is loading. A tab that shows "about:blank" is not empty.
+    /// Returns true if nothing was ever loaded and nothing is loading. A tab that shows "about:blank" is not
+    /// empty.
     bool isEmptyTab() const;
     /// True from the first change that the user makes in the address field to the end of that edit.
     bool isEditingAddress() const { return isEditingAddress_; }
@@ -101,10 +103,10 @@ protected:
 
 private:
     using Handler = void (*)(BrowserWindowController& self, const Platform::ActionSender& sender);
-    /// Every action that the controller responds to, and what it does then.
+    /// The handlers of all actions that the controller responds to.
     static const std::map<Platform::Action, Handler>& handlers();
 
-    /// What needs the controller to be held already: delegates, targets, observations.
+    /// Sets up delegates, targets and observations, which need `shared_from_this`.
     void assemble();
     void buildContent();
     std::shared_ptr<Platform::StackView> buildToolbar();

@@ -6,18 +6,18 @@
 
 namespace Keyloft {
 
-/// The thin line that shows how far a page has loaded: its filled part covers `progress` of its width.
+/// A thin line that shows the progress of a load: `fill` covers the fraction `progress` of its width.
 class ProgressBar : public Platform::View {
 public:
     static std::shared_ptr<ProgressBar> create();
 
     const std::shared_ptr<Platform::View>& fill() const { return fill_; }
 
-    /// 0 to 1, taken as it is: neither clamped nor animated. Shown after the next layout.
+    /// From 0 to 1, neither clamped nor animated. A change takes effect at the next layout.
     double progress() const { return progress_; }
     void setProgress(double progress) { progress_ = progress; }
 
-    /// Whether the page is loading.
+    /// Returns true while the page is loading.
     bool isActive() const { return active_; }
     void setActive(bool active) { active_ = active; }
 

@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
     application.setDelegate(delegate);
     application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
     const int status = application.run(argc, argv);
-    // Windows and pages end while the system underneath them still stands.
+    // Destroy windows and pages now. `delegate` itself outlives the application object at exit.
     delegate.reset();
     return status;
 }
