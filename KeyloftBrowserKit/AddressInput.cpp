@@ -16,7 +16,7 @@ std::string_view before(std::string_view text, char separator) {
     return text.substr(0, text.find(separator));
 }
 
-/// Whether `text` is a decimal number from 0 to 255. A sign and leading zeros are fine.
+/// Returns true if `text` is a decimal number from 0 to 255. A sign and leading zeros are allowed.
 bool isDecimalByte(std::string_view text) {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) {
@@ -35,8 +35,8 @@ bool isDecimalByte(std::string_view text) {
     return !text.empty();
 }
 
-/// `query` without the two characters that may stand in one as they are: the engine would read "+" as a
-/// space.
+/// Escapes "+" and "?", which `URLComponents` leaves as they are in a query. The search engine would decode
+/// "+" as a space.
 std::string escapingPlusAndQuestionMark(std::string_view query) {
     std::string escaped;
     escaped.reserve(query.size());
@@ -70,8 +70,8 @@ std::optional<Platform::URL> AddressInput::resolve(std::string_view text) {
     if (!looksLikeHost(trimmed)) {
         return search(trimmed);
     }
-    // The whole text is asked, not only its host: "localhost/app" is meant to become https,
-    // "localhost:80/app" http.
+    // Test the whole text on purpose, not only its host: "localhost/app" becomes https, "localhost:80/app"
+    // http.
     std::string address = isLocal(trimmed) ? "http://" : "https://";
     address += trimmed;
     if (auto url = Platform::URL::fromString(address)) {

@@ -7,25 +7,28 @@
 
 namespace KeyloftBrowserKit {
 
-/// Turns what a person typed into what to load: an address as it is, a host name with a scheme added, or a
-/// search. Texts are UTF-8. Stateless; safe on any thread.
+/// Turns text that the user typed into a URL to load: the text itself if it is a URL, a host name with a
+/// scheme added, or a search. Text is UTF-8. Stateless; safe on any thread.
 class AddressInput {
 public:
     AddressInput() = delete;
 
-    /// The root of the search engine.
+    /// The URL of the search engine, without a query.
     static const Platform::URL& searchBase();
 
-    /// The URL to load for `text`; none only for blank text.
+    /// Returns the URL to load for `text`. Returns nothing only if `text` is blank.
     static std::optional<Platform::URL> resolve(std::string_view text);
 
-    /// The search for `text`, whatever it looks like; none for blank text.
+    /// Returns the URL that searches for `text`, even if `text` looks like an address. Returns nothing if
+    /// `text` is blank.
     static std::optional<Platform::URL> search(std::string_view text);
 
 private:
-    /// Whether the part before any ":" is "localhost" or an IPv4 address in four decimal numbers.
+    /// Returns true if the part of `text` before the first ":" is "localhost" or an IPv4 address of four
+    /// decimal numbers.
     static bool isLocal(std::string_view text);
-    /// Whether `text` is a host name, perhaps with port and path, rather than words to search for.
+    /// Returns true if `text` looks like a host name, possibly with port and path, and not like words to
+    /// search for.
     static bool looksLikeHost(std::string_view text);
 };
 

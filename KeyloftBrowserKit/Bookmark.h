@@ -10,13 +10,13 @@
 
 namespace KeyloftBrowserKit {
 
-/// A page to come back to. A plain value.
+/// The title and URL of a bookmarked page. A plain value.
 struct Bookmark {
-    /// The page's title, line breaks included. UTF-8.
+    /// The page's title in UTF-8. May contain line breaks.
     std::string title;
     Platform::URL url;
 
-    /// The title with a space for each line break, for the bar and the menu.
+    /// The title with each line break replaced by a space, for the bookmarks bar and menu.
     std::string titleInOneLine() const;
 
     /// Reads a bookmarks file: a JSON array of objects with the string members "title" and "url"; other
@@ -24,7 +24,8 @@ struct Bookmark {
     /// members, or if its URL does not parse.
     static std::optional<std::vector<Bookmark>> decode(std::string_view json);
 
-    /// Writes a bookmarks file, in list order.
+    /// Returns the contents of a bookmarks file that lists `bookmarks` in order. Repairs ill-formed UTF-8 in
+    /// titles.
     static std::string encode(std::span<const Bookmark> bookmarks);
 
     friend bool operator==(const Bookmark&, const Bookmark&) = default;

@@ -19,7 +19,7 @@ std::vector<Bookmark> load(const Platform::URL& fileURL) {
             Bookmark::decode(Platform::FileManager::defaultManager().contents(fileURL.filePath()));
         return bookmarks ? *std::move(bookmarks) : BookmarkStore::seed();
     } catch (const Platform::FileError&) {
-        // No file is how every first run begins.
+        // The file does not exist before the first change.
         return BookmarkStore::seed();
     }
 }

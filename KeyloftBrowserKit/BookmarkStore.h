@@ -8,38 +8,37 @@
 
 namespace KeyloftBrowserKit {
 
-/// The ordered list of bookmarks. The list in memory is the truth; after every change it is written whole to
-/// its file, so of two stores on one file the one that saves last wins.
+/// The ordered list of bookmarks, kept in memory and saved to a file. Every change rewrites the whole file.
+/// If two stores use the same file, the last save wins.
 ///
-/// URLs are compared by their exact text. Main thread only, on which `didChange` is posted too.
+/// Compares URLs by their exact text. Main thread only; posts `didChange` there, too.
 class BookmarkStore {
 public:
-    /// Posted on the default centre, with the store as its object, after each save that succeeded.
+    /// Posted to the default notification centre, with the store as its object, after each successful save.
     static constexpr Platform::NotificationName didChange{"velde.orvane.keyloft.bookmarksDidChange"};
 
-    /// What the list starts with where there is no file, or none that can be read.
+    /// The initial list if the file does not exist or cannot be read.
     static const std::vector<Bookmark>& seed();
 
-    /// Loads the list. Never fails, writes nothing and posts nothing.
+    /// Loads the list. Never fails; writes and posts nothing.
     explicit BookmarkStore(Platform::URL fileURL);
     BookmarkStore(const BookmarkStore&) = delete;
     BookmarkStore& operator=(const BookmarkStore&) = delete;
     ~BookmarkStore() = default;
 
-    /// In display order.
+    /// The bookmarks in display order.
     const std::vector<Bookmark>& bookmarks() const { return bookmarks_; }
 
     bool contains(const Platform::URL& url) const;
 
-    /// Appends `bookmark` and saves, unless its URL is present already: then nothing changes, the title
-    /// neither.
+    /// Appends `bookmark` and saves. Does nothing if its URL is already present, even if the title differs.
     void add(Bookmark bookmark);
 
-    /// Removes every bookmark with that URL, and saves even if there was none.
+    /// Removes every bookmark with that URL. Saves even if there is no such bookmark.
     void remove(const Platform::URL& url);
 
 private:
-    /// Failure is logged and changes nothing in memory.
+    /// Writes the file and posts `didChange`. Logs a failure and keeps the list in memory.
     void save();
 
     Platform::URL fileURL_;
