@@ -8,13 +8,13 @@
 
 namespace KeyloftCore {
 
-/// The provider's answer to a request. A plain value.
+/// The provider's response to an authorization request. A plain value.
 struct AuthResult {
-    /// The request's.
+    /// The response mode of the request.
     ResponseMode responseMode = ResponseMode::query;
-    /// The request's.
+    /// The redirect URI of the request.
     Platform::URL redirectURI;
-    /// The response's parameters, the authorization code and the state for example.
+    /// The parameters of the response, for example "code" and "state".
     std::map<std::string, std::string> params;
 
     friend bool operator==(const AuthResult&, const AuthResult&) = default;

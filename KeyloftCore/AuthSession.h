@@ -23,48 +23,49 @@ class Window;
 
 namespace KeyloftCore {
 
-/// One Sign in with Apple authorization in a window of its own, from start to exactly one ending. Main thread
-/// only.
+/// Completes one Sign in with Apple authorization in a window of its own. Main thread only.
 ///
-/// The window's web view keeps nothing, goes nowhere but to the provider's hosts, and never loads the
-/// redirect URI: the navigation to it is where the result is read from. Every step is told on standard error.
+/// The window's web view uses a non-persistent data store and loads pages from the provider's hosts only. It
+/// never loads the redirect URI: the session cancels the navigation to it and reads the result from that
+/// navigation. Each step is logged to standard error.
 ///
-/// A started session keeps itself alive until its completion has been called; from then on only its creator
-/// does. As long as the creator holds it, the window, hidden by then, and its page are still there, and what
-/// the page does is logged and changes nothing.
+/// A started session keeps itself alive until its completion returns. After that it lives as long as its
+/// owner holds it, with its hidden window and the page. Whatever the page then does is logged and has no
+/// effect.
 class AuthSession : public Platform::NavigationPolicyDelegate,
                     public Platform::UIDelegate,
                     public Platform::ScriptMessageHandler,
                     public std::enable_shared_from_this<AuthSession> {
 public:
-    /// The provider's answer, or why there is none.
+    /// The provider's response, or the error that ended the session.
     using Result = std::expected<AuthResult, HostError>;
-    /// Called once, on the main thread: with what the provider answered, or with
+    /// Called once, on the main thread, with the provider's response or one of these errors:
     ///
-    /// - `timeout` five minutes after the start, whether the window is still on the screen or not,
-    /// - `cancelled` when the page closes its window by script,
-    /// - `internalError`, with the engine's description, when a page cannot be loaded.
+    /// - `timeout` if five minutes have passed since the start, even if the user has closed the window,
+    /// - `cancelled` if the page closes its window by script,
+    /// - `internalError`, with the web engine's description, if a page cannot be loaded.
     ///
-    /// It may let the session go. What it holds is released when it returns.
+    /// It may release the session. The session destroys it, with everything that it captures, after it
+    /// returns.
     using Completion = std::function<void(Result)>;
 
-    /// Creates a session. It opens and loads nothing before `start`.
+    /// Creates a session. Opens and loads nothing before `start`.
     static std::shared_ptr<AuthSession> create(AuthorizeRequest request, Completion completion);
 
     AuthSession(const AuthSession&) = delete;
     AuthSession& operator=(const AuthSession&) = delete;
     ~AuthSession() override;
 
-    /// The origin of the page that asks for the sign-in, for example "https://client.example": the provider
-    /// is then entered from a page of that origin. Text that is no URL, empty text too, gives a page of no
-    /// origin. Read by `start`, later changes have no effect.
+    /// The origin of the page that requests the sign-in, for example "https://client.example". If it is set,
+    /// the session starts from a page of that origin, which navigates to the authorize URL. If the text is
+    /// empty or not a URL, that page has no origin. Read by `start`; later changes have no effect.
     std::optional<std::string> initiatorOrigin;
 
-    /// Opens the window and begins to load. The application object must exist, else the process stops. Called
-    /// again, it opens another window with a time limit of its own; the first one stays as it is.
+    /// Opens the window and starts to load. Aborts if there is no application object. A second call opens
+    /// another window with its own time limit and leaves the first one as it is.
     void start();
 
-    /// For the session's web view and the script in its pages. A host does not call these.
+    /// For the session's web view and the script in its pages. Hosts do not call these functions.
     void decidePolicy(Platform::WebView& webView, const Platform::NavigationAction& action,
                       const DecisionHandler& decisionHandler) override;
     void didFinishNavigation(Platform::WebView& webView) override;
@@ -73,14 +74,14 @@ public:
     void didReceiveScriptMessage(const Platform::ScriptMessage& message) override;
 
 protected:
-    /// For `create`.
+    /// Used by `create`.
     AuthSession(AuthorizeRequest request, Completion completion);
 
 private:
-    /// Tests look into a session and shorten its limits by it.
+    /// Lets tests inspect a session and shorten its time limits.
     friend struct AuthSessionInspector;
 
-    /// What one `start` made.
+    /// The objects that one call of `start` creates.
     struct Run {
         std::shared_ptr<Platform::WebView> webView;
         std::shared_ptr<Platform::Window> window;
@@ -94,14 +95,15 @@ private:
 
     AuthorizeRequest request_;
     Completion completion_;
-    /// Seconds; only tests choose others.
+    /// In seconds. Only tests change them.
     double sessionTimeout_ = 300;
     double requestTimeout_ = 60;
-    /// The last one counts; the earlier ones stay as they are.
+    /// One for each call of `start`. When the session ends, the last one is stopped and hidden, and the
+    /// others stay as they are.
     std::vector<Run> runs_;
     std::optional<SubmittedForm> lastSubmittedForm_;
     bool finished_ = false;
-    /// The session itself, from its start to its completion.
+    /// A reference to this session itself, from `start` until it ends.
     std::shared_ptr<AuthSession> running_;
 };
 

@@ -21,7 +21,7 @@ bool isAuthorizeURL(const Platform::URL& url) {
            url.path() == authorizePath;
 }
 
-/// The first item of that name decides, even if it has no value.
+/// The value of the first item with that name. Absent if that item has no value, even if a later one has.
 std::optional<std::string> param(std::string_view name, const QueryItems& items) {
     const auto found = std::ranges::find(items, name, &Platform::URLQueryItem::name);
     return found == items.end() ? std::nullopt : found->value;

@@ -9,8 +9,8 @@ namespace KeyloftCore {
 
 namespace {
 
-/// How far memory may run ahead of the bytes received: far enough for a large frame read in large chunks to
-/// be placed once, not so far that a bare prefix could cost a mebibyte.
+/// The greatest ratio of reserved memory to received bytes. Large enough that a large frame read in large
+/// chunks needs one allocation, and small enough that a prefix alone does not reserve a mebibyte.
 constexpr std::size_t growthFactor = 32;
 
 } // namespace
@@ -40,7 +40,7 @@ std::vector<std::string> FrameDecoder::append(std::string_view chunk) {
         if (prefixCount_ < prefixLength) {
             return payloads;
         }
-        // The prefix stays in place when this throws, so that it throws for good.
+        // Keep the prefix, so that every later call throws, too.
         const std::size_t length = announcedLength();
         if (length > NativeMessageFrame::maxLength) {
             throw NativeMessageFrame::DecodeError::frameTooLarge(static_cast<std::int64_t>(length));

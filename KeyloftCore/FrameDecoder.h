@@ -9,19 +9,19 @@
 
 namespace KeyloftCore {
 
-/// Turns received chunks, cut anywhere, back into the payloads of whole frames. One decoder serves one
-/// connection.
+/// Decodes the frames in a stream that is received in chunks of any size. Each connection needs a decoder of
+/// its own.
 ///
-/// A plain value: a copy continues on its own. Each byte is copied once on its way into its payload, however
-/// many chunks or frames there are, and memory is taken only for lengths within the limit, never much ahead
-/// of the bytes that have really arrived.
+/// A plain value; a copy decodes independently. The time to decode is linear in the bytes received, for any
+/// number of chunks and frames. Memory is allocated only for lengths within the limit and in proportion to
+/// the bytes received.
 class FrameDecoder {
 public:
-    /// Takes `chunk` and returns, in order, every payload that is now complete.
+    /// Consumes `chunk` and returns the payloads that it completes, in order.
     ///
-    /// Throws NativeMessageFrame::DecodeError as soon as a prefix beyond the limit is complete. The payloads
-    /// completed in that very call are lost with it, and every later call throws the same again: the stream
-    /// cannot be trusted to be at a frame's beginning ever after.
+    /// Throws NativeMessageFrame::DecodeError as soon as a prefix beyond the limit is complete. Payloads that
+    /// the same call has completed are lost. Every later call throws the same error, because the start of the
+    /// next frame is unknown.
     std::vector<std::string> append(std::string_view chunk);
 
 private:
@@ -32,7 +32,7 @@ private:
 
     std::array<unsigned char, prefixLength> prefix_ = {};
     std::size_t prefixCount_ = 0;
-    /// The payload as far as it has come, once the prefix is complete.
+    /// The part of the payload received so far. Empty until the prefix is complete.
     std::string payload_;
 };
 

@@ -6,14 +6,14 @@
 
 namespace KeyloftCore {
 
-/// Why an authorization could not be begun or completed. `code` and `message` are what a host tells its
-/// caller. A plain value.
+/// The reason why an authorization could not be started or completed. Hosts report `code` and `message` to
+/// their callers. A plain value.
 ///
-/// AuthorizeRequest throws `badRequest`; an AuthSession ends with `internalError`, `cancelled` or `timeout`.
-/// `noNativeSheet` is for hosts.
+/// AuthorizeRequest throws `badRequest`. An AuthSession ends with `internalError`, `cancelled` or `timeout`.
+/// Only hosts use `noNativeSheet`.
 class HostError : public std::exception {
 public:
-    /// The kinds of failure. `code` is the text of each.
+    /// The kinds of failure. `code` returns the text of each.
     enum class Case {
         badRequest,
         noNativeSheet,
@@ -22,18 +22,18 @@ public:
         timeout,
     };
 
-    /// The last two have messages of their own.
+    /// Creates an error of that kind. `cancelled` and `timeout` have fixed messages.
     static HostError badRequest(std::string message) { return {Case::badRequest, std::move(message)}; }
     static HostError noNativeSheet(std::string message) { return {Case::noNativeSheet, std::move(message)}; }
     static HostError internalError(std::string message) { return {Case::internalError, std::move(message)}; }
     static HostError cancelled() { return {Case::cancelled, "user cancelled"}; }
     static HostError timeout() { return {Case::timeout, "timed out"}; }
 
-    /// The case to branch on.
+    /// The kind of failure.
     Case kind() const noexcept { return kind_; }
     /// "bad_request", "no_native_sheet", "internal", "cancelled" or "timeout".
     std::string_view code() const noexcept;
-    /// The reason, in English or in the web engine's words.
+    /// The reason in English, or as described by the web engine.
     const std::string& message() const noexcept { return message_; }
     const char* what() const noexcept override { return message_.c_str(); }
 

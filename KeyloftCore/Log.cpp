@@ -19,7 +19,7 @@ constexpr std::size_t shownOfLonger = 8;
 void log(std::string_view message) {
     std::string line(message);
     line.push_back('\n');
-    // A reader of the log that has gone must not take the process with it.
+    // SIGPIPE must not end the process when the reader of the log has gone.
     [[maybe_unused]] const auto written =
         Platform::writeWithoutSignal(STDERR_FILENO, line.data(), line.size());
 }

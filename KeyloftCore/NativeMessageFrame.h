@@ -8,21 +8,21 @@
 
 namespace KeyloftCore {
 
-/// How messages travel over the relay socket: a 4-byte little-endian count of payload bytes, then the
-/// payload. Frames follow each other directly; an empty payload is a frame too.
+/// The framing of messages on the relay socket: the size of the payload in bytes as an unsigned 4-byte
+/// little-endian integer, then the payload. Frames follow each other directly. A payload may be empty.
 struct NativeMessageFrame {
     NativeMessageFrame() = delete;
 
-    /// The longest payload that a decoder takes, in bytes (1 MiB). A sender is not held to it.
+    /// The longest payload that a decoder accepts, in bytes (1 MiB). `encode` does not enforce it.
     static constexpr std::size_t maxLength = 1'048'576;
 
-    /// What a decoder throws at a prefix beyond `maxLength`.
+    /// Thrown by a decoder for a prefix beyond `maxLength`.
     class DecodeError : public std::exception {
     public:
-        /// `length` is the prefix's value in bytes.
+        /// Creates the error for a prefix with the value `length`, in bytes.
         static DecodeError frameTooLarge(std::int64_t length) { return DecodeError(length); }
 
-        /// What the prefix said.
+        /// The value of the prefix.
         std::int64_t length() const noexcept { return length_; }
         const char* what() const noexcept override { return text_.c_str(); }
 
@@ -40,7 +40,7 @@ struct NativeMessageFrame {
         std::string text_;
     };
 
-    /// The frame of `payload`. A payload whose count does not fit in 32 bits stops the process.
+    /// Returns the frame of `payload`. Aborts if the size of the payload does not fit in 32 bits.
     static std::string encode(std::string_view payload);
 };
 

@@ -11,34 +11,36 @@
 
 namespace KeyloftCore {
 
-/// What a session decides about navigations and reads from them: its rules without window and engine.
+/// The rules by which a session judges navigations and reads results from them, independent of windows and
+/// web views.
 struct RedirectCapture {
     RedirectCapture() = delete;
 
-    /// Whether a session's pages may come from `host`: the authorization host, and what ends with its parent
-    /// domain or the provider's content-delivery domain behind a dot. Exact and case-sensitive.
+    /// Returns true if a session may load pages from `host`: the authorization host, or a host that ends with
+    /// a dot and the provider's domain or content-delivery domain. Case-sensitive.
     static bool isProviderHost(std::string_view host);
 
-    /// The log's line about a navigation to `url`.
+    /// The log line for a navigation to `url`.
     static std::string navigationLine(const Platform::URL& url, const Platform::NavigationAction& action);
 
-    /// The parameters that a navigation to `url` brings along, each source overriding the ones before: its
-    /// query, its fragment (decoded, then split) and, of a POST, the body, else the stream, else the form
-    /// that was submitted last. Logs where a POST's came from and, shortened, what was found.
+    /// The parameters of a navigation to `url`. The sources are its query, its fragment (decoded, then split)
+    /// and, if it is a POST, the body, or else the body stream, or else the form that was submitted last.
+    /// Later sources override earlier ones. Logs the source of a POST's parameters, all names, and the
+    /// shortened code and state.
     static std::map<std::string, std::string>
     parameters(const Platform::URL& url, const Platform::NavigationAction& action,
                const std::optional<SubmittedForm>& lastSubmittedForm);
 
-    /// All that is left in `stream`, or nothing where that is no UTF-8.
+    /// Reads `stream` to its end. Returns nothing if the bytes are not UTF-8.
     static std::optional<std::string> read(Platform::InputStream& stream);
 
-    /// A page that goes to `authorizeURL` at once.
+    /// The HTML of a page that navigates to `authorizeURL` at once.
     static std::string bootstrapPage(const Platform::URL& authorizeURL);
 
-    /// A URL as the log shows it: its first 100 characters.
+    /// The first 100 characters of a URL, for the log.
     static std::string shownURL(const Platform::URL& url);
 
-    /// The fields' names as the log shows them: ["a", "b"].
+    /// The names of the fields, for the log: ["a", "b"].
     static std::string nameList(const std::map<std::string, std::string>& fields);
 };
 

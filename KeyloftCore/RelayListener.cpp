@@ -41,7 +41,8 @@ constexpr mode_t socketMode = 0600;
 constexpr mode_t maskForBind = 0077;
 constexpr std::chrono::seconds sendTimeout(3);
 
-/// A descriptor that something else in the process gave back is not announced to anyone, so it is looked for.
+/// The time until the next attempt to accept. There is no notification when another part of the process
+/// closes a descriptor.
 constexpr std::chrono::milliseconds pauseWithoutDescriptors(1000);
 
 /// Device and inode of the file at a path.
@@ -61,7 +62,7 @@ struct FileIdentity {
 };
 
 /// Returns true if accepting failed because the process or the kernel has run out of a resource. The
-/// connection is still waiting then and would be reported again at once, without end.
+/// connection then stays in the backlog, and the accept source would fire again at once, without end.
 bool isShortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
@@ -90,7 +91,7 @@ bool waitUntilWritable(int fd, Clock::time_point deadline) {
 }
 
 /// Writes one frame, or gives up after `sendTimeout`. The kernel's send time-out restarts with each wait, so
-/// that a peer that reads slowly would hardly ever reach it.
+/// a peer that reads slowly would hardly ever reach it.
 void sendFrame(int fd, std::string_view payload) {
     const auto deadline = Clock::now() + sendTimeout;
     const auto frame = NativeMessageFrame::encode(payload);
@@ -111,8 +112,8 @@ struct Connection {
 
 } // namespace
 
-/// What the callbacks hold (weakly) in the listener's place, so that none of them ever holds its last
-/// reference.
+/// The part of the listener that callbacks refer to, through weak pointers. No callback owns the listener
+/// itself.
 struct RelayListener::State : std::enable_shared_from_this<RelayListener::State> {
     void listen(const std::string& path, OnFrame onFrame);
     void stop();
@@ -125,16 +126,16 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     void readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
     Reply replyFor(const std::shared_ptr<Connection>& connection);
 
-    // The owner's thread's own.
+    // For the owner's calls only.
     std::future<void> listeningClosed;
     std::optional<std::string> path;
     std::optional<FileIdentity> inode;
-    // The queue's own, once listening.
+    // Accessed on the queue only, once listening.
     std::shared_ptr<Platform::ReadSource> acceptSource;
     std::vector<std::shared_ptr<Connection>> readers;
     bool acceptingPaused = false;
     std::array<char, readSize> buffer;
-    // Last, and so first to go: what still runs on it finds the rest of this in place.
+    // The last member, so that it is destroyed first: work that still runs on it may use the others.
     Platform::SerialQueue queue{"velde.orvane.keyloft.relay-listener"};
 };
 
@@ -169,7 +170,8 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         Platform::fatalError("a relay listener needs a handler for its requests");
     }
     requirePathWithoutNUL(socketPath);
-    // A trailing slash makes an empty last component. Give every path one, and drop it with the name.
+    // Paths with and without a trailing slash have the same directory. Append a slash, then drop the empty
+    // component after it and the name.
     const auto directory = (std::filesystem::path(socketPath) / "").parent_path().parent_path();
     Platform::FileManager::defaultManager().createDirectory(directory.string(), directoryMode);
     unlink(socketPath.c_str());
@@ -179,7 +181,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         throw RelaySocketError::syscall("socket", errno);
     }
 
-    // The mask is the whole process's: nothing else belongs between these two calls.
+    // The mask belongs to the whole process. Do nothing but bind between the two umask calls.
     const auto mask = umask(maskForBind);
     const int bound = Platform::bindUnixSocket(listening, address);
     const int bindError = errno;
@@ -196,7 +198,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         throw RelaySocketError::syscall("listen", error);
     }
 
-    // The client may be gone by the time the accept source fires.
+    // The client may be gone when the accept source fires. Accepting must not block then.
     fcntl(listening, F_SETFL, O_NONBLOCK);
 
     path = socketPath;
@@ -218,7 +220,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
     acceptSource->resume();
 }
 
-/// On the queue. The cancel handlers close the sockets afterwards.
+/// Runs on the queue. The cancel handlers close the sockets afterwards.
 void RelayListener::State::stop() {
     if (const auto source = std::exchange(acceptSource, nullptr)) {
         source->cancel();
@@ -230,7 +232,7 @@ void RelayListener::State::stop() {
 
 void RelayListener::State::release() {
     if (path) {
-        // Another listener may have put its own socket there since.
+        // Another listener may have replaced the file with its own socket.
         if (inode && FileIdentity::of(*path) == inode) {
             unlink(path->c_str());
         }
@@ -276,8 +278,8 @@ void RelayListener::State::resumeAccepting() {
 void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame) {
     const auto connection = std::make_shared<Connection>(queue, connectionDescriptor);
     const auto weak = weak_from_this();
-    // The listener's list alone owns the connection; a reply that is kept for long keeps its memory, nothing
-    // else.
+    // The source's handlers must not own the connection, which owns the source. A reply that is kept for long
+    // keeps only the memory of its connection, not the socket.
     const std::weak_ptr<Connection> weakConnection = connection;
     connection->source.setEventHandler([weak, weakConnection, onFrame] {
         const auto self = weak.lock();
@@ -298,7 +300,7 @@ void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<
 }
 
 void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
-    // The analyzer takes a weak pointer's lock for a mutex's.
+    // Clang 22's static analyzer takes weak_ptr::lock in the callers for the lock of a mutex (not reported).
     // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection)
     const ssize_t count = read(connection->fd, buffer.data(), buffer.size());
     if (count < 0 && errno == EAGAIN) {

@@ -11,44 +11,45 @@
 
 namespace KeyloftCore {
 
-/// The host's side of the relay's conversation: what it answers to a peer's message. Stateless; safe on any
+/// The host's side of the relay protocol: computes the replies to a peer's messages. Stateless; safe on any
 /// thread.
 struct RelayProtocol {
     RelayProtocol() = delete;
 
-    /// A reply to one message: one of the three cases.
+    /// A reply to one message: one of three cases.
     class Reply {
     public:
-        /// Whether the peer's target belongs to the request.
+        /// Confirms or denies that the peer's target belongs to the request.
         struct Confirm {
-            /// True if it does.
+            /// True if the target belongs to the request.
             bool ok = false;
             friend bool operator==(const Confirm&, const Confirm&) = default;
         };
-        /// The result that the peer relayed, absent if it was refused.
+        /// Acknowledges or refuses a result that the peer has relayed.
         struct Ack {
-            /// For the host only: the peer learns no more than that it was accepted.
+            /// The result, absent if it was refused. For the host only; the peer learns only if it was
+            /// accepted or refused.
             std::optional<AuthResult> result;
             friend bool operator==(const Ack&, const Ack&) = default;
         };
-        /// The message was not understood.
+        /// Rejects a message that was not understood.
         struct Error {
             /// The reason, in English.
             std::string message;
             friend bool operator==(const Error&, const Error&) = default;
         };
 
-        /// A reply of the case.
+        /// Creates a reply of that case.
         static Reply confirm(bool ok) { return Reply(Confirm{ok}); }
         static Reply ack(std::optional<AuthResult> result) { return Reply(Ack{std::move(result)}); }
         static Reply error(std::string message) { return Reply(Error{std::move(message)}); }
 
-        /// The payload where the reply is of that case, else null.
+        /// The payload if the reply is of that case, else null.
         const Confirm* confirm() const { return std::get_if<Confirm>(&value_); }
         const Ack* ack() const { return std::get_if<Ack>(&value_); }
         const Error* error() const { return std::get_if<Error>(&value_); }
 
-        /// What goes back to the peer, to be sent as one JSON text. Never holds the result itself.
+        /// The JSON object for the peer, to be sent as one frame. Never contains the result itself.
         Platform::JSONValue::Object json() const;
 
         friend bool operator==(const Reply&, const Reply&) = default;
@@ -60,8 +61,8 @@ struct RelayProtocol {
         std::variant<Confirm, Ack, Error> value_;
     };
 
-    /// Answers the message that `data` holds in JSON, whatever it is: never fails. Why a message was refused
-    /// is kept from the peer.
+    /// Returns the reply to the JSON message in `data`. Never fails, for any data. The reply does not reveal
+    /// why a message was refused.
     static Reply reply(std::string_view data, const AuthorizeRequest& request);
 };
 

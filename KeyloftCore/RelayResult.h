@@ -9,14 +9,14 @@
 
 namespace KeyloftCore {
 
-/// Reading the result that a peer relays. Stateless; safe on any thread.
+/// Parses the result that a peer relays. Stateless; safe on any thread.
 struct RelayResult {
     RelayResult() = delete;
 
     /// The first check that a message failed, in the order of the checks.
     class ParseError : public std::exception {
     public:
-        /// In the order of the checks.
+        /// The checks, in order.
         enum class Case {
             notAResult,
             badParams,
@@ -25,7 +25,7 @@ struct RelayResult {
             nonceMismatch,
         };
 
-        /// The error of a check.
+        /// Creates the error of a failed check.
         explicit ParseError(Case kind)
             : kind_(kind) {}
 
@@ -43,12 +43,13 @@ struct RelayResult {
         Case kind_;
     };
 
-    /// The result that the JSON `data` relays for `request`. Its mode and redirect URI are the request's; the
-    /// message's URI may differ in query and fragment. An empty state counts as none, but not in the request.
-    /// Throws ParseError.
+    /// Returns the result that the JSON message in `data` relays for `request`, with the response mode and
+    /// the redirect URI of the request. The message's URI may differ from it in query, fragment and
+    /// credentials. An empty state in the message counts as absent, but an empty state in the request does
+    /// not. Throws ParseError.
     static AuthResult parse(std::string_view data, const AuthorizeRequest& request);
 
-    /// The same for a message that has been read already.
+    /// Like `parse`, for a message that is already parsed as JSON.
     static AuthResult parseMessage(const Platform::JSONValue& message, const AuthorizeRequest& request);
 };
 

@@ -10,8 +10,8 @@ namespace KeyloftCore {
 
 namespace {
 
-/// The longest path of a Unix-domain socket, in bytes: macOS's limit, also on systems with room for more, so
-/// that a path works on all or on none.
+/// The longest path of a Unix-domain socket, in bytes. This is the limit of macOS. It applies to every
+/// system, so that a path is valid on all or on none.
 constexpr std::size_t maximumPath = 103;
 
 } // namespace

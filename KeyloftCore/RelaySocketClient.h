@@ -6,10 +6,10 @@
 
 namespace KeyloftCore {
 
-/// The connecting end of the relay. Every call blocks its caller; connect, write, read and close, in this
-/// order.
+/// The connecting end of the relay. Every call blocks. Connect, write, read and close, in this order.
 ///
-/// A value that names a descriptor and does not own it: copies share it, and nobody closes it but `close`.
+/// A value that refers to a descriptor without owning it. Copies share the descriptor, and only `close`
+/// closes it.
 class RelaySocketClient {
 public:
     /// Throws RelaySocketError: `pathContainsNUL`, `pathTooLong`, or `syscall` for "socket" and "connect"
@@ -25,11 +25,11 @@ public:
 
     /// Returns the first frame that the peer sends, or nothing if the peer closes, fails, sends a frame
     /// beyond the limit, or sends nothing for `timeout` seconds. The time-out is truncated to whole
-    /// microseconds, but not below one; 0 means no limit, and with a negative time-out nothing is read. It
-    /// applies to each read, not to the whole frame. Aborts if it is not finite or too large for the system.
+    /// microseconds, but not below one; 0 means no limit, and a negative time-out reads nothing. It applies
+    /// to each read, not to the whole frame. Aborts if it is not finite or does not fit in a `timeval`.
     std::optional<std::string> readFrame(double timeout) const;
 
-    /// Closes the descriptor. Called once, for all copies.
+    /// Closes the descriptor. To be called once, for all copies.
     void close() const;
 
 private:

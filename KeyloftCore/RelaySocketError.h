@@ -7,7 +7,7 @@
 
 namespace KeyloftCore {
 
-/// Why the relay socket could not be made, reached or written to.
+/// The reason why the relay socket could not be created, reached or written to.
 class RelaySocketError : public std::exception {
 public:
     /// The kinds of failure.
@@ -22,12 +22,12 @@ public:
     static RelaySocketError pathTooLong();
     static RelaySocketError pathContainsNUL();
 
-    /// The case to branch on.
+    /// The kind of failure.
     Case kind() const noexcept { return kind_; }
     /// Empty and 0 unless `kind` is `syscall`.
     const std::string& call() const noexcept { return call_; }
     std::int32_t code() const noexcept { return code_; }
-    /// `syscall("connect", 2)`
+    /// The error as text, for example `syscall("connect", 2)`.
     const char* what() const noexcept override { return text_.c_str(); }
 
     /// Compares kind, call and code.

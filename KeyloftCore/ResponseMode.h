@@ -5,7 +5,7 @@
 
 namespace KeyloftCore {
 
-/// How the identity provider is asked to answer: the authorize URL's `response_mode`.
+/// The `response_mode` of an authorize URL: how the identity provider returns its response.
 enum class ResponseMode {
     query,      ///< "query"
     fragment,   ///< "fragment"
@@ -16,7 +16,7 @@ enum class ResponseMode {
 /// The mode's text in URLs.
 std::string_view rawValue(ResponseMode mode);
 
-/// The mode of exactly that text, or nothing.
+/// Returns the mode with exactly that text, or nothing.
 std::optional<ResponseMode> responseModeFromRawValue(std::string_view rawValue);
 
 } // namespace KeyloftCore

@@ -9,25 +9,26 @@
 
 namespace KeyloftCore {
 
-/// A form as a page submitted it. A plain value.
+/// A form that a page has submitted. A plain value.
 ///
-/// An engine need not hand over what a form posts, so each page's forms are watched by a script, which posts
-/// what is submitted to the message handler `messageHandlerName` before the page goes away.
+/// Web engines need not expose the body that a form posts. A script in each page therefore posts every
+/// submitted form to the message handler `messageHandlerName` before the page goes away.
 struct SubmittedForm {
-    /// The name under which pages reach the handler of the script's messages.
+    /// The name of the handler that receives the script's messages.
     static constexpr std::string_view messageHandlerName = "keyloft";
-    /// For every frame, from the document's start.
+    /// The script. Inject it into every frame at document start.
     static const std::string_view hookScript;
 
-    /// Where the form goes.
+    /// The form's action URL.
     std::string action;
-    /// Of a name told twice the last value counts.
+    /// Values by name. If a name occurs twice, the last value counts.
     std::map<std::string, std::string> fields;
 
-    /// What a message of the script tells, or nothing where it is not as the script writes it.
+    /// Parses the body of a message from the script. Returns nothing if it does not have the form that the
+    /// script writes.
     static std::optional<SubmittedForm> fromMessage(const Platform::JSONValue& body);
 
-    /// The action as a log shows it: its first 80 characters.
+    /// The first 80 characters of the action, for the log.
     std::string shownAction() const;
 
     friend bool operator==(const SubmittedForm&, const SubmittedForm&) = default;
