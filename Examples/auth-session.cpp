@@ -1,9 +1,9 @@
-// Carries out one sign-in in a window of its own.
+// Completes one sign-in in a window of its own.
 //
 //   auth-session AUTHORIZE-URL [INITIATOR-ORIGIN]
 //
-// Prints the result as one line of JSON; or, on standard error, the error's code and message, and ends with
-// status 1. What the session does on its way is told on standard error, too.
+// Prints the result as one line of JSON. If the sign-in fails, prints the error's code and message to
+// standard error and exits with status 1. The session logs its steps to standard error, too.
 
 #include "KeyloftCore/AuthSession.h"
 #include "KeyloftCore/AuthorizeRequest.h"
@@ -42,7 +42,7 @@ AuthorizeRequest requestFor(const std::string& text) {
     return {*url, RelayTarget::mintNonce()};
 }
 
-/// On macOS the key for pasting a password comes from the Edit menu. The first menu is the application menu.
+/// On macOS the key that pastes a password needs an Edit menu, and the first menu is the application menu.
 std::shared_ptr<Platform::Menu> makeMainMenu() {
     using Platform::Menu;
     using Platform::MenuItem;

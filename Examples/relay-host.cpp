@@ -1,9 +1,9 @@
-// Waits for the result of one sign-in that another program carries out.
+// Waits for the result of one sign-in that another program completes.
 //
 //   relay-host [AUTHORIZE-URL]
 //
-// Prints the relay URL, which a browser would open, listens on the first relay path whose directory can be
-// made, and ends once a peer (see relay-peer) has handed in a result that belongs to the request.
+// Listens on the first relay path whose directory can be created, prints the relay URL for a browser to open,
+// and exits when a peer (see relay-peer) has relayed a result that belongs to the request.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/HostError.h"
@@ -45,7 +45,7 @@ std::optional<AuthorizeRequest> requestFor(const std::string& text) {
     }
 }
 
-/// Listens on the first candidate that will have us; prints why the others will not.
+/// Listens on the first candidate that works. Prints why those before it do not.
 bool listenSomewhere(RelayListener& listener, const RelayListener::OnFrame& onFrame) {
     for (const auto& path : RelaySocketPaths::candidates()) {
         try {
@@ -74,9 +74,9 @@ int main(int argc, char** argv) {
     }
 
     std::promise<AuthResult> accepted;
-    bool isAccepted = false; // the listener's queue's own
+    bool isAccepted = false; // accessed on the listener's queue only
     const auto onFrame = [&](const std::string& message, const RelayListener::Reply& sendReply) {
-        // The request has its result. A peer that still asks gets no reply.
+        // The request has its result. A peer that asks later gets no reply.
         if (isAccepted) {
             return;
         }

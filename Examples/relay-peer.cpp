@@ -1,10 +1,10 @@
-// Hands the result of a sign-in to the program that waits for it.
+// Relays the result of a sign-in to the program that waits for it.
 //
 //   relay-peer RELAY-URL [NAME=VALUE]...
 //
-// Reads the relay target from the URL's fragment, asks the waiting host (see relay-host) whether the target
-// is its own, and if so relays the parameters given, "code=example" by default. The target's state is added
-// by itself.
+// Reads the relay target from the fragment of the URL and asks the waiting host (see relay-host) to confirm
+// it. If the host does, relays the given parameters, by default "code=example", and the state of the target
+// unless it is among the parameters.
 
 #include "KeyloftCore/RelaySocketClient.h"
 #include "KeyloftCore/RelaySocketError.h"
@@ -44,7 +44,7 @@ std::optional<RelaySocketClient> connectSomewhere() {
     return std::nullopt;
 }
 
-/// One exchange on a connection of its own: the reply's text, or nothing.
+/// Sends one message on a new connection. Returns the reply, or nothing if there is no valid one.
 std::optional<JSONValue> exchange(const JSONValue& message) {
     const auto client = connectSomewhere();
     if (!client) {

@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Hands the result of a sign-in to the program that waits for it.
+"""Relays the result of a sign-in to the program that waits for it.
 
     relay-peer.py RELAY-URL [NAME=VALUE]...
 
-Does what relay-peer.cpp does, with the standard library alone: docs/relay.md says all that a peer must know. Exits
-with 0 once the host has accepted the result, with 1 on any failure and with 2 if the arguments are wrong.
+Does the same as relay-peer.cpp, with Python's standard library only. Written from docs/relay.md, which describes all
+that a peer must know. Exits with status 0 if the host accepts the result, 1 on any failure, and 2 if the arguments are
+wrong.
 """
 
 import base64
@@ -60,7 +61,7 @@ def read_target(url):
         raise Failure("the relay target's redirect URI is missing or not acceptable")
     if not isinstance(nonce, str) or not re.fullmatch(r"[A-Za-z0-9_-]{22}", nonce):
         raise Failure("the relay target's nonce is missing or malformed")
-    # Counts code points, of which each character has at least one.
+    # Counts code points. This is never too lenient, because each character has at least one.
     if "s" in members and (not isinstance(state, str) or len(state) > MAX_STATE):
         raise Failure("the relay target's state is not a string of at most %d characters" % MAX_STATE)
     return redirect, nonce, state
@@ -81,7 +82,7 @@ def connect():
             connection.close()
             errors.append("%s: %s" % (path, error.strerror or error))
         else:
-            # Set the time-out after connect, which with one fails at once if the host is busy.
+            # Set the time-out after connect: a connect with a time-out fails at once if the host is busy.
             connection.settimeout(REPLY_TIMEOUT)
             return connection
     raise Failure("no host accepts: " + "; ".join(errors))
