@@ -1,20 +1,20 @@
-// A whole exchange through the relay (connect, request, reply, close) beside the same bytes in plain system
-// calls.
+// Compares a whole exchange through the relay (connect, request, reply, close) with the same bytes in plain
+// system calls.
 //
-// The plain exchange is written three times: with nothing but the bytes; with what the relay owes its users
-// on top (whose process the peer is, how long a reply may take to be written and read); and with that by a
-// server that waits for all its peers at once, as the relay's has to, instead of for one. So the price of the
-// promises, that of serving more than one peer and that of the library can be told apart.
+// There are three variants of the plain exchange. The first only sends the bytes. The second adds what the
+// relay guarantees: it checks the user of the peer and limits the time to write and to read a reply. The
+// third does this in a server that polls all its peers, as the relay's does, instead of serving one at a
+// time. Together they separate the costs of the guarantees, of serving several peers and of the library.
 //
 // The target of "relay" is a median of at most 1.25 times that of "plain", and at least 0.85 times as many
-// exchanges a second.
+// exchanges per second.
 //
-// The servers run in processes of their own; the clients, in this one, turn from one to the other in short
-// blocks, each time another first, so that whatever else the machine does meets all alike. Prints medians,
-// 99th percentiles, exchanges a second and their ratios.
+// The servers run in processes of their own. The clients, in this process, switch between them in short
+// blocks and start each round with another server, so that other load on the machine affects all alike.
+// Prints medians, 99th percentiles, exchanges per second and their ratios.
 //
-// Servers and clients are kept on a processor each, for where the scheduler happens to put a thread can
-// outweigh everything else. With one processor (taskset -c 0) they share it.
+// All clients are pinned to one processor and all servers to another, because the scheduler's choice of a
+// processor can outweigh everything else. With one processor (taskset -c 0) they share it.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -145,7 +145,8 @@ std::vector<int> processors() {
     return result;
 }
 
-/// Starts `serve` on a processor in a process of its own and waits until it says that it is ready.
+/// Runs `serve` in a child process on one processor. The constructor waits until `serve` calls `ready`, and
+/// the destructor kills the process.
 class ServerProcess {
 public:
     ServerProcess(int processor, const std::function<void(const std::function<void()>& ready)>& serve) {
@@ -171,7 +172,7 @@ public:
         waitpid(process_, nullptr, 0);
     }
 
-    /// What its threads have had of a processor.
+    /// The processor time that the threads of the process have used.
     double processorMicroseconds() const {
         double total = 0;
         const auto tasks = "/proc/" + std::to_string(process_) + "/task";
@@ -188,7 +189,7 @@ private:
     pid_t process_ = -1;
 };
 
-/// What the plain exchange does besides sending the bytes.
+/// Checks and limits that the plain exchange adds to sending the bytes.
 enum class Checks {
     none,
     sameAsRelay,
@@ -210,7 +211,7 @@ int listeningSocket(const std::string& path) {
     require(listening >= 0, "socket");
     const auto address = addressOf(path);
     require(bind(listening, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "bind");
-    // The relay's own backlog: with another one the two would not be asked the same.
+    // The backlog of the relay, because a different one would change the work.
     require(listen(listening, 4) == 0, "listen");
     return listening;
 }
@@ -219,7 +220,7 @@ int listeningSocket(const std::string& path) {
                             Checks checks, const std::function<void()>& ready) {
     const int listening = listeningSocket(path);
     ready();
-    // On a thread of its own, as the relay's host has others to do.
+    // Serve on a second thread, as the relay does.
     std::thread([&] {
         std::string buffer(request.size(), '\0');
         for (;;) {
@@ -240,7 +241,7 @@ int listeningSocket(const std::string& path) {
     std::_Exit(1);
 }
 
-/// The same in plain calls, but no peer keeps another waiting.
+/// Like `serveBare` with `Checks::sameAsRelay`, but no peer makes another wait.
 [[noreturn]] void servePolled(const std::string& path, const std::string& request, const std::string& reply,
                               const std::function<void()>& ready) {
     const int listening = listeningSocket(path);
@@ -257,7 +258,7 @@ int listeningSocket(const std::string& path) {
                 if (polled[index].revents == 0) {
                     continue;
                 }
-                // The request is small: it comes as a whole.
+                // The request is small and arrives in one piece.
                 const int connection = polled[index].fd;
                 if (read(connection, buffer.data(), buffer.size()) == std::ssize(buffer)) {
                     writeFully(connection, reply);

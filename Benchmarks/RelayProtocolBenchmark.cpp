@@ -1,4 +1,4 @@
-// Frames beside memcpy of the same bytes, and what one message costs to judge.
+// Compares the decoding of frames with memcpy of the same bytes, and measures the other steps of an exchange.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/FrameDecoder.h"
@@ -47,7 +47,7 @@ void inChunks(std::string_view stream, const Take& take) {
     }
 }
 
-/// The floor: each chunk to its place in a payload-sized buffer, once.
+/// The baseline of `decoding`: copies each chunk into a payload-sized buffer once.
 void copying(benchmark::State& state) {
     const auto payloadSize = static_cast<std::size_t>(state.range(0));
     const auto stream = streamOf(payloadSize);
@@ -77,7 +77,7 @@ void decoding(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(stream.size()));
 }
 
-/// All frames at once: the time a byte takes must not depend on how many are buffered together.
+/// Decodes all frames from one chunk. The time per byte must not depend on the number of frames.
 void decodingManyFramesInOneChunk(benchmark::State& state) {
     const auto frame = NativeMessageFrame::encode(std::string(64, 'x'));
     std::string chunk;
@@ -92,7 +92,7 @@ void decodingManyFramesInOneChunk(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(chunk.size()));
 }
 
-/// One frame in pieces of a given size: nor must it depend on how many pieces there are.
+/// Decodes one frame from pieces of a given size. The time per byte must not depend on the number of pieces.
 void decodingOneFrameInPieces(benchmark::State& state) {
     const auto frame = NativeMessageFrame::encode(std::string(NativeMessageFrame::maxLength, 'x'));
     const auto piece = static_cast<std::size_t>(state.range(0));

@@ -1,10 +1,10 @@
-// From a sign-in's start to the provider's page on the screen, beside a bare view of the same engine doing
-// the same load.
+// Measures the time from the start of a sign-in until the provider's page is on the screen, and compares it
+// with a bare web view that loads the same page.
 //
-// Both take turns in one process, in a network where this machine is the provider, over TLS, each time with a
-// store and a web process of their own; once without and once with the page of an initiator in between. The
-// page is on the screen when its second frame is drawn. Prints medians, quartiles and the ratio of the
-// medians.
+// Both take turns in one process, over TLS, in a private network in which this machine is the provider. Each
+// run has its own data store and web process. The comparison is made twice: loading the authorize URL
+// directly, and from the page of an initiator. The page counts as on the screen when its second animation
+// frame begins. Prints medians, quartiles and the ratio of the medians.
 
 #include "KeyloftCore/AuthSession.h"
 #include "KeyloftCore/RedirectCapture.h"
@@ -63,7 +63,7 @@ AuthorizeRequest authorizeRequest() {
     return {TestSupport::present(Platform::URL::fromString(authorizeURL)), "ABCDEFGHIJKLMNOPQRST-_"};
 }
 
-/// A provider that knows when its page is on the screen.
+/// A provider that records when its page is on the screen.
 class Provider {
 public:
     Provider()
@@ -76,7 +76,7 @@ public:
         });
     }
 
-    /// How long it takes from the call of `open` until the page is on the screen.
+    /// Returns the milliseconds from the call of `open` until the page is on the screen.
     double measure(const std::function<void()>& open) {
         const auto begun = Clock::now();
         open();
@@ -87,10 +87,10 @@ public:
 private:
     TestSupport::HTTPServer server_;
     TestSupport::TLSServer tls_;
-    Clock::time_point shown_; // written before the loop is told to stop, read after it has
+    Clock::time_point shown_; // written before the request to stop the loop, read afterwards
 };
 
-/// Lets the engine end what the measurement before has left.
+/// Lets the web engine finish the work of the previous measurement.
 void rest() {
     const auto timer = Platform::Timer::scheduled(pause, false, [] { RunLoop::main().stop(); });
     RunLoop::main().run();
@@ -116,7 +116,7 @@ double measureBareView(Provider& provider, const std::optional<std::string>& ori
     });
 }
 
-/// Prints them, and returns the median.
+/// Prints the median and the quartiles. Returns the median.
 double report(const char* name, std::vector<double> times) {
     std::ranges::sort(times);
     const auto at = [&](std::size_t quarters) { return times.at((times.size() - 1) * quarters / 4); };

@@ -18,8 +18,8 @@
 #include <string>
 #include <vector>
 
-// How long the main loop is kept from input by what a user does. The figures are for reading: a machine under
-// load may take any time, so nothing here fails on them.
+// Measures how long actions of the user keep the main loop from handling input. Prints the times without
+// checking them, because they can be arbitrarily long on a loaded machine.
 
 namespace {
 
@@ -32,8 +32,7 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr std::size_t repetitions = 15;
 
-/// How long the main thread has been working: what it waited for the processor on a machine under load left
-/// out.
+/// The processor time of the main thread. Unlike elapsed time, it excludes waits for the processor.
 Milliseconds workedSoFar() {
     timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
@@ -45,7 +44,8 @@ struct Turn {
     Milliseconds worked{0};
 };
 
-/// The longest time without a look for input while `action` runs and what it leaves to be done is done.
+/// Returns the longest time for which the main loop does not look for input, during `action` and the work
+/// that follows from it.
 Turn longestTurn(const std::function<void()>& action) {
     constexpr auto settling = std::chrono::milliseconds(400);
     const auto begun = std::chrono::steady_clock::now();
@@ -80,7 +80,7 @@ double medianOf(const std::vector<Turn>& turns, Milliseconds Turn::* time, doubl
     return times[times.size() / 2];
 }
 
-/// Prints the medians and the greatest of several measurements, and returns the median of the time worked.
+/// Prints the medians and maxima of several measurements. Returns the median of the time worked.
 double report(const char* what, const std::vector<Turn>& turns) {
     double greatestElapsed = 0;
     double greatestWorked = 0;
@@ -91,7 +91,8 @@ double report(const char* what, const std::vector<Turn>& turns) {
     return worked;
 }
 
-/// The browser with so many bookmarks and tabs in one window, the last in front with a page in it.
+/// The browser with the given numbers of bookmarks and of tabs in one window. The last tab is selected and
+/// shows a page.
 class Browser {
 public:
     Browser(int bookmarkCount, int tabCount) {
