@@ -1,6 +1,6 @@
 # The application on macOS: a bundle, and a disk image of it (cmake --build … --target package, or cpack).
 #
-# KEYLOFT_SIGNING_IDENTITY is whose signature the bundle bears; docs/signing.md says what follows from it.
+# KEYLOFT_SIGNING_IDENTITY is the identity that signs the bundle. docs/signing.md describes the consequences.
 
 include(KeyloftLeastSystem)
 
@@ -25,7 +25,8 @@ function(keyloft_bundle target)
   set_source_files_properties("${icon}" PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
   target_sources(${target} PRIVATE "${icon}")
 
-  # The linker warns about objects built for a newer macOS than its own target, and records the target in the program.
+  # Link for the newest macOS that any object is built for. The linker warns about objects built for a newer macOS than
+  # its own target, and records the target in the program.
   keyloft_least_system(KEYLOFT_LEAST_SYSTEM "${CMAKE_OSX_DEPLOYMENT_TARGET}" ${ICU_LIBRARIES})
   target_link_options(${target} PRIVATE "-mmacosx-version-min=${KEYLOFT_LEAST_SYSTEM}")
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ICU_LIBRARIES})
@@ -49,7 +50,7 @@ function(keyloft_bundle target)
   else()
     set(architecture "${CMAKE_SYSTEM_PROCESSOR}")
   endif()
-  # The disk image holds the application alone, not what programs that link the core need.
+  # The disk image contains the application only, without the development files of KeyloftCore.
   set(CPACK_GENERATOR DragNDrop)
   set(CPACK_PACKAGE_NAME Keyloft)
   set(CPACK_PACKAGE_VENDOR Keyloft)

@@ -2,15 +2,15 @@
 
 set(KEYLOFT_LINUX_PACKAGING "${PROJECT_SOURCE_DIR}/Packaging/linux")
 
-# keyloft_compress(FILE): makes the file's name with .gz in the build folder.
+# keyloft_compress(FILE): writes a compressed copy of FILE to the build folder, with .gz appended to its name.
 function(keyloft_compress file)
   get_filename_component(name "${file}" NAME)
   execute_process(COMMAND gzip -9nc "${file}" OUTPUT_FILE "${PROJECT_BINARY_DIR}/${name}.gz" COMMAND_ERROR_IS_FATAL ANY)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
 endfunction()
 
-# keyloft_package_list(VARIABLE PATTERN GROUP…): sets VARIABLE to the packages of the groups that match the pattern, as
-# a list of dependencies.
+# keyloft_package_list(VARIABLE PATTERN GROUP…): sets VARIABLE to a list of dependencies, the packages of the groups
+# that match PATTERN.
 function(keyloft_package_list variable pattern)
   execute_process(COMMAND "${PROJECT_SOURCE_DIR}/Packaging/install" --list ${ARGN}
     OUTPUT_VARIABLE names COMMAND_ERROR_IS_FATAL ANY)
@@ -50,7 +50,7 @@ function(keyloft_debian_packages target)
   set(CPACK_GENERATOR DEB)
   set(CPACK_PACKAGE_CONTACT "Keyloft developers <developers@keyloft.orvane.velde>")
   set(CPACK_STRIP_FILES ON)
-  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
+  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package sets its own
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEB_COMPONENT_INSTALL ON)
   set(CPACK_COMPONENTS_ALL Program KeyloftCoreRelay KeyloftCoreAuthSession)

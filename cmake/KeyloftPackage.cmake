@@ -1,9 +1,9 @@
-# What other programs link: the package KeyloftCore, a component a room.
+# The package KeyloftCore for other programs.
 #
 #   find_package(KeyloftCore COMPONENTS Relay)          target_link_libraries(… KeyloftCore::Relay)
 #   pkg-config --cflags --libs keyloftcore-relay
 #
-# and the same with AuthSession and keyloftcore-authsession, which bring the relay along.
+# AuthSession and keyloftcore-authsession are used in the same way and include the relay.
 
 include(CMakePackageConfigHelpers)
 
@@ -11,9 +11,10 @@ set(KEYLOFT_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/KeyloftCore")
 set(KEYLOFT_ARCHIVE_DIR "${CMAKE_INSTALL_LIBDIR}/keyloft")
 set(KEYLOFT_HEADER_DIR "${CMAKE_INSTALL_INCLUDEDIR}/keyloft")
 
-# keyloft_install_package(COMPONENT TARGETS the component's own, then what it stands on … HEADERS …)
+# keyloft_install_package(COMPONENT TARGETS LIBRARY DEPENDENCY… HEADERS HEADER…)
 #
-# The libraries are static, so that a program has no file of ours to look for when it runs.
+# Installs a component: its library, the libraries of this project that it depends on, and the headers. The libraries
+# are static, so that a program does not depend on our files at run time.
 function(keyloft_install_package component)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "TARGETS;HEADERS")
   list(GET arg_TARGETS 0 own)
@@ -44,7 +45,7 @@ function(keyloft_install_package component)
     set(relay_frameworks " -framework Foundation -framework Security")
     set(session_frameworks " -framework AppKit -framework JavaScriptCore -framework QuartzCore -framework WebKit")
   endif()
-  # Relative to the file itself, so that the installed tree can be moved.
+  # Relative to the .pc file, so that the installed tree can be moved.
   file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
   string(TOLOWER "keyloftcore-${component}" package)
   configure_file("${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in" "${PROJECT_BINARY_DIR}/${package}.pc" @ONLY)

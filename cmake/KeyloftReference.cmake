@@ -1,7 +1,7 @@
 # keyloft_reference(HEADER…)
 #
-# The target "reference": Doxygen's pages of the installed headers and of the documents, in reference/html of the build
-# folder.
+# Adds the target "reference": the Doxygen pages of the installed headers and the documents, in reference/html of the
+# build folder.
 function(keyloft_reference)
   list(JOIN ARGN "\" \"${PROJECT_SOURCE_DIR}/" headers)
   set(headers "\"${PROJECT_SOURCE_DIR}/${headers}\"")

@@ -1,4 +1,4 @@
-# What every target has in common, and which system's half of Platform is built.
+# Options common to all targets, and KEYLOFT_SYSTEM, the part of Platform that is built.
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   set(KEYLOFT_SYSTEM linux)
@@ -25,11 +25,11 @@ endif()
 add_library(KeyloftOptions INTERFACE)
 target_compile_features(KeyloftOptions INTERFACE cxx_std_23)
 target_compile_options(KeyloftOptions INTERFACE -Wall -Wextra)
-# GCC 12 sees overlapping copies in its own string concatenation (its bug 105651).
+# GCC 12 warns of overlapping copies in std::string concatenation: https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105651
 target_compile_options(KeyloftOptions INTERFACE
   "$<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>")
 if(KEYLOFT_SYSTEM STREQUAL "macos")
-  # Warn of undeclared selectors, partly implemented protocols and unchecked use of anything newer than the oldest system.
+  # Warn about undeclared selectors, partly implemented protocols, and unchecked use of API newer than the oldest macOS.
   set(objective_c -fobjc-arc -Wundeclared-selector -Wprotocol -Wincomplete-implementation -Wstrict-selector-match
                   -Wsuper-class-method-mismatch -Wnullable-to-nonnull-conversion -Wimplicit-retain-self
                   -Warc-repeated-use-of-weak -Wunguarded-availability)
@@ -39,8 +39,8 @@ target_include_directories(KeyloftOptions INTERFACE "$<BUILD_INTERFACE:${PROJECT
 if(KEYLOFT_SANITIZE)
   target_compile_options(KeyloftOptions INTERFACE "-fsanitize=${KEYLOFT_SANITIZE}" -fno-omit-frame-pointer
                                                   -fno-sanitize-recover=all)
-  # The check of dynamic types looks at memory through a pipe: without a free descriptor, as some tests have it on purpose,
-  # it takes every object for a wrong one.
+  # Clang 19's vptr check probes memory through a pipe. Without a free descriptor, which some tests arrange on purpose,
+  # it reports valid objects as having the wrong type (not reported).
   target_compile_options(KeyloftOptions INTERFACE -fno-sanitize=vptr)
   target_link_options(KeyloftOptions INTERFACE "-fsanitize=${KEYLOFT_SANITIZE}")
 endif()
@@ -51,19 +51,19 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 # keyloft_library(NAME ALIAS SOURCES … [PUBLIC deps…] [PRIVATE deps…])
 #
-# A static library that other targets link as ALIAS (Platform::Foundation).
+# Adds a static library that other targets link as ALIAS, for example Platform::Foundation.
 function(keyloft_library name alias)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;PUBLIC;PRIVATE")
   add_library(${name} STATIC ${arg_SOURCES})
   add_library(${alias} ALIAS ${name})
-  # Our own options stay at home: whoever links an installed library has warnings of their own.
+  # Do not export KeyloftOptions: programs that link an installed library choose their own warnings.
   target_link_libraries(${name} PUBLIC "$<BUILD_INTERFACE:KeyloftOptions>" ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
   target_compile_features(${name} PUBLIC cxx_std_23)
 endfunction()
 
 # keyloft_frameworks(NAME FRAMEWORK…)
 #
-# Links a library, and whoever links it, to frameworks of macOS.
+# Links a library and its dependents to frameworks of macOS.
 function(keyloft_frameworks name)
   foreach(framework IN LISTS ARGN)
     target_link_libraries(${name} PUBLIC "-framework ${framework}")
@@ -72,8 +72,8 @@ endfunction()
 
 # keyloft_test(NAME [DISPLAY | PROVIDER_NETWORK] [TIMEOUT seconds] SOURCES … LINK …)
 #
-# A GoogleTest program; each of its tests is a CTest test of its own, run in its own process. DISPLAY gives it a display
-# session, PROVIDER_NETWORK a network with the identity provider's hosts besides.
+# Adds a GoogleTest program. Each of its tests is a CTest test that runs in its own process. DISPLAY gives it a display
+# session. PROVIDER_NETWORK also gives it a network with the identity provider's hosts.
 function(keyloft_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "DISPLAY;PROVIDER_NETWORK" "TIMEOUT" "SOURCES;LINK")
   add_executable(${name} ${arg_SOURCES})
