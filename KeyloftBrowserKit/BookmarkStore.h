@@ -17,7 +17,7 @@ public:
     /// Posted to the default notification centre, with the store as its object, after each successful save.
     static constexpr Platform::NotificationName didChange{"velde.orvane.keyloft.bookmarksDidChange"};
 
-    /// The initial list if the file does not exist or cannot be read.
+    /// The initial list if the file does not exist or cannot be read or decoded.
     static const std::vector<Bookmark>& seed();
 
     /// Loads the list. Never fails; writes and posts nothing.

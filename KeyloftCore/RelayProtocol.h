@@ -27,7 +27,7 @@ struct RelayProtocol {
         };
         /// Acknowledges or refuses a result that the peer has relayed.
         struct Ack {
-            /// The result, absent if it was refused. For the host only; the peer learns only if it was
+            /// The result, absent if it was refused. For the host only; the peer learns only whether it was
             /// accepted or refused.
             std::optional<AuthResult> result;
             friend bool operator==(const Ack&, const Ack&) = default;

@@ -24,8 +24,8 @@ struct SubmittedForm {
     /// Values by name. If a name occurs twice, the last value counts.
     std::map<std::string, std::string> fields;
 
-    /// Parses the body of a message from the script. Returns nothing if it does not have the form that the
-    /// script writes.
+    /// Parses the body of a message from the script. Returns nothing if it does not have the structure that
+    /// the script writes.
     static std::optional<SubmittedForm> fromMessage(const Platform::JSONValue& body);
 
     /// The first 80 characters of the action, for the log.
