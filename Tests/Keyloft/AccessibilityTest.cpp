@@ -11,10 +11,10 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// What somebody who does not see the screen, or uses no pointer, can tell and do.
+/// The names and roles that assistive technologies read, and the use of the windows without a pointer.
 class AccessibilityTest : public AppDelegateTest {
 protected:
-    /// Whether exactly one object has the name, and that role.
+    /// Succeeds if exactly one object has the name, and if that object has the role.
     static testing::AssertionResult isNamed(const std::string& name, const std::string& role) {
         const auto named = accessibleObjects(name);
         const bool isSo = named.size() == 1 && named[0].role == role;
@@ -109,7 +109,7 @@ TEST_F(AccessibilityTest, tabAndShiftTabReachEveryControl) {
         pressKey("Tab");
         ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
     }
-    // The first of these out of a page in which nothing takes the keyboard.
+    // The first Shift+Tab is pressed in the page, which has no element that can take the focus.
     for (std::size_t i = order.size() - 1; i-- > 0;) {
         pressKey("shift+Tab");
         ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
@@ -132,12 +132,12 @@ TEST_F(AccessibilityTest, spaceAndReturnPressAButton) {
 
 TEST_F(AccessibilityTest, theMenuBarIsUsedByKeysAlone) {
     const auto tab = launchActive();
-    // The next menu's first item, "New Tab".
+    // The first item of the second menu is "New Tab".
     pressKey("F10");
     pressKey("Right");
     pressKey("Return");
     ASSERT_TRUE(runUntil([&] { return controllers().size() == 2; }));
-    // The item below it.
+    // The item below it is "Open Location".
     TestSupport::activate(*controllers()[1]->window());
     controllers()[1]->window()->makeFirstResponder(controllers()[1]->searchField());
     pressKey("F10");

@@ -101,7 +101,7 @@ TEST_F(AppDelegateTest, reopeningOpensABlankTabOnlyWithoutAVisibleWindow) {
     const auto first = launch();
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(true));
     EXPECT_EQ(controllers().size(), 1U);
-    // A window of its own, however many there are.
+    // The tab gets a new window, although there is another.
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
     ASSERT_EQ(controllers().size(), 2U);
     EXPECT_TRUE(controllers()[1]->isEmptyTab());
@@ -208,7 +208,7 @@ TEST_F(AppDelegateTest, otherSchemesOpenNothing) {
     TestSupport::runPending();
     EXPECT_EQ(server.count("/upper"), 0U);
 
-    // They keep nobody behind them from being opened.
+    // They do not prevent the URLs after them from being opened.
     openURLs({"mailto:someone@example.org", server.url("/handed")});
     EXPECT_TRUE(waitForTitle(blank, server.url("/handed")));
     EXPECT_EQ(controllers().size(), 1U);

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// The application's delegate with its menu bar, before it finished launching, and no bookmarks.
+/// The application's delegate and its menu bar before launching has finished. The list of bookmarks is empty.
 class AppDelegateTest : public BrowserTest {
 public:
     AppDelegateTest(const AppDelegateTest&) = delete;
@@ -19,7 +19,8 @@ protected:
 
     /// Launches without URLs and returns the blank tab.
     Tab launch();
-    /// Opens a tab that is not blank beside another, or in a window of its own.
+    /// Opens a page with the title `path` in a tab next to `beside`, or in a new window if `beside` is null.
+    /// Waits until the page is loaded.
     Tab openPage(const std::string& path, const Tab& beside = nullptr);
     void openURLs(const std::vector<std::string>& urls);
     std::vector<Tab> controllers() const { return delegate->controllers(); }

@@ -55,7 +55,7 @@ HTTPResponse BrowserTest::heldResponse() {
 
 HTTPResponse BrowserTest::unfinishedPage(const std::string& title) {
     auto response = HTTPResponse::page(title);
-    // Enough for the engine to begin to show it.
+    // Enough data for WebKitGTK to begin to show the page.
     response.body += std::string(4096, ' ');
     response.ending = HTTPResponse::Ending::unfinished;
     return response;

@@ -18,7 +18,7 @@
 
 namespace BrowserAction = Keyloft::BrowserAction;
 
-/// Tabs as the application opens them, a bookmark store of the test's own, and a web server for the pages.
+/// Tabs, opened as the application opens them, with a bookmark store and a web server of the test's own.
 class BrowserTest : public testing::Test {
 public:
     BrowserTest(const BrowserTest&) = delete;
@@ -32,40 +32,40 @@ protected:
 
     BrowserTest();
 
-    /// Opens a tab in the window of another, or in a window of its own, and shows it. It goes from `tabs`
-    /// when its window closes, and opens further ones beside it.
+    /// Opens a tab next to `beside`, or in a new window if `beside` is null, and shows it. The tab is in
+    /// `tabs` until its window closes. Tabs that it requests open next to it.
     Tab openTab(const Tab& beside = nullptr, const Configuration& configuration = nullptr);
 
-    /// Begins anew with these bookmarks; for before the first tab.
+    /// Replaces `store` with one that has these bookmarks. Call it before the first tab is opened.
     void setBookmarks(const std::vector<KeyloftBrowserKit::Bookmark>& bookmarks);
 
-    /// An answer that comes once it is released.
+    /// A response that the server holds back until `HTTPServer::release`.
     static TestSupport::HTTPResponse heldResponse();
-    /// A page that has begun to show and never comes to its end.
+    /// A page that is shown but never finishes loading.
     static TestSupport::HTTPResponse unfinishedPage(const std::string& title);
 
     static Platform::URL url(const std::string& text);
     Platform::URL serverURL(const std::string& path) const;
 
-    /// Loads a page of the server with the given title and waits for it.
+    /// Loads a page with the title `path` from the server and waits until it is loaded.
     [[nodiscard]] bool loadPage(const Tab& tab, const std::string& path);
-    /// Loads what the server has under the path and waits until all of it is there.
+    /// Requests `path` from the server and waits until the load ends.
     [[nodiscard]] bool loadPath(const Tab& tab, const std::string& path);
-    /// Waits until the page has the title and is there in whole.
+    /// Waits until the page has the title and is loaded.
     [[nodiscard]] static bool waitForTitle(const Tab& tab, const std::string& title);
     [[nodiscard]] static bool waitForSheet(const Tab& tab);
 
-    /// Performs the action as the menu item of that action does.
+    /// Performs the action with a menu item as its sender.
     static void performFromMenu(Controller& tab, Platform::Action action);
-    /// Whether a menu item of the action is enabled.
+    /// Returns true if the tab enables a menu item with the action.
     static bool isEnabled(Controller& tab, Platform::Action action);
 
-    /// The buttons of the bookmarks bar, its spacer left out.
+    /// The buttons of the bookmarks bar, without its spacer.
     static std::vector<std::shared_ptr<Platform::Button>> bookmarkButtons(const Controller& tab);
 
     TestSupport::HTTPServer server;
     TestSupport::TemporaryDirectory directory;
     std::shared_ptr<KeyloftBrowserKit::BookmarkStore> store;
-    /// What keeps the tabs alive, in the order of opening.
+    /// The open tabs in the order of their opening. Keeps them alive.
     std::vector<Tab> tabs;
 };

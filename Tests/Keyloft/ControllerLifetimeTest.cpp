@@ -11,7 +11,7 @@ namespace {
 
 class ControllerLifetimeTest : public BrowserTest {
 protected:
-    /// All that ought to go with a tab.
+    /// Weak references to the objects that must be destroyed with a tab.
     struct Remains {
         explicit Remains(const Tab& tab)
             : controller(tab)
@@ -39,7 +39,7 @@ protected:
         std::vector<std::weak_ptr<View>> views;
     };
 
-    /// Opens a tab and sees to it that `close` ends it, all of it, and tells it once.
+    /// Opens a tab and expects that `close` destroys all of its objects and that `onClose` is called once.
     void expectEndBy(const std::function<void(Controller&)>& close) {
         auto tab = openTab();
         const auto erase = tab->onClose;
@@ -128,7 +128,7 @@ TEST_F(ControllerLifetimeTest, aTabEndsWhileItsPageMoves) {
                           "<title>moving</title><script>let n = 0; function step() { document.body.style"
                           ".background = ++n % 2 ? 'red' : 'blue'; requestAnimationFrame(step) }"
                           "onload = step</script>"));
-    // The page's news of what it painted may be on their way at any time.
+    // Messages about painted frames may be in transit when the tab closes, so repeat the test.
     for (int i = 0; i < 5; ++i) {
         expectEndBy([&](Controller& tab) {
             tab.load(serverURL("/"));
@@ -141,7 +141,7 @@ TEST_F(ControllerLifetimeTest, aTabEndsWhileItsPageMoves) {
 }
 
 TEST_F(ControllerLifetimeTest, aClosedTabNoLongerFollowsPageAndBookmarks) {
-    // Never shown, so that the page may go on without its window.
+    // The window is not shown, so that the page can still load after the window has closed.
     const Tab tab = Controller::create(store, nullptr);
     ASSERT_TRUE(loadPage(tab, "/page"));
     ASSERT_EQ(tab->window()->title(), "/page");

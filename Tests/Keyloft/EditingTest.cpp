@@ -10,7 +10,7 @@ using TestSupport::typeText;
 
 namespace {
 
-/// With a window manager, real keys and clicks.
+/// Edits of the address field with real keys and clicks, under a window manager.
 class AddressEditingTest : public BrowserTest {
 protected:
     Tab openActiveTab(const Tab& beside = nullptr) {
@@ -19,7 +19,7 @@ protected:
         return tab;
     }
 
-    /// Types into the address field in place of what stands there.
+    /// Replaces the text of the address field by typing. Returns false if the field does not get the text.
     [[nodiscard]] static bool typeAddress(const Tab& tab, const std::string& text) {
         tab->focusAddressBar();
         if (!runUntil([&] { return hasFocus(*tab->addressField()); })) {
@@ -68,7 +68,7 @@ TEST_F(AddressEditingTest, typedTextOutlivesARedirectAndTabRestoresTheAddress) {
     EXPECT_EQ(tab->webView()->url(), serverURL("/to"));
     EXPECT_EQ(tab->addressField()->stringValue(), "half typed");
     EXPECT_EQ(shownText(*tab->addressField()), "half typed");
-    // The title and the star follow the page all the same.
+    // The title still follows the page.
     EXPECT_EQ(tab->window()->title(), "to");
 
     pressKey("Tab");
@@ -135,7 +135,7 @@ TEST_F(AddressEditingTest, returnOnBlankTextEndsTheEditAndNothingElse) {
     EXPECT_EQ(tab->addressField()->stringValue(), "  ");
     EXPECT_FALSE(tab->webView()->isLoading());
     EXPECT_EQ(server.count("/page"), 1U);
-    // Nothing was edited since, but the field is not left with what no page has.
+    // Leaving the field restores the page's address, although nothing was typed after Return.
     pressKey("Tab");
     EXPECT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/page"); }));
 }
@@ -147,7 +147,7 @@ TEST_F(AddressEditingTest, returnInTheSearchFieldSearches) {
     ASSERT_TRUE(runUntil([&] { return hasFocus(*tab->searchField()); }));
     typeText("a b");
     ASSERT_TRUE(runUntil([&] { return tab->searchField()->stringValue() == "a b"; }));
-    // Nothing is sent while typing, and the address field is not what is edited.
+    // Typing sends nothing and does not begin an edit of the address field.
     EXPECT_TRUE(tab->isEmptyTab());
     EXPECT_FALSE(tab->isEditingAddress());
     std::vector<URL> visited;

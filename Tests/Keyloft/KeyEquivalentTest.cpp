@@ -14,7 +14,7 @@ using TestSupport::typeText;
 
 namespace {
 
-/// Where the keyboard is.
+/// The view with the keyboard focus.
 enum class Focus { page, addressField, searchField };
 
 void PrintTo(Focus focus, std::ostream* stream) {
@@ -31,10 +31,11 @@ void PrintTo(Focus focus, std::ostream* stream) {
     }
 }
 
-/// Real keys, each with the focus in the page, in the address field and in the search field.
+/// Real keys, pressed with the focus in the page, in the address field and in the search field.
 class KeyEquivalentTest : public AppDelegateTest, public testing::WithParamInterface<Focus> {
 protected:
-    /// A page whose title is every key that reached it, and which has a field with the focus.
+    /// A page whose title consists of the characters of all keys that it received. Its text field has the
+    /// focus.
     static HTTPResponse listeningPage() {
         return HTTPResponse::html("<title>ready</title><input autofocus><script>let seen = ''\n"
                                   "addEventListener('keydown', e => { if (e.key.length == 1) "
@@ -69,7 +70,7 @@ protected:
         return nullptr;
     }
 
-    /// What was typed and reached whoever has the focus.
+    /// The typed characters that reached the view with the focus.
     static std::string typed(const Tab& tab) {
         if (GetParam() == Focus::page) {
             return tab->webView()->title().value_or("");
@@ -190,7 +191,7 @@ TEST_P(KeyEquivalentTest, theEditingKeysEditWhatHasTheFocus) {
     pressKey("End");
     pressKey("ctrl+v");
     expectText("abababab");
-    // How much is taken back at once is the field's own affair.
+    // How much one Undo reverts depends on the field.
     pressKey("ctrl+z");
     EXPECT_TRUE(runUntil([&] { return typed(tab) != "abababab"; }));
     pressKey("ctrl+shift+z");
@@ -277,7 +278,7 @@ TEST_F(AboutPanelKeyTest, workAfterTheWindowThatThePanelWasOpenedFromHasClosed) 
 
 namespace {
 
-/// Keys that a page takes for itself.
+/// Division of the keys between the page and the application.
 class PageKeyTest : public AppDelegateTest {};
 
 } // namespace

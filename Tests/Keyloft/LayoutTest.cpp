@@ -25,7 +25,7 @@ double right(const Rect& rect) { return rect.x + rect.width; }
 double bottom(const Rect& rect) { return rect.y + rect.height; }
 double middle(const Rect& rect) { return rect.y + (rect.height / 2); }
 
-/// The middles of two heights may be half a point apart, as nothing begins at half a point.
+/// Views begin at whole points, so the centres of two views in a row may differ by half a point.
 constexpr double halfAPoint = 0.5;
 
 double greatestHeight(std::span<const Rect> rects) {
@@ -38,7 +38,7 @@ void expectRow(const Rect& row, double top, double width) {
     EXPECT_EQ(row.width, width);
 }
 
-/// With the main menu, so that the content begins below a menu bar.
+/// Tabs in windows with the main menu, so that the content begins below a menu bar.
 class LayoutTest : public BrowserTest {
 public:
     LayoutTest(const LayoutTest&) = delete;
@@ -92,7 +92,8 @@ void LayoutTest::expectToolbar(const Tab& tab, const Rect& row) {
     for (const std::size_t button : {1, 2, 4}) {
         EXPECT_EQ(bounds[button].width, bounds[0].width);
     }
-    // What the others leave; a field as wide as its text would be, or none at all, is neither.
+    // The address field takes the width that the other controls leave, whatever its text. The four buttons
+    // are at most 40 points wide.
     EXPECT_GT(bounds[3].width, row.width - 220 - (4 * 40) - (2 * 10) - (5 * 6) - 1);
 }
 
@@ -204,7 +205,7 @@ TEST_F(LayoutTest, manyBookmarksDoNotWidenTheWindow) {
     EXPECT_EQ(contentSizeOf(tab), usualSize);
     EXPECT_EQ(leastContentSize(*tab->window()), leastSize);
 
-    // None is left out and none is squeezed: what has no room is cut off at the end.
+    // All buttons are laid out at full width. Those that do not fit are clipped.
     const auto buttons = bookmarkButtons(*tab);
     ASSERT_EQ(buttons.size(), 300U);
     double position = 8;
@@ -232,7 +233,7 @@ TEST_F(LayoutTest, aLongPageTitleDoesNotWidenTheWindow) {
     const auto first = openTab();
     const auto tab = openTab(first);
     const Size before = nativeWindowSize(*tab->window());
-    // The engine shows a title while it is still coming, and keeps as much of it as it likes.
+    // WebKitGTK reports a title while it still loads and may truncate it, so wait for a part of it.
     server.route("/", HTTPResponse::page(std::string(10000, 'm')));
     tab->load(serverURL("/"));
     const std::string wide(300, 'm');
@@ -262,7 +263,7 @@ TEST_F(LayoutTest, theFillCoversItsShareOfTheProgressLine) {
     EXPECT_EQ(widthAt(1), 1100);
     EXPECT_EQ(widthAt(0.5), 550);
     EXPECT_EQ(widthAt(0), 0);
-    // Taken as it is, though the line shows no more than all of it.
+    // The value is not clamped, although the line cannot show more than its own width.
     EXPECT_EQ(widthAt(1.5), 1650);
     EXPECT_EQ(boundsInContent(bar).width, usualSize.width);
 

@@ -108,7 +108,7 @@ TEST_F(LoadErrorSheetTest, aHostThatIsNotFoundShowsItAndTheTabStaysUsable) {
     EXPECT_EQ(shown.texts[1].find('\n'), shown.texts[1].rfind('\n'));
     EXPECT_EQ(shown.buttons, std::vector<std::string>{"OK"});
 
-    // The page before stays.
+    // The previous page stays.
     EXPECT_EQ(tab->window()->title(), "/shown");
     EXPECT_EQ(tab->addressField()->stringValue(), server.url("/shown"));
     EXPECT_FALSE(tab->progressBar()->isActive());
@@ -123,7 +123,7 @@ TEST_F(LoadErrorSheetTest, aRefusedConnectionShowsIt) {
     tab->load(url(address));
     ASSERT_TRUE(waitForSheet(tab));
     EXPECT_TRUE(present(shownSheet(*tab->window())).texts.at(1).ends_with("\n" + address));
-    // No page came: the tab is as empty as before.
+    // No page was loaded, so the tab is still empty.
     EXPECT_TRUE(tab->isEmptyTab());
     EXPECT_EQ(tab->window()->title(), "New Tab");
 }

@@ -24,7 +24,8 @@ const std::string rightToLeft = repeated("שלום ", 2000);
 const std::string emoji = repeated("👩‍👩‍👧‍👦🎉", 1000);
 const std::string markup = "<b>bold</b> & &amp;";
 
-/// Titles that are too long, run from right to left, or look like something else to the toolkit.
+/// Titles that are too long, are written from right to left, or contain characters that GTK takes for
+/// mnemonics or markup.
 class LongTextTest : public AppDelegateTest {
 protected:
     void addBookmarks() {
@@ -44,12 +45,12 @@ TEST_F(LongTextTest, aMenuIsAtMostHalfAsWideAsTheScreen) {
     const auto tab = launch();
     const auto menu = openedMenu(*tab->window(), "Bookmarks");
     EXPECT_LE(menu.width, TestSupport::screenSize().width / 2);
-    // As typed, and cut only where it is drawn.
+    // The items have the exact titles, which are truncated only when drawn.
     ASSERT_EQ(menu.titles.size(), 1 + titles.size());
     EXPECT_EQ(menu.titles[0], "Add Bookmark");
     EXPECT_TRUE(std::equal(titles.begin(), titles.end(), menu.titles.begin() + 1));
     EXPECT_EQ(menu.isCut, (std::vector<bool>{false, false, true, true, true, false}));
-    // The model has them whole.
+    // The menu model has the full titles.
     for (std::size_t i = 0; i < titles.size(); ++i) {
         EXPECT_EQ(delegate->bookmarksMenu()->items().at(i + 2)->title(), titles[i]);
     }

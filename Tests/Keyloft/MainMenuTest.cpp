@@ -240,7 +240,7 @@ TEST_F(MainMenuTest, itsKeysDoWhatItsItemsSayWhereverTheFocusIs) {
             EXPECT_TRUE(runUntil([&] { return !TestSupport::isActive(*first->window()); })) << key;
             TestSupport::activate(*first->window());
         }
-        // Nobody's: it changes nothing, and is not typed either.
+        // The keys of disabled items do nothing and are not typed into the field.
         const auto text = first->addressField()->stringValue();
         press(first, "ctrl+alt+h");
         press(first, "ctrl+period");

@@ -13,10 +13,10 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// More tabs than web processes.
+/// More tabs than there may be web processes.
 class ManyTabsTest : public AppDelegateTest {
 protected:
-    /// Opens so many tabs of one window at once, with a page each, and returns their URLs.
+    /// Opens `count` tabs of one window at once, each with a page of its own, and returns the URLs.
     std::vector<std::string> openTabs(int count) {
         std::vector<std::string> urls;
         for (int i = 0; i < count; ++i) {
@@ -30,7 +30,7 @@ protected:
         return urls;
     }
 
-    /// The pages that were asked for at least once.
+    /// The number of pages that were requested at least once.
     std::ptrdiff_t loadedPages(const std::vector<std::string>& urls) const {
         return std::ranges::count_if(urls,
                                      [&](const auto& text) { return server.count(url(text).path()) > 0; });

@@ -15,7 +15,7 @@ namespace {
 
 class MisbehavingPageTest : public AppDelegateTest {
 protected:
-    /// Runs the script, which no click has to do with, and waits until there are so many tabs.
+    /// Runs the script without a user gesture and waits until there are `count` tabs.
     void runAndWaitForTabs(const Tab& tab, const std::string& script, std::size_t count) {
         TestSupport::runScript(*tab->webView(), script);
         ASSERT_TRUE(runUntil([&] { return controllers().size() == count; }, TestSupport::patience))
@@ -96,7 +96,7 @@ TEST_F(MisbehavingPageTest, aPageThatClosesItselfStaysOpen) {
 }
 
 TEST_F(MisbehavingPageTest, redirectsWhileTheUserTypesLeaveTheTextAlone) {
-    // Each page goes on to the next by itself, each in another way, until the last.
+    // Each page moves on to the next by itself, each in a different way.
     const std::string next[] = {
         "<script>onload = () => setTimeout(() => location = '/hop1')</script>",
         "<meta http-equiv=refresh content='0; url=/hop2'>",

@@ -41,7 +41,7 @@ TEST_F(NavigationTest, theAddressFieldsTextIsResolvedAndLoaded) {
 }
 
 TEST_F(NavigationTest, wordsInEitherFieldAreSearchedFor) {
-    // The search goes no further than this.
+    // The search requests must not leave this machine.
     const TestSupport::TrafficRedirection redirection(server.port());
     const auto tab = openTab();
     tab->addressField()->setStringValue("two words");
@@ -50,7 +50,7 @@ TEST_F(NavigationTest, wordsInEitherFieldAreSearchedFor) {
     tab->webView()->stopLoading();
 
     const auto other = openTab();
-    // Even what looks like an address.
+    // Text that looks like an address is searched for as well.
     other->searchField()->setStringValue("example.org");
     other->searchField()->sendAction();
     EXPECT_EQ(other->webView()->url(), url("https://duckduckgo.com/?q=example.org"));
@@ -144,7 +144,7 @@ TEST_F(NavigationTest, stopStopsAnAnswerThatHasNotCome) {
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
     performFromMenu(*tab, BrowserAction::stopLoading);
     ASSERT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
-    // The page before stays.
+    // The previous page stays.
     ASSERT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/shown"); }));
     EXPECT_EQ(tab->window()->title(), "/shown");
     EXPECT_FALSE(TestSupport::shownSheet(*tab->window()));

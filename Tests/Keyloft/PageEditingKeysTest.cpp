@@ -8,12 +8,12 @@ using TestSupport::typeText;
 
 namespace {
 
-/// The editing keys with the keyboard in the page. The menu has the same keys; whatever happens must happen
+/// Editing keys while the page has the focus. The Edit menu has the same keys, so each edit must happen only
 /// once.
 class PageEditingKeysTest : public AppDelegateTest {
 protected:
-    /// Opens a page with a text area that has the keyboard. The page's title is the area's text and, in
-    /// order, the kinds of change that came to it.
+    /// Opens a page with a text area that has the focus. The page's title is the text of the area, followed
+    /// by the types of its input events in order.
     void openEditor(const std::string& script = "") {
         server.route("/editor",
                      HTTPResponse::html("<title>editor</title><textarea id=area></textarea><script>"
@@ -29,7 +29,7 @@ protected:
         ASSERT_TRUE(runUntil([&] { return TestSupport::hasFocus(*tab->webView()); }));
     }
 
-    /// Types a character and waits until it has come; the changes before it are told with it.
+    /// Types a character and waits for the title that it leads to. The title also lists the edits before it.
     [[nodiscard]] bool typeCharacter(const std::string& text, const std::string& title) {
         typeText(text);
         return waitForTitle(tab, title);
@@ -83,7 +83,7 @@ TEST_F(PageEditingKeysTest, anUndoOfThePagesOwnIsTheOnlyOne) {
     pressKey("ctrl+shift+z");
     expected += " own:Z";
     ASSERT_TRUE(waitForTitle(tab, expected));
-    // What the engine had done with any of these keys would be seen by now.
+    // If WebKitGTK had also handled one of these keys, the title would be different.
     EXPECT_TRUE(typeCharacter("b", "ab" + expected.substr(1) + " insertText"));
 }
 

@@ -28,7 +28,8 @@ public:
 protected:
     PersistenceTest() { TestSupport::startWindowManager(); }
 
-    /// A page that does what the script says and then tells the server what `report` is.
+    /// Adds a page that runs `script` and then sends the value of the expression `report` to the server.
+    /// `cookie` is its Set-Cookie header, if not empty.
     void route(const std::string& path, const std::string& script, const std::string& report,
                const std::string& cookie = "") {
         auto response =
@@ -40,7 +41,8 @@ protected:
         server.route(path, response);
     }
 
-    /// Starts the program with the page, waits for the page's report, and ends the program as a person does.
+    /// Starts the program with the page, waits for the page's report, and quits the program with its key.
+    /// Returns the report, percent-encoded.
     std::string run(const std::string& path) {
         Program program(KEYLOFT_PROGRAM, {server.url(path)});
         EXPECT_TRUE(eventually([&] { return server.count(path + "-report") == 1; })) << program.errors();

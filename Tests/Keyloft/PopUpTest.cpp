@@ -53,7 +53,7 @@ TEST_F(PopUpTest, aLinkToANewWindowOpensATabInTheSameWindow) {
     TestSupport::runScript(*opener->webView(), "document.getElementById('a').click()");
     ASSERT_TRUE(runUntil([&] { return tabs.size() == 2; }));
     const auto popUp = tabs[1];
-    // Such a link gives no opener away.
+    // A link with target=_blank implies rel=noopener.
     ASSERT_TRUE(waitForTitle(popUp, "opener false"));
     EXPECT_EQ(popUp->webView()->url(), serverURL("/popup"));
     EXPECT_EQ(popUp->addressField()->stringValue(), server.url("/popup"));
@@ -69,7 +69,7 @@ TEST_F(PopUpTest, aScriptsNewWindowIsATabThatKnowsItsOpener) {
     ASSERT_TRUE(runUntil([&] { return tabs.size() == 2; }));
     ASSERT_TRUE(waitForTitle(tabs[1], "opener true"));
     EXPECT_TRUE(waitForTitle(opener, "true"));
-    // The size that the page asked for is nobody's.
+    // The size that the page requests is ignored.
     TestSupport::waitForLayout(*tabs[1]->window());
     EXPECT_EQ(TestSupport::contentFrame(*tabs[1]->window()).width, 1100);
     EXPECT_TRUE(shareNativeWindow(*opener->window(), *tabs[1]->window()));

@@ -27,7 +27,7 @@ using TestSupport::HTTPResponse;
 using TestSupport::Program;
 using Lines = std::vector<std::string>;
 
-/// The real program, seen through its windows and through what it asks a web server for.
+/// The real program, observed through its windows and its requests to a web server.
 class ProgramTest : public testing::Test {
 public:
     ProgramTest(const ProgramTest&) = delete;
@@ -40,7 +40,8 @@ protected:
         server.route("/seen", HTTPResponse::html(""));
     }
 
-    /// The URL of a page whose title is the name, and which reports its own URL when it is shown.
+    /// Adds a page with the title and returns its URL. The page reports its own URL to the server when it is
+    /// loaded.
     std::string page(const std::string& path, const std::string& title) {
         server.route(path,
                      HTTPResponse::html("<title>" + title +
@@ -51,7 +52,8 @@ protected:
     }
     std::string page(const std::string& path) { return page(path, path); }
 
-    /// What the pages have reported, the server's own address left out; sorted, as they load side by side.
+    /// The URLs that the pages have reported, percent-encoded and without the origin. Sorted, because pages
+    /// load concurrently.
     Lines seen() const {
         Lines urls;
         for (const auto& request : server.requests("/seen")) {
@@ -65,7 +67,7 @@ protected:
                                           const Program::Environment& environment = {}) {
         return std::make_unique<Program>(KEYLOFT_PROGRAM, arguments, environment);
     }
-    /// Starts the program again, which is to end at once and well.
+    /// Starts the program again and expects that it exits with status 0.
     static void startAgain(const Lines& arguments = {}) {
         const auto second = start(arguments);
         EXPECT_EQ(second->waitForExit(), 0) << second->errors();
@@ -86,7 +88,7 @@ protected:
     static void press(const std::string& key) { askXdotool("key " + key); }
     static void type(const std::string& text) { askXdotool("type --delay 2 '" + text + "'"); }
 
-    /// Waits until the program's field of the name has the keyboard.
+    /// Waits until the program's field with the accessible name `name` has the focus.
     [[nodiscard]] static bool waitForField(const Program& program, const std::string& name) {
         return eventually([&] {
             const auto objects = TestSupport::accessibleObjects(program.id());
@@ -111,7 +113,7 @@ struct Layout {
     int keycodeOfQ;
 };
 
-/// The real program on a keyboard of that layout.
+/// The real program with the keyboard layout of the parameter.
 class ProgramLayoutTest : public ProgramTest, public testing::WithParamInterface<Layout> {
 protected:
     void SetUp() override { setLayout(GetParam().name); }
@@ -130,7 +132,7 @@ TEST_P(ProgramLayoutTest, isQuitByControlAndTheKeyThatTypesQ) {
     const auto program = start({page("/given")});
     ASSERT_TRUE(waitForFocus("/given"));
     const auto key = [](int code) { askXdotool("keydown ctrl key " + std::to_string(code) + " keyup ctrl"); };
-    // A key that is Q on one of the layouts and not on this one.
+    // This key types Q in another of the layouts, but not in this one.
     key(GetParam().keycodeOfQ == 24 ? 38 : 24);
     EXPECT_TRUE(program->isRunning());
     key(GetParam().keycodeOfQ);
@@ -150,7 +152,7 @@ TEST_F(ProgramTest, startsWithOneBlankTabThatWaitsForAnAddress) {
 TEST_F(ProgramTest, startsWithThePageItIsGivenAndNoOther) {
     const auto program = start({page("/given")});
     ASSERT_TRUE(waitForWindows({"/given"}));
-    // Were there a blank tab, closing this one would show it.
+    // If there were a blank tab, closing this one would show it.
     ASSERT_TRUE(waitForFocus("/given"));
     press("ctrl+w");
     ASSERT_TRUE(waitForWindows({}));
@@ -286,7 +288,7 @@ TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
     for (const auto& given : pages) {
         page(given.path);
         first.push_back(server.url(given.argument));
-        // The second start gives the same, told apart by a query.
+        // The second start is given the same pages with a query that distinguishes them.
         const auto hash = given.argument.find('#');
         second.push_back(server.url(given.argument.substr(0, hash) + "?2" +
                                     (hash == std::string::npos ? "" : given.argument.substr(hash))));
@@ -296,7 +298,7 @@ TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
                            (seenHash == std::string::npos ? "" : given.seen.substr(seenHash)));
     }
     std::ranges::sort(expected);
-    // Upper case is another scheme, and passed over.
+    // "HTTP" in upper case is a different scheme, whose URLs are ignored.
     page("/upper");
     auto upper = server.url("/upper");
     upper.replace(0, 4, "HTTP");
@@ -343,7 +345,7 @@ TEST_F(ProgramTest, theBusStartsItAndHandsItFurtherPages) {
     ASSERT_TRUE(waitForFocus("/four"));
     press("ctrl+q");
     ASSERT_TRUE(waitForWindows({}));
-    // The program may still hold its name.
+    // The program may still own its bus name.
     ASSERT_TRUE(eventually([] { return TestSupport::activate(); }));
     ASSERT_TRUE(waitForWindows({"New Tab"}));
     ASSERT_TRUE(waitForFocus("New Tab"));
@@ -398,7 +400,7 @@ TEST_F(ProgramTest, anotherProgramInFrontDoesNotChangeWherePagesGo) {
 }
 
 TEST_F(ProgramTest, runsWithoutASessionBus) {
-    // Starts the accessibility bus, which programs then find through the display.
+    // Start the accessibility bus, which programs find through the display even without a session bus.
     TestSupport::accessibleObjects(::getpid());
     const std::optional<std::string> addresses[] = {"unix:path=/nonexistent/bus", std::nullopt};
     for (const auto& address : addresses) {
@@ -432,12 +434,12 @@ TEST_F(ProgramTest, theWindowComesBackAsItWasLeft) {
     ASSERT_TRUE(waitForFocus("New Tab"));
     const auto firstWidth = geometry("New Tab").substr(0, 5);
     EXPECT_EQ(firstWidth, "1100x");
-    // A window that was just shown may still settle.
+    // The size of a window that was just shown may still change, so repeat the request.
     ASSERT_TRUE(eventually([&] {
         askXdotool("search --onlyvisible --name '^New Tab$' windowsize %@ 900 700");
         return geometry("New Tab") == "900x700";
     }));
-    // A key that came together with the new size would be told of first.
+    // GTK would handle a key before a new size that arrives with it, so let the program take the size first.
     ASSERT_TRUE(waitForField(*program, "Address"));
     quit(*program);
 

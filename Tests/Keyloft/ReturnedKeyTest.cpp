@@ -9,7 +9,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Keys that a page had and did not want.
+/// Keys that a page returns unhandled.
 class ReturnedKeyTest : public AppDelegateTest {
 protected:
     Tab launchWith(const std::string& path, const HTTPResponse& response) {
@@ -45,7 +45,7 @@ TEST_F(ReturnedKeyTest, theControlThatTabLeadsToIsSeenToHaveTheFocus) {
     EXPECT_TRUE(runUntil([&] { return TestSupport::showsFocus(*tab->reloadButton()); }));
 }
 
-// Shift comes back when Tab is already pressed.
+// The slow page returns Shift when Tab is already pressed.
 TEST_F(ReturnedKeyTest, aPageThatIsSlowToAnswerIsLeftByOneControlToo) {
     delegate->bookmarks()->add({"One", url("https://one.test/")});
     delegate->bookmarks()->add({"Two", url("https://two.test/")});

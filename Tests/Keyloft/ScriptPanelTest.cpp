@@ -13,7 +13,7 @@ namespace {
 
 class ScriptPanelTest : public BrowserTest {
 protected:
-    /// A page that asks and shows the answer as its title.
+    /// Opens a page that calls confirm() and shows the answer in its title. Waits for the sheet.
     [[nodiscard]] Tab openAsking() {
         server.route(
             "/", HTTPResponse::html("<script>onload = () => setTimeout(() => {"
@@ -24,7 +24,7 @@ protected:
         return tab;
     }
 
-    /// Asks without a page; the answers that come are added to `answers`.
+    /// Opens a confirm panel without a page. Its answer is appended to `answers`.
     static void ask(const Tab& tab, const std::string& message, std::vector<bool>& answers) {
         tab->runJavaScriptConfirmPanel(*tab->webView(), message, {},
                                        [&answers](bool answer) { answers.push_back(answer); });

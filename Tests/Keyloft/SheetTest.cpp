@@ -21,10 +21,10 @@ using TestSupport::typeText;
 
 namespace {
 
-/// Sheets of real pages, with a window manager, real keys and clicks.
+/// Sheets of real pages, with real keys and clicks under a window manager.
 class SheetTest : public AppDelegateTest {
 protected:
-    /// Opens a page that asks once it is told to and then bears its answers in its title.
+    /// Opens a page that calls confirm() on each `ask` and shows all answers in its title.
     Tab openAsking(const Tab& beside = nullptr) {
         server.route("/asking", HTTPResponse::html("<title>asking</title><script>const answers = [];"
                                                    "function ask(text) { setTimeout(() => {"
@@ -39,7 +39,7 @@ protected:
         TestSupport::runScript(*tab->webView(), "ask('" + text + "')");
     }
 
-    /// Goes to the address field by its key and types into it.
+    /// Moves the focus to the address field with its key and types there.
     [[nodiscard]] static bool typeAddress(const Tab& tab, const std::string& text) {
         pressKey("ctrl+l");
         if (!runUntil([&] { return hasFocus(*tab->addressField()); })) {
@@ -108,7 +108,7 @@ TEST_F(SheetTest, onAHiddenTabWaitsMarksItAndNeverSelectsIt) {
     EXPECT_FALSE(shownSheet(*beside->window()));
     EXPECT_TRUE(hasFocus(*beside->webView()));
 
-    // Keys are the shown page's.
+    // Keys go to the selected tab.
     pressKey("Return");
     pressKey("Escape");
     ASSERT_TRUE(typeAddress(beside, "typed"));
@@ -128,7 +128,7 @@ TEST_F(SheetTest, aLoadErrorAndAPanelOfOnePageWaitForEachOther) {
     asking->load(url("http://no-such-host.invalid/"));
     ASSERT_TRUE(waitForSheet(asking));
     ask(asking);
-    // The page asks and has no answer, for it is not shown yet.
+    // While another page loads, this one calls confirm(). Its sheet waits for that of the load error.
     ASSERT_TRUE(loadPage(openPage("/beside"), "/meanwhile"));
     TestSupport::activate(*asking->window());
     EXPECT_EQ(present(shownSheet(*asking->window())).texts.at(0), "Keyloft can't open the page");
@@ -144,7 +144,7 @@ TEST_F(SheetTest, aLoadErrorAndAPanelOfOnePageWaitForEachOther) {
 
 TEST_F(SheetTest, closingItsTabByKeyAnswersThePageWithNo) {
     server.route("/told", HTTPResponse::page("told"));
-    // The page tells its answer to the server, for its tab is gone by then.
+    // The page sends its answer to the server, because its tab is closed by then.
     server.route("/telling", HTTPResponse::html("<title>telling</title><script>function ask() {"
                                                 "setTimeout(() => { const answer = confirm('Really?');"
                                                 "const told = new XMLHttpRequest();"
@@ -155,7 +155,7 @@ TEST_F(SheetTest, closingItsTabByKeyAnswersThePageWithNo) {
     const auto beside = openPage("/beside", telling);
     TestSupport::selectTab(*telling->window());
     TestSupport::activate(*telling->window());
-    // The page lives on with its view.
+    // Holding the view keeps the page after its tab has closed.
     const auto view = telling->webView();
     TestSupport::runScript(*view, "ask()");
     ASSERT_TRUE(waitForSheet(telling));
@@ -194,7 +194,7 @@ TEST_F(SheetTest, aPageThatAlertsForeverCanBeClosed) {
         EXPECT_TRUE(runUntil([&] { return view.expired(); }));
         EXPECT_TRUE(loadPage(beside, "/after"));
     }
-    // Their scripts must not go on in the dark. The engine gives them ten seconds.
+    // The scripts must not keep running after their tabs have closed. WebKitGTK allows them ten more seconds.
     EXPECT_TRUE(
         runUntil([&] { return TestSupport::webProcesses().size() <= before.size(); }, TestSupport::patience));
 }
@@ -242,10 +242,10 @@ TEST_F(SheetTest, theKeyboardGoesRoundInsideOfIt) {
     TestSupport::activate(*asking->window());
     ask(asking);
     ASSERT_TRUE(runUntil([&] { return hasSheetFocus(*asking->window()); }));
-    // Back at the default button after each round of the two.
+    // The sheet has two buttons. At the end the focus is on the default button again.
     for (const char* key : {"Tab", "Tab", "Tab", "Tab", "shift+Tab", "shift+Tab", "shift+Tab", "shift+Tab"}) {
         pressKey(key);
-        pressKey("Control_L"); // has come once the key before it took effect
+        pressKey("Control_L"); // lets the key before it take effect
         TestSupport::waitForLayout(*asking->window());
         EXPECT_TRUE(hasSheetFocus(*asking->window())) << key;
     }

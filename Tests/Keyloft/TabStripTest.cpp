@@ -7,10 +7,10 @@ using Titles = std::vector<std::string>;
 
 namespace {
 
-/// Tabs under the pointer, with a window manager.
+/// Use of the tab strip with the pointer, under a window manager.
 class TabStripTest : public AppDelegateTest {
 protected:
-    /// Opens pages as tabs of one window that is in front, the last one selected.
+    /// Opens the pages as tabs of one window and brings it to the front. The last tab is selected.
     std::vector<Tab> openTabs(const std::vector<std::string>& paths) {
         std::vector<Tab> tabs;
         for (const auto& path : paths) {
@@ -21,14 +21,14 @@ protected:
         return tabs;
     }
 
-    /// Waits until the tab that was dragged is on the screen in another window than its old neighbour.
+    /// Waits until the dragged tab is visible and no longer in the window of `neighbour`.
     [[nodiscard]] static bool waitForOwnWindow(const Tab& tab, const Tab& neighbour) {
         return runUntil([&] {
             return tab->window()->isVisible() && !shareNativeWindow(*tab->window(), *neighbour->window());
         });
     }
 
-    /// Waits until the strip of a selected tab has stopped moving.
+    /// Waits until the tab strip no longer moves. `tab` must be selected.
     static void waitForTabs(const Tab& tab) {
         TestSupport::ScreenPoint last;
         EXPECT_TRUE(runUntil([&] {
@@ -85,7 +85,7 @@ TEST_F(TabStripTest, aTabIsDraggedOutIntoAWindowOfItsOwnAndBack) {
     EXPECT_EQ(tabTitles(*tabs[0]->window()), (Titles{"/one", "/two"}));
     EXPECT_EQ(TestSupport::nativeTitle(*tabs[2]->window()), "/three");
 
-    // A tab alone in its window has no strip to be dragged by.
+    // The strip is hidden while there is one tab, so open another to drag this one.
     const auto beside = openPage("/beside", tabs[2]);
     TestSupport::activate(*beside->window());
     waitForTabs(beside);

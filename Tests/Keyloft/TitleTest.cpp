@@ -58,7 +58,7 @@ TEST_F(WindowTitleTest, isEachTabsOwn) {
     ASSERT_TRUE(loadPage(first, "/first"));
     ASSERT_TRUE(loadPage(third, "/third"));
     EXPECT_EQ(tabTitles(*first->window()), (std::vector<std::string>{"/first", "New Tab", "/third"}));
-    // The native window bears the selected tab's title.
+    // The native window has the title of the selected tab.
     EXPECT_EQ(nativeTitle(*first->window()), "/third");
     second->window()->makeKeyAndOrderFront();
     EXPECT_EQ(nativeTitle(*first->window()), "New Tab");

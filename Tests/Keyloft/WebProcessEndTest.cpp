@@ -14,13 +14,14 @@ using TestSupport::webProcesses;
 
 namespace {
 
-/// What remains of tabs whose web process is killed from outside.
+/// Tabs whose web process is killed.
 class WebProcessEndTest : public BrowserTest {
 protected:
-    /// A web process that a closed tab left behind must not serve a page of this test.
+    /// Ends the web processes of closed tabs, so that none of them serves a page of this test.
     void SetUp() override { ASSERT_TRUE(TestSupport::forgetPages()); }
 
-    /// A page that counts how often it was asked for in its title, and keeps what scripts do to it.
+    /// Adds a page whose title is `path` and the number of requests so far, so that a reload changes the
+    /// title. Returns `path`.
     std::string counting(const std::string& path) {
         server.route(path, [path, times = std::make_shared<int>(0)](const auto& /*request*/) {
             return HTTPResponse::page(path + ' ' + std::to_string(++*times));
@@ -28,7 +29,7 @@ protected:
         return path;
     }
 
-    /// Opens a tab with the page and tells its web process apart from all others.
+    /// Opens a tab with a counting page and sets `process` to its web process.
     Tab openCounting(const std::string& path, const Tab& beside = nullptr) {
         const auto before = webProcesses();
         auto tab = openTab(beside);
@@ -90,7 +91,7 @@ TEST_F(WebProcessEndTest, aHiddenPageComesBackOnceItIsLookedAt) {
     const auto hiddensProcess = process;
     const auto shown = openCounting("/shown", hidden);
     ASSERT_TRUE(killWebProcesses(*hidden->webView(), {hiddensProcess}));
-    // Whatever could follow has followed once another page has come and gone.
+    // While another page loads, the hidden page has the time for a reload that must not happen.
     ASSERT_TRUE(loadPage(shown, "/later"));
     expectUnchanged(hidden, "/hidden", "/hidden 1");
     EXPECT_EQ(server.count("/hidden"), 1U);
@@ -162,7 +163,7 @@ TEST_F(WebProcessEndTest, aPagesPanelGoesWithIt) {
     ASSERT_TRUE(waitForSheet(tab));
     ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
-    // It stays to be read, and answers nobody.
+    // The sheet may stay until the user closes it. Its answer has no effect.
     if (TestSupport::shownSheet(*tab->window())) {
         TestSupport::pressSheetButton(*tab->window(), "OK");
     }

@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-// What AppKit's and WebKit's own objects are told, read back from them.
+// These tests read the properties of the program's AppKit and WebKit objects.
 
 namespace {
 
