@@ -59,7 +59,7 @@ protected:
         writeContents(path(), data);
     }
 
-    /// The notifications of any store that `action` posts.
+    /// The objects of the notifications that stores post during `action`.
     static std::vector<const void*> objectsPostedBy(const std::function<void()>& action) {
         std::vector<const void*> objects;
         const auto observation = NotificationCenter::defaultCenter().addObserver(
@@ -75,7 +75,8 @@ protected:
         return testing::internal::GetCapturedStderr();
     }
 
-    /// Expects that adding `one` to `store` is not saved, is told to nobody and logged in one line.
+    /// Expects that saving fails when `one` is added to `store`: the list changes in memory, no notification
+    /// is posted, and one line with `reason` is logged.
     static void expectUnsavedAdd(BookmarkStore& store, std::string_view reason) {
         List expected = store.bookmarks();
         expected.push_back(one);
@@ -268,7 +269,7 @@ TEST_F(BookmarkStoreTest, aDirectoryInTheFilesPlaceMeansTheSeedAndUnsavedChanges
     expectUnsavedAdd(store, "Is a directory");
     EXPECT_TRUE(fs::is_directory(path()));
     EXPECT_EQ(namesIn(fs::path(path()).parent_path()), Names{"bookmarks.json"});
-    // With the next save that succeeds, observers learn of all changes.
+    // The next save that succeeds posts one notification for all changes.
     fs::remove(path());
     EXPECT_EQ(objectsPostedBy([&] { store.add(two); }), std::vector<const void*>{&store});
     EXPECT_EQ(this->store().bookmarks(), store.bookmarks());
@@ -385,7 +386,7 @@ TEST_F(BookmarkStoreTest, aFileNamedRelativelyIsWrittenBesideTheProgram) {
     EXPECT_EQ(contentsOf(directory() / "bookmarks.json"), Bookmark::encode(seedAnd(one)));
 }
 
-/// A list of so many bookmarks, as large in its file as real ones are.
+/// A list of `count` bookmarks, each as large as a real one.
 List largeList(std::size_t count) {
     List list;
     list.reserve(count);
