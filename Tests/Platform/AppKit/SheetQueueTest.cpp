@@ -13,7 +13,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// A queue's window, and a log of what it and the completions were asked to do.
+/// The presenter of a queue's sheets. Logs its own calls and those of the completions.
 class SheetQueueTest : public ::testing::Test, public SheetPresenter {
 public:
     bool showSheet(const Alert& alert) override {

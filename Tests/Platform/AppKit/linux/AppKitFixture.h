@@ -28,7 +28,7 @@ inline constexpr Action toggleBookmark("toggleBookmark");
 inline constexpr Action openBookmark("openBookmark");
 } // namespace TestAction
 
-/// A responder that notes what reaches it.
+/// A responder that records the actions that it performs.
 class Recorder : public Responder {
 public:
     bool respondsTo(Action action) const override { return !answers || *answers == action; }
@@ -46,7 +46,8 @@ public:
     std::function<void(const ActionSender&)> whenPerformed;
 };
 
-/// A window's controller and delegate in one, which notes what reaches it.
+/// A window's controller and delegate in one. Records the actions that it performs and the titles of windows
+/// that close.
 class RecordingController : public WindowController, public WindowDelegate {
 public:
     static std::shared_ptr<RecordingController> create(const std::string& title);

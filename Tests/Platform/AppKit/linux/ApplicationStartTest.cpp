@@ -15,13 +15,13 @@ namespace {
 using TestSupport::Program;
 using Lines = std::vector<std::string>;
 
-/// A text as an argument and what it arrives as.
+/// A command-line argument and the URL that the application receives for it.
 struct Given {
     std::string argument;
     std::string arrives;
 };
 
-/// URLs keep their letters; what no URL may hold as it stands is percent-encoded, and nothing else.
+/// URLs arrive as given, except that characters which are invalid in a URL are percent-encoded.
 const std::vector<Given>& exactURLs() {
     static const std::vector<Given> urls = {
         {"http://host.test/", "http://host.test/"},
@@ -50,7 +50,7 @@ Lines argumentsOf(const std::vector<Given>& urls) {
     return arguments;
 }
 
-/// What the application says when these arrive.
+/// The application's output when these URLs arrive.
 Lines arrivalOf(const std::vector<Given>& urls) {
     Lines lines = {"open " + std::to_string(urls.size())};
     for (const auto& url : urls) {
@@ -78,7 +78,7 @@ protected:
         return std::make_unique<Program>(KEYLOFT_STARTED_APPLICATION, arguments, environment);
     }
 
-    /// A running application that has said all it says at its start.
+    /// Starts the application and waits for its output at launch.
     static std::unique_ptr<Program> startFirst() {
         auto program = start();
         expectLines(*program, {willFinish, didFinish});

@@ -67,7 +67,7 @@ TEST_F(ApplicationTest, hideMinimisesEveryWindowAndShowAllBringsThemBack) {
     EXPECT_TRUE(runUntil([&] { return isMinimized(*a) && isMinimized(*b); }));
     perform(StandardAction::unhideAllApplications);
     EXPECT_TRUE(runUntil([&] { return !isMinimized(*a) && !isMinimized(*b); }));
-    // The one that was in front is so again.
+    // The window that was in front is in front again.
     EXPECT_TRUE(runUntil([&] { return isActive(*b); }));
     EXPECT_EQ(Application::shared().mainWindow(), b->window());
 }
@@ -130,7 +130,7 @@ TEST_F(ApplicationTest, theAboutPanelNamesProgramVersionAndLicence) {
     EXPECT_EQ(gtk_about_dialog_get_license_type(panel), GTK_LICENSE_MIT_X11);
     EXPECT_STREQ(gtk_about_dialog_get_copyright(panel), "Copyright of the tests");
     EXPECT_TRUE(runUntil([&] { return gtk_window_is_active(GTK_WINDOW(panel)) == TRUE; }));
-    // Menus and new tabs still mean the browser's window, which is not held up.
+    // Menus and new tabs still apply to the main window, which the panel does not block.
     EXPECT_EQ(Application::shared().mainWindow(), window->window());
     EXPECT_FALSE(gtk_window_get_modal(GTK_WINDOW(panel)));
 }

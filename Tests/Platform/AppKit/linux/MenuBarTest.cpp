@@ -10,7 +10,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// A menu that is made anew each time it is needed.
+/// The delegate of a menu that is rebuilt on each update.
 struct Maker : MenuDelegate {
     void menuNeedsUpdate(Menu& menu) override {
         ++updates;
@@ -53,7 +53,7 @@ protected:
         return nullptr;
     }
 
-    /// The item with that title, if it is shown below `widget`.
+    /// The item with the title among the descendants of `widget`, or null.
     static GtkWidget* itemIn(GtkWidget* widget, const std::string& title) {
         if (GTK_IS_LABEL(widget) && gtk_label_get_text(GTK_LABEL(widget)) == title) {
             return gtk_widget_get_parent(widget);
@@ -79,7 +79,7 @@ protected:
         return value;
     }
 
-    /// A field that has the keyboard, in a window that a window manager made the active one.
+    /// Shows a text field with the focus in a window that is active under a window manager.
     std::shared_ptr<TextField> showActiveField() const {
         TestSupport::startWindowManager();
         auto field = TextField::create();

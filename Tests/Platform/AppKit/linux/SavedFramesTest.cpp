@@ -24,7 +24,7 @@ protected:
     static constexpr const char* name = "Some Window";
     static constexpr SavedFrame frame{.width = 800, .height = 600, .isMaximized = true};
 
-    /// What a run of the program would find now.
+    /// The frames that the next run of the program would find.
     SavedFrames nextRun() const { return SavedFrames(directory.path().string()); }
 
     void writeFile(const std::string& text) const {
@@ -117,7 +117,7 @@ TEST_F(SavedFramesTest, aFileThatMakesNoSenseIsNone) {
         writeFile(text);
         EXPECT_EQ(nextRun().frame(name), std::nullopt) << text.substr(0, 60);
     }
-    // And it is replaced by the next one.
+    // The next save replaces the file.
     SavedFrames(directory.path().string()).setFrame(name, frame);
     EXPECT_EQ(nextRun().frame(name), frame);
 }

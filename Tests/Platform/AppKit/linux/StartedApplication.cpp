@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Writes what it is told as lines to standard output. The URL "quit:" ends the program.
+/// Writes a line to standard output for each call and each URL. The URL "quit:" ends the program.
 class Delegate : public Platform::ApplicationDelegate {
 public:
     void applicationWillFinishLaunching() override {

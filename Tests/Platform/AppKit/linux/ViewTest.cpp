@@ -19,7 +19,7 @@ namespace {
 
 class ViewTest : public AppKitTest {
 protected:
-    /// Whether the button answers with a tool tip, and says the text to who cannot see it.
+    /// Succeeds if the button shows a tool tip and has the text as its accessible description.
     static testing::AssertionResult showsToolTip(const Button& button, const std::string& text) {
         GtkWidget* widget = button.nativeIfMade()->widget.get();
         const auto shown =

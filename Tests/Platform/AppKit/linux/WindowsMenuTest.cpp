@@ -18,7 +18,7 @@ protected:
     static constexpr int file = 0;
     static constexpr int windows = 1;
 
-    /// One item of the list, as the toolkit shows it.
+    /// One item of the list, as GTK shows it.
     struct Listed {
         std::string label;
         bool isMarked = false;
@@ -60,7 +60,7 @@ protected:
         gtk_popover_popdown(popover(controller, windows));
     }
 
-    /// The buttons below `widget` in their order.
+    /// Appends the menu items among the descendants of `widget` in their order.
     static void collectItems(GtkWidget* widget, std::vector<GtkWidget*>& items) {
         for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
              child = gtk_widget_get_next_sibling(child)) {
@@ -77,7 +77,7 @@ protected:
         return items;
     }
 
-    /// What the menu lists behind its own one item.
+    /// The windows that the menu lists after its own item.
     static std::vector<Listed> listOf(const RecordingController& controller) {
         std::vector<Listed> list;
         for (GtkWidget* item : itemsOf(controller)) {
@@ -126,7 +126,7 @@ TEST_F(WindowsMenuTest, listsEveryTabAndMarksTheMainOne) {
     show(a->window());
     openMenu(*a);
     EXPECT_EQ(listOf(*a), (std::vector<Listed>{{"a", true}, {"b_1"}, {"c"}}));
-    // The menu itself is as its owner made it, and other menus list nothing.
+    // The `Menu` object itself does not change, and other menus list no windows.
     EXPECT_EQ(windowsMenu->items().size(), 1U);
     closeMenu(*a);
     openMenu(*a, file);
@@ -238,7 +238,7 @@ TEST_F(WindowsMenuTest, theFocusComesBackFromTheMenus) {
     gtk_popover_popdown(popover(*a, file));
     openMenu(*a);
     runPending();
-    // The next menu keeps the keyboard, on its first item.
+    // The next menu keeps the focus, on its first item.
     EXPECT_EQ(gtk_window_get_focus(toplevel), itemsOf(*a).front());
     closeMenu(*a);
     EXPECT_TRUE(runUntil(isBack));
