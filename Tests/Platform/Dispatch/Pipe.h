@@ -9,7 +9,7 @@
 
 namespace TestSupport {
 
-/// Both ends of a pipe, closed with it.
+/// A pipe. Closes both ends on destruction.
 class Pipe {
 public:
     Pipe() {
@@ -26,7 +26,7 @@ public:
 
     int readEnd() const { return ends_[0]; }
     int writeEnd() const { return ends_[1]; }
-    /// For whoever closes it in our place.
+    /// Returns the read end, which the caller must close.
     int takeReadEnd() {
         const int end = ends_[0];
         ends_[0] = -1;

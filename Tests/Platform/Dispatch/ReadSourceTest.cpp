@@ -31,7 +31,8 @@ std::string readSome(int descriptor, std::size_t most = 64) {
     return text;
 }
 
-/// A Mac's shell begins with 256 of them.
+/// Raises the limit of open descriptors to `count`, as far as allowed. On macOS a shell starts with a limit
+/// of 256.
 void allowDescriptors(rlim_t count) {
     rlimit limit = {};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -121,7 +122,7 @@ TEST(ReadSource, isSilentWhileSuspendedAndGoesOnAfterwards) {
         source.suspend();
     });
     pipe.put("x");
-    // Each turn looks at the descriptors again.
+    // On Linux the queue polls its descriptors again in each turn.
     for (int turn = 0; turn < 10; ++turn) {
         queue.sync([] {});
     }
@@ -269,7 +270,7 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
     for (std::size_t index = 0; index < count; ++index) {
         pipes.push_back(std::make_unique<Pipe>());
         sources.push_back(std::make_unique<ReadSource>(queue, pipes.back()->readEnd()));
-        // The handler may run while the list still grows, so it holds what it needs itself.
+        // The handler may run while `pipes` still grows, so it captures the descriptor by value.
         sources.back()->setEventHandler([&fired, &event, index, descriptor = pipes.back()->readEnd()] {
             readSome(descriptor);
             ++fired[index];
@@ -278,7 +279,7 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
         sources.back()->setCancelHandler([&] { cancelled.signal(); });
         sources.back()->resume();
     }
-    // Early ones, late ones and those between, each several times.
+    // Sources from the beginning to the end of the list, each several times.
     std::size_t expected = 0;
     for (int turn = 0; turn < 5; ++turn) {
         for (std::size_t index = 0; index < count; index += 7) {
@@ -296,7 +297,7 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
             EXPECT_EQ(fired[index], index % 7 == 0 ? 6 : 1) << index;
         }
     });
-    // Half of them by hand, suspended or not; the rest with their end.
+    // Half of the sources are cancelled explicitly, some of them suspended, the others by their destruction.
     for (std::size_t index = 0; index < count; index += 2) {
         if (index % 4 == 0) {
             sources[index]->suspend();

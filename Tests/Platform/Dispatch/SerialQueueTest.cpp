@@ -33,7 +33,7 @@ TEST(SerialQueue, runsWorkInTheOrderOfHandingOver) {
 }
 
 TEST(SerialQueue, runsOneItemAtATimeHoweverManyThreadsHandOver) {
-    // Not atomic on purpose: under ThreadSanitizer the queue itself has to be what orders the changes.
+    // Deliberately not atomic: ThreadSanitizer checks that the queue itself synchronizes the changes.
     int count = 0;
     {
         SerialQueue queue("test");
@@ -67,7 +67,7 @@ TEST(SerialQueue, workHandedOverByWorkComesAfterWhatWaits) {
         });
         queue.async([&] { order.push_back(2); });
     });
-    // The last item but one hands over the last, so asking twice is enough.
+    // The last item is handed over by another, so only the second call is certain to wait for it.
     queue.sync([] {});
     queue.sync([] {});
     EXPECT_EQ(order, (std::vector{1, 2, 3}));

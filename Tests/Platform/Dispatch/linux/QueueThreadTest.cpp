@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-// What holds because each queue has a thread of its own that takes turns.
+// Tests of what follows from the Linux implementation, in which each queue has a thread of its own.
 
 namespace {
 
@@ -76,7 +76,7 @@ TEST(SerialQueueThread, leavesNoThreadAndNoDescriptor) {
     for (int turn = 0; turn < 50; ++turn) {
         SerialQueue queue("test");
         queue.sync([] {});
-        // A thread that has been waited for, the turn before's, may still stand in the list for a moment.
+        // The thread of the previous turn may stay in /proc for a moment after it was joined.
         EXPECT_TRUE(eventually([&] { return runningThreads() == threads + 1; }));
     }
     EXPECT_TRUE(eventually([&] { return runningThreads() == threads; }));
@@ -168,7 +168,7 @@ TEST(SerialQueueThread, cannotBeMadeWithoutAThread) {
     ASSERT_EQ(pthread_getattr_default_np(&previous), 0);
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_getattr_default_np(&attributes), 0);
-    // More than the address space.
+    // A stack larger than the address space makes the creation of a thread fail.
     ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 60U), 0);
     ASSERT_EQ(pthread_setattr_default_np(&attributes), 0);
     EXPECT_THROW(SerialQueue("test"), std::system_error);
