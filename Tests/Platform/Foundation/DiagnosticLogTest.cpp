@@ -24,7 +24,7 @@ std::string logged(std::string_view text) {
     return testing::internal::GetCapturedStderr();
 }
 
-/// What follows the prefix, without the line's end.
+/// The logged line without its prefix and its newline.
 std::string message(std::string_view text) {
     const std::string line = logged(text);
     const std::size_t begin = line.find("] ");
@@ -40,7 +40,7 @@ TEST(DiagnosticLog, aLineHasTimeProgramAndProcess) {
 }
 
 TEST(DiagnosticLog, aLinesTimeIsTheLocalTimeOfItsWriting) {
-    // Twelve hours apart: one of the two is the afternoon.
+    // The zones are twelve hours apart, so in one of them it is afternoon.
     for (const char* zone : {"UTC0", "Noon-12"}) {
         const TestSupport::EnvironmentVariable localZone("TZ", zone);
         tzset();
@@ -76,7 +76,7 @@ TEST(DiagnosticLog, otherTextStaysAsItIs) {
 }
 
 TEST(DiagnosticLog, aLineIsOneWrite) {
-    // A pipe of packets keeps apart what was written apart.
+    // In packet mode (O_DIRECT) a pipe keeps separate writes apart.
     std::array<int, 2> ends = {};
     ASSERT_EQ(pipe2(ends.data(), O_DIRECT | O_CLOEXEC | O_NONBLOCK), 0);
     const int saved = dup(STDERR_FILENO);

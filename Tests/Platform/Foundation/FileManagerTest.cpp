@@ -251,7 +251,7 @@ TEST(FileManager, aNewFileHasTheUsersDefaultPermissions) {
     files().writeAtomically("x", directory / "usual");
     umask(077);
     files().writeAtomically("x", directory / "private");
-    // Nobody's default was changed on the way.
+    // Writing a file does not change the umask of the process.
     EXPECT_EQ(umask(previous), 077U);
     EXPECT_EQ(modeOf(directory / "usual"), 0644U);
     EXPECT_EQ(modeOf(directory / "private"), 0600U);
@@ -428,7 +428,7 @@ TEST(FileManager, aReadOnlyDiskLeavesTheOldFileAndNothingElse) {
 }
 
 TEST(FileManager, aFileSizeLimitLeavesTheOldFileAndNothingElse) {
-    // A write beyond the limit comes back short first, then fails.
+    // A write that crosses the limit is short. The next one fails.
     const TemporaryDirectory directory;
     writeContents(directory / "file", "old");
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {

@@ -16,7 +16,7 @@ using Platform::RunLoop;
 using Platform::Timer;
 using Clock = std::chrono::steady_clock;
 
-/// Runs the loop until another timer, of `interval`, has fired.
+/// Runs the main run loop for `interval` seconds.
 void runFor(Timer::Interval interval) {
     const auto timer = Timer::scheduled(interval, false, [] { RunLoop::main().stop(); });
     RunLoop::main().run();
@@ -106,7 +106,7 @@ TEST(Timer, mayBeDestroyedByItsCallback) {
         std::shared_ptr<Timer> timer;
         timer = Timer::scheduled(0.001, repeats, [&, copy = held] {
             timer.reset();
-            // What the callback holds lives until it returns.
+            // The captures of the callback live until it returns.
             EXPECT_EQ(copy.use_count(), 2);
             ++calls;
         });

@@ -37,7 +37,7 @@ NextFailure nextOpen;
 
 } // namespace
 
-// The linker leads the library's calls here (--wrap).
+// The linker redirects the library's calls to these functions (--wrap).
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 int __real_fsync(int descriptor);

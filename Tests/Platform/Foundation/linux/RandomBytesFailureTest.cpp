@@ -9,7 +9,7 @@ namespace {
 
 using Platform::RandomBytes;
 
-// The kernel writes the bytes, and says so where it cannot. A generator inside the process would be stopped.
+// The kernel writes the bytes and returns an error if it cannot. A generator inside the process would crash.
 TEST(RandomBytes, aFailureIsReported) {
     static constexpr std::size_t size = 4096;
     void* const page = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
