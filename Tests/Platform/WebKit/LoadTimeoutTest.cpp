@@ -15,7 +15,7 @@ using Platform::Timer;
 
 class LoadTimeoutTest : public testing::Test {
 protected:
-    /// Lets the main run loop turn for that many seconds.
+    /// Runs the main run loop for `seconds`.
     static void runFor(Timer::Interval seconds) {
         const auto end = Timer::scheduled(seconds, false, [] { RunLoop::main().stop(); });
         RunLoop::main().run();

@@ -19,7 +19,7 @@ protected:
         recovery.processEnded(Cause::failure, std::move(interrupted), true);
     }
 
-    /// A load that began and ended.
+    /// A load that brings the page back.
     void comeBack() {
         recovery.navigationRequested();
         recovery.pageReturned();

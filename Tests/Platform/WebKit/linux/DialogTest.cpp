@@ -157,7 +157,7 @@ TEST_F(WebViewDialog, aScriptThatAsksForeverEndsWithItsView) {
     g_object_add_weak_pointer(G_OBJECT(widget), &widget);
     view.reset();
     ASSERT_TRUE(runUntil([&] { return widget == nullptr; }));
-    // The engine gives it ten seconds, and on a busy machine its end takes much longer.
+    // WebKitGTK allows the script ten more seconds. On a busy machine its process takes much longer to end.
     EXPECT_TRUE(runUntil([&] { return webProcesses().size() < before.size(); }, 3 * TestSupport::patience));
 }
 

@@ -14,7 +14,8 @@ namespace {
 
 class WebViewLifetime : public WebViewTest {
 protected:
-    /// Some views are let go while they load, some when they have, most of them untouched.
+    /// Makes `count` views and releases them: a few while they load, a few after loading, most of them
+    /// unused.
     void makeAndLetGo(std::size_t count) {
         std::vector<gpointer> widgets(count);
         for (std::size_t index = 0; index < count; ++index) {
@@ -45,7 +46,7 @@ protected:
 
 TEST_F(WebViewLifetime, aHundredViewsLeaveNothingBehind) {
     server.route("/page", HTTPResponse::page("Page"));
-    // The first ones make what the engine keeps for good.
+    // The first views create the objects that WebKitGTK keeps.
     makeAndLetGo(20);
     ASSERT_TRUE(runUntil([] { return webProcesses().size() <= 1; })) << webProcesses().size();
     const auto processes = webProcesses().size();
@@ -53,7 +54,8 @@ TEST_F(WebViewLifetime, aHundredViewsLeaveNothingBehind) {
 
     makeAndLetGo(100);
     EXPECT_TRUE(runUntil([&] { return webProcesses().size() <= processes; })) << webProcesses().size();
-    // The engine keeps connections to its processes for a while; what leaks would be there for each view.
+    // WebKitGTK keeps connections to its processes for a while. A leak would leave a descriptor for each
+    // view.
     EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 20; }))
         << openDescriptors() << " descriptors after " << descriptors;
 }

@@ -14,7 +14,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Keeps what it was asked and told, and answers as the test says.
+/// Records all calls. `onQuestion` decides about navigations; without it all are allowed.
 struct PolicyDelegate final : NavigationPolicyDelegate {
     void decidePolicy(WebView& /*webView*/, const NavigationAction& action,
                       const DecisionHandler& decisionHandler) override {
@@ -42,7 +42,7 @@ class NavigationPolicy : public WebViewTest {
 protected:
     NavigationPolicy() { view->setNavigationDelegate(delegate); }
 
-    /// Cancels what goes to `path` of the server and allows the rest.
+    /// Cancels navigations to `path` on the server and allows all others.
     void cancelOnly(const std::string& path) {
         delegate->onQuestion =
             [blocked = server.url(path)](const NavigationAction& action,
@@ -128,7 +128,7 @@ TEST_F(NavigationPolicy, aCancelledRedirectFailsTheLoad) {
     delegate->onQuestion = [&, answer](const auto& action, const auto& decide) {
         answer(action, decide);
         isAnswered = delegate->actions.size() == 2;
-        // The failure that follows is not told from inside of the answer.
+        // The failure that follows is not reported from inside the decision handler.
         EXPECT_TRUE(delegate->failures.empty());
     };
     view->load(request(server.url("/redirect")));
@@ -273,7 +273,8 @@ TEST_F(NavigationPolicy, aLoadTimesOutThoughTheOneBeforeHasNotBegun) {
     ASSERT_TRUE(loadPage(*view, "/before"));
     view->load(request(server.url("/first"), 30));
     ASSERT_TRUE(waitForQuestions(2));
-    // The request is on its way, and the engine's word of it waits for the main loop.
+    // The server has received the request, but the main loop has not yet run to learn that the load has
+    // started.
     ASSERT_TRUE(eventually([&] { return server.count("/first") == 1; }));
     view->load(request(server.url("/second"), 2));
     ASSERT_TRUE(runUntil([&] { return delegate->failures.size() == 2; }));

@@ -12,7 +12,7 @@ namespace {
 
 class WebViewObservation : public WebViewTest {};
 
-/// Each of the properties in turn.
+/// Tests that run for each observable property.
 class WebViewEveryObservation : public WebViewTest, public testing::WithParamInterface<WebView::Property> {
 protected:
     /// Changes every property at least once.
@@ -164,7 +164,7 @@ TEST_P(WebViewEveryObservation, mayLetTheViewGoFromInsideTheCall) {
     gpointer widget = widgetOf(*view);
     g_object_add_weak_pointer(G_OBJECT(widget), &widget);
     const auto observation = view->observe(GetParam(), [&] { view.reset(); });
-    // The pages' own steps stop where the view goes.
+    // Navigate only as far as the property needs to change, because the observer then releases the view.
     weak.lock()->load(request(server.url("/first")));
     if (GetParam() == Property::canGoBack || GetParam() == Property::canGoForward) {
         ASSERT_TRUE(waitForTitle(*view, "/first"));

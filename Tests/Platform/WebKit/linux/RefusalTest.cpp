@@ -10,10 +10,10 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// What a web view does not do without further delegate methods.
+/// Requests of pages that a web view refuses, because its delegates have no methods for them.
 class WebViewRefusal : public WebViewTest {
 protected:
-    /// The files that a download leaves behind, wherever the engine may put them.
+    /// The files of the session whose names contain `part`. Finds a download wherever WebKitGTK may save it.
     static std::vector<std::string> filesNamed(const std::string& part) {
         std::vector<std::string> result;
         for (const auto& entry :
@@ -144,7 +144,7 @@ TEST_F(WebViewRefusal, permissionsAreRefused) {
     const auto view = makeView();
     TestWindow window(*view);
     window.show();
-    // A secure context, for the browser offers these to no other.
+    // The page is a secure context, which both interfaces require.
     ASSERT_TRUE(loadPage(*view, "/page"));
     evaluate(*view, "navigator.geolocation.getCurrentPosition(() => document.title = 'allowed', "
                     "error => document.title = 'refused ' + error.code); 1");

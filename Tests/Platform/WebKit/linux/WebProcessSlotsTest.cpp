@@ -19,7 +19,7 @@ Slots makeSlots(std::size_t limit, Timer::Interval startTimeout = 10) {
     return std::make_shared<WebProcessSlots>(limit, startTimeout);
 }
 
-/// A view that only counts.
+/// A view that counts its grants and evictions.
 struct View {
     explicit View(const Slots& slots, bool isVisible = false)
         : slot(std::make_unique<WebProcessSlot>(slots, [this] { return isEvictable; }, [this] { evict(); })) {
@@ -56,7 +56,7 @@ struct View {
     std::vector<View*> children;
 };
 
-/// Two hidden views. The second waits for the process of the first, which starts.
+/// Two hidden views. The process of the first is starting, and the second waits for it.
 class WaitingView : public ::testing::Test {
 protected:
     void SetUp() override {

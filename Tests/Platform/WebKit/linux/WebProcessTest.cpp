@@ -21,7 +21,7 @@ protected:
 
     void endProcess() { webkit_web_view_terminate_web_process(widgetOf(*view)); }
 
-    /// Waits until the page was asked for so many times, and is there.
+    /// Waits until the page has been requested `times` times and is loaded.
     bool waitForLoad(const std::string& path, std::size_t times) {
         return runUntil([&] { return server.count(path) == times; }) && waitForTitle(*view, path);
     }
@@ -31,7 +31,7 @@ protected:
         TestWindow window{*view};
     };
 
-    /// A page of the server in a window of its own, in sight.
+    /// Loads a page of the server in a visible window of its own.
     std::unique_ptr<Shown> showPage(const std::string& path) {
         auto shown = std::make_unique<Shown>(makeView());
         shown->window.show();
@@ -39,7 +39,7 @@ protected:
         return shown;
     }
 
-    /// A page that `view`'s page has opened, once it is loaded.
+    /// Lets the page of `view` open a window, and returns its view once the child page is loaded.
     std::shared_ptr<WebView> openChild(const HTTPResponse& page = HTTPResponse::page("/child")) {
         server.route("/child", page);
         std::shared_ptr<WebView> child;

@@ -86,7 +86,7 @@ WebViewTest::WebViewTest() { gtk_init(); }
 
 WebViewTest::~WebViewTest() {
     TestSupport::runPending();
-    // WebKitGTK also keeps processes for stores in memory.
+    // WebKitGTK also keeps processes for data stores in memory.
     const auto sessions = std::exchange(usedSessions(), {});
     // Waiting helps only the tests that run next in this process.
     const bool isOnlyTest = testing::UnitTest::GetInstance()->test_to_run_count() == 1;

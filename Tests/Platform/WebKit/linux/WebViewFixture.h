@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-/// Keeps what it was told.
+/// Records the failures that are reported to it.
 struct RecordingNavigationDelegate final : Platform::NavigationDelegate {
     void didFailNavigation(Platform::WebView& webView, const Platform::Error& error) override;
     void didFailProvisionalNavigation(Platform::WebView& webView, const Platform::Error& error) override;
@@ -25,16 +25,17 @@ struct RecordingNavigationDelegate final : Platform::NavigationDelegate {
     struct Failure {
         bool provisional = false;
         Platform::Error error;
-        /// As the view said when the failure was told.
+        /// The view's URL and loading state when the failure was reported.
         std::optional<Platform::URL> url;
         bool isLoading = false;
     };
     std::vector<Failure> failures;
-    /// Called last, when set.
+    /// Called last, if set.
     std::function<void()> onFailure;
 };
 
-/// Keeps what it was asked, and answers as the test says.
+/// Records the windows and panels that pages ask for. The test answers through `onCreate` and the panels'
+/// completions.
 struct RecordingUIDelegate final : Platform::UIDelegate {
     std::shared_ptr<Platform::WebView>
     createWebView(Platform::WebView& webView,
@@ -57,7 +58,7 @@ struct RecordingUIDelegate final : Platform::UIDelegate {
         std::function<void(bool)> confirm;
     };
     std::vector<Panel> panels;
-    /// Called last, when set.
+    /// Called last, if set.
     std::function<void()> onPanel;
 };
 
@@ -92,21 +93,21 @@ protected:
     std::shared_ptr<Platform::WebView>
     makeView(const std::shared_ptr<Platform::WebViewConfiguration>& configuration);
 
-    /// Sets up the test anew, with a limit of the number of web processes.
+    /// Limits the number of web processes of views made from now on, and calls `SetUp` again.
     void limitProcesses(std::size_t limit);
 
-    /// Empty where there is none.
+    /// The text of the URL, or an empty string if the URL is absent.
     static std::string textOf(const std::optional<Platform::URL>& url);
     static std::string urlOf(const Platform::WebView& view) { return textOf(view.url()); }
 
     static WebKitWebView* widgetOf(Platform::WebView& view);
     static Platform::URLRequest request(const std::string& url, double timeoutInterval = 60);
 
-    /// Loads a page of the server with the given title and waits for it.
+    /// Loads a page with the title `path` from the server and waits until it is loaded.
     [[nodiscard]] bool loadPage(Platform::WebView& view, const std::string& path);
-    /// What a script of the page gives, as text; the text of the exception should it fail.
+    /// Runs a script in the page and returns its result as text, or the text of its exception.
     static std::string evaluate(Platform::WebView& view, const std::string& script);
-    /// Runs a script and does not wait.
+    /// Runs a script in the page without waiting for it.
     static void run(Platform::WebView& view, const std::string& script);
     [[nodiscard]] static bool waitForTitle(Platform::WebView& view, const std::string& title);
     [[nodiscard]] bool waitForFailures(std::size_t count) const;

@@ -38,7 +38,7 @@ TEST_F(DefaultWebsiteDataStore, isMadeByTheFirstView) {
 TEST_F(DefaultWebsiteDataStore, onlyTheUserMayEnter) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitAfter([this] {
-                    // As an older version or another program may have left it.
+                    // An older version or another program may have left a directory with these permissions.
                     std::filesystem::create_directories(folder(g_get_user_data_dir()));
                     std::filesystem::permissions(folder(g_get_user_data_dir()),
                                                  std::filesystem::perms::owner_all |
@@ -103,7 +103,7 @@ TEST_F(DefaultWebsiteDataStore, aBadCertificateFailsTheLoad) {
 TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitAfter([this] {
-                    // A file in the folder's place stops root as well.
+                    // A file in place of the directory is an obstacle even for root.
                     std::ofstream(folder(g_get_user_data_dir())) << "in the way";
                     ASSERT_FALSE(std::filesystem::is_directory(folder(g_get_user_data_dir())));
                     const auto view = makeView();
@@ -123,7 +123,7 @@ protected:
         configuration->setWebsiteDataStore(WebsiteDataStore::nonPersistent);
         return configuration;
     }
-    /// What the view's page finds of the one before.
+    /// The cookies and the stored item that a page in `view` finds.
     std::string found(WebView& view) {
         server.route("/get", HTTPResponse::page("get"));
         view.load(request(server.url("/get")));
