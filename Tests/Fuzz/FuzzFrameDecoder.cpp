@@ -1,4 +1,5 @@
-// The decoder beside a model that keeps every byte and starts from the beginning each time.
+// Compares the decoder with a simple model, which keeps all bytes in one buffer and parses it from the
+// beginning on each call.
 
 #include "KeyloftCore/FrameDecoder.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -22,7 +23,7 @@ void require(bool condition, std::string_view promise) {
     }
 }
 
-/// What one call gave: payloads, or the length that was refused.
+/// The result of one call: the payloads, or the length that was refused.
 struct Outcome {
     std::vector<std::string> payloads;
     std::optional<std::int64_t> refused;
@@ -66,7 +67,7 @@ Outcome append(FrameDecoder& decoder, std::string_view chunk) {
 
 } // namespace
 
-/// The first byte chooses how the rest is cut: sizes that repeat, small ones first.
+/// The first byte selects a sequence of sizes from 0 to 12 bytes, by which the rest is split into chunks.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) {
         return 0;

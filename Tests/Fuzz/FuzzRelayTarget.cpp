@@ -36,7 +36,8 @@ void check(std::string_view fragment) {
 
 } // namespace
 
-/// The input is tried as it is and as the JSON that the base64 would hold, which chance alone never makes.
+/// Checks the input both as a fragment and as the JSON inside a fragment's base64, which mutations alone
+/// would not produce.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     check(text);

@@ -21,14 +21,14 @@ using Platform::URLComponents;
     std::abort();
 }
 
-/// Stops the run where a promise does not hold.
+/// Aborts if a promise does not hold.
 void require(bool holds, std::string_view promise, std::string_view text) {
     if (!holds) {
         fail(promise, text);
     }
 }
 
-/// `value`, which is promised to be there.
+/// Returns the contained value. Aborts if it is absent, contrary to the promise.
 template <typename Value>
 Value required(std::optional<Value> value, std::string_view promise, std::string_view text) {
     if (!value) {
@@ -78,7 +78,7 @@ void checkComponents(URLComponents components, std::string_view text) {
         require(components.percentEncodedQuery() == query, "encoded items make the same query again", text);
         const auto items = required(components.queryItems(), "there are items", text);
         components.setQueryItems(items);
-        // One item without name and value is written as an empty query, which has no items.
+        // A single item with neither name nor value is written as an empty query, which has no items.
         const std::size_t count = items == std::vector<Platform::URLQueryItem>{{}} ? 0 : items.size();
         require(required(components.queryItems(), "there are items", text).size() == count,
                 "decoded items are as many again", text);
