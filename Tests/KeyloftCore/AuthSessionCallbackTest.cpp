@@ -1,4 +1,4 @@
-// The session's callbacks, called by hand: no window, and no page.
+// Calls the session's delegate methods directly, without a window or a page.
 
 #include "Tests/KeyloftCore/AuthSessionTest.h"
 #include "Tests/Support/MemoryStream.h"
@@ -252,7 +252,7 @@ TEST_F(AuthSessionEnding, onlyTheFirstCounts) {
     ask(session, get("https://client.example/cb?code=second"));
     ASSERT_EQ(endings.size(), 1U);
     EXPECT_EQ(result().params, (Parameters{{"code", "first"}}));
-    // What comes after it is told all the same.
+    // Later events are still logged.
     EXPECT_EQ(lines(), (Lines{"nav GET https://client.example/cb?code=first body=-1 stream=false type=-1",
                               R"(captured keys=["code"] code=first state=-)",
                               "didFailProvisional NSURLErrorDomain -1003 It went wrong.", "webViewDidClose",

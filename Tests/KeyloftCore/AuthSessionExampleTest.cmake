@@ -1,4 +1,4 @@
-# Runs the example as far as it goes without a display and a provider.
+# Runs the example as far as is possible without a display and a provider.
 #
 #   cmake -D PROGRAM=… -P AuthSessionExampleTest.cmake
 

@@ -10,7 +10,7 @@
 
 namespace KeyloftCore {
 
-/// What tests see of a session beyond what everybody does. Runs are counted from its first `start`.
+/// Gives tests access to the private state of a session. `run` is the index of the call to `start`, from 0.
 struct AuthSessionInspector {
     static std::size_t runCount(const AuthSession& session) { return session.runs_.size(); }
     static const std::shared_ptr<Platform::WebView>& webView(const AuthSession& session,
@@ -25,7 +25,7 @@ struct AuthSessionInspector {
         return session.runs_.at(run).timeoutTimer;
     }
 
-    /// In seconds; for before `start`.
+    /// In seconds. Set these before `start`.
     static void setSessionTimeout(AuthSession& session, double timeout) { session.sessionTimeout_ = timeout; }
     static void setRequestTimeout(AuthSession& session, double timeout) { session.requestTimeout_ = timeout; }
     static double sessionTimeout(const AuthSession& session) { return session.sessionTimeout_; }

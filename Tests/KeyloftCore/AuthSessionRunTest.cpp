@@ -1,4 +1,4 @@
-// Sessions as they run: their windows, their time limits, and pages in a real engine.
+// Running sessions: their windows, their timeouts, and their pages in WebKitGTK.
 
 #include "Tests/KeyloftCore/AuthSessionTest.h"
 #include "Tests/Support/NativeWindow.h"
@@ -71,7 +71,7 @@ TEST_F(AuthSessionWindow, isOnlyHiddenByItsCloseButton) {
     runPending();
     EXPECT_FALSE(window->isVisible());
     EXPECT_TRUE(endings.empty());
-    // The page goes on.
+    // The page keeps running while the window is hidden.
     ASSERT_TRUE(showPage(session, "<p>hidden"));
     runScript(*Inspector::webView(*session), "location.href = 'https://client.example/cb?code=a'");
     ASSERT_TRUE(waitForEnding());
@@ -118,7 +118,8 @@ INSTANTIATE_TEST_SUITE_P(NoURLs, AuthSessionLoadWithoutOrigin,
                          testing::Values("", "http://[", "https://a b"));
 
 TEST_F(AuthSessionLoad, takesAnyTextThatParsesForTheInitiator) {
-    // Our parser's word counts, not the engine's: the text is a relative reference.
+    // Platform::URL decides what a valid origin is, not WebKitGTK. It parses this text as a relative
+    // reference.
     const auto session = startSession("not a url");
     ASSERT_TRUE(waitForLine("nav GET " + authorizeURL() + " body=-1 stream=false type=-1"));
     EXPECT_EQ(std::ranges::count_if(lines(), [](const auto& line) { return line.starts_with("blocked"); }),
@@ -310,8 +311,8 @@ TEST_F(AuthSessionPage, showsNoPanels) {
 }
 
 TEST_F(AuthSessionPage, mayNotGoBackToItsOwnOrigin) {
-    // The page of the initiator's origin passes once, because the program set it; from then on that origin is
-    // like any other.
+    // The page of the initiator's origin passes once, because the session loads it itself. Afterwards, the
+    // policy treats that origin like any other.
     const auto session = startSession("https://client.example");
     ASSERT_TRUE(waitForLine("nav GET " + authorizeURL() + " body=-1 stream=false type=-1"));
     runScript(*Inspector::webView(*session), "location.href = 'https://client.example/'");
@@ -320,7 +321,7 @@ TEST_F(AuthSessionPage, mayNotGoBackToItsOwnOrigin) {
     EXPECT_TRUE(endings.empty());
 }
 
-// What may surprise, and is meant
+// Surprising but intended behavior
 
 TEST_F(AuthSessionAsWritten, aSecondStartOpensASecondWindowAndLeavesTheFirst) {
     const auto session = startSession();

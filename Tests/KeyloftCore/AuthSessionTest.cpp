@@ -30,7 +30,7 @@ bool isSessionLine(const std::string& line) {
 AuthSessionTest::AuthSessionTest() {
     proxy.route(connectTarget, HTTPResponse().withEnding(HTTPResponse::Ending::held));
     // WebKitGTK's network process serves all tests of this process and reads these variables once. No server
-    // listens on this port, so that traffic which a test does not redirect fails.
+    // listens on this port, so traffic that a test does not redirect fails.
     for (const auto* variable : {"http_proxy", "https_proxy"}) {
         setenv(variable, "http://127.0.0.1:9", 1);
     }
@@ -44,7 +44,7 @@ AuthSessionTest::~AuthSessionTest() {
             std::cout << "on standard error: " << line << '\n';
         }
     }
-    // A session that has not ended would call its completion some time.
+    // End the sessions that are still running: their completions refer to this object.
     for (const auto& weak : sessions_) {
         if (const auto session = weak.lock()) {
             session->webViewDidClose(*otherView);
@@ -78,7 +78,8 @@ AuthSessionTest::Session AuthSessionTest::startSession(const std::optional<std::
 
 void AuthSessionTest::start(const Session& session) {
     session->start();
-    // In time: the page sends no request before this process's main loop has decided about its navigation.
+    // This is not too late: the page sends no request before the policy decision, which the main loop of this
+    // process delivers.
     TestSupport::redirectTraffic(*Inspector::webView(*session, Inspector::runCount(*session) - 1),
                                  proxy.port());
 }
@@ -100,7 +101,7 @@ std::vector<NavigationActionPolicy> AuthSessionTest::ask(const Session& session,
 
 bool AuthSessionTest::showPage(const Session& session, const std::string& body) {
     const auto& view = Inspector::webView(*session);
-    // The engine may lose one of two loads that it is asked for at once.
+    // WebKitGTK may drop one of two loads that are requested at the same time (seen with 2.50, not reported).
     view->stopLoading();
     if (!runUntil([&] { return !view->isLoading(); })) {
         return false;

@@ -16,8 +16,8 @@
 
 namespace TestSupport {
 
-/// Sessions whose pages reach no network: whatever they ask of a server goes to a proxy that does not answer
-/// unless a test says so.
+/// Sessions whose pages reach no network. Their requests go to `proxy`, which leaves connections to the
+/// provider unanswered unless a test routes them.
 class AuthSessionTest : public testing::Test {
 public:
     AuthSessionTest(const AuthSessionTest&) = delete;
@@ -31,45 +31,45 @@ protected:
 
     static constexpr std::string_view authorize = "https://appleid.apple.com/auth/authorize";
     static constexpr std::string_view redirect = "https://client.example/cb";
-    /// What the proxy is asked for before anything else.
+    /// The target of the first request that the proxy gets.
     static constexpr const char* connectTarget = "appleid.apple.com:443";
 
     AuthSessionTest();
 
     static Platform::URL url(std::string_view text);
-    /// The authorize URL with the redirect URI and `rest` behind it.
+    /// The authorize URL with the redirect URI, followed by `rest`.
     static std::string authorizeURL(std::string_view rest = "");
 
-    /// A session that adds its ending to `endings`.
+    /// Creates a session whose completion appends to `endings`.
     Session makeSession(std::string_view rest = "");
     Session startSession(const std::optional<std::string>& initiatorOrigin = std::nullopt);
     /// Starts the session and redirects its traffic to the proxy. May be called again.
     void start(const Session& session);
 
     static Platform::NavigationAction get(std::string_view url);
-    /// Asks the session, and tells how often and what it answered.
+    /// Asks the session for its policy and returns all its answers.
     std::vector<Platform::NavigationActionPolicy> ask(const Session& session,
                                                       const Platform::NavigationAction& action);
 
     /// Shows a page of the provider's origin in the session's view, and waits for it.
     [[nodiscard]] bool showPage(const Session& session, const std::string& body);
-    /// Waits until the session has ended, and returns once what that causes is done.
+    /// Waits until a session has ended, then runs the main loop until nothing is pending.
     [[nodiscard]] bool waitForEnding();
     /// Waits until the line has been logged.
     [[nodiscard]] bool waitForLine(const std::string& line);
 
-    /// What sessions have logged so far.
+    /// The lines that sessions have logged so far.
     const Lines& lines();
-    /// And all that stands on standard error.
+    /// Everything written to standard error so far.
     const Lines& everything();
 
-    /// The first ending's parts.
+    /// The result or the error of the first ending.
     const KeyloftCore::AuthResult& result() const { return endings.at(0).value(); }
     const KeyloftCore::HostError& error() const { return endings.at(0).error(); }
 
     HTTPServer proxy;
     std::vector<KeyloftCore::AuthSession::Result> endings;
-    /// For what is called by hand: a session does not look at the view.
+    /// The view for delegate methods that tests call directly. Sessions ignore it.
     std::shared_ptr<Platform::WebView> otherView;
 
 private:

@@ -126,7 +126,7 @@ TEST(AuthorizeRequest, refusesARedirectURIThatIsNotHTTPS) {
 }
 
 TEST(AuthorizeRequest, checksTheURLBeforeTheRedirectURI) {
-    // Both wrong at once: the first check tells.
+    // If both are invalid, the first check determines the error.
     EXPECT_EQ(error("http://appleid.apple.com/auth/authorize"), notAuthorize);
     EXPECT_EQ(error("https://client.example/auth/authorize?redirect_uri=http://client.example"),
               notAuthorize);
@@ -247,7 +247,7 @@ TEST(AuthorizeRequest, hostsAreComparedDecodedAndInASCII) {
 }
 
 TEST(AuthorizeRequest, aPathThatIsNoUTF8MatchesNothing) {
-    // Both paths decode to nothing, and nothing would count as the root.
+    // Neither path can be decoded. An absent path would count as the root.
     EXPECT_FALSE(requestTo("https://client.example").matchesRedirect(url("https://client.example/%FF")));
     EXPECT_FALSE(requestTo("https://client.example/").matchesRedirect(url("https://client.example/a%80")));
     EXPECT_FALSE(requestTo("https://client.example/%25FF").matchesRedirect(url("https://client.example/")));

@@ -1,5 +1,5 @@
-// The memory that a decoder requests and that a listener releases. A separate program, because it replaces
-// operator new.
+// Tests the memory that a decoder requests and that a listener releases. A separate program, because it
+// replaces operator new.
 
 #include "KeyloftCore/FrameDecoder.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -20,10 +20,10 @@
 
 namespace {
 
-/// The largest and all requests since they were last set to 0.
+/// The size of the largest allocation and of all allocations of this thread since the last reset, in bytes.
 thread_local std::size_t largest = 0;
 thread_local std::size_t total = 0;
-/// The blocks that all threads have allocated and not released.
+/// The number of blocks that all threads have allocated and not released.
 std::atomic<long> liveBlocks = 0;
 
 void release(void* memory) {
@@ -71,7 +71,7 @@ TEST(FrameDecoderMemory, aRefusedLengthIsNeverAllocated) {
     EXPECT_LT(largestRequestIn([&] {
                   EXPECT_THROW(decoder.append("\xFF\xFF\xFF\xFF some bytes"),
                                NativeMessageFrame::DecodeError);
-                  // Nor does what follows it pile up.
+                  // Input after the refused prefix is not buffered either.
                   for (int turn = 0; turn < 10; ++turn) {
                       EXPECT_THROW(decoder.append(chunk), NativeMessageFrame::DecodeError);
                   }

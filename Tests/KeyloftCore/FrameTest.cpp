@@ -26,7 +26,7 @@ using Payloads = std::vector<std::string>;
 
 std::string encode(std::string_view payload) { return NativeMessageFrame::encode(payload); }
 
-/// The length of the prefix that `chunk` made the decoder refuse.
+/// Appends `chunk` and returns the length that the decoder refuses, or nothing if it accepts the chunk.
 std::optional<std::int64_t> refused(FrameDecoder& decoder, std::string_view chunk) {
     try {
         decoder.append(chunk);
@@ -69,7 +69,7 @@ TEST(NativeMessageFrame, theErrorShowsItsLength) {
 }
 
 TEST(NativeMessageFrameDeathTest, aPayloadBeyondThirtyTwoBitsStopsTheProcess) {
-    // Reserved and never touched: address space is all that it takes.
+    // The pages are reserved but never touched, so the mapping takes only address space.
     constexpr std::size_t size = std::size_t{1} << 32U;
     void* area = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     ASSERT_NE(area, MAP_FAILED);

@@ -1,4 +1,4 @@
-// Peers that are up to no good, beside one that is not: whatever the first do, the second gets its answer.
+// Hostile peers next to a well-behaved one. Whatever the hostile peers do, the well-behaved one is served.
 
 #include "Tests/KeyloftCore/RelayTestSupport.h"
 
@@ -39,8 +39,8 @@ double processorSeconds() {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-/// Takes every descriptor that the process may still have. Few, as the limit is lowered to what is open and
-/// some more.
+/// Exhausts the descriptors of the process while it exists. Lowers the limit first, so that only a few remain
+/// to be taken.
 class DescriptorFamine {
 public:
     DescriptorFamine() {
@@ -170,7 +170,7 @@ TEST_F(HostilePeerTest, aPeerThatNeverReadsIsGivenUpAfterThreeSeconds) {
     expectService();
     const auto waited = Clock::now() - begin;
     EXPECT_GE(waited, std::chrono::milliseconds(2900));
-    // Were a second write tried after the first had timed out, it would be six.
+    // A second write after the first timed out would make it six seconds.
     EXPECT_LT(waited, std::chrono::milliseconds(5500));
     expectService();
     EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(5800));
@@ -185,8 +185,8 @@ TEST_F(HostilePeerTest, aPeerThatReadsSlowlyIsGivenUpAfterThreeSecondsInAll) {
     const auto begin = Clock::now();
     ASSERT_TRUE(slow.send(frame("large")));
     ASSERT_TRUE(requests.wait());
-    // Each read makes room for more, so that no single wait is long. Reading everything would take 10
-    // seconds.
+    // Each read frees buffer space, so no single wait of the listener is long. Reading everything would take
+    // 10 seconds.
     std::atomic<bool> over = false;
     std::thread reading([&] {
         std::vector<char> buffer(20'000);
@@ -226,7 +226,7 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
         for (int turn = 0; turn < 50; ++turn) {
             expectService();
         }
-        // Idle is not deaf: any of them may go on.
+        // An idle connection is still served: any of them can continue.
         for (std::size_t peer = 0; peer < count; peer += 99) {
             ASSERT_TRUE(idle[peer].send(peer % 3 == 0 ? std::string("\0\0"
                                                                     "hello",
@@ -313,7 +313,7 @@ TEST_F(HostilePeerTest, noiseIsNeverARequestThatNobodySent) {
         for (auto& byte : noise) {
             byte = static_cast<char>(random() % 256);
         }
-        // Beyond the limit whatever follows.
+        // Makes the length exceed the limit, whatever the other bytes are.
         noise[3] = static_cast<char>(random() % 255 + 1);
         peer.send(noise);
         EXPECT_EQ(peer.receiveAll(), "");

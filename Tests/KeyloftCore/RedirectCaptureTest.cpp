@@ -47,7 +47,7 @@ Captured capture(const NavigationAction& action, const std::optional<SubmittedFo
     return {.parameters = std::move(parameters), .log = error.messages()};
 }
 
-/// A navigation to the redirect URI with `rest` behind it.
+/// A navigation to the redirect URI followed by `rest`.
 NavigationAction get(std::string_view rest) {
     NavigationAction action;
     action.url = url(std::string(redirect) + std::string(rest));
@@ -209,7 +209,7 @@ TEST(RedirectCapture, aLongActionIsCut) {
               "POST body missing; using hooked form fields for " + std::string(80, 'a'));
 }
 
-// What the log shows
+// Logging
 
 TEST(RedirectCapture, upToTwelveCharactersAreLoggedWhole) {
     EXPECT_EQ(capture(get("?code=123456789012")).log.back(),

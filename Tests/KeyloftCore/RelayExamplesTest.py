@@ -53,7 +53,7 @@ def for_each_peer(test):
 
 class RelayExamples(unittest.TestCase):
     def setUp(self):
-        # With these 16 bytes the second path has the greatest length of a socket's path.
+        # With a home directory of these 16 bytes, the second path has the maximum length of a socket's path.
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="kl-", dir="/tmp"))
         self.addCleanup(shutil.rmtree, self.home)
         # On macOS the home directory comes from CFFIXED_USER_HOME or the user database, not from HOME.

@@ -35,7 +35,7 @@ using TestSupport::RelayTest;
 using TestSupport::WithoutStandardInput;
 using TestSupport::writeContents;
 
-/// The process's file mode mask for the length of a test.
+/// Sets the file mode creation mask of the process while it exists.
 class Mask {
 public:
     explicit Mask(mode_t mask)
@@ -54,7 +54,7 @@ private:
     mode_t previous_;
 };
 
-/// Another current directory for the length of a test.
+/// Changes the current directory of the process while it exists.
 class CurrentDirectory {
 public:
     explicit CurrentDirectory(const std::filesystem::path& path)
@@ -258,7 +258,7 @@ TEST_F(RelayListenerTest, aReplyToAPeerThatHasGoneDoesNothing) {
     }
     keptReply(0)("to nobody");
     keptReply(0)(std::string(1 << 20, 'x'));
-    // The queue is still there for others.
+    // The queue still serves other connections.
     const auto client = RelaySocketClient::connect(path);
     client.writeFrame("y");
     ASSERT_TRUE(requests.wait(2));
@@ -316,7 +316,8 @@ TEST_F(RelayListenerTest, destroyedOnTheQueueLeavesItsSocketToTheCancelHandler) 
 }
 
 TEST_F(RelayListenerTest, theHandlerMayHoldTheListener) {
-    // A circle, cut by close: the handler, and with it the last reference, goes on the queue.
+    // A reference cycle, which `close` breaks: the handler, and with it the last reference, is released on
+    // the queue.
     auto* handle = listener.get();
     handle->listen(path, [held = listener](const std::string& request, const RelayListener::Reply& reply) {
         reply(request);
@@ -479,7 +480,7 @@ TEST_F(RelayListenerTest, aDirectoryInItsPlaceIsABindError) {
     const Mask mask(022);
     EXPECT_EQ(listenError(*listener, path), RelaySocketError::syscall("bind", EADDRINUSE));
     EXPECT_EQ(Mask::current(), 022U) << "the mask is given back after a failure too";
-    // The listener is as it was before.
+    // The listener is unchanged and can listen again.
     ASSERT_EQ(rmdir(path.c_str()), 0);
     startEcho();
     EXPECT_EQ(ask(path, "x"), "echo x");

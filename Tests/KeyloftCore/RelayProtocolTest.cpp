@@ -299,7 +299,7 @@ TEST(RelayResult, theFirstFailingCheckTells) {
     for (std::size_t first = 0; first < faults.size(); ++first) {
         for (std::size_t second = first; second < faults.size(); ++second) {
             if (first != second && faults[first].member == faults[second].member) {
-                continue; // Two faults of one member cannot be had at once.
+                continue; // One member cannot have two faults.
             }
             auto message = with(resultMessage(), faults[second].member, faults[second].value);
             message[faults[first].member] = faults[first].value;
@@ -309,7 +309,7 @@ TEST(RelayResult, theFirstFailingCheckTells) {
 }
 
 TEST(RelayProtocol, confirmChecksOneAfterTheOther) {
-    // Every pair of faults is denied just as each alone: no later check can undo an earlier one.
+    // Each pair of faults is denied like each fault alone: no later check undoes an earlier one.
     const std::vector<std::pair<std::string, JSONValue>> faults = {
         {"redirectUri", "https://evil.test/"}, {"state", "other"}, {"nonce", "other"}};
     for (const auto& first : faults) {

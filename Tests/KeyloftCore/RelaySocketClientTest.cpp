@@ -29,7 +29,7 @@ using TestSupport::TemporaryDirectory;
 using TestSupport::WithoutStandardInput;
 using Clock = std::chrono::steady_clock;
 
-/// A server that does what a test wants with its one connection.
+/// A server that accepts one connection and passes it to `serve` on a separate thread.
 class PlainServer {
 public:
     using Serve = std::function<void(int connection)>;
@@ -87,7 +87,7 @@ TEST_F(RelaySocketClientTest, connectingWhereNobodyListensFails) {
 }
 
 TEST_F(RelaySocketClientTest, anEmptyPathNeverMeansANameOutsideTheFileSystem) {
-    // A name of 107 NUL bytes is what an empty path would say to the kernel.
+    // The kernel would read an empty path as the abstract name of 107 NUL bytes.
     const RawPeer abstract;
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
@@ -193,7 +193,7 @@ TEST_F(RelaySocketClientTest, theTimeoutLimitsEachWaitAndNotTheWhole) {
     });
     const auto client = RelaySocketClient::connect(path);
     const auto begin = Clock::now();
-    // Twelve waits of 100 ms each, none as long as a second.
+    // Twelve waits of 100 ms each: the timeout of a second applies to each wait, not to their sum.
     EXPECT_EQ(client.readFrame(1), "dripping");
     EXPECT_GE(Clock::now() - begin, std::chrono::seconds(1));
     client.close();
@@ -262,7 +262,7 @@ TEST_F(RelaySocketClientTest, aStormOfSignalsInterruptsNothing) {
     {
         std::atomic<int> signals = 0;
         const PlainServer server(path, [&](int connection) {
-            // Slowly, so that the client waits in its writes and reads again and again.
+            // Read slowly, so that the client blocks in write and read many times.
             std::string taken;
             std::string buffer(16'384, '\0');
             while (taken.size() < large.size() + 4) {

@@ -32,15 +32,16 @@
 
 namespace TestSupport {
 
-/// Seconds that a client waits for what is sure to come.
+/// The seconds that a client waits for a reply that is certain to come.
 inline constexpr double longWait = 30;
 
-/// A peer that does what it likes: plain system calls on a connected socket, closed with it.
+/// A peer that is not bound to the protocol: plain system calls on a socket, which the destructor closes.
 class RawPeer {
 public:
     RawPeer()
         : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
-    /// Retries while the connection is refused: macOS refuses it if too many others wait to be accepted.
+    /// Connects. Retries while the connection is refused: macOS refuses it if too many others wait to be
+    /// accepted.
     explicit RawPeer(const std::string& path)
         : RawPeer() {
         bool connected = false;
@@ -87,7 +88,8 @@ public:
 
     void endSending() const { shutdown(descriptor_, SHUT_WR); }
 
-    /// Everything until the other end closes; `error()` then tells how it did (0, or ECONNRESET).
+    /// Receives until the other end closes. `error()` is then 0 after an orderly close, else `errno`
+    /// (ECONNRESET).
     std::string receiveAll() {
         const timeval limit = {.tv_sec = 30, .tv_usec = 0};
         setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
@@ -116,7 +118,8 @@ private:
     int error_ = 0;
 };
 
-/// Leaves descriptor 0 to whatever is opened next, as in a program that was started without standard input.
+/// Closes standard input while it exists, so that the next descriptor is 0, as in a program that was started
+/// without standard input.
 class WithoutStandardInput {
 public:
     WithoutStandardInput()
@@ -175,13 +178,14 @@ inline bool isSocket(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
 }
 
-/// A listener in a directory of its own. What was opened or started must be gone in the end.
+/// A listener in a temporary directory. Expects that no descriptor and no thread of a test is left at its
+/// end.
 class RelayTest : public testing::Test {
 protected:
     using RelayListener = KeyloftCore::RelayListener;
 
     void SetUp() override {
-        // A sanitizer's own thread comes with the first of ours.
+        // A sanitizer starts a thread of its own along with the first thread of the program.
         std::thread([] {}).join();
         descriptors_ = openDescriptors();
         threads_ = runningThreads();
@@ -193,12 +197,12 @@ protected:
         kept.clear();
         EXPECT_TRUE(eventually([&] { return openDescriptors() == descriptors_; }))
             << openDescriptors() << " descriptors, were " << descriptors_;
-        // A thread that has been waited for may still have stood in the list when they were counted.
+        // A joined thread may stay in /proc for a moment.
         EXPECT_TRUE(eventually([&] { return runningThreads() <= threads_; }))
             << runningThreads() << " threads, were " << threads_;
     }
 
-    /// Answers "echo " and the request.
+    /// Listens and replies with "echo " and the request.
     void startEcho() {
         listener->listen(path, [this](const std::string& request, const RelayListener::Reply& reply) {
             requests.signal();
@@ -206,7 +210,7 @@ protected:
         });
     }
 
-    /// Keeps every reply function for later.
+    /// Listens and keeps each request and its reply function.
     void startKeeping() {
         listener->listen(path, [this](const std::string& request, RelayListener::Reply reply) {
             {

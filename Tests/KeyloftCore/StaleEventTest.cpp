@@ -19,7 +19,7 @@ using KeyloftCore::RelaySocketClient;
 using TestSupport::Event;
 using TestSupport::TemporaryDirectory;
 
-/// In seconds. Long for an answer, and short enough to wait for one that never comes.
+/// In seconds. Ample for an answer, and short enough to wait for an answer that never comes.
 constexpr double answerTimeout = 10;
 
 /// The descriptors of the connections that this process accepted at `path`.

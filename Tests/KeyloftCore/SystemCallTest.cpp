@@ -1,5 +1,5 @@
-// What cannot be had from the system on demand: interrupted and short calls, and failures of every single
-// one.
+// Conditions that the kernel does not produce on demand: interrupted and short system calls, and a failure of
+// each call.
 
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketClient.h"
@@ -36,7 +36,7 @@ using TestSupport::realStat;
 using TestSupport::RelayTest;
 using TestSupport::SystemCalls;
 
-/// Both ends of a socket.
+/// A pair of connected sockets.
 struct SocketPair {
     SocketPair() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0); }
     SocketPair(const SocketPair&) = delete;
@@ -208,7 +208,7 @@ TEST_F(SystemCallTest, anInterruptedReadOfTheListenerEndsTheConnection) {
     };
     {
         RawPeer peer(path);
-        // Answered in order: by now the peer has been accepted as well.
+        // Connections are accepted in order, so the peer has been accepted by now.
         EXPECT_EQ(ask(path, "x"), "echo x");
         const Intercepted intercepted(system);
         ASSERT_TRUE(peer.send(frame("y")));
@@ -243,7 +243,7 @@ TEST_F(SystemCallTest, aPeerWhoseUserCannotBeToldIsRefusedUnread) {
 
 TEST_F(SystemCallTest, aPeerOfAnotherUserIsRefusedUnread) {
     startEcho();
-    // Not even the superuser is an exception.
+    // Root is refused as well.
     for (const uid_t user : {getuid() + 1, static_cast<uid_t>(-1), getuid() == 0 ? 1U : 0U}) {
         std::atomic<int> reads = 0;
         SystemCalls system;
@@ -319,7 +319,7 @@ TEST_F(SystemCallTest, withoutDescriptorsAcceptingIsTriedOnceAndThenAgainNowAndT
             const RawPeer peer(path);
             EXPECT_TRUE(eventually([&] { return calls > 0; }));
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            // One more for each second that a busy machine has made of this.
+            // The listener retries every second. Allow for the time that a busy machine needs.
             const auto seconds =
                 std::chrono::floor<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
             EXPECT_LE(calls, 1 + seconds.count());

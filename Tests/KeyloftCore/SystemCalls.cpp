@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <string>
 
-// The linker's names for the system's functions and for those in their place.
+// The linker's names (--wrap) for the original functions and for their replacements.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 
 extern "C" {

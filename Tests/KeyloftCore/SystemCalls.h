@@ -13,10 +13,10 @@
 
 namespace TestSupport {
 
-/// Stands between the code and the system: each function may answer a call in the system's place. The linker
-/// leads the calls here (--wrap); what has no function, or gets no answer, is the system's.
+/// Intercepts system calls: each function may answer a call in place of the kernel. The linker redirects the
+/// calls here (--wrap). A call whose function is empty or returns nothing goes to the kernel.
 struct SystemCalls {
-    /// A result, and `errno` where it is -1.
+    /// A result, and the value of `errno` if the result is -1.
     struct Answer {
         ssize_t result = 0;
         int error = 0;
@@ -41,13 +41,13 @@ struct SystemCalls {
     std::function<Maybe(int level, int option, void* value, socklen_t* length)> getsockopt;
     std::function<Maybe(int level, int option, const void* value)> setsockopt;
 
-    /// The ones in force; null for none.
+    /// The functions in use, or null. Not owned.
     static std::atomic<const SystemCalls*> current;
-    /// How many threads are asking them just now.
+    /// The number of threads that are calling them.
     static std::atomic<int> asking;
 };
 
-/// Puts `calls` in force until its end.
+/// Installs `calls` while it exists. The destructor waits for calls that are in progress.
 class Intercepted {
 public:
     explicit Intercepted(const SystemCalls& calls) { SystemCalls::current = &calls; }
@@ -61,7 +61,7 @@ public:
     }
 };
 
-/// What the system itself does.
+/// The real system calls.
 ssize_t realSend(int descriptor, const void* bytes, std::size_t count, int flags);
 int realStat(std::string_view path, struct stat* status);
 

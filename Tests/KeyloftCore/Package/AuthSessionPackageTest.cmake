@@ -1,5 +1,5 @@
-# Installs the session's package and what it stands on, moves the installed tree, and builds and runs a program against
-# it: once by find_package, once by pkg-config.
+# Installs the session's package and its dependencies, moves the installed tree, and builds and runs a program against
+# it, once with find_package and once with pkg-config.
 #
 #   cmake -D BUILD=… -D SOURCE=… -D GENERATOR=… -D COMPILER=… -D CONFIG=… -P AuthSessionPackageTest.cmake
 

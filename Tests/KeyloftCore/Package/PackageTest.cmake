@@ -1,5 +1,5 @@
-# Installs the package, moves the installed tree, and builds and runs a program against it: once by find_package, once
-# by pkg-config. Then looks at what the program loads.
+# Installs the package, moves the installed tree, and builds and runs a program against it, once with find_package and
+# once with pkg-config. Then checks which libraries the program loads.
 #
 #   cmake -D BUILD=… -D SOURCE=… -D GENERATOR=… -D COMPILER=… -D CONFIG=… -P PackageTest.cmake
 

@@ -1,4 +1,4 @@
-# run(COMMAND…): its output is in `output`; its failure ends the script.
+# run(COMMAND…) stores the command's output in `output`. Aborts the script if the command fails.
 function(run)
   execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
   if(NOT result EQUAL 0)
@@ -8,7 +8,7 @@ function(run)
   set(output "${output}" PARENT_SCOPE)
 endfunction()
 
-# expect_headers_alone(FOLDER COMPILER): every installed header stands on its own.
+# expect_headers_alone(FOLDER COMPILER) compiles each installed header on its own.
 function(expect_headers_alone folder compiler)
   file(GLOB_RECURSE headers RELATIVE "${folder}" "${folder}/*.h")
   if(NOT headers)
@@ -19,8 +19,9 @@ function(expect_headers_alone folder compiler)
   endforeach()
 endfunction()
 
-# install_elsewhere(COMPONENT…) installs the components and moves them, which a package must not mind. SCRATCH is the
-# folder that holds all this: short, because a socket's path is.
+# install_elsewhere(COMPONENT…) installs the components and moves the installed tree, because packages must be
+# relocatable. Sets SCRATCH to the folder that contains it. Its path is short, because the length of a socket's path is
+# limited.
 macro(install_elsewhere)
   execute_process(COMMAND mktemp -d /tmp/keyloft-XXXXXX OUTPUT_VARIABLE SCRATCH OUTPUT_STRIP_TRAILING_WHITESPACE
     COMMAND_ERROR_IS_FATAL ANY)
@@ -37,7 +38,7 @@ function(build_by_find_package folder)
   run("${CMAKE_COMMAND}" --build "${SCRATCH}/build")
 endfunction()
 
-# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config. Only the package's flags select a C++ standard.
+# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config. The C++ standard comes from the package's flags alone.
 function(build_by_pkg_config package folder)
   file(GLOB_RECURSE description "${SCRATCH}/prefix/*/${package}.pc")
   get_filename_component(descriptions "${description}" DIRECTORY)

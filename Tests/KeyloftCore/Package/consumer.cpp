@@ -1,4 +1,4 @@
-// A program of somebody else's: one exchange over the relay, with itself.
+// A program outside the project that exchanges one message with itself over the relay.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/RelayListener.h"

@@ -1,4 +1,4 @@
-// Who holds a session, and what is left of one.
+// The ownership of sessions, and the resources that they leave.
 
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/ViewNative.h"
@@ -25,7 +25,7 @@ namespace {
 
 class AuthSessionLifetime : public AuthSessionTest {
 protected:
-    /// The engine's own object, which goes when nobody shows it any more.
+    /// Watches the native widget of a view, which is finalized with its last reference.
     class WatchedWidget {
     public:
         explicit WatchedWidget(Platform::View& view)
@@ -88,7 +88,7 @@ TEST_F(AuthSessionLifetime, afterTheCompletionItsCreatorHoldsIt) {
     ASSERT_TRUE(waitForEnding());
     EXPECT_EQ(weak.use_count(), 1);
 
-    // The page is there and may still do what it likes.
+    // The page is still loaded and can still navigate.
     EXPECT_FALSE(Inspector::window(*session)->isVisible());
     runScript(*view, "location.href = 'https://client.example/cb?code=b'");
     ASSERT_TRUE(waitForLine(R"(captured keys=["code"] code=b state=-)"));
@@ -143,7 +143,7 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
             const std::weak_ptr<Platform::Window> window = Inspector::window(*session);
             const std::weak_ptr<Platform::WebView> view = Inspector::webView(*session);
             const WatchedWidget widget(*view.lock());
-            // Every tenth has shown a page when it ends.
+            // Every tenth session shows a page before it ends.
             if (index % 10 == 0) {
                 ASSERT_TRUE(runUntil([&] { return proxy.count(connectTarget) > connections; }));
                 ASSERT_TRUE(showPage(session, ""));
@@ -165,7 +165,7 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
     };
     // WebKitGTK keeps the last process of each site for five minutes, those of earlier tests included.
     const auto kept = TestSupport::webProcesses().size();
-    // The first ones make what toolkit and engine keep for good.
+    // The first sessions create what GTK and WebKitGTK keep until the program exits.
     runSessions(10);
     ASSERT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= kept + 1; }));
     const auto processes = TestSupport::webProcesses().size();
@@ -176,7 +176,8 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
     EXPECT_EQ(Platform::Application::shared().native().hosts.size(), hosts);
     EXPECT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= processes; }))
         << TestSupport::webProcesses().size() << " web processes";
-    // The engine keeps connections to its processes for a while; what leaks would be there for each session.
+    // WebKitGTK keeps connections to its processes for a while. A leak would leave descriptors of every
+    // session.
     EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 20; }))
         << openDescriptors() << " descriptors after " << descriptors;
 }

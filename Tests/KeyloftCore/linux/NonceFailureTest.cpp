@@ -17,7 +17,7 @@ namespace {
 
 using KeyloftCore::RelayTarget;
 
-/// Makes the kernel refuse random bytes to this process from now on, even to root.
+/// Makes `getrandom` fail in this process from now on, even for root.
 void loseRandomSource() {
     sock_filter instructions[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),

@@ -1,4 +1,4 @@
-// How the provider may answer, each way with and without a page that asked for the sign-in.
+// The ways in which the provider can answer, each with and without an initiator.
 
 #include "Platform/AppKit/Window.h"
 #include "Tests/KeyloftCore/linux/SignInTest.h"
@@ -13,13 +13,13 @@ namespace {
 
 constexpr auto formCode = "c0123456789.provider's code";
 constexpr auto urlCode = "c0123456789.provider+s+code";
-/// Both, as the log shows them, and the request's state.
+/// Either code as the log shows it, and the request's state.
 constexpr auto shownValues = " code=c0123456…(27) state=state-of…(20)";
 
-/// Where the sign-in page goes on at the provider.
+/// The second page of the sign-in at the provider.
 constexpr auto next = "https://appleid.apple.com/auth/continue";
 
-/// A form whose one button fills the page and has the keyboard.
+/// A form whose only button fills the page and has the keyboard focus.
 std::string form(const std::string& action, const std::string& attributes = "") {
     return "<form method=post action='" + action + "' " + attributes +
            "><input type=hidden name=code value=\"" + formCode +
@@ -31,17 +31,17 @@ std::string form(const std::string& action, const std::string& attributes = "") 
 
 class SignInAnswerTest : public SignInTest {
 protected:
-    /// One way to answer.
+    /// One way in which the provider answers.
     struct Answer {
         std::string name;
         ResponseMode mode = ResponseMode::formPost;
-        /// What the sign-in page holds, and what is there where it goes on.
+        /// The body of the sign-in page, and the response at `next`.
         std::string page;
         HTTPResponse continuation;
-        /// What the page or a person does once the page is there.
+        /// The action of the page or the user after the page has loaded.
         std::function<void()> act;
         Params params;
-        /// What is told before the page has come in whole, and from the act on.
+        /// The log lines before the page has finished loading, and those from the action on.
         Lines linesOfFrames;
         Lines lines;
     };
@@ -61,7 +61,7 @@ protected:
         return std::string(R"(captured keys=["code", "state", "user"])") + shownValues;
     }
 
-    /// A form of the page itself that goes to the redirect URI.
+    /// A form in the page itself that is submitted to the redirect URI.
     Answer byForm(const std::string& name, std::function<void()> act) const {
         return {.name = name,
                 .mode = ResponseMode::formPost,
@@ -73,7 +73,7 @@ protected:
                 .lines = linesOfPost()};
     }
 
-    /// The same in a frame.
+    /// The same form in a frame.
     Answer byFrame(const std::string& name, const std::string& attributes) const {
         auto answer = byForm(name, script("frames[0].document.forms[0].requestSubmit()"));
         answer.page = "<iframe src=/auth/continue></iframe>";
@@ -82,7 +82,7 @@ protected:
         return answer;
     }
 
-    /// A form that goes to the provider, which passes it on as it is.
+    /// A form that is submitted to the provider, which passes it on unchanged to the redirect URI.
     Answer byPassedOnForm() const {
         auto answer = byForm("a form passed on by 307", script("document.forms[0].requestSubmit()"));
         answer.page = form("/auth/continue");
@@ -96,7 +96,8 @@ protected:
         return answer;
     }
 
-    /// A redirect whose URL holds the parameters behind `separator`, after a step that is told of so.
+    /// A redirect to a URL with the parameters after `separator`. The page runs the script `step` first,
+    /// which logs `linesOfStep`.
     Answer byRedirect(const std::string& name, ResponseMode mode, char separator, int status,
                       const std::string& step, const Lines& linesOfStep, int type) const {
         const auto location = std::string(callback) + separator + "code=" + urlCode + "&state=" + state;
@@ -194,7 +195,7 @@ TEST_F(SignInAnswerTest, isCapturedOnceAndNeverLoaded) { expectAnswersAreCapture
 
 TEST_F(SignInAnswerTest, toAnInitiatorIsCapturedOnceAndNeverLoaded) { expectAnswersAreCaptured(initiator); }
 
-// A control's name hides the form's own member from the script, as docs/session.md says.
+// A control hides the form's member of the same name from the script; see docs/session.md.
 TEST_F(SignInAnswerTest, ofAFormWithAControlNamedActionOrMethodHasNoParameters) {
     for (const std::string name : {"action", "method"}) {
         SCOPED_TRACE(name);

@@ -1,4 +1,4 @@
-// How a sign-in ends that brings no answer, or more than one.
+// The end of sign-ins that get no answer or several answers.
 
 #include "Platform/AppKit/Window.h"
 #include "Platform/WebKit/WebView.h"
@@ -19,7 +19,8 @@ const auto signInPage = HTTPResponse::html("<!DOCTYPE html><title>Sign in</title
 
 class SignInEndingTest : public SignInTest {
 protected:
-    /// Expects that the sign-in failed before a page showed, as the line says and the error repeats.
+    /// Expects that the sign-in failed before it showed a page. The error repeats the message of the log
+    /// line.
     void expectFailure(const std::string& domainAndCode) const {
         ASSERT_EQ(results.size(), 1U);
         ASSERT_FALSE(results.front().has_value());
@@ -101,7 +102,7 @@ TEST_F(SignInEndingTest, closingTheWindowEndsNothingAndTheTimeoutDoes) {
 TEST_F(SignInEndingTest, aServerThatNeverAnswersEndsItAfterTheRequestsTimeout) {
     server->route("/auth/authorize", held());
     session = makeSession();
-    // Long enough for the engine to come up on a busy machine.
+    // Long enough for WebKitGTK to start on a busy machine.
     AuthSessionInspector::setRequestTimeout(*session, 5);
     session->start();
     ASSERT_TRUE(waitForEnding());

@@ -1,4 +1,4 @@
-// Where the sign-in page may go.
+// The navigations that a session allows.
 
 #include "Platform/WebKit/WebView.h"
 #include "Tests/KeyloftCore/linux/SignInTest.h"
@@ -12,7 +12,7 @@ namespace {
 
 class SignInPolicyTest : public SignInTest {
 protected:
-    /// What the page tries, and what is told of it.
+    /// A navigation that the page attempts, and the log lines that follow.
     struct Attempt {
         std::string name;
         std::string script;

@@ -1,5 +1,5 @@
-// The page's report of its form and its navigation come from the engine on their own; the report must be
-// first each time.
+// WebKitGTK delivers the page's report of its form and the form's navigation independently. The report must
+// arrive first every time.
 
 #include "Tests/KeyloftCore/linux/SignInTest.h"
 #include "Tests/Support/linux/MainLoop.h"
@@ -13,7 +13,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Short enough to be logged whole.
+/// Short enough for the log to show it in full.
 std::string code(int number) { return "code " + std::to_string(number); }
 
 constexpr auto submissions = std::to_array<std::string_view>(
@@ -46,7 +46,7 @@ TEST_F(SignInRepetitionTest, eachOfManySignInsGetsItsOwnFields) {
     constexpr int atOnce = 5;
     int pages = 0;
     server->route("/auth/authorize", [&pages](const HTTPRequest&) {
-        // Submitted while the page still comes in.
+        // The script submits the form while the page is still loading.
         const int number = pages++;
         return HTTPResponse::html(form(code(number)) + "<script>const form = document.forms[0]; " +
                                   std::string(submissions.at(number % submissions.size())) + "</script>");

@@ -1,5 +1,5 @@
-// What a sign-in leaves behind: nothing in the engine's stores and files, and of its secrets no more in the
-// log than the beginnings that the lines show.
+// A sign-in leaves nothing in WebKitGTK's data stores and files. The log contains no more of its secrets than
+// the documented beginnings.
 
 #include "Platform/WebKit/WebView.h"
 #include "Tests/KeyloftCore/linux/SignInTest.h"
@@ -21,8 +21,8 @@ namespace {
 
 class SignInSecrecyTest : public SignInTest {
 protected:
-    /// A page that keeps the marker as cookie and in its storage, and tells in its form, which goes to the
-    /// redirect URI, and in its title what was there before.
+    /// A page that stores the marker in a cookie and in local storage. Its title and its form, which is
+    /// submitted to the redirect URI, contain what was stored before.
     static auto keepingPage(const std::string& marker) {
         return [marker](const HTTPRequest& request) {
             const auto cookie = request.headers.find("cookie");
@@ -41,7 +41,8 @@ protected:
         };
     }
 
-    /// Whether a file of the user's directories holds the text, as bytes or in two bytes a character.
+    /// Returns true if a file in the user's directories has the text in its path or its contents, in one or
+    /// two bytes per character.
     static bool isOnDisk(const std::string& text) {
         std::string wide;
         for (const char character : text) {
@@ -63,7 +64,7 @@ protected:
         return false;
     }
 
-    /// What is told, without the lines that show the beginning of a URL.
+    /// The text on standard error, without the lines that show the beginning of a URL.
     std::string textWithoutURLs() const {
         std::string rest;
         std::istringstream text(standardError->text());
@@ -108,7 +109,7 @@ TEST_F(SignInSecrecyTest, nothingThatAPageKeepsOutlivesItsSession) {
     server->route("/auth/authorize", keepingPage("of-the-browser"));
     browser->load({.url = request(ResponseMode::formPost).url()});
     EXPECT_TRUE(runUntil([&] { return browser->title() == "none and undefined"; }));
-    // The search finds what is there.
+    // Prove that the search finds stored data.
     EXPECT_TRUE(runUntil([] { return isOnDisk("cookie-of-the-browser"); }));
     EXPECT_TRUE(runUntil([] { return isOnDisk("stored-of-the-browser"); }));
     EXPECT_FALSE(isOnDisk("cookie-of-a-session"));

@@ -17,14 +17,14 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// How the lines of sessions begin; the engine's processes and the toolkit write others.
+/// The beginnings of the lines that sessions log. WebKitGTK's processes and GTK write other lines.
 constexpr auto beginnings = std::to_array<std::string_view>(
     {"loading ", "nav ", "blocked navigation to ", "didFinish ", "didFailProvisional ", "webViewDidClose",
      "form submit hooked ", "POST body ", "captured "});
 
 constexpr std::chrono::seconds patience(60);
 
-/// Where the page is sent, and may not go, to see that everything before has been told.
+/// A blocked URL to which a test sends the page last. Once the block is logged, so is everything before it.
 constexpr auto farewell = "https://farewell.example/";
 constexpr auto farewellBlocked = "blocked navigation to farewell.example";
 
@@ -42,7 +42,7 @@ void SignInTest::SetUp() {
 }
 
 void SignInTest::TearDown() {
-    // One that has not ended would go on, and end in a test that is no more.
+    // End the sessions that are still running: their completions refer to this test.
     for (const auto& made : sessions_) {
         if (const auto running = made.lock(); running && AuthSessionInspector::runCount(*running) > 0) {
             AuthSessionInspector::timeoutTimer(*running)->fire();
@@ -120,7 +120,8 @@ SignInTest::Lines SignInTest::lines() const {
 
 void SignInTest::expectLinesOnceQuiet(const Lines& expected) const {
     EXPECT_TRUE(waitForLine(expected.back()));
-    // Not at once: that would replace a navigation the page has begun and nobody has been told of.
+    // Set a timer: an immediate assignment replaces a navigation that the page has begun but WebKitGTK has
+    // not reported yet.
     run(std::string("setTimeout(() => { location.href = '") + farewell + "' })");
     EXPECT_TRUE(waitForLine(farewellBlocked));
     expectLines(expected);

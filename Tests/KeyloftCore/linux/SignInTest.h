@@ -15,8 +15,7 @@
 #include <string_view>
 #include <vector>
 
-/// Sign-ins with the real engine at the provider's true host name, where a server of the test's own answers
-/// for all hosts alike.
+/// Sign-ins in WebKitGTK at the provider's real host name. One server of the test answers for all hosts.
 class SignInTest : public testing::Test {
 public:
     SignInTest(const SignInTest&) = delete;
@@ -35,7 +34,7 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// The URL that is asked for; its secrets stand behind everything that log lines show of it.
+    /// The authorize URL. Its secrets come after the part that log lines show.
     static std::string authorizeURL(KeyloftCore::ResponseMode mode);
     static KeyloftCore::AuthorizeRequest request(KeyloftCore::ResponseMode mode);
 
@@ -46,7 +45,7 @@ protected:
     /// Makes `session` and starts it.
     void start(KeyloftCore::ResponseMode mode = KeyloftCore::ResponseMode::formPost,
                const std::optional<std::string>& initiatorOrigin = std::nullopt);
-    /// The same, and waits until the provider's page is there.
+    /// The same, and waits until the provider's page has loaded.
     void showPage(KeyloftCore::ResponseMode mode = KeyloftCore::ResponseMode::formPost,
                   const std::optional<std::string>& initiatorOrigin = std::nullopt);
 
@@ -60,11 +59,11 @@ protected:
     [[nodiscard]] bool waitForLine(const std::string& line) const;
     [[nodiscard]] bool waitForTitle(const std::string& title) const;
 
-    /// What sessions told on standard error.
+    /// The lines that sessions have logged to standard error.
     Lines lines() const;
-    /// Expects exactly these lines, of which the last may still be on its way.
+    /// Expects exactly these log lines. Waits for the last of them.
     void expectLines(const Lines& expected) const;
-    /// The same, and that none follows.
+    /// The same, and expects that no line follows.
     void expectLinesOnceQuiet(const Lines& expected) const;
 
     /// The lines of a session that shows the provider's page.
@@ -72,12 +71,12 @@ protected:
                              const std::optional<std::string>& initiatorOrigin = std::nullopt);
     static std::string navigation(std::string_view method, std::string_view url, int type = -1);
     static std::string finished(std::string_view url);
-    /// What follows when a redirect was stopped.
+    /// The log line that follows a stopped redirect.
     static constexpr auto redirectStopped = "didFailProvisional WebKitErrorDomain 102 Frame load interrupted";
 
-    /// Expects one ending, with these parameters for the request of this mode.
+    /// Expects exactly one ending: a result with these parameters for a request of this mode.
     void expectResult(KeyloftCore::ResponseMode mode, const Params& params) const;
-    /// Expects one ending, with this error.
+    /// Expects exactly one ending: this error.
     void expectError(const KeyloftCore::HostError& error) const;
 
     std::optional<TestSupport::HTTPServer> server;

@@ -1,4 +1,5 @@
-// A program of somebody else's that can carry out a sign-in; without a display it only prepares one.
+// A program outside the project that can carry out a sign-in. Without arguments it needs no display and only
+// prepares one.
 
 #include "KeyloftCore/AuthSession.h"
 #include "KeyloftCore/RelayTarget.h"
