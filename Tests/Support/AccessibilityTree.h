@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-/// What assistive technology is told of this program or another, asked over the session's accessibility bus
-/// as a screen reader does. Main thread only; the main loop runs meanwhile, as it may be this program that
-/// answers.
+/// The objects that this or another program exposes to assistive technology, queried over the session's
+/// accessibility bus as a screen reader does. Main thread only. The main loop runs meanwhile, because this
+/// program may be the one that answers.
 namespace TestSupport {
 
 struct AccessibleObject {
-    /// As the bus names it: "push button", "text".
+    /// The bus's name of the role, such as "push button" or "text".
     std::string role;
     std::string name;
     bool isEnabled = false;
@@ -19,14 +19,14 @@ struct AccessibleObject {
     bool isFocused = false;
 };
 
-/// Every object of this program, from the outside to the inside, those of web pages left out. Throws
-/// std::runtime_error when the bus does not answer.
+/// All objects of this program except those of web pages, each before the objects inside it. Throws
+/// std::runtime_error if the bus does not answer.
 std::vector<AccessibleObject> accessibleObjects();
 
-/// Every such object of another process.
+/// All such objects of another process.
 std::vector<AccessibleObject> accessibleObjects(pid_t process);
 
-/// Those of this program that have the name.
+/// The objects of this program with this name.
 std::vector<AccessibleObject> accessibleObjects(const std::string& name);
 
 } // namespace TestSupport

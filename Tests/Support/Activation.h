@@ -16,8 +16,8 @@ inline bool callOverBus(const std::string& name, const std::string& object, cons
     return Program("/usr/bin/env", words).waitForExit() == 0;
 }
 
-/// Asks the session bus for Keyloft as a desktop does: to open the URLs or, without one, to be activated. If
-/// the program does not run, the bus starts it from its service file.
+/// Calls Keyloft over the session bus as a desktop does: to open the URLs or, without URLs, to activate it.
+/// If the program is not running, the bus starts it from its service file.
 inline bool activate(const std::vector<std::string>& urls = {}) {
     std::string list;
     for (const auto& url : urls) {

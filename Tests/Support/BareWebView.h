@@ -5,8 +5,9 @@
 
 namespace TestSupport {
 
-/// The web engine in a plain window of the toolkit, with nothing of ours around it and a store of its own in
-/// memory: what the program is measured beside. Gone from the screen with the object. Main thread only.
+/// A native web view in a plain native window, without any class of Platform and with an ephemeral data store
+/// of its own: the baseline with which the program is compared. The destructor closes the window. Main thread
+/// only.
 class BareWebView {
 public:
     /// The content's size in points.

@@ -13,7 +13,8 @@
 
 namespace TestSupport {
 
-/// Standard error for the length of a test: a packet socket, so that each write stays apart.
+/// Redirects standard error to a packet socket while it exists, so that each write remains a packet of its
+/// own.
 class CapturedError {
 public:
     CapturedError()

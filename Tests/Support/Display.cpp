@@ -31,7 +31,7 @@ namespace {
 
 using Platform::Descriptor;
 
-// How long a server may take to come up on a machine under load.
+// The time limit for the start of a server on a machine under load.
 constexpr auto startLimit = std::chrono::seconds(30);
 
 [[noreturn]] void fail(const std::string& what) {
@@ -52,7 +52,8 @@ struct Pipe {
     }
 };
 
-/// Waits until one of the descriptors is readable or closed at the other end; false when the time is up.
+/// Waits until one of the descriptors is readable or closed at the other end. Returns false after
+/// `startLimit`.
 template <std::size_t count>
 bool waitForAny(std::array<pollfd, count>& descriptors) {
     const auto deadline = std::chrono::steady_clock::now() + startLimit;
@@ -73,8 +74,8 @@ bool waitForAny(std::array<pollfd, count>& descriptors) {
     }
 }
 
-/// Where an object was made. A process that a test forks and that exits in the ordinary way destroys copies
-/// of its parent's objects, and must leave alone what they stand for.
+/// The process that created an object. A process that a test forks destroys copies of its parent's objects if
+/// it exits normally. It must not release the resources of the originals.
 class Maker {
 public:
     [[nodiscard]] bool isThisProcess() const { return ::getpid() == process_; }
@@ -83,14 +84,14 @@ private:
     pid_t process_ = ::getpid();
 };
 
-/// A process that ends with this object, or with this process should that come first.
+/// A child process that ends with this object, or with this process if that ends first.
 class Child {
 public:
-    /// `output`, where given, becomes the child's standard output.
+    /// `output` becomes the child's standard output unless it is -1.
     Child(std::string name, const std::vector<std::string>& arguments, int output = -1)
         : name_(std::move(name)) {
-        // Everything the child needs is made before the fork: a test may have started threads by now, and
-        // between fork and exec the child may then neither allocate nor take a lock.
+        // Create everything that the child needs before the fork: a test may have started threads, and then
+        // the child must not allocate or take a lock between fork and exec.
         std::vector<std::string> texts = arguments;
         std::vector<char*> argv;
         argv.reserve(texts.size() + 1);
@@ -105,12 +106,11 @@ public:
             fail("fork");
         }
         if (process_ == 0) {
-            // The parent may have died before the request reached the kernel; then nobody would end this
-            // process.
+            // If the parent ended before this call, no signal will end this process.
             if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || ::getppid() != parent) {
                 ::_exit(126);
             }
-            // Whatever the test program blocks or ignores, its servers can be ended.
+            // SIGTERM must end the child even if the test program blocks or ignores it.
             ::signal(SIGTERM, SIG_DFL);
             sigset_t none;
             ::sigemptyset(&none);
@@ -139,7 +139,8 @@ public:
 
     [[nodiscard]] pid_t process() const { return process_; }
 
-    /// The first line that comes from `source`. Throws when the child ends or the time is up before that.
+    /// Returns the first line from `source`. Throws std::runtime_error if the child ends or `startLimit`
+    /// passes first.
     std::string readLine(int source) const {
         std::string line;
         while (true) {
@@ -197,7 +198,7 @@ public:
         if (!maker_.isThisProcess()) {
             return;
         }
-        // What the tests started may still be writing its last files while it ends.
+        // Processes that the tests started may still write files while they end.
         std::error_code error;
         for (int attempt = 0; attempt < 10; ++attempt) {
             std::filesystem::remove_all(path_, error);
@@ -238,7 +239,7 @@ public:
         if (::mkfifo(ready.c_str(), 0600) != 0) {
             fail("mkfifo");
         }
-        // Opened for both, the queue does not report an end while nobody has it open for writing yet.
+        // Opened for reading and writing, the FIFO does not report an end before the first writer opens it.
         const Descriptor source(::open(ready.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC),
                                 "open " + ready.string());
         windowManager_.emplace("openbox",
@@ -281,7 +282,7 @@ private:
         setVariable("LIBGL_ALWAYS_SOFTWARE", "1");
         setVariable("GIO_USE_VFS", "local");
         setVariable("GSETTINGS_BACKEND", "memory");
-        // Whatever these say concerns the session that the tests were started from.
+        // These variables describe the session from which the tests were started.
         for (const char* name :
              {"DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS",
               "NO_AT_BRIDGE", "LC_ALL", "LANGUAGE", "GTK_THEME", "GTK_A11Y", "GTK_IM_MODULE"}) {
@@ -291,24 +292,23 @@ private:
 
     void startDisplay() {
         Pipe number;
-        // Without auto-repeat (-r): on a machine under load a pressed key would be held long enough to
-        // repeat.
+        // Disable auto-repeat (-r): on a machine under load a key is held long enough to repeat.
         display_.emplace("Xvfb",
                          std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24",
                                                   "-nolisten", "tcp", "-noreset", "-r"},
                          number.writeEnd.get());
         number.writeEnd.close();
         setVariable("DISPLAY", ":" + display_->readLine(number.readEnd.get()));
-        // At the first typed key the server tells everyone of a new keyboard. The window manager then lets go
-        // of its keys and takes them anew, and what is typed meanwhile is lost to it: so that key is typed
-        // while nobody is there.
+        // At the first typed key the X server announces a new keyboard to all clients. openbox then releases
+        // its key grabs and grabs the keys again, and misses what is typed in between (seen with 3.6.1, not
+        // reported). Type that key before there are clients.
         if (std::system("xdotool key --delay 0 Shift_L") != 0) {
             throw std::runtime_error("xdotool could not type a key");
         }
     }
 
-    // The system's configuration would let the bus start whatever is installed: portals, settings daemons and
-    // key rings, which differ from machine to machine and outlive the test.
+    // With the default configuration, the bus would start whatever is installed: portals, settings daemons
+    // and key rings, which differ between machines and outlive the test.
     void startBus() {
         const std::filesystem::path services = makeDirectory("services");
         const std::filesystem::path accessibility = "/usr/share/dbus-1/services/org.a11y.Bus.service";
@@ -331,15 +331,16 @@ private:
         setVariable("DBUS_SESSION_BUS_ADDRESS", bus_->readLine(address.readEnd.get()));
     }
 
-    // Ended from the last to the first; the directory goes when nobody uses it any more.
+    // Destroyed from the last to the first. The directory is removed when no process uses it any more.
     TemporaryDirectory directory_;
     std::optional<Child> display_;
     std::optional<Child> bus_;
     std::optional<Child> windowManager_;
 };
 
-// Ended by its destructor after main(): what the toolkit and the engine do at exit still needs the display,
-// and since they are first used later than this, their exit handlers run earlier.
+// The destructor ends the session after main(). The exit handlers of GTK and WebKitGTK still need the
+// display. Both are first used after this object is created, so their exit handlers run before the
+// destructor.
 std::optional<Session>& theSession() {
     static std::optional<Session> session;
     return session;

@@ -6,31 +6,30 @@
 #include <string>
 #include <vector>
 
-/// What a program in a display session can rely on, and ask for; every test program linked to
-/// KeyloftDisplayTestMain is in one.
+/// The display session of a test program. Every test program linked to KeyloftDisplayTestMain runs in one.
 ///
 /// The session has a private X server (DISPLAY; 1600 by 1200 pixels, 24 bits) and a private session bus
-/// (DBUS_SESSION_BUS_ADDRESS; nothing but the accessibility bus can be activated on it), which end with the
-/// program. HOME and every XDG directory lie in a fresh temporary directory that is
-/// removed at the end. The toolkit draws in software, and settings are kept in memory. Should the test
-/// program crash, what the session started ends with it.
+/// (DBUS_SESSION_BUS_ADDRESS; only the accessibility bus can be activated on it), which end with the program.
+/// HOME and all XDG directories are in a new temporary directory, which is removed at the end. GTK draws in
+/// software, and settings are kept in memory. If the test program crashes, the processes of the session end
+/// as well.
 ///
 /// Main thread only.
 namespace TestSupport {
 
-/// Begins the session, before the program uses the toolkit. Throws std::exception where a part of it does
-/// not come up.
+/// Begins the session. To be called before the program uses GTK. Throws std::exception if a part of the
+/// session does not start.
 void beginDisplaySession();
 
-/// Starts a window manager (openbox) on the private display unless that was done before, and returns once it
-/// manages windows. Without one, windows have no frame and the keyboard focus is not given to new windows.
-/// Throws std::runtime_error when it does not come up.
+/// Starts a window manager (openbox) on the private display unless it runs already, and returns once it
+/// manages windows. Without a window manager, windows have no frame and new windows do not get the keyboard
+/// focus. Throws std::runtime_error if it does not start.
 void startWindowManager();
 
-/// The temporary directory that holds HOME and the rest.
+/// The temporary directory that contains HOME and the XDG directories.
 const std::filesystem::path& sessionDirectory();
 
-/// The session's processes that run now, by their ids: the X server, the session bus and, once started, the
+/// The ids of the session's processes that are running: the X server, the session bus and, once started, the
 /// window manager.
 std::vector<pid_t> sessionProcesses();
 

@@ -6,7 +6,7 @@
 
 namespace TestSupport {
 
-/// Sets an environment variable for as long as it lives.
+/// Sets an environment variable while it exists, and then restores the previous value.
 class EnvironmentVariable {
 public:
     EnvironmentVariable(const char* name, const char* value)

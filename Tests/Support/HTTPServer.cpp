@@ -41,13 +41,13 @@ void sendAll(int descriptor, std::string_view data) {
     while (!data.empty()) {
         const ssize_t size = ::send(descriptor, data.data(), data.size(), MSG_NOSIGNAL);
         if (size < 0) {
-            return; // the client went away, which is its good right
+            return; // the client may close the connection at any time
         }
         data.remove_prefix(static_cast<std::size_t>(size));
     }
 }
 
-/// The request at the beginning of `text`, or nothing while it is not all there.
+/// Parses the request at the beginning of `text`. Returns nothing if it is incomplete.
 std::optional<HTTPRequest> parse(std::string_view text) {
     const auto end = text.find("\r\n\r\n");
     if (end == std::string_view::npos) {
@@ -93,7 +93,7 @@ std::optional<HTTPRequest> parse(std::string_view text) {
 
 std::string serialize(const HTTPResponse& response) {
     using Ending = HTTPResponse::Ending;
-    // What a body that is not finished promises beyond what it sends.
+    // The number of bytes by which Content-Length exceeds an unfinished body.
     constexpr std::size_t missing = 100000;
     const bool isWhole = response.ending == Ending::complete || response.ending == Ending::held;
     std::string text = "HTTP/1.1 " + std::to_string(response.status) + " Status\r\n";
@@ -176,9 +176,9 @@ private:
     struct Connection {
         Platform::Descriptor descriptor;
         std::string received;
-        /// Set once the request is there.
+        /// Set once the request is complete.
         std::optional<std::string> path;
-        /// What a release sends.
+        /// The response that `release` sends.
         std::string heldAnswer;
         bool isDone = false;
     };
@@ -213,7 +213,7 @@ private:
         }
     }
 
-    /// Does what other threads asked for; false at the end.
+    /// Carries out what other threads have requested. Returns false if the server must stop.
     bool obey() {
         std::uint64_t times = 0;
         [[maybe_unused]] const ssize_t size = ::read(wakeUp_.get(), &times, sizeof times);
@@ -248,7 +248,7 @@ private:
             return;
         }
         if (connection.path) {
-            return; // one request to a connection
+            return; // one request per connection
         }
         connection.received.append(buffer.data(), static_cast<std::size_t>(size));
         if (const auto request = parse(connection.received)) {
@@ -290,8 +290,8 @@ private:
     Platform::Descriptor listener_;
     Platform::Descriptor wakeUp_;
     int port_ = 0;
-    std::vector<Connection> connections_; // the thread's own
-    mutable std::mutex mutex_;            // guards what follows
+    std::vector<Connection> connections_; // used only by the thread
+    mutable std::mutex mutex_;            // guards the following members
     std::map<std::string, Route> routes_;
     std::vector<HTTPRequest> requests_;
     std::vector<std::string> released_;
@@ -328,7 +328,7 @@ std::vector<HTTPRequest> HTTPServer::requests(const std::string& path) const {
 
 HTTPServer::RefusedPort::RefusedPort()
     : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "test server's socket") {
-    // Bound, so that nobody else gets it, and not listened on.
+    // Bind the port so that no other process gets it, but do not listen on it.
     port_ = bindToLoopback(descriptor_.get());
 }
 

@@ -16,7 +16,7 @@ struct HTTPRequest {
     std::string method;
     /// Without the query.
     std::string path;
-    /// Without "?"; empty when there is none.
+    /// Without "?". Empty if the URL has no query.
     std::string query;
     /// Names in lower case.
     std::map<std::string, std::string> headers;
@@ -24,17 +24,17 @@ struct HTTPRequest {
 };
 
 struct HTTPResponse {
-    /// What becomes of the connection.
+    /// The end of the response and of its connection.
     enum class Ending {
-        /// The whole answer is sent.
+        /// The complete response is sent.
         complete,
-        /// Nothing is sent until `HTTPServer::release`, then the whole answer.
+        /// Nothing is sent until `HTTPServer::release`, which sends the complete response.
         held,
-        /// Head and body are sent, and the rest that the head promises never comes.
+        /// Head and body are sent. The head announces more, which never comes.
         unfinished,
-        /// Head and body are sent, the head promising more, and the connection is closed.
+        /// Head and body are sent. The head announces more, but the connection is closed.
         cutShort,
-        /// The connection is closed without an answer.
+        /// The connection is closed without a response.
         dropped,
     };
 
@@ -43,19 +43,19 @@ struct HTTPResponse {
     std::string body;
     Ending ending = Ending::complete;
 
-    /// A page that is asked for again each time it is shown.
+    /// A page that is not cached: the browser requests it each time.
     static HTTPResponse html(const std::string& body);
-    /// The same, of this title.
+    /// The same with this title.
     static HTTPResponse page(const std::string& title);
     static HTTPResponse redirect(const std::string& location, int status = 302);
 
-    /// The same with another end.
+    /// A copy of this response with another ending.
     HTTPResponse withEnding(Ending other) const;
 };
 
-/// A web server on a free port of loopback, on a thread of its own, that answers as the test says. Everything
-/// may be called from any thread; routes are called on the server's, one at a time, and must not call the
-/// server.
+/// A web server on a free loopback port. It runs on a thread of its own and responds with the routes of the
+/// test. All functions may be called from any thread. Routes are called on the server's thread, one at a
+/// time, and must not call the server.
 class HTTPServer {
 public:
     using Route = std::function<HTTPResponse(const HTTPRequest&)>;
@@ -69,18 +69,18 @@ public:
     /// The URL of `path`, which begins with "/".
     std::string url(const std::string& path) const;
 
-    /// Answers requests for `path`; whatever has no route gets a 404.
+    /// Sets the response to requests for `path`. Requests for a path without a route get a 404.
     void route(const std::string& path, Route route);
     void route(const std::string& path, const HTTPResponse& response);
 
-    /// Sends the answers of `path` that are held; later ones are held again.
+    /// Sends the held responses of `path`. Later responses are held again.
     void release(const std::string& path);
 
-    /// How many requests for `path` have come, and those themselves, in order.
+    /// The number of requests for `path` so far, and the requests themselves, in order.
     std::size_t count(const std::string& path) const;
     std::vector<HTTPRequest> requests(const std::string& path) const;
 
-    /// A port of loopback on which nobody listens, as long as the object lives.
+    /// A loopback port that refuses connections while the object exists.
     class RefusedPort {
     public:
         RefusedPort();

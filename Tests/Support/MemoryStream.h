@@ -11,7 +11,7 @@
 
 namespace TestSupport {
 
-/// A body as an engine might hand it over, which notes how it is read.
+/// A request body in memory that records how it is read.
 class MemoryStream : public Platform::InputStream {
 public:
     explicit MemoryStream(std::string bytes)
@@ -31,9 +31,9 @@ public:
     }
     void close() override { events.emplace_back("close"); }
 
-    /// What was called, in order.
+    /// The calls so far, in order.
     std::vector<std::string> events;
-    /// After so many calls reading fails.
+    /// After this many calls, reading fails.
     std::size_t failsFrom = static_cast<std::size_t>(-1);
 
 private:

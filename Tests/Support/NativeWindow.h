@@ -14,37 +14,37 @@
 #include <string>
 #include <vector>
 
-/// What a person sees of the application's windows and does with them, asked of the toolkit itself and not of
-/// Platform's objects. Everything runs the main loop where it has to wait; what the toolkit never does is a
-/// test failure. Main thread only.
+/// Observes and operates the application's windows as a user does, through the native toolkit instead of
+/// Platform's objects. Functions that wait run the main loop. A condition that never comes about is a test
+/// failure. Main thread only.
 namespace TestSupport {
 
-/// Waits until all that was changed so far is laid out and drawn.
+/// Waits until all changes so far are laid out and drawn.
 void waitForLayout(Platform::Window& window);
 
 /// The window's content, below menu bar and tab strip, in the native window's coordinates.
 Platform::Rect contentFrame(Platform::Window& window);
 
-/// The native window that the window is, or is a tab of, without its frame.
+/// The size of the native window that contains the window, alone or as a tab. Excludes the frame.
 Platform::Size nativeWindowSize(Platform::Window& window);
 
-/// Where the toolkit placed the view, relative to its window's content.
+/// The bounds of the native view, relative to its window's content.
 Platform::Rect boundsInContent(Platform::View& view);
 
-/// Whether the view is on the screen.
+/// Returns true if the view is on the screen.
 bool isShown(Platform::View& view);
 
-/// Gives the native window the size at which the content has the given one, as the user's dragging of a
-/// corner does. False when it does not get it.
+/// Resizes the native window so that the content gets this size, as a user does by dragging a corner. Returns
+/// false if the content does not get it.
 [[nodiscard]] bool resizeContent(Platform::Window& window, Platform::Size size);
 
-/// The least size that the toolkit lets the content have.
+/// The minimum size of the content.
 Platform::Size leastContentSize(Platform::Window& window);
 
-/// Lets the application forget the frames that windows kept, so that the next one opens as at a first start.
+/// Deletes the saved window frames, so that the next window opens as at a first start.
 void forgetWindowFrames();
 
-/// What the native window's title bar says.
+/// The title of the native window.
 std::string nativeTitle(Platform::Window& window);
 
 bool shareNativeWindow(Platform::Window& one, Platform::Window& other);
@@ -52,7 +52,7 @@ bool shareNativeWindow(Platform::Window& one, Platform::Window& other);
 std::vector<std::string> tabTitles(Platform::Window& window);
 bool isTabStripShown(Platform::Window& window);
 bool isSelectedTab(Platform::Window& window);
-/// Whether the tab is marked as one that wants to be looked at.
+/// Returns true if the tab is marked as needing attention.
 bool needsAttention(Platform::Window& window);
 void selectTab(Platform::Window& window);
 /// Closes the tab as the button on it does.
@@ -64,16 +64,16 @@ void clickNewTabButton(Platform::Window& window);
 /// Returns false if the window's hints ask the window manager for a frame without minimising.
 bool frameHintsAllowMinimizing(Platform::Window& window);
 
-/// Whether the keyboard goes to this window's native one.
+/// Returns true if the native window that contains this window has the keyboard focus.
 bool isActive(Platform::Window& window);
 
 /// The title of this program's native window that has the keyboard focus, or an empty text.
 std::string activeTitle();
 
-/// Starts a window manager if need be, and waits until the keyboard goes to the window.
+/// Starts a window manager if necessary, and waits until the window has the keyboard focus.
 void activate(Platform::Window& window);
 
-/// A native window that has nothing to do with the application's and takes the keyboard.
+/// A native window that does not belong to the application's windows and takes the keyboard focus.
 class OtherWindow {
 public:
     OtherWindow();
@@ -86,9 +86,9 @@ private:
     std::unique_ptr<Native> native_;
 };
 
-/// Presses keys ("ctrl+t", "Return"), types a text or clicks in the middle of a view: real events from the
-/// display, for whoever has the keyboard or stands there. Returns once they are sent, not once they took
-/// effect.
+/// Presses keys ("ctrl+t", "Return"), types a text or clicks in the middle of a view. These are real events
+/// of the display: they go to the window that has the keyboard focus or is under the pointer. Returns once
+/// they are sent, not once they take effect.
 void pressKey(const std::string& key);
 void typeText(const std::string& text);
 void click(Platform::View& view);
@@ -101,11 +101,11 @@ struct ScreenPoint {
     friend bool operator==(const ScreenPoint&, const ScreenPoint&) = default;
 };
 
-/// A place of the screen that no window of the usual size covers.
+/// A point of the screen that no window of the usual size covers.
 inline constexpr ScreenPoint bareDesktop{.x = 1590, .y = 1190};
 
-/// Where the pointer takes hold of the window's tab, of the button on it, of the strip's new-tab button. The
-/// strip must be shown; a tab's button is once the tab is selected or the pointer over it.
+/// The points to click for the window's tab, for the tab's close button, and for the strip's new-tab button.
+/// The strip must be shown. A close button is shown only while its tab is selected or under the pointer.
 ScreenPoint tabOnScreen(Platform::Window& window);
 ScreenPoint tabCloseButtonOnScreen(Platform::Window& window);
 ScreenPoint newTabButtonOnScreen(Platform::Window& window);
@@ -114,18 +114,18 @@ enum class PointerButton { primary = 1, middle = 2 };
 
 /// Moves the pointer there and clicks.
 void clickAt(ScreenPoint point, PointerButton button = PointerButton::primary);
-/// Takes hold at one place and lets go at the other, with the pauses and the steps of a hand.
+/// Drags from one point to the other, with the pauses and steps of a user.
 void drag(ScreenPoint from, ScreenPoint to);
 
 struct ShownMenu {
     double width = 0;
-    /// What the items say in whole, without their keys.
+    /// The complete labels of the items, without their key equivalents.
     std::vector<std::string> titles;
-    /// Whether a title is cut where it is drawn.
+    /// For each item, true if the label is drawn truncated.
     std::vector<bool> isCut;
 };
 
-/// Opens a menu of the menu bar, closes it, and returns what was to be seen meanwhile.
+/// Opens a menu of the menu bar, closes it, and returns what it showed.
 ShownMenu openedMenu(Platform::Window& window, const std::string& title);
 
 /// The titles in the menu bar, from left to right.
@@ -152,14 +152,14 @@ void pressKeyEquivalent(const Platform::MenuItem& item);
 /// The size of the screen.
 Platform::Size screenSize();
 
-/// Whether the keyboard goes to the view while its window is active and its tab selected.
+/// Returns true if the view gets the keyboard input while its window is active and its tab is selected.
 bool hasFocus(Platform::View& view);
-/// Whether it is seen on the view that it has the focus.
+/// Returns true if the view has the focus and shows it.
 bool showsFocus(Platform::View& view);
-/// As it is when the keyboard has not been used for a while.
+/// Hides the focus, as the toolkit does when the keyboard has not been used for a while.
 void hideFocus(Platform::Window& window);
 std::string selectedText(Platform::TextField& field);
-/// What the field shows.
+/// The text that the field shows.
 std::string shownText(Platform::TextField& field);
 
 struct ShownSheet {
@@ -171,17 +171,18 @@ struct ShownSheet {
     friend bool operator==(const ShownSheet&, const ShownSheet&) = default;
 };
 
-/// The sheet over the window's content, the first if several wait; nothing when there is none.
+/// The sheet over the window's content, or the first if several wait. Returns nothing if there is no sheet.
 std::optional<ShownSheet> shownSheet(Platform::Window& window);
 void pressSheetButton(Platform::Window& window, const std::string& title);
-/// Clicks where the button is to be seen, in the middle of it.
+/// Clicks in the middle of the button as it is shown on the screen.
 void clickSheetButton(Platform::Window& window, const std::string& title);
-/// Where the button of the sheet is, relative to the window's content.
+/// The frame of the sheet's button, relative to the window's content.
 Platform::Rect sheetButtonFrame(Platform::Window& window, const std::string& title);
-/// Whether the keyboard goes to the window's sheet while the window is active and its tab selected.
+/// Returns true if the window's sheet gets the keyboard input while the window is active and its tab is
+/// selected.
 bool hasSheetFocus(Platform::Window& window);
 
-/// Lives as long as the toolkit's own object of the view, and keeps nothing alive.
+/// A pointer that expires when the native object of the view is finalized. Does not keep that object alive.
 std::weak_ptr<void> nativeLifetime(Platform::View& view);
 
 /// Returns true if sideways swipes go back and forward in the view.
@@ -190,15 +191,15 @@ bool allowsSwipes(Platform::WebView& view);
 /// Runs a script in the page, without waiting for it.
 void runScript(Platform::WebView& view, const std::string& script);
 
-/// Kills the processes, the view's web process among them, and waits until the view has been told.
+/// Kills the processes, which must include the view's web process, and waits until the view is notified.
 [[nodiscard]] bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes);
 
-/// Sends requests of the view's network session to a proxy at a port of loopback, except requests to this
-/// host and those that have begun already.
+/// Sends requests of the view's network session to a proxy at a loopback port, except requests to this host
+/// and those that have already begun.
 void redirectTraffic(Platform::WebView& view, int port);
 
-/// As long as it lives, what web views ask of other hosts than this one goes to a port of loopback, as to a
-/// proxy: nothing leaves the machine.
+/// While it exists, requests of web views with the default data store go to a proxy at a loopback port,
+/// except requests to this host. Nothing leaves the machine.
 class TrafficRedirection {
 public:
     explicit TrafficRedirection(int port);

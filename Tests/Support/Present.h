@@ -6,7 +6,7 @@
 
 namespace TestSupport {
 
-/// What `value` holds; an absent one throws, which fails the test that expected it.
+/// Returns the value. Throws if it is absent, which fails the test.
 template <typename Value>
 Value present(std::optional<Value> value) {
     if (!value) {

@@ -16,7 +16,7 @@
 
 namespace TestSupport {
 
-/// What became of the child process of `inPrivateMounts`.
+/// The result of the child process of `inPrivateMounts`.
 enum class PrivateMountsResult { passed, failed, notAllowed };
 
 namespace Detail {
@@ -33,8 +33,9 @@ inline bool writeFile(const char* path, const std::string& text) {
 
 } // namespace Detail
 
-/// A mount namespace of this process's own, and others beside it, in a user namespace of its own where the
-/// system wants one. The user's number stays as it is: whoever is spoken to outside sees the same one.
+/// Moves this process into a new mount namespace and the namespaces `others` (CLONE_NEW… flags), within a new
+/// user namespace if the kernel requires it. The user and group ids stay the same, so processes outside see
+/// the same user. Returns false if the kernel does not allow it.
 inline bool enterNamespaces(int others = 0) {
     const int kinds = CLONE_NEWNS | others;
     if (unshare(kinds) != 0) {
@@ -49,8 +50,8 @@ inline bool enterNamespaces(int others = 0) {
     return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
-/// Runs `body`, expectations and all, in a child process that may mount what nobody else sees. Full and
-/// read-only disks are the failures that stop root too.
+/// Runs `body` with its expectations in a child process whose mounts no other process sees. Tests use full
+/// and read-only disks because these make writes fail even for root.
 inline PrivateMountsResult inPrivateMounts(const std::function<void()>& body) {
     static constexpr int failed = 1;
     static constexpr int notAllowed = 2;
@@ -73,7 +74,7 @@ inline PrivateMountsResult inPrivateMounts(const std::function<void()>& body) {
                                                : PrivateMountsResult::failed;
 }
 
-/// Mounts a disk of so many bytes at `directory`.
+/// Mounts a disk with a capacity of `bytes` at `directory`.
 inline void mountSmallDisk(const std::string& directory, int bytes) {
     const std::string options = "size=" + std::to_string(bytes);
     ASSERT_EQ(mount("none", directory.c_str(), "tmpfs", 0, options.c_str()), 0);
@@ -83,7 +84,7 @@ inline void makeReadOnly(const std::string& directory) {
     ASSERT_EQ(mount("none", directory.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
 }
 
-/// Fills the disk under `directory` with a file "filler" until nothing more fits, and proves it.
+/// Fills the disk at `directory` with a file "filler", and checks that nothing more fits.
 inline void fillDisk(const std::string& directory) {
     const int file = open((directory + "/filler").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_GE(file, 0);
@@ -105,7 +106,7 @@ inline void fillDisk(const std::string& directory) {
 
 } // namespace TestSupport
 
-/// Runs the statements given as a function in private mounts, or skips the test where the system allows none.
+/// Runs a function in private mounts, or skips the test if the kernel does not allow them.
 #define KEYLOFT_IN_PRIVATE_MOUNTS(...)                                                                       \
     do {                                                                                                     \
         const auto keyloftResult = TestSupport::inPrivateMounts(__VA_ARGS__);                                \

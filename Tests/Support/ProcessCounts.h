@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-/// How much of the system a process has in use; Linux's /proc tells.
+/// The resources that a process uses, read from Linux's /proc.
 namespace TestSupport {
 
 inline std::size_t entriesOf(const std::filesystem::path& directory) {
@@ -19,11 +19,11 @@ inline std::size_t entriesOf(const std::filesystem::path& directory) {
     return count;
 }
 
-/// Of this process (reading the list takes one itself, every time).
+/// The count for this process. Includes the descriptor with which the list is read.
 inline std::size_t openDescriptors() { return entriesOf("/proc/self/fd"); }
 inline std::size_t runningThreads() {
-    // A sanitizer begins a thread of its own with the program's first one; the first count must have it
-    // already.
+    // A sanitizer starts a thread of its own along with the program's first one. The first count must include
+    // it.
     [[maybe_unused]] static const bool begun = [] {
         std::filesystem::path task;
         std::thread([&task] { task = "/proc/self/task/" + std::to_string(gettid()); }).join();
@@ -34,7 +34,7 @@ inline std::size_t runningThreads() {
     }();
     return entriesOf("/proc/self/task");
 }
-/// Those of one name. A thread may end while the list is read.
+/// The number of threads with this name. A thread may end while the list is read.
 inline std::size_t runningThreads(const std::string& name) {
     std::size_t count = 0;
     for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {

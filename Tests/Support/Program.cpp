@@ -83,7 +83,7 @@ Program::Program(const std::filesystem::path& file, const std::vector<std::strin
     const pid_t parent = getpid();
     process_ = errors_ < 0 ? -1 : fork();
     if (process_ == 0) {
-        // The parent may have died before the request reached the kernel; then nobody would end this process.
+        // If the parent ended before this call, no signal will end this process.
         if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) {
             _exit(126);
         }

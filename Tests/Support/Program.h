@@ -10,8 +10,8 @@
 
 namespace TestSupport {
 
-/// A program of ours that runs as a process of its own, in the test's session. It ends with this object, or
-/// with the test should that come first.
+/// A program of the project that runs in a separate process, in the test's session. The process ends with
+/// this object, or with the test if that ends first.
 class Program {
 public:
     /// Variables that differ from the test's own environment; those without a value are unset.
@@ -26,16 +26,17 @@ public:
     pid_t id() const { return process_; }
     void signal(int number) const;
     bool isRunning() const;
-    /// Whether one of its threads has the name now.
+    /// Returns true if one of its threads has this name now.
     bool hasThread(const std::string& name) const;
 
-    /// Waits until the program has ended; its exit status, or nothing if it did not end or a signal ended it.
+    /// Waits until the program ends and returns its exit status. Returns nothing if it does not end or a
+    /// signal ended it.
     std::optional<int> waitForExit();
 
-    /// The next line of its standard output; nothing if none comes.
+    /// Returns the next line of its standard output, or nothing if no line comes.
     std::optional<std::string> nextLine();
 
-    /// All it has written to its standard error so far.
+    /// Everything it has written to standard error so far.
     std::string errors() const;
 
 private:

@@ -6,23 +6,23 @@
 
 namespace TestSupport {
 
-/// A private network in which the identity provider's hosts, and those of the programs that ask it, are this
-/// machine, and https to them is vouched for by an authority made for the occasion.
+/// A private network in which the host names of the identity provider and of its clients resolve to this
+/// machine. A temporary certificate authority issues their certificates.
 class ProviderNetwork {
 public:
-    /// Runs this program once more, with the same arguments, inside such a network, and ends the process as
-    /// that one ended. Returns inside it, and where the system lets nobody have a network of his own. To be
-    /// called at the program's begin. Throws std::exception when the network cannot be prepared.
+    /// Runs this program again inside such a network, with the same arguments, and exits with the status of
+    /// that run. Returns if the process is already inside, or if the kernel does not allow a private network.
+    /// To be called at the start of the program. Throws std::exception if the network cannot be prepared.
     static void enter(const std::vector<std::string>& arguments);
 
-    /// The one the process is in, or nothing.
+    /// The network that contains this process, or null.
     static const ProviderNetwork* current();
 
-    /// A key and a certificate of these hosts that the system trusts.
+    /// A key and a trusted certificate for these hosts.
     std::filesystem::path identity() const { return directory_ / "identity.pem"; }
-    /// The same names vouched for by somebody the system does not know.
+    /// A certificate for the same hosts from an unknown authority.
     std::filesystem::path strangersIdentity() const { return directory_ / "strangers-identity.pem"; }
-    /// A trusted certificate of another name.
+    /// A trusted certificate for another host.
     std::filesystem::path otherHostsIdentity() const { return directory_ / "other-hosts-identity.pem"; }
 
 private:

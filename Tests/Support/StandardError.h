@@ -10,8 +10,8 @@
 
 namespace TestSupport {
 
-/// What this process, and every one that it starts meanwhile, writes to standard error, as long as the object
-/// lives. Afterwards it is written where it was meant to go.
+/// Captures what this process, and processes that it starts meanwhile, write to standard error while the
+/// object exists. The destructor writes it to the original standard error.
 class StandardError {
 public:
     StandardError()

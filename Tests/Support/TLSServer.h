@@ -5,23 +5,23 @@
 
 namespace TestSupport {
 
-/// Stands on port 443 of this machine, as in a private network everybody may, in front of a server without
-/// encryption, on a thread of its own.
+/// A TLS proxy on loopback port 443 for a server without encryption. Runs on a thread of its own. In a
+/// private network, every user may listen on this port.
 class TLSServer {
 public:
     enum class Manner {
-        /// Hands everything on to the plain server and back.
+        /// Forwards all data to the plain server and back.
         forwards,
-        /// Resets each connection as soon as the client says something.
+        /// Resets each connection as soon as the client sends something.
         resets,
     };
 
-    /// `identity` is a file with key and certificate, `plainPort` the plain server's port on loopback. Throws
-    /// std::runtime_error when the port is taken.
+    /// `identity` is a file with a key and a certificate. `plainPort` is the plain server's port on loopback.
+    /// Throws std::runtime_error if port 443 is in use.
     TLSServer(const std::filesystem::path& identity, int plainPort, Manner manner = Manner::forwards);
     TLSServer(const TLSServer&) = delete;
     TLSServer& operator=(const TLSServer&) = delete;
-    /// Breaks all connections.
+    /// Closes all connections.
     ~TLSServer();
 
 private:

@@ -14,7 +14,7 @@
 
 namespace TestSupport {
 
-/// An empty directory of the test's own, removed with all it holds at the test's end.
+/// A new directory, removed with its contents when the object is destroyed.
 class TemporaryDirectory {
 public:
     TemporaryDirectory() {
@@ -38,7 +38,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// The names of what is in a directory, hidden files too.
+/// The names of the entries of a directory, hidden files included.
 inline std::set<std::string> namesIn(const std::filesystem::path& directory) {
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(directory)) {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// Recorded answers: files in Tests/Vectors with one JSON object a line, "in" the input and "out" the right
+/// Test vectors: files in Tests/Vectors with one JSON object per line. "in" is the input, "out" the expected
 /// answer.
 namespace TestSupport {
 
@@ -18,15 +18,15 @@ struct VectorRow {
     nlohmann::json out;
 };
 
-/// All rows of the file `name`.jsonl. A missing or empty file and a line that is no row are test failures.
+/// Returns all rows of the file `name`.jsonl. A missing or empty file and an invalid line are test failures.
 std::vector<VectorRow> readVectors(std::string_view name);
 
-/// Compares `answer(in)` with "out" in every row of the file and reports each row that differs. No answer is
-/// null.
+/// Compares `answer(in)` with "out" for every row of the file and reports each row that differs. `answer`
+/// returns null if there is no answer.
 void expectVectors(std::string_view name,
                    const std::function<nlohmann::json(const nlohmann::json& in)>& answer);
 
-/// `value` as JSON, null where there is none.
+/// Returns `value` as JSON, or null if it is absent.
 template <typename Optional>
 nlohmann::json orNull(const Optional& value) {
     return value ? nlohmann::json(*value) : nlohmann::json();

@@ -8,10 +8,10 @@
 
 namespace TestSupport {
 
-/// Long enough for a loaded machine under a sanitizer: only a failing test ever waits so long.
+/// Long enough for a loaded machine and a sanitizer. Only a failing test waits this long.
 inline constexpr std::chrono::seconds patience(30);
 
-/// Something that happens on another thread, any number of times.
+/// An event on another thread that can occur any number of times.
 class Event {
 public:
     void signal() {
@@ -20,7 +20,7 @@ public:
         changed_.notify_all();
     }
 
-    /// Whether it has happened `times` times, waiting for it if need be.
+    /// Waits until the event has occurred `times` times. Returns false after `patience`.
     [[nodiscard]] bool wait(std::size_t times = 1) {
         std::unique_lock lock(mutex_);
         return changed_.wait_for(lock, patience, [&] { return count_ >= times; });
@@ -37,7 +37,8 @@ private:
     std::size_t count_ = 0;
 };
 
-/// Waits for what nobody announces (a file, a number in /proc): true as soon as it holds.
+/// Polls a condition that no event announces, such as a file or a count in /proc. Returns true as soon as it
+/// holds, and false after `patience`.
 template <typename Condition>
 [[nodiscard]] bool eventually(const Condition& condition) {
     const auto deadline = std::chrono::steady_clock::now() + patience;

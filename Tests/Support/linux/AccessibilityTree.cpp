@@ -24,10 +24,11 @@ using Variant = std::unique_ptr<GVariant, decltype(&g_variant_unref)>;
 constexpr const char* accessibleInterface = "org.a11y.atspi.Accessible";
 constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
 
-/// Numbers of the bus's states.
+/// Bit numbers of the AT-SPI states.
 enum State { focusable = 11, focused = 12, sensitive = 24 };
 
-/// The accessibility bus, for a thread of its own: calls wait for their answers.
+/// A connection to the accessibility bus. Calls block until the answer arrives, so use it on a separate
+/// thread.
 class Bus {
 public:
     Bus() {
@@ -115,7 +116,7 @@ std::uint64_t statesOf(Bus& bus, const std::string& owner, const std::string& pa
     return states;
 }
 
-/// Calls `found` with owner and path of each child.
+/// Calls `found` with the owner and the path of each child.
 template <typename Found>
 void forEachChild(Bus& bus, const std::string& owner, const std::string& path, const Found& found) {
     const auto answer = bus.call(owner, path, accessibleInterface, "GetChildren");
@@ -180,7 +181,7 @@ std::vector<AccessibleObject> accessibleObjects(pid_t process) {
         }
         isDone = true;
     });
-    // Every call has a time-out of its own.
+    // The loop ends, because each call on the bus has a time-out.
     while (!isDone) {
         static_cast<void>(runUntil([&] { return isDone.load(); }));
     }

@@ -10,7 +10,7 @@ using Platform::GObjectPtr;
 
 struct BareWebView::Native {
     GObjectPtr<GtkWidget> window = GObjectPtr<GtkWidget>::retain(gtk_window_new());
-    WebKitWebView* view = nullptr; // the window's
+    WebKitWebView* view = nullptr; // owned by the window
 };
 
 BareWebView::BareWebView(int width, int height)

@@ -27,8 +27,8 @@ void runOpenSSL(std::vector<std::string> arguments) {
     }
 }
 
-/// Makes a key and a certificate of these extensions in one file; signed by itself, or by what `authority`
-/// holds.
+/// Writes a new key and a certificate with these extensions to one file. The certificate is signed by the key
+/// in `authority`, or self-signed without it.
 void makeCertificate(const std::filesystem::path& file, const std::string& name,
                      const std::string& extensions, const std::filesystem::path& authority = {}) {
     const std::string configuration = file.string() + ".conf";

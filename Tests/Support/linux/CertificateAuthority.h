@@ -6,14 +6,13 @@
 
 namespace TestSupport {
 
-/// A certificate authority that lives as long as its file. Throws std::runtime_error where the tool that
-/// makes the certificates fails.
+/// A certificate authority whose state is its file. Throws std::runtime_error if openssl fails.
 class CertificateAuthority {
 public:
-    /// Made anew; `file` then holds its key and its certificate.
+    /// Creates a new authority and writes its key and certificate to `file`.
     explicit CertificateAuthority(std::filesystem::path file);
 
-    /// Writes a server's key and certificate for these hosts to `file`.
+    /// Writes a server key and a certificate for these hosts to `file`.
     void issue(const std::filesystem::path& file, const std::vector<std::string>& hosts) const;
 
 private:

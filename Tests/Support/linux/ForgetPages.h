@@ -8,7 +8,7 @@
 
 namespace TestSupport {
 
-/// Like `forgetPages()`, and also for `sessions`, which have other data stores.
+/// Like `forgetPages()`, and also clears the data stores of `sessions`.
 [[nodiscard]] bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> sessions);
 
 } // namespace TestSupport

@@ -7,13 +7,14 @@
 
 namespace TestSupport {
 
-/// Runs the main loop until `condition` holds; false when it does not within `limit`. The condition is asked
-/// after every turn of the loop, and often enough besides for what other threads and processes change.
+/// Runs the main loop until `condition` holds. Returns false if it does not hold within `limit`. Checks the
+/// condition after each iteration, and every few milliseconds for changes that other threads and processes
+/// make.
 template <typename Condition>
 [[nodiscard]] bool runUntil(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
     constexpr guint pollInterval = 5;
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    // Behind all else: a condition that takes its time must not keep idle sources from their turn.
+    // The lowest priority: a slow condition must not starve idle sources.
     const guint poll = g_timeout_add_full(
         G_PRIORITY_LOW + 1, pollInterval, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr,
         nullptr);
@@ -26,13 +27,13 @@ template <typename Condition>
     return holds;
 }
 
-/// Runs the main loop until nothing is left that could run at once: whatever was put off is done then.
+/// Runs the main loop until no source is ready. Idle callbacks have run then.
 inline void runPending() {
     while (g_main_context_iteration(nullptr, FALSE)) {
     }
 }
 
-/// Runs at most so many turns of the main loop, and none that would have to wait.
+/// Runs at most `count` iterations of the main loop, without waiting.
 inline void runTurns(std::size_t count) {
     while (count > 0 && g_main_context_iteration(nullptr, FALSE)) {
         --count;

@@ -22,7 +22,7 @@
 #include <string_view>
 #include <utility>
 
-// Last, as it defines macros by everyday names.
+// Last, because it defines macros with common names.
 // clang-format off
 #include <gdk/x11/gdkx.h>
 // clang-format on
@@ -34,7 +34,7 @@ using Platform::TabHost;
 
 namespace {
 
-/// A toolkit that has not done something by then never will.
+/// The time limit for actions of GTK.
 constexpr auto limit = std::chrono::seconds(10);
 
 TabHost& hostOf(Platform::Window& window) {
@@ -60,8 +60,8 @@ Platform::Rect boundsIn(GtkWidget* widget, GtkWidget* outer) {
         .x = bounds.origin.x, .y = bounds.origin.y, .width = bounds.size.width, .height = bounds.size.height};
 }
 
-/// Calls `found` for every widget below `widget`, from the outside to the inside, those inside of one for
-/// which it returns false left out.
+/// Calls `found` for each descendant of `widget`, parents before children. Skips the descendants of a widget
+/// for which it returns false.
 void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child != nullptr;
          child = gtk_widget_get_next_sibling(child)) {
@@ -71,7 +71,7 @@ void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
     }
 }
 
-/// The first widget below `widget` that `wanted` takes.
+/// Returns the first descendant of `widget` for which `wanted` returns true, or null.
 GtkWidget* find(GtkWidget* widget, const std::function<bool(GtkWidget*)>& wanted) {
     GtkWidget* result = nullptr;
     walk(widget, [&](GtkWidget* child) {
@@ -102,11 +102,11 @@ std::vector<GtkButton*> buttonsOf(GtkWidget* sheet) {
         buttons.push_back(GTK_BUTTON(widget));
         return false;
     });
-    // The default button stands at the trailing end.
+    // The default button is at the trailing end.
     return {buttons.rbegin(), buttons.rend()};
 }
 
-/// A button of the window's sheet; a failure of the test and nothing when there is none.
+/// Returns a button of the window's sheet. If there is no such button, fails the test and returns null.
 GtkWidget* sheetButton(Platform::Window& window, const std::string& title) {
     GtkWidget* sheet = sheetOf(window);
     if (sheet != nullptr) {
@@ -194,7 +194,7 @@ GtkWidget* popoverOf(GtkWidget* menuBarItem) {
     return find(menuBarItem, [](GtkWidget* widget) { return GTK_IS_POPOVER(widget); });
 }
 
-/// A key of the current keyboard layout and the level of one of its characters.
+/// A key of the current keyboard layout, and the shift level of one of its characters.
 struct Key {
     guint code = 0;
     int level = 0;
@@ -260,7 +260,7 @@ bool resizeContent(Platform::Window& window, Platform::Size size) {
             if (content.width == got.width && content.height == got.height) {
                 return true;
             }
-            // What is above the content may still be moving.
+            // The widgets above the content may still change their height.
             const Platform::Size wanted{.width = whole.width - content.width + size.width,
                                         .height = whole.height - content.height + size.height};
             if (asked != wanted) {
@@ -351,7 +351,7 @@ bool frameHintsAllowMinimizing(Platform::Window& window) {
     if (count < 3 || format != 32) {
         return true;
     }
-    // Flags, functions, decorations.
+    // The hints are flags, functions and decorations.
     const auto* hints = reinterpret_cast<const unsigned long*>(data);
     const bool function = (hints[0] & 1) == 0 || (hints[1] & (all | minimize)) != 0;
     const bool button = (hints[0] & 2) == 0 || (hints[2] & (all | minimizeButton)) != 0;
@@ -432,7 +432,7 @@ void drag(ScreenPoint from, ScreenPoint to) {
             {.x = from.x + ((to.x - from.x) * i / steps), .y = from.y + ((to.y - from.y) * i / steps)});
         runPending();
     }
-    // Whoever is under the pointer answers whether it takes what is dragged.
+    // Give the drop target under the pointer time to accept the drag.
     constexpr auto pause = std::chrono::milliseconds(200);
     EXPECT_FALSE(runUntil([] { return false; }, pause));
     runXdotool({"mouseup", "1"});
@@ -628,7 +628,7 @@ void runScript(Platform::WebView& view, const std::string& script) {
 
 bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes) {
     bool isTold = false;
-    // Connected after the view, and so called after it.
+    // Connected after the view's own handler, and therefore called after it.
     const Platform::SignalConnection connection(
         widgetOf(view), "web-process-terminated",
         G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, gpointer told) {

@@ -1,6 +1,6 @@
 #include <gtk/gtk.h>
 
-/// A program that has nothing to do with ours and takes the keyboard with the window that it shows.
+/// An unrelated program that shows a window, which takes the keyboard focus.
 int main() {
     gtk_init();
     GtkWidget* window = gtk_window_new();

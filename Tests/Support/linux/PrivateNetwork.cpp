@@ -33,7 +33,8 @@ ifreq interfaceRequest(std::string_view name) {
     return request;
 }
 
-/// A machine whose only address is 127.0.0.1 counts as one without any, and resolves no names.
+/// Adds a second address: the resolver (AI_ADDRCONFIG) treats a machine whose only address is 127.0.0.1 as
+/// having no address and resolves no names.
 void raiseLoopback() {
     const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     check(socket, "socket");
@@ -51,14 +52,15 @@ void raiseLoopback() {
     ::close(socket);
 }
 
-/// Ports below 1024 too, for a process that is not root inside either.
+/// Allows processes to listen on ports below 1024 without root privileges.
 void openAllPorts() {
     std::ofstream first("/proc/sys/net/ipv4/ip_unprivileged_port_start");
     first << 0;
 }
 
-/// X servers see from their network which of them are there, and then take the number's socket in this
-/// folder. One that does not see the others would take theirs.
+/// An X server looks in its network namespace for servers with the same display number. If it finds none, it
+/// takes over the socket in this folder. Inside a private network it would take over the sockets of servers
+/// outside.
 void hideDisplays() {
     const char* sockets = "/tmp/.X11-unix";
     ::mkdir(sockets, 01777);

@@ -6,16 +6,16 @@
 
 namespace TestSupport {
 
-/// Gives this process, and whatever it starts from now on, a network in which nothing but loopback is there
-/// and everybody may listen on every port, and mounts that nobody else sees; its displays are its own, too.
-/// False where the system does not let it. To be called once, in a process with one thread. Throws
-/// std::system_error for any other failure.
+/// Gives this process and its future children a private network, private mounts and private X displays. The
+/// network has only the loopback interface, and every user may listen on every port. Returns false if the
+/// kernel does not allow it. To be called once, in a process with a single thread. Throws std::system_error
+/// for any other failure.
 [[nodiscard]] bool enterPrivateNetwork();
 
-/// In the private mounts `file`, a list as in /etc/hosts, says which names there are.
+/// Replaces /etc/hosts with `file` in the private mounts.
 void resolveBy(const std::filesystem::path& file);
 
-/// In the private mounts the certificate authorities in `file` are the only ones that the system trusts.
+/// Makes the certificate authorities in `file` the only trusted ones in the private mounts.
 void trustOnly(const std::filesystem::path& file);
 
 } // namespace TestSupport

@@ -21,10 +21,10 @@ namespace TestSupport {
 
 namespace {
 
-/// Names the directory of the network that a process is in.
+/// The environment variable with the directory of the network that contains the process.
 constexpr auto variable = "KEYLOFT_TEST_PROVIDER_NETWORK";
 
-/// How the process that was to enter the network says that it may not.
+/// The exit status of a child that is not allowed to enter a network.
 constexpr int notAllowed = 125;
 
 const std::vector<std::string>& hosts() {
@@ -82,8 +82,9 @@ bool ProviderNetwork::join() const {
     return true;
 }
 
-/// The exit status of the program inside. Only a process with one thread may enter a network as an ordinary
-/// user, and the engine's libraries have begun one before main(): hence the child, and the program anew.
+/// Runs the program inside the network and returns its exit status. An unprivileged process may enter a
+/// network only while it has a single thread, and WebKitGTK's libraries start a thread before main().
+/// Therefore a child process enters the network and executes the program again.
 int ProviderNetwork::runInside(std::vector<std::string> arguments) const {
     std::vector<char*> argv;
     argv.reserve(arguments.size() + 1);

@@ -18,7 +18,7 @@ using Platform::GObjectPtr;
 
 namespace {
 
-/// What became of a load.
+/// The outcome of a load.
 struct Outcome {
     bool isOver = false;
     std::string title;
@@ -42,7 +42,7 @@ void titleChanged(WebKitWebView* view, GParamSpec* /*property*/, gpointer data) 
     outcome.isOver = !outcome.title.empty();
 }
 
-/// The engine itself, with nothing of ours around it.
+/// Loads the URL in a WebKitGTK view without any class of the project.
 Outcome load(const std::string& url) {
     gtk_init();
     const auto session = GObjectPtr<WebKitNetworkSession>::adopt(webkit_network_session_new_ephemeral());

@@ -32,7 +32,7 @@ GObjectPtr<GTlsCertificate> readIdentity(const std::filesystem::path& file) {
     return certificate;
 }
 
-/// Ends the connection with a reset instead of a farewell, in the middle of the client's first words.
+/// Resets the connection in the middle of the client's first message, instead of closing it in order.
 gboolean reset(GSocket* socket, GIOCondition /*condition*/, gpointer /*data*/) {
     const linger atOnce{.l_onoff = 1, .l_linger = 0};
     ::setsockopt(g_socket_get_fd(socket), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
@@ -48,7 +48,7 @@ public:
         : identity_(readIdentity(identity))
         , plainPort_(static_cast<guint16>(plainPort))
         , manner_(manner) {
-        // What is made for connections belongs to this context, and so to the thread that runs it.
+        // Sources of connections attach to this context, and therefore to the thread that runs it.
         g_main_context_push_thread_default(context_.get());
         service_ = GObjectPtr<GSocketService>::adopt(g_socket_service_new());
         g_autoptr(GError) error = nullptr;
@@ -109,7 +109,7 @@ private:
     void resetLater(GSocketConnection* connection) const {
         GSource* source =
             g_socket_create_source(g_socket_connection_get_socket(connection), G_IO_IN, nullptr);
-        // The connection is closed, for good, with its last reference.
+        // Releasing the last reference closes the connection.
         g_source_set_callback(source, G_SOURCE_FUNC(reset), g_object_ref(connection), g_object_unref);
         g_source_attach(source, context_.get());
         g_source_unref(source);
@@ -133,7 +133,7 @@ private:
     }
 
     static void ended(GObject* /*stream*/, GAsyncResult* result, gpointer data) {
-        // A client that goes away, or wants nothing to do with the certificate, is nothing to report.
+        // Ignore errors: the client may close the connection or reject the certificate.
         g_io_stream_splice_finish(result, nullptr);
         --static_cast<Implementation*>(data)->connections_;
     }
@@ -144,7 +144,7 @@ private:
     Manner manner_;
     GObjectPtr<GCancellable> cancellable_ = GObjectPtr<GCancellable>::adopt(g_cancellable_new());
     GObjectPtr<GSocketService> service_;
-    int connections_ = 0; // this and the next are the thread's own
+    int connections_ = 0; // used only by the thread, like the next member
     bool stopped_ = false;
     std::thread thread_;
 };

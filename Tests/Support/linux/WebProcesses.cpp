@@ -35,7 +35,7 @@ std::optional<pid_t> number(std::string_view text) {
     return error == std::errc() && end == text.end() ? std::optional(value) : std::nullopt;
 }
 
-/// Nothing for a process that has ended, whether somebody has taken notice or not.
+/// Returns nothing for a process that has ended, even if its parent has not waited for it.
 std::optional<Process> readProcess(const std::filesystem::path& folder) {
     const std::ifstream file(folder / "stat");
     std::ostringstream contents;
