@@ -29,7 +29,7 @@ function(expect expected floor)
   endif()
 endfunction()
 
-# object(OUTPUT COMMAND VERSION-LINES): the listing of an object with this load command among others.
+# object(OUTPUT COMMAND VERSION-LINES) sets OUTPUT to the listing of an object with this load command among others.
 function(object output command versions)
   set(${output} "library.a(object.o):
 Load command 0
@@ -77,7 +77,7 @@ expect(14.2 13.0 "${for14_2}")
 # Versions are compared by number, not as text.
 expect(13.0 13.0 "${for10_15}")
 expect(13.0 9.0 "${for13}")
-# The greatest counts, wherever it is.
+# The greatest version counts, regardless of its position.
 expect(15.0 13.0 "${for14}${for15}${for13}")
 expect(15.0 13.0 "${for13}${data}" "${for15}${data}" "${for14}")
 expect(14.0 13.0 "${for14}" "${data}")

@@ -1,4 +1,4 @@
-# Configures with a C++ library without std::expected and expects one error that says so.
+# Configures with a C++ library without std::expected and expects exactly one error, which names the required compilers.
 #
 #   cmake -D SOURCE=… -D COMPILER=… -P OldCompilerTest.cmake
 

@@ -1,5 +1,5 @@
-# Compiles for macOS where there is none: Clang's Apple target, the C++ library's headers of LLVM 16 and, of the system,
-# the declarations in SDK/. What comes out is linked as far as our own symbols go, to see that none is missing.
+# Compiles for macOS without a Mac: with Clang's Apple target, the C++ library headers of LLVM 16, and the declarations
+# in SDK/ in place of Apple's SDK. The link checks only that no symbol of the project is missing.
 
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_PROCESSOR arm64)
@@ -10,10 +10,10 @@ set(CMAKE_OBJCXX_COMPILER /usr/bin/clang++-19)
 set(CMAKE_CXX_COMPILER_TARGET arm64-apple-macos13.0)
 set(CMAKE_OBJCXX_COMPILER_TARGET arm64-apple-macos13.0)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
-set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST) # no test can be asked what it holds
+set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST) # no test program can run here to list its tests
 set(CMAKE_INSTALL_NAME_TOOL ":")
 
-# Headers of libraries that are the same on every system; a folder of their own keeps the C library's away.
+# Headers of portable libraries, in a separate folder that excludes the headers of the C library.
 set(libraries "${CMAKE_BINARY_DIR}/libraries")
 file(MAKE_DIRECTORY "${libraries}")
 foreach(library unicode nlohmann benchmark gtest gmock)
@@ -29,7 +29,7 @@ list(PREPEND CMAKE_MODULE_PATH "${CMAKE_CURRENT_LIST_DIR}/packages")
 
 list(PREPEND CMAKE_PROGRAM_PATH "${CMAKE_CURRENT_LIST_DIR}/tools")
 
-# No archiver here knows Apple's objects: an archive is the list of its objects, which the link takes whole.
+# No archiver here supports Apple's object format. An archive is a list of its objects, all of which the link includes.
 foreach(language CXX OBJCXX)
   set(CMAKE_${language}_ARCHIVE_CREATE "echo <OBJECTS> > <TARGET>")
   set(CMAKE_${language}_ARCHIVE_FINISH "")

@@ -1,4 +1,4 @@
-# Its headers are found with the others; a link does not ask for it.
+# The toolchain file provides the headers. The link does not need the library.
 add_library(GTest::gtest INTERFACE IMPORTED)
 add_library(GTest::gtest_main INTERFACE IMPORTED)
 add_library(GTest::gmock INTERFACE IMPORTED)

@@ -1,4 +1,4 @@
-# Its headers are found with the others; a link does not ask for it.
+# The toolchain file provides the headers. The link does not need the library.
 foreach(component IN LISTS ICU_FIND_COMPONENTS)
   add_library(ICU::${component} INTERFACE IMPORTED)
   set(library "${CMAKE_BINARY_DIR}/libraries/libicu${component}.a")

@@ -1,3 +1,3 @@
-# Its headers are found with the others; a link does not ask for it.
+# The toolchain file provides the headers. The link does not need the library.
 add_library(benchmark::benchmark INTERFACE IMPORTED)
 add_library(benchmark::benchmark_main INTERFACE IMPORTED)

@@ -1,2 +1,2 @@
-# Its headers are found with the others; a link does not ask for it.
+# The toolchain file provides the headers. The link does not need the library.
 add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED)
