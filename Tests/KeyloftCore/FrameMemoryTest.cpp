@@ -20,7 +20,7 @@
 
 namespace {
 
-/// The size of the largest allocation and of all allocations of this thread since the last reset, in bytes.
+/// The largest and the total size, in bytes, of this thread's allocations since the last reset.
 thread_local std::size_t largest = 0;
 thread_local std::size_t total = 0;
 /// The number of blocks that all threads have allocated and not released.

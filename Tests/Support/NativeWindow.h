@@ -152,7 +152,7 @@ void pressKeyEquivalent(const Platform::MenuItem& item);
 /// The size of the screen.
 Platform::Size screenSize();
 
-/// Returns true if the view gets the keyboard input while its window is active and its tab is selected.
+/// Returns true if the view gets keyboard input whenever its window is active and its tab is selected.
 bool hasFocus(Platform::View& view);
 /// Returns true if the view has the focus and shows it.
 bool showsFocus(Platform::View& view);
@@ -178,7 +178,7 @@ void pressSheetButton(Platform::Window& window, const std::string& title);
 void clickSheetButton(Platform::Window& window, const std::string& title);
 /// The frame of the sheet's button, relative to the window's content.
 Platform::Rect sheetButtonFrame(Platform::Window& window, const std::string& title);
-/// Returns true if the window's sheet gets the keyboard input while the window is active and its tab is
+/// Returns true if the window's sheet gets keyboard input whenever the window is active and its tab is
 /// selected.
 bool hasSheetFocus(Platform::Window& window);
 

@@ -19,7 +19,7 @@ inline std::size_t entriesOf(const std::filesystem::path& directory) {
     return count;
 }
 
-/// The count for this process. Includes the descriptor with which the list is read.
+/// The number of open descriptors of this process, including the one with which the list is read.
 inline std::size_t openDescriptors() { return entriesOf("/proc/self/fd"); }
 inline std::size_t runningThreads() {
     // A sanitizer starts a thread of its own along with the program's first one. The first count must include
