@@ -4,7 +4,7 @@
 
 include(KeyloftLeastSystem)
 
-set(KEYLOFT_SIGNING_IDENTITY "-" CACHE STRING "Whom codesign signs the bundle for; - signs for this machine alone")
+set(KEYLOFT_SIGNING_IDENTITY "-" CACHE STRING "Identity that codesign signs the bundle with; - signs for this machine only")
 set(KEYLOFT_MACOS_PACKAGING "${PROJECT_SOURCE_DIR}/Packaging/macos")
 
 set(KEYLOFT_CODESIGN codesign --force --options runtime --sign "${KEYLOFT_SIGNING_IDENTITY}"
