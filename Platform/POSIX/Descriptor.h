@@ -9,13 +9,13 @@
 
 namespace Platform {
 
-/// Owns a file descriptor and closes it. A negative value means that it owns none.
+/// Owns a file descriptor and closes it when destroyed. A negative value means that there is no descriptor.
 class Descriptor {
 public:
     explicit Descriptor(int value = -1)
         : value_(value) {}
-    /// Takes ownership of `value`, which the function named `call` returned. Throws std::system_error with
-    /// `errno` if it is negative.
+    /// Takes ownership of `value`, the result of the function named `call`. Throws std::system_error with
+    /// `errno` if `value` is negative.
     Descriptor(int value, const std::string& call)
         : value_(value) {
         if (value < 0) {
@@ -35,12 +35,14 @@ public:
     int get() const { return value_; }
     bool isOpen() const { return value_ >= 0; }
 
-    /// Returns false, with `errno`, if the kernel reports that an earlier write failed.
+    /// Closes the descriptor if it is open. Returns false and sets `errno` if the kernel reports an error,
+    /// such as an earlier write that failed.
     bool close() {
         if (!isOpen()) {
             return true;
         }
-        // Even after EINTR the descriptor is closed, and its number may already belong to another file.
+        // EINTR is not an error here, and the call must not be repeated: the descriptor is closed, and its
+        // number may already refer to another file.
         return ::close(std::exchange(value_, -1)) == 0 || errno == EINTR;
     }
 

@@ -9,32 +9,33 @@
 
 namespace Platform {
 
-/// Operations on Unix-domain stream sockets that differ between platforms; all others are plain POSIX. Each
-/// operation corresponds to one system call. It fails with -1 (or nothing) and sets `errno`, and does not
-/// repeat an interrupted call.
+/// Operations on Unix-domain stream sockets that differ between platforms; all others are plain POSIX. The
+/// functions behave like system calls: on failure they return -1 (or nothing) and set `errno`, and they do
+/// not retry a call that is interrupted by a signal.
 ///
-/// Descriptors created here are closed on exec. Safe on any thread.
+/// New descriptors have the close-on-exec flag set. All functions may be called on any thread.
 
-/// Creates a socket that is not connected. Write to it with `writeWithoutSignal`.
+/// Creates an unconnected socket. Write to it with `writeWithoutSignal`.
 int openUnixSocket();
 
-/// Bind or connect the socket to a file. An empty path is an error (ENOENT), because Linux would use a name
-/// in its abstract namespace, which file permissions do not protect.
+/// Binds or connects the socket to a file. Fails with ENOENT if the path is empty, because Linux would use a
+/// name in its abstract namespace, which file permissions do not protect.
 int bindUnixSocket(int descriptor, const sockaddr_un& address);
 int connectUnixSocket(int descriptor, const sockaddr_un& address);
 
-/// Accepts the next waiting connection and makes it non-blocking. If none is waiting, blocks, or fails with
-/// EAGAIN if `listening` is non-blocking.
+/// Accepts the next pending connection and makes it non-blocking. If no connection is pending, blocks, or
+/// fails with EAGAIN if `listening` is non-blocking.
 int acceptUnixSocket(int listening);
 
-/// The effective user of the peer process at the time when it connected. Returns nothing if the kernel does
+/// Returns the effective user ID that the peer process had when it connected, or nothing if the kernel does
 /// not report it.
 std::optional<uid_t> unixSocketPeerUser(int descriptor);
 
-/// Limits each time that a write to a blocking socket waits for its peer to read.
+/// Limits how long a write to a blocking socket waits for the peer to read. The limit applies to each wait
+/// separately.
 int setSendTimeout(int descriptor, std::chrono::seconds timeout);
 
-/// Writes to a socket, pipe or other file as `write` does, but without delivering SIGPIPE, regardless of the
+/// Like `write`, for sockets, pipes and other files, but does not deliver SIGPIPE, regardless of the
 /// process's disposition of that signal.
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count);
 

@@ -21,7 +21,7 @@ ssize_t writeHoldingBackSignal(int descriptor, const void* bytes, std::size_t co
     const ssize_t written = write(descriptor, bytes, count);
     const int error = errno;
     if (written < 0 && error == EPIPE && !wasPending) {
-        // If the process ignores SIGPIPE, it is not pending and sigwait would not return.
+        // If the process ignores SIGPIPE, the signal is not pending and sigwait would not return.
         sigpending(&pending);
         int signal = 0;
         if (sigismember(&pending, SIGPIPE) == 1) {

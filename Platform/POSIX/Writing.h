@@ -6,8 +6,8 @@
 
 namespace Platform {
 
-/// Writes as `write` does, but prevents the delivery of SIGPIPE. Prefer `writeWithoutSignal`, which needs
-/// fewer system calls for a socket. For Platform's own sources; safe on any thread.
+/// Like `write`, but does not deliver SIGPIPE. Prefer `writeWithoutSignal`, which needs fewer system calls
+/// for sockets. Internal to Platform. May be called on any thread.
 ssize_t writeHoldingBackSignal(int descriptor, const void* bytes, std::size_t count);
 
 } // namespace Platform

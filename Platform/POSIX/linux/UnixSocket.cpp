@@ -12,8 +12,8 @@ namespace Platform {
 
 namespace {
 
-/// Returns true, with `errno`, for a path that begins with NUL. Linux treats it as a name in the abstract
-/// namespace.
+/// Returns true and sets `errno` if the path begins with NUL. Linux treats such a path as a name in the
+/// abstract namespace.
 bool isAbstract(const sockaddr_un& address) {
     if (address.sun_path[0] == '\0') {
         errno = ENOENT;

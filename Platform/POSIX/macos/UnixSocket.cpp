@@ -16,11 +16,11 @@ namespace Platform {
 
 namespace {
 
-/// Turns SIGPIPE off for a pipe, terminal or socket, permanently. macOS sends the signal to the process, so
-/// that another thread may receive it while this one blocks it.
+/// Disables SIGPIPE permanently for a pipe, terminal or socket. Returns false on failure. macOS sends the
+/// signal to the process, so blocking it on this thread does not keep other threads from receiving it.
 bool raisesNoSignal(int descriptor) { return fcntl(descriptor, F_SETNOSIGPIPE, 1) == 0; }
 
-/// Sets the flags of a new socket. macOS cannot set close-on-exec in the call that creates it.
+/// Sets the flags of a new socket. macOS cannot set close-on-exec when it creates the socket.
 int prepared(int descriptor) {
     if (descriptor < 0) {
         return -1;
