@@ -10,13 +10,14 @@ namespace Platform {
 class ReadSource;
 
 /// Runs work items one at a time, in the order of their submission, on a thread other than the caller's. Only
-/// `sync` may use the caller's thread, which waits anyway.
+/// `sync` may run its work on the caller's thread, which waits for the work anyway.
 ///
 /// All functions may be called on any thread. Work must not throw.
 ///
-/// Destroying a queue ends it: submitted work still runs, delayed work that is not due is dropped, the
-/// remaining read sources are cancelled, and their cancel handlers are called. The destructor waits for all
-/// this. On the queue itself it returns at once, and the rest follows after the current item.
+/// When a queue is destroyed, it still runs the submitted work, but drops delayed work that is not due. It
+/// cancels the remaining read sources and calls their cancel handlers. The destructor waits until this is
+/// complete, unless it is called on the queue itself. In that case it returns immediately, and the queue
+/// finishes after the current work item.
 class SerialQueue {
 public:
     using Work = std::function<void()>;
@@ -30,7 +31,7 @@ public:
 
     const std::string& label() const;
 
-    /// Submits `work` and returns at once.
+    /// Submits `work` and returns immediately.
     void async(Work work);
 
     /// Submits `work` after `delay`.

@@ -28,8 +28,8 @@ struct ReadSource::State {
     std::atomic<bool> cancelled = false;
 };
 
-/// A queue's thread and its work. The thread waits with poll(): adding or removing a descriptor needs no
-/// system call, and most connections last for a single exchange.
+/// A queue's thread and its work. The thread waits with poll(), because adding or removing a descriptor then
+/// needs no system call, and most connections last for a single exchange.
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     using Clock = std::chrono::steady_clock;
     using Source = std::shared_ptr<ReadSource::State>;
@@ -44,10 +44,10 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void enqueue(Work item);
     void enqueueAt(Clock::time_point due, Work item);
     void add(const Source& source);
-    /// Called after a source was resumed, suspended or cancelled.
+    /// Called after a source has been resumed, suspended or cancelled.
     void sourceChanged();
-    /// Cancels all sources and ends the thread once no work is left. Waits for the thread, unless called on
-    /// it.
+    /// Cancels all sources and lets the thread exit once no work remains. Waits for the thread, unless called
+    /// on it.
     void end();
 
     const std::string label;
@@ -64,15 +64,15 @@ private:
     // Guarded by the mutex.
     std::vector<Work> work_;
     std::multimap<Clock::time_point, Work> delayed_;
-    /// All sources whose cancel handlers have not run.
+    /// All sources whose cancel handlers have not been called.
     std::vector<Source> sources_;
     bool ended_ = false;
 
-    /// True from just before the thread waits until it is woken. Set with the mutex held.
+    /// True from just before the thread waits until it is woken. Set to true only with the mutex held.
     std::atomic<bool> asleep_ = false;
     std::thread thread_;
     Descriptor wake_;
-    // Used by the queue's thread alone.
+    // Used only on the queue's thread.
     int timeout_ = 0;
     /// The descriptors of `waiting_`, followed by that of `wake_`.
     std::vector<pollfd> polled_;

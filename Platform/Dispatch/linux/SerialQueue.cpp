@@ -24,16 +24,16 @@ namespace {
 
 thread_local const void* currentQueue = nullptr;
 
-/// The kernel limits the name of a thread to 15 bytes. The last part of a reverse-DNS label is the most
-/// specific.
+/// The kernel limits thread names to 15 bytes. Use the last component of a reverse-DNS label, which is the
+/// most specific.
 void nameThread(const std::string& label) {
     std::string name = label.substr(label.rfind('.') + 1);
     name.resize(std::min<std::size_t>(name.size(), 15));
     pthread_setname_np(pthread_self(), name.c_str());
 }
 
-/// The signals that a queue's thread blocks. Signals sent to the process are for the program's own threads,
-/// but a fault must be reported on the thread that causes it.
+/// Returns the signals to block on a queue's thread. Signals sent to the process are left to the program's
+/// own threads, but a fault must be reported on the thread that causes it.
 sigset_t signalsForOthers() {
     sigset_t set;
     sigfillset(&set);
@@ -120,7 +120,8 @@ void SerialQueue::State::run() {
     }
 }
 
-/// Runs the work that is due, then the cancel handlers of the sources cancelled by then.
+/// Runs the work that is due, then calls the cancel handlers of the sources that were cancelled before the
+/// turn.
 void SerialQueue::State::takeTurn() {
     std::vector<Work> running;
     std::vector<Source> retiring;
@@ -138,7 +139,7 @@ void SerialQueue::State::takeTurn() {
     }
     for (auto& item : running) {
         item();
-        // The next item may rely on the release of this one.
+        // The next item may depend on the destruction of this one.
         item = nullptr;
     }
     for (const auto& source : retiring) {
@@ -150,7 +151,8 @@ void SerialQueue::State::takeTurn() {
     }
 }
 
-/// Decides what to wait for. Returns false once the queue has ended and nothing is left to do.
+/// Collects the descriptors and the timeout for poll(). Returns false once the queue has ended and no work or
+/// source remains.
 bool SerialQueue::State::prepareToWait() {
     polled_.clear();
     waiting_.clear();
@@ -170,7 +172,7 @@ bool SerialQueue::State::prepareToWait() {
     return true;
 }
 
-/// The time until there is work, or -1 if no work is scheduled.
+/// Returns the time in milliseconds until the next work is due, or -1 if no work is scheduled.
 int SerialQueue::State::waitMilliseconds() const {
     const auto isCancelled = [](const Source& source) { return source->cancelled.load(); };
     if (!work_.empty() || std::ranges::any_of(sources_, isCancelled)) {

@@ -14,10 +14,11 @@
 
 namespace Platform {
 
-/// The state that a source shares with its queue. Guarded by the mutex unless noted otherwise. Calls to
-/// Dispatch do not block and may be made with the mutex held.
+/// The state that a source shares with its queue. Guarded by the mutex unless noted otherwise. Dispatch
+/// functions do not block and may be called with the mutex held.
 struct ReadSource::State : std::enable_shared_from_this<ReadSource::State> {
-    /// The stage of the source. Dispatch counts suspensions and activates a source only once.
+    /// Tracks the state of the dispatch source, because Dispatch counts suspensions and a source can be
+    /// activated only once.
     enum class Stage {
         idle,
         running,
@@ -35,7 +36,7 @@ struct ReadSource::State : std::enable_shared_from_this<ReadSource::State> {
     bool cancelled = false;
     dispatch_source_t source;
     std::weak_ptr<SerialQueue::State> queue;
-    /// Used only on the queue once the source has started.
+    /// Used only on the queue once the source has been activated.
     Handler eventHandler;
     Handler cancelHandler;
 
@@ -45,7 +46,7 @@ private:
     void retire() noexcept;
 };
 
-/// A queue of Dispatch, with the delayed work and the sources that end with it.
+/// A dispatch queue with its delayed work and its read sources.
 struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     explicit State(std::string label);
 
@@ -53,10 +54,10 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void enqueue(Work item);
     void enqueueAfter(std::chrono::milliseconds delay, Work item);
     void add(const std::shared_ptr<ReadSource::State>& source);
-    /// Called after the source's cancel handler.
+    /// Called after the source's cancel handler has run.
     void remove(ReadSource::State& source);
-    /// Drops delayed work that is not due and cancels the sources. Waits until all is done, unless called on
-    /// the queue.
+    /// Drops delayed work that is not due and cancels the sources. Waits until this is complete, unless
+    /// called on the queue.
     void end();
 
     const std::string label;
@@ -69,7 +70,7 @@ private:
     std::mutex mutex_;
     std::unordered_set<std::shared_ptr<Work>> delayed_;
     std::unordered_map<ReadSource::State*, std::weak_ptr<ReadSource::State>> sources_;
-    /// Entered by every source and left after its cancel handler.
+    /// Each source enters the group when it is added, and leaves it after its cancel handler has run.
     const dispatch_group_t uncancelled_ = dispatch_group_create();
 };
 

@@ -11,8 +11,9 @@ ReadSource::State::State(const std::shared_ptr<SerialQueue::State>& serialQueue,
                                     serialQueue->queue))
     , queue(serialQueue) {}
 
-/// Dispatch requires that a source is activated before it is released, even if it is cancelled, and that its
-/// handlers are set before. From here until the cancellation, the handler blocks keep this state alive.
+/// Dispatch requires a source to be activated before it is released, even if it is cancelled, and its
+/// handlers to be set before that. From now until the cancellation is complete, the handler blocks keep this
+/// state alive.
 void ReadSource::State::start() {
     const auto self = shared_from_this();
     dispatch_source_set_event_handler(source, ^{

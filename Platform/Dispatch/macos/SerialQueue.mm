@@ -11,8 +11,8 @@ namespace Platform {
 
 namespace {
 
-/// The key of a value that identifies the queue: its address, which no other queue has while work is left on
-/// it.
+/// The key of the queue-specific value that identifies a queue. The value is the queue's address, which no
+/// other queue can have while work remains on this queue.
 constexpr char identityKey = 0;
 
 /// Longer than any program runs, and still representable in nanoseconds.
@@ -114,7 +114,7 @@ void SerialQueue::State::end() {
                       });
         dispatch_group_wait(uncancelled_, DISPATCH_TIME_FOREVER);
     } else {
-        // A dispatch group must not be released before it has been left as often as entered.
+        // Keep the group alive: it must not be released until each enter has been balanced by a leave.
         dispatch_group_notify(uncancelled_, queue, ^{
             (void)self;
         });
