@@ -8,11 +8,11 @@ namespace Platform {
 class Control;
 class MenuItem;
 
-/// The name of an operation that controls and menu items request. On macOS its selector is the name followed
-/// by a colon.
+/// Names an operation that controls and menu items can request. The selector on macOS is the name followed by
+/// a colon.
 class Action {
 public:
-    /// The text of `name` must outlive the action, as a literal does.
+    /// The characters of `name` are not copied and must outlive the action, like those of a string literal.
     constexpr explicit Action(std::string_view name)
         : name_(name) {}
 
@@ -25,7 +25,7 @@ private:
     std::string_view name_;
 };
 
-/// The actions that AppKit performs or sends itself; Linux provides the same ones.
+/// Actions that AppKit itself performs or sends on macOS. The Linux implementation provides the same actions.
 namespace StandardAction {
 
 /// Performed by the application.
@@ -42,7 +42,7 @@ inline constexpr Action performMiniaturize("performMiniaturize");
 inline constexpr Action performZoom("performZoom");
 inline constexpr Action selectPreviousTab("selectPreviousTab");
 inline constexpr Action selectNextTab("selectNextTab");
-/// Sent by a tab bar's button.
+/// Sent by the tab bar's button for a new tab.
 inline constexpr Action newWindowForTab("newWindowForTab");
 
 /// Performed by the text field or page that has the focus.
@@ -55,16 +55,17 @@ inline constexpr Action selectAll("selectAll");
 
 } // namespace StandardAction
 
-/// Returns true for the actions that edit text. The focused text field or page receives their keys first.
+/// Returns true for the actions of the "Edit" menu. The focused text field or page receives their key
+/// equivalents first.
 constexpr bool isEditing(Action action) {
     using namespace StandardAction;
     return action == undo || action == redo || action == cut || action == copy || action == paste ||
            action == selectAll;
 }
 
-/// The sender of an action. At most one member is set. Valid during the call only.
+/// The sender of an action. At most one member is set. Valid only during the call.
 struct ActionSender {
-    /// The control or the menu item that was used; null otherwise.
+    /// The control or menu item that the user operated, or null.
     const Control* control = nullptr;
     const MenuItem* menuItem = nullptr;
 };

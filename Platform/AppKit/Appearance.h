@@ -4,12 +4,12 @@
 
 namespace Platform {
 
-/// A system symbol on macOS, or an icon of the theme on Linux, so that it follows the user's desktop.
+/// A system symbol on macOS, or a themed icon on Linux, so that the image matches the user's desktop.
 ///
-/// `symbolName` is the name of the symbol on macOS ("chevron.left"). Linux maps it to the icon of the same
+/// `symbolName` is the name of the symbol on macOS ("chevron.left"). Linux maps it to an icon with the same
 /// meaning. An unknown name is a programming error and aborts the process.
 struct Image {
-    /// The symbol's name, and its label for assistive technology.
+    /// The name of the symbol and its label for assistive technology.
     std::string symbolName;
     std::string accessibilityDescription;
 
@@ -24,7 +24,7 @@ struct Font {
     friend bool operator==(const Font&, const Font&) = default;
 };
 
-/// The colours that views can have.
+/// Background colours of views.
 enum class Color {
     none,
     /// The accent colour: the user's choice on macOS, the theme's on Linux.

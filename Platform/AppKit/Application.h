@@ -12,21 +12,22 @@
 
 namespace Platform {
 
-/// Receives the application's events, and the actions that no responder before it performs. Main thread only.
+/// Receives the application's events, and the actions that no other responder in the chain performs. Main
+/// thread only.
 class ApplicationDelegate : public Responder {
 public:
-    /// Called before all other functions of the delegate. Set the main menu here.
+    /// Called before all other delegate functions. Set the main menu here.
     virtual void applicationWillFinishLaunching() = 0;
 
-    /// Called when the application runs, after the URLs of its command line have been passed to
+    /// Called when the application has launched, after the URLs on its command line have been passed to
     /// `applicationOpenURLs`.
     virtual void applicationDidFinishLaunching() = 0;
 
-    /// Called with URLs from the command line, the desktop or a second start of the program, exactly as
+    /// Called with URLs from the command line, the desktop or a second launch of the program, exactly as
     /// given. May be called before `applicationDidFinishLaunching`.
     virtual void applicationOpenURLs(const std::vector<URL>& urls) = 0;
 
-    /// Called when the user starts the program again or clicks its icon. Return true for the default
+    /// Called when the user launches the program again or clicks its icon. Return true for the default
     /// behaviour, which brings the visible windows to the front.
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
 
@@ -44,54 +45,55 @@ private:
     std::string className_;
 };
 
-/// The one application object. Main thread only.
+/// The application object, of which there is only one. Main thread only.
 class Application : public Responder {
 public:
     /// Returns the application. The first call creates it and must come before any other use of AppKit except
     /// `setProgramInfo`.
     static Application& shared();
-    /// Returns true after the first call of `shared`.
+    /// Returns true once `shared` has been called.
     static bool exists();
 
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
     ~Application() override;
 
-    /// The way in which macOS presents the program.
+    /// Determines how macOS presents the program.
     enum class ActivationPolicy {
         /// A program with windows, a menu bar and an icon in the Dock.
         regular,
     };
-    /// Has no effect on Linux: every program with windows is a regular one there.
+    /// Has no effect on Linux, where every program with windows is a regular application.
     void setActivationPolicy(ActivationPolicy policy);
 
     /// The delegate is held weakly.
     void setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate);
 
-    /// Runs until the application is terminated, and returns the process's exit status. The arguments that
-    /// parse as URLs with a scheme are passed to the delegate. On Linux a second start passes its arguments
-    /// to the running process and returns.
+    /// Runs the application until it terminates, and returns the process's exit status. Arguments that parse
+    /// as URLs with a scheme are passed to the delegate. On Linux, if the program is already running, passes
+    /// the arguments to the running process and returns.
     int run(int argc, char** argv);
     void terminate();
 
-    /// Sets the menu whose items are the titles of the menu bar. Call it before the first window is shown.
+    /// Sets the main menu, whose items provide the titles in the menu bar. Call it before the first window is
+    /// shown.
     void setMainMenu(const std::shared_ptr<Menu>& menu);
-    /// Sets the menu that ends with a list of the open windows.
+    /// Sets the menu that lists the open windows after its own items.
     void setWindowsMenu(const std::shared_ptr<Menu>& menu);
 
-    /// Returns the selected tab of the window that the user last worked in, or null if no window is visible.
-    /// Menus, sheets and other programs do not change it, except that on macOS it is null while the
-    /// application is not active.
+    /// Returns the selected tab of the window that was used last, or null if no window is visible. Opening a
+    /// menu or a sheet, or switching to another program, does not change the main window. As an exception, it
+    /// is null on macOS while the application is not active.
     std::shared_ptr<Window> mainWindow() const;
 
     /// Brings the program to the front.
     void activateIgnoringOtherApps();
 
-    /// Sends an action to `target` or, if that is null, to the first object in the responder chain that
+    /// Sends an action to `target` or, if `target` is null, to the first object in the responder chain that
     /// responds to it. Returns true if the action was performed.
     bool sendAction(Action action, const std::shared_ptr<Responder>& target, const ActionSender& sender);
 
-    /// Returns the responder that an action without a target would reach now, or null.
+    /// Returns the responder that would currently receive an action without a target, or null.
     std::shared_ptr<Responder> targetForAction(Action action) const;
 
     /// Performs the application's standard actions.
@@ -99,7 +101,7 @@ public:
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;
 
-    /// The native side, for Platform's own sources.
+    /// The native side. Internal to Platform.
     struct Native;
     Native& native() { return *native_; }
 
@@ -110,7 +112,8 @@ protected:
     Application();
 
 private:
-    /// Called when the program is started, or started again, with `urls`.
+    /// Called when the program is launched with `urls` and, on Linux, when it is launched again while it is
+    /// running.
     void wasStarted(const std::vector<URL>& urls);
 
     std::weak_ptr<ApplicationDelegate> delegate_;

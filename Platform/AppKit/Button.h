@@ -15,10 +15,10 @@ public:
     static std::shared_ptr<Button> create(const std::string& title, const std::weak_ptr<Responder>& target,
                                           Action action);
 
-    /// Shown literally, without markup or mnemonics.
+    /// Shown verbatim, without interpreting markup or mnemonics.
     const std::string& title() const { return title_; }
 
-    /// The image that replaces the title. Its description is the button's accessible name.
+    /// The image that is shown instead of the title. Its description is the button's accessible name.
     const std::optional<Image>& image() const { return image_; }
     void setImage(const Image& image);
 

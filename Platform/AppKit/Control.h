@@ -8,14 +8,14 @@
 
 namespace Platform {
 
-/// A view that sends an action when the user operates it. The target is held weakly. Without a target, or
-/// once it is destroyed, the action goes down the responder chain.
+/// A view that sends an action when the user operates it. The target is held weakly. If there is no target,
+/// or the target has been destroyed, the action is sent along the responder chain.
 class Control : public View {
 public:
     bool isEnabled() const { return enabled_; }
     void setEnabled(bool enabled);
 
-    /// Empty for the control's default font.
+    /// Empty if the control uses its default font.
     const std::optional<Font>& font() const { return font_; }
     void setFont(const Font& font);
 
@@ -26,7 +26,7 @@ public:
     const std::optional<URL>& representedURL() const { return representedURL_; }
     void setRepresentedURL(const std::optional<URL>& url);
 
-    /// Sends the action, as the user's click or Return does.
+    /// Sends the action, as if the user had clicked the control or pressed Return.
     void sendAction();
 
 protected:

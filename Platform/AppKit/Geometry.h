@@ -2,16 +2,15 @@
 
 namespace Platform {
 
-/// A width and a height. Lengths are points: one point is one logical pixel.
+/// A width and a height, in points. One point is one logical pixel.
 struct Size {
-    /// In points.
     double width = 0;
     double height = 0;
 
     friend bool operator==(const Size&, const Size&) = default;
 };
 
-/// A rectangle in the coordinates of a superview, whose origin is its top left corner.
+/// A rectangle in its superview's coordinate system, whose origin is the top left corner.
 struct Rect {
     /// The top left corner and the size, in points.
     double x = 0;
@@ -22,9 +21,8 @@ struct Rect {
     friend bool operator==(const Rect&, const Rect&) = default;
 };
 
-/// Distances from the edges of a view to its content.
+/// Distances between the edges of a view and its content, in points.
 struct EdgeInsets {
-    /// In points.
     double top = 0;
     double left = 0;
     double bottom = 0;
@@ -33,7 +31,7 @@ struct EdgeInsets {
     friend bool operator==(const EdgeInsets&, const EdgeInsets&) = default;
 };
 
-/// The direction of a stack or a length.
+/// The orientation of a stack, or the dimension that a length applies to.
 enum class Orientation { horizontal, vertical };
 
 } // namespace Platform

@@ -4,8 +4,8 @@ namespace Platform {
 
 /// Aborts the process with a message that names `operation`, unless called on the main thread.
 ///
-/// Everything in AppKit and WebKit belongs to the main thread. Entry points that touch native state call this
-/// function, so that a mistake is reported at its cause and not as corrupted state of GTK or AppKit later.
+/// AppKit and WebKit may be used on the main thread only. Entry points that access native state call this
+/// function, so that a violation is reported immediately instead of corrupting the state of GTK or AppKit.
 void assertMainThread(const char* operation);
 
 } // namespace Platform

@@ -12,21 +12,21 @@ namespace Platform {
 
 class Menu;
 
-/// The modifiers of a key equivalent besides Shift, which an upper-case letter or a shifted character
+/// The modifiers of a key equivalent, except Shift, which an upper-case letter or a shifted character
 /// implies. On Linux, Command is Control and Option is Alt.
 enum class ModifierFlags { command, optionCommand };
 
-/// An item of a menu. It has no target; its action goes down the responder chain.
+/// An item of a menu. It has no target; its action is sent along the responder chain.
 class MenuItem {
 public:
-    /// Creates an item. Without an action it is disabled, unless it has a submenu. `keyEquivalent` is the
-    /// character of its key, or empty if it has no key.
+    /// Creates an item. An item with neither an action nor a submenu is disabled. `keyEquivalent` is a single
+    /// character, or empty if the item has no key equivalent.
     static std::shared_ptr<MenuItem> create(const std::string& title, std::optional<Action> action,
                                             const std::string& keyEquivalent = "");
-    /// Creates a line between groups of items.
+    /// Creates a separator, a line between groups of items.
     static std::shared_ptr<MenuItem> createSeparator();
 
-    /// Shown literally, without mnemonics.
+    /// Shown verbatim, without interpreting mnemonics.
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title) { title_ = title; }
 
@@ -37,10 +37,10 @@ public:
     ModifierFlags keyEquivalentModifiers() const { return modifiers_; }
     void setKeyEquivalentModifiers(ModifierFlags modifiers) { modifiers_ = modifiers; }
 
-    /// Returns true for the items of `createSeparator`.
+    /// Returns true if the item was created by `createSeparator`.
     bool isSeparator() const { return separator_; }
 
-    /// The menu that the item opens. Null for an item that performs its action.
+    /// The menu that the item opens, or null if the item performs an action instead.
     const std::shared_ptr<Menu>& submenu() const { return submenu_; }
     void setSubmenu(const std::shared_ptr<Menu>& submenu) { submenu_ = submenu; }
 
@@ -61,7 +61,7 @@ private:
     std::optional<URL> representedURL_;
 };
 
-/// Fills a menu whose items change. Main thread only.
+/// Supplies the items of a menu that changes. Main thread only.
 class MenuDelegate {
 public:
     virtual ~MenuDelegate() = default;
@@ -70,14 +70,14 @@ public:
     virtual void menuNeedsUpdate(Menu& menu) = 0;
 };
 
-/// An ordered list of items. It has no native state of its own; `Application::setMainMenu` shows it. Main
-/// thread only, like its items.
+/// An ordered list of items. It has no native state; `Application::setMainMenu` shows it in the menu bar.
+/// Main thread only, like its items.
 class Menu {
 public:
-    /// Creates an empty menu. In a menu bar, give a menu the title of its item.
+    /// Creates an empty menu. A menu in the menu bar should have the same title as the item that opens it.
     static std::shared_ptr<Menu> create(const std::string& title = "");
-    /// Creates the standard "Edit" menu: Undo, Redo, Cut, Copy, Paste and Select All. On macOS text fields
-    /// and pages have no keys for these actions without it.
+    /// Creates the standard "Edit" menu: Undo, Redo, Cut, Copy, Paste and Select All. Without it, text fields
+    /// and pages on macOS have no key equivalents for these actions.
     static std::shared_ptr<Menu> createEditMenu();
 
     /// The title and the items, in the order in which they were added.
@@ -86,7 +86,7 @@ public:
     void addItem(const std::shared_ptr<MenuItem>& item) { items_.push_back(item); }
     void removeAllItems() { items_.clear(); }
 
-    /// Held weakly.
+    /// The delegate is held weakly.
     std::shared_ptr<MenuDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(const std::weak_ptr<MenuDelegate>& delegate) { delegate_ = delegate; }
 

@@ -4,10 +4,10 @@
 
 namespace Platform {
 
-/// Identifies the program. Read on Linux only; on macOS the bundle's Info.plist has the same information.
+/// Describes the program. Used only on Linux; on macOS the bundle's Info.plist contains the same information.
 struct ProgramInfo {
-    /// The application ID, in reverse DNS notation. It names the desktop entry, the icon and the folders of
-    /// the user's data.
+    /// The application ID, in reverse DNS notation. The desktop entry, the icon and the user's data folders
+    /// are named after it.
     std::string identifier;
     /// Shown to the user.
     std::string name;
@@ -17,10 +17,10 @@ struct ProgramInfo {
     std::string copyright;
 };
 
-/// Returns the value that was set last, or placeholder texts. Main thread only.
+/// Returns the information that was set last, or placeholders. Main thread only.
 const ProgramInfo& programInfo();
 
-/// Call it before any other function of AppKit.
+/// Call it before any other AppKit function.
 void setProgramInfo(ProgramInfo info);
 
 } // namespace Platform

@@ -4,23 +4,23 @@
 
 namespace Platform {
 
-/// An object in the responder chain: the key window's first responder and its superviews, the window, its
-/// controller, the application, the application's delegate. The first object that responds to an action
-/// performs it; the objects after it do not receive it. Main thread only.
+/// An object in the responder chain. The chain consists of the key window's first responder and its
+/// superviews, the window, its controller, the application and the application's delegate. The first object
+/// that responds to an action performs it, and the objects after it do not receive it. Main thread only.
 class Responder {
 public:
     Responder(const Responder&) = delete;
     Responder& operator=(const Responder&) = delete;
     virtual ~Responder() = default;
 
-    /// Returns true for the actions that `perform` performs.
+    /// Returns true if `perform` handles the action.
     virtual bool respondsTo(Action /*action*/) const { return false; }
 
     /// Performs the action. Called only if `respondsTo` returns true for it.
     virtual void perform(Action /*action*/, const ActionSender& /*sender*/) {}
 
-    /// Returns true if the item is enabled. May retitle the item. Called on the responder that would receive
-    /// the item's action, before the item is shown or its key equivalent is performed.
+    /// Returns true if the item is enabled. May change the item's title. Called on the responder that would
+    /// receive the item's action, before the item is shown or its key equivalent is performed.
     virtual bool validateMenuItem(MenuItem& /*item*/) { return true; }
 
 protected:

@@ -17,8 +17,8 @@ public:
     virtual void hideSheet() = 0;
 };
 
-/// The alerts of one window that wait for an answer, in the order in which they were added. The window shows
-/// the first one. Main thread only.
+/// The unanswered alerts of one window, in the order in which they were added. The window shows the first
+/// one. Main thread only.
 class SheetQueue {
 public:
     /// `presenter` must outlive the queue.
@@ -28,15 +28,14 @@ public:
     bool isEmpty() const { return sheets_.empty(); }
 
     /// Adds an alert. Calls `completion`, which may be null, once with the index of the chosen button. If the
-    /// queue is closed, calls it at once with the safe button.
+    /// queue is closed, calls it immediately with the index of the safe button.
     void add(const Alert& alert, Alert::Completion completion);
-    /// Shows the first alert unless it is shown already. Call it when the window becomes able to show a
-    /// sheet.
+    /// Shows the first alert if it is not shown yet. Call it when the window becomes able to show a sheet.
     void showFirst();
-    /// Answers the alert that is shown, and shows the next one before the completion is called. Does nothing
-    /// if no alert is shown.
+    /// Answers the alert that is shown. Shows the next alert before it calls the completion. Does nothing if
+    /// no alert is shown.
     void answer(std::size_t button);
-    /// Answers all alerts with their safe buttons, including those that are added later.
+    /// Answers all alerts with their safe buttons, including alerts that are added later.
     void close();
 
 private:

@@ -4,14 +4,15 @@
 
 namespace Platform {
 
-/// Arranges its subviews in one row or column. A row centers them vertically; a column makes them as wide as
-/// itself.
+/// Arranges its subviews in a row or a column. A row centers them vertically; a column gives them its own
+/// width.
 ///
-/// Along the stack each view has the size of its content, and views that expand share the free space. A stack
-/// requests no space in this direction: content that does not fit is cut off at the trailing end.
+/// In the direction of the stack, each view has the size of its content, and expanding views share the free
+/// space. The stack requests no space in this direction; content that does not fit is clipped at the trailing
+/// end.
 class StackView : public View {
 public:
-    /// `spacing` is the distance between two neighbors, in points.
+    /// `spacing` is the distance between adjacent subviews, in points.
     static std::shared_ptr<StackView> create(Orientation orientation, double spacing = 8,
                                              const EdgeInsets& insets = {});
 

@@ -14,7 +14,7 @@ bool TextField::respondsTo(Action action) const { return Platform::isEditing(act
 void TextField::setStringValue(const std::string& value) {
     assertMainThread("TextField::setStringValue");
     const std::string line = withoutLineBreaks(value);
-    // Setting the same text again would move the insertion point.
+    // Setting the same string again would move the insertion point.
     if (stringValue() == line) {
         return;
     }

@@ -8,21 +8,21 @@ namespace Platform {
 
 class TextField;
 
-/// The reason why an edit ended.
+/// The reason for the end of an edit.
 enum class TextMovement { other, returnKey, tab, backtab, cancel };
 
 class TextFieldDelegate {
 public:
     virtual ~TextFieldDelegate() = default;
 
-    /// Called at the user's first change of the text, whether typed, pasted or composed with an input method.
+    /// Called when the user first changes the text, by typing, pasting or composing with an input method.
     /// `setStringValue` does not begin an edit.
     virtual void controlTextDidBeginEditing(TextField& field) = 0;
 
     /// Called when an edit ends: on Return, right before the field's action is sent; on Escape; or when
-    /// another control of the same page takes the focus. Another tab, window, menu or program does not end an
-    /// edit. Also called if the text has not changed since the field got the focus, or since the last edit
-    /// ended.
+    /// another control of the same window gets the focus. Opening a menu, or switching to another tab, window
+    /// or program, does not end an edit. Also called if the text has not changed since the field got the
+    /// focus or since the last edit ended.
     virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;
 };
 
@@ -32,8 +32,8 @@ class TextField : public Control {
 public:
     static std::shared_ptr<TextField> create();
 
-    /// The current text, including the user's changes. Line feeds and carriage returns are removed from text
-    /// that is set, typed, pasted or dropped, because the field has one line.
+    /// The current text, including the user's changes. The field has only one line, so line feeds and
+    /// carriage returns are removed from text that is set, typed, pasted or dropped.
     std::string stringValue() const;
     void setStringValue(const std::string& value);
 
@@ -65,7 +65,7 @@ private:
     static void applyPlaceholder(Native& native, const std::string& placeholder);
     void beginEditing();
     void endEditing(TextMovement movement);
-    /// Ends the edit as Escape does.
+    /// Ends the edit as if the user had pressed Escape.
     void cancelEditing();
 
     std::string stringValue_;
@@ -74,8 +74,8 @@ private:
     bool editing_ = false;
 };
 
-/// A text field that looks like a search box. It sends its action on Return only, not while the user types.
-/// Escape empties it.
+/// A text field that looks like a search box. It sends its action only on Return, not while the user types.
+/// Escape clears it.
 class SearchField : public TextField {
 public:
     static std::shared_ptr<SearchField> create();

@@ -15,16 +15,18 @@ namespace Platform {
 
 class Window;
 
-/// A rectangle of a window. Main thread only.
+/// A rectangular area of a window. Main thread only.
 ///
-/// A view creates its native side when it is first needed, on Linux usually when its window is next shown, so
-/// a view in a tab that is never selected costs little. Properties that are set earlier are kept in the view
-/// and applied then. The view is the source of truth for everything except the user's changes.
+/// The native side of a view is created when it is first needed. On Linux this is usually when the view's
+/// window is next shown, so a view in a tab that is never selected costs little. Properties that are set
+/// earlier are stored in the view and applied then. The view is the source of truth for everything except the
+/// user's changes.
 ///
-/// A superview holds its subviews strongly. A view refers to its superview and window weakly.
+/// A superview holds strong references to its subviews. A view holds weak references to its superview and its
+/// window.
 class View : public Responder, public std::enable_shared_from_this<View> {
 public:
-    /// Creates a view without content: a container, or free space in a stack.
+    /// Creates an empty view, which can serve as a container or as free space in a stack.
     static std::shared_ptr<View> create();
 
     View(const View&) = delete;
@@ -40,8 +42,8 @@ public:
     /// Returns the window that contains the view, or null.
     std::shared_ptr<Window> window() const;
 
-    /// The rectangle of the view in its superview. The layout sets it for a view that is in a stack or fills
-    /// its superview.
+    /// The rectangle of the view in its superview. If the view is in a stack or fills its superview, the
+    /// layout sets the frame.
     Rect frame() const;
     void setFrame(const Rect& frame);
 
@@ -61,13 +63,15 @@ public:
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
 
-    /// Keeps the view as large as its superview, which is not a stack. Call it before the view is added.
+    /// Keeps the view the same size as its superview, which must not be a stack. Call it before the view is
+    /// added to its superview.
     void setFillsSuperview() { fillsSuperview_ = true; }
 
-    /// Sets the width or the height, in points. Otherwise the content determines it.
+    /// Sets a fixed width or height, in points. By default, the content determines the size.
     void setFixedLength(double length, Orientation orientation);
 
-    /// Gives the view the free space of its stack. If space is missing, the view shrinks first.
+    /// Lets the view take up free space in its stack. If there is too little space, the view shrinks before
+    /// the others.
     void setExpands(Orientation orientation);
 
     /// Requests a call of `layout` before the window is next drawn.
@@ -76,10 +80,10 @@ public:
     /// Sets the frames of the subviews. Called when the view's size has changed and after `setNeedsLayout`.
     virtual void layout() {}
 
-    /// The native side of the view, for Platform's own sources.
+    /// The native side of the view. Internal to Platform.
     struct Native;
-    /// Returns the native side. `native` creates it on the first call; `nativeIfMade` returns null before
-    /// that.
+    /// Return the native side. `native` creates it on the first call; `nativeIfMade` returns null if it has
+    /// not been created yet.
     Native& native();
     Native* nativeIfMade() const { return native_.get(); }
 
@@ -87,7 +91,7 @@ protected:
     /// `className` is the name of the class in the Objective-C runtime. Ignored on Linux.
     explicit View(std::string_view className = {});
 
-    /// Creates the native side. Subclasses override it.
+    /// Creates the native side. Subclasses override this function.
     virtual std::unique_ptr<Native> makeNative();
 
 private:
@@ -112,10 +116,10 @@ private:
     std::unique_ptr<Native> native_;
 };
 
-/// Decoration that separates or groups views.
+/// A decoration that separates or groups views.
 class Box : public View {
 public:
-    /// A horizontal line, one point thick.
+    /// Creates a horizontal line, one point thick.
     static std::shared_ptr<Box> createSeparator();
 
 protected:

@@ -17,25 +17,26 @@ class WindowDelegate {
 public:
     virtual ~WindowDelegate() = default;
 
-    /// Called exactly once, when the window is about to close for good.
+    /// Called exactly once, when the window is about to close. Not called if the window is only ordered out.
     virtual void windowWillClose(Window& window) = 0;
 };
 
 /// A window, or one tab of a native window that several windows share. Main thread only.
 ///
-/// Windows with the same tabbing identifier may be tabs of one native window; each still has its own title,
-/// content and first responder. On Linux no native window is created before the window is first shown.
+/// Windows with the same tabbing identifier can share a native window as its tabs. Each of them still has its
+/// own title, content and first responder. On Linux the native window is created when the window is first
+/// shown.
 class Window : public Responder, public std::enable_shared_from_this<Window> {
 public:
-    /// The operations that the user can perform on a window's frame.
+    /// The operations that the user can perform with a window's frame.
     struct Style {
-        /// True if the frame has the button or, for a resizable window, edges that can be dragged.
+        /// True if the frame has the corresponding button or, for `resizable`, edges that can be dragged.
         bool closable = true;
         bool miniaturizable = true;
         bool resizable = true;
     };
 
-    /// `contentSize` is the initial size of the content, without menu bar, tab strip and frame.
+    /// `contentSize` is the initial size of the content, excluding the menu bar, the tab strip and the frame.
     static std::shared_ptr<Window> create(Size contentSize, Style style);
 
     Window(const Window&) = delete;
@@ -46,16 +47,16 @@ public:
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
 
-    /// The size and the style that the window was created with.
+    /// The content size and the style with which the window was created.
     Size contentSize() const { return contentSize_; }
     const Style& style() const { return style_; }
 
-    /// The minimum size that the user can resize to: that of the content, or on macOS of the window with its
-    /// frame.
+    /// The minimum size to which the user can resize the window. On Linux it applies to the content, on macOS
+    /// to the window including its frame.
     Size minSize() const { return minSize_; }
     void setMinSize(Size size);
 
-    /// Windows with the same identifier become tabs of one native window. Read on macOS only, when the window
+    /// Windows with the same identifier become tabs of one native window. Used only on macOS, when the window
     /// is first shown.
     const std::string& tabbingIdentifier() const { return tabbingIdentifier_; }
     void setTabbingIdentifier(const std::string& identifier) { tabbingIdentifier_ = identifier; }
@@ -64,17 +65,17 @@ public:
     /// position a window.
     void center() { centered_ = true; }
 
-    /// The name under which the frame is saved from one run to the next: size and maximised state, and on
-    /// macOS also the position. A new window gets the frame that was saved last.
+    /// The name under which the window's frame is saved between runs: its size and maximised state and, on
+    /// macOS, also its position. A new window gets the frame that was saved last.
     const std::string& frameAutosaveName() const { return frameAutosaveName_; }
     void setFrameAutosaveName(const std::string& name) { frameAutosaveName_ = name; }
 
     /// The view that fills the window.
     const std::shared_ptr<View>& contentView() const { return contentView_; }
-    /// Replaces the content view. A window is created with an empty one.
+    /// Replaces the content view. A window is created with an empty content view.
     void setContentView(const std::shared_ptr<View>& view);
 
-    /// Held weakly.
+    /// The delegate is held weakly.
     void setDelegate(const std::weak_ptr<WindowDelegate>& delegate) { delegate_ = delegate; }
     /// The controller that owns the window, or null.
     std::shared_ptr<WindowController> windowController() const { return controller_.lock(); }
@@ -84,19 +85,20 @@ public:
 
     /// Shows the window, selects its tab and gives it the keyboard focus.
     void makeKeyAndOrderFront();
-    /// Hides the window, on Linux together with all tabs of its native window. Its content keeps running, and
-    /// it can be shown again.
+    /// Hides the window; on Linux, also hides all other tabs of its native window. The content keeps running,
+    /// and the window can be shown again.
     void orderOut();
 
-    /// Returns true while the window, or its tab, is on the screen.
+    /// Returns true if the window is on the screen and, if it is a tab, selected.
     bool isVisible() const;
 
-    /// The view that has the keyboard focus while this window is the key window. Remembered while it is not.
+    /// The view that has the keyboard focus while this window is the key window. The window remembers it
+    /// while another window is the key window.
     void makeFirstResponder(const std::shared_ptr<View>& view);
     std::shared_ptr<View> firstResponder() const;
 
-    /// True by default: closing ends the window. If false, closing only orders it out, and the delegate is
-    /// not notified.
+    /// If true, which is the default, the window cannot be shown again after it is closed. If false, closing
+    /// the window only orders it out, and the delegate is not notified.
     bool isReleasedWhenClosed() const { return releasedWhenClosed_; }
     void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
 
@@ -109,7 +111,7 @@ public:
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;
 
-    /// The native side, for Platform's own sources.
+    /// The native side. Internal to Platform.
     struct Native;
     Native& native() { return *native_; }
 

@@ -24,7 +24,7 @@ protected:
     explicit WindowController(std::string_view className)
         : className_(className) {}
 
-    /// Call it once, as soon as a `shared_ptr` holds the controller.
+    /// Sets the window. Call it once, after the controller has been assigned to a `shared_ptr`.
     void setWindow(const std::shared_ptr<Window>& window);
 
 private:

@@ -8,7 +8,8 @@
 
 namespace Platform {
 
-/// The About window. It is not modal. The main menu's key equivalents work in it; that of Close closes it.
+/// The About window, which is not modal. The main menu's key equivalents work in it; the key equivalent of
+/// Close closes the panel.
 class AboutPanel : public Responder {
 public:
     AboutPanel() = default;
@@ -16,8 +17,8 @@ public:
     AboutPanel& operator=(const AboutPanel&) = delete;
     ~AboutPanel() override;
 
-    /// Shows the panel, or raises it if it is open, above `parent` unless that is null. A panel that is not
-    /// open yet gets the key equivalents of `mainMenu`, which may be null.
+    /// Shows the panel, or raises it if it is already open. Keeps it above `parent`, unless `parent` is null.
+    /// A newly opened panel gets the key equivalents of `mainMenu`, which may be null.
     void orderFront(GtkWindow* parent, const std::shared_ptr<Menu>& mainMenu);
     void close();
 

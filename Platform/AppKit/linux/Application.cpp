@@ -40,8 +40,8 @@ void startLibadwaita() {
     adw_init();
 }
 
-/// WebKitGTK aborts if the session bus does not respond, but runs without one (seen with 2.50.6, not
-/// reported).
+/// Removes the address of the session bus from the environment if the bus is not connected. WebKitGTK aborts
+/// if the session bus does not respond, but works without a session bus (seen with 2.50.6, not reported).
 void forgetDeadBus(GApplication* application) {
     if (g_application_get_dbus_connection(application)) {
         return;
@@ -54,7 +54,8 @@ void forgetDeadBus(GApplication* application) {
     g_setenv("GTK_A11Y", "none", TRUE);
 }
 
-/// GTK's own startup ends the process with a warning that does not name what is missing.
+/// Exits with an error message if no display can be opened. GTK's own startup handler also exits, but its
+/// warning does not name what is missing.
 void startWithDisplay(GApplication* application) {
     if (!gtk_init_check()) {
         diagnosticLog(programInfo().name +
@@ -74,9 +75,9 @@ GType applicationType() {
     return type;
 }
 
-/// Makes this process the primary instance, or connects it to the process that is. If that process exits
-/// during the request, a second request makes this one the primary instance. If it does not respond, logs a
-/// line and returns false.
+/// Makes this process the primary instance, or connects it to the existing primary instance. If that instance
+/// exits during the request, a second request makes this process the primary instance. If it does not
+/// respond, logs a message and returns false.
 bool registerApplication(GApplication* application) {
     for (bool isAskedAgain = false;; isAskedAgain = true) {
         GError* failure = nullptr;
@@ -98,11 +99,11 @@ Application::Application()
     assertMainThread("Application::shared");
     chooseAcceleration();
     holdBackToolkitTheme();
-    // A program that has not set its identifier gets no name on the bus.
+    // A program without a valid identifier does not get a name on the bus.
     const std::string& identifier = programInfo().identifier;
     const char* id = g_application_id_is_valid(identifier.c_str()) ? identifier.c_str() : nullptr;
-    // A second start hands over its command line, which arrives untouched. D-Bus activation hands over a list
-    // of files, in which GVfs keeps http and https URLs untouched, but rewrites others.
+    // A second launch passes its command line to the running process unchanged. D-Bus activation passes a
+    // list of files, in which GVfs keeps http and https URLs unchanged, but rewrites other URLs.
     native_->application = GObjectPtr<GtkApplication>::adopt(GTK_APPLICATION(
         g_object_new(applicationType(), "application-id", id, "flags",
                      G_APPLICATION_HANDLES_COMMAND_LINE | G_APPLICATION_HANDLES_OPEN, nullptr)));
@@ -111,7 +112,6 @@ Application::Application()
 
 Application::~Application() = default;
 
-// Every program with windows is a regular one on Linux.
 void Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
 
 void Application::setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate) { delegate_ = delegate; }
@@ -168,7 +168,8 @@ void Application::Native::opened(GApplication* /*application*/, GFile** files, i
 }
 
 void Application::prepare() {
-    // Such a program receives no URLs from other processes, and may run at the same time as the browser.
+    // A program that runs the main loop itself receives no URLs from other processes, and may run at the same
+    // time as the browser.
     auto* application = G_APPLICATION(native_->gtk());
     g_application_set_flags(application, static_cast<GApplicationFlags>(g_application_get_flags(application) |
                                                                         G_APPLICATION_NON_UNIQUE));
@@ -185,7 +186,7 @@ void Application::wasStarted(const std::vector<URL>& urls) {
     }
     if (!native_->finishedLaunching) {
         native_->finishedLaunching = true;
-        // Hold the application only now: a D-Bus service that receives no request exits by itself.
+        // Hold the application only now, so that a D-Bus service that receives no request exits by itself.
         g_application_hold(G_APPLICATION(native_->gtk()));
         delegate->applicationDidFinishLaunching();
     } else if (urls.empty()) {
@@ -214,7 +215,8 @@ void Application::activateIgnoringOtherApps() {
 }
 
 std::shared_ptr<Responder> Application::targetForAction(Action action) const {
-    // The key window comes before the main window. The panel lives as long as the process.
+    // The key window precedes the main window in the responder chain. A non-owning pointer to the panel is
+    // enough, because the panel exists until the process exits.
     if (native_->aboutPanel.isKey() && native_->aboutPanel.respondsTo(action)) {
         return {std::shared_ptr<void>(), &native_->aboutPanel};
     }
@@ -232,7 +234,7 @@ std::shared_ptr<Responder> Application::targetForAction(Action action) const {
             return controller;
         }
     }
-    if (respondsTo(action)) { // the application lives as long as the process
+    if (respondsTo(action)) { // the application exists until the process exits
         return {std::shared_ptr<void>(), &Application::shared()};
     }
     if (const auto delegate = delegate_.lock(); delegate && delegate->respondsTo(action)) {
@@ -269,7 +271,7 @@ void Application::perform(Action action, const ActionSender& /*sender*/) {
 }
 
 bool Application::validateMenuItem(MenuItem& item) {
-    // No desktop lets a program hide the windows of others.
+    // No desktop lets a program hide the windows of other programs.
     return item.action() != StandardAction::hideOtherApplications;
 }
 

@@ -41,15 +41,16 @@ struct Application::Native {
     GtkApplication* gtk() const { return application.get(); }
     SavedFrames& savedFrames();
 
-    /// The hosts on the screen, minimised ones included. The others were ordered out.
+    /// The visible hosts, including minimised hosts, but not those that were ordered out.
     std::vector<std::shared_ptr<TabHost>> visibleHosts() const;
-    /// The visible host that was used last.
+    /// The visible host that was used last, or null.
     std::shared_ptr<TabHost> frontHost() const;
-    /// Brings all hosts on the screen to the front, minimised ones too, in the order in which they were last
-    /// used.
+    /// Brings all visible hosts to the front, including minimised hosts. Preserves the order in which they
+    /// were last used.
     void bringAllToFront() const;
 
-    /// Called when the host's last page is gone. Releases the host once its own callbacks have returned.
+    /// Called when the last page of the host has been removed. Releases the host after its own callbacks have
+    /// returned.
     void hostEmptied(const std::shared_ptr<TabHost>& host);
 };
 

@@ -57,7 +57,8 @@ private:
     T* object_ = nullptr;
 };
 
-/// A signal connection that ends with this object. The instance may be finalized first.
+/// A signal connection that is disconnected when this object is destroyed. The instance may be finalized
+/// earlier.
 class SignalConnection {
 public:
     SignalConnection() = default;

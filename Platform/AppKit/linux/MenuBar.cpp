@@ -21,9 +21,9 @@ constexpr const char* windowAction = "window";
 
 std::string actionName(const char* action) { return std::string(actionPrefix) + "." + action; }
 
-/// GTK's name for the item's key equivalent, such as "<Control>braceleft". Adds Shift for upper-case letters
-/// only: whether another character needs Shift depends on the keyboard layout, and GTK ignores modifiers that
-/// the layout consumes.
+/// Returns GTK's name for the item's key equivalent, such as "<Control>braceleft". Adds Shift only for
+/// upper-case letters. Whether other characters need Shift depends on the keyboard layout, and GTK ignores
+/// modifiers that the layout consumes.
 std::string accelerator(const MenuItem& item) {
     const guint key = gdk_unicode_to_keyval(g_utf8_get_char(item.keyEquivalent().c_str()));
     unsigned modifiers = GDK_CONTROL_MASK;
@@ -38,7 +38,7 @@ std::string accelerator(const MenuItem& item) {
     return name.get();
 }
 
-/// A label in which no underscore marks a mnemonic.
+/// Escapes the underscores in a title, which would otherwise mark mnemonics.
 std::string menuLabel(const std::string& title) {
     std::string label;
     for (const char c : title) {
@@ -50,8 +50,9 @@ std::string menuLabel(const std::string& title) {
     return label;
 }
 
-/// Returns the maximum width of a menu's text, in GTK's unit of an average character. The text may take two
-/// fifths of the screen, so that with its margins and keys the menu takes at most one half.
+/// Returns the maximum width of a menu's labels, in GTK's unit of an average character. A label may take two
+/// fifths of the screen's width, so that the menu with its margins and key equivalents takes no more than
+/// half.
 int greatestTextWidth(GtkWidget* widget) {
     GdkDisplay* display = gtk_widget_get_display(widget);
     GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gtk_widget_get_root(widget)));
@@ -65,7 +66,7 @@ int greatestTextWidth(GtkWidget* widget) {
     return screen.width * 2 / 5 * PANGO_SCALE / std::max(character, PANGO_SCALE);
 }
 
-/// Ellipsizes each label below `widget` in the middle if it is wider than `greatestWidth`.
+/// Ellipsizes, in the middle, each label inside `widget` that is wider than `greatestWidth`.
 void cutLongTexts(GtkWidget* widget, int greatestWidth) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
          child = gtk_widget_get_next_sibling(child)) {
@@ -88,8 +89,8 @@ void update(Menu& menu) {
 /// not reported).
 void returnFocus(GtkPopover* /*popover*/, gpointer /*data*/) {
     const std::weak_ptr<Window> main = Application::shared().mainWindow();
-    // Deferred, because the next menu may open at once, and the chosen item's action may move the focus
-    // itself.
+    // Deferred, because another menu may open immediately, and the action of the chosen item may move the
+    // focus itself.
     RunLoop::main().perform([main] {
         if (const auto window = main.lock()) {
             window->native().takeFocus();
@@ -108,7 +109,8 @@ struct KeyEquivalent {
     std::string key;
     ModifierFlags modifiers = ModifierFlags::command;
 
-    /// Returns the item that has the key now. The menu's delegate may have replaced the items.
+    /// Returns the item that currently has this key equivalent. The menu's delegate may have replaced the
+    /// items.
     std::shared_ptr<MenuItem> item() const {
         update(*menu);
         for (const auto& item : menu->items()) {
@@ -148,7 +150,7 @@ MenuBar::~MenuBar() = default;
 void MenuBar::connectPopovers() {
     for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item;
          item = gtk_widget_get_next_sibling(item)) {
-        // Otherwise the item takes the focus as soon as the pointer passes over it (seen with GTK 4.8.3, not
+        // Otherwise the item takes the focus when the pointer moves over it (seen with GTK 4.8.3, not
         // reported).
         gtk_widget_set_focusable(item, FALSE);
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
@@ -251,8 +253,9 @@ void MenuBar::appendWindows(GMenu* model) {
 }
 
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu) {
-    // The focused field or page receives the editing keys first. All other keys are handled before any widget
-    // receives them, and are discarded if their item is disabled.
+    // The key equivalents of editing actions are handled only if the focused field or page does not handle
+    // the key. All other key equivalents are handled before any widget receives the key. A key is discarded
+    // if its item is disabled.
     GtkEventController* capturing = gtk_shortcut_controller_new();
     gtk_event_controller_set_propagation_phase(capturing, GTK_PHASE_CAPTURE);
     GtkEventController* bubbling = gtk_shortcut_controller_new();

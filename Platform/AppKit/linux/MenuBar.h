@@ -11,10 +11,12 @@ namespace Platform {
 
 class Window;
 
-/// Shows the main menu as the menu bar of one top-level, and handles its key equivalents there.
+/// Shows the main menu as the menu bar of a top-level window, and handles the menu's key equivalents in that
+/// window.
 ///
-/// The items of a menu are created and validated each time it opens, so a bar that is never opened costs only
-/// its titles. The application's windows menu ends with the open windows; the main window is marked.
+/// The items of a menu are created and validated each time the menu opens, so a menu bar that is never opened
+/// costs only its titles. A list of the open windows, in which the main window is marked, is appended to the
+/// application's windows menu.
 class MenuBar {
 public:
     MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu);
@@ -36,7 +38,7 @@ private:
     std::shared_ptr<Menu> mainMenu_;
     GObjectPtr<GtkWidget> bar_;
     GObjectPtr<GSimpleActionGroup> actions_;
-    std::vector<GtkWidget*> popovers_; // held by `bar_`
+    std::vector<GtkWidget*> popovers_; // owned by `bar_`
     /// The items of the menu that was opened last.
     std::vector<std::shared_ptr<MenuItem>> items_;
     /// The windows that the windows menu listed when it was last opened.
@@ -44,11 +46,12 @@ private:
     std::vector<SignalConnection> connections_;
 };
 
-/// Adds shortcuts to the top-level that perform the items of `mainMenu`.
+/// Adds the key equivalents of the items of `mainMenu` to the top-level window. Pressing one of them performs
+/// the item.
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu);
 
-/// Returns true if the item's action can be performed now. Asks the action's target, which may retitle the
-/// item.
+/// Returns true if the item's action can currently be performed. Asks the action's target, which may change
+/// the item's title.
 bool validate(MenuItem& item);
 
 } // namespace Platform

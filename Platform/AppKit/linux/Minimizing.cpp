@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-// Last, because it defines macros with common names.
+// Included last, because it defines macros with common names.
 // clang-format off
 #include <gdk/x11/gdkx.h>
 // clang-format on
@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view minimizeButton = "minimize";
 
-/// The user's title bar layout without the minimise button.
+/// Returns the user's title bar layout without the minimise button.
 std::string buttonLayout(GtkWidget* toplevel) {
     char* setting = nullptr;
     g_object_get(gtk_widget_get_settings(toplevel), "gtk-decoration-layout", &setting, nullptr);
@@ -28,7 +28,8 @@ std::string buttonLayout(GtkWidget* toplevel) {
     return layout;
 }
 
-/// Sets _MOTIF_WM_HINTS to all functions and decorations of a frame except those for minimising.
+/// Sets _MOTIF_WM_HINTS so that the frame does not offer minimising. If `isResizable` is false, the frame
+/// does not offer resizing and maximising either.
 void setFrameHints(GdkSurface* surface, bool isResizable) {
     enum : unsigned long { hasFunctions = 1, hasDecorations = 2 };
     enum : unsigned long { resize = 2, move = 4, maximize = 16, close = 32 };
@@ -48,7 +49,7 @@ void setFrameHints(GdkSurface* surface, bool isResizable) {
 }
 
 void realized(GtkWidget* toplevel, gpointer /*data*/) {
-    // If GTK draws the frame itself, it creates the header bar when it realizes the window, and has no
+    // If GTK draws the frame itself, it creates the header bar when it realizes the window, and provides no
     // function that returns it.
     for (GtkWidget* child = gtk_widget_get_first_child(toplevel); child;
          child = gtk_widget_get_next_sibling(child)) {

@@ -4,9 +4,9 @@
 
 namespace Platform {
 
-/// Removes the minimise operation that GTK and, on X11, the window manager offer for a top-level. Call it
-/// before the top-level is realized. Wayland has no request for this: a compositor that draws the frame may
-/// still offer the operation.
+/// Removes the minimise operation that GTK and, on X11, the window manager offer for a top-level window. Call
+/// it before the window is realized. Wayland has no equivalent request, so a compositor that draws the frame
+/// may still offer the operation.
 void withholdMinimizing(GtkWindow* toplevel);
 
 } // namespace Platform

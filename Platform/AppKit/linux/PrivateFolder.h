@@ -5,9 +5,8 @@
 
 namespace Platform {
 
-/// Returns the path of the application's own folder in `userDirectory`, which only the user may enter.
-/// Creates the folder if it does not exist. On failure writes a line to the diagnostic log and returns
-/// nothing.
+/// Returns the path of the application's folder in `userDirectory`. Creates the folder if it does not exist,
+/// and allows only the user to access it. On failure, logs a diagnostic message and returns nothing.
 std::optional<std::string> privateFolder(const char* userDirectory);
 
 } // namespace Platform

@@ -8,7 +8,7 @@ namespace Platform {
 
 namespace {
 
-/// The number of pressed keys to remember. Users do not type further ahead of a page than this.
+/// The number of key events to remember. Users do not type further ahead of a page than this.
 constexpr std::size_t keptKeys = 64;
 
 } // namespace

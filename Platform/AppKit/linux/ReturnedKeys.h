@@ -14,9 +14,9 @@ namespace Platform {
 /// Drops key events that a page returns unhandled after the focus has moved to another widget.
 ///
 /// WebKitGTK returns an unhandled key event as if the key had just been pressed. By then the focus may be in
-/// another widget: WebKitGTK itself moves it to the next widget on Tab, and the page may have opened a
-/// window. That widget would handle the key a second time. Seen with WebKitGTK 2.50.6;
-/// https://bugs.webkit.org/show_bug.cgi?id=261348 is about returning events at all.
+/// another widget: on Tab, WebKitGTK itself moves it to the next widget, and the page may have opened a
+/// window. The other widget would handle the key a second time. Seen with WebKitGTK 2.50.6;
+/// https://bugs.webkit.org/show_bug.cgi?id=261348 is about returned events in general.
 class ReturnedKeys {
 public:
     explicit ReturnedKeys(GtkWindow* toplevel);
@@ -38,7 +38,8 @@ private:
     bool isForOther(GdkEvent* event);
 
     std::uint64_t focusMoves_ = 0;
-    /// Keys that may yet be returned, possibly more than once, because input methods return keys as well.
+    /// Key events that may still be returned, possibly more than once, because input methods also return key
+    /// events.
     std::deque<Pressed> pressed_;
     std::vector<SignalConnection> connections_;
 };

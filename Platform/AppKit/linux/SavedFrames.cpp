@@ -16,10 +16,10 @@ namespace Platform {
 namespace {
 
 constexpr const char* fileName = "window-frames";
-/// In bytes. A longer file was not written by this class and is ignored.
+/// The maximum size of the file, in bytes. A larger file was not written by this class and is ignored.
 constexpr std::uintmax_t longestFile = std::uintmax_t{64} * 1024;
-/// Seconds from the last change to the write. A window that is being resized changes with each motion of the
-/// pointer.
+/// The delay between the last change and the write, in seconds. The frame of a window that is being resized
+/// changes with each motion of the pointer.
 constexpr Timer::Interval quietTime = 1;
 
 constexpr const char* widthKey = "width";

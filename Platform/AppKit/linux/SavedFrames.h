@@ -10,8 +10,8 @@
 
 namespace Platform {
 
-/// The size that a top-level has while it is not maximised, including menu bar and tab strip, in logical
-/// pixels; and whether it is maximised.
+/// The frame of a top-level window: its size while it is not maximised, in logical pixels and including the
+/// menu bar and the tab strip, and its maximised state.
 struct SavedFrame {
     int width = 0;
     int height = 0;
@@ -20,11 +20,12 @@ struct SavedFrame {
     friend bool operator==(const SavedFrame&, const SavedFrame&) = default;
 };
 
-/// The frames of windows that are saved from one run to the next, by their autosave names. Main thread only.
+/// Window frames that are saved between runs, identified by their autosave names. Main thread only.
 ///
-/// The frames are in a file in the application's own folder in `stateDirectory`. The file is read once, and
-/// rewritten a short time after the last of several changes. A file that cannot be read or parsed is ignored.
-/// A failure to write is logged; the frames stay in memory, and the next change tries again.
+/// The frames are stored in a file in the application's folder in `stateDirectory`. The file is read once,
+/// and rewritten shortly after the last of several changes. A file that cannot be read or parsed is ignored.
+/// If writing fails, the error is logged, the frames remain in memory, and the next change causes another
+/// attempt.
 class SavedFrames {
 public:
     explicit SavedFrames(std::string stateDirectory);
@@ -36,7 +37,7 @@ public:
     std::optional<SavedFrame> frame(const std::string& name) const;
     void setFrame(const std::string& name, const SavedFrame& frame);
 
-    /// Writes the file now if anything changed.
+    /// Writes the file immediately if there are unsaved changes.
     void save();
 
 private:

@@ -14,8 +14,8 @@ constexpr int cardWidth = 380;
 constexpr int textHeight = 300;
 constexpr int textWidthInCharacters = 40;
 
-/// Returns true if a word is so long that Pango takes noticeable time to find a place to break it. The time
-/// grows with the square of the word's length (seen with GTK 4.8.3, not reported).
+/// Returns true if a word is so long that Pango takes noticeable time to break it. The time grows with the
+/// square of the word's length (seen with GTK 4.8.3, not reported).
 bool hasEndlessWord(const std::string& text) {
     constexpr std::size_t endless = 500;
     std::size_t begin = 0;
@@ -98,7 +98,7 @@ void Sheet::moveFocus(std::ptrdiff_t step) {
     gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
-/// The texts can have the focus only if they must be scrolled.
+/// The texts can receive the focus only if they need to be scrolled.
 void Sheet::textResized(GtkAdjustment* visible) {
     gtk_widget_set_focusable(stops_.front(),
                              gtk_adjustment_get_upper(visible) > gtk_adjustment_get_page_size(visible));
@@ -113,12 +113,12 @@ GtkWidget* Sheet::makeCard(const Alert& alert) {
     gtk_widget_set_size_request(card, cardWidth, -1);
     gtk_accessible_update_property(GTK_ACCESSIBLE(card), GTK_ACCESSIBLE_PROPERTY_LABEL,
                                    alert.messageText.c_str(), -1);
-    // Only the texts scroll, so the buttons stay visible however long the texts are.
+    // Only the texts scroll, so that the buttons stay visible even if the texts are long.
     GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
     gtk_box_append(GTK_BOX(texts), makeLabel(alert.messageText, "title-4"));
     GtkWidget* text = makeLabel(alert.informativeText, "body");
-    // Without a requested width, GTK lays out a long text repeatedly, for seconds, to choose one (seen with
-    // 4.8.3, not reported).
+    // Without a requested width, GTK lays out a long text repeatedly to choose a width, which takes seconds
+    // (seen with 4.8.3, not reported).
     gtk_label_set_width_chars(GTK_LABEL(text), textWidthInCharacters);
     gtk_box_append(GTK_BOX(texts), text);
     GtkWidget* scroller = gtk_scrolled_window_new();

@@ -9,25 +9,25 @@
 
 namespace Platform {
 
-/// The card with an alert's texts and buttons, on a shade that covers the widgets below it.
+/// A card with an alert's texts and buttons, on a shade that covers the widgets below it.
 class Sheet {
 public:
-    /// Calls `answered` with the index of the button that the user chooses. It may destroy the sheet.
+    /// Calls `answered` with the index of the button that the user chooses. `answered` may destroy the sheet.
     Sheet(const Alert& alert, std::function<void(std::size_t)> answered);
     Sheet(const Sheet&) = delete;
     Sheet& operator=(const Sheet&) = delete;
     ~Sheet();
 
-    /// The widget to show over the page.
+    /// The widget that is shown over the page.
     GtkWidget* widget() const { return shade_.get(); }
 
-    /// Gives the default button the focus.
+    /// Moves the focus to the default button.
     void focus();
 
 private:
     GtkWidget* makeCard(const Alert& alert);
     void answer(std::size_t button);
-    /// Moves the focus by `step` stops, and wraps around at the ends of the sheet.
+    /// Moves the focus by `step` positions in the Tab order, and wraps around at both ends.
     void moveFocus(std::ptrdiff_t step);
     gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode, GdkModifierType state);
     void clicked(GtkButton* button);
@@ -37,7 +37,7 @@ private:
     std::function<void(std::size_t)> answered_;
     GObjectPtr<GtkWidget> shade_;
     std::vector<GtkWidget*> buttons_;
-    /// The widgets that can have the focus, in Tab order.
+    /// The widgets that can receive the focus, in Tab order.
     std::vector<GtkWidget*> stops_;
     std::vector<SignalConnection> connections_;
 };

@@ -4,9 +4,10 @@
 
 namespace Platform {
 
-/// The C callback that calls a member function with the arguments of a signal. Until the call returns, it
-/// holds the result of the object's `keepAlive` or, without that function, a reference to the object if it is
-/// shared. If that reference is null, the object is not called.
+/// A C callback that calls a member function with the arguments of a signal. During the call it holds the
+/// result of the object's `keepAlive` or, if there is no such function and the object is managed by a
+/// `shared_ptr`, a reference to the object. If the result or the reference is null, the member function is
+/// not called.
 template <auto handler>
 struct SignalHandler;
 

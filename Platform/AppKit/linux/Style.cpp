@@ -77,7 +77,7 @@ PangoAttrList* fontAttributes(double points) {
 }
 
 std::string toolTipText(const std::string& text) {
-    constexpr glong kept = 400; // of each end, in characters
+    constexpr glong kept = 400; // characters at each end
     const glong length = g_utf8_strlen(text.c_str(), -1);
     if (length <= 2 * kept) {
         return text;

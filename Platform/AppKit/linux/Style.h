@@ -10,15 +10,15 @@ namespace Platform {
 /// initialized.
 void installStyle();
 
-/// Returns the name of the theme's icon for a symbol of macOS. Aborts if the symbol is unknown.
+/// Returns the name of the icon for a macOS symbol. Aborts if the symbol is unknown.
 const char* iconName(const std::string& symbolName);
 
-/// Returns attributes for text of `points` logical pixels. The list is shared by all callers with the same
-/// size and lives as long as the process.
+/// Returns attributes that set the font size to `points` logical pixels. The list is shared by all callers
+/// that request the same size, and exists until the process exits.
 PangoAttrList* fontAttributes(double points);
 
-/// Returns `text`, or its beginning and end if it is too long for a tool tip. GTK would take seconds to break
-/// it into more lines than the screen has (seen with 4.8.3, not reported).
+/// Returns `text`, or only its beginning and end if it is too long for a tool tip. GTK takes seconds to break
+/// a text into more lines than fit on the screen (seen with 4.8.3, not reported).
 std::string toolTipText(const std::string& text);
 
 } // namespace Platform

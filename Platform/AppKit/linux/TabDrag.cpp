@@ -4,7 +4,7 @@
 
 #include <memory>
 
-// Last, because it defines macros with common names.
+// Included last, because it defines macros with common names.
 // clang-format off
 #include <gdk/x11/gdkx.h>
 // clang-format on
@@ -13,8 +13,8 @@ namespace Platform {
 
 namespace {
 
-/// Returns true if the pointer is not over a window. The dragged icon does not count, because the pointer
-/// passes through it.
+/// Returns true if the pointer is not over any window. The drag icon does not count, because pointer events
+/// pass through it.
 bool isOnBareDesktop(GdkDrag* drag) {
     GdkDisplay* display = gdk_drag_get_display(drag);
     if (!GDK_IS_X11_DISPLAY(display)) {
@@ -49,7 +49,7 @@ gboolean dropPerformed(GSignalInvocationHint* /*hint*/, guint /*count*/, const G
 } // namespace
 
 void endTabDragsOnBareDesktop() {
-    // The signals of a class exist once the class has been initialized.
+    // The signals of a class exist only after the class has been initialized.
     const std::unique_ptr<void, decltype(&g_type_class_unref)> drags(g_type_class_ref(GDK_TYPE_DRAG),
                                                                      &g_type_class_unref);
     g_signal_add_emission_hook(g_signal_lookup("drop-performed", GDK_TYPE_DRAG), 0, dropPerformed, nullptr,

@@ -65,7 +65,8 @@ TabHost::TabHost()
     adw_tab_bar_set_view(tabBar, tabView_);
     gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabBar));
 
-    // AdwTabView handles its shortcuts before the page does. Leave all but these to the page.
+    // AdwTabView handles its shortcuts before the page receives the keys. Enable only these two and leave all
+    // other keys to the page.
     adw_tab_view_set_shortcuts(tabView_,
                                static_cast<AdwTabViewShortcuts>(ADW_TAB_VIEW_SHORTCUT_CONTROL_TAB |
                                                                 ADW_TAB_VIEW_SHORTCUT_CONTROL_SHIFT_TAB));
@@ -106,7 +107,7 @@ void TabHost::setFrame(const Window& window) {
     SavedFrame frame{.width = static_cast<int>(window.contentSize().width),
                      .height = static_cast<int>(window.contentSize().height) + barHeight};
     if (const auto saved = Application::shared().native().savedFrames().frame(window.frameAutosaveName())) {
-        // GTK fits the window to its screen.
+        // No upper limit is needed, because GTK fits the window to the screen.
         frame = *saved;
         frame.width = std::max(frame.width, static_cast<int>(window.minSize().width));
         frame.height = std::max(frame.height, static_cast<int>(window.minSize().height) + barHeight);
@@ -138,7 +139,7 @@ void TabHost::closePage(Window& window) {
 
 void TabHost::updateTitle(Window& window) {
     AdwTabPage* page = adw_tab_view_get_page(tabView_, window.native().page.get());
-    // A tab without a tool tip of its own shows its title, however long, as the tool tip.
+    // A tab without a tool tip shows its whole title as the tool tip, regardless of the length.
     const std::string shown = toolTipText(window.title());
     if (shown == window.title()) {
         adw_tab_page_set_tooltip(page, "");
@@ -188,7 +189,8 @@ void TabHost::selectNeighbour(int step) {
 void TabHost::present() {
     wasUsed();
     gtk_window_present(toplevel());
-    // Lets the window manager work while this process prepares the page's first load.
+    // Flush the request, so that the window manager can work while this process prepares the page's first
+    // load.
     gdk_display_flush(gtk_widget_get_display(toplevel_.get()));
 }
 
@@ -200,9 +202,10 @@ void TabHost::wasUsed() {
 void TabHost::orderOut() { gtk_widget_set_visible(toplevel_.get(), FALSE); }
 
 gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/) {
-    // Hide the window first. Otherwise each tab is shown for a moment when the tab before it closes.
+    // Hide the window first. Otherwise each tab is shown briefly when the tab before it closes.
     gtk_widget_set_visible(toplevel_.get(), FALSE);
-    // GTK's default handler drops the pages without `close-page`. Close each tab on its own, in order.
+    // GTK's default handler removes the pages without emitting `close-page`. Close the tabs one at a time, in
+    // order.
     for (const auto& window : windows()) {
         if (of(*window).get() == this) {
             closePage(*window);

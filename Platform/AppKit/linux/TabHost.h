@@ -13,13 +13,13 @@
 
 namespace Platform {
 
-/// One native top-level: the menu bar, the tab strip, and the pages of the windows that share it. It lives
-/// from its first page to its last.
+/// A native top-level window: the menu bar, the tab strip, and the pages of the windows that share it. It is
+/// released after its last page has been removed.
 class TabHost : public std::enable_shared_from_this<TabHost> {
 public:
     static std::shared_ptr<TabHost> create();
 
-    /// Returns the top-level that contains the window's page now, or null.
+    /// Returns the host that currently contains the window's page, or null.
     static std::shared_ptr<TabHost> of(Window& window);
 
     TabHost(const TabHost&) = delete;
@@ -30,7 +30,7 @@ public:
     AdwTabView* tabView() const { return tabView_; }
     MenuBar* menuBar() const { return menuBar_.get(); }
 
-    /// Adds the window's page after that of `neighbour`, or at the end if that is null.
+    /// Adds the window's page after that of `neighbour`, or at the end if `neighbour` is null.
     void addPage(Window& window, Window* neighbour);
     void select(Window& window);
     void closePage(Window& window);
@@ -42,14 +42,14 @@ public:
 
     void selectNeighbour(int step);
     void present();
-    /// Hides the top-level; its pages stay as they are.
+    /// Hides the top-level window and keeps its pages.
     void orderOut();
 
-    /// Sets the frame that is saved under `window`'s autosave name, or else one that fits its content size,
-    /// and applies the window's style. Call it before the top-level is first presented.
+    /// Restores the frame that is saved under `window`'s autosave name, or sets one that fits `window`'s
+    /// content size. Also applies the window's style. Call it before the top-level window is first presented.
     void setFrame(const Window& window);
 
-    /// Orders top-levels by their last use: a top-level that was used later has a greater value.
+    /// A number that orders hosts by their last use. The host that was used last has the greatest number.
     std::uint64_t lastUse() const { return lastUse_; }
 
 protected:
@@ -72,7 +72,7 @@ private:
 
     GObjectPtr<GtkWidget> toplevel_;
     ReturnedKeys returnedKeys_;
-    AdwTabView* tabView_ = nullptr; // held by `toplevel_`
+    AdwTabView* tabView_ = nullptr; // owned by `toplevel_`
     std::unique_ptr<MenuBar> menuBar_;
     std::uint64_t lastUse_ = 0;
     std::vector<SignalConnection> connections_;

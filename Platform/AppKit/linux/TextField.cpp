@@ -12,7 +12,7 @@ namespace Platform {
 
 namespace {
 
-/// The actions of GTK's text widget.
+/// The names of the standard actions in GTK's text widget.
 const std::map<Action, const char*>& textActions() {
     static const std::map<Action, const char*> table = {
         {StandardAction::undo, "text.undo"},        {StandardAction::redo, "text.redo"},
@@ -73,9 +73,9 @@ TextFieldEvents::TextFieldEvents(TextField& owner, GtkWidget* editable)
     widget = GObjectPtr<GtkWidget>::retain(editable);
     gtk_editable_set_text(GTK_EDITABLE(editable), field.stringValue_.c_str());
     g_object_set(editable, "placeholder-text", field.placeholder_.c_str(), nullptr);
-    // Long text scrolls. By default the field would request the width of a few words.
+    // Long text scrolls. By default, the field would request enough width for a few words.
     gtk_editable_set_width_chars(GTK_EDITABLE(editable), 0);
-    // So would the placeholder.
+    // Keep the placeholder from requesting a width as well.
     GtkWidget* placeholder = gtk_widget_get_first_child(GTK_WIDGET(text));
     if (GTK_IS_LABEL(placeholder)) {
         gtk_label_set_max_width_chars(GTK_LABEL(placeholder), 0);

@@ -7,7 +7,8 @@
 
 namespace Platform {
 
-/// The widget of a text field, which is one of GTK's single-line editors, and the handlers of its signals.
+/// The widget of a text field and the handlers of the widget's signals. The widget is one of GTK's
+/// single-line editors.
 struct TextFieldEvents final : View::Native {
     TextFieldEvents(TextField& owner, GtkWidget* editable);
 
@@ -18,11 +19,12 @@ struct TextFieldEvents final : View::Native {
     void preeditChanged(GtkText* source, const char* preedit);
     void activated(GtkWidget* editable);
     gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode, GdkModifierType state);
-    /// Called when another control of the same page has taken the focus. The field may not have a widget yet.
+    /// Called when another control in the same page has received the focus. The field may not have a widget
+    /// yet.
     static void focusLeft(TextField& field);
 
     TextField& field;
-    GtkText* text = nullptr; // the focus widget inside `widget`
+    GtkText* text = nullptr; // the part of `widget` that receives the focus
     bool settingText = false;
 };
 

@@ -29,9 +29,9 @@ gboolean queryToolTip(GtkWidget* /*widget*/, int /*x*/, int /*y*/, gboolean /*by
     return TRUE;
 }
 
-/// Answers `query-tooltip` instead of setting GTK's tool tip text. Each call of `gtk_widget_set_tooltip_text`
-/// asks the display for the pointer's position and waits for the answer, hundreds of times for a bookmarks
-/// bar (seen with GTK 4.8.3, not reported).
+/// Handles `query-tooltip` instead of setting GTK's tool tip text. Each call of `gtk_widget_set_tooltip_text`
+/// queries the display for the pointer's position and waits for the reply, which adds up to hundreds of round
+/// trips for a bookmarks bar (seen with GTK 4.8.3, not reported).
 void applyToolTip(View& view, View::Native& native) {
     GtkWidget* widget = native.widget.get();
     gtk_widget_set_has_tooltip(widget, !view.toolTip().empty());
@@ -57,7 +57,7 @@ void applyFixedLengths(GtkWidget* widget, const std::array<std::optional<double>
                                 static_cast<int>(lengths[1].value_or(-1)));
 }
 
-/// Sets both directions, because GTK otherwise expands a widget whose children expand.
+/// Sets the expansion in both directions, because otherwise GTK expands a widget whose children expand.
 void applyExpansion(GtkWidget* widget, const std::array<bool, 2>& expands) {
     gtk_widget_set_hexpand(widget, expands[0]);
     gtk_widget_set_vexpand(widget, expands[1]);

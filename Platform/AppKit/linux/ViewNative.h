@@ -7,17 +7,18 @@
 
 namespace Platform {
 
-/// The widget of a view. Derived classes add the state that some kinds of views need.
+/// The widget of a view. Derived classes add state for particular kinds of views.
 struct View::Native {
     Native() = default;
     Native(const Native&) = delete;
     Native& operator=(const Native&) = delete;
     virtual ~Native();
 
-    /// Adds the widget of a subview in front of the others, for views that can have subviews.
+    /// Adds the widget of a subview in front of the other subviews. Does nothing if the view cannot have
+    /// subviews.
     virtual void addSubview(GtkWidget* /*subview*/) {}
 
-    /// Creates and adds missing widgets of `view`'s subviews whenever its own widget is mapped.
+    /// Whenever the widget is mapped, creates and adds missing widgets of `view`'s subviews.
     void followSubviews(View& view);
 
     GObjectPtr<GtkWidget> widget;
@@ -27,10 +28,10 @@ struct View::Native {
     SignalConnection toolTipConnection;
 };
 
-/// Creates a widget that contains a group of other widgets and clips them.
+/// Creates a widget that groups other widgets and clips them.
 GObjectPtr<GtkWidget> makeOverlay();
 
-/// Returns the view that `widget` or its nearest ancestor belongs to, or null.
+/// Returns the view to which `widget` or its nearest ancestor belongs, or null.
 View* viewOfWidget(GtkWidget* widget);
 
 } // namespace Platform

@@ -213,7 +213,8 @@ void Window::Native::focusMoved(View& view) {
     firstResponder = view.weak_from_this();
     focusPending = false;
     // GTK reads this setting right after it reports the new focus. A field that gets the focus back from a
-    // menu, a sheet or another tab must keep its selection, or the next typed character replaces its text.
+    // menu, a sheet or another tab must keep its selection. Otherwise GTK selects the whole text, and the
+    // next character that the user types replaces it.
     const bool isFocusedAnew = previous.get() != &view;
     g_object_set(gtk_settings_get_default(), "gtk-entry-select-on-focus", isFocusedAnew, nullptr);
     if (!isFocusedAnew) {
@@ -279,7 +280,7 @@ bool Window::Native::showSheet(const Alert& alert) {
 void Window::Native::hideSheet() {
     gtk_overlay_remove_overlay(GTK_OVERLAY(page.get()), sheet->widget());
     sheet.reset();
-    // The next sheet is shown right away and takes the focus.
+    // The next sheet is shown immediately and takes the focus.
     if (!sheets.isEmpty()) {
         return;
     }
@@ -290,8 +291,8 @@ void Window::Native::hideSheet() {
     takeFocus();
 }
 
-/// Keeps the pointer and the keyboard focus away from the content under a sheet. Unlike insensitivity, this
-/// does not change the content's look.
+/// Allows or prevents pointer input and keyboard focus in the content under a sheet. Unlike making the
+/// content insensitive, this does not change its appearance.
 void Window::Native::setContentReachable(bool reachable) const {
     GtkWidget* content = window.contentView_->native().widget.get();
     gtk_widget_set_can_target(content, reachable ? TRUE : FALSE);

@@ -11,28 +11,29 @@ namespace Platform {
 
 class TabHost;
 
-/// A window's page: its content with the sheets over it, a child of some top-level's tab view. The page moves
-/// from one top-level to another when its tab is dragged, so the top-level is looked up each time and never
-/// stored.
+/// A window's page: a child of a top-level window's tab view that contains the content and any sheet over it.
+/// When the user drags its tab, the page can move to another top-level window. Therefore the top-level window
+/// is looked up each time and never stored.
 struct Window::Native final : SheetPresenter {
     explicit Native(Window& owner)
         : window(owner) {}
 
     std::shared_ptr<Window> keepAlive() const { return window.weak_from_this().lock(); }
 
-    /// Returns true if a window responds to the action.
+    /// Returns true if windows respond to the action.
     static bool isWindowAction(Action action);
     static std::shared_ptr<Window> ofPage(GtkWidget* page);
 
     void makePage();
     void applyMinSize() const;
 
-    /// Called when GTK's focus has moved to the widget of `view` on this page.
+    /// Makes `view` the first responder. Called when GTK's focus has moved to the widget of `view` on this
+    /// page, or is about to.
     void focusMoved(View& view);
-    /// Gives GTK's focus to the sheet, or to the first responder if there is no sheet: now, or as soon as the
+    /// Gives GTK's focus to the sheet or, if there is no sheet, to the first responder. Defers this until the
     /// page is on the screen and no menu is open. A text field keeps its selection.
     void takeFocus();
-    /// Completes a `takeFocus` that had to wait, if it can.
+    /// Completes a deferred `takeFocus` if that is possible now.
     void takePendingFocus();
     /// Called before the page is removed. Notifies the delegate once.
     void willClose();
@@ -43,11 +44,10 @@ struct Window::Native final : SheetPresenter {
     Window& window;
     GObjectPtr<GtkWidget> page;
     std::weak_ptr<View> firstResponder;
-    /// True while the first responder waits for GTK's focus, because the page is not on the screen or a menu
-    /// is open.
+    /// True while `takeFocus` is deferred because the page is not on the screen or a menu is open.
     bool focusPending = false;
     SheetQueue sheets{*this};
-    /// The sheet that is shown.
+    /// The sheet that is currently shown, or null.
     std::unique_ptr<Sheet> sheet;
     SignalConnection mapped;
 

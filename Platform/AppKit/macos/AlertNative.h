@@ -10,7 +10,7 @@ namespace Platform {
 
 NSAlert* _Nonnull makeNativeAlert(const Alert& alert);
 
-/// The index of the button for a response; the safe button if the alert ended without a choice.
+/// Returns the index of the button for a response, or of the safe button if the alert ended without a choice.
 std::size_t chosenButton(const Alert& alert, NSModalResponse response);
 
 } // namespace Platform

@@ -12,7 +12,8 @@
 #include <span>
 #include <utility>
 
-/// Instantiated as a subclass with the name that the delegate chooses (`registeredSubclass`).
+/// AppKit's application delegate. If our delegate provides a class name, a subclass with that name is
+/// instantiated instead; see `registeredSubclass`.
 @interface KeyloftApplicationDelegate : KeyloftActionTarget <NSApplicationDelegate>
 @end
 
@@ -54,7 +55,7 @@ namespace {
 
 NSApplication* nativeApplication() { return NSApplication.sharedApplication; }
 
-/// AppKit serves the run loop while it waits for the user's next event.
+/// Waits for the next event and dispatches it. AppKit runs the run loop while it waits.
 void deliverNextEvent() noexcept {
     NSApplication* const application = nativeApplication();
     if (NSEvent* const event = [application nextEventMatchingMask:NSEventMaskAny
@@ -65,7 +66,8 @@ void deliverNextEvent() noexcept {
     }
 }
 
-/// AppKit keeps waiting after it has served timers and sources: only an event ends the wait.
+/// Ends the wait in `deliverNextEvent`. AppKit continues to wait after it has handled timers and sources;
+/// only an event ends the wait.
 void postEmptyEvent() noexcept {
     if (NSEvent* const event = [NSEvent otherEventWithType:NSEventTypeApplicationDefined
                                                   location:NSZeroPoint
@@ -121,7 +123,7 @@ int Application::run(int argc, char** argv) {
     assertMainThread("Application::run");
     const std::span<char* const> all(argv, static_cast<std::size_t>(argc));
     native_->startURLs = urlsOf(all.subspan(all.empty() ? 0 : 1));
-    // Otherwise AppKit opens the same arguments as documents.
+    // Otherwise AppKit would open the same arguments as documents.
     [NSUserDefaults.standardUserDefaults registerDefaults:@{@"NSTreatUnknownArgumentsAsOpen" : @"NO"}];
     [nativeApplication() run];
     return 0;
@@ -225,7 +227,7 @@ bool Application::Native::shouldTerminateAfterLastWindowClosed() noexcept {
     return delegate != nullptr && delegate->applicationShouldTerminateAfterLastWindowClosed();
 }
 
-/// The process exits right afterwards. Windows and pages must be closed while AppKit still works.
+/// The process exits right after this call. Windows and pages must be closed while AppKit still works.
 void Application::Native::willTerminate() noexcept {
     for (NSWindow* native in nativeApplication().windows) {
         if (windowOf(native) != nullptr) {

@@ -18,11 +18,11 @@ struct Application::Native {
     static bool shouldTerminateAfterLastWindowClosed() noexcept;
     static void willTerminate() noexcept;
 
-    /// AppKit holds it weakly.
+    /// A strong reference, because AppKit holds the delegate weakly.
     id<NSApplicationDelegate> __strong _Nullable delegate;
     std::shared_ptr<Menu> mainMenu;
     std::weak_ptr<Menu> windowsMenu;
-    /// The URLs among the program's arguments, until they are passed to the delegate.
+    /// The URLs among the program's arguments. Emptied when they are passed to the delegate.
     std::vector<URL> startURLs;
 };
 

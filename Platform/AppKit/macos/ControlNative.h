@@ -5,7 +5,7 @@
 
 namespace Platform {
 
-/// The common part of the native sides of buttons and text fields.
+/// Common base of the native sides of buttons and text fields.
 struct ControlNative : View::Native {
     explicit ControlNative(NSControl* _Nonnull made)
         : Native(made)
@@ -23,7 +23,7 @@ struct ControlNative : View::Native {
     NSControl* __strong _Nonnull const control;
 
 private:
-    /// Represents the target. AppKit holds it weakly.
+    /// The object that represents the target. A strong reference, because AppKit holds the object weakly.
     id __strong _Nullable target_;
 };
 

@@ -15,7 +15,8 @@ void menuNeedsUpdate(NSMenu* native) noexcept;
 
 } // namespace Platform
 
-/// The delegate of all NSMenus. `menuOf` finds the menu that an NSMenu represents.
+/// The delegate of every NSMenu whose menu has a delegate. `menuOf` returns the menu that an NSMenu
+/// represents.
 @interface KeyloftMenuDelegate : NSObject <NSMenuDelegate>
 @end
 

@@ -8,14 +8,15 @@
 
 namespace Platform {
 
-/// Creates an NSMenu with the same items and submenus. If `menu` has a delegate, the NSMenu is filled again
-/// whenever AppKit is about to show it or to look up its keys.
+/// Creates an NSMenu with the same items and submenus. If `menu` has a delegate, the NSMenu is repopulated
+/// whenever AppKit is about to show it or to look up its key equivalents.
 NSMenu* _Nonnull makeNativeMenu(const std::shared_ptr<Menu>& menu);
 
-/// Returns the NSMenu that represents `menu`, which is `root` or one of its submenus at any level, or nil.
+/// Searches `root` and all its submenus for the NSMenu that represents `menu`. Returns nil if there is none.
 NSMenu* _Nullable nativeMenuOf(const Menu& menu, NSMenu* _Nullable root);
 
-/// Creates an NSMenuItem with the same title, action, key and represented URL. It does not refer to `item`.
+/// Creates an NSMenuItem with the same title, action, key equivalent and represented URL. It does not refer
+/// to `item`.
 NSMenuItem* _Nonnull makeNativeMenuItem(const MenuItem& item);
 
 } // namespace Platform

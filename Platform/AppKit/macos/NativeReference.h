@@ -8,11 +8,11 @@
 
 #include <memory>
 
-/// References from AppKit's objects to ours. Main thread only.
+/// References from AppKit objects to our objects. Main thread only.
 ///
-/// Views and windows own their AppKit objects, which refer back to them weakly. Menu items do not refer to
-/// their NSMenuItems, which own them, because AppKit may send the action of an NSMenuItem that has left its
-/// menu.
+/// Views and windows own their AppKit objects, which hold weak references to them. Menu items are owned by
+/// their NSMenuItems and do not refer to them, because AppKit may send the action of an NSMenuItem that has
+/// been removed from its menu.
 namespace Platform {
 
 void setReference(NSView* _Nonnull native, const std::weak_ptr<View>& view);
@@ -20,15 +20,15 @@ void setReference(NSWindow* _Nonnull native, const std::weak_ptr<Window>& window
 void setReference(NSMenu* _Nonnull native, const std::weak_ptr<Menu>& menu);
 void setReference(NSMenuItem* _Nonnull native, const std::shared_ptr<MenuItem>& item);
 
-/// Returns our object that `native` refers to. Null if `native` is not ours, or if our object has been
-/// destroyed.
+/// Return our object to which `native` refers, or null if `native` has no such reference or our object has
+/// been destroyed.
 std::shared_ptr<View> viewOf(id _Nullable native);
 std::shared_ptr<Window> windowOf(id _Nullable native);
 std::shared_ptr<Menu> menuOf(id _Nullable native);
 std::shared_ptr<MenuItem> menuItemOf(id _Nullable native);
 
-/// Returns our view that `responder` represents or is inside of, or null. A field editor counts as the field
-/// that it edits.
+/// Returns the view that `responder` or its nearest ancestor represents, or null. A field editor counts as
+/// the field that it edits.
 std::shared_ptr<View> viewAround(NSResponder* _Nullable responder);
 
 } // namespace Platform

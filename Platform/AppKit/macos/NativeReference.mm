@@ -24,7 +24,7 @@ namespace Platform {
 
 namespace {
 
-/// Its address is the key under which an object keeps its reference.
+/// The address of this variable is the key of an object's associated reference.
 constexpr char referenceKey = 0;
 
 void attach(const Referenced& referenced, id native) {
@@ -33,7 +33,8 @@ void attach(const Referenced& referenced, id native) {
     objc_setAssociatedObject(native, &referenceKey, reference, OBJC_ASSOCIATION_RETAIN_NONATOMIC);
 }
 
-/// Returns the reference that is attached to `native`, or an empty one if that is not a `Kept`.
+/// Returns the reference that is attached to `native`. Returns an empty reference if none is attached or it
+/// is not a `Kept`.
 template <typename Kept>
 Kept referenceOf(id native) {
     KeyloftReference* const reference = native != nil ? objc_getAssociatedObject(native, &referenceKey) : nil;
@@ -44,8 +45,8 @@ Kept referenceOf(id native) {
     return kept != nullptr ? *kept : Kept();
 }
 
-/// Returns the field that a field editor edits, which is the editor's delegate. Returns any other responder
-/// itself.
+/// Returns the field that a field editor edits, which is the editor's delegate. Returns `responder` itself if
+/// it is not a field editor.
 NSResponder* editedField(NSResponder* responder) {
     if (![responder isKindOfClass:NSText.class]) {
         return responder;

@@ -8,13 +8,13 @@
 #include <optional>
 #include <string_view>
 
-/// Represents one of our responders in AppKit's responder chain, as a window's controller and the
-/// application's delegate do. Holds the responder weakly.
+/// Represents one of our responders in AppKit's responder chain. Implemented, for example, by a window's
+/// controller and the application's delegate. Holds the responder weakly.
 @protocol KeyloftResponderProxy <NSObject, NSMenuItemValidation>
 - (std::shared_ptr<Platform::Responder>)keyloftResponder;
 @end
 
-/// Forwards actions and their validation to `responder`. It has no methods for their selectors.
+/// Forwards actions and menu item validation to `responder`. Does not implement the selectors of the actions.
 @interface KeyloftActionTarget : NSObject <KeyloftResponderProxy> {
 @public
     std::weak_ptr<Platform::Responder> responder;
@@ -23,37 +23,38 @@
 
 namespace Platform {
 
-/// The selector of an action.
+/// Returns the selector of an action.
 SEL _Nonnull selectorFor(Action action);
 
-/// The action of a selector with one argument, or nothing. Its name is the selector's own text, which lives
-/// as long as the process.
+/// Returns the action of a selector, or nothing if the selector does not have exactly one argument. The
+/// action's name refers to the selector's own string, which is valid until the process exits.
 std::optional<Action> actionFor(SEL _Nullable selector);
 
-/// Returns true if the selector is an action's and the proxy's responder responds to the action.
+/// Returns true if the selector belongs to an action to which the proxy's responder responds.
 bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
 /// Returns an object that performs the selector's action on the proxy's responder, or nil if the responder
 /// does not respond to the action.
 id _Nullable forwardingTarget(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
-/// Implements `validateMenuItem:`: passes our item to the responder and shows the title that it sets. An item
-/// of AppKit's own, such as a tab bar's "New Tab", is passed on by its action.
+/// Implements `validateMenuItem:`. Passes our item to the responder and applies the title that the responder
+/// sets. If AppKit created the item, such as "New Tab" of a tab bar, passes a temporary item with the same
+/// title and action.
 BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem) noexcept;
 
-/// Returns AppKit's target for the responder's actions: the object that represents it, or a new one, which
-/// the caller keeps. nil if `responder` is null.
+/// Returns the AppKit target for actions that are sent to `responder`: the object that represents
+/// `responder`, or a new object that the caller must keep alive. Returns nil if `responder` is null.
 id _Nullable targetFor(const std::shared_ptr<Responder>& responder);
 
-/// Returns the responder that an object of AppKit's responder chain represents, or null.
+/// Returns the responder that an object in AppKit's responder chain represents, or null.
 std::shared_ptr<Responder> responderOf(id _Nullable native);
 
-/// Returns the subclass of `proxyClass` that is registered with the Objective-C runtime as `name`, and
-/// creates it on the first call. If another class has that name, for example one of a plug-in, appends a
-/// number.
+/// Returns the subclass of `proxyClass` that is registered with the Objective-C runtime as `name`. Creates it
+/// on the first call. If another class, for example of a plug-in, already has that name, appends a number to
+/// the name.
 Class _Nonnull registeredSubclass(Class _Nonnull proxyClass, std::string_view name);
 
-/// For initialisers that must not be called, such as `initWithCoder:`.
+/// Aborts the process. For initialisers that must not be called, such as `initWithCoder:`.
 [[noreturn]] void notSupported();
 
 } // namespace Platform

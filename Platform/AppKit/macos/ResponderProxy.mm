@@ -24,13 +24,14 @@ KeyloftActionTarget* actionTarget(const std::shared_ptr<Responder>& responder) {
     return target;
 }
 
-/// Must not throw: AppKit's frames are below it on the stack.
+/// Must not throw, because an exception would propagate into AppKit.
 void performAction(const std::shared_ptr<Responder>& responder, SEL selector, id sender) noexcept {
     const auto action = actionFor(selector);
     if (responder == nullptr || !action) {
         return;
     }
-    // Kept alive until the action has been performed, even if it closes their window or menu.
+    // Keep the sender alive until the action has been performed, even if the action closes the sender's
+    // window or menu.
     const auto control = std::dynamic_pointer_cast<Control>(viewOf(sender));
     const auto menuItem = menuItemOf(sender);
     responder->perform(*action, {.control = control.get(), .menuItem = menuItem.get()});
@@ -61,7 +62,7 @@ std::optional<Action> actionFor(SEL selector) {
 }
 
 - (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
-    // The method of an action takes one object and returns nothing, like `forwardInvocation:`.
+    // An action method takes one object and returns nothing. `forwardInvocation:` has the same signature.
     const bool isForwarded = Platform::respondsTo(self, selector);
     return [super methodSignatureForSelector:isForwarded ? @selector(forwardInvocation:) : selector];
 }
@@ -121,7 +122,7 @@ std::shared_ptr<Responder> responderOf(id native) {
         return [static_cast<id<KeyloftResponderProxy>>(native) keyloftResponder];
     }
     if (native == NSApplication.sharedApplication) {
-        return {std::shared_ptr<void>(), &Application::shared()}; // lives as long as the process
+        return {std::shared_ptr<void>(), &Application::shared()}; // never destroyed before the process exits
     }
     if (auto window = windowOf(native)) {
         return window;

@@ -73,8 +73,7 @@ void TextField::applyPlaceholder(Native& native, const std::string& placeholder)
 void TextField::selectText() { [TextFieldEvents::fieldOf(native()) selectText:nil]; }
 
 void TextField::perform(Action action, const ActionSender& /*sender*/) {
-    // The field editor performs the actions that it can perform itself, and leaves undo and redo to its
-    // window.
+    // The field editor performs the actions that it implements, and passes undo and redo to its window.
     [[TextFieldEvents::fieldOf(native()) currentEditor] tryToPerform:selectorFor(action) with:nil];
 }
 
@@ -116,7 +115,7 @@ void TextFieldEvents::didBegin(id field) noexcept {
     }
 }
 
-/// Removes line breaks that are pasted or dropped. Single-line mode only hides them.
+/// Removes line breaks from pasted or dropped text. Single-line mode only hides them.
 void TextFieldEvents::didChange(NSTextField* field) noexcept {
     NSText* const editor = [field currentEditor];
     const std::string text = fromNSString(editor.string);
@@ -141,7 +140,7 @@ bool TextFieldEvents::cancelled(NSTextField* field) noexcept {
     if (edited == nullptr) {
         return false;
     }
-    // End AppKit's edit, too, so that the next change begins a new one.
+    // Also end the edit in AppKit, so that the next change begins a new one.
     [field abortEditing];
     edited->cancelEditing();
     return true;

@@ -7,7 +7,7 @@
 
 namespace Platform {
 
-/// Handles the events of a field's edit that AppKit reports.
+/// Handles the editing events that AppKit reports for a text field.
 struct TextFieldEvents {
     struct Native final : ControlNative {
         explicit Native(NSTextField* _Nonnull made)
@@ -15,17 +15,17 @@ struct TextFieldEvents {
             , field(made) {}
 
         NSTextField* __strong _Nonnull const field;
-        /// AppKit holds it weakly.
+        /// A strong reference, because AppKit holds the delegate weakly.
         KeyloftTextFieldDelegate* __strong _Nullable delegate;
     };
 
-    /// Creates the native side of `field` with `made`, one of AppKit's single-line fields.
+    /// Creates the native side of `field`. `made` is one of AppKit's single-line text fields.
     static std::unique_ptr<View::Native> make(const TextField& field, NSTextField* _Nonnull made);
 
     static void didBegin(id _Nullable field) noexcept;
     static void didChange(NSTextField* _Nonnull field) noexcept;
     static void didEnd(id _Nullable field, NSTextMovement movement) noexcept;
-    /// Handles Escape. Returns false if the field is not ours, so that AppKit handles it.
+    /// Handles Escape. Returns false if the field is not ours; AppKit then handles the key.
     static bool cancelled(NSTextField* _Nonnull field) noexcept;
 
     static NSTextField* _Nonnull fieldOf(View::Native& native) { return static_cast<Native&>(native).field; }

@@ -18,7 +18,7 @@ static void layOut(NSView* native) noexcept {
     }
 }
 
-/// A view that has only subviews. Its origin is its top left corner, as in `Rect`.
+/// A container for subviews. Its origin is the top left corner, as in `Rect`.
 @interface KeyloftView : NSView
 - (instancetype)initWithCoder:(NSCoder*)coder NS_UNAVAILABLE;
 @end
@@ -146,7 +146,7 @@ Rect View::frame() const {
         return frame_;
     }
     const NSRect frame = native.frame;
-    // The origin of most of AppKit's own views is the bottom left corner.
+    // The origin of most AppKit views is the bottom left corner.
     NSView* const superview = native.superview;
     const CGFloat top = superview == nil || superview.flipped
                             ? frame.origin.y

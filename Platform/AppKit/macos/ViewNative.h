@@ -6,8 +6,8 @@
 
 namespace Platform {
 
-/// Owns the NSView of a view. The NSView refers to the view weakly (`viewOf`). Derived classes add the state
-/// that some kinds of views need.
+/// Owns the NSView of a view. The NSView holds a weak reference to the view; see `viewOf`. Derived classes
+/// add state for particular kinds of views.
 struct View::Native {
     explicit Native(NSView* _Nonnull made)
         : view(made) {}
@@ -15,13 +15,14 @@ struct View::Native {
     Native& operator=(const Native&) = delete;
     virtual ~Native() = default;
 
-    /// Adds the NSView of a subview in front of the others.
+    /// Adds the NSView of a subview in front of the other subviews.
     virtual void addSubview(NSView* _Nonnull subview) { [view addSubview:subview]; }
 
     NSView* __strong _Nonnull const view;
 };
 
-/// Keeps an attribute of `view` equal to that of `other`, or to a constant if `other` is nil.
+/// Constrains an attribute of `view` to be equal to the same attribute of `other` plus `constant`, or to
+/// `constant` alone if `other` is nil.
 void constrainEqual(NSView* _Nonnull view, NSLayoutAttribute attribute, NSView* _Nullable other,
                     double constant = 0);
 

@@ -14,7 +14,7 @@
 
 #include <utility>
 
-/// The delegate of a window that no controller owns.
+/// The delegate of windows without a controller.
 @interface KeyloftWindowDelegate : NSObject <NSWindowDelegate>
 @end
 
@@ -58,12 +58,12 @@ NSWindow* makeNativeWindow(Size contentSize, const Window::Style& style) {
                                     styleMask:toNSWindowStyleMask(style)
                                       backing:NSBackingStoreBuffered
                                         defer:NO];
-    // `Window::Native` owns the NSWindow; closing must not release it a second time.
+    // `Window::Native` owns the NSWindow, so closing it must not release it as well.
     window.releasedWhenClosed = NO;
     return window;
 }
 
-/// Returns true if the window is the selected tab, or is not in a tab group.
+/// Returns true if the window is the selected tab of its tab group, or has no tab group.
 bool isSelectedTab(NSWindow* window) {
     NSWindow* const selected = window.tabGroup.selectedWindow;
     return selected == nil || selected == window;
@@ -195,8 +195,8 @@ void Window::Native::prepareToShow() {
     if (owner_.centered_) {
         [window center];
     }
-    // Applies the frame that is saved under the name. Only the first of several windows can have the name;
-    // AppKit refuses it to the others.
+    // Also applies the frame that is saved under the name. Only one window at a time can have the name, so
+    // this fails for any further window.
     if (!owner_.frameAutosaveName_.empty()) {
         [window setFrameAutosaveName:toNSString(owner_.frameAutosaveName_)];
     }
@@ -207,7 +207,7 @@ void Window::Native::willClose() noexcept {
     if (!owner_.releasedWhenClosed_ || std::exchange(owner_.closed_, true)) {
         return;
     }
-    // AppKit still uses the window after this delegate method.
+    // Keep the window alive, because AppKit still uses it after this delegate method returns.
     RunLoop::main().perform([keptAlive = owner_.shared_from_this()] {});
     sheets.close();
     [window setFrameAutosaveName:@""];
@@ -223,8 +223,9 @@ void Window::Native::becameKey() noexcept {
     }
 }
 
-/// AppKit lets only one window have a frame autosave name. After that window has closed, the next window that
-/// becomes key takes the name, so that its frame is saved. Its frame stays as it is.
+/// AppKit lets only one window at a time have a given frame autosave name. After that window has closed, the
+/// next window that becomes key takes over the name, so that its frame is saved. Its current frame does not
+/// change.
 void Window::Native::takeFrameName() const {
     if (owner_.frameAutosaveName_.empty() || window.frameAutosaveName.length > 0) {
         return;
@@ -246,7 +247,7 @@ bool Window::Native::showSheet(const Alert& alert) {
     [sheet_ beginSheetModalForWindow:window
                    completionHandler:^(NSModalResponse response) {
                        if (const auto answered = weak.lock()) {
-                           // AppKit has ended the sheet.
+                           // AppKit has already ended the sheet. `hideSheet` must not end it again.
                            answered->native().sheet_ = nil;
                            answered->native().sheets.answer(chosenButton(shown, response));
                        }

@@ -5,7 +5,8 @@
 #include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/AppKit/macos/WindowNative.h"
 
-/// Instantiated as a subclass with the name that the controller chooses (`registeredSubclass`).
+/// AppKit's window controller. Instantiated only through a subclass whose name our controller provides; see
+/// `registeredSubclass`.
 @interface KeyloftWindowController : NSWindowController <KeyloftResponderProxy, NSWindowDelegate> {
 @private
     std::weak_ptr<Platform::WindowController> _controller;
@@ -23,7 +24,7 @@
     self = [super initWithWindow:window];
     if (self != nil) {
         _controller = controller;
-        // The window opens at its saved position, without an offset from the previous window.
+        // Open the window at its saved position. Cascading would offset it from the previous window.
         self.shouldCascadeWindows = NO;
     }
     return self;

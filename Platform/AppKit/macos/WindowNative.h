@@ -9,22 +9,24 @@
 
 namespace Platform {
 
-/// The NSWindow of a window and its state. AppKit itself manages tabs, first responder and responder chain.
+/// The NSWindow of a window and its state. AppKit itself manages the tabs, the first responder and the
+/// responder chain.
 struct Window::Native final : SheetPresenter {
     Native(Window& owner, NSWindow* _Nonnull made)
         : window(made)
         , owner_(owner) {}
 
-    /// Gives the window an owner, which follows it in the responder chain and is its delegate.
+    /// Sets the controller that owns the window. The controller follows the window in the responder chain and
+    /// becomes its delegate.
     void setController(NSWindowController<NSWindowDelegate>* _Nonnull owner);
 
-    /// Applies what AppKit must know before the window is first shown.
+    /// Applies the settings that AppKit needs before the window is first shown.
     void prepareToShow();
 
-    /// The window is closing. Notifies the delegate once.
+    /// Called when the window is about to close. Notifies the delegate once.
     void willClose() noexcept;
 
-    /// The window has the keyboard, and its tab is the selected one.
+    /// Called when the window has become the key window. Its tab is selected.
     void becameKey() noexcept;
 
     bool showSheet(const Alert& alert) override;
@@ -32,7 +34,7 @@ struct Window::Native final : SheetPresenter {
 
     NSWindow* __strong _Nonnull const window;
     NSWindowController* __strong _Nullable controller;
-    /// AppKit holds it weakly.
+    /// A strong reference, because AppKit holds the delegate weakly.
     id<NSWindowDelegate> __strong _Nullable delegate;
     SheetQueue sheets{*this};
 
@@ -41,7 +43,7 @@ private:
 
     Window& owner_;
     bool isPrepared_ = false;
-    /// The sheet that is shown.
+    /// The sheet that is currently shown, or nil.
     NSAlert* __strong _Nullable sheet_;
 };
 
