@@ -16,9 +16,8 @@ struct Image {
     friend bool operator==(const Image&, const Image&) = default;
 };
 
-/// The system font at a given size.
+/// The system font at a given size, in points.
 struct Font {
-    /// In points.
     double systemFontSize = 13;
 
     friend bool operator==(const Font&, const Font&) = default;

@@ -35,7 +35,8 @@ public:
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
 
 protected:
-    /// `className` is the name of the class in the Objective-C runtime. Ignored on Linux.
+    /// `className` is the name under which the class is registered with the Objective-C runtime. Ignored on
+    /// Linux.
     explicit ApplicationDelegate(std::string_view className = {})
         : className_(className) {}
 
@@ -86,7 +87,7 @@ public:
     /// is null on macOS while the application is not active.
     std::shared_ptr<Window> mainWindow() const;
 
-    /// Brings the program to the front.
+    /// Brings the application to the front.
     void activateIgnoringOtherApps();
 
     /// Sends an action to `target` or, if `target` is null, to the first object in the responder chain that
@@ -96,7 +97,7 @@ public:
     /// Returns the responder that would currently receive an action without a target, or null.
     std::shared_ptr<Responder> targetForAction(Action action) const;
 
-    /// Performs the application's standard actions.
+    /// Implement the application's standard actions.
     bool respondsTo(Action action) const override;
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;

@@ -30,7 +30,7 @@ public:
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title) { title_ = title; }
 
-    /// The action and the key equivalent that the item was created with.
+    /// The action and the key equivalent with which the item was created.
     std::optional<Action> action() const { return action_; }
     const std::string& keyEquivalent() const { return keyEquivalent_; }
     /// The default is Command.

@@ -9,10 +9,10 @@ struct ProgramInfo {
     /// The application ID, in reverse DNS notation. The desktop entry, the icon and the user's data folders
     /// are named after it.
     std::string identifier;
-    /// Shown to the user.
+    /// The name that is shown to the user.
     std::string name;
     std::string version;
-    // For the About panel.
+    // Shown in the About panel.
     std::string description;
     std::string copyright;
 };

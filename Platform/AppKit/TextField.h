@@ -8,7 +8,7 @@ namespace Platform {
 
 class TextField;
 
-/// The reason for the end of an edit.
+/// The reason why an edit ended.
 enum class TextMovement { other, returnKey, tab, backtab, cancel };
 
 class TextFieldDelegate {
@@ -26,8 +26,7 @@ public:
     virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;
 };
 
-/// A line of text that the user can edit. Return sends the action. Long text scrolls and never widens the
-/// field.
+/// A single-line text field. Return sends the action. Long text scrolls and never widens the field.
 class TextField : public Control {
 public:
     static std::shared_ptr<TextField> create();
@@ -47,7 +46,7 @@ public:
 
     bool isEditing() const { return editing_; }
 
-    /// Performs the actions that edit text: undo, redo, cut, copy, paste and select all.
+    /// Implement the editing actions: undo, redo, cut, copy, paste and select all.
     bool respondsTo(Action action) const override;
     void perform(Action action, const ActionSender& sender) override;
 

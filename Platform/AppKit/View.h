@@ -88,7 +88,8 @@ public:
     Native* nativeIfMade() const { return native_.get(); }
 
 protected:
-    /// `className` is the name of the class in the Objective-C runtime. Ignored on Linux.
+    /// `className` is the name under which the class is registered with the Objective-C runtime. Ignored on
+    /// Linux.
     explicit View(std::string_view className = {});
 
     /// Creates the native side. Subclasses override this function.

@@ -23,7 +23,7 @@ public:
 
 /// A window, or one tab of a native window that several windows share. Main thread only.
 ///
-/// Windows with the same tabbing identifier can share a native window as its tabs. Each of them still has its
+/// Windows with the same tabbing identifier can be tabs of the same native window. Each of them still has its
 /// own title, content and first responder. On Linux the native window is created when the window is first
 /// shown.
 class Window : public Responder, public std::enable_shared_from_this<Window> {
@@ -106,7 +106,7 @@ public:
     /// closes the native window or tab.
     void close();
 
-    /// Performs the standard actions of a window.
+    /// Implement the standard actions of a window.
     bool respondsTo(Action action) const override;
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;
@@ -116,7 +116,7 @@ public:
     Native& native() { return *native_; }
 
 protected:
-    /// For `create`.
+    /// Use `create` instead.
     Window(Size contentSize, Style style);
 
 private:

@@ -20,7 +20,8 @@ public:
     void showWindow();
 
 protected:
-    /// `className` is the name of the class in the Objective-C runtime. Ignored on Linux.
+    /// `className` is the name under which the class is registered with the Objective-C runtime. Ignored on
+    /// Linux.
     explicit WindowController(std::string_view className)
         : className_(className) {}
 

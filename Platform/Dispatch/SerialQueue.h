@@ -41,7 +41,7 @@ public:
     /// error.
     void sync(const Work& work);
 
-    /// Returns true if the caller runs on this queue.
+    /// Returns true if it is called on this queue.
     bool isCurrent() const;
 
 private:

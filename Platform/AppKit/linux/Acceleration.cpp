@@ -7,7 +7,7 @@
 namespace Platform {
 
 bool hasRenderNode(const std::filesystem::path& devices) {
-    // A range-based for loop would throw if an increment fails.
+    // A range-based for loop would throw if incrementing the iterator fails.
     std::error_code error;
     std::filesystem::directory_iterator entry(devices, error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {

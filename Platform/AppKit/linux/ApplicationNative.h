@@ -23,7 +23,7 @@ struct Application::Native {
     std::weak_ptr<Menu> windowsMenu;
     /// All open top-level windows, in creation order. The only strong references to them.
     std::vector<std::shared_ptr<TabHost>> hosts;
-    /// Created with the first window.
+    /// Created when the first window is shown.
     std::unique_ptr<SavedFrames> frames;
     AboutPanel aboutPanel;
     bool finishedLaunching = false;

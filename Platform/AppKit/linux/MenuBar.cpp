@@ -156,7 +156,7 @@ void MenuBar::connectPopovers() {
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
              child = gtk_widget_get_next_sibling(child)) {
             if (GTK_IS_POPOVER(child)) {
-                // GTK maps a popover before it looks for an item to focus.
+                // Rebuild the menu on "map", because GTK maps a popover before it looks for an item to focus.
                 connections_.push_back(connectSignal<&MenuBar::opened>(child, "map", *this));
                 connections_.emplace_back(child, "closed", G_CALLBACK(returnFocus), nullptr);
                 popovers_.push_back(child);

@@ -34,7 +34,8 @@ void setFrameHints(GdkSurface* surface, bool isResizable) {
     enum : unsigned long { hasFunctions = 1, hasDecorations = 2 };
     enum : unsigned long { resize = 2, move = 4, maximize = 16, close = 32 };
     enum : unsigned long { border = 2, resizeHandles = 4, title = 8, menu = 16, maximizeButton = 64 };
-    // Flags, functions, decorations, input mode, status. Xlib passes 32-bit properties as longs.
+    // The fields are flags, functions, decorations, input mode and status. Xlib takes 32-bit properties as
+    // arrays of long.
     std::array<unsigned long, 5> hints = {hasFunctions | hasDecorations, move | close, border | title | menu,
                                           0, 0};
     if (isResizable) {

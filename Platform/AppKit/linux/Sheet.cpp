@@ -73,7 +73,7 @@ gboolean Sheet::keyPressed(GtkEventControllerKey* /*keys*/, guint keyval, guint 
     case GDK_KEY_Tab:
     case GDK_KEY_KP_Tab:
     case GDK_KEY_ISO_Left_Tab:
-        if (withControl) { // selects another tab
+        if (withControl) { // Control+Tab selects another tab
             return GDK_EVENT_PROPAGATE;
         }
         moveFocus((state & GDK_SHIFT_MASK) != 0 ? -1 : 1);

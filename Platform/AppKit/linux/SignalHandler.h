@@ -27,7 +27,8 @@ struct SignalHandler<handler> {
     }
 };
 
-/// Calls `handler` of `object` whenever `instance` emits the signal.
+/// Connects a signal of `instance` to the member function `handler` of `object`, until the returned
+/// connection is destroyed.
 template <auto handler, typename Object>
 SignalConnection connectSignal(gpointer instance, const char* signal, Object& object) {
     return {instance, signal, G_CALLBACK(&SignalHandler<handler>::call), &object};

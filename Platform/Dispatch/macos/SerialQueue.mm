@@ -15,7 +15,7 @@ namespace {
 /// other queue can have while work remains on this queue.
 constexpr char identityKey = 0;
 
-/// Longer than any program runs, and still representable in nanoseconds.
+/// Longer than any process runs, but still representable in nanoseconds.
 constexpr std::chrono::milliseconds longestDelay = std::chrono::hours(24 * 365 * 100);
 
 /// Runs `item` and destroys it on the queue.
@@ -85,7 +85,8 @@ void SerialQueue::State::remove(ReadSource::State& source) {
     dispatch_group_leave(uncancelled_);
 }
 
-/// Releases the delayed work outside the lock, because its destructors may call the queue.
+/// Destroys the delayed work after it has released the lock, because the work's destructors may call the
+/// queue.
 void SerialQueue::State::drop() {
     std::unordered_set<std::shared_ptr<Work>> dropped;
     const std::scoped_lock lock(mutex_);

@@ -73,7 +73,7 @@ int setSendTimeout(int descriptor, std::chrono::seconds timeout) {
 }
 
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
-    // The flag cannot be set on a socket whose peer has disconnected.
+    // F_SETNOSIGPIPE cannot be set on a socket whose peer has disconnected.
     return raisesNoSignal(descriptor) ? write(descriptor, bytes, count)
                                       : writeHoldingBackSignal(descriptor, bytes, count);
 }
