@@ -19,7 +19,7 @@ using Platform::Window;
 
 namespace {
 
-/// Adds a top-level menu to the menu bar and returns it to be filled.
+/// Adds `submenu` to the menu bar and returns it, so that the caller can add its items.
 std::shared_ptr<Menu> addMenu(Menu& mainMenu, const std::string& title, std::shared_ptr<Menu> submenu) {
     const auto item = MenuItem::create(title, std::nullopt);
     item->setSubmenu(submenu);

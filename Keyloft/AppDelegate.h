@@ -31,15 +31,15 @@ public:
 
     const std::shared_ptr<Platform::Menu>& bookmarksMenu() const { return bookmarksMenu_; }
 
-    /// Opens a tab in the native window of `window`, or in a new one if `window` is null, and selects it.
-    /// Without `url` the tab is blank and its address field is selected. Without `configuration` the tab
-    /// creates its own.
+    /// Opens and selects a new tab in the native window of `window`, or in a new native window if `window` is
+    /// null. Without `url`, the tab is blank and its address field has the focus. Without `configuration`,
+    /// the tab creates its own.
     std::shared_ptr<BrowserWindowController>
     openTab(const std::optional<Platform::URL>& url, const std::shared_ptr<Platform::Window>& window,
             const std::shared_ptr<Platform::WebViewConfiguration>& configuration);
 
-    /// The window that receives new tabs and handed-over URLs: the application's main window, or else the
-    /// window of the tab opened last. Null if no tab is open.
+    /// Returns the window for new tabs and externally opened URLs: the application's main window if it is a
+    /// browser window, otherwise the window of the tab opened last. Returns null if no tab is open.
     std::shared_ptr<Platform::Window> frontBrowserWindow() const;
 
     std::shared_ptr<Platform::Menu> buildMainMenu();
@@ -59,7 +59,8 @@ protected:
     AppDelegate();
 
 private:
-    /// The front tab if it is empty, else null. A handed-over URL loads in it instead of in a new tab.
+    /// Returns the front tab if it is empty, otherwise null. An externally opened URL loads in an empty front
+    /// tab instead of a new tab.
     std::shared_ptr<BrowserWindowController> emptyTabInFront() const;
 
     std::shared_ptr<KeyloftBrowserKit::BookmarkStore> bookmarks_;

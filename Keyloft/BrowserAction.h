@@ -2,7 +2,7 @@
 
 #include "Platform/AppKit/Action.h"
 
-/// The actions of the browser's own controls and menu items.
+/// Actions that the browser defines for its controls and menu items.
 namespace Keyloft::BrowserAction {
 
 inline constexpr Platform::Action newTab("newTab");

@@ -46,7 +46,7 @@ void configureToolbarButton(Button& button, const Image& image,
     button.setToolTip(image.accessibilityDescription);
 }
 
-/// The title of a script panel: the host of the frame, or `fallback` if it has none.
+/// Returns the title of a script panel: the host of the frame, or `fallback` if the frame has no host.
 std::string panelTitle(const Platform::FrameInfo& frame, const char* fallback) {
     return (frame.url ? frame.url->host() : std::nullopt).value_or(fallback);
 }
@@ -67,7 +67,7 @@ BrowserWindowController::BrowserWindowController(
     , bookmarksBar_(
           StackView::create(Orientation::horizontal, 2, {.top = 0, .left = 8, .bottom = 4, .right = 8}))
     , progressBar_(ProgressBar::create()) {
-    // All tabs and pop-ups share cookies and storage.
+    // Share cookies and storage among all tabs and pop-up windows.
     configuration->setWebsiteDataStore(Platform::WebsiteDataStore::defaultStore);
     webView_ = WebView::create(configuration);
 }
@@ -266,7 +266,7 @@ void BrowserWindowController::controlTextDidBeginEditing(Platform::TextField& /*
 void BrowserWindowController::controlTextDidEndEditing(Platform::TextField& /*field*/,
                                                        Platform::TextMovement movement) {
     isEditingAddress_ = false;
-    // After Return the field's action navigates.
+    // If Return ended the edit, the field's action navigates to the text, so do not replace it.
     if (movement != Platform::TextMovement::returnKey) {
         showURLInAddressField();
     }
@@ -293,7 +293,8 @@ void BrowserWindowController::goForward() { webView_->goForward(); }
 void BrowserWindowController::stopLoading() { webView_->stopLoading(); }
 
 void BrowserWindowController::reload(const ActionSender& sender) {
-    // While a page loads, the button stops the load. The menu item and its key always reload.
+    // While a page is loading, the toolbar button stops the load, unlike the menu item and its key
+    // equivalent.
     if (webView_->isLoading() && sender.control == reloadButton_.get()) {
         webView_->stopLoading();
     } else if (!webView_->url()) {
@@ -352,7 +353,7 @@ void BrowserWindowController::rebuildBookmarksBar() {
         button->setRepresentedURL(bookmark.url);
         bookmarksBar_->addArrangedSubview(button);
     }
-    // Takes the free space, so that the buttons stay at the leading edge.
+    // Fill the remaining space to keep the buttons at the leading edge.
     const auto spacer = Platform::View::create();
     spacer->setExpands(Orientation::horizontal);
     bookmarksBar_->addArrangedSubview(spacer);
@@ -424,8 +425,8 @@ void BrowserWindowController::didFailProvisionalNavigation(WebView& /*webView*/,
 }
 
 void BrowserWindowController::showLoadError(const Platform::Error& error) {
-    // Neither is a failure: another navigation replaced this one, or the response is not a page that can be
-    // shown.
+    // These two errors are not failures: the navigation was cancelled, for example by another navigation, or
+    // the response cannot be shown as a page.
     if (error.domain == Platform::Error::urlDomain && error.code == Platform::Error::urlCancelled) {
         return;
     }

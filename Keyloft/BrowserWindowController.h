@@ -19,22 +19,24 @@
 
 namespace Keyloft {
 
-/// One browser tab: a window with its controls and its page. Lives while its window is open.
+/// Controls one browser tab: a window that contains the toolbar, the bookmarks bar and the page. AppDelegate
+/// keeps the controller alive until the window closes.
 class BrowserWindowController : public Platform::WindowController,
                                 public Platform::WindowDelegate,
                                 public Platform::TextFieldDelegate,
                                 public Platform::NavigationDelegate,
                                 public Platform::UIDelegate {
 public:
-    /// For a window that a page opens, `configuration` is the argument of `createWebView`. If it is null, the
-    /// tab creates its own.
+    /// For a window opened by a page, pass the configuration that `createWebView` received. If
+    /// `configuration` is null, the tab creates its own.
     static std::shared_ptr<BrowserWindowController>
     create(std::shared_ptr<KeyloftBrowserKit::BookmarkStore> bookmarks,
            std::shared_ptr<Platform::WebViewConfiguration> configuration);
 
     /// Called when the window is about to close.
     std::function<void()> onClose;
-    /// Called to open a tab in this controller's window. Returns the tab, or null if it cannot be opened.
+    /// Called to open a tab in the native window of this controller. Returns the controller of the new tab,
+    /// or null if the tab cannot be opened.
     std::function<std::shared_ptr<BrowserWindowController>(
         const std::optional<Platform::URL>& url,
         const std::shared_ptr<Platform::WebViewConfiguration>& configuration)>
@@ -42,15 +44,15 @@ public:
 
     void load(const Platform::URL& url);
 
-    /// The page's URL. Absent if there is no page or if it is "about:blank".
+    /// The URL of the page. Absent if no page is loaded or the URL is "about:blank".
     std::optional<Platform::URL> pageURL() const;
-    /// The page's title. Absent if it is empty.
+    /// The title of the page. Absent if the title is empty.
     std::optional<std::string> pageTitle() const;
     bool isBookmarked() const;
     /// Returns true if nothing was ever loaded and nothing is loading. A tab that shows "about:blank" is not
     /// empty.
     bool isEmptyTab() const;
-    /// True from the first change that the user makes in the address field to the end of that edit.
+    /// Returns true from the user's first change in the address field until the edit ends.
     bool isEditingAddress() const { return isEditingAddress_; }
 
     const std::shared_ptr<Platform::WebView>& webView() const { return webView_; }
@@ -106,7 +108,8 @@ private:
     /// The handlers of all actions that the controller responds to.
     static const std::map<Platform::Action, Handler>& handlers();
 
-    /// Sets up delegates, targets and observations, which need `shared_from_this`.
+    /// Second stage of construction: creates the window and its content, and sets up delegates, targets and
+    /// observations, which need `shared_from_this`.
     void assemble();
     void buildContent();
     std::shared_ptr<Platform::StackView> buildToolbar();

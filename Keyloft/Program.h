@@ -4,7 +4,8 @@
 
 namespace Keyloft {
 
-/// Identifies the browser to the desktop and in its About panel.
+/// Returns the name, version and other information that identify the browser to the desktop and in its About
+/// panel.
 Platform::ProgramInfo program();
 
 } // namespace Keyloft

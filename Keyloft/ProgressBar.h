@@ -6,14 +6,15 @@
 
 namespace Keyloft {
 
-/// A thin line that shows the progress of a load: `fill` covers the fraction `progress` of its width.
+/// A thin line that shows the progress of a page load. `fill` covers the fraction `progress` of the bar's
+/// width.
 class ProgressBar : public Platform::View {
 public:
     static std::shared_ptr<ProgressBar> create();
 
     const std::shared_ptr<Platform::View>& fill() const { return fill_; }
 
-    /// From 0 to 1, neither clamped nor animated. A change takes effect at the next layout.
+    /// The progress from 0 to 1, neither clamped nor animated. A change takes effect at the next layout.
     double progress() const { return progress_; }
     void setProgress(double progress) { progress_ = progress; }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The application holds its delegate weakly.
+// The application holds only a weak reference to its delegate.
 std::shared_ptr<Keyloft::AppDelegate> delegate;
 
 } // namespace
@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
     application.setDelegate(delegate);
     application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
     const int status = application.run(argc, argv);
-    // Destroy windows and pages now. `delegate` itself outlives the application object at exit.
+    // Destroy the windows and pages now. At exit, the application object is destroyed before `delegate`.
     delegate.reset();
     return status;
 }
