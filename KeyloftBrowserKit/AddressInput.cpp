@@ -35,8 +35,8 @@ bool isDecimalByte(std::string_view text) {
     return !text.empty();
 }
 
-/// Escapes "+" and "?", which `URLComponents` leaves as they are in a query. The search engine would decode
-/// "+" as a space.
+/// Escapes "+" and "?", which `URLComponents` does not escape in a query. The search engine would decode "+"
+/// as a space.
 std::string escapingPlusAndQuestionMark(std::string_view query) {
     std::string escaped;
     escaped.reserve(query.size());
@@ -70,8 +70,8 @@ std::optional<Platform::URL> AddressInput::resolve(std::string_view text) {
     if (!looksLikeHost(trimmed)) {
         return search(trimmed);
     }
-    // Test the whole text on purpose, not only its host: "localhost/app" becomes https, "localhost:80/app"
-    // http.
+    // Intentionally test the whole input, not only its host: "localhost/app" becomes an https URL,
+    // "localhost:80/app" an http URL.
     std::string address = isLocal(trimmed) ? "http://" : "https://";
     address += trimmed;
     if (auto url = Platform::URL::fromString(address)) {

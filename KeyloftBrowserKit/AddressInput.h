@@ -7,13 +7,13 @@
 
 namespace KeyloftBrowserKit {
 
-/// Turns text that the user typed into a URL to load: the text itself if it is a URL, a host name with a
-/// scheme added, or a search. Text is UTF-8. Stateless; safe on any thread.
+/// Converts user input to a URL to load: the input itself if it is a URL, the input with a scheme prepended
+/// if it looks like a host name, or else a search URL. Strings are UTF-8. Stateless and thread-safe.
 class AddressInput {
 public:
     AddressInput() = delete;
 
-    /// The URL of the search engine, without a query.
+    /// The URL of the search engine, without a query string.
     static const Platform::URL& searchBase();
 
     /// Returns the URL to load for `text`. Returns nothing only if `text` is blank.
@@ -27,8 +27,8 @@ private:
     /// Returns true if the part of `text` before the first ":" is "localhost" or an IPv4 address of four
     /// decimal numbers.
     static bool isLocal(std::string_view text);
-    /// Returns true if `text` looks like a host name, possibly with port and path, and not like words to
-    /// search for.
+    /// Returns true if `text` looks like a host name, optionally with a port and a path, rather than a search
+    /// query.
     static bool looksLikeHost(std::string_view text);
 };
 

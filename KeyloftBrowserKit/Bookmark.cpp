@@ -31,7 +31,7 @@ std::optional<std::vector<Bookmark>> Bookmark::decode(std::string_view json) {
 }
 
 std::string Bookmark::titleInOneLine() const {
-    // The mandatory line breaks of Unicode.
+    // The mandatory line breaks of the Unicode line breaking algorithm (UAX #14).
     static constexpr std::array<std::string_view, 8> lineBreaks = {"\r\n", "\n",     "\r",     "\v",
                                                                    "\f",   "\u0085", "\u2028", "\u2029"};
     std::string line;

@@ -19,7 +19,7 @@ std::vector<Bookmark> load(const Platform::URL& fileURL) {
             Bookmark::decode(Platform::FileManager::defaultManager().contents(fileURL.filePath()));
         return bookmarks ? *std::move(bookmarks) : BookmarkStore::seed();
     } catch (const Platform::FileError&) {
-        // The file does not exist before the first change.
+        // The file does not exist until the first change is saved.
         return BookmarkStore::seed();
     }
 }
@@ -55,7 +55,7 @@ void BookmarkStore::add(Bookmark bookmark) {
 }
 
 void BookmarkStore::remove(const Platform::URL& url) {
-    // Copy the URL: it may belong to one of the bookmarks that move.
+    // Copy the URL, because `url` may refer to a bookmark that `erase_if` moves.
     std::erase_if(bookmarks_, [removed = url](const Bookmark& bookmark) { return bookmark.url == removed; });
     save();
 }

@@ -11,16 +11,18 @@ namespace KeyloftBrowserKit {
 /// The ordered list of bookmarks, kept in memory and saved to a file. Every change rewrites the whole file.
 /// If two stores use the same file, the last save wins.
 ///
-/// Compares URLs by their exact text. Main thread only; posts `didChange` there, too.
+/// URLs are compared as strings, without normalization. Main thread only; `didChange` is also posted on the
+/// main thread.
 class BookmarkStore {
 public:
-    /// Posted to the default notification centre, with the store as its object, after each successful save.
+    /// Posted to the default notification centre after each successful save. The notification's object is the
+    /// store.
     static constexpr Platform::NotificationName didChange{"velde.orvane.keyloft.bookmarksDidChange"};
 
-    /// The initial list if the file does not exist or cannot be read or decoded.
+    /// The default bookmarks, which are used if the file does not exist or cannot be read or decoded.
     static const std::vector<Bookmark>& seed();
 
-    /// Loads the list. Never fails; writes and posts nothing.
+    /// Loads the bookmarks from the file. Never fails. Neither writes the file nor posts a notification.
     explicit BookmarkStore(Platform::URL fileURL);
     BookmarkStore(const BookmarkStore&) = delete;
     BookmarkStore& operator=(const BookmarkStore&) = delete;
@@ -31,14 +33,16 @@ public:
 
     bool contains(const Platform::URL& url) const;
 
-    /// Appends `bookmark` and saves. Does nothing if its URL is already present, even if the title differs.
+    /// Appends `bookmark` and saves. Does nothing if the URL is already bookmarked, even with a different
+    /// title.
     void add(Bookmark bookmark);
 
-    /// Removes every bookmark with that URL. Saves even if there is no such bookmark.
+    /// Removes all bookmarks with this URL. Saves even if there is no such bookmark.
     void remove(const Platform::URL& url);
 
 private:
-    /// Writes the file and posts `didChange`. Logs a failure and keeps the list in memory.
+    /// Writes the file and posts `didChange`. If writing fails, logs the error and keeps the changes in
+    /// memory only.
     void save();
 
     Platform::URL fileURL_;
