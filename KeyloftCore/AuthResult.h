@@ -8,7 +8,7 @@
 
 namespace KeyloftCore {
 
-/// The provider's response to an authorization request. A plain value.
+/// The provider's response to an authorization request. A plain value type.
 struct AuthResult {
     /// The response mode of the request.
     ResponseMode responseMode = ResponseMode::query;

@@ -23,49 +23,50 @@ class Window;
 
 namespace KeyloftCore {
 
-/// Completes one Sign in with Apple authorization in a window of its own. Main thread only.
+/// Completes one Sign in with Apple authorization in its own window. Main thread only.
 ///
-/// The window's web view uses a non-persistent data store and loads pages from the provider's hosts only. It
-/// never loads the redirect URI: the session cancels the navigation to it and reads the result from that
-/// navigation. Each step is logged to standard error.
+/// The web view in the window uses a non-persistent data store and loads pages only from the provider's
+/// hosts. It never loads the redirect URI: the session cancels the navigation to the redirect URI and
+/// extracts the result from the cancelled navigation. Each step is logged to standard error.
 ///
-/// A started session keeps itself alive until its completion returns. After that it lives as long as its
-/// owner holds it, with its hidden window and the page. Whatever the page then does is logged and has no
-/// effect.
+/// A started session keeps itself alive until its completion returns. Afterwards, the owner's references keep
+/// the session, its hidden window and the page alive. Anything that the page does after completion is logged
+/// but has no effect.
 class AuthSession : public Platform::NavigationPolicyDelegate,
                     public Platform::UIDelegate,
                     public Platform::ScriptMessageHandler,
                     public std::enable_shared_from_this<AuthSession> {
 public:
-    /// The provider's response, or the error that ended the session.
+    /// The provider's response, or the error that terminated the session.
     using Result = std::expected<AuthResult, HostError>;
     /// Called once, on the main thread, with the provider's response or one of these errors:
     ///
-    /// - `timeout` if five minutes have passed since the start, even if the user has closed the window,
-    /// - `cancelled` if the page closes its window by script,
+    /// - `timeout` if five minutes have passed since `start`, even if the user has closed the window,
+    /// - `cancelled` if a script of the page closes the window,
     /// - `internalError`, with the web engine's description, if a page cannot be loaded.
     ///
-    /// It may release the session. The session destroys it, with everything that it captures, after it
-    /// returns.
+    /// The completion may release the session. After the completion returns, the session destroys it together
+    /// with its captures.
     using Completion = std::function<void(Result)>;
 
-    /// Creates a session. Opens and loads nothing before `start`.
+    /// Creates a session. No window is opened and nothing is loaded before `start` is called.
     static std::shared_ptr<AuthSession> create(AuthorizeRequest request, Completion completion);
 
     AuthSession(const AuthSession&) = delete;
     AuthSession& operator=(const AuthSession&) = delete;
     ~AuthSession() override;
 
-    /// The origin of the page that requests the sign-in, for example "https://client.example". If it is set,
-    /// the session starts from a page of that origin, which navigates to the authorize URL. If the text is
-    /// empty or not a URL, that page has no origin. Read by `start`; later changes have no effect.
+    /// The origin of the page that requests the sign-in, for example "https://client.example". If set, the
+    /// session first loads a small page with this origin, which then navigates to the authorize URL. If the
+    /// string is empty or not a valid URL, that page has an opaque origin. If unset, the session loads the
+    /// authorize URL directly. Read by `start`; later changes have no effect.
     std::optional<std::string> initiatorOrigin;
 
-    /// Opens the window and starts to load. Aborts if there is no application object. A second call opens
-    /// another window with its own time limit and leaves the first one as it is.
+    /// Opens the window and starts loading. Aborts if the application object does not exist. Calling `start`
+    /// again opens another window with its own time limit and does not affect the first window.
     void start();
 
-    /// For the session's web view and the script in its pages. Hosts do not call these functions.
+    /// Called by the session's web view and by the script in its pages. Do not call these functions directly.
     void decidePolicy(Platform::WebView& webView, const Platform::NavigationAction& action,
                       const DecisionHandler& decisionHandler) override;
     void didFinishNavigation(Platform::WebView& webView) override;
@@ -74,7 +75,7 @@ public:
     void didReceiveScriptMessage(const Platform::ScriptMessage& message) override;
 
 protected:
-    /// Used by `create`.
+    /// For `create` only.
     AuthSession(AuthorizeRequest request, Completion completion);
 
 private:
@@ -95,15 +96,15 @@ private:
 
     AuthorizeRequest request_;
     Completion completion_;
-    /// In seconds. Only tests change them.
+    /// Time limits in seconds. Only tests change them.
     double sessionTimeout_ = 300;
     double requestTimeout_ = 60;
-    /// One for each call of `start`. When the session ends, the last one is stopped and hidden, and the
-    /// others stay as they are.
+    /// One element per call of `start`. When the session finishes, it invalidates the timer and hides the
+    /// window of the last element only.
     std::vector<Run> runs_;
     std::optional<SubmittedForm> lastSubmittedForm_;
     bool finished_ = false;
-    /// A reference to this session itself, from `start` until it ends.
+    /// A reference from the session to itself, set by `start` and released when the session finishes.
     std::shared_ptr<AuthSession> running_;
 };
 

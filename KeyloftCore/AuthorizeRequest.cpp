@@ -21,7 +21,8 @@ bool isAuthorizeURL(const Platform::URL& url) {
            url.path() == authorizePath;
 }
 
-/// The value of the first item with that name. Absent if that item has no value, even if a later one has.
+/// Returns the value of the first item with the given name. Returns nothing if the first such item has no
+/// value, even if a later item with that name has a value.
 std::optional<std::string> param(std::string_view name, const QueryItems& items) {
     const auto found = std::ranges::find(items, name, &Platform::URLQueryItem::name);
     return found == items.end() ? std::nullopt : found->value;

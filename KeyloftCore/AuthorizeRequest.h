@@ -12,7 +12,7 @@
 
 namespace KeyloftCore {
 
-/// A validated Sign in with Apple authorize URL whose result is pending. A plain, immutable value.
+/// A validated Sign in with Apple authorize URL whose result is pending. A plain, immutable value type.
 ///
 /// All comparisons are bytewise, without case folding or Unicode normalization.
 class AuthorizeRequest {
@@ -20,42 +20,43 @@ public:
     /// The host that serves authorize URLs.
     static constexpr std::string_view authorizationHost = "appleid.apple.com";
 
-    /// Validates `url` and reads the first "redirect_uri", "response_mode" and "state" of its query. Does not
-    /// check `relayNonce`.
+    /// Validates `url` and reads the first "redirect_uri", "response_mode" and "state" parameters of its
+    /// query. Does not validate `relayNonce`.
     ///
-    /// Throws HostError::badRequest if the URL is not https on the authorization host with the path
-    /// "/auth/authorize", or else if "redirect_uri" is missing or not an https URL.
+    /// Throws HostError::badRequest if `url` is not an https URL on the authorization host with the path
+    /// "/auth/authorize", or if "redirect_uri" is missing or not an https URL.
     AuthorizeRequest(Platform::URL url, std::string relayNonce);
 
     /// The URL as given.
     const Platform::URL& url() const { return url_; }
-    /// The query's "redirect_uri", decoded.
+    /// The decoded "redirect_uri" parameter of the query.
     const Platform::URL& redirectURI() const { return redirectURI_; }
-    /// `query` if the URL names no response mode or an unknown one.
+    /// The requested response mode, or `query` if the URL specifies no response mode or an unknown one.
     ResponseMode responseMode() const { return responseMode_; }
-    /// Absent if the URL has no state, a state without "=", or one that does not decode to UTF-8. "state=" is
-    /// an empty state.
+    /// The state. Absent if the URL has no "state" parameter, or if the parameter has no "=" or does not
+    /// decode to UTF-8. "state=" is an empty state.
     const std::optional<std::string>& state() const { return state_; }
     /// The nonce as given.
     const std::string& relayNonce() const { return relayNonce_; }
 
-    /// Returns true if `url` has the redirect URI's scheme, host, effective port and path; an empty path
-    /// equals "/". Ignores query, fragment and credentials. A host or path that does not decode to UTF-8, and
-    /// a port too large for an integer, match nothing.
+    /// Returns true if `url` has the same scheme, host, effective port and path as the redirect URI. An empty
+    /// path is equivalent to "/". Ignores the query, the fragment and credentials. Returns false if the host
+    /// or path of either URL does not decode to UTF-8 or if its port does not fit in 64 bits.
     bool matchesRedirect(const Platform::URL& url) const;
 
-    /// Returns true if `value` is a string that equals this request's nonce. `value` may be null.
+    /// Returns true if `value` is a string that is equal to the nonce of this request. `value` may be null.
     bool matchesNonce(const Platform::JSONValue* value) const;
 
-    /// This request's redirect URI, state and nonce.
+    /// Returns a relay target with the redirect URI, state and nonce of this request.
     RelayTarget relayTarget() const;
 
-    /// The authorize URL for the relay. Its first "response_mode" is "form_post", which is appended if there
-    /// is none, and its fragment is the relay target. Everything else keeps its encoding.
+    /// Returns the authorize URL for the relay: the URL of this request with the first "response_mode" set to
+    /// "form_post" (appended if missing) and the relay target as its fragment. All other parts keep their
+    /// encoding.
     Platform::URL safariRelayURL() const;
 
-    /// The port of `url`, or else the default port of "https" (443) or "http" (80). Absent for other schemes
-    /// without a port.
+    /// Returns the port of `url`, or the default port of "https" (443) or "http" (80) if `url` has no port.
+    /// Returns nothing for a URL of another scheme without a port.
     static std::optional<std::int64_t> effectivePort(const Platform::URL& url);
 
 private:

@@ -9,8 +9,9 @@ namespace KeyloftCore {
 
 namespace {
 
-/// The greatest ratio of reserved memory to received bytes. Large enough that a large frame read in large
-/// chunks needs one allocation, and small enough that a prefix alone does not reserve a mebibyte.
+/// The maximum ratio of reserved memory to received bytes. Large enough that a large frame that arrives in
+/// large chunks needs a single allocation, and small enough that a length prefix alone does not reserve 1
+/// MiB.
 constexpr std::size_t growthFactor = 32;
 
 } // namespace
@@ -40,7 +41,7 @@ std::vector<std::string> FrameDecoder::append(std::string_view chunk) {
         if (prefixCount_ < prefixLength) {
             return payloads;
         }
-        // Keep the prefix, so that every later call throws, too.
+        // Keep the prefix so that every later call throws again.
         const std::size_t length = announcedLength();
         if (length > NativeMessageFrame::maxLength) {
             throw NativeMessageFrame::DecodeError::frameTooLarge(static_cast<std::int64_t>(length));

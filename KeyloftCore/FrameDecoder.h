@@ -9,19 +9,19 @@
 
 namespace KeyloftCore {
 
-/// Decodes the frames in a stream that is received in chunks of any size. Each connection needs a decoder of
-/// its own.
+/// Decodes the frames in a byte stream that is received in chunks of any size. Use a separate decoder for
+/// each connection.
 ///
-/// A plain value; a copy decodes independently. The time to decode is linear in the bytes received, for any
-/// number of chunks and frames. Memory is allocated only for lengths within the limit and in proportion to
-/// the bytes received.
+/// A plain value type; copies decode independently. Decoding takes time linear in the number of received
+/// bytes, regardless of the number of chunks and frames. Memory is allocated only for payload lengths within
+/// the limit, and in proportion to the number of received bytes.
 class FrameDecoder {
 public:
     /// Consumes `chunk` and returns the payloads that it completes, in order.
     ///
-    /// Throws NativeMessageFrame::DecodeError as soon as a prefix beyond the limit is complete. Payloads that
-    /// the same call has completed are lost. Every later call throws the same error, because the start of the
-    /// next frame is unknown.
+    /// Throws NativeMessageFrame::DecodeError as soon as it has read a complete length prefix that exceeds
+    /// the limit. Payloads completed by the same call are lost. Every later call throws the same error,
+    /// because the start of the next frame is unknown.
     std::vector<std::string> append(std::string_view chunk);
 
 private:

@@ -7,13 +7,13 @@
 namespace KeyloftCore {
 
 /// The reason why an authorization could not be started or completed. Hosts report `code` and `message` to
-/// their callers. A plain value.
+/// their callers. A plain value type.
 ///
-/// AuthorizeRequest throws `badRequest`. An AuthSession ends with `internalError`, `cancelled` or `timeout`.
-/// Only hosts use `noNativeSheet`.
+/// AuthorizeRequest throws `badRequest`. An AuthSession completes with `internalError`, `cancelled` or
+/// `timeout`. `noNativeSheet` is used only by hosts.
 class HostError : public std::exception {
 public:
-    /// The kinds of failure. `code` returns the text of each.
+    /// The kinds of failure. `code` returns the string that identifies each kind.
     enum class Case {
         badRequest,
         noNativeSheet,
@@ -22,7 +22,7 @@ public:
         timeout,
     };
 
-    /// Creates an error of that kind. `cancelled` and `timeout` have fixed messages.
+    /// Creates an error of the named kind. `cancelled` and `timeout` have fixed messages.
     static HostError badRequest(std::string message) { return {Case::badRequest, std::move(message)}; }
     static HostError noNativeSheet(std::string message) { return {Case::noNativeSheet, std::move(message)}; }
     static HostError internalError(std::string message) { return {Case::internalError, std::move(message)}; }
@@ -33,7 +33,7 @@ public:
     Case kind() const noexcept { return kind_; }
     /// "bad_request", "no_native_sheet", "internal", "cancelled" or "timeout".
     std::string_view code() const noexcept;
-    /// The reason in English, or as described by the web engine.
+    /// The reason, in English or as reported by the web engine.
     const std::string& message() const noexcept { return message_; }
     const char* what() const noexcept override { return message_.c_str(); }
 

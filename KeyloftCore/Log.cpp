@@ -19,7 +19,7 @@ constexpr std::size_t shownOfLonger = 8;
 void log(std::string_view message) {
     std::string line(message);
     line.push_back('\n');
-    // SIGPIPE must not end the process when the reader of the log has gone.
+    // SIGPIPE must not terminate the process when the reader of the log has exited.
     [[maybe_unused]] const auto written =
         Platform::writeWithoutSignal(STDERR_FILENO, line.data(), line.size());
 }

@@ -5,12 +5,12 @@
 
 namespace KeyloftCore {
 
-/// Writes `message` and a line feed to standard error in one write, without a prefix. Does not report
-/// failures. Safe on any thread.
+/// Writes `message` and a newline to standard error with a single write, without a prefix. Ignores write
+/// errors. Thread-safe.
 void log(std::string_view message);
 
-/// Shortens a value for the log. A value of more than 12 characters becomes its first 8, "…(", the number of
-/// its characters and ")". Other values stay as they are.
+/// Shortens a value for the log. A value longer than 12 characters is replaced by its first 8 characters,
+/// "…(", the number of its characters and ")". Other values are returned unchanged.
 std::string redact(std::string_view value);
 
 } // namespace KeyloftCore

@@ -8,25 +8,27 @@
 
 namespace KeyloftCore {
 
-/// The framing of messages on the relay socket: the size of the payload in bytes as an unsigned 4-byte
-/// little-endian integer, then the payload. Frames follow each other directly. A payload may be empty.
+/// The framing of messages on the relay socket. A frame consists of the payload size in bytes, as an unsigned
+/// 4-byte little-endian integer, followed by the payload, which may be empty. Frames follow each other
+/// without separators.
 struct NativeMessageFrame {
     NativeMessageFrame() = delete;
 
-    /// The longest payload that a decoder accepts, in bytes (1 MiB). `encode` does not enforce it.
+    /// The maximum payload size that a decoder accepts, in bytes (1 MiB). `encode` does not enforce this
+    /// limit.
     static constexpr std::size_t maxLength = 1'048'576;
 
-    /// Thrown by a decoder for a prefix beyond `maxLength`.
+    /// Thrown by a decoder if a length prefix exceeds `maxLength`.
     class DecodeError : public std::exception {
     public:
-        /// Creates the error for a prefix with the value `length`, in bytes.
+        /// Creates the error for a length prefix with the value `length`, in bytes.
         static DecodeError frameTooLarge(std::int64_t length) { return DecodeError(length); }
 
-        /// The value of the prefix.
+        /// The value of the length prefix, in bytes.
         std::int64_t length() const noexcept { return length_; }
         const char* what() const noexcept override { return text_.c_str(); }
 
-        /// Errors are equal if their lengths are.
+        /// Compares the lengths.
         friend bool operator==(const DecodeError& left, const DecodeError& right) {
             return left.length_ == right.length_;
         }
@@ -40,7 +42,7 @@ struct NativeMessageFrame {
         std::string text_;
     };
 
-    /// Returns the frame of `payload`. Aborts if the size of the payload does not fit in 32 bits.
+    /// Returns a frame that contains `payload`. Aborts if the payload size does not fit in 32 bits.
     static std::string encode(std::string_view payload);
 };
 

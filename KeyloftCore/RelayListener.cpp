@@ -41,11 +41,11 @@ constexpr mode_t socketMode = 0600;
 constexpr mode_t maskForBind = 0077;
 constexpr std::chrono::seconds sendTimeout(3);
 
-/// The time until the next attempt to accept. There is no notification when another part of the process
-/// closes a descriptor.
+/// The delay before connections are accepted again after a shortage of resources. The listener is not
+/// notified when another part of the process closes a file descriptor.
 constexpr std::chrono::milliseconds pauseWithoutDescriptors(1000);
 
-/// Device and inode of the file at a path.
+/// Identifies a file by its device and inode.
 struct FileIdentity {
     dev_t dev;
     ino_t ino;
@@ -61,14 +61,14 @@ struct FileIdentity {
     friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
 };
 
-/// Returns true if accepting failed because the process or the kernel has run out of a resource. The
-/// connection then stays in the backlog, and the accept source would fire again at once, without end.
+/// Returns true if `accept` failed because the process or the kernel is out of a resource. The connection
+/// then remains in the backlog, and the accept source would fire again immediately and indefinitely.
 bool isShortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
 
-/// Writes from the front of `data` and drops what has been written, until nothing is left. Returns false,
-/// with `errno`, as soon as a write fails.
+/// Writes all of `data`, removing the written bytes from its front. Returns false with `errno` set if a write
+/// fails.
 bool writeFromFront(int fd, std::string_view& data) {
     while (!data.empty()) {
         const auto written = Platform::writeWithoutSignal(fd, data.data(), data.size());
@@ -83,15 +83,15 @@ bool writeFromFront(int fd, std::string_view& data) {
     return true;
 }
 
-/// Waits until a write to the socket would not block. Returns false if `deadline` passes first.
+/// Waits until the socket is writable. Returns false if `deadline` passes first.
 bool waitUntilWritable(int fd, Clock::time_point deadline) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     pollfd polled = {.fd = fd, .events = POLLOUT, .revents = 0};
     return left.count() > 0 && poll(&polled, 1, static_cast<int>(left.count())) != 0;
 }
 
-/// Writes one frame, or gives up after `sendTimeout`. The kernel's send time-out restarts with each wait, so
-/// a peer that reads slowly would hardly ever reach it.
+/// Writes one frame, but gives up after `sendTimeout`. SO_SNDTIMEO would not be sufficient: it restarts with
+/// each wait, so a peer that reads slowly would hardly ever exceed it.
 void sendFrame(int fd, std::string_view payload) {
     const auto deadline = Clock::now() + sendTimeout;
     const auto frame = NativeMessageFrame::encode(payload);
@@ -112,8 +112,7 @@ struct Connection {
 
 } // namespace
 
-/// The part of the listener that callbacks refer to, through weak pointers. No callback owns the listener
-/// itself.
+/// The state to which callbacks refer through weak pointers. Callbacks do not refer to the listener itself.
 struct RelayListener::State : std::enable_shared_from_this<RelayListener::State> {
     void listen(const std::string& path, OnFrame onFrame);
     void stop();
@@ -126,16 +125,17 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     void readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
     Reply replyFor(const std::shared_ptr<Connection>& connection);
 
-    // For the owner's calls only.
+    // Accessed only by functions that the owner calls.
     std::future<void> listeningClosed;
     std::optional<std::string> path;
     std::optional<FileIdentity> inode;
-    // Accessed on the queue only, once listening.
+    // Accessed only on the queue once the listener is listening.
     std::shared_ptr<Platform::ReadSource> acceptSource;
     std::vector<std::shared_ptr<Connection>> readers;
     bool acceptingPaused = false;
     std::array<char, readSize> buffer;
-    // The last member, so that it is destroyed first: work that still runs on it may use the others.
+    // The last member, so that it is destroyed first: work items that are still running on the queue may use
+    // the other members.
     Platform::SerialQueue queue{"velde.orvane.keyloft.relay-listener"};
 };
 
@@ -170,8 +170,8 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         Platform::fatalError("a relay listener needs a handler for its requests");
     }
     requirePathWithoutNUL(socketPath);
-    // Paths with and without a trailing slash have the same directory. Append a slash, then drop the empty
-    // component after it and the name.
+    // A trailing slash must not change the directory of the path. Append a slash, then remove the empty last
+    // component and the file name.
     const auto directory = (std::filesystem::path(socketPath) / "").parent_path().parent_path();
     Platform::FileManager::defaultManager().createDirectory(directory.string(), directoryMode);
     unlink(socketPath.c_str());
@@ -181,7 +181,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         throw RelaySocketError::syscall("socket", errno);
     }
 
-    // The mask belongs to the whole process. Do nothing but bind between the two umask calls.
+    // The umask applies to the whole process. Do nothing but bind between the two umask calls.
     const auto mask = umask(maskForBind);
     const int bound = Platform::bindUnixSocket(listening, address);
     const int bindError = errno;
@@ -198,7 +198,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         throw RelaySocketError::syscall("listen", error);
     }
 
-    // The client may be gone when the accept source fires. Accepting must not block then.
+    // The client may disconnect before the accept source fires. `accept` must not block in that case.
     fcntl(listening, F_SETFL, O_NONBLOCK);
 
     path = socketPath;
@@ -210,7 +210,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
                 self->acceptOne(listening, handler);
             }
         });
-    // Dispatch may watch the descriptor until the cancel handler runs.
+    // Dispatch may watch the file descriptor until the cancel handler runs.
     const auto closed = std::make_shared<std::promise<void>>();
     listeningClosed = closed->get_future();
     acceptSource->setCancelHandler([listening, closed] {
@@ -220,7 +220,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
     acceptSource->resume();
 }
 
-/// Runs on the queue. The cancel handlers close the sockets afterwards.
+/// Must be called on the queue. The cancel handlers close the sockets later.
 void RelayListener::State::stop() {
     if (const auto source = std::exchange(acceptSource, nullptr)) {
         source->cancel();
@@ -253,8 +253,8 @@ void RelayListener::State::acceptOne(int listening, const std::shared_ptr<const 
         ::close(connection);
         return;
     }
-    // Writes do not block unless a forked child clears the O_NONBLOCK flag that it shares. Bound them even
-    // then.
+    // Writes do not block unless a forked child clears the O_NONBLOCK flag, which it shares with this
+    // process. Limit their duration even in this case.
     Platform::setSendTimeout(connection, sendTimeout);
     open(connection, onFrame);
 }
@@ -278,8 +278,9 @@ void RelayListener::State::resumeAccepting() {
 void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<const OnFrame>& onFrame) {
     const auto connection = std::make_shared<Connection>(queue, connectionDescriptor);
     const auto weak = weak_from_this();
-    // The source's handlers must not own the connection, which owns the source. A reply that is kept for long
-    // keeps only the memory of its connection, not the socket.
+    // The handlers of the source must not own the connection, because the connection owns the source. A
+    // `Reply` that is kept for a long time keeps the memory of its connection allocated, but not the socket
+    // open.
     const std::weak_ptr<Connection> weakConnection = connection;
     connection->source.setEventHandler([weak, weakConnection, onFrame] {
         const auto self = weak.lock();
@@ -300,7 +301,7 @@ void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<
 }
 
 void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame) {
-    // Clang 22's static analyzer takes weak_ptr::lock in the callers for the lock of a mutex (not reported).
+    // Clang 22's static analyzer mistakes weak_ptr::lock in the callers for a mutex lock (not reported).
     // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection)
     const ssize_t count = read(connection->fd, buffer.data(), buffer.size());
     if (count < 0 && errno == EAGAIN) {

@@ -8,56 +8,57 @@
 namespace KeyloftCore {
 
 /// The listening end of the relay: a Unix-domain socket on which processes of the same user send one request
-/// per connection and get one reply.
+/// per connection and receive one reply.
 ///
-/// All work, including `onFrame`, runs on one private serial queue ("velde.orvane.keyloft.relay-listener").
-/// The queue waits for a client in one case only: a reply that the client does not read at once blocks it,
-/// and with it the other clients and `close`, for at most 3 seconds. Then the connection is closed. Several
-/// such replies block the queue one after the other.
+/// All work, including `onFrame`, runs on a private serial queue ("velde.orvane.keyloft.relay-listener"). A
+/// client can block the queue in only one case: if it does not read its reply immediately, it blocks the
+/// queue, and therefore other clients and `close`, for at most 3 seconds. The connection is then closed.
+/// Several such replies block the queue one after another.
 ///
-/// Only the owner calls `listen` and `close`, from one thread at a time.
+/// Only the owner may call `listen` and `close`, from one thread at a time.
 class RelayListener {
 public:
-    /// Sends the reply of one connection as one frame and closes it. May be called from any thread, at any
-    /// time, by any copy; the first call counts. Does nothing once the peer has gone or the listener is
-    /// closed or destroyed. A failure to write the reply is not reported.
+    /// Sends the reply on one connection as one frame and closes the connection. Thread-safe, and may be
+    /// called at any time and through any copy; only the first call has an effect. A no-op after the peer has
+    /// disconnected or the listener has been closed or destroyed. Write errors are not reported.
     using Reply = std::function<void(std::string payload)>;
     /// Receives the payload of a request. Must not throw.
     ///
-    /// Called again, with a `Reply` to the same connection, for each further request that the peer sends
-    /// before it gets a reply. An owner that replies later must bound the requests that it keeps, or a peer
-    /// can exhaust its memory. A call does not identify its connection; the simplest bound is to keep one
-    /// request in total and to reply to every other at once, which closes its connection.
+    /// Called again, with a `Reply` for the same connection, for each additional request that the peer sends
+    /// before it receives a reply. An owner that replies later must limit the number of requests that it
+    /// keeps; otherwise a peer can exhaust its memory. The callback does not receive the identity of the
+    /// connection. The simplest limit is to keep one request in total and to reply immediately to all others,
+    /// which closes their connections.
     using OnFrame = std::function<void(std::string request, Reply reply)>;
 
-    /// Throws std::system_error if no thread or descriptor is available for the queue.
+    /// Throws std::system_error if no thread or file descriptor is available for the queue.
     RelayListener();
     RelayListener(const RelayListener&) = delete;
     RelayListener& operator=(const RelayListener&) = delete;
-    /// Closes the listener. Unlike `close`, it may run on the queue, for example in `onFrame`.
+    /// Closes the listener. Unlike `close`, the destructor may run on the queue, for example in `onFrame`.
     ~RelayListener();
 
-    /// Removes whatever file is at `path`, listens there and calls `onFrame` for each request. The directory
-    /// is created if it is missing, with mode 0700 as are those above it; the socket has mode 0600. Call it
-    /// only once.
+    /// Removes any existing file at `path`, listens there and calls `onFrame` for each request. Missing
+    /// directories of the path are created with mode 0700. The socket has mode 0600. Must be called only
+    /// once.
     ///
-    /// Changes the file mode creation mask of the whole process while it creates the socket file. A file that
-    /// another thread creates meanwhile gets no permissions for group and others, so call this before
-    /// starting threads that create files for other users.
+    /// Changes the umask of the process while the socket file is created. A file that another thread creates
+    /// at the same time gets no permissions for group and others. Call this function before starting threads
+    /// that create files for other users.
     ///
-    /// Throws RelaySocketError::pathContainsNUL before anything is changed, Platform::FileError if the
+    /// Throws RelaySocketError::pathContainsNUL before any change is made, Platform::FileError if the
     /// directory cannot be created, and RelaySocketError: `pathTooLong` for a path of 104 bytes or more,
-    /// `syscall` for "socket", "bind" and "listen". Leaves nothing open if it throws. Aborts if `onFrame` is
-    /// empty.
+    /// `syscall` for "socket", "bind" and "listen". Leaves no file descriptor open if it throws. Aborts if
+    /// `onFrame` is empty.
     void listen(const std::string& path, OnFrame onFrame);
 
-    /// Stops listening, writes the replies given so far, closes all other connections without a reply, and
-    /// removes the socket file unless another file has replaced it. Does nothing if called twice or before
-    /// `listen`. Waits for the queue; aborts if called on it.
+    /// Stops listening, writes all replies given so far, closes the remaining connections without a reply,
+    /// and removes the socket file unless it has been replaced by another file. A no-op if called before
+    /// `listen` or a second time. Waits for the queue; aborts if called on the queue.
     void close();
 
-    /// Writes all of `data` to a socket or pipe, and continues after interruptions. Returns false, with
-    /// `errno` set, if a write fails. A closed peer is an error and raises no signal.
+    /// Writes all of `data` to a socket or pipe, retrying after interruptions. Returns false and sets `errno`
+    /// if a write fails. If the peer has closed its end, the write fails without raising SIGPIPE.
     static bool writeAll(int fd, std::string_view data);
 
 private:

@@ -11,15 +11,15 @@
 
 namespace KeyloftCore {
 
-/// The host's side of the relay protocol: computes the replies to a peer's messages. Stateless; safe on any
-/// thread.
+/// The host's side of the relay protocol, which computes the replies to the messages of a peer. Stateless and
+/// thread-safe.
 struct RelayProtocol {
     RelayProtocol() = delete;
 
-    /// A reply to one message: one of three cases.
+    /// A reply to one message. Holds one of three alternatives.
     class Reply {
     public:
-        /// Confirms or denies that the peer's target belongs to the request.
+        /// Confirms or denies that the peer's relay target belongs to the request.
         struct Confirm {
             /// True if the target belongs to the request.
             bool ok = false;
@@ -27,8 +27,8 @@ struct RelayProtocol {
         };
         /// Acknowledges or refuses a result that the peer has relayed.
         struct Ack {
-            /// The result, absent if it was refused. For the host only; the peer learns only whether it was
-            /// accepted or refused.
+            /// The result, or nothing if it was refused. For the host only; the peer learns only whether the
+            /// result was accepted.
             std::optional<AuthResult> result;
             friend bool operator==(const Ack&, const Ack&) = default;
         };
@@ -39,17 +39,17 @@ struct RelayProtocol {
             friend bool operator==(const Error&, const Error&) = default;
         };
 
-        /// Creates a reply of that case.
+        /// Creates a reply that holds the named alternative.
         static Reply confirm(bool ok) { return Reply(Confirm{ok}); }
         static Reply ack(std::optional<AuthResult> result) { return Reply(Ack{std::move(result)}); }
         static Reply error(std::string message) { return Reply(Error{std::move(message)}); }
 
-        /// The payload if the reply is of that case, else null.
+        /// Returns the named alternative, or null if the reply holds a different one.
         const Confirm* confirm() const { return std::get_if<Confirm>(&value_); }
         const Ack* ack() const { return std::get_if<Ack>(&value_); }
         const Error* error() const { return std::get_if<Error>(&value_); }
 
-        /// The JSON object for the peer, to be sent as one frame. Never contains the result itself.
+        /// Returns the JSON object to send to the peer as one frame. It never contains the result itself.
         Platform::JSONValue::Object json() const;
 
         friend bool operator==(const Reply&, const Reply&) = default;
@@ -61,8 +61,8 @@ struct RelayProtocol {
         std::variant<Confirm, Ack, Error> value_;
     };
 
-    /// Returns the reply to the JSON message in `data`. Never fails, for any data. The reply does not reveal
-    /// why a message was refused.
+    /// Returns the reply to the JSON message in `data`. Never fails, regardless of the input. The reply does
+    /// not reveal why a message was refused.
     static Reply reply(std::string_view data, const AuthorizeRequest& request);
 };
 

@@ -9,14 +9,14 @@
 
 namespace KeyloftCore {
 
-/// Parses the result that a peer relays. Stateless; safe on any thread.
+/// Parses the result that a peer relays. Stateless and thread-safe.
 struct RelayResult {
     RelayResult() = delete;
 
-    /// The first check that a message failed, in the order of the checks.
+    /// Reports the first check that a message failed.
     class ParseError : public std::exception {
     public:
-        /// The checks, in order.
+        /// The checks, in the order in which they are made.
         enum class Case {
             notAResult,
             badParams,
@@ -25,16 +25,16 @@ struct RelayResult {
             nonceMismatch,
         };
 
-        /// Creates the error of a failed check.
+        /// Creates an error for a failed check.
         explicit ParseError(Case kind)
             : kind_(kind) {}
 
         /// The check that failed.
         Case kind() const noexcept { return kind_; }
-        /// The case's name.
+        /// The name of the enumerator.
         const char* what() const noexcept override;
 
-        /// Errors are equal if their kinds are.
+        /// Compares the kinds.
         friend bool operator==(const ParseError& left, const ParseError& right) {
             return left.kind_ == right.kind_;
         }
@@ -43,13 +43,13 @@ struct RelayResult {
         Case kind_;
     };
 
-    /// Returns the result that the JSON message in `data` relays for `request`, with the response mode and
-    /// the redirect URI of the request. The message's URI may differ from it in query, fragment and
-    /// credentials. An empty state in the message counts as absent, but an empty state in the request does
-    /// not. Throws ParseError.
+    /// Returns the result that the JSON message in `data` relays, with the response mode and the redirect URI
+    /// of `request`. The redirect URI in the message may differ from that of the request in query, fragment
+    /// and credentials. An empty state in the message counts as absent, but an empty state in the request
+    /// does not. Throws ParseError.
     static AuthResult parse(std::string_view data, const AuthorizeRequest& request);
 
-    /// Like `parse`, for a message that is already parsed as JSON.
+    /// Like `parse`, for a message that has already been parsed as JSON.
     static AuthResult parseMessage(const Platform::JSONValue& message, const AuthorizeRequest& request);
 };
 

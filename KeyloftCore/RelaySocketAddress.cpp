@@ -10,8 +10,8 @@ namespace KeyloftCore {
 
 namespace {
 
-/// The longest path of a Unix-domain socket, in bytes. This is the limit of macOS. It applies to every
-/// system, so that a path is valid on all or on none.
+/// The maximum length of the path of a Unix-domain socket, in bytes. This is the limit of macOS. It also
+/// applies on other platforms, so that a path is valid either on all platforms or on none.
 constexpr std::size_t maximumPath = 103;
 
 } // namespace

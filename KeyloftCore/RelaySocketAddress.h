@@ -6,11 +6,12 @@
 
 namespace KeyloftCore {
 
-/// Throws RelaySocketError::pathContainsNUL if `path` contains a NUL byte, at which the kernel would end it.
+/// Throws RelaySocketError::pathContainsNUL if `path` contains a NUL byte, which would terminate the path in
+/// a system call.
 void requirePathWithoutNUL(std::string_view path);
 
-/// The address of the relay socket at `path`, for both of its ends. Throws RelaySocketError::pathContainsNUL
-/// and RelaySocketError::pathTooLong.
+/// Returns the address of the relay socket at `path`, for listening and for connecting. Throws
+/// RelaySocketError::pathContainsNUL and RelaySocketError::pathTooLong.
 sockaddr_un sockaddrUn(std::string_view path);
 
 } // namespace KeyloftCore

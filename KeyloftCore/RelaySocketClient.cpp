@@ -29,14 +29,14 @@ timeval timevalOf(double seconds) {
     double whole = 0;
     const double fraction = std::modf(seconds, &whole);
     using Seconds = decltype(timeval::tv_sec);
-    // A double cannot represent the largest integer, only the power of two above it.
+    // A double cannot represent the maximum value, only the power of two above it.
     constexpr double limit = -static_cast<double>(std::numeric_limits<Seconds>::min());
     if (!std::isfinite(seconds) || whole >= limit || whole < -limit) {
         Platform::fatalError("a relay time-out that is not finite or too large");
     }
     timeval time = {.tv_sec = static_cast<Seconds>(whole),
                     .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};
-    // SO_RCVTIMEO treats zero as no limit.
+    // SO_RCVTIMEO interprets zero as no time-out.
     if (seconds > 0 && time.tv_sec == 0 && time.tv_usec == 0) {
         time.tv_usec = 1;
     }

@@ -6,30 +6,33 @@
 
 namespace KeyloftCore {
 
-/// The connecting end of the relay. Every call blocks. Connect, write, read and close, in this order.
+/// The connecting end of the relay. All functions block. Connect, write, read and close, in this order.
 ///
-/// A value that refers to a descriptor without owning it. Copies share the descriptor, and only `close`
-/// closes it.
+/// A plain value type that refers to a file descriptor without owning it. Copies share the descriptor, which
+/// is closed only by `close`.
 class RelaySocketClient {
 public:
-    /// Throws RelaySocketError: `pathContainsNUL`, `pathTooLong`, or `syscall` for "socket" and "connect"
-    /// (ENOENT or ECONNREFUSED if no process listens; on macOS ECONNREFUSED also while too many clients wait
-    /// to be accepted). There is no time limit.
+    /// Connects to the socket at `path`, without a time limit. Throws RelaySocketError: `pathContainsNUL`,
+    /// `pathTooLong`, or `syscall` for "socket" and "connect" (ENOENT or ECONNREFUSED if no process is
+    /// listening; on macOS, ECONNREFUSED also while too many clients are waiting to be accepted).
     static RelaySocketClient connect(const std::string& path);
 
-    /// The connected socket.
+    /// The file descriptor of the connected socket.
     int fd() const { return fd_; }
 
-    /// Sends one frame, of any length. Throws RelaySocketError::syscall("write").
+    /// Sends one frame of any size. Throws RelaySocketError::syscall("write").
     void writeFrame(std::string_view payload) const;
 
-    /// Returns the first frame that the peer sends, or nothing if the peer closes, fails, sends a frame
-    /// beyond the limit, or sends nothing for `timeout` seconds. The time-out is truncated to whole
-    /// microseconds, but not below one; 0 means no limit, and a negative time-out reads nothing. It applies
-    /// to each read, not to the whole frame. Aborts if it is not finite or does not fit in a `timeval`.
+    /// Returns the payload of the first frame that the peer sends. Returns nothing if the peer closes the
+    /// connection, reading fails, the frame exceeds the limit, or the peer sends nothing for `timeout`
+    /// seconds.
+    ///
+    /// The time-out applies to each read, not to the whole frame. It is truncated to whole microseconds, but
+    /// is at least one microsecond; 0 means no time-out. If it is negative, the function returns nothing
+    /// without reading. Aborts if it is not finite or does not fit in a `timeval`.
     std::optional<std::string> readFrame(double timeout) const;
 
-    /// Closes the descriptor. To be called once, for all copies.
+    /// Closes the file descriptor. Must be called once for all copies.
     void close() const;
 
 private:

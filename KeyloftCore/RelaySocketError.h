@@ -7,30 +7,30 @@
 
 namespace KeyloftCore {
 
-/// The reason why the relay socket could not be created, reached or written to.
+/// The reason why the relay socket could not be created, connected or written to.
 class RelaySocketError : public std::exception {
 public:
     /// The kinds of failure.
     enum class Case {
         syscall,         ///< `call` failed with `code`
         pathTooLong,     ///< the path does not fit in a socket address
-        pathContainsNUL, ///< the kernel would end the path at its NUL byte
+        pathContainsNUL, ///< the kernel would truncate the path at its NUL byte
     };
 
-    /// `call` is the system call's name; `code` its `errno`.
+    /// `call` is the name of the system call, and `code` is its `errno`.
     static RelaySocketError syscall(std::string_view call, std::int32_t code);
     static RelaySocketError pathTooLong();
     static RelaySocketError pathContainsNUL();
 
     /// The kind of failure.
     Case kind() const noexcept { return kind_; }
-    /// Empty and 0 unless `kind` is `syscall`.
+    /// The name and the `errno` of the system call. Empty and 0 unless `kind` is `syscall`.
     const std::string& call() const noexcept { return call_; }
     std::int32_t code() const noexcept { return code_; }
-    /// The error as text, for example `syscall("connect", 2)`.
+    /// A string that describes the error, for example `syscall("connect", 2)`.
     const char* what() const noexcept override { return text_.c_str(); }
 
-    /// Compares kind, call and code.
+    /// Compares the kind, the call and the code.
     friend bool operator==(const RelaySocketError& left, const RelaySocketError& right) {
         return left.kind_ == right.kind_ && left.call_ == right.call_ && left.code_ == right.code_;
     }

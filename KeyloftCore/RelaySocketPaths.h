@@ -6,18 +6,19 @@
 
 namespace KeyloftCore {
 
-/// The possible paths of the relay socket.
+/// The candidate paths of the relay socket.
 struct RelaySocketPaths {
     RelaySocketPaths() = delete;
 
-    /// The application group that the product's processes share.
+    /// The application group that is shared by the processes of the product.
     static constexpr std::string_view appGroupID = "group.velde.orvane.keyloft";
     /// The bundle identifier of the relay extension, whose container holds the second candidate.
     static constexpr std::string_view appexBundleID = "velde.orvane.keyloft.relay.Extension";
 
-    /// The absolute socket paths below the user's home directory, in order of preference: in the group's
-    /// container, then in the extension's cache directory. Creates nothing, and checks neither existence nor
-    /// length. Listen on the first path whose directory can be created. Connect to the first that accepts.
+    /// Returns the absolute socket paths in the user's home directory, in order of preference: in the
+    /// container of the application group, then in the cache directory of the extension. Creates nothing, and
+    /// checks neither the existence nor the length of the paths. Listen on the first path whose directory can
+    /// be created. Connect to the first path that accepts.
     static std::vector<std::string> candidates();
 };
 

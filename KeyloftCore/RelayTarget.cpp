@@ -25,7 +25,7 @@ std::string urlSafeBase64(std::string_view bytes) {
     return text;
 }
 
-/// Also accepts the standard alphabet and padding.
+/// Decodes URL-safe base64. Also accepts the standard alphabet and padding.
 std::optional<std::string> decodedURLSafeBase64(std::string_view encoded) {
     std::string text(encoded);
     std::ranges::replace(text, '-', '+');

@@ -13,10 +13,10 @@ enum class ResponseMode {
     webMessage, ///< "web_message"
 };
 
-/// The mode's text in URLs.
+/// Returns the string that identifies the mode in a URL.
 std::string_view rawValue(ResponseMode mode);
 
-/// Returns the mode with exactly that text, or nothing.
+/// Returns the mode that `rawValue` identifies, or nothing if there is no such mode. Case-sensitive.
 std::optional<ResponseMode> responseModeFromRawValue(std::string_view rawValue);
 
 } // namespace KeyloftCore

@@ -9,26 +9,26 @@
 
 namespace KeyloftCore {
 
-/// A form that a page has submitted. A plain value.
+/// A form that a page has submitted. A plain value type.
 ///
-/// Web engines need not expose the body that a form posts. A script in each page therefore posts every
-/// submitted form to the message handler `messageHandlerName` before the page goes away.
+/// A web engine may not expose the body of a form submission. Therefore, a script in each page posts every
+/// submitted form to the message handler `messageHandlerName` before the page is unloaded.
 struct SubmittedForm {
-    /// The name of the handler that receives the script's messages.
+    /// The name of the message handler that receives the messages of the script.
     static constexpr std::string_view messageHandlerName = "keyloft";
-    /// The script. Inject it into every frame at document start.
+    /// The script that posts submitted forms. Inject it into every frame at document start.
     static const std::string_view hookScript;
 
-    /// The form's action URL.
+    /// The action URL of the form.
     std::string action;
-    /// Values by name. If a name occurs twice, the last value counts.
+    /// The values of the form's fields by name. If a name occurs more than once, the last value is kept.
     std::map<std::string, std::string> fields;
 
-    /// Parses the body of a message from the script. Returns nothing if it does not have the structure that
-    /// the script writes.
+    /// Parses the body of a message from the script. Returns nothing if the message does not have the
+    /// structure that the script produces.
     static std::optional<SubmittedForm> fromMessage(const Platform::JSONValue& body);
 
-    /// The first 80 characters of the action, for the log.
+    /// Returns the first 80 characters of the action, for the log.
     std::string shownAction() const;
 
     friend bool operator==(const SubmittedForm&, const SubmittedForm&) = default;
