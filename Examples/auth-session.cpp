@@ -1,9 +1,9 @@
-// Completes one sign-in in a window of its own.
+// Completes one sign-in in its own window.
 //
 //   auth-session AUTHORIZE-URL [INITIATOR-ORIGIN]
 //
-// Prints the result as one line of JSON. If the sign-in fails, prints the error's code and message to
-// standard error and exits with status 1. The session logs its steps to standard error, too.
+// Prints the result as one line of JSON. If the sign-in fails, prints the error code and message to standard
+// error and exits with status 1. The session also logs its steps to standard error.
 
 #include "KeyloftCore/AuthSession.h"
 #include "KeyloftCore/AuthorizeRequest.h"
@@ -42,7 +42,8 @@ AuthorizeRequest requestFor(const std::string& text) {
     return {*url, RelayTarget::mintNonce()};
 }
 
-/// On macOS the key that pastes a password needs an Edit menu, and the first menu is the application menu.
+/// On macOS, pasting a password with the keyboard requires an Edit menu, and the first menu becomes the
+/// application menu.
 std::shared_ptr<Platform::Menu> makeMainMenu() {
     using Platform::Menu;
     using Platform::MenuItem;

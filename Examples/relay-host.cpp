@@ -2,8 +2,8 @@
 //
 //   relay-host [AUTHORIZE-URL]
 //
-// Listens on the first relay path whose directory can be created, prints the relay URL for a browser to open,
-// and exits when a peer (see relay-peer) has relayed a result that belongs to the request.
+// Listens on the first relay path that works, prints the relay URL to open in a browser, and exits when a
+// peer (see relay-peer) has relayed a result that belongs to the request.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/HostError.h"
@@ -45,7 +45,7 @@ std::optional<AuthorizeRequest> requestFor(const std::string& text) {
     }
 }
 
-/// Listens on the first candidate that works. Prints why those before it do not.
+/// Listens on the first candidate that works. Prints an error for each candidate that fails before it.
 bool listenSomewhere(RelayListener& listener, const RelayListener::OnFrame& onFrame) {
     for (const auto& path : RelaySocketPaths::candidates()) {
         try {
@@ -76,7 +76,7 @@ int main(int argc, char** argv) {
     std::promise<AuthResult> accepted;
     bool isAccepted = false; // accessed on the listener's queue only
     const auto onFrame = [&](const std::string& message, const RelayListener::Reply& sendReply) {
-        // The request has its result. A peer that asks later gets no reply.
+        // The request already has a result. Do not reply to later messages.
         if (isAccepted) {
             return;
         }

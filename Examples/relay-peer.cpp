@@ -1,10 +1,10 @@
-// Relays the result of a sign-in to the program that waits for it.
+// Relays the result of a sign-in to the program that is waiting for it.
 //
 //   relay-peer RELAY-URL [NAME=VALUE]...
 //
 // Reads the relay target from the fragment of the URL and asks the waiting host (see relay-host) to confirm
-// it. If the host does, relays the given parameters, by default "code=example", and the state of the target
-// unless it is among the parameters.
+// it. If the host confirms it, relays the given parameters, or "code=example" if there are none. Adds the
+// state of the target, unless a parameter sets the state.
 
 #include "KeyloftCore/RelaySocketClient.h"
 #include "KeyloftCore/RelaySocketError.h"
@@ -32,7 +32,7 @@ std::optional<RelayTarget> targetOf(const std::string& text) {
     return fragment ? RelayTarget::fromFragment(*fragment) : std::nullopt;
 }
 
-/// Connects to the first candidate that accepts.
+/// Connects to the first candidate that accepts. Prints an error for each candidate that fails before it.
 std::optional<RelaySocketClient> connectSomewhere() {
     for (const auto& path : RelaySocketPaths::candidates()) {
         try {
@@ -44,7 +44,7 @@ std::optional<RelaySocketClient> connectSomewhere() {
     return std::nullopt;
 }
 
-/// Sends one message on a new connection. Returns the reply, or nothing if there is no valid one.
+/// Sends one message on a new connection. Returns the reply, or nothing if no valid reply is received.
 std::optional<JSONValue> exchange(const JSONValue& message) {
     const auto client = connectSomewhere();
     if (!client) {
