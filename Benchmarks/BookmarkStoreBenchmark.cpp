@@ -29,7 +29,7 @@ URL url(const std::string& text) {
     return *parsed;
 }
 
-/// A temporary bookmarks file that exists as long as the object.
+/// A temporary bookmarks file that is deleted when this object is destroyed.
 class BookmarksFile {
 public:
     explicit BookmarksFile(std::int64_t count) {
@@ -77,7 +77,7 @@ void load(benchmark::State& state) {
 }
 BENCHMARK(load)->Apply(sizes);
 
-/// The baseline of `load`: reads the bytes of the file without parsing them.
+/// The baseline for `load`: reads the file without parsing it.
 void loadFloor(benchmark::State& state) {
     const BookmarksFile file(state.range(0));
     while (state.KeepRunning()) {
@@ -98,7 +98,7 @@ void save(benchmark::State& state) {
 }
 BENCHMARK(save)->Apply(sizes)->UseRealTime();
 
-/// The baseline of `save`: writes the finished bytes atomically.
+/// The baseline for `save`: writes the encoded bookmarks atomically.
 void saveFloor(benchmark::State& state) {
     const BookmarksFile file(state.range(0));
     const std::string text = file.text();
@@ -118,7 +118,7 @@ void decode(benchmark::State& state) {
 }
 BENCHMARK(decode)->Apply(sizes);
 
-/// Parses the same text into JSON values, for comparison with `decode`.
+/// Parses the same JSON into generic values, for comparison with `decode`.
 void decodeAsValues(benchmark::State& state) {
     const std::string text = BookmarksFile(state.range(0)).text();
     while (state.KeepRunning()) {

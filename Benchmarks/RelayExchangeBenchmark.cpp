@@ -1,20 +1,24 @@
-// Compares a whole exchange through the relay (connect, request, reply, close) with the same bytes in plain
-// system calls.
+// Compares a complete exchange through the relay (connect, request, reply, close) with an exchange of the
+// same bytes through plain system calls.
 //
-// There are three variants of the plain exchange. The first only sends the bytes. The second adds what the
-// relay guarantees: it checks the user of the peer and limits the time to write and to read a reply. The
-// third does this in a server that polls all its peers, as the relay's does, instead of serving one at a
-// time. Together they separate the costs of the guarantees, of serving several peers and of the library.
+// The plain exchange has three variants. "plain" only transfers the bytes. "plain, checked" also provides the
+// guarantees of the relay: it checks the user of the peer, and limits the time for writing and reading a
+// reply. "plain, checked, polled" does the same with a server that polls all its peers, as the relay does,
+// instead of serving one peer at a time. The differences between the variants show the cost of the
+// guarantees, of serving several peers, and of the library. "relay" sends a fixed reply; "relay, message
+// judged" also computes the reply with RelayProtocol.
 //
-// The target of "relay" is a median of at most 1.25 times that of "plain", and at least 0.85 times as many
+// Targets for "relay" relative to "plain": a median of at most 1.25 times, and at least 0.85 times as many
 // exchanges per second.
 //
-// The servers run in processes of their own. The clients, in this process, switch between them in short
-// blocks and start each round with another server, so that other load on the machine affects all alike.
-// Prints medians, 99th percentiles, exchanges per second and their ratios.
+// Each server runs in a separate process. The clients run in this process. They switch between the servers
+// after short blocks of exchanges and begin each round with a different server, so that other load on the
+// machine affects all servers equally. Prints medians, 99th percentiles, exchanges per second and the ratios
+// to "plain".
 //
-// All clients are pinned to one processor and all servers to another, because the scheduler's choice of a
-// processor can outweigh everything else. With one processor (taskset -c 0) they share it.
+// All clients are pinned to one CPU and all servers to another, because the scheduler's choice of CPU can
+// affect the results more than anything else. If only one CPU is available (taskset -c 0), clients and
+// servers share it.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -132,7 +136,7 @@ void stayOn(int processor) {
     require(sched_setaffinity(0, sizeof set, &set) == 0, "sched_setaffinity");
 }
 
-/// The processors that this process may use.
+/// Returns the CPUs on which this process may run.
 std::vector<int> processors() {
     cpu_set_t set;
     require(sched_getaffinity(0, sizeof set, &set) == 0, "sched_getaffinity");
@@ -145,8 +149,8 @@ std::vector<int> processors() {
     return result;
 }
 
-/// Runs `serve` in a child process on one processor. The constructor waits until `serve` calls `ready`, and
-/// the destructor kills the process.
+/// Runs `serve` in a child process that is pinned to one CPU. The constructor returns after `serve` has
+/// called `ready`. The destructor kills the process.
 class ServerProcess {
 public:
     ServerProcess(int processor, const std::function<void(const std::function<void()>& ready)>& serve) {
@@ -172,7 +176,7 @@ public:
         waitpid(process_, nullptr, 0);
     }
 
-    /// The processor time that the threads of the process have used.
+    /// Returns the CPU time used by all threads of the process.
     double processorMicroseconds() const {
         double total = 0;
         const auto tasks = "/proc/" + std::to_string(process_) + "/task";
@@ -189,7 +193,7 @@ private:
     pid_t process_ = -1;
 };
 
-/// Checks and limits that the plain exchange adds to sending the bytes.
+/// The checks and time limits that a plain exchange uses.
 enum class Checks {
     none,
     sameAsRelay,
@@ -211,7 +215,7 @@ int listeningSocket(const std::string& path) {
     require(listening >= 0, "socket");
     const auto address = addressOf(path);
     require(bind(listening, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "bind");
-    // The backlog of the relay, because a different one would change the work.
+    // Same backlog as the relay. A different backlog would change the work that is measured.
     require(listen(listening, 4) == 0, "listen");
     return listening;
 }
@@ -220,7 +224,7 @@ int listeningSocket(const std::string& path) {
                             Checks checks, const std::function<void()>& ready) {
     const int listening = listeningSocket(path);
     ready();
-    // Serve on a second thread, as the relay does.
+    // Use a second thread, as the relay does.
     std::thread([&] {
         std::string buffer(request.size(), '\0');
         for (;;) {
@@ -241,7 +245,7 @@ int listeningSocket(const std::string& path) {
     std::_Exit(1);
 }
 
-/// Like `serveBare` with `Checks::sameAsRelay`, but no peer makes another wait.
+/// Like `serveBare` with `Checks::sameAsRelay`, but no peer blocks another.
 [[noreturn]] void servePolled(const std::string& path, const std::string& request, const std::string& reply,
                               const std::function<void()>& ready) {
     const int listening = listeningSocket(path);
@@ -258,7 +262,7 @@ int listeningSocket(const std::string& path) {
                 if (polled[index].revents == 0) {
                     continue;
                 }
-                // The request is small and arrives in one piece.
+                // The request is small enough to arrive in a single read.
                 const int connection = polled[index].fd;
                 if (read(connection, buffer.data(), buffer.size()) == std::ssize(buffer)) {
                     writeFully(connection, reply);

@@ -1,4 +1,5 @@
-// Compares the decoding of frames with memcpy of the same bytes, and measures the other steps of an exchange.
+// Compares the decoding of frames with a memcpy of the same bytes, and measures the other steps of a relay
+// exchange.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/FrameDecoder.h"
@@ -47,7 +48,7 @@ void inChunks(std::string_view stream, const Take& take) {
     }
 }
 
-/// The baseline of `decoding`: copies each chunk into a payload-sized buffer once.
+/// The baseline for `decoding`: copies each chunk once, into a buffer that is larger than a payload.
 void copying(benchmark::State& state) {
     const auto payloadSize = static_cast<std::size_t>(state.range(0));
     const auto stream = streamOf(payloadSize);
@@ -77,7 +78,7 @@ void decoding(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(stream.size()));
 }
 
-/// Decodes all frames from one chunk. The time per byte must not depend on the number of frames.
+/// Decodes many frames from one chunk. The time per byte must not depend on the number of frames.
 void decodingManyFramesInOneChunk(benchmark::State& state) {
     const auto frame = NativeMessageFrame::encode(std::string(64, 'x'));
     std::string chunk;
@@ -92,7 +93,8 @@ void decodingManyFramesInOneChunk(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(chunk.size()));
 }
 
-/// Decodes one frame from pieces of a given size. The time per byte must not depend on the number of pieces.
+/// Decodes one frame from pieces of the given size. The time per byte must not depend on the number of
+/// pieces.
 void decodingOneFrameInPieces(benchmark::State& state) {
     const auto frame = NativeMessageFrame::encode(std::string(NativeMessageFrame::maxLength, 'x'));
     const auto piece = static_cast<std::size_t>(state.range(0));

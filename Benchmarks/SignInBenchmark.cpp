@@ -1,10 +1,10 @@
-// Measures the time from the start of a sign-in until the provider's page is on the screen, and compares it
-// with a bare web view that loads the same page.
+// Measures the time from the start of a sign-in until the provider's page is displayed, and compares it with
+// the time that a bare web view takes to display the same page.
 //
-// Both take turns in one process, over TLS, in a private network in which this machine is the provider. Each
-// run has its own data store and web process. The comparison is made twice: loading the authorize URL
-// directly, and from the page of an initiator. The page counts as on the screen when its second animation
-// frame begins. Prints medians, quartiles and the ratio of the medians.
+// Sessions and bare web views alternate in one process. They load the page over TLS in a private network in
+// which this machine is the provider. Each run has its own data store and web process. The comparison is made
+// twice: the authorize URL is loaded directly, and from an initiator's page. The page counts as displayed
+// when its second animation frame begins. Prints medians, quartiles and the ratio of the medians.
 
 #include "KeyloftCore/AuthSession.h"
 #include "KeyloftCore/RedirectCapture.h"
@@ -63,7 +63,7 @@ AuthorizeRequest authorizeRequest() {
     return {TestSupport::present(Platform::URL::fromString(authorizeURL)), "ABCDEFGHIJKLMNOPQRST-_"};
 }
 
-/// A provider that records when its page is on the screen.
+/// A provider that records when its page is displayed.
 class Provider {
 public:
     Provider()
@@ -76,7 +76,7 @@ public:
         });
     }
 
-    /// Returns the milliseconds from the call of `open` until the page is on the screen.
+    /// Calls `open` and returns the time until the page is displayed, in milliseconds.
     double measure(const std::function<void()>& open) {
         const auto begun = Clock::now();
         open();
@@ -87,10 +87,10 @@ public:
 private:
     TestSupport::HTTPServer server_;
     TestSupport::TLSServer tls_;
-    Clock::time_point shown_; // written before the request to stop the loop, read afterwards
+    Clock::time_point shown_; // written before the loop is asked to stop, read after it has stopped
 };
 
-/// Lets the web engine finish the work of the previous measurement.
+/// Waits so that the web engine can finish the work of the previous measurement.
 void rest() {
     const auto timer = Platform::Timer::scheduled(pause, false, [] { RunLoop::main().stop(); });
     RunLoop::main().run();

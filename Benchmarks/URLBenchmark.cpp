@@ -14,7 +14,7 @@ void parse(benchmark::State& state, const std::string& text) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-/// The baseline of `parse`: copies the text.
+/// The baseline for `parse`: copies the string.
 void copy(benchmark::State& state, const std::string& text) {
     while (state.KeepRunning()) {
         std::string held = text;

@@ -18,8 +18,8 @@
 #include <string>
 #include <vector>
 
-// Measures how long actions of the user keep the main loop from handling input. Prints the times without
-// checking them, because they can be arbitrarily long on a loaded machine.
+// Measures how long user actions prevent the main loop from handling input. Prints the times without checking
+// them, because they can be arbitrarily long on a loaded machine.
 
 namespace {
 
@@ -32,7 +32,8 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr std::size_t repetitions = 15;
 
-/// The processor time of the main thread. Unlike elapsed time, it excludes waits for the processor.
+/// Returns the CPU time used by the main thread. Unlike the elapsed time, it excludes the time that the
+/// thread waits for a CPU.
 Milliseconds workedSoFar() {
     timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
@@ -44,8 +45,8 @@ struct Turn {
     Milliseconds worked{0};
 };
 
-/// Returns the longest time for which the main loop does not look for input, during `action` and the work
-/// that follows from it.
+/// Calls `action` and runs the main loop until the effects of the action have settled. Returns the longest
+/// time during which the main loop did not check for input.
 Turn longestTurn(const std::function<void()>& action) {
     constexpr auto settling = std::chrono::milliseconds(400);
     const auto begun = std::chrono::steady_clock::now();
@@ -80,7 +81,7 @@ double medianOf(const std::vector<Turn>& turns, Milliseconds Turn::* time, doubl
     return times[times.size() / 2];
 }
 
-/// Prints the medians and maxima of several measurements. Returns the median of the time worked.
+/// Prints the medians and maxima of several measurements. Returns the median CPU time.
 double report(const char* what, const std::vector<Turn>& turns) {
     double greatestElapsed = 0;
     double greatestWorked = 0;
@@ -91,8 +92,8 @@ double report(const char* what, const std::vector<Turn>& turns) {
     return worked;
 }
 
-/// The browser with the given numbers of bookmarks and of tabs in one window. The last tab is selected and
-/// shows a page.
+/// A browser window with the given numbers of bookmarks and tabs. The last tab is selected and displays a
+/// page.
 class Browser {
 public:
     Browser(int bookmarkCount, int tabCount) {
