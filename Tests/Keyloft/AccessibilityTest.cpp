@@ -11,10 +11,11 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// The names and roles that assistive technologies read, and the use of the windows without a pointer.
+/// Tests the names and roles that assistive technologies read, and the operation of the windows with the
+/// keyboard alone.
 class AccessibilityTest : public AppDelegateTest {
 protected:
-    /// Succeeds if exactly one object has the name, and if that object has the role.
+    /// Succeeds if exactly one accessible object has the name and that object has the role.
     static testing::AssertionResult isNamed(const std::string& name, const std::string& role) {
         const auto named = accessibleObjects(name);
         const bool isSo = named.size() == 1 && named[0].role == role;
@@ -109,7 +110,7 @@ TEST_F(AccessibilityTest, tabAndShiftTabReachEveryControl) {
         pressKey("Tab");
         ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
     }
-    // The first Shift+Tab is pressed in the page, which has no element that can take the focus.
+    // The first Shift+Tab is pressed while the page has the focus. The page has no focusable elements.
     for (std::size_t i = order.size() - 1; i-- > 0;) {
         pressKey("shift+Tab");
         ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
@@ -137,7 +138,7 @@ TEST_F(AccessibilityTest, theMenuBarIsUsedByKeysAlone) {
     pressKey("Right");
     pressKey("Return");
     ASSERT_TRUE(runUntil([&] { return controllers().size() == 2; }));
-    // The item below it is "Open Location".
+    // The second item of the second menu is "Open Location".
     TestSupport::activate(*controllers()[1]->window());
     controllers()[1]->window()->makeFirstResponder(controllers()[1]->searchField());
     pressKey("F10");

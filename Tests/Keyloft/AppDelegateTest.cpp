@@ -101,7 +101,7 @@ TEST_F(AppDelegateTest, reopeningOpensABlankTabOnlyWithoutAVisibleWindow) {
     const auto first = launch();
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(true));
     EXPECT_EQ(controllers().size(), 1U);
-    // The tab gets a new window, although there is another.
+    // The tab opens in a new window even though another window is open.
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
     ASSERT_EQ(controllers().size(), 2U);
     EXPECT_TRUE(controllers()[1]->isEmptyTab());
@@ -130,7 +130,7 @@ TEST_F(AppDelegateTest, everyTabSharesTheOneStore) {
     EXPECT_EQ(bookmarkButtons(*first).size(), 1U);
 }
 
-// Handed-over URLs
+// Opening URLs
 
 TEST_F(AppDelegateTest, theFirstURLFillsTheBlankTabAndTheSecondOpensOneBesideIt) {
     const auto blank = launch();
@@ -208,7 +208,7 @@ TEST_F(AppDelegateTest, otherSchemesOpenNothing) {
     TestSupport::runPending();
     EXPECT_EQ(server.count("/upper"), 0U);
 
-    // They do not prevent the URLs after them from being opened.
+    // An ignored URL does not prevent the URLs that follow it from being opened.
     openURLs({"mailto:someone@example.org", server.url("/handed")});
     EXPECT_TRUE(waitForTitle(blank, server.url("/handed")));
     EXPECT_EQ(controllers().size(), 1U);

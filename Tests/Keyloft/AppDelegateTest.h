@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-/// The application's delegate and its menu bar before launching has finished. The list of bookmarks is empty.
+/// Fixture with an `AppDelegate` and its main menu, before the application has finished launching. The list
+/// of bookmarks is empty.
 class AppDelegateTest : public BrowserTest {
 public:
     AppDelegateTest(const AppDelegateTest&) = delete;
@@ -17,7 +18,7 @@ public:
 protected:
     AppDelegateTest();
 
-    /// Launches without URLs and returns the blank tab.
+    /// Finishes launching without URLs and returns the blank tab.
     Tab launch();
     /// Opens a page with the title `path` in a tab next to `beside`, or in a new window if `beside` is null.
     /// Waits until the page is loaded.

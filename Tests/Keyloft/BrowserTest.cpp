@@ -55,7 +55,7 @@ HTTPResponse BrowserTest::heldResponse() {
 
 HTTPResponse BrowserTest::unfinishedPage(const std::string& title) {
     auto response = HTTPResponse::page(title);
-    // Enough data for WebKitGTK to begin to show the page.
+    // Pad the body, so that WebKitGTK starts to show the page before the response is complete.
     response.body += std::string(4096, ' ');
     response.ending = HTTPResponse::Ending::unfinished;
     return response;

@@ -18,7 +18,8 @@
 
 namespace BrowserAction = Keyloft::BrowserAction;
 
-/// Tabs, opened as the application opens them, with a bookmark store and a web server of the test's own.
+/// Fixture that opens tabs in the same way as the application. Each test has its own bookmark store and web
+/// server.
 class BrowserTest : public testing::Test {
 public:
     BrowserTest(const BrowserTest&) = delete;
@@ -32,14 +33,15 @@ protected:
 
     BrowserTest();
 
-    /// Opens a tab next to `beside`, or in a new window if `beside` is null, and shows it. The tab is in
-    /// `tabs` until its window closes. Tabs that it requests open next to it.
+    /// Opens a tab next to `beside`, or in a new window if `beside` is null, and shows it. The tab stays in
+    /// `tabs` until its window closes. New tabs that it requests open next to it.
     Tab openTab(const Tab& beside = nullptr, const Configuration& configuration = nullptr);
 
-    /// Replaces `store` with one that has these bookmarks. Call it before the first tab is opened.
+    /// Replaces `store` with a store that contains `bookmarks`. Must be called before the first tab is
+    /// opened.
     void setBookmarks(const std::vector<KeyloftBrowserKit::Bookmark>& bookmarks);
 
-    /// A response that the server holds back until `HTTPServer::release`.
+    /// A response that the server does not send until `HTTPServer::release` is called.
     static TestSupport::HTTPResponse heldResponse();
     /// A page that is shown but never finishes loading.
     static TestSupport::HTTPResponse unfinishedPage(const std::string& title);
@@ -49,23 +51,23 @@ protected:
 
     /// Loads a page with the title `path` from the server and waits until it is loaded.
     [[nodiscard]] bool loadPage(const Tab& tab, const std::string& path);
-    /// Requests `path` from the server and waits until the load ends.
+    /// Loads `path` from the server and waits until the load finishes or fails.
     [[nodiscard]] bool loadPath(const Tab& tab, const std::string& path);
-    /// Waits until the page has the title and is loaded.
+    /// Waits until the page is loaded and has the title `title`.
     [[nodiscard]] static bool waitForTitle(const Tab& tab, const std::string& title);
     [[nodiscard]] static bool waitForSheet(const Tab& tab);
 
-    /// Performs the action with a menu item as its sender.
+    /// Performs the action with a menu item as the sender.
     static void performFromMenu(Controller& tab, Platform::Action action);
     /// Returns true if the tab enables a menu item with the action.
     static bool isEnabled(Controller& tab, Platform::Action action);
 
-    /// The buttons of the bookmarks bar, without its spacer.
+    /// The buttons in the bookmarks bar, excluding the spacer.
     static std::vector<std::shared_ptr<Platform::Button>> bookmarkButtons(const Controller& tab);
 
     TestSupport::HTTPServer server;
     TestSupport::TemporaryDirectory directory;
     std::shared_ptr<KeyloftBrowserKit::BookmarkStore> store;
-    /// The open tabs in the order of their opening. Keeps them alive.
+    /// Strong references to the open tabs, in the order in which they were opened.
     std::vector<Tab> tabs;
 };

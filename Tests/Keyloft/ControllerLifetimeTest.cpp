@@ -39,7 +39,7 @@ protected:
         std::vector<std::weak_ptr<View>> views;
     };
 
-    /// Opens a tab and expects that `close` destroys all of its objects and that `onClose` is called once.
+    /// Opens a tab and expects `close` to destroy all of its objects and to call `onClose` once.
     void expectEndBy(const std::function<void(Controller&)>& close) {
         auto tab = openTab();
         const auto erase = tab->onClose;
@@ -128,7 +128,8 @@ TEST_F(ControllerLifetimeTest, aTabEndsWhileItsPageMoves) {
                           "<title>moving</title><script>let n = 0; function step() { document.body.style"
                           ".background = ++n % 2 ? 'red' : 'blue'; requestAnimationFrame(step) }"
                           "onload = step</script>"));
-    // Messages about painted frames may be in transit when the tab closes, so repeat the test.
+    // A message about a painted frame may be in transit when the tab closes. Repeat the test to make that
+    // likely.
     for (int i = 0; i < 5; ++i) {
         expectEndBy([&](Controller& tab) {
             tab.load(serverURL("/"));
@@ -141,7 +142,7 @@ TEST_F(ControllerLifetimeTest, aTabEndsWhileItsPageMoves) {
 }
 
 TEST_F(ControllerLifetimeTest, aClosedTabNoLongerFollowsPageAndBookmarks) {
-    // The window is not shown, so that the page can still load after the window has closed.
+    // Do not show the window, so that the page can still load after the window is closed.
     const Tab tab = Controller::create(store, nullptr);
     ASSERT_TRUE(loadPage(tab, "/page"));
     ASSERT_EQ(tab->window()->title(), "/page");

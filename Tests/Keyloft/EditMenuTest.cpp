@@ -24,10 +24,11 @@ void PrintTo(Place place, std::ostream* stream) {
     }
 }
 
-/// The items of the Edit menu, chosen with the mouse while text is edited.
+/// Chooses items of the Edit menu with the mouse while text is being edited in a text field or in a page,
+/// depending on the parameter.
 class EditMenuTest : public AppDelegateTest, public testing::WithParamInterface<Place> {
 protected:
-    /// Types this text into the parameter's field and leaves the focus there.
+    /// Types `text` in the place that the parameter selects and leaves the focus there.
     void edit(const std::string& text) {
         server.route("/",
                      HTTPResponse::html("<title>ready</title><input><script>"

@@ -10,7 +10,7 @@ using TestSupport::typeText;
 
 namespace {
 
-/// Edits of the address field with real keys and clicks, under a window manager.
+/// Edits the address field with real key presses and clicks, under a window manager.
 class AddressEditingTest : public BrowserTest {
 protected:
     Tab openActiveTab(const Tab& beside = nullptr) {
@@ -19,7 +19,8 @@ protected:
         return tab;
     }
 
-    /// Replaces the text of the address field by typing. Returns false if the field does not get the text.
+    /// Replaces the contents of the address field by typing `text`. Returns false if the field does not
+    /// receive `text` in time.
     [[nodiscard]] static bool typeAddress(const Tab& tab, const std::string& text) {
         tab->focusAddressBar();
         if (!runUntil([&] { return hasFocus(*tab->addressField()); })) {
@@ -68,7 +69,7 @@ TEST_F(AddressEditingTest, typedTextOutlivesARedirectAndTabRestoresTheAddress) {
     EXPECT_EQ(tab->webView()->url(), serverURL("/to"));
     EXPECT_EQ(tab->addressField()->stringValue(), "half typed");
     EXPECT_EQ(shownText(*tab->addressField()), "half typed");
-    // The title still follows the page.
+    // The window title is still updated when the page changes.
     EXPECT_EQ(tab->window()->title(), "to");
 
     pressKey("Tab");
@@ -135,7 +136,8 @@ TEST_F(AddressEditingTest, returnOnBlankTextEndsTheEditAndNothingElse) {
     EXPECT_EQ(tab->addressField()->stringValue(), "  ");
     EXPECT_FALSE(tab->webView()->isLoading());
     EXPECT_EQ(server.count("/page"), 1U);
-    // Leaving the field restores the page's address, although nothing was typed after Return.
+    // When the field loses the focus, the page's address is restored, even though nothing was typed after
+    // Return.
     pressKey("Tab");
     EXPECT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/page"); }));
 }
@@ -147,7 +149,7 @@ TEST_F(AddressEditingTest, returnInTheSearchFieldSearches) {
     ASSERT_TRUE(runUntil([&] { return hasFocus(*tab->searchField()); }));
     typeText("a b");
     ASSERT_TRUE(runUntil([&] { return tab->searchField()->stringValue() == "a b"; }));
-    // Typing sends nothing and does not begin an edit of the address field.
+    // Typing in the search field does not start a load or an edit of the address field.
     EXPECT_TRUE(tab->isEmptyTab());
     EXPECT_FALSE(tab->isEditingAddress());
     std::vector<URL> visited;

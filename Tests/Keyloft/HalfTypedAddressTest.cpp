@@ -8,8 +8,8 @@ using TestSupport::typeText;
 
 namespace {
 
-/// A half-typed address that the user leaves and returns to, with real keys and clicks. The insertion point
-/// is inside the text.
+/// Tests that the user can continue to type an address after leaving the field and returning to it, with real
+/// key presses and clicks. The insertion point is inside the text.
 class HalfTypedAddressTest : public AppDelegateTest {
 protected:
     HalfTypedAddressTest()
@@ -23,7 +23,7 @@ protected:
 
     bool shows(const std::string& text) const { return tab->addressField()->stringValue() == text; }
 
-    /// Opens a second tab, which comes to the front.
+    /// Opens a second tab with Ctrl+T and waits until its address field has the focus.
     Tab openSecondTab() {
         pressKey("ctrl+t");
         EXPECT_TRUE(runUntil([&] { return controllers().size() == 2; }));
@@ -39,7 +39,7 @@ protected:
         });
     }
 
-    /// Types a character and expects it at the insertion point, replacing nothing.
+    /// Types a character and expects it to be inserted at the insertion point without replacing any text.
     void expectToTypeOn(const std::string& character) {
         ASSERT_TRUE(waitUntilBack());
         EXPECT_TRUE(tab->isEditingAddress());
@@ -117,7 +117,8 @@ TEST_F(HalfTypedAddressTest, isTypedOnAfterEachMenuIsDismissedByMouse) {
         SCOPED_TRACE(title);
         const auto point = TestSupport::menuTitleOnScreen(*tab->window(), title);
         for (const auto& dismissal : {point, TestSupport::bareDesktop}) {
-            // GTK 4.8.3 sometimes ignores a click on a title soon after a menu closed (not reported).
+            // GTK 4.8.3 sometimes ignores a click on a menu title shortly after a menu has closed (not
+            // reported).
             for (int i = 0; i < 3 && !TestSupport::isMenuOpen(*tab->window(), title); ++i) {
                 clickAt(point);
                 static_cast<void>(runUntil([&] { return TestSupport::isMenuOpen(*tab->window(), title); },

@@ -14,7 +14,7 @@ using TestSupport::typeText;
 
 namespace {
 
-/// The view with the keyboard focus.
+/// The view that has the keyboard focus.
 enum class Focus { page, addressField, searchField };
 
 void PrintTo(Focus focus, std::ostream* stream) {
@@ -31,10 +31,10 @@ void PrintTo(Focus focus, std::ostream* stream) {
     }
 }
 
-/// Real keys, pressed with the focus in the page, in the address field and in the search field.
+/// Presses real keys while the page, the address field or the search field has the focus.
 class KeyEquivalentTest : public AppDelegateTest, public testing::WithParamInterface<Focus> {
 protected:
-    /// A page whose title consists of the characters of all keys that it received. Its text field has the
+    /// A page whose title shows the characters of all keys that the page has received. Its text field has the
     /// focus.
     static HTTPResponse listeningPage() {
         return HTTPResponse::html("<title>ready</title><input autofocus><script>let seen = ''\n"
@@ -96,7 +96,7 @@ TEST_P(KeyEquivalentTest, everyKeyDoesWhatItsItemSays) {
         std::function<void()> undo = nullptr;
     };
     const std::vector<Case> cases = {
-        // Before the Bookmarks menu was ever opened.
+        // The Bookmarks menu has not been opened yet.
         {"ctrl+d", [&] { return tab->isBookmarked(); }},
         {"ctrl+d", [&] { return !tab->isBookmarked(); }},
         {"ctrl+r", [&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); }},
@@ -200,7 +200,7 @@ TEST_P(KeyEquivalentTest, theEditingKeysEditWhatHasTheFocus) {
 
 namespace {
 
-/// Keys typed while the About panel has the keyboard focus.
+/// Presses keys while the About panel has the keyboard focus.
 class AboutPanelKeyTest : public AppDelegateTest {
 protected:
     static constexpr const char* panel = "About Keyloft";
@@ -248,7 +248,7 @@ TEST_F(AboutPanelKeyTest, closeThePanelBeforeTheTab) {
     EXPECT_EQ(controllers(), (std::vector<Tab>{tab, other}));
     pressKey("ctrl+w");
     EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{tab}; }));
-    // It can be opened again.
+    // The panel can be opened again.
     EXPECT_TRUE(openPanel());
 }
 
@@ -278,7 +278,7 @@ TEST_F(AboutPanelKeyTest, workAfterTheWindowThatThePanelWasOpenedFromHasClosed) 
 
 namespace {
 
-/// Division of the keys between the page and the application.
+/// Tests which keys the application handles and which keys the page receives.
 class PageKeyTest : public AppDelegateTest {};
 
 } // namespace

@@ -14,7 +14,8 @@ struct Layout {
     unsigned keycodeOfZ;
 };
 
-/// The main menu's key equivalents on keyboard layouts that have their characters on different keys.
+/// Tests the key equivalents of the main menu on keyboard layouts that have the same characters on different
+/// keys.
 class KeyboardLayoutTest : public AppDelegateTest, public testing::WithParamInterface<Layout> {
 protected:
     KeyboardLayoutTest()
@@ -35,7 +36,8 @@ protected:
         return items;
     }
 
-    /// Presses the key equivalent of the action's item and waits for its effect.
+    /// Presses the key equivalent of each menu item that has the action, and waits until `isDone` returns
+    /// true.
     void press(Action action, const std::function<bool()>& isDone) {
         for (const auto& item : itemsWithKeys()) {
             if (item->action() == action) {
@@ -102,7 +104,8 @@ TEST_P(KeyboardLayoutTest, everyKeyEquivalentCanBeTyped) {
     }
     press(StandardAction::performClose, [&] { return controllers().size() == 2; });
 
-    // The first would end the tests; the second is never enabled on Linux.
+    // These actions are not tested: `terminate` would terminate the test program, and `hideOtherApplications`
+    // is never enabled on Linux.
     pressed.insert({StandardAction::terminate, StandardAction::hideOtherApplications});
     for (const auto& item : itemsWithKeys()) {
         EXPECT_TRUE(pressed.contains(item->action().value_or(BrowserAction::newTab))) << item->title();

@@ -25,7 +25,7 @@ double right(const Rect& rect) { return rect.x + rect.width; }
 double bottom(const Rect& rect) { return rect.y + rect.height; }
 double middle(const Rect& rect) { return rect.y + (rect.height / 2); }
 
-/// Views begin at whole points, so the centres of two views in a row may differ by half a point.
+/// Views are positioned at whole points, so the centres of two views in a row may differ by half a point.
 constexpr double halfAPoint = 0.5;
 
 double greatestHeight(std::span<const Rect> rects) {
@@ -38,7 +38,7 @@ void expectRow(const Rect& row, double top, double width) {
     EXPECT_EQ(row.width, width);
 }
 
-/// Tabs in windows with the main menu, so that the content begins below a menu bar.
+/// Opens tabs in windows that have the main menu, so that the content is laid out below a menu bar.
 class LayoutTest : public BrowserTest {
 public:
     LayoutTest(const LayoutTest&) = delete;
@@ -92,8 +92,8 @@ void LayoutTest::expectToolbar(const Tab& tab, const Rect& row) {
     for (const std::size_t button : {1, 2, 4}) {
         EXPECT_EQ(bounds[button].width, bounds[0].width);
     }
-    // The address field takes the width that the other controls leave, whatever its text. The four buttons
-    // are at most 40 points wide.
+    // The address field fills the width that the other controls leave, regardless of its text. Each of the
+    // four buttons is at most 40 points wide.
     EXPECT_GT(bounds[3].width, row.width - 220 - (4 * 40) - (2 * 10) - (5 * 6) - 1);
 }
 
@@ -205,7 +205,7 @@ TEST_F(LayoutTest, manyBookmarksDoNotWidenTheWindow) {
     EXPECT_EQ(contentSizeOf(tab), usualSize);
     EXPECT_EQ(leastContentSize(*tab->window()), leastSize);
 
-    // All buttons are laid out at full width. Those that do not fit are clipped.
+    // Every button is laid out at its full width. Buttons that do not fit are clipped.
     const auto buttons = bookmarkButtons(*tab);
     ASSERT_EQ(buttons.size(), 300U);
     double position = 8;
@@ -233,7 +233,8 @@ TEST_F(LayoutTest, aLongPageTitleDoesNotWidenTheWindow) {
     const auto first = openTab();
     const auto tab = openTab(first);
     const Size before = nativeWindowSize(*tab->window());
-    // WebKitGTK reports a title while it still loads and may truncate it, so wait for a part of it.
+    // WebKitGTK reports the title while it is still being loaded and may truncate it, so wait only for the
+    // beginning of the title.
     server.route("/", HTTPResponse::page(std::string(10000, 'm')));
     tab->load(serverURL("/"));
     const std::string wide(300, 'm');
@@ -263,7 +264,7 @@ TEST_F(LayoutTest, theFillCoversItsShareOfTheProgressLine) {
     EXPECT_EQ(widthAt(1), 1100);
     EXPECT_EQ(widthAt(0.5), 550);
     EXPECT_EQ(widthAt(0), 0);
-    // The value is not clamped, although the line cannot show more than its own width.
+    // The progress is not clamped, although the progress line cannot show more than its own width.
     EXPECT_EQ(widthAt(1.5), 1650);
     EXPECT_EQ(boundsInContent(bar).width, usualSize.width);
 

@@ -103,12 +103,12 @@ TEST_F(LoadErrorSheetTest, aHostThatIsNotFoundShowsItAndTheTabStaysUsable) {
     ASSERT_EQ(shown.texts.size(), 2U);
     EXPECT_EQ(shown.texts[0], "Keyloft can't open the page");
     EXPECT_TRUE(shown.texts[1].ends_with("\nhttp://no-such-host.invalid/path")) << shown.texts[1];
-    // A sentence and the address, each on its own line.
+    // The message and the address are on separate lines.
     EXPECT_GT(shown.texts[1].find('\n'), 0U);
     EXPECT_EQ(shown.texts[1].find('\n'), shown.texts[1].rfind('\n'));
     EXPECT_EQ(shown.buttons, std::vector<std::string>{"OK"});
 
-    // The previous page stays.
+    // The previous page is still shown.
     EXPECT_EQ(tab->window()->title(), "/shown");
     EXPECT_EQ(tab->addressField()->stringValue(), server.url("/shown"));
     EXPECT_FALSE(tab->progressBar()->isActive());

@@ -24,8 +24,8 @@ const std::string rightToLeft = repeated("שלום ", 2000);
 const std::string emoji = repeated("👩‍👩‍👧‍👦🎉", 1000);
 const std::string markup = "<b>bold</b> & &amp;";
 
-/// Titles that are too long, are written from right to left, or contain characters that GTK takes for
-/// mnemonics or markup.
+/// Tests titles that are very long, are written from right to left, or contain characters that GTK could
+/// interpret as mnemonics or markup.
 class LongTextTest : public AppDelegateTest {
 protected:
     void addBookmarks() {
@@ -45,12 +45,12 @@ TEST_F(LongTextTest, aMenuIsAtMostHalfAsWideAsTheScreen) {
     const auto tab = launch();
     const auto menu = openedMenu(*tab->window(), "Bookmarks");
     EXPECT_LE(menu.width, TestSupport::screenSize().width / 2);
-    // The items have the exact titles, which are truncated only when drawn.
+    // The menu items have the full titles. A long title is truncated only when it is drawn.
     ASSERT_EQ(menu.titles.size(), 1 + titles.size());
     EXPECT_EQ(menu.titles[0], "Add Bookmark");
     EXPECT_TRUE(std::equal(titles.begin(), titles.end(), menu.titles.begin() + 1));
     EXPECT_EQ(menu.isCut, (std::vector<bool>{false, false, true, true, true, false}));
-    // The menu model has the full titles.
+    // The items of the `Menu` object also have the full titles.
     for (std::size_t i = 0; i < titles.size(); ++i) {
         EXPECT_EQ(delegate->bookmarksMenu()->items().at(i + 2)->title(), titles[i]);
     }

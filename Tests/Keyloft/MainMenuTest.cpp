@@ -240,7 +240,7 @@ TEST_F(MainMenuTest, itsKeysDoWhatItsItemsSayWhereverTheFocusIs) {
             EXPECT_TRUE(runUntil([&] { return !TestSupport::isActive(*first->window()); })) << key;
             TestSupport::activate(*first->window());
         }
-        // The keys of disabled items do nothing and are not typed into the field.
+        // The key equivalents of disabled items have no effect and do not insert characters into the field.
         const auto text = first->addressField()->stringValue();
         press(first, "ctrl+alt+h");
         press(first, "ctrl+period");

@@ -13,10 +13,11 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// More tabs than there may be web processes.
+/// Opens more tabs than the maximum number of web processes.
 class ManyTabsTest : public AppDelegateTest {
 protected:
-    /// Opens `count` tabs of one window at once, each with a page of its own, and returns the URLs.
+    /// Opens `count` tabs in one window without waiting for their pages to load. Each tab has a different
+    /// page. Returns the URLs of the pages.
     std::vector<std::string> openTabs(int count) {
         std::vector<std::string> urls;
         for (int i = 0; i < count; ++i) {

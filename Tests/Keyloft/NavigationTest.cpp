@@ -50,7 +50,7 @@ TEST_F(NavigationTest, wordsInEitherFieldAreSearchedFor) {
     tab->webView()->stopLoading();
 
     const auto other = openTab();
-    // Text that looks like an address is searched for as well.
+    // The search field treats even text that looks like an address as a search.
     other->searchField()->setStringValue("example.org");
     other->searchField()->sendAction();
     EXPECT_EQ(other->webView()->url(), url("https://duckduckgo.com/?q=example.org"));
@@ -144,7 +144,7 @@ TEST_F(NavigationTest, stopStopsAnAnswerThatHasNotCome) {
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
     performFromMenu(*tab, BrowserAction::stopLoading);
     ASSERT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
-    // The previous page stays.
+    // The previous page is still shown.
     ASSERT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/shown"); }));
     EXPECT_EQ(tab->window()->title(), "/shown");
     EXPECT_FALSE(TestSupport::shownSheet(*tab->window()));

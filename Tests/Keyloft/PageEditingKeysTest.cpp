@@ -8,12 +8,12 @@ using TestSupport::typeText;
 
 namespace {
 
-/// Editing keys while the page has the focus. The Edit menu has the same keys, so each edit must happen only
-/// once.
+/// Presses editing keys while the page has the focus. Items of the Edit menu have the same key equivalents,
+/// but each key press must perform only one edit.
 class PageEditingKeysTest : public AppDelegateTest {
 protected:
-    /// Opens a page with a text area that has the focus. The page's title is the text of the area, followed
-    /// by the types of its input events in order.
+    /// Opens a page with a text area that has the focus. The page's title is the contents of the text area,
+    /// followed by the types of its input events in order.
     void openEditor(const std::string& script = "") {
         server.route("/editor",
                      HTTPResponse::html("<title>editor</title><textarea id=area></textarea><script>"
@@ -29,7 +29,7 @@ protected:
         ASSERT_TRUE(runUntil([&] { return TestSupport::hasFocus(*tab->webView()); }));
     }
 
-    /// Types a character and waits for the title that it leads to. The title also lists the edits before it.
+    /// Types a character and waits until the page has the title `title`, which also lists all earlier edits.
     [[nodiscard]] bool typeCharacter(const std::string& text, const std::string& title) {
         typeText(text);
         return waitForTitle(tab, title);

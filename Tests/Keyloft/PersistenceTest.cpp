@@ -18,7 +18,7 @@ using TestSupport::eventually;
 using TestSupport::HTTPResponse;
 using TestSupport::Program;
 
-/// The real program, run several times by the same user.
+/// Runs the real program several times as the same user.
 class PersistenceTest : public testing::Test {
 public:
     PersistenceTest(const PersistenceTest&) = delete;
@@ -28,8 +28,8 @@ public:
 protected:
     PersistenceTest() { TestSupport::startWindowManager(); }
 
-    /// Adds a page that runs `script` and then sends the value of the expression `report` to the server.
-    /// `cookie` is its Set-Cookie header, if not empty.
+    /// Adds a page that runs `script` and then sends the value of the expression `report` to the server. If
+    /// `cookie` is not empty, it is the value of the Set-Cookie header.
     void route(const std::string& path, const std::string& script, const std::string& report,
                const std::string& cookie = "") {
         auto response =
@@ -41,8 +41,8 @@ protected:
         server.route(path, response);
     }
 
-    /// Starts the program with the page, waits for the page's report, and quits the program with its key.
-    /// Returns the report, percent-encoded.
+    /// Starts the program with the URL of the page, waits for the page's report, and presses Ctrl+Q to quit
+    /// the program. Returns the report, percent-encoded.
     std::string run(const std::string& path) {
         Program program(KEYLOFT_PROGRAM, {server.url(path)});
         EXPECT_TRUE(eventually([&] { return server.count(path + "-report") == 1; })) << program.errors();

@@ -27,7 +27,7 @@ using TestSupport::HTTPResponse;
 using TestSupport::Program;
 using Lines = std::vector<std::string>;
 
-/// The real program, observed through its windows and its requests to a web server.
+/// Tests the real program by observing its windows and its requests to a web server.
 class ProgramTest : public testing::Test {
 public:
     ProgramTest(const ProgramTest&) = delete;
@@ -67,13 +67,13 @@ protected:
                                           const Program::Environment& environment = {}) {
         return std::make_unique<Program>(KEYLOFT_PROGRAM, arguments, environment);
     }
-    /// Starts the program again and expects that it exits with status 0.
+    /// Starts the program a second time and expects the new process to exit with status 0.
     static void startAgain(const Lines& arguments = {}) {
         const auto second = start(arguments);
         EXPECT_EQ(second->waitForExit(), 0) << second->errors();
     }
 
-    /// The titles of the windows that are on the screen.
+    /// The titles of the visible windows.
     static Lines windows() { return askXdotool("search --onlyvisible --class keyloft getwindowname %@"); }
     [[nodiscard]] static bool waitForWindows(const Lines& titles) {
         const bool came = eventually([&] { return windows() == titles; });
@@ -88,7 +88,7 @@ protected:
     static void press(const std::string& key) { askXdotool("key " + key); }
     static void type(const std::string& text) { askXdotool("type --delay 2 '" + text + "'"); }
 
-    /// Waits until the program's field with the accessible name `name` has the focus.
+    /// Waits until the program's text field with the accessible name `name` has the focus.
     [[nodiscard]] static bool waitForField(const Program& program, const std::string& name) {
         return eventually([&] {
             const auto objects = TestSupport::accessibleObjects(program.id());
@@ -113,7 +113,7 @@ struct Layout {
     int keycodeOfQ;
 };
 
-/// The real program with the keyboard layout of the parameter.
+/// Tests the real program with the keyboard layout that the parameter selects.
 class ProgramLayoutTest : public ProgramTest, public testing::WithParamInterface<Layout> {
 protected:
     void SetUp() override { setLayout(GetParam().name); }
@@ -132,7 +132,7 @@ TEST_P(ProgramLayoutTest, isQuitByControlAndTheKeyThatTypesQ) {
     const auto program = start({page("/given")});
     ASSERT_TRUE(waitForFocus("/given"));
     const auto key = [](int code) { askXdotool("keydown ctrl key " + std::to_string(code) + " keyup ctrl"); };
-    // This key types Q in another of the layouts, but not in this one.
+    // This key types Q on another layout, but not on the current one.
     key(GetParam().keycodeOfQ == 24 ? 38 : 24);
     EXPECT_TRUE(program->isRunning());
     key(GetParam().keycodeOfQ);
@@ -152,7 +152,7 @@ TEST_F(ProgramTest, startsWithOneBlankTabThatWaitsForAnAddress) {
 TEST_F(ProgramTest, startsWithThePageItIsGivenAndNoOther) {
     const auto program = start({page("/given")});
     ASSERT_TRUE(waitForWindows({"/given"}));
-    // If there were a blank tab, closing this one would show it.
+    // If there were also a blank tab, closing the tab of the page would show it.
     ASSERT_TRUE(waitForFocus("/given"));
     press("ctrl+w");
     ASSERT_TRUE(waitForWindows({}));
@@ -288,7 +288,8 @@ TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
     for (const auto& given : pages) {
         page(given.path);
         first.push_back(server.url(given.argument));
-        // The second start is given the same pages with a query that distinguishes them.
+        // The second process opens the same pages with an additional query, so that their reports can be
+        // distinguished.
         const auto hash = given.argument.find('#');
         second.push_back(server.url(given.argument.substr(0, hash) + "?2" +
                                     (hash == std::string::npos ? "" : given.argument.substr(hash))));
@@ -298,7 +299,7 @@ TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
                            (seenHash == std::string::npos ? "" : given.seen.substr(seenHash)));
     }
     std::ranges::sort(expected);
-    // "HTTP" in upper case is a different scheme, whose URLs are ignored.
+    // The scheme "HTTP" in upper case is treated as a different scheme, and its URLs are ignored.
     page("/upper");
     auto upper = server.url("/upper");
     upper.replace(0, 4, "HTTP");
@@ -345,7 +346,7 @@ TEST_F(ProgramTest, theBusStartsItAndHandsItFurtherPages) {
     ASSERT_TRUE(waitForFocus("/four"));
     press("ctrl+q");
     ASSERT_TRUE(waitForWindows({}));
-    // The program may still own its bus name.
+    // The exiting program may still own its bus name, so repeat the activation.
     ASSERT_TRUE(eventually([] { return TestSupport::activate(); }));
     ASSERT_TRUE(waitForWindows({"New Tab"}));
     ASSERT_TRUE(waitForFocus("New Tab"));
@@ -434,12 +435,13 @@ TEST_F(ProgramTest, theWindowComesBackAsItWasLeft) {
     ASSERT_TRUE(waitForFocus("New Tab"));
     const auto firstWidth = geometry("New Tab").substr(0, 5);
     EXPECT_EQ(firstWidth, "1100x");
-    // The size of a window that was just shown may still change, so repeat the request.
+    // The size of a window may still change just after the window is shown, so repeat the request.
     ASSERT_TRUE(eventually([&] {
         askXdotool("search --onlyvisible --name '^New Tab$' windowsize %@ 900 700");
         return geometry("New Tab") == "900x700";
     }));
-    // GTK would handle a key before a new size that arrives with it, so let the program take the size first.
+    // GTK would handle a key press before a resize that arrives at the same time, so wait until the program
+    // has handled the resize.
     ASSERT_TRUE(waitForField(*program, "Address"));
     quit(*program);
 

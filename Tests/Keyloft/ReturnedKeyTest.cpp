@@ -9,7 +9,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Keys that a page returns unhandled.
+/// Tests key events that a page returns unhandled.
 class ReturnedKeyTest : public AppDelegateTest {
 protected:
     Tab launchWith(const std::string& path, const HTTPResponse& response) {
@@ -45,7 +45,7 @@ TEST_F(ReturnedKeyTest, theControlThatTabLeadsToIsSeenToHaveTheFocus) {
     EXPECT_TRUE(runUntil([&] { return TestSupport::showsFocus(*tab->reloadButton()); }));
 }
 
-// The slow page returns Shift when Tab is already pressed.
+// The slow page returns the Shift key event only after Tab has been pressed.
 TEST_F(ReturnedKeyTest, aPageThatIsSlowToAnswerIsLeftByOneControlToo) {
     delegate->bookmarks()->add({"One", url("https://one.test/")});
     delegate->bookmarks()->add({"Two", url("https://two.test/")});

@@ -21,10 +21,10 @@ using TestSupport::typeText;
 
 namespace {
 
-/// Sheets of real pages, with real keys and clicks under a window manager.
+/// Tests sheets of real pages with real key presses and clicks, under a window manager.
 class SheetTest : public AppDelegateTest {
 protected:
-    /// Opens a page that calls confirm() on each `ask` and shows all answers in its title.
+    /// Opens a page that calls confirm() each time `ask` is called, and lists all answers in its title.
     Tab openAsking(const Tab& beside = nullptr) {
         server.route("/asking", HTTPResponse::html("<title>asking</title><script>const answers = [];"
                                                    "function ask(text) { setTimeout(() => {"
@@ -39,7 +39,7 @@ protected:
         TestSupport::runScript(*tab->webView(), "ask('" + text + "')");
     }
 
-    /// Moves the focus to the address field with its key and types there.
+    /// Moves the focus to the address field with Ctrl+L and types `text`.
     [[nodiscard]] static bool typeAddress(const Tab& tab, const std::string& text) {
         pressKey("ctrl+l");
         if (!runUntil([&] { return hasFocus(*tab->addressField()); })) {
@@ -108,7 +108,7 @@ TEST_F(SheetTest, onAHiddenTabWaitsMarksItAndNeverSelectsIt) {
     EXPECT_FALSE(shownSheet(*beside->window()));
     EXPECT_TRUE(hasFocus(*beside->webView()));
 
-    // Keys go to the selected tab.
+    // Key presses are sent to the selected tab.
     pressKey("Return");
     pressKey("Escape");
     ASSERT_TRUE(typeAddress(beside, "typed"));
@@ -128,7 +128,8 @@ TEST_F(SheetTest, aLoadErrorAndAPanelOfOnePageWaitForEachOther) {
     asking->load(url("http://no-such-host.invalid/"));
     ASSERT_TRUE(waitForSheet(asking));
     ask(asking);
-    // While another page loads, this one calls confirm(). Its sheet waits for that of the load error.
+    // This page calls confirm() while another page loads. The confirm() sheet is shown only after the load
+    // error sheet is closed.
     ASSERT_TRUE(loadPage(openPage("/beside"), "/meanwhile"));
     TestSupport::activate(*asking->window());
     EXPECT_EQ(present(shownSheet(*asking->window())).texts.at(0), "Keyloft can't open the page");
@@ -144,7 +145,7 @@ TEST_F(SheetTest, aLoadErrorAndAPanelOfOnePageWaitForEachOther) {
 
 TEST_F(SheetTest, closingItsTabByKeyAnswersThePageWithNo) {
     server.route("/told", HTTPResponse::page("told"));
-    // The page sends its answer to the server, because its tab is closed by then.
+    // The page sends the answer to the server, because the tab is already closed when confirm() returns.
     server.route("/telling", HTTPResponse::html("<title>telling</title><script>function ask() {"
                                                 "setTimeout(() => { const answer = confirm('Really?');"
                                                 "const told = new XMLHttpRequest();"
@@ -155,7 +156,7 @@ TEST_F(SheetTest, closingItsTabByKeyAnswersThePageWithNo) {
     const auto beside = openPage("/beside", telling);
     TestSupport::selectTab(*telling->window());
     TestSupport::activate(*telling->window());
-    // Holding the view keeps the page after its tab has closed.
+    // Keep a reference to the view, so that the page is not destroyed when its tab closes.
     const auto view = telling->webView();
     TestSupport::runScript(*view, "ask()");
     ASSERT_TRUE(waitForSheet(telling));
@@ -194,7 +195,8 @@ TEST_F(SheetTest, aPageThatAlertsForeverCanBeClosed) {
         EXPECT_TRUE(runUntil([&] { return view.expired(); }));
         EXPECT_TRUE(loadPage(beside, "/after"));
     }
-    // The scripts must not keep running after their tabs have closed. WebKitGTK allows them ten more seconds.
+    // The scripts must not keep running after their tabs are closed. WebKitGTK lets them run for ten more
+    // seconds.
     EXPECT_TRUE(
         runUntil([&] { return TestSupport::webProcesses().size() <= before.size(); }, TestSupport::patience));
 }
@@ -242,10 +244,10 @@ TEST_F(SheetTest, theKeyboardGoesRoundInsideOfIt) {
     TestSupport::activate(*asking->window());
     ask(asking);
     ASSERT_TRUE(runUntil([&] { return hasSheetFocus(*asking->window()); }));
-    // The sheet has two buttons. At the end the focus is on the default button again.
+    // The sheet has two buttons, so the default button has the focus again at the end.
     for (const char* key : {"Tab", "Tab", "Tab", "Tab", "shift+Tab", "shift+Tab", "shift+Tab", "shift+Tab"}) {
         pressKey(key);
-        pressKey("Control_L"); // lets the key before it take effect
+        pressKey("Control_L"); // gives the previous key press time to take effect
         TestSupport::waitForLayout(*asking->window());
         EXPECT_TRUE(hasSheetFocus(*asking->window())) << key;
     }

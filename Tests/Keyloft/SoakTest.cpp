@@ -19,7 +19,7 @@ using TestSupport::webProcesses;
 
 namespace {
 
-/// Tabs that are opened and closed in random order, most of them before their page is loaded.
+/// Opens and closes tabs in random order. Most tabs are closed before their page is loaded.
 class SoakTest : public AppDelegateTest {
 protected:
     /// Weak references to the objects that must be destroyed with a tab.
@@ -81,8 +81,8 @@ protected:
         }
     }
 
-    /// Opens a tab, which stays blank half of the time, because each page starts a web process. Tabs that a
-    /// page opens share its process.
+    /// Opens a tab. Half of the tabs stay blank, because each page starts a web process. Tabs that a page
+    /// opens share the web process of that page.
     void openAny() {
         static constexpr const char* paths[] = {"/page", "/page", "/held", "/endless", "/asking", "/opening"};
         const auto open = controllers();
@@ -114,7 +114,7 @@ protected:
         }
     }
 
-    /// Opens and closes tabs until there have been `count`, then closes the rest.
+    /// Opens and closes tabs until `count` tabs have been opened, and then closes the remaining tabs.
     void openAndClose(std::size_t count) {
         while (remains.size() < count) {
             if (controllers().size() < 12 && below(5) < 3) {
@@ -143,15 +143,16 @@ protected:
         }
     }
 
-    /// Waits until at most three web processes are left. WebKitGTK keeps one or two in reserve, while a leak
-    /// would leave one for each tab. A process that was starting when its tab closed takes longer to end.
+    /// Waits until at most three web processes remain. WebKitGTK keeps one or two in reserve, whereas a leak
+    /// would leave one process for each tab. A process that is still starting when its tab closes takes
+    /// longer to exit.
     [[nodiscard]] static bool waitForWebProcesses() {
         return runUntil([] { return webProcesses().size() <= 3; }, 2 * TestSupport::patience);
     }
 
-    /// The open descriptors, without those that WebKitGTK leaks. If a view is destroyed while its web process
-    /// starts, WebKitGTK keeps the thread that receives messages of the process, and one descriptor with it.
-    /// Seen with WebKitGTK 2.50.6, also in a plain web view; not reported.
+    /// The number of open file descriptors, excluding those that WebKitGTK leaks. If a view is destroyed
+    /// while its web process is starting, WebKitGTK 2.50.6 leaks the thread that receives messages from the
+    /// process, and one file descriptor. Also seen with a plain `WebKitWebView`. Not reported.
     static std::size_t openDescriptors() {
         return TestSupport::openDescriptors() - TestSupport::runningThreads("ReceiveQueue");
     }
@@ -165,7 +166,7 @@ protected:
 
 TEST_F(SoakTest, tabsOpenedAndClosedInRandomOrderLeaveNothingBehind) {
     std::cout << "seed 20250611\n";
-    // The first tabs create the objects that GTK and WebKitGTK keep.
+    // Open some tabs first, so that objects that GTK and WebKitGTK cache are not counted as leaks.
     openAndClose(20);
     expectNothingIsLeft();
     remains.clear();
@@ -174,7 +175,8 @@ TEST_F(SoakTest, tabsOpenedAndClosedInRandomOrderLeaveNothingBehind) {
     openAndClose(250);
     expectNothingIsLeft();
     EXPECT_TRUE(waitForWebProcesses()) << webProcesses().size() << " web processes";
-    // WebKitGTK keeps a few connections for a while. A leak would leave a descriptor for each tab.
+    // WebKitGTK keeps a few connections open for a while. A leak would leave one file descriptor for each
+    // tab.
     EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 30; }, TestSupport::patience))
         << openDescriptors() << " descriptors after " << descriptors;
 }

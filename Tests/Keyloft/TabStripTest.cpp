@@ -7,10 +7,10 @@ using Titles = std::vector<std::string>;
 
 namespace {
 
-/// Use of the tab strip with the pointer, under a window manager.
+/// Pointer interaction with the tab strip, under a window manager.
 class TabStripTest : public AppDelegateTest {
 protected:
-    /// Opens the pages as tabs of one window and brings it to the front. The last tab is selected.
+    /// Opens the pages in tabs of one window and brings the window to the front. The last tab is selected.
     std::vector<Tab> openTabs(const std::vector<std::string>& paths) {
         std::vector<Tab> tabs;
         for (const auto& path : paths) {
@@ -28,7 +28,7 @@ protected:
         });
     }
 
-    /// Waits until the tab strip no longer moves. `tab` must be selected.
+    /// Waits until the tab strip has stopped moving. `tab` must be selected.
     static void waitForTabs(const Tab& tab) {
         TestSupport::ScreenPoint last;
         EXPECT_TRUE(runUntil([&] {
@@ -85,7 +85,8 @@ TEST_F(TabStripTest, aTabIsDraggedOutIntoAWindowOfItsOwnAndBack) {
     EXPECT_EQ(tabTitles(*tabs[0]->window()), (Titles{"/one", "/two"}));
     EXPECT_EQ(TestSupport::nativeTitle(*tabs[2]->window()), "/three");
 
-    // The strip is hidden while there is one tab, so open another to drag this one.
+    // The tab strip is hidden while the window has only one tab, so open a second tab before dragging the
+    // first one.
     const auto beside = openPage("/beside", tabs[2]);
     TestSupport::activate(*beside->window());
     waitForTabs(beside);

@@ -14,14 +14,15 @@ using TestSupport::webProcesses;
 
 namespace {
 
-/// Tabs whose web process is killed.
+/// Tests tabs whose web process is killed.
 class WebProcessEndTest : public BrowserTest {
 protected:
-    /// Ends the web processes of closed tabs, so that none of them serves a page of this test.
+    /// Terminates the web processes of closed tabs, so that WebKitGTK does not reuse them for the pages of
+    /// this test.
     void SetUp() override { ASSERT_TRUE(TestSupport::forgetPages()); }
 
-    /// Adds a page whose title is `path` and the number of requests so far, so that a reload changes the
-    /// title. Returns `path`.
+    /// Adds a page whose title is `path` followed by the number of requests for the page so far, so that a
+    /// reload changes the title. Returns `path`.
     std::string counting(const std::string& path) {
         server.route(path, [path, times = std::make_shared<int>(0)](const auto& /*request*/) {
             return HTTPResponse::page(path + ' ' + std::to_string(++*times));
@@ -29,7 +30,8 @@ protected:
         return path;
     }
 
-    /// Opens a tab with a counting page and sets `process` to its web process.
+    /// Opens a tab that shows a page added by `counting`, and sets `process` to the id of the page's web
+    /// process.
     Tab openCounting(const std::string& path, const Tab& beside = nullptr) {
         const auto before = webProcesses();
         auto tab = openTab(beside);
@@ -54,7 +56,7 @@ protected:
         EXPECT_FALSE(tab->isEmptyTab());
     }
 
-    /// The web process of the page opened last.
+    /// The web process of the page that `openCounting` opened last.
     pid_t process = 0;
 };
 
@@ -91,7 +93,7 @@ TEST_F(WebProcessEndTest, aHiddenPageComesBackOnceItIsLookedAt) {
     const auto hiddensProcess = process;
     const auto shown = openCounting("/shown", hidden);
     ASSERT_TRUE(killWebProcesses(*hidden->webView(), {hiddensProcess}));
-    // While another page loads, the hidden page has the time for a reload that must not happen.
+    // Load another page to allow time for a reload of the hidden page, which must not happen.
     ASSERT_TRUE(loadPage(shown, "/later"));
     expectUnchanged(hidden, "/hidden", "/hidden 1");
     EXPECT_EQ(server.count("/hidden"), 1U);
@@ -163,7 +165,7 @@ TEST_F(WebProcessEndTest, aPagesPanelGoesWithIt) {
     ASSERT_TRUE(waitForSheet(tab));
     ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
-    // The sheet may stay until the user closes it. Its answer has no effect.
+    // The sheet may remain until the user closes it. The answer then has no effect.
     if (TestSupport::shownSheet(*tab->window())) {
         TestSupport::pressSheetButton(*tab->window(), "OK");
     }

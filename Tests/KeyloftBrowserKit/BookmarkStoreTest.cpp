@@ -59,7 +59,7 @@ protected:
         writeContents(path(), data);
     }
 
-    /// The objects of the notifications that stores post during `action`.
+    /// Runs `action` and returns the objects of the notifications that bookmark stores post while it runs.
     static std::vector<const void*> objectsPostedBy(const std::function<void()>& action) {
         std::vector<const void*> objects;
         const auto observation = NotificationCenter::defaultCenter().addObserver(
@@ -75,8 +75,8 @@ protected:
         return testing::internal::GetCapturedStderr();
     }
 
-    /// Expects that saving fails when `one` is added to `store`: the list changes in memory, no notification
-    /// is posted, and one line with `reason` is logged.
+    /// Adds `one` to `store` and expects the save to fail: the list changes in memory, no notification is
+    /// posted, and one line that contains `reason` is logged.
     static void expectUnsavedAdd(BookmarkStore& store, std::string_view reason) {
         List expected = store.bookmarks();
         expected.push_back(one);
@@ -386,7 +386,7 @@ TEST_F(BookmarkStoreTest, aFileNamedRelativelyIsWrittenBesideTheProgram) {
     EXPECT_EQ(contentsOf(directory() / "bookmarks.json"), Bookmark::encode(seedAnd(one)));
 }
 
-/// A list of `count` bookmarks, each as large as a real one.
+/// A list of `count` bookmarks, each about as large as a real bookmark.
 List largeList(std::size_t count) {
     List list;
     list.reserve(count);

@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-// These tests read the properties of the program's AppKit and WebKit objects.
+// These tests check the native AppKit and WebKit objects that the program creates.
 
 namespace {
 
