@@ -13,7 +13,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// The presenter of a queue's sheets. Logs its own calls and those of the completions.
+/// Acts as the queue's presenter, and logs the calls to the presenter and to the completion handlers.
 class SheetQueueTest : public ::testing::Test, public SheetPresenter {
 public:
     bool showSheet(const Alert& alert) override {

@@ -9,7 +9,7 @@
 
 namespace TestSupport {
 
-/// A pipe. Closes both ends on destruction.
+/// A pipe whose ends are closed when this object is destroyed.
 class Pipe {
 public:
     Pipe() {
@@ -26,7 +26,7 @@ public:
 
     int readEnd() const { return ends_[0]; }
     int writeEnd() const { return ends_[1]; }
-    /// Returns the read end, which the caller must close.
+    /// Returns the read end and transfers its ownership to the caller, who must close it.
     int takeReadEnd() {
         const int end = ends_[0];
         ends_[0] = -1;

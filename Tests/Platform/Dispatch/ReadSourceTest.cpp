@@ -31,8 +31,8 @@ std::string readSome(int descriptor, std::size_t most = 64) {
     return text;
 }
 
-/// Raises the limit of open descriptors to `count`, as far as allowed. On macOS a shell starts with a limit
-/// of 256.
+/// Raises the soft limit on open file descriptors to `count`, or to the hard limit if that is lower. In a
+/// shell on macOS, the soft limit is 256 by default.
 void allowDescriptors(rlim_t count) {
     rlimit limit = {};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -122,7 +122,8 @@ TEST(ReadSource, isSilentWhileSuspendedAndGoesOnAfterwards) {
         source.suspend();
     });
     pipe.put("x");
-    // On Linux the queue polls its descriptors again in each turn.
+    // On Linux, the queue polls its file descriptors in each iteration of its loop, so run several
+    // iterations.
     for (int turn = 0; turn < 10; ++turn) {
         queue.sync([] {});
     }
@@ -279,7 +280,7 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
         sources.back()->setCancelHandler([&] { cancelled.signal(); });
         sources.back()->resume();
     }
-    // Sources from the beginning to the end of the list, each several times.
+    // Fire sources from the whole list, one at a time and each several times.
     std::size_t expected = 0;
     for (int turn = 0; turn < 5; ++turn) {
         for (std::size_t index = 0; index < count; index += 7) {
@@ -287,7 +288,7 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
             ASSERT_TRUE(event.wait(++expected));
         }
     }
-    // All at once.
+    // Fire all sources at the same time.
     for (const auto& pipe : pipes) {
         pipe->put("x");
     }
@@ -297,7 +298,8 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
             EXPECT_EQ(fired[index], index % 7 == 0 ? 6 : 1) << index;
         }
     });
-    // Half of the sources are cancelled explicitly, some of them suspended, the others by their destruction.
+    // Cancel half of the sources explicitly, some of them while they are suspended. Their destructor cancels
+    // the other half.
     for (std::size_t index = 0; index < count; index += 2) {
         if (index % 4 == 0) {
             sources[index]->suspend();

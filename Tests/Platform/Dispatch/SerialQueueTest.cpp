@@ -67,7 +67,7 @@ TEST(SerialQueue, workHandedOverByWorkComesAfterWhatWaits) {
         });
         queue.async([&] { order.push_back(2); });
     });
-    // The last item is handed over by another, so only the second call is certain to wait for it.
+    // The last work item is enqueued by another work item, so only the second call is certain to wait for it.
     queue.sync([] {});
     queue.sync([] {});
     EXPECT_EQ(order, (std::vector{1, 2, 3}));

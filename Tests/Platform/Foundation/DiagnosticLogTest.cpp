@@ -24,7 +24,7 @@ std::string logged(std::string_view text) {
     return testing::internal::GetCapturedStderr();
 }
 
-/// The logged line without its prefix and its newline.
+/// Logs `text` and returns the logged line without its prefix and its newline.
 std::string message(std::string_view text) {
     const std::string line = logged(text);
     const std::size_t begin = line.find("] ");
@@ -40,7 +40,7 @@ TEST(DiagnosticLog, aLineHasTimeProgramAndProcess) {
 }
 
 TEST(DiagnosticLog, aLinesTimeIsTheLocalTimeOfItsWriting) {
-    // The zones are twelve hours apart, so in one of them it is afternoon.
+    // The time zones are twelve hours apart, so it is always afternoon in one of them.
     for (const char* zone : {"UTC0", "Noon-12"}) {
         const TestSupport::EnvironmentVariable localZone("TZ", zone);
         tzset();
@@ -76,7 +76,7 @@ TEST(DiagnosticLog, otherTextStaysAsItIs) {
 }
 
 TEST(DiagnosticLog, aLineIsOneWrite) {
-    // In packet mode (O_DIRECT) a pipe keeps separate writes apart.
+    // In packet mode (O_DIRECT), a pipe preserves the boundaries between writes.
     std::array<int, 2> ends = {};
     ASSERT_EQ(pipe2(ends.data(), O_DIRECT | O_CLOEXEC | O_NONBLOCK), 0);
     const int saved = dup(STDERR_FILENO);

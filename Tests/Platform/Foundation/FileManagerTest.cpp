@@ -428,7 +428,7 @@ TEST(FileManager, aReadOnlyDiskLeavesTheOldFileAndNothingElse) {
 }
 
 TEST(FileManager, aFileSizeLimitLeavesTheOldFileAndNothingElse) {
-    // A write that crosses the limit is short. The next one fails.
+    // The write that crosses the limit is a short write. The next write fails.
     const TemporaryDirectory directory;
     writeContents(directory / "file", "old");
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {

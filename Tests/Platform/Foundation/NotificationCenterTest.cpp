@@ -139,7 +139,7 @@ TEST(NotificationCenter, anObserverMayEndItselfDuringAPost) {
     NotificationCenter center;
     int calls = 0;
     Observation observation;
-    // The captures of a callback must live until it returns.
+    // The captures of a callback must stay alive until the callback returns.
     const auto held = std::make_shared<std::string>("held");
     observation = center.addObserver(something, nullptr, [&, copy = held](const Notification&) {
         observation.reset();
@@ -156,7 +156,7 @@ TEST(NotificationCenter, anObserverMayEndItselfDuringAPost) {
 TEST(NotificationCenter, anObservationEndedByAnEarlierObserverIsNotCalledInTheSamePost) {
     NotificationCenter center;
     int calls = 0;
-    // The observer that is called first ends the other.
+    // Each observer ends the observation of the other, so only one of them is called.
     std::array<Observation, 2> observations;
     for (const std::size_t victim : {1U, 0U}) {
         observations.at(1 - victim) =

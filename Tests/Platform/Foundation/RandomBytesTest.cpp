@@ -13,7 +13,7 @@ namespace {
 using Platform::RandomBytes;
 
 TEST(RandomBytes, everyByteIsFilled) {
-    // A byte that is never written is zero in every draw. A random byte is zero in all eight with a
+    // A byte that is never written is zero in all eight draws. A random byte is zero in all of them with a
     // probability of 2^-64.
     std::array<std::byte, 300> seen = {};
     for (int draw = 0; draw < 8; ++draw) {
@@ -35,7 +35,7 @@ TEST(RandomBytes, twoDrawsDiffer) {
 TEST(RandomBytes, nothingToFillSucceeds) { EXPECT_TRUE(RandomBytes::fill({})); }
 
 TEST(RandomBytes, moreThanTheGeneratorGivesAtOnceIsFilledWhole) {
-    // On Linux one call to getrandom() may return at most 32 MiB.
+    // On Linux, one call to getrandom() returns at most 32 MiB.
     std::vector<std::byte> bytes((std::size_t{32} << 20U) + 4096);
     ASSERT_TRUE(RandomBytes::fill(bytes));
     const auto tail = std::span(bytes).last(64);

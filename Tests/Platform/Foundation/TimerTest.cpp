@@ -106,7 +106,7 @@ TEST(Timer, mayBeDestroyedByItsCallback) {
         std::shared_ptr<Timer> timer;
         timer = Timer::scheduled(0.001, repeats, [&, copy = held] {
             timer.reset();
-            // The captures of the callback live until it returns.
+            // The captures of the callback stay alive until the callback returns.
             EXPECT_EQ(copy.use_count(), 2);
             ++calls;
         });

@@ -140,7 +140,7 @@ TEST(URL, anInternationalHostHasALimitInBytes) {
 }
 
 TEST(URL, aHostCannotGrowAnotherPartByItsASCIIForm) {
-    // The compatibility forms of these characters contain "/", "?", "#", ":" or "@".
+    // The compatibility decompositions of these characters contain "/", "?", "#", ":" or "@".
     for (const auto* const character :
          {"\uFF0F", "\uFF1F", "\uFF03", "\uFF1A", "\uFF20", "\u2048", "\u2100"}) {
         const auto url = URL::fromString(std::string("https://evil.test") + character + ".apple.com/");

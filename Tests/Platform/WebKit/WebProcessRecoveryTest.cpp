@@ -19,7 +19,7 @@ protected:
         recovery.processEnded(Cause::failure, std::move(interrupted), true);
     }
 
-    /// A load that brings the page back.
+    /// Simulates a load that restores the page.
     void comeBack() {
         recovery.navigationRequested();
         recovery.pageReturned();

@@ -17,7 +17,7 @@
 
 namespace Platform::Tests {
 
-/// Actions that the tests define.
+/// Application-defined actions for the tests.
 namespace TestAction {
 inline constexpr Action newTab("newTab");
 inline constexpr Action navigateFromAddressField("navigateFromAddressField");
@@ -46,8 +46,8 @@ public:
     std::function<void(const ActionSender&)> whenPerformed;
 };
 
-/// A window's controller and delegate in one. Records the actions that it performs and the titles of windows
-/// that close.
+/// A window controller that is also the window's delegate. Records the actions that it performs and the
+/// titles of windows that close.
 class RecordingController : public WindowController, public WindowDelegate {
 public:
     static std::shared_ptr<RecordingController> create(const std::string& title);
@@ -71,7 +71,7 @@ protected:
         : WindowController("RecordingController") {}
 };
 
-/// Windows on the tests' own display.
+/// Fixture for tests that open windows on the tests' own display. Closes all windows after each test.
 class AppKitTest : public testing::Test {
 public:
     AppKitTest(const AppKitTest&) = delete;
@@ -81,10 +81,10 @@ public:
 protected:
     AppKitTest();
 
-    /// Waits until the window is on the screen and has been laid out.
+    /// Shows the window and waits until it is visible and has been laid out.
     static void show(const std::shared_ptr<Window>& window);
 
-    /// The widget of a view, which must have been made.
+    /// Returns the widget of the view, or null if the view has no widget yet.
     static GtkWidget* widgetOf(const std::shared_ptr<View>& view);
 
     static void typeInto(const std::shared_ptr<TextField>& field, const std::string& text);

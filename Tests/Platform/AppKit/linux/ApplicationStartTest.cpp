@@ -21,7 +21,8 @@ struct Given {
     std::string arrives;
 };
 
-/// URLs arrive as given, except that characters which are invalid in a URL are percent-encoded.
+/// URLs that the application receives as given, except that characters that are not allowed in a URL are
+/// percent-encoded.
 const std::vector<Given>& exactURLs() {
     static const std::vector<Given> urls = {
         {"http://host.test/", "http://host.test/"},
@@ -50,7 +51,7 @@ Lines argumentsOf(const std::vector<Given>& urls) {
     return arguments;
 }
 
-/// The application's output when these URLs arrive.
+/// The lines that the application prints when it receives these URLs.
 Lines arrivalOf(const std::vector<Given>& urls) {
     Lines lines = {"open " + std::to_string(urls.size())};
     for (const auto& url : urls) {
@@ -78,7 +79,7 @@ protected:
         return std::make_unique<Program>(KEYLOFT_STARTED_APPLICATION, arguments, environment);
     }
 
-    /// Starts the application and waits for its output at launch.
+    /// Starts the first instance of the application and waits until it has finished launching.
     static std::unique_ptr<Program> startFirst() {
         auto program = start();
         expectLines(*program, {willFinish, didFinish});
@@ -214,7 +215,8 @@ TEST_F(ApplicationStartTest, whenTheFirstDiesWhileItIsAskedTheSecondTakesItsPlac
 TEST_F(ApplicationStartTest, aServiceStartsWithWhatTheBusAsksFor) {
     const auto service = start({"--gapplication-service"});
     expectLines(*service, {willFinish});
-    // GVfs may rewrite URLs of other schemes, and GLib's parser of call arguments requires UTF-8.
+    // GVfs may rewrite URLs with other schemes, so pass only HTTP URLs. They must be valid UTF-8, which
+    // GLib's parser for D-Bus call arguments requires.
     auto urls = exactURLs();
     std::erase_if(urls, [](const auto& url) { return !url.argument.starts_with("http"); });
     ASSERT_TRUE(TestSupport::activate(argumentsOf(urls)));

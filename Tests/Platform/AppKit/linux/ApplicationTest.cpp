@@ -11,7 +11,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Several top-levels under a window manager.
+/// Tests with several top-level windows, under a window manager.
 class ApplicationTest : public AppKitTest {
 protected:
     ApplicationTest() { TestSupport::startWindowManager(); }

@@ -11,7 +11,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Windows with an autosave name under a window manager, on a screen of 1600 by 1200.
+/// Tests windows that have a frame autosave name, under a window manager on a screen of 1600 by 1200 pixels.
 class FrameAutosaveTest : public AppKitTest {
 protected:
     static constexpr const char* name = "Kept Window";

@@ -10,7 +10,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// The delegate of a menu that is rebuilt on each update.
+/// A menu delegate that replaces the items of the menu on each update.
 struct Maker : MenuDelegate {
     void menuNeedsUpdate(Menu& menu) override {
         ++updates;
@@ -53,7 +53,7 @@ protected:
         return nullptr;
     }
 
-    /// The item with the title among the descendants of `widget`, or null.
+    /// Returns the menu item with the title among the descendants of `widget`, or null.
     static GtkWidget* itemIn(GtkWidget* widget, const std::string& title) {
         if (GTK_IS_LABEL(widget) && gtk_label_get_text(GTK_LABEL(widget)) == title) {
             return gtk_widget_get_parent(widget);
@@ -79,7 +79,7 @@ protected:
         return value;
     }
 
-    /// Shows a text field with the focus in a window that is active under a window manager.
+    /// Starts a window manager, and shows an active window with a text field that has the focus.
     std::shared_ptr<TextField> showActiveField() const {
         TestSupport::startWindowManager();
         auto field = TextField::create();

@@ -10,7 +10,7 @@ namespace Platform::Tests {
 
 namespace {
 
-/// A top-level with a header bar, such as GTK adds if no window manager draws a frame.
+/// Tests a top-level window with a header bar. GTK adds such a header bar if no window manager draws a frame.
 class MinimizingTest : public AppKitTest {
 public:
     MinimizingTest(const MinimizingTest&) = delete;
@@ -27,7 +27,7 @@ protected:
         EXPECT_TRUE(TestSupport::runUntil([this] { return gtk_widget_get_mapped(window_.get()) == TRUE; }));
     }
 
-    /// The header bar's buttons, by their style classes.
+    /// The style classes of the minimize, maximize and close buttons in the header bar, in order.
     std::vector<std::string> buttons() const {
         std::vector<std::string> found;
         collectButtons(window_.get(), found);

@@ -24,7 +24,7 @@ protected:
     static constexpr const char* name = "Some Window";
     static constexpr SavedFrame frame{.width = 800, .height = 600, .isMaximized = true};
 
-    /// The frames that the next run of the program would find.
+    /// Returns the saved frames as the next run of the program would load them.
     SavedFrames nextRun() const { return SavedFrames(directory.path().string()); }
 
     void writeFile(const std::string& text) const {

@@ -7,7 +7,8 @@
 
 namespace {
 
-/// Writes a line to standard output for each call and each URL. The URL "quit:" ends the program.
+/// Writes a line to standard output for each delegate call and each URL. A "quit:" URL terminates the
+/// program.
 class Delegate : public Platform::ApplicationDelegate {
 public:
     void applicationWillFinishLaunching() override {

@@ -11,7 +11,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Three tabs with a text field each. The second tab is selected, and its field has the focus.
+/// Opens three tabs, each with a text field. The second tab is selected, and its text field has the focus.
 class TabShortcutTest : public AppKitTest {
 protected:
     TabShortcutTest() {
@@ -66,7 +66,7 @@ TEST_F(TabShortcutTest, everyOtherKeyIsLeftToThePage) {
           "ctrl+shift+Page_Down", "ctrl+shift+Home", "ctrl+shift+End", "alt+1", "alt+2", "alt+3", "alt+9",
           "alt+0", "ctrl+KP_Page_Up", "ctrl+KP_Page_Down", "ctrl+KP_Home", "ctrl+KP_End", "alt+KP_1"}) {
         press(key);
-        // Keys are handled in order: when the letter arrives, the key before it has taken effect.
+        // Key presses are handled in order, so `key` has taken effect when the letter arrives.
         press("End");
         press("x");
         ASSERT_TRUE(runUntil([&] { return fields[1]->stringValue().ends_with('x'); })) << key;

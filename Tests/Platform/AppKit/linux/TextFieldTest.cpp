@@ -35,7 +35,8 @@ using Events = std::vector<std::string>;
 class TextFieldTest : public AppKitTest {
 protected:
     TextFieldTest() {
-        // Before the window is shown: a window manager does not focus windows that it finds when it starts.
+        // Start the window manager before the window is shown. A window manager does not focus windows that
+        // are already open when it starts.
         TestSupport::startWindowManager();
         const auto row = StackView::create(Orientation::horizontal);
         row->addArrangedSubview(field);
@@ -46,7 +47,7 @@ protected:
         show(window);
     }
 
-    /// Gives the field the keyboard focus, for real key presses.
+    /// Gives the field the keyboard focus, so that it receives real key presses.
     void activate(const std::shared_ptr<TextField>& wanted) const {
         wanted->selectText();
         GtkWindow* toplevel = TabHost::of(*window)->toplevel();
@@ -177,7 +178,7 @@ TEST_F(TextFieldTest, aPasteOfNothingButLineBreaksIsNoEdit) {
     EXPECT_EQ(field->stringValue(), "x");
 }
 
-// Dropped text and text of an input method are inserted this way.
+// GTK inserts dropped text and text from an input method this way.
 TEST_F(TextFieldTest, lineBreaksAreDroppedFromTextThatGTKInserts) {
     typeInto(field, "one\ntwo");
     EXPECT_EQ(field->stringValue(), "onetwo");

@@ -19,7 +19,7 @@ namespace {
 
 class ViewTest : public AppKitTest {
 protected:
-    /// Succeeds if the button shows a tool tip and has the text as its accessible description.
+    /// Succeeds if the button shows a tool tip and its accessible description is `text`.
     static testing::AssertionResult showsToolTip(const Button& button, const std::string& text) {
         GtkWidget* widget = button.nativeIfMade()->widget.get();
         const auto shown =

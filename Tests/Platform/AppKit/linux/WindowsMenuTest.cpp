@@ -12,13 +12,13 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// A menu bar whose second menu is the application's windows menu.
+/// Tests with a menu bar whose second menu is the application's windows menu.
 class WindowsMenuTest : public AppKitTest {
 protected:
     static constexpr int file = 0;
     static constexpr int windows = 1;
 
-    /// One item of the list, as GTK shows it.
+    /// An item in the menu's list of windows, as GTK shows it.
     struct Listed {
         std::string label;
         bool isMarked = false;
@@ -60,7 +60,7 @@ protected:
         gtk_popover_popdown(popover(controller, windows));
     }
 
-    /// Appends the menu items among the descendants of `widget` in their order.
+    /// Appends the visible menu items among the descendants of `widget` to `items`, in order.
     static void collectItems(GtkWidget* widget, std::vector<GtkWidget*>& items) {
         for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
              child = gtk_widget_get_next_sibling(child)) {
@@ -77,7 +77,7 @@ protected:
         return items;
     }
 
-    /// The windows that the menu lists after its own item.
+    /// Returns the windows that the menu lists after its own item.
     static std::vector<Listed> listOf(const RecordingController& controller) {
         std::vector<Listed> list;
         for (GtkWidget* item : itemsOf(controller)) {
@@ -238,7 +238,7 @@ TEST_F(WindowsMenuTest, theFocusComesBackFromTheMenus) {
     gtk_popover_popdown(popover(*a, file));
     openMenu(*a);
     runPending();
-    // The next menu keeps the focus, on its first item.
+    // The first item of the second menu keeps the focus.
     EXPECT_EQ(gtk_window_get_focus(toplevel), itemsOf(*a).front());
     closeMenu(*a);
     EXPECT_TRUE(runUntil(isBack));

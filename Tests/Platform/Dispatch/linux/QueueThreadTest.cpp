@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-// Tests of what follows from the Linux implementation, in which each queue has a thread of its own.
+// Tests that are specific to the Linux implementation, in which each queue has its own thread.
 
 namespace {
 
@@ -39,7 +39,7 @@ pid_t threadOf(SerialQueue& queue) {
     return thread;
 }
 
-/// Waits until a thread of this process sleeps.
+/// Waits until the kernel reports that the thread of this process is sleeping.
 [[nodiscard]] bool fallsAsleep(pid_t thread) {
     return eventually([&] {
         std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
@@ -76,7 +76,7 @@ TEST(SerialQueueThread, leavesNoThreadAndNoDescriptor) {
     for (int turn = 0; turn < 50; ++turn) {
         SerialQueue queue("test");
         queue.sync([] {});
-        // The thread of the previous turn may stay in /proc for a moment after it was joined.
+        // The thread of the previous iteration may remain in /proc for a moment after it has been joined.
         EXPECT_TRUE(eventually([&] { return runningThreads() == threads + 1; }));
     }
     EXPECT_TRUE(eventually([&] { return runningThreads() == threads; }));

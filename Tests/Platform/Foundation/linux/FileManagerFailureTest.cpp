@@ -14,8 +14,8 @@
 
 namespace {
 
-/// An error for the next call to a function of the C library, or 0, and the number of successful calls before
-/// it.
+/// A simulated failure of a C library function. The function fails once, with `errno` set to `error`, after
+/// `successes` successful calls. If `error` is 0, it does not fail.
 struct NextFailure {
     int error = 0;
     int successes = 0;
@@ -37,7 +37,7 @@ NextFailure nextOpen;
 
 } // namespace
 
-// The linker redirects the library's calls to these functions (--wrap).
+// With --wrap, the linker redirects the library's calls to the `__wrap_` functions.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 int __real_fsync(int descriptor);

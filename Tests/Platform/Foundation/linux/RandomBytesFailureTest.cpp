@@ -9,7 +9,8 @@ namespace {
 
 using Platform::RandomBytes;
 
-// The kernel writes the bytes and returns an error if it cannot. A generator inside the process would crash.
+// The kernel writes the random bytes, and returns an error if it cannot write to the buffer. A generator in
+// user space would crash.
 TEST(RandomBytes, aFailureIsReported) {
     static constexpr std::size_t size = 4096;
     void* const page = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);

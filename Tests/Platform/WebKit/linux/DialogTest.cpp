@@ -14,7 +14,8 @@ protected:
         ASSERT_TRUE(loadPage(*view, "/page"));
     }
 
-    /// Runs a script that leaves its result in the page's title.
+    /// Evaluates a JavaScript expression in the page without waiting for the result. The page's title becomes
+    /// "got " followed by the result.
     void ask(const std::string& expression) { run(*view, "document.title = 'got ' + (" + expression + ")"); }
     bool waitForPanel() {
         return runUntil([this] { return !ui->panels.empty(); });
@@ -157,7 +158,8 @@ TEST_F(WebViewDialog, aScriptThatAsksForeverEndsWithItsView) {
     g_object_add_weak_pointer(G_OBJECT(widget), &widget);
     view.reset();
     ASSERT_TRUE(runUntil([&] { return widget == nullptr; }));
-    // WebKitGTK allows the script ten more seconds. On a busy machine its process takes much longer to end.
+    // WebKitGTK lets the script run for ten more seconds. On a busy machine, the web process takes much
+    // longer to exit.
     EXPECT_TRUE(runUntil([&] { return webProcesses().size() < before.size(); }, 3 * TestSupport::patience));
 }
 

@@ -14,8 +14,8 @@ namespace {
 
 class WebViewLifetime : public WebViewTest {
 protected:
-    /// Makes `count` views and releases them: a few while they load, a few after loading, most of them
-    /// unused.
+    /// Creates `count` views and releases each of them: a few while they are loading, a few after they have
+    /// loaded, and most of them unused.
     void makeAndLetGo(std::size_t count) {
         std::vector<gpointer> widgets(count);
         for (std::size_t index = 0; index < count; ++index) {
@@ -46,7 +46,7 @@ protected:
 
 TEST_F(WebViewLifetime, aHundredViewsLeaveNothingBehind) {
     server.route("/page", HTTPResponse::page("Page"));
-    // The first views create the objects that WebKitGTK keeps.
+    // Create some views first, so that objects that WebKitGTK caches are not counted as leaks.
     makeAndLetGo(20);
     ASSERT_TRUE(runUntil([] { return webProcesses().size() <= 1; })) << webProcesses().size();
     const auto processes = webProcesses().size();
@@ -54,8 +54,8 @@ TEST_F(WebViewLifetime, aHundredViewsLeaveNothingBehind) {
 
     makeAndLetGo(100);
     EXPECT_TRUE(runUntil([&] { return webProcesses().size() <= processes; })) << webProcesses().size();
-    // WebKitGTK keeps connections to its processes for a while. A leak would leave a descriptor for each
-    // view.
+    // WebKitGTK keeps connections to its processes open for a while. A leak would leave one file descriptor
+    // for each view.
     EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 20; }))
         << openDescriptors() << " descriptors after " << descriptors;
 }

@@ -64,7 +64,7 @@ TEST_F(WebViewLoad, failsWhenTheServerDoesNotAnswerInTime) {
 TEST_F(WebViewLoad, theFirstLoadCanTimeOutToo) {
     const auto view = makeView();
     server.route("/never", withEnding(Ending::held));
-    // Starting the web process alone takes longer than that.
+    // Starting the web process alone takes longer than this time-out.
     view->load(request(server.url("/never"), 0.02));
     ASSERT_TRUE(waitForFailures(1));
     expectFailure(true, urlDomain, -1001, server.url("/never"));
@@ -183,7 +183,8 @@ TEST_F(WebViewLoad, theTimeOutOfASecondLoadOutlivesTheFirst) {
     ASSERT_TRUE(runUntil([&] { return server.count("/first") == 1; }));
     view->load(request(server.url("/second"), 0.4));
     ASSERT_TRUE(waitForFailures(2));
-    // On a slow machine the second load times out before WebKitGTK reports the first as cancelled.
+    // On a slow machine, the second load times out before WebKitGTK reports that the first load was
+    // cancelled.
     if (navigation->failures[0].error.failingURL == server.url("/second")) {
         std::swap(navigation->failures[0], navigation->failures[1]);
     }
@@ -515,8 +516,8 @@ TEST_F(WebViewLoad, swipingIsASettingOfTheView) {
     EXPECT_FALSE(swipes(*one));
 }
 
-// With gestures enabled, WebKitGTK 2.50.6 takes a snapshot of each page that is left, and crashes if the view
-// is not in a window (not reported).
+// With gestures enabled, WebKitGTK 2.50.6 takes a snapshot of each page that the view leaves, and crashes if
+// the view is not in a window (not reported).
 TEST_F(WebViewLoad, aViewInNoWindowIsNotSwiped) {
     const auto view = makeView(WebViewConfiguration::create());
     view->setAllowsBackForwardNavigationGestures(true);

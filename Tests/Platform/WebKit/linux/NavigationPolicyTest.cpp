@@ -14,7 +14,8 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Records all calls. `onQuestion` decides about navigations; without it all are allowed.
+/// Records all calls. If `onQuestion` is set, it decides each navigation. Otherwise, every navigation is
+/// allowed.
 struct PolicyDelegate final : NavigationPolicyDelegate {
     void decidePolicy(WebView& /*webView*/, const NavigationAction& action,
                       const DecisionHandler& decisionHandler) override {
@@ -42,7 +43,7 @@ class NavigationPolicy : public WebViewTest {
 protected:
     NavigationPolicy() { view->setNavigationDelegate(delegate); }
 
-    /// Cancels navigations to `path` on the server and allows all others.
+    /// Cancels every navigation to `path` on the server and allows all others.
     void cancelOnly(const std::string& path) {
         delegate->onQuestion =
             [blocked = server.url(path)](const NavigationAction& action,
@@ -75,7 +76,7 @@ protected:
 
 } // namespace
 
-// Questions
+// Policy decisions
 
 TEST_F(NavigationPolicy, isAskedBeforeALoad) {
     ASSERT_TRUE(loadPage(*view, "/page"));
@@ -128,7 +129,7 @@ TEST_F(NavigationPolicy, aCancelledRedirectFailsTheLoad) {
     delegate->onQuestion = [&, answer](const auto& action, const auto& decide) {
         answer(action, decide);
         isAnswered = delegate->actions.size() == 2;
-        // The failure that follows is not reported from inside the decision handler.
+        // The failure must not be reported before the decision handler returns.
         EXPECT_TRUE(delegate->failures.empty());
     };
     view->load(request(server.url("/redirect")));
@@ -273,8 +274,8 @@ TEST_F(NavigationPolicy, aLoadTimesOutThoughTheOneBeforeHasNotBegun) {
     ASSERT_TRUE(loadPage(*view, "/before"));
     view->load(request(server.url("/first"), 30));
     ASSERT_TRUE(waitForQuestions(2));
-    // The server has received the request, but the main loop has not yet run to learn that the load has
-    // started.
+    // The server has received the request, but the main loop has not run since then, so the view does not
+    // know yet that the load has started.
     ASSERT_TRUE(eventually([&] { return server.count("/first") == 1; }));
     view->load(request(server.url("/second"), 2));
     ASSERT_TRUE(runUntil([&] { return delegate->failures.size() == 2; }));

@@ -164,7 +164,7 @@ TEST_P(WebViewEveryObservation, mayLetTheViewGoFromInsideTheCall) {
     gpointer widget = widgetOf(*view);
     g_object_add_weak_pointer(G_OBJECT(widget), &widget);
     const auto observation = view->observe(GetParam(), [&] { view.reset(); });
-    // Navigate only as far as the property needs to change, because the observer then releases the view.
+    // Navigate only until the property changes, because the observer releases the view at that point.
     weak.lock()->load(request(server.url("/first")));
     if (GetParam() == Property::canGoBack || GetParam() == Property::canGoForward) {
         ASSERT_TRUE(waitForTitle(*view, "/first"));

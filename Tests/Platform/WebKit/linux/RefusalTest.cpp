@@ -10,10 +10,11 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Requests of pages that a web view refuses, because its delegates have no methods for them.
+/// Tests page requests that a web view refuses because its delegates have no methods for them.
 class WebViewRefusal : public WebViewTest {
 protected:
-    /// The files of the session whose names contain `part`. Finds a download wherever WebKitGTK may save it.
+    /// Returns the files in the session directory whose names contain `part`. This finds a download in any
+    /// directory in which WebKitGTK may save it.
     static std::vector<std::string> filesNamed(const std::string& part) {
         std::vector<std::string> result;
         for (const auto& entry :
@@ -144,7 +145,7 @@ TEST_F(WebViewRefusal, permissionsAreRefused) {
     const auto view = makeView();
     TestWindow window(*view);
     window.show();
-    // The page is a secure context, which both interfaces require.
+    // The page is a secure context, which both APIs require.
     ASSERT_TRUE(loadPage(*view, "/page"));
     evaluate(*view, "navigator.geolocation.getCurrentPosition(() => document.title = 'allowed', "
                     "error => document.title = 'refused ' + error.code); 1");

@@ -19,7 +19,7 @@ Slots makeSlots(std::size_t limit, Timer::Interval startTimeout = 10) {
     return std::make_shared<WebProcessSlots>(limit, startTimeout);
 }
 
-/// A view that counts its grants and evictions.
+/// A fake view that counts the grants and evictions of its slot.
 struct View {
     explicit View(const Slots& slots, bool isVisible = false)
         : slot(std::make_unique<WebProcessSlot>(slots, [this] { return isEvictable; }, [this] { evict(); })) {
@@ -56,7 +56,8 @@ struct View {
     std::vector<View*> children;
 };
 
-/// Two hidden views. The process of the first is starting, and the second waits for it.
+/// Two hidden views. The web process of the first view is starting, so the request of the second view is
+/// pending.
 class WaitingView : public ::testing::Test {
 protected:
     void SetUp() override {

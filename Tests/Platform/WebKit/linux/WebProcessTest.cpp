@@ -21,7 +21,7 @@ protected:
 
     void endProcess() { webkit_web_view_terminate_web_process(widgetOf(*view)); }
 
-    /// Waits until the page has been requested `times` times and is loaded.
+    /// Waits until `path` has been requested `times` times and the page is loaded.
     bool waitForLoad(const std::string& path, std::size_t times) {
         return runUntil([&] { return server.count(path) == times; }) && waitForTitle(*view, path);
     }
@@ -31,7 +31,7 @@ protected:
         TestWindow window{*view};
     };
 
-    /// Loads a page of the server in a visible window of its own.
+    /// Shows a new view in its own window and loads a page from the server in it.
     std::unique_ptr<Shown> showPage(const std::string& path) {
         auto shown = std::make_unique<Shown>(makeView());
         shown->window.show();
@@ -39,7 +39,8 @@ protected:
         return shown;
     }
 
-    /// Lets the page of `view` open a window, and returns its view once the child page is loaded.
+    /// Lets the page in `view` open a window, waits until the child page is loaded, and returns the child's
+    /// view.
     std::shared_ptr<WebView> openChild(const HTTPResponse& page = HTTPResponse::page("/child")) {
         server.route("/child", page);
         std::shared_ptr<WebView> child;

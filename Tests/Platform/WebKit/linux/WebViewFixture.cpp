@@ -74,7 +74,7 @@ void TestWindow::hide() { gtk_widget_set_visible(window_.get(), FALSE); }
 
 namespace {
 
-/// The network sessions of the views that the current test has made.
+/// The network sessions of the views that the current test has created.
 std::vector<GObjectPtr<WebKitNetworkSession>>& usedSessions() {
     static std::vector<GObjectPtr<WebKitNetworkSession>> sessions;
     return sessions;
@@ -86,9 +86,9 @@ WebViewTest::WebViewTest() { gtk_init(); }
 
 WebViewTest::~WebViewTest() {
     TestSupport::runPending();
-    // WebKitGTK also keeps processes for data stores in memory.
+    // WebKitGTK also keeps web processes for in-memory data stores, so clear all sessions that were used.
     const auto sessions = std::exchange(usedSessions(), {});
-    // Waiting helps only the tests that run next in this process.
+    // Only tests that run later in this process benefit from the wait.
     const bool isOnlyTest = testing::UnitTest::GetInstance()->test_to_run_count() == 1;
     EXPECT_TRUE(isOnlyTest || TestSupport::forgetPages(sessions));
 }

@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-/// Records the failures that are reported to it.
+/// A navigation delegate that records the failures that it receives.
 struct RecordingNavigationDelegate final : Platform::NavigationDelegate {
     void didFailNavigation(Platform::WebView& webView, const Platform::Error& error) override;
     void didFailProvisionalNavigation(Platform::WebView& webView, const Platform::Error& error) override;
@@ -30,12 +30,12 @@ struct RecordingNavigationDelegate final : Platform::NavigationDelegate {
         bool isLoading = false;
     };
     std::vector<Failure> failures;
-    /// Called last, if set.
+    /// If set, called after a failure has been recorded.
     std::function<void()> onFailure;
 };
 
-/// Records the windows and panels that pages ask for. The test answers through `onCreate` and the panels'
-/// completions.
+/// A UI delegate that records the windows and panels that pages request. The test responds through `onCreate`
+/// and the completions of the panels.
 struct RecordingUIDelegate final : Platform::UIDelegate {
     std::shared_ptr<Platform::WebView>
     createWebView(Platform::WebView& webView,
@@ -58,11 +58,11 @@ struct RecordingUIDelegate final : Platform::UIDelegate {
         std::function<void(bool)> confirm;
     };
     std::vector<Panel> panels;
-    /// Called last, if set.
+    /// If set, called after a panel has been recorded.
     std::function<void()> onPanel;
 };
 
-/// A plain native window around one web view.
+/// A plain GTK window that contains one web view.
 class TestWindow {
 public:
     explicit TestWindow(Platform::WebView& view);
@@ -88,15 +88,15 @@ protected:
 
     using Property = Platform::WebView::Property;
 
-    /// A view with both delegates. Its web process is one of `slots`.
+    /// Creates a view with both delegates. Its web process uses one of `slots`.
     std::shared_ptr<Platform::WebView> makeView();
     std::shared_ptr<Platform::WebView>
     makeView(const std::shared_ptr<Platform::WebViewConfiguration>& configuration);
 
-    /// Limits the number of web processes of views made from now on, and calls `SetUp` again.
+    /// Limits the number of web processes of views that are created after this call, and calls `SetUp` again.
     void limitProcesses(std::size_t limit);
 
-    /// The text of the URL, or an empty string if the URL is absent.
+    /// The URL as a string, or an empty string if the URL is absent.
     static std::string textOf(const std::optional<Platform::URL>& url);
     static std::string urlOf(const Platform::WebView& view) { return textOf(view.url()); }
 
@@ -105,21 +105,23 @@ protected:
 
     /// Loads a page with the title `path` from the server and waits until it is loaded.
     [[nodiscard]] bool loadPage(Platform::WebView& view, const std::string& path);
-    /// Runs a script in the page and returns its result as text, or the text of its exception.
+    /// Runs a script in the page. Returns its result as a string, or the error message if the script throws
+    /// an exception.
     static std::string evaluate(Platform::WebView& view, const std::string& script);
-    /// Runs a script in the page without waiting for it.
+    /// Runs a script in the page without waiting for the result.
     static void run(Platform::WebView& view, const std::string& script);
     [[nodiscard]] static bool waitForTitle(Platform::WebView& view, const std::string& title);
     [[nodiscard]] bool waitForFailures(std::size_t count) const;
-    /// The statement for an EXPECT_EXIT with `succeeds`: calls `body` and ends the process.
+    /// Calls `body` and exits, with a failure status if an assertion has failed. Use it as the statement of
+    /// `EXPECT_EXIT` with the predicate `succeeds`.
     ///
     /// A process creates its default data store only once. Tests of its creation select the "threadsafe"
-    /// style, in which the statement runs in a new process with its own display session and empty home
-    /// directory.
+    /// style of death tests, in which the statement runs in a new process with its own display session and an
+    /// empty home directory.
     [[noreturn]] static void exitAfter(const std::function<void()>& body);
     static const testing::ExitedWithCode succeeds;
 
-    /// Runs the loop for `seconds`, for tests that something does not happen.
+    /// Runs the main loop for `seconds`. Used to test that something does not happen.
     static void runFor(double seconds);
 
     TestSupport::HTTPServer server;

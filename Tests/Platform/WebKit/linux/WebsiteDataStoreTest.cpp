@@ -103,7 +103,8 @@ TEST_F(DefaultWebsiteDataStore, aBadCertificateFailsTheLoad) {
 TEST_F(DefaultWebsiteDataStore, pagesAreShownWhereNothingCanBeKept) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitAfter([this] {
-                    // A file in place of the directory is an obstacle even for root.
+                    // A file in place of the directory makes the creation of the directory fail even for
+                    // root.
                     std::ofstream(folder(g_get_user_data_dir())) << "in the way";
                     ASSERT_FALSE(std::filesystem::is_directory(folder(g_get_user_data_dir())));
                     const auto view = makeView();
@@ -123,7 +124,7 @@ protected:
         configuration->setWebsiteDataStore(WebsiteDataStore::nonPersistent);
         return configuration;
     }
-    /// The cookies and the stored item that a page in `view` finds.
+    /// Loads a page in `view` and returns its cookies and the stored item.
     std::string found(WebView& view) {
         server.route("/get", HTTPResponse::page("get"));
         view.load(request(server.url("/get")));
