@@ -1,5 +1,5 @@
-// Compares the decoder with a simple model, which keeps all bytes in one buffer and parses it from the
-// beginning on each call.
+// Compares `FrameDecoder` with a simple model, which buffers all unconsumed bytes and parses the buffer from
+// its beginning on each call.
 
 #include "KeyloftCore/FrameDecoder.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -23,7 +23,7 @@ void require(bool condition, std::string_view promise) {
     }
 }
 
-/// The result of one call: the payloads, or the length that was refused.
+/// The result of one `append` call: the decoded payloads, or the length that was rejected.
 struct Outcome {
     std::vector<std::string> payloads;
     std::optional<std::int64_t> refused;
@@ -67,7 +67,8 @@ Outcome append(FrameDecoder& decoder, std::string_view chunk) {
 
 } // namespace
 
-/// The first byte selects a sequence of sizes from 0 to 12 bytes, by which the rest is split into chunks.
+/// The first byte seeds a sequence of sizes from 0 to 12 bytes. The remaining bytes are split into chunks of
+/// these sizes.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) {
         return 0;

@@ -21,14 +21,14 @@ using Platform::URLComponents;
     std::abort();
 }
 
-/// Aborts if a promise does not hold.
+/// Prints the promise and aborts if it does not hold.
 void require(bool holds, std::string_view promise, std::string_view text) {
     if (!holds) {
         fail(promise, text);
     }
 }
 
-/// Returns the contained value. Aborts if it is absent, contrary to the promise.
+/// Returns the contained value. If `value` is empty, prints the promise and aborts.
 template <typename Value>
 Value required(std::optional<Value> value, std::string_view promise, std::string_view text) {
     if (!value) {
