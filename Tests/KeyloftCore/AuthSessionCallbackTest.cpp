@@ -1,4 +1,4 @@
-// Calls the session's delegate methods directly, without a window or a page.
+// Tests the session's delegate methods by calling them directly, without a window or a page.
 
 #include "Tests/KeyloftCore/AuthSessionTest.h"
 #include "Tests/Support/MemoryStream.h"
@@ -209,7 +209,7 @@ TEST_F(AuthSessionCapture, aLongActionIsCutInTheLog) {
     EXPECT_EQ(lines(), Lines{"form submit hooked → " + std::string(80, 'a') + " keys=[]"});
 }
 
-// Endings
+// End of the session
 
 TEST_F(AuthSessionEnding, aFailedLoadIsAnInternalError) {
     makeSession()->didFailProvisionalNavigation(*otherView, urlError(-1003));

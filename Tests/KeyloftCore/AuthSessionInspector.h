@@ -10,7 +10,8 @@
 
 namespace KeyloftCore {
 
-/// Gives tests access to the private state of a session. `run` is the index of the call to `start`, from 0.
+/// Gives tests access to the private state of a session. `run` is the zero-based index of the call to
+/// `start`.
 struct AuthSessionInspector {
     static std::size_t runCount(const AuthSession& session) { return session.runs_.size(); }
     static const std::shared_ptr<Platform::WebView>& webView(const AuthSession& session,
@@ -25,7 +26,7 @@ struct AuthSessionInspector {
         return session.runs_.at(run).timeoutTimer;
     }
 
-    /// In seconds. Set these before `start`.
+    /// The timeouts, in seconds. Set them before `start` is called.
     static void setSessionTimeout(AuthSession& session, double timeout) { session.sessionTimeout_ = timeout; }
     static void setRequestTimeout(AuthSession& session, double timeout) { session.requestTimeout_ = timeout; }
     static double sessionTimeout(const AuthSession& session) { return session.sessionTimeout_; }

@@ -1,4 +1,4 @@
-// Running sessions: their windows, their timeouts, and their pages in WebKitGTK.
+// Tests running sessions: their windows, their timeouts, and their pages in WebKitGTK.
 
 #include "Tests/KeyloftCore/AuthSessionTest.h"
 #include "Tests/Support/NativeWindow.h"
@@ -25,7 +25,7 @@ class AuthSessionAsWritten : public AuthSessionTest {};
 
 } // namespace
 
-// The window
+// Windows
 
 TEST_F(AuthSessionWindow, isSmallAndOnlyToBeClosed) {
     const auto session = startSession();
@@ -118,8 +118,8 @@ INSTANTIATE_TEST_SUITE_P(NoURLs, AuthSessionLoadWithoutOrigin,
                          testing::Values("", "http://[", "https://a b"));
 
 TEST_F(AuthSessionLoad, takesAnyTextThatParsesForTheInitiator) {
-    // Platform::URL decides what a valid origin is, not WebKitGTK. It parses this text as a relative
-    // reference.
+    // The session validates the origin with Platform::URL, not with WebKitGTK. Platform::URL parses this
+    // string as a relative reference.
     const auto session = startSession("not a url");
     ASSERT_TRUE(waitForLine("nav GET " + authorizeURL() + " body=-1 stream=false type=-1"));
     EXPECT_EQ(std::ranges::count_if(lines(), [](const auto& line) { return line.starts_with("blocked"); }),
@@ -162,7 +162,7 @@ TEST_F(AuthSessionLoad, thatAnotherReplacesEndsNothing) {
               0);
 }
 
-// Time
+// Timeouts
 
 TEST_F(AuthSessionTimeout, isFiveMinutes) {
     const auto session = startSession();
@@ -311,8 +311,8 @@ TEST_F(AuthSessionPage, showsNoPanels) {
 }
 
 TEST_F(AuthSessionPage, mayNotGoBackToItsOwnOrigin) {
-    // The page of the initiator's origin passes once, because the session loads it itself. Afterwards, the
-    // policy treats that origin like any other.
+    // The page with the initiator's origin is allowed once, because the session itself loads it. After that,
+    // the policy treats the origin like any other.
     const auto session = startSession("https://client.example");
     ASSERT_TRUE(waitForLine("nav GET " + authorizeURL() + " body=-1 stream=false type=-1"));
     runScript(*Inspector::webView(*session), "location.href = 'https://client.example/'");

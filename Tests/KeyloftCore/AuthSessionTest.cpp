@@ -29,8 +29,8 @@ bool isSessionLine(const std::string& line) {
 
 AuthSessionTest::AuthSessionTest() {
     proxy.route(connectTarget, HTTPResponse().withEnding(HTTPResponse::Ending::held));
-    // WebKitGTK's network process serves all tests of this process and reads these variables once. No server
-    // listens on this port, so traffic that a test does not redirect fails.
+    // All tests in this process share WebKitGTK's network process, which reads these variables only once. No
+    // server listens on this port, so traffic that a test does not redirect fails.
     for (const auto* variable : {"http_proxy", "https_proxy"}) {
         setenv(variable, "http://127.0.0.1:9", 1);
     }
@@ -44,7 +44,7 @@ AuthSessionTest::~AuthSessionTest() {
             std::cout << "on standard error: " << line << '\n';
         }
     }
-    // End the sessions that are still running: their completions refer to this object.
+    // End the sessions that are still running, because their completion handlers refer to this object.
     for (const auto& weak : sessions_) {
         if (const auto session = weak.lock()) {
             session->webViewDidClose(*otherView);
@@ -78,8 +78,8 @@ AuthSessionTest::Session AuthSessionTest::startSession(const std::optional<std::
 
 void AuthSessionTest::start(const Session& session) {
     session->start();
-    // This is not too late: the page sends no request before the policy decision, which the main loop of this
-    // process delivers.
+    // It is not too late to redirect the traffic: the page sends no request before the policy decision, which
+    // is made on this process's main loop.
     TestSupport::redirectTraffic(*Inspector::webView(*session, Inspector::runCount(*session) - 1),
                                  proxy.port());
 }
@@ -101,7 +101,7 @@ std::vector<NavigationActionPolicy> AuthSessionTest::ask(const Session& session,
 
 bool AuthSessionTest::showPage(const Session& session, const std::string& body) {
     const auto& view = Inspector::webView(*session);
-    // WebKitGTK may drop one of two loads that are requested at the same time (seen with 2.50, not reported).
+    // WebKitGTK may drop one of two loads that are started at the same time (seen with 2.50, not reported).
     view->stopLoading();
     if (!runUntil([&] { return !view->isLoading(); })) {
         return false;

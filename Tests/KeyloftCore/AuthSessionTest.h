@@ -16,8 +16,8 @@
 
 namespace TestSupport {
 
-/// Sessions whose pages reach no network. Their requests go to `proxy`, which leaves connections to the
-/// provider unanswered unless a test routes them.
+/// Fixture for sessions whose pages cannot reach the network. Their requests go to `proxy`, which does not
+/// respond to connections to the provider unless a test adds a route.
 class AuthSessionTest : public testing::Test {
 public:
     AuthSessionTest(const AuthSessionTest&) = delete;
@@ -31,7 +31,7 @@ protected:
 
     static constexpr std::string_view authorize = "https://appleid.apple.com/auth/authorize";
     static constexpr std::string_view redirect = "https://client.example/cb";
-    /// The target of the first request that the proxy gets.
+    /// Target of the first request that the proxy receives: a CONNECT request for the provider.
     static constexpr const char* connectTarget = "appleid.apple.com:443";
 
     AuthSessionTest();
@@ -40,36 +40,37 @@ protected:
     /// The authorize URL with the redirect URI, followed by `rest`.
     static std::string authorizeURL(std::string_view rest = "");
 
-    /// Creates a session whose completion appends to `endings`.
+    /// Creates a session whose completion handler appends the result to `endings`.
     Session makeSession(std::string_view rest = "");
     Session startSession(const std::optional<std::string>& initiatorOrigin = std::nullopt);
-    /// Starts the session and redirects its traffic to the proxy. May be called again.
+    /// Starts the session and redirects its traffic to the proxy. Can be called several times for one
+    /// session.
     void start(const Session& session);
 
     static Platform::NavigationAction get(std::string_view url);
-    /// Asks the session for its policy and returns all its answers.
+    /// Asks the session for its policy decision on `action`, and returns every decision that it reports.
     std::vector<Platform::NavigationActionPolicy> ask(const Session& session,
                                                       const Platform::NavigationAction& action);
 
-    /// Shows a page of the provider's origin in the session's view, and waits for it.
+    /// Loads a page with the provider's origin in the session's view and waits until it has loaded.
     [[nodiscard]] bool showPage(const Session& session, const std::string& body);
-    /// Waits until a session has ended, then runs the main loop until nothing is pending.
+    /// Waits until a session has ended, then runs the main loop until no event source is ready.
     [[nodiscard]] bool waitForEnding();
-    /// Waits until the line has been logged.
+    /// Waits until `line` has been logged.
     [[nodiscard]] bool waitForLine(const std::string& line);
 
-    /// The lines that sessions have logged so far.
+    /// Lines that sessions have logged so far.
     const Lines& lines();
-    /// Everything written to standard error so far.
+    /// All lines written to standard error so far.
     const Lines& everything();
 
-    /// The result or the error of the first ending.
+    /// The result or the error with which the first session ended.
     const KeyloftCore::AuthResult& result() const { return endings.at(0).value(); }
     const KeyloftCore::HostError& error() const { return endings.at(0).error(); }
 
     HTTPServer proxy;
     std::vector<KeyloftCore::AuthSession::Result> endings;
-    /// The view for delegate methods that tests call directly. Sessions ignore it.
+    /// The view that tests pass to delegate methods. Sessions ignore it.
     std::shared_ptr<Platform::WebView> otherView;
 
 private:

@@ -224,7 +224,7 @@ TEST(AuthorizeRequest, anEmptyPathIsTheRoot) {
 }
 
 TEST(AuthorizeRequest, aHostThatIsNotUTF8MatchesNothing) {
-    // A host that does not decode looks like an absent host.
+    // A host that cannot be decoded looks like an absent host.
     for (const auto* text : {"https://%FF/cb", "https://%FE/cb", "https://u@%FF/cb", "https:/cb",
                              "https:///cb", "https:///%FF/cb"}) {
         EXPECT_FALSE(requestTo("https://%25FF/cb").matchesRedirect(url(text))) << text;
@@ -247,7 +247,7 @@ TEST(AuthorizeRequest, hostsAreComparedDecodedAndInASCII) {
 }
 
 TEST(AuthorizeRequest, aPathThatIsNoUTF8MatchesNothing) {
-    // Neither path can be decoded. An absent path would count as the root.
+    // Neither path can be decoded. An absent path would be equivalent to the root path.
     EXPECT_FALSE(requestTo("https://client.example").matchesRedirect(url("https://client.example/%FF")));
     EXPECT_FALSE(requestTo("https://client.example/").matchesRedirect(url("https://client.example/a%80")));
     EXPECT_FALSE(requestTo("https://client.example/%25FF").matchesRedirect(url("https://client.example/")));

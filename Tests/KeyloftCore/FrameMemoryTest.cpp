@@ -1,5 +1,5 @@
-// Tests the memory that a decoder requests and that a listener releases. A separate program, because it
-// replaces operator new.
+// Tests how much memory a decoder allocates, and that a listener frees its memory. This is a separate program
+// because it replaces operator new.
 
 #include "KeyloftCore/FrameDecoder.h"
 #include "KeyloftCore/NativeMessageFrame.h"
@@ -20,10 +20,11 @@
 
 namespace {
 
-/// The largest and the total size, in bytes, of this thread's allocations since the last reset.
+/// Size of the largest allocation, and total size of all allocations, that this thread has made since the
+/// last reset, in bytes.
 thread_local std::size_t largest = 0;
 thread_local std::size_t total = 0;
-/// The number of blocks that all threads have allocated and not released.
+/// Number of blocks that any thread has allocated and that have not been freed.
 std::atomic<long> liveBlocks = 0;
 
 void release(void* memory) {
@@ -123,7 +124,7 @@ TEST(RelayListenerMemory, closedConnectionsLeaveNothingBehind) {
     exchange(20);
     const long before = liveBlocks;
     exchange(200);
-    // At both counts the last connections may still be closing.
+    // Connections may still be closing when the blocks are counted, so allow for a small difference.
     EXPECT_TRUE(TestSupport::eventually([&] { return liveBlocks < before + 100; })) << liveBlocks - before;
 }
 

@@ -26,7 +26,7 @@ using Payloads = std::vector<std::string>;
 
 std::string encode(std::string_view payload) { return NativeMessageFrame::encode(payload); }
 
-/// Appends `chunk` and returns the length that the decoder refuses, or nothing if it accepts the chunk.
+/// Appends `chunk`. Returns the length that the decoder refuses, or `std::nullopt` if it accepts the chunk.
 std::optional<std::int64_t> refused(FrameDecoder& decoder, std::string_view chunk) {
     try {
         decoder.append(chunk);
@@ -69,7 +69,7 @@ TEST(NativeMessageFrame, theErrorShowsItsLength) {
 }
 
 TEST(NativeMessageFrameDeathTest, aPayloadBeyondThirtyTwoBitsStopsTheProcess) {
-    // The pages are reserved but never touched, so the mapping takes only address space.
+    // The pages are never touched, so the mapping uses only address space.
     constexpr std::size_t size = std::size_t{1} << 32U;
     void* area = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     ASSERT_NE(area, MAP_FAILED);

@@ -1,4 +1,4 @@
-// Hostile peers next to a well-behaved one. Whatever the hostile peers do, the well-behaved one is served.
+// Tests that a well-behaved peer is served regardless of what hostile peers do.
 
 #include "Tests/KeyloftCore/RelayTestSupport.h"
 
@@ -39,8 +39,8 @@ double processorSeconds() {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-/// Exhausts the descriptors of the process while it exists. Lowers the limit first, so that only a few remain
-/// to be taken.
+/// Exhausts the file descriptors of the process for the lifetime of the object. Lowers the limit first, so
+/// that only a few descriptors have to be opened.
 class DescriptorFamine {
 public:
     DescriptorFamine() {
@@ -170,7 +170,7 @@ TEST_F(HostilePeerTest, aPeerThatNeverReadsIsGivenUpAfterThreeSeconds) {
     expectService();
     const auto waited = Clock::now() - begin;
     EXPECT_GE(waited, std::chrono::milliseconds(2900));
-    // A second write after the first timed out would make it six seconds.
+    // If the listener tried to write again after the first write timed out, this would take six seconds.
     EXPECT_LT(waited, std::chrono::milliseconds(5500));
     expectService();
     EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(5800));
@@ -185,8 +185,8 @@ TEST_F(HostilePeerTest, aPeerThatReadsSlowlyIsGivenUpAfterThreeSecondsInAll) {
     const auto begin = Clock::now();
     ASSERT_TRUE(slow.send(frame("large")));
     ASSERT_TRUE(requests.wait());
-    // Each read frees buffer space, so no single wait of the listener is long. Reading everything would take
-    // 10 seconds.
+    // Each read frees buffer space, so the listener never waits long for a single write. Reading the whole
+    // reply would take 10 seconds.
     std::atomic<bool> over = false;
     std::thread reading([&] {
         std::vector<char> buffer(20'000);
@@ -226,7 +226,7 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
         for (int turn = 0; turn < 50; ++turn) {
             expectService();
         }
-        // An idle connection is still served: any of them can continue.
+        // Idle connections are still served: each of them can complete its request.
         for (std::size_t peer = 0; peer < count; peer += 99) {
             ASSERT_TRUE(idle[peer].send(peer % 3 == 0 ? std::string("\0\0"
                                                                     "hello",
@@ -245,15 +245,16 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
 TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
     startEcho();
     const auto before = openDescriptors();
-    // After a second the listener accepts again anyway, so only an earlier answer shows that the close
-    // resumed it. On a busy machine the answer may be late, so try several times.
+    // The listener accepts connections again after one second in any case, so only an earlier reply shows
+    // that closing a connection made it resume. The reply may be late on a busy machine, so try several
+    // times.
     bool answeredInTime = false;
     for (int attempt = 0; attempt < 5 && !answeredInTime; ++attempt) {
         RawPeer open(path);
         ASSERT_TRUE(open.send("\x05\0"sv));
         expectService();
-        // A later connection was answered, so this one has been accepted. Each side holds one descriptor once
-        // no other connection is being closed.
+        // A later connection has been served, so this connection has been accepted. Once the other
+        // connections are closed, it accounts for two descriptors, one on each side.
         ASSERT_TRUE(eventually([&] { return openDescriptors() == before + 2; }));
         std::vector<RawPeer> waiting(2);
         const auto begin = Clock::now();
@@ -268,7 +269,7 @@ TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
         EXPECT_LT(processorSeconds() - processor, 0.1) << "waiting for a descriptor must not be a busy loop";
         EXPECT_EQ(requests.count(), answered);
 
-        open.close(); // two descriptors: this one, and then the listener's
+        open.close(); // frees two descriptors: this one, and then the listener's
         for (auto& peer : waiting) {
             EXPECT_EQ(peer.receiveAll(), frame("echo hungry"));
         }
@@ -313,7 +314,7 @@ TEST_F(HostilePeerTest, noiseIsNeverARequestThatNobodySent) {
         for (auto& byte : noise) {
             byte = static_cast<char>(random() % 256);
         }
-        // Makes the length exceed the limit, whatever the other bytes are.
+        // Make the length exceed the limit, regardless of the other bytes.
         noise[3] = static_cast<char>(random() % 255 + 1);
         peer.send(noise);
         EXPECT_EQ(peer.receiveAll(), "");

@@ -80,7 +80,7 @@ TEST(Redact, cutsALongerValueToItsBeginningAndItsLength) {
 TEST(Redact, countsCharactersAndNotBytes) {
     EXPECT_EQ(redact("ábcdefghijkl"), "ábcdefghijkl");
     EXPECT_EQ(redact("ábcdefghijklm"), "ábcdefgh…(13)");
-    // A family is one character, of seven code points.
+    // The family emoji is one character that consists of seven code points.
     EXPECT_EQ(redact("👨‍👩‍👧‍👦bcdefghijklm"), "👨‍👩‍👧‍👦bcdefgh…(13)");
     EXPECT_EQ(redact("e\u0301bcdefghijkl"), "e\u0301bcdefghijkl");
 }

@@ -1,5 +1,5 @@
-// The relay between processes. The children are forked before any thread starts and report through their exit
-// status.
+// Tests the relay between processes. The child processes are forked before any thread is started, and report
+// results through their exit status.
 
 #include "KeyloftCore/RelaySocketError.h"
 #include "Tests/KeyloftCore/RelayTestSupport.h"
@@ -27,7 +27,7 @@ using TestSupport::Pipe;
 using TestSupport::RawPeer;
 using TestSupport::TemporaryDirectory;
 
-/// A child process that runs `body` when `start` is called. Its exit status is the return value.
+/// A child process that runs `body` when `start` is called. Its exit status is the return value of `body`.
 class Child {
 public:
     explicit Child(const std::function<int()>& body)
@@ -97,7 +97,7 @@ TEST(RelayBetweenProcesses, aHostThatEndsLeavesTheClientWithoutAReply) {
     ASSERT_EQ(read(ready.readEnd(), &byte, 1), 1);
     EXPECT_EQ(ask(path, "x"), std::nullopt);
     EXPECT_EQ(host.exitStatus(), 7);
-    // The socket file that the host leaves does not block the next host.
+    // The socket file that an exited host leaves behind does not prevent the next host from listening.
     EXPECT_THROW(RelaySocketClient::connect(path), KeyloftCore::RelaySocketError);
     RelayListener next;
     next.listen(path, [](const std::string& request, const RelayListener::Reply& reply) { reply(request); });
@@ -130,7 +130,7 @@ TEST(RelayBetweenProcesses, aProcessOfAnotherUserIsDisconnectedUnread) {
         if (!got.empty()) {
             return static_cast<int>(served);
         }
-        // The kernel resets a connection only if it is closed with unread bytes.
+        // The kernel resets a connection only if it is closed with unread data.
         return static_cast<int>(peer.error() == ECONNRESET ? disconnectedUnread : disconnectedRead);
     };
     Child closedOut(body);
@@ -153,8 +153,8 @@ TEST(RelayBetweenProcesses, aProcessOfAnotherUserIsDisconnectedUnread) {
     closedOut.start();
     EXPECT_EQ(closedOut.exitStatus(), refusedByMode) << "the socket's mode is the first door";
 
-    // Open the socket to all users, and block the queue so that the peer's bytes arrive before the listener
-    // accepts the connection.
+    // Make the socket accessible to all users, and block the queue so that the peer's bytes arrive before the
+    // listener accepts the connection.
     ASSERT_EQ(chmod(path.c_str(), 0666), 0);
     const auto holder = RelaySocketClient::connect(path);
     holder.writeFrame("hold");

@@ -109,7 +109,7 @@ TEST(PolicyVectors, holdOfTheHosts) {
     });
 }
 
-// Sources
+// Sources of the parameters
 
 TEST(RedirectCapture, theLastOfSeveralEqualNamesCounts) {
     EXPECT_EQ(capture(get("?code=a&code=b")).parameters, (Parameters{{"code", "b"}}));
@@ -320,7 +320,7 @@ TEST(FormHook, isTheScriptThatPagesAreGiven) {
 })();)");
 }
 
-// The session without an application
+// Session without an application object
 
 TEST(AuthSessionDeathTest, needsTheApplicationObject) {
     const auto session = KeyloftCore::AuthSession::create(

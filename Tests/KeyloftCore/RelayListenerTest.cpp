@@ -35,7 +35,7 @@ using TestSupport::RelayTest;
 using TestSupport::WithoutStandardInput;
 using TestSupport::writeContents;
 
-/// Sets the file mode creation mask of the process while it exists.
+/// Sets the file mode creation mask of the process for the lifetime of the object.
 class Mask {
 public:
     explicit Mask(mode_t mask)
@@ -54,7 +54,7 @@ private:
     mode_t previous_;
 };
 
-/// Changes the current directory of the process while it exists.
+/// Changes the current directory of the process for the lifetime of the object.
 class CurrentDirectory {
 public:
     explicit CurrentDirectory(const std::filesystem::path& path)
@@ -297,9 +297,9 @@ TEST_F(RelayListenerTest, theLastReferenceMayGoOnTheQueue) {
 }
 
 TEST_F(RelayListenerTest, destroyedOnTheQueueLeavesItsSocketToTheCancelHandler) {
-    // Dispatch may watch the descriptor until that handler runs.
+    // Dispatch may monitor the descriptor until the cancel handler runs.
     Event done;
-    const int listening = dup(0); // the number that the next descriptor gets
+    const int listening = dup(0); // the number of the next descriptor to be opened
     close(listening);
     listener->listen(path, [&](const std::string&, const RelayListener::Reply&) {
         int listens = 0;
@@ -316,8 +316,8 @@ TEST_F(RelayListenerTest, destroyedOnTheQueueLeavesItsSocketToTheCancelHandler) 
 }
 
 TEST_F(RelayListenerTest, theHandlerMayHoldTheListener) {
-    // A reference cycle, which `close` breaks: the handler, and with it the last reference, is released on
-    // the queue.
+    // The handler and the listener form a reference cycle. `close` breaks it: the handler is released on the
+    // queue, and with it the last reference to the listener.
     auto* handle = listener.get();
     handle->listen(path, [held = listener](const std::string& request, const RelayListener::Reply& reply) {
         reply(request);
@@ -445,7 +445,8 @@ TEST_F(RelayListenerTest, aDirectoryThatCannotBeMadeIsTheFileManagersErrorAndNot
     EXPECT_EQ(TestSupport::contentsOf(file), "mine");
     EXPECT_THROW(listener->listen("", ignore), Platform::FileError);
 
-    // A path without a directory names a file in the current directory, which the listener must not remove.
+    // A path without a directory names a file in the current directory. The listener must not remove that
+    // file.
     const CurrentDirectory here(directory.path());
     EXPECT_THROW(listener->listen("file", ignore), Platform::FileError);
     EXPECT_EQ(TestSupport::contentsOf(file), "mine");
@@ -656,7 +657,7 @@ TEST_F(RelayListenerTest, closingDuringTrafficEndsEveryClient) {
                             client.writeFrame("x");
                             reply = client.readFrame(longWait);
                         } catch (const RelaySocketError&) {
-                            reply.reset(); // closed on the listener's side
+                            reply.reset(); // closed by the listener
                         }
                         client.close();
                         if (!reply) {

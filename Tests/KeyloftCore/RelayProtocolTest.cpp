@@ -309,7 +309,7 @@ TEST(RelayResult, theFirstFailingCheckTells) {
 }
 
 TEST(RelayProtocol, confirmChecksOneAfterTheOther) {
-    // Each pair of faults is denied like each fault alone: no later check undoes an earlier one.
+    // A message with two faults is denied like a message with one fault: no check undoes an earlier one.
     const std::vector<std::pair<std::string, JSONValue>> faults = {
         {"redirectUri", "https://evil.test/"}, {"state", "other"}, {"nonce", "other"}};
     for (const auto& first : faults) {

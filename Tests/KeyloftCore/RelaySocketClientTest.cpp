@@ -87,7 +87,7 @@ TEST_F(RelaySocketClientTest, connectingWhereNobodyListensFails) {
 }
 
 TEST_F(RelaySocketClientTest, anEmptyPathNeverMeansANameOutsideTheFileSystem) {
-    // The kernel would read an empty path as the abstract name of 107 NUL bytes.
+    // The kernel would interpret an empty path as the abstract socket name that consists of 107 NUL bytes.
     const RawPeer abstract;
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
@@ -193,7 +193,7 @@ TEST_F(RelaySocketClientTest, theTimeoutLimitsEachWaitAndNotTheWhole) {
     });
     const auto client = RelaySocketClient::connect(path);
     const auto begin = Clock::now();
-    // Twelve waits of 100 ms each: the timeout of a second applies to each wait, not to their sum.
+    // Twelve waits of 100 ms each. The timeout of one second applies to each wait, not to their sum.
     EXPECT_EQ(client.readFrame(1), "dripping");
     EXPECT_GE(Clock::now() - begin, std::chrono::seconds(1));
     client.close();
@@ -207,7 +207,7 @@ TEST_F(RelaySocketClientTest, noTimeoutIsNoLimit) {
         put(connection, frame("late"));
     });
     const auto client = RelaySocketClient::connect(path);
-    // An earlier limit must not stay in force.
+    // The timeout of an earlier call must not remain in effect.
     EXPECT_EQ(client.readFrame(0.01), std::nullopt);
     tooEarly.signal();
     EXPECT_EQ(client.readFrame(0), "late");
@@ -255,7 +255,7 @@ TEST_F(RelaySocketClientTest, sendsFramesBeyondTheLimit) {
 
 TEST_F(RelaySocketClientTest, aStormOfSignalsInterruptsNothing) {
     struct sigaction action = {};
-    action.sa_handler = [](int) {}; // and without SA_RESTART
+    action.sa_handler = [](int) {}; // without SA_RESTART, so that calls fail with EINTR
     struct sigaction previous = {};
     ASSERT_EQ(sigaction(SIGUSR1, &action, &previous), 0);
     const std::string large(3 << 20, 'y');

@@ -32,16 +32,16 @@
 
 namespace TestSupport {
 
-/// The seconds that a client waits for a reply that is certain to come.
+/// Timeout, in seconds, for a reply that is certain to arrive.
 inline constexpr double longWait = 30;
 
-/// A peer that is not bound to the protocol: plain system calls on a socket, which the destructor closes.
+/// A peer that can violate the protocol. It calls the kernel directly. The destructor closes its socket.
 class RawPeer {
 public:
     RawPeer()
         : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
-    /// Connects. Retries while the connection is refused: macOS refuses it if too many others wait to be
-    /// accepted.
+    /// Connects to `path`. Retries if the connection is refused, because macOS refuses connections while the
+    /// listener's backlog is full.
     explicit RawPeer(const std::string& path)
         : RawPeer() {
         bool connected = false;
@@ -88,8 +88,8 @@ public:
 
     void endSending() const { shutdown(descriptor_, SHUT_WR); }
 
-    /// Receives until the other end closes. `error()` is then 0 after an orderly close, else `errno`
-    /// (ECONNRESET).
+    /// Receives until the peer closes the connection or sends nothing for 30 seconds. `error()` then returns
+    /// 0 if the connection was closed normally, and otherwise the value of `errno`, such as ECONNRESET.
     std::string receiveAll() {
         const timeval limit = {.tv_sec = 30, .tv_usec = 0};
         setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
@@ -118,8 +118,8 @@ private:
     int error_ = 0;
 };
 
-/// Closes standard input while it exists, so that the next descriptor is 0, as in a program that was started
-/// without standard input.
+/// Closes standard input for the lifetime of the object. The next descriptor to be opened is then 0, as in a
+/// program that was launched without standard input.
 class WithoutStandardInput {
 public:
     WithoutStandardInput()
@@ -143,7 +143,7 @@ inline std::string frame(std::string_view payload) {
     return KeyloftCore::NativeMessageFrame::encode(payload);
 }
 
-/// Connects, and retries while macOS refuses because too many connections wait to be accepted.
+/// Connects to `path`. Retries if macOS refuses the connection because the listener's backlog is full.
 inline KeyloftCore::RelaySocketClient connectInTurn(const std::string& path) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     for (;;) {
@@ -158,7 +158,7 @@ inline KeyloftCore::RelaySocketClient connectInTurn(const std::string& path) {
     }
 }
 
-/// Sends a request as a client and returns the reply, or nothing if there is none.
+/// Sends a request through a `RelaySocketClient` and returns the reply, or `std::nullopt` if there is none.
 inline std::optional<std::string> ask(const std::string& path, std::string_view request,
                                       double timeout = longWait) {
     const auto client = connectInTurn(path);
@@ -178,14 +178,15 @@ inline bool isSocket(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
 }
 
-/// A listener in a temporary directory. Expects that no descriptor and no thread of a test is left at its
-/// end.
+/// Fixture with a listener in a temporary directory. Expects that no test leaks a file descriptor or a
+/// thread.
 class RelayTest : public testing::Test {
 protected:
     using RelayListener = KeyloftCore::RelayListener;
 
     void SetUp() override {
-        // A sanitizer starts a thread of its own along with the first thread of the program.
+        // Sanitizers start a background thread together with the first thread of the program. Start a thread
+        // now, so that the background thread is included in the count.
         std::thread([] {}).join();
         descriptors_ = openDescriptors();
         threads_ = runningThreads();
@@ -197,12 +198,12 @@ protected:
         kept.clear();
         EXPECT_TRUE(eventually([&] { return openDescriptors() == descriptors_; }))
             << openDescriptors() << " descriptors, were " << descriptors_;
-        // A joined thread may stay in /proc for a moment.
+        // A joined thread may remain listed in /proc for a moment.
         EXPECT_TRUE(eventually([&] { return runningThreads() <= threads_; }))
             << runningThreads() << " threads, were " << threads_;
     }
 
-    /// Listens and replies with "echo " and the request.
+    /// Starts listening. The reply to each request is "echo " followed by the request.
     void startEcho() {
         listener->listen(path, [this](const std::string& request, const RelayListener::Reply& reply) {
             requests.signal();
@@ -210,7 +211,7 @@ protected:
         });
     }
 
-    /// Listens and keeps each request and its reply function.
+    /// Starts listening. Stores each request and its reply function, and does not reply.
     void startKeeping() {
         listener->listen(path, [this](const std::string& request, RelayListener::Reply reply) {
             {

@@ -19,10 +19,11 @@ using KeyloftCore::RelaySocketClient;
 using TestSupport::Event;
 using TestSupport::TemporaryDirectory;
 
-/// In seconds. Ample for an answer, and short enough to wait for an answer that never comes.
+/// Timeout, in seconds. Long enough for any reply, and short enough for a test that fails because no reply
+/// arrives.
 constexpr double answerTimeout = 10;
 
-/// The descriptors of the connections that this process accepted at `path`.
+/// File descriptors of the connections that this process has accepted on the socket at `path`.
 std::vector<int> acceptedConnections(const std::string& path) {
     std::vector<int> connections;
     for (int descriptor = 0; descriptor < 256; ++descriptor) {
@@ -45,8 +46,8 @@ std::size_t takeWaitingBytes(int descriptor) {
     return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-/// Two requests become readable while the queue is busy, so that one poll reports both. The handler of the
-/// first takes the bytes of the second, whose event is then stale.
+/// Two requests become readable while the queue is busy, so one poll reports both. The handler of the first
+/// request reads the bytes of the second, so that the event for the second is stale.
 TEST(RelayStaleEvent, leavesTheConnectionOpenAndTheQueueFree) {
     const TemporaryDirectory directory;
     const auto path = directory / "relay.sock";

@@ -1,5 +1,5 @@
-// Conditions that the kernel does not produce on demand: interrupted and short system calls, and a failure of
-// each call.
+// Tests conditions that the kernel does not produce on demand: interrupted and short system calls, and a
+// failure of each call.
 
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketClient.h"
@@ -126,7 +126,7 @@ protected:
         return std::nullopt;
     }
 
-    /// Sends a request and returns everything received, even if the request could not be sent.
+    /// Sends a request and returns all data that is received, even if sending fails.
     std::string exchange(std::string_view request) const {
         RawPeer peer(path);
         peer.send(frame(request));
@@ -208,7 +208,8 @@ TEST_F(SystemCallTest, anInterruptedReadOfTheListenerEndsTheConnection) {
     };
     {
         RawPeer peer(path);
-        // Connections are accepted in order, so the peer has been accepted by now.
+        // Connections are accepted in order, so `peer` has been accepted when this later connection is
+        // served.
         EXPECT_EQ(ask(path, "x"), "echo x");
         const Intercepted intercepted(system);
         ASSERT_TRUE(peer.send(frame("y")));
@@ -269,7 +270,7 @@ TEST_F(SystemCallTest, aPeerOfAnotherUserIsRefusedUnread) {
 }
 
 TEST_F(SystemCallTest, comparesThePeersUserWithTheRealUserOfTheProcess) {
-    // The peer has the effective user of this process, which differs from the real user.
+    // The peer runs as the effective user of this process, which differs from its real user.
     const uid_t real = geteuid() + 1;
     uid_t peer = geteuid();
     SystemCalls system;
@@ -319,7 +320,8 @@ TEST_F(SystemCallTest, withoutDescriptorsAcceptingIsTriedOnceAndThenAgainNowAndT
             const RawPeer peer(path);
             EXPECT_TRUE(eventually([&] { return calls > 0; }));
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            // The listener retries every second. Allow for the time that a busy machine needs.
+            // The listener retries once per second. Measure the elapsed time, because a busy machine may be
+            // slow.
             const auto seconds =
                 std::chrono::floor<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
             EXPECT_LE(calls, 1 + seconds.count());

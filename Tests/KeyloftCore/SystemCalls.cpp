@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <string>
 
-// The linker's names (--wrap) for the original functions and for their replacements.
+// Names that the linker's option --wrap gives to the original functions and to their replacements.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 
 extern "C" {

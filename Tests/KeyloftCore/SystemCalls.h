@@ -13,10 +13,10 @@
 
 namespace TestSupport {
 
-/// Intercepts system calls: each function may answer a call in place of the kernel. The linker redirects the
-/// calls here (--wrap). A call whose function is empty or returns nothing goes to the kernel.
+/// Functions that intercept system calls. The linker redirects the calls (--wrap). A call goes to the kernel
+/// if its function is empty or returns `std::nullopt`.
 struct SystemCalls {
-    /// A result, and the value of `errno` if the result is -1.
+    /// The result of a call, and the value of `errno` if the result is negative.
     struct Answer {
         ssize_t result = 0;
         int error = 0;
@@ -41,13 +41,14 @@ struct SystemCalls {
     std::function<Maybe(int level, int option, void* value, socklen_t* length)> getsockopt;
     std::function<Maybe(int level, int option, const void* value)> setsockopt;
 
-    /// The functions in use, or null. Not owned.
+    /// The installed functions, or null. Not owned.
     static std::atomic<const SystemCalls*> current;
-    /// The number of threads that are calling them.
+    /// Number of threads that are currently in one of the functions.
     static std::atomic<int> asking;
 };
 
-/// Installs `calls` while it exists. The destructor waits for calls that are in progress.
+/// Installs `calls` for the lifetime of this object, which must not outlive `calls`. The destructor waits for
+/// calls that are in progress.
 class Intercepted {
 public:
     explicit Intercepted(const SystemCalls& calls) { SystemCalls::current = &calls; }
@@ -61,7 +62,7 @@ public:
     }
 };
 
-/// The real system calls.
+/// The system calls without interception.
 ssize_t realSend(int descriptor, const void* bytes, std::size_t count, int flags);
 int realStat(std::string_view path, struct stat* status);
 

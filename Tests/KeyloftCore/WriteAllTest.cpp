@@ -96,7 +96,7 @@ TEST(WriteAll, aFullPipeThatMayNotBlockIsAnError) {
 
 TEST(WriteAll, aStormOfSignalsInterruptsNothing) {
     struct sigaction action = {};
-    action.sa_handler = [](int) {}; // and without SA_RESTART
+    action.sa_handler = [](int) {}; // without SA_RESTART, so that calls fail with EINTR
     struct sigaction previous = {};
     ASSERT_EQ(sigaction(SIGUSR1, &action, &previous), 0);
     for (const bool isSocket : {false, true}) {

@@ -1,4 +1,4 @@
-// A program outside the project that exchanges one message with itself over the relay.
+// A program built outside the project that exchanges one message with itself over the relay.
 
 #include "KeyloftCore/AuthorizeRequest.h"
 #include "KeyloftCore/RelayListener.h"

@@ -1,4 +1,4 @@
-// The ownership of sessions, and the resources that they leave.
+// Tests the ownership of sessions, and that sessions do not leak resources.
 
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/ViewNative.h"
@@ -25,7 +25,7 @@ namespace {
 
 class AuthSessionLifetime : public AuthSessionTest {
 protected:
-    /// Watches the native widget of a view, which is finalized with its last reference.
+    /// Observes the finalization of a view's native widget, without holding a reference to it.
     class WatchedWidget {
     public:
         explicit WatchedWidget(Platform::View& view)
@@ -163,9 +163,10 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
                 << nativeWindows() << " windows are left";
         }
     };
-    // WebKitGTK keeps the last process of each site for five minutes, those of earlier tests included.
+    // WebKitGTK caches the last web process of each site for five minutes, including processes of earlier
+    // tests.
     const auto kept = TestSupport::webProcesses().size();
-    // The first sessions create what GTK and WebKitGTK keep until the program exits.
+    // The first sessions allocate resources that GTK and WebKitGTK keep until the program exits.
     runSessions(10);
     ASSERT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= kept + 1; }));
     const auto processes = TestSupport::webProcesses().size();
@@ -176,13 +177,11 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
     EXPECT_EQ(Platform::Application::shared().native().hosts.size(), hosts);
     EXPECT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= processes; }))
         << TestSupport::webProcesses().size() << " web processes";
-    // WebKitGTK keeps connections to its processes for a while. A leak would leave descriptors of every
-    // session.
+    // WebKitGTK keeps connections to its processes open for a while. A leak would leave open descriptors for
+    // every session.
     EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 20; }))
         << openDescriptors() << " descriptors after " << descriptors;
 }
-
-// Secrets
 
 TEST_F(AuthSessionLifetime, secretsAreNowhereOnStandardErrorButWhereTheLogPutsThem) {
     const std::string code = "code-" + std::string(40, 'c');

@@ -1,4 +1,4 @@
-// The ways in which the provider can answer, each with and without an initiator.
+// Tests the ways in which the provider can respond, each with and without an initiator.
 
 #include "Platform/AppKit/Window.h"
 #include "Tests/KeyloftCore/linux/SignInTest.h"
@@ -13,10 +13,10 @@ namespace {
 
 constexpr auto formCode = "c0123456789.provider's code";
 constexpr auto urlCode = "c0123456789.provider+s+code";
-/// Either code as the log shows it, and the request's state.
+/// The code and the state as abbreviated in the log. Both codes have the same abbreviation.
 constexpr auto shownValues = " code=c0123456…(27) state=state-of…(20)";
 
-/// The second page of the sign-in at the provider.
+/// The second page of the provider's sign-in.
 constexpr auto next = "https://appleid.apple.com/auth/continue";
 
 /// A form whose only button fills the page and has the keyboard focus.
@@ -31,17 +31,17 @@ std::string form(const std::string& action, const std::string& attributes = "") 
 
 class SignInAnswerTest : public SignInTest {
 protected:
-    /// One way in which the provider answers.
+    /// A way in which the provider can respond.
     struct Answer {
         std::string name;
         ResponseMode mode = ResponseMode::formPost;
         /// The body of the sign-in page, and the response at `next`.
         std::string page;
         HTTPResponse continuation;
-        /// The action of the page or the user after the page has loaded.
+        /// Called after the page has loaded. Performs the action of the page or the user.
         std::function<void()> act;
         Params params;
-        /// The log lines before the page has finished loading, and those from the action on.
+        /// Log lines that are written before the page has finished loading, and log lines that `act` causes.
         Lines linesOfFrames;
         Lines lines;
     };
@@ -61,7 +61,7 @@ protected:
         return std::string(R"(captured keys=["code", "state", "user"])") + shownValues;
     }
 
-    /// A form in the page itself that is submitted to the redirect URI.
+    /// The page contains a form that is submitted to the redirect URI.
     Answer byForm(const std::string& name, std::function<void()> act) const {
         return {.name = name,
                 .mode = ResponseMode::formPost,
@@ -73,7 +73,7 @@ protected:
                 .lines = linesOfPost()};
     }
 
-    /// The same form in a frame.
+    /// Like `byForm`, but the form is in a frame.
     Answer byFrame(const std::string& name, const std::string& attributes) const {
         auto answer = byForm(name, script("frames[0].document.forms[0].requestSubmit()"));
         answer.page = "<iframe src=/auth/continue></iframe>";
@@ -82,7 +82,8 @@ protected:
         return answer;
     }
 
-    /// A form that is submitted to the provider, which passes it on unchanged to the redirect URI.
+    /// The page contains a form that is submitted to the provider. A redirect with status 307 passes the form
+    /// on to the redirect URI unchanged.
     Answer byPassedOnForm() const {
         auto answer = byForm("a form passed on by 307", script("document.forms[0].requestSubmit()"));
         answer.page = form("/auth/continue");
@@ -96,8 +97,8 @@ protected:
         return answer;
     }
 
-    /// A redirect to a URL with the parameters after `separator`. The page runs the script `step` first,
-    /// which logs `linesOfStep`.
+    /// The script `step` navigates the page to the provider, which redirects it to a URL that contains the
+    /// parameters after `separator`. `linesOfStep` are the log lines of the script's navigation.
     Answer byRedirect(const std::string& name, ResponseMode mode, char separator, int status,
                       const std::string& step, const Lines& linesOfStep, int type) const {
         const auto location = std::string(callback) + separator + "code=" + urlCode + "&state=" + state;
@@ -161,7 +162,7 @@ protected:
         EXPECT_EQ(server->count("/callback"), 0U);
     }
 
-    /// Submits a form with an additional control to the redirect URI and waits for the ending.
+    /// Submits a form with an additional control to the redirect URI, and waits until the session has ended.
     void answerWithControl(const std::string& control) {
         results.clear();
         standardError.emplace();
@@ -195,7 +196,7 @@ TEST_F(SignInAnswerTest, isCapturedOnceAndNeverLoaded) { expectAnswersAreCapture
 
 TEST_F(SignInAnswerTest, toAnInitiatorIsCapturedOnceAndNeverLoaded) { expectAnswersAreCaptured(initiator); }
 
-// A control hides the form's member of the same name from the script; see docs/session.md.
+// A form control hides the form's property of the same name from the script. See docs/session.md.
 TEST_F(SignInAnswerTest, ofAFormWithAControlNamedActionOrMethodHasNoParameters) {
     for (const std::string name : {"action", "method"}) {
         SCOPED_TRACE(name);

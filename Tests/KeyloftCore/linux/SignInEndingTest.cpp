@@ -1,4 +1,4 @@
-// The end of sign-ins that get no answer or several answers.
+// Tests how sign-ins end that receive no response or several responses.
 
 #include "Platform/AppKit/Window.h"
 #include "Platform/WebKit/WebView.h"
@@ -19,8 +19,8 @@ const auto signInPage = HTTPResponse::html("<!DOCTYPE html><title>Sign in</title
 
 class SignInEndingTest : public SignInTest {
 protected:
-    /// Expects that the sign-in failed before it showed a page. The error repeats the message of the log
-    /// line.
+    /// Expects that the sign-in failed before a page was shown, and that the error's message is the message
+    /// in the log line.
     void expectFailure(const std::string& domainAndCode) const {
         ASSERT_EQ(results.size(), 1U);
         ASSERT_FALSE(results.front().has_value());

@@ -1,4 +1,4 @@
-// Runs the example program as a user would.
+// Tests the example program by running it as a user does.
 
 #include "Tests/KeyloftCore/linux/SignInTest.h"
 #include "Tests/Support/AccessibilityTree.h"
@@ -47,16 +47,16 @@ protected:
 
     static std::string quoted(const std::string& text) { return "'" + text + "'"; }
 
-    /// Serves a sign-in page that runs `script` once it is loaded.
+    /// Serves a sign-in page that runs `script` when it has loaded.
     void routePage(const std::string& page, const std::string& script) {
         server->route("/auth/authorize",
                       HTTPResponse::html("<!DOCTYPE html><title>Sign in</title>" + page +
                                          "<script>addEventListener('load', () => " + script + ")</script>"));
     }
 
-    /// Opens the Edit menu, the second one, and presses `keys`. The page gets F10 before the menu bar, so the
-    /// menu opens with a delay. A window without the keyboard focus misses the key, so press it several
-    /// times.
+    /// Opens the Edit menu, which is the second menu, and presses `keys`. The menu opens with a delay,
+    /// because the page receives F10 before the menu bar. The key press is lost if the window does not have
+    /// the keyboard focus, so it is repeated several times if necessary.
     [[nodiscard]] static bool chooseFromEditMenu(const TestSupport::Program& program,
                                                  const std::string& keys) {
         const auto isOpen = [&program] {

@@ -1,4 +1,4 @@
-// The navigations that a session allows.
+// Tests which navigations a session allows.
 
 #include "Platform/WebKit/WebView.h"
 #include "Tests/KeyloftCore/linux/SignInTest.h"
@@ -12,7 +12,7 @@ namespace {
 
 class SignInPolicyTest : public SignInTest {
 protected:
-    /// A navigation that the page attempts, and the log lines that follow.
+    /// A navigation that the page attempts, and the log lines that it causes.
     struct Attempt {
         std::string name;
         std::string script;

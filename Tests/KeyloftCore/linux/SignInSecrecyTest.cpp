@@ -1,5 +1,5 @@
-// A sign-in leaves nothing in WebKitGTK's data stores and files. The log contains no more of its secrets than
-// the documented beginnings.
+// Tests that a sign-in leaves no data in WebKitGTK's data stores and files, and that the log contains only
+// the documented prefixes of its secrets.
 
 #include "Platform/WebKit/WebView.h"
 #include "Tests/KeyloftCore/linux/SignInTest.h"
@@ -21,8 +21,8 @@ namespace {
 
 class SignInSecrecyTest : public SignInTest {
 protected:
-    /// A page that stores the marker in a cookie and in local storage. Its title and its form, which is
-    /// submitted to the redirect URI, contain what was stored before.
+    /// Returns a route for a page that stores `marker` in a cookie and in local storage. The page's title and
+    /// its form contain the previously stored values. The form is submitted to the redirect URI.
     static auto keepingPage(const std::string& marker) {
         return [marker](const HTTPRequest& request) {
             const auto cookie = request.headers.find("cookie");
@@ -41,8 +41,8 @@ protected:
         };
     }
 
-    /// Returns true if a file in the user's directories has the text in its path or its contents, in one or
-    /// two bytes per character.
+    /// Returns true if a file in the user's directories contains `text` in its path, or in its contents with
+    /// one or two bytes per character.
     static bool isOnDisk(const std::string& text) {
         std::string wide;
         for (const char character : text) {
@@ -64,7 +64,7 @@ protected:
         return false;
     }
 
-    /// The text on standard error, without the lines that show the beginning of a URL.
+    /// The output on standard error, without the log lines that show the beginning of a URL.
     std::string textWithoutURLs() const {
         std::string rest;
         std::istringstream text(standardError->text());
@@ -109,7 +109,7 @@ TEST_F(SignInSecrecyTest, nothingThatAPageKeepsOutlivesItsSession) {
     server->route("/auth/authorize", keepingPage("of-the-browser"));
     browser->load({.url = request(ResponseMode::formPost).url()});
     EXPECT_TRUE(runUntil([&] { return browser->title() == "none and undefined"; }));
-    // Prove that the search finds stored data.
+    // Prove that `isOnDisk` finds stored data.
     EXPECT_TRUE(runUntil([] { return isOnDisk("cookie-of-the-browser"); }));
     EXPECT_TRUE(runUntil([] { return isOnDisk("stored-of-the-browser"); }));
     EXPECT_FALSE(isOnDisk("cookie-of-a-session"));

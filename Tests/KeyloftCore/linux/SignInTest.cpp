@@ -17,14 +17,16 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// The beginnings of the lines that sessions log. WebKitGTK's processes and GTK write other lines.
+/// Prefixes of the lines that sessions log. GTK and the processes of WebKitGTK write other lines to standard
+/// error.
 constexpr auto beginnings = std::to_array<std::string_view>(
     {"loading ", "nav ", "blocked navigation to ", "didFinish ", "didFailProvisional ", "webViewDidClose",
      "form submit hooked ", "POST body ", "captured "});
 
 constexpr std::chrono::seconds patience(60);
 
-/// A blocked URL to which a test sends the page last. Once the block is logged, so is everything before it.
+/// A blocked URL, the last navigation of a test. Once the log reports the block, it also contains everything
+/// that was logged earlier.
 constexpr auto farewell = "https://farewell.example/";
 constexpr auto farewellBlocked = "blocked navigation to farewell.example";
 
@@ -42,7 +44,7 @@ void SignInTest::SetUp() {
 }
 
 void SignInTest::TearDown() {
-    // End the sessions that are still running: their completions refer to this test.
+    // End the sessions that are still running, because their completion handlers refer to this test.
     for (const auto& made : sessions_) {
         if (const auto running = made.lock(); running && AuthSessionInspector::runCount(*running) > 0) {
             AuthSessionInspector::timeoutTimer(*running)->fire();
@@ -120,8 +122,8 @@ SignInTest::Lines SignInTest::lines() const {
 
 void SignInTest::expectLinesOnceQuiet(const Lines& expected) const {
     EXPECT_TRUE(waitForLine(expected.back()));
-    // Set a timer: an immediate assignment replaces a navigation that the page has begun but WebKitGTK has
-    // not reported yet.
+    // Use a timer: an immediate assignment would replace a navigation that the page has started but WebKitGTK
+    // has not reported yet.
     run(std::string("setTimeout(() => { location.href = '") + farewell + "' })");
     EXPECT_TRUE(waitForLine(farewellBlocked));
     expectLines(expected);

@@ -15,7 +15,8 @@
 #include <string_view>
 #include <vector>
 
-/// Sign-ins in WebKitGTK at the provider's real host name. One server of the test answers for all hosts.
+/// Fixture for sign-ins in WebKitGTK with the provider's real host name. A single test server responds for
+/// all hosts.
 class SignInTest : public testing::Test {
 public:
     SignInTest(const SignInTest&) = delete;
@@ -34,49 +35,50 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// The authorize URL. Its secrets come after the part that log lines show.
+    /// The authorize URL. Its secrets follow the part that is shown in log lines.
     static std::string authorizeURL(KeyloftCore::ResponseMode mode);
     static KeyloftCore::AuthorizeRequest request(KeyloftCore::ResponseMode mode);
 
-    /// Makes a session whose endings go to `results`.
+    /// Creates a session that appends its result to `results` when it ends.
     std::shared_ptr<KeyloftCore::AuthSession>
     makeSession(KeyloftCore::ResponseMode mode = KeyloftCore::ResponseMode::formPost,
                 const std::optional<std::string>& initiatorOrigin = std::nullopt);
-    /// Makes `session` and starts it.
+    /// Creates `session` and starts it.
     void start(KeyloftCore::ResponseMode mode = KeyloftCore::ResponseMode::formPost,
                const std::optional<std::string>& initiatorOrigin = std::nullopt);
-    /// The same, and waits until the provider's page has loaded.
+    /// Like `start`, but also waits until the provider's page has loaded.
     void showPage(KeyloftCore::ResponseMode mode = KeyloftCore::ResponseMode::formPost,
                   const std::optional<std::string>& initiatorOrigin = std::nullopt);
 
     const std::shared_ptr<Platform::WebView>& webView() const;
     const std::shared_ptr<Platform::Window>& window() const;
 
-    /// Runs a script in the session's page and does not wait.
+    /// Starts a script in the session's page, and does not wait for its completion.
     void run(const std::string& script) const;
 
     [[nodiscard]] bool waitForEnding() const;
     [[nodiscard]] bool waitForLine(const std::string& line) const;
     [[nodiscard]] bool waitForTitle(const std::string& title) const;
 
-    /// The lines that sessions have logged to standard error.
+    /// Lines that sessions have logged to standard error.
     Lines lines() const;
-    /// Expects exactly these log lines. Waits for the last of them.
+    /// Waits for the last of these log lines, and expects that the log contains exactly these lines.
     void expectLines(const Lines& expected) const;
-    /// The same, and expects that no line follows.
+    /// Like `expectLines`, but also expects that no further line is logged afterwards.
     void expectLinesOnceQuiet(const Lines& expected) const;
 
-    /// The lines of a session that shows the provider's page.
+    /// Log lines that a session writes until the provider's page has loaded.
     static Lines linesOfPage(KeyloftCore::ResponseMode mode,
                              const std::optional<std::string>& initiatorOrigin = std::nullopt);
     static std::string navigation(std::string_view method, std::string_view url, int type = -1);
     static std::string finished(std::string_view url);
-    /// The log line that follows a stopped redirect.
+    /// Log line that follows a stopped redirect.
     static constexpr auto redirectStopped = "didFailProvisional WebKitErrorDomain 102 Frame load interrupted";
 
-    /// Expects exactly one ending: a result with these parameters for a request of this mode.
+    /// Expects that exactly one session has ended, with a result that has this response mode and these
+    /// parameters.
     void expectResult(KeyloftCore::ResponseMode mode, const Params& params) const;
-    /// Expects exactly one ending: this error.
+    /// Expects that exactly one session has ended, with this error.
     void expectError(const KeyloftCore::HostError& error) const;
 
     std::optional<TestSupport::HTTPServer> server;

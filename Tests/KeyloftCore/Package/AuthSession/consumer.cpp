@@ -1,5 +1,5 @@
-// A program outside the project that can carry out a sign-in. Without arguments it needs no display and only
-// prepares one.
+// A program built outside the project that can perform a sign-in. Without arguments, it only creates the
+// session, which requires no display.
 
 #include "KeyloftCore/AuthSession.h"
 #include "KeyloftCore/RelayTarget.h"
