@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-/// The objects that this or another program exposes to assistive technology, queried over the session's
-/// accessibility bus as a screen reader does. Main thread only. The main loop runs meanwhile, because this
-/// program may be the one that answers.
+/// Queries the objects that this or another program exposes to assistive technologies, over the session's
+/// accessibility bus, as a screen reader does. Main thread only. The functions run the main loop until the
+/// bus has replied, because this program may have to answer the query itself.
 namespace TestSupport {
 
 struct AccessibleObject {
-    /// The bus's name of the role, such as "push button" or "text".
+    /// The name of the AT-SPI role, such as "push button" or "text".
     std::string role;
     std::string name;
     bool isEnabled = false;
@@ -19,14 +19,14 @@ struct AccessibleObject {
     bool isFocused = false;
 };
 
-/// All objects of this program except those of web pages, each before the objects inside it. Throws
-/// std::runtime_error if the bus does not answer.
+/// Returns all objects of this program except those in web pages. Parents precede their children. Throws
+/// std::runtime_error if the bus does not reply.
 std::vector<AccessibleObject> accessibleObjects();
 
-/// All such objects of another process.
+/// Like `accessibleObjects()`, but for another process.
 std::vector<AccessibleObject> accessibleObjects(pid_t process);
 
-/// The objects of this program with this name.
+/// Like `accessibleObjects()`, but returns only the objects with this name.
 std::vector<AccessibleObject> accessibleObjects(const std::string& name);
 
 } // namespace TestSupport

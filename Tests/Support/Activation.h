@@ -7,7 +7,7 @@
 
 namespace TestSupport {
 
-/// Calls a method over the session bus. Returns true if it succeeded.
+/// Calls a D-Bus method on the session bus. Returns true if the call succeeded.
 inline bool callOverBus(const std::string& name, const std::string& object, const std::string& method,
                         const std::vector<std::string>& arguments = {}) {
     std::vector<std::string> words = {"gdbus",         "call", "--session", "--dest", name,
@@ -16,8 +16,9 @@ inline bool callOverBus(const std::string& name, const std::string& object, cons
     return Program("/usr/bin/env", words).waitForExit() == 0;
 }
 
-/// Calls Keyloft over the session bus as a desktop does: to open the URLs or, without URLs, to activate it.
-/// If the program is not running, the bus starts it from its service file.
+/// Opens the URLs in Keyloft or, without URLs, activates Keyloft. Calls org.freedesktop.Application on the
+/// session bus, as a desktop environment does. If Keyloft is not running, the bus launches it through its
+/// service file. Returns true if the call succeeded.
 inline bool activate(const std::vector<std::string>& urls = {}) {
     std::string list;
     for (const auto& url : urls) {

@@ -5,12 +5,12 @@
 
 namespace TestSupport {
 
-/// A native web view in a plain native window, without any class of Platform and with an ephemeral data store
-/// of its own: the baseline with which the program is compared. The destructor closes the window. Main thread
+/// A native web view in a native window, without any class of Platform. It is the baseline against which the
+/// program is measured. It has its own ephemeral data store. The destructor closes the window. Main thread
 /// only.
 class BareWebView {
 public:
-    /// The content's size in points.
+    /// Shows a window whose content has this size, in points.
     BareWebView(int width, int height);
     BareWebView(const BareWebView&) = delete;
     BareWebView& operator=(const BareWebView&) = delete;

@@ -13,8 +13,8 @@
 
 namespace TestSupport {
 
-/// Redirects standard error to a packet socket while it exists, so that each write remains a packet of its
-/// own.
+/// Redirects standard error to a packet socket for the lifetime of the object. Each write is received as a
+/// separate packet.
 class CapturedError {
 public:
     CapturedError()
@@ -40,7 +40,8 @@ public:
         return packet;
     }
 
-    /// The messages logged since the last call, in order, each without its final line feed.
+    /// Returns the messages that have been logged since the last call, in order and without their trailing
+    /// newlines.
     std::vector<std::string> messages() const {
         std::vector<std::string> messages;
         for (auto write = nextWrite(); !write.empty(); write = nextWrite()) {

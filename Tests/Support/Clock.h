@@ -4,7 +4,8 @@
 
 namespace TestSupport {
 
-/// Advances the monotonic clock of this process, and with it the main loop's timers. It is never set back.
+/// Advances the monotonic clock of this process, and therefore the main loop's timers. The clock cannot be
+/// set back.
 void advanceClock(std::chrono::seconds step);
 
 } // namespace TestSupport

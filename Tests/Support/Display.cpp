@@ -31,7 +31,7 @@ namespace {
 
 using Platform::Descriptor;
 
-// The time limit for the start of a server on a machine under load.
+// Timeout for the start of a server, long enough for a machine under load.
 constexpr auto startLimit = std::chrono::seconds(30);
 
 [[noreturn]] void fail(const std::string& what) {
@@ -52,8 +52,8 @@ struct Pipe {
     }
 };
 
-/// Waits until one of the descriptors is readable or closed at the other end. Returns false after
-/// `startLimit`.
+/// Waits until one of the descriptors is readable or its other end is closed. Returns false if `startLimit`
+/// elapses first.
 template <std::size_t count>
 bool waitForAny(std::array<pollfd, count>& descriptors) {
     const auto deadline = std::chrono::steady_clock::now() + startLimit;
@@ -74,8 +74,8 @@ bool waitForAny(std::array<pollfd, count>& descriptors) {
     }
 }
 
-/// The process that created an object. A process that a test forks destroys copies of its parent's objects if
-/// it exits normally. It must not release the resources of the originals.
+/// Identifies the process that created an object. If a process that a test forked exits normally, it destroys
+/// its copies of its parent's objects. It must not release the resources of the originals.
 class Maker {
 public:
     [[nodiscard]] bool isThisProcess() const { return ::getpid() == process_; }
@@ -84,14 +84,15 @@ private:
     pid_t process_ = ::getpid();
 };
 
-/// A child process that ends with this object, or with this process if that ends first.
+/// A child process that is terminated when this object is destroyed or when this process exits, whichever
+/// comes first.
 class Child {
 public:
     /// `output` becomes the child's standard output unless it is -1.
     Child(std::string name, const std::vector<std::string>& arguments, int output = -1)
         : name_(std::move(name)) {
-        // Create everything that the child needs before the fork: a test may have started threads, and then
-        // the child must not allocate or take a lock between fork and exec.
+        // Create everything that the child needs before the fork. A test may have started threads, so the
+        // child must not allocate memory or take a lock between fork and exec.
         std::vector<std::string> texts = arguments;
         std::vector<char*> argv;
         argv.reserve(texts.size() + 1);
@@ -106,11 +107,11 @@ public:
             fail("fork");
         }
         if (process_ == 0) {
-            // If the parent ended before this call, no signal will end this process.
+            // If the parent exited before this call, the kernel will not send the signal.
             if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || ::getppid() != parent) {
                 ::_exit(126);
             }
-            // SIGTERM must end the child even if the test program blocks or ignores it.
+            // SIGTERM must terminate the child even if the test program blocks or ignores the signal.
             ::signal(SIGTERM, SIG_DFL);
             sigset_t none;
             ::sigemptyset(&none);
@@ -139,8 +140,8 @@ public:
 
     [[nodiscard]] pid_t process() const { return process_; }
 
-    /// Returns the first line from `source`. Throws std::runtime_error if the child ends or `startLimit`
-    /// passes first.
+    /// Returns the first line from `source`. Throws std::runtime_error if the child terminates first, or if
+    /// `startLimit` elapses.
     std::string readLine(int source) const {
         std::string line;
         while (true) {
@@ -198,7 +199,7 @@ public:
         if (!maker_.isThisProcess()) {
             return;
         }
-        // Processes that the tests started may still write files while they end.
+        // Processes that the tests launched may still write files while they terminate.
         std::error_code error;
         for (int attempt = 0; attempt < 10; ++attempt) {
             std::filesystem::remove_all(path_, error);
@@ -239,7 +240,8 @@ public:
         if (::mkfifo(ready.c_str(), 0600) != 0) {
             fail("mkfifo");
         }
-        // Opened for reading and writing, the FIFO does not report an end before the first writer opens it.
+        // Open the FIFO for both reading and writing, so that it does not report end-of-file before the first
+        // writer opens it.
         const Descriptor source(::open(ready.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC),
                                 "open " + ready.string());
         windowManager_.emplace("openbox",
@@ -282,7 +284,7 @@ private:
         setVariable("LIBGL_ALWAYS_SOFTWARE", "1");
         setVariable("GIO_USE_VFS", "local");
         setVariable("GSETTINGS_BACKEND", "memory");
-        // These variables describe the session from which the tests were started.
+        // Unset the variables that describe the session from which the tests were launched.
         for (const char* name :
              {"DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS",
               "NO_AT_BRIDGE", "LC_ALL", "LANGUAGE", "GTK_THEME", "GTK_A11Y", "GTK_IM_MODULE"}) {
@@ -292,23 +294,23 @@ private:
 
     void startDisplay() {
         Pipe number;
-        // Disable auto-repeat (-r): on a machine under load a key is held long enough to repeat.
+        // Disable auto-repeat (-r): on a machine under load, a key may be held long enough to repeat.
         display_.emplace("Xvfb",
                          std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24",
                                                   "-nolisten", "tcp", "-noreset", "-r"},
                          number.writeEnd.get());
         number.writeEnd.close();
         setVariable("DISPLAY", ":" + display_->readLine(number.readEnd.get()));
-        // At the first typed key the X server announces a new keyboard to all clients. openbox then releases
-        // its key grabs and grabs the keys again, and misses what is typed in between (seen with 3.6.1, not
-        // reported). Type that key before there are clients.
+        // When the first key is pressed, the X server announces a new keyboard to all clients. openbox then
+        // releases and re-establishes its key grabs, and misses the keys that are pressed in between (seen
+        // with 3.6.1, not reported). Press the first key before there are clients.
         if (std::system("xdotool key --delay 0 Shift_L") != 0) {
             throw std::runtime_error("xdotool could not type a key");
         }
     }
 
-    // With the default configuration, the bus would start whatever is installed: portals, settings daemons
-    // and key rings, which differ between machines and outlive the test.
+    // With the default configuration, the bus would activate any installed service, such as a portal, a
+    // settings daemon or a key ring. The services differ between machines and outlive the test.
     void startBus() {
         const std::filesystem::path services = makeDirectory("services");
         const std::filesystem::path accessibility = "/usr/share/dbus-1/services/org.a11y.Bus.service";
@@ -331,16 +333,17 @@ private:
         setVariable("DBUS_SESSION_BUS_ADDRESS", bus_->readLine(address.readEnd.get()));
     }
 
-    // Destroyed from the last to the first. The directory is removed when no process uses it any more.
+    // Members are destroyed in reverse order. The directory is removed after the processes that use it have
+    // exited.
     TemporaryDirectory directory_;
     std::optional<Child> display_;
     std::optional<Child> bus_;
     std::optional<Child> windowManager_;
 };
 
-// The destructor ends the session after main(). The exit handlers of GTK and WebKitGTK still need the
-// display. Both are first used after this object is created, so their exit handlers run before the
-// destructor.
+// The destructor terminates the session after main() has returned. The exit handlers of GTK and WebKitGTK
+// still need the display. GTK and WebKitGTK are first used after this object is created, so their exit
+// handlers run before the destructor.
 std::optional<Session>& theSession() {
     static std::optional<Session> session;
     return session;

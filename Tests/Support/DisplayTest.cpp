@@ -17,7 +17,7 @@
 #include <string>
 #include <string_view>
 
-// Last, because its macros collide with names in other headers.
+// Included last because its macros collide with names in other headers.
 #include <X11/XKBlib.h>
 
 namespace {
@@ -46,7 +46,7 @@ bool accepts(const std::string& socketPath) {
 
 bool desktopsAreManaged() { return std::system("xdotool get_num_desktops >/dev/null 2>&1") == 0; }
 
-/// Returns true if the process has ended or ends within `limit` milliseconds.
+/// Returns true if the process has exited or exits within `limit` milliseconds.
 bool endsWithin(int limit, pid_t process) {
     const int descriptor = static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
     if (descriptor < 0) {
@@ -115,7 +115,7 @@ TEST(DisplayTestMain, theSessionOutlivesAForkedProcessThatExits) {
     EXPECT_TRUE(std::filesystem::exists(variable("HOME")));
 }
 
-// Run by the test below in a separate program.
+// The test below runs this test in a separate process.
 TEST(DisplayTestMain, DISABLED_isKilled) {
     TestSupport::startWindowManager();
     std::ofstream report(variable("KEYLOFT_KILLED_TEST_REPORT"));

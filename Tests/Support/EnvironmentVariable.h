@@ -6,7 +6,7 @@
 
 namespace TestSupport {
 
-/// Sets an environment variable while it exists, and then restores the previous value.
+/// Sets an environment variable for the lifetime of the object. The destructor restores the previous value.
 class EnvironmentVariable {
 public:
     EnvironmentVariable(const char* name, const char* value)

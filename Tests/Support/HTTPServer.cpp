@@ -24,7 +24,7 @@ namespace TestSupport {
 
 namespace {
 
-/// Binds to a free port of loopback and returns it.
+/// Binds to a free port on the loopback interface and returns the port.
 int bindToLoopback(int descriptor) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -47,7 +47,7 @@ void sendAll(int descriptor, std::string_view data) {
     }
 }
 
-/// Parses the request at the beginning of `text`. Returns nothing if it is incomplete.
+/// Parses the request at the beginning of `text`. Returns `std::nullopt` if the request is incomplete.
 std::optional<HTTPRequest> parse(std::string_view text) {
     const auto end = text.find("\r\n\r\n");
     if (end == std::string_view::npos) {
@@ -93,7 +93,7 @@ std::optional<HTTPRequest> parse(std::string_view text) {
 
 std::string serialize(const HTTPResponse& response) {
     using Ending = HTTPResponse::Ending;
-    // The number of bytes by which Content-Length exceeds an unfinished body.
+    // Number of bytes by which Content-Length exceeds the size of an incomplete body.
     constexpr std::size_t missing = 100000;
     const bool isWhole = response.ending == Ending::complete || response.ending == Ending::held;
     std::string text = "HTTP/1.1 " + std::to_string(response.status) + " Status\r\n";
@@ -176,7 +176,7 @@ private:
     struct Connection {
         Platform::Descriptor descriptor;
         std::string received;
-        /// Set once the request is complete.
+        /// The path of the request. Set when the request has been received completely.
         std::optional<std::string> path;
         /// The response that `release` sends.
         std::string heldAnswer;
@@ -213,7 +213,7 @@ private:
         }
     }
 
-    /// Carries out what other threads have requested. Returns false if the server must stop.
+    /// Handles the calls that other threads have queued. Returns false if the server must stop.
     bool obey() {
         std::uint64_t times = 0;
         [[maybe_unused]] const ssize_t size = ::read(wakeUp_.get(), &times, sizeof times);
@@ -290,7 +290,7 @@ private:
     Platform::Descriptor listener_;
     Platform::Descriptor wakeUp_;
     int port_ = 0;
-    std::vector<Connection> connections_; // used only by the thread
+    std::vector<Connection> connections_; // used only on the server's thread
     mutable std::mutex mutex_;            // guards the following members
     std::map<std::string, Route> routes_;
     std::vector<HTTPRequest> requests_;
@@ -328,7 +328,7 @@ std::vector<HTTPRequest> HTTPServer::requests(const std::string& path) const {
 
 HTTPServer::RefusedPort::RefusedPort()
     : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "test server's socket") {
-    // Bind the port so that no other process gets it, but do not listen on it.
+    // Bind to the port, so that no other process gets it, but do not listen on it.
     port_ = bindToLoopback(descriptor_.get());
 }
 

@@ -14,25 +14,27 @@ namespace TestSupport {
 
 struct HTTPRequest {
     std::string method;
-    /// Without the query.
+    /// The path of the URL, without the query.
     std::string path;
-    /// Without "?". Empty if the URL has no query.
+    /// The query of the URL, without the "?". Empty if the URL has no query.
     std::string query;
-    /// Names in lower case.
+    /// The header fields. Their names are in lower case.
     std::map<std::string, std::string> headers;
     std::string body;
 };
 
 struct HTTPResponse {
-    /// The end of the response and of its connection.
+    /// Determines how much of the response is sent, and whether the connection is closed.
     enum class Ending {
         /// The complete response is sent.
         complete,
-        /// Nothing is sent until `HTTPServer::release`, which sends the complete response.
+        /// Nothing is sent until `HTTPServer::release` is called, which sends the complete response.
         held,
-        /// Head and body are sent. The head announces more, which never comes.
+        /// The headers and the body are sent, but Content-Length announces more data. The connection stays
+        /// open.
         unfinished,
-        /// Head and body are sent. The head announces more, but the connection is closed.
+        /// The headers and the body are sent, but Content-Length announces more data. The connection is
+        /// closed.
         cutShort,
         /// The connection is closed without a response.
         dropped,
@@ -43,19 +45,19 @@ struct HTTPResponse {
     std::string body;
     Ending ending = Ending::complete;
 
-    /// A page that is not cached: the browser requests it each time.
+    /// Creates an HTML page that the browser must not cache, so that it requests the page each time.
     static HTTPResponse html(const std::string& body);
-    /// The same with this title.
+    /// Like `html`, for a page with this title.
     static HTTPResponse page(const std::string& title);
     static HTTPResponse redirect(const std::string& location, int status = 302);
 
-    /// A copy of this response with another ending.
+    /// Returns a copy of this response with a different ending.
     HTTPResponse withEnding(Ending other) const;
 };
 
-/// A web server on a free loopback port. It runs on a thread of its own and responds with the routes of the
-/// test. All functions may be called from any thread. Routes are called on the server's thread, one at a
-/// time, and must not call the server.
+/// An HTTP server on a free port on the loopback interface. It runs on its own thread, and its responses are
+/// determined by the routes that the test sets. All functions are thread-safe. Routes are called on the
+/// server's thread, one at a time, and must not call the server.
 class HTTPServer {
 public:
     using Route = std::function<HTTPResponse(const HTTPRequest&)>;
@@ -66,21 +68,21 @@ public:
     ~HTTPServer();
 
     int port() const;
-    /// The URL of `path`, which begins with "/".
+    /// Returns the URL of `path`, which must begin with "/".
     std::string url(const std::string& path) const;
 
-    /// Sets the response to requests for `path`. Requests for a path without a route get a 404.
+    /// Sets the response to requests for `path`. Requests for a path without a route get a 404 response.
     void route(const std::string& path, Route route);
     void route(const std::string& path, const HTTPResponse& response);
 
-    /// Sends the held responses of `path`. Later responses are held again.
+    /// Sends the held responses for `path`. Later responses are held again.
     void release(const std::string& path);
 
     /// The number of requests for `path` so far, and the requests themselves, in order.
     std::size_t count(const std::string& path) const;
     std::vector<HTTPRequest> requests(const std::string& path) const;
 
-    /// A loopback port that refuses connections while the object exists.
+    /// A port on the loopback interface that refuses connections for the lifetime of the object.
     class RefusedPort {
     public:
         RefusedPort();

@@ -11,7 +11,7 @@
 
 namespace TestSupport {
 
-/// A request body in memory that records how it is read.
+/// An in-memory request body that records calls to `open`, `read` and `close`.
 class MemoryStream : public Platform::InputStream {
 public:
     explicit MemoryStream(std::string bytes)
@@ -31,9 +31,9 @@ public:
     }
     void close() override { events.emplace_back("close"); }
 
-    /// The calls so far, in order.
+    /// The recorded calls, in order.
     std::vector<std::string> events;
-    /// After this many calls, reading fails.
+    /// The number of recorded calls after which `read` fails.
     std::size_t failsFrom = static_cast<std::size_t>(-1);
 
 private:

@@ -6,7 +6,7 @@
 
 namespace TestSupport {
 
-/// Returns the value. Throws if it is absent, which fails the test.
+/// Returns the value. Throws an exception, which fails the test, if there is no value.
 template <typename Value>
 Value present(std::optional<Value> value) {
     if (!value) {

@@ -16,7 +16,7 @@
 
 namespace TestSupport {
 
-/// The result of the child process of `inPrivateMounts`.
+/// The result of `inPrivateMounts`. `notAllowed` means that the kernel does not permit private mounts.
 enum class PrivateMountsResult { passed, failed, notAllowed };
 
 namespace Detail {
@@ -33,9 +33,9 @@ inline bool writeFile(const char* path, const std::string& text) {
 
 } // namespace Detail
 
-/// Moves this process into a new mount namespace and the namespaces `others` (CLONE_NEW… flags), within a new
-/// user namespace if the kernel requires it. The user and group ids stay the same, so processes outside see
-/// the same user. Returns false if the kernel does not allow it.
+/// Moves this process into a new mount namespace and into new namespaces of the kinds in `others` (CLONE_NEW…
+/// flags). Creates a user namespace as well if the kernel requires one. The user and group IDs stay the same,
+/// so processes outside see the same user. Returns false if the kernel does not permit the namespaces.
 inline bool enterNamespaces(int others = 0) {
     const int kinds = CLONE_NEWNS | others;
     if (unshare(kinds) != 0) {
@@ -50,8 +50,8 @@ inline bool enterNamespaces(int others = 0) {
     return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
-/// Runs `body` with its expectations in a child process whose mounts no other process sees. Tests use full
-/// and read-only disks because these make writes fail even for root.
+/// Runs `body`, including its GoogleTest assertions, in a child process with private mounts. Tests mount full
+/// and read-only file systems there, because these make writes fail even for root.
 inline PrivateMountsResult inPrivateMounts(const std::function<void()>& body) {
     static constexpr int failed = 1;
     static constexpr int notAllowed = 2;
@@ -74,7 +74,7 @@ inline PrivateMountsResult inPrivateMounts(const std::function<void()>& body) {
                                                : PrivateMountsResult::failed;
 }
 
-/// Mounts a disk with a capacity of `bytes` at `directory`.
+/// Mounts an in-memory file system with a capacity of `bytes` at `directory`.
 inline void mountSmallDisk(const std::string& directory, int bytes) {
     const std::string options = "size=" + std::to_string(bytes);
     ASSERT_EQ(mount("none", directory.c_str(), "tmpfs", 0, options.c_str()), 0);
@@ -84,7 +84,8 @@ inline void makeReadOnly(const std::string& directory) {
     ASSERT_EQ(mount("none", directory.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
 }
 
-/// Fills the disk at `directory` with a file "filler", and checks that nothing more fits.
+/// Fills the file system at `directory` with a file named "filler", and asserts that nothing else can be
+/// written.
 inline void fillDisk(const std::string& directory) {
     const int file = open((directory + "/filler").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_GE(file, 0);
@@ -106,7 +107,7 @@ inline void fillDisk(const std::string& directory) {
 
 } // namespace TestSupport
 
-/// Runs a function in private mounts, or skips the test if the kernel does not allow them.
+/// Runs a function with `inPrivateMounts`, or skips the test if the kernel does not permit private mounts.
 #define KEYLOFT_IN_PRIVATE_MOUNTS(...)                                                                       \
     do {                                                                                                     \
         const auto keyloftResult = TestSupport::inPrivateMounts(__VA_ARGS__);                                \

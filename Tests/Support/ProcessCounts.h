@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-/// The resources that a process uses, read from Linux's /proc.
+/// Counts the resources that this process uses, as listed in /proc.
 namespace TestSupport {
 
 inline std::size_t entriesOf(const std::filesystem::path& directory) {
@@ -19,11 +19,11 @@ inline std::size_t entriesOf(const std::filesystem::path& directory) {
     return count;
 }
 
-/// The number of open descriptors of this process, including the one with which the list is read.
+/// The number of open file descriptors of this process, including the one with which /proc is read.
 inline std::size_t openDescriptors() { return entriesOf("/proc/self/fd"); }
 inline std::size_t runningThreads() {
-    // A sanitizer starts a thread of its own along with the program's first one. The first count must include
-    // it.
+    // Sanitizers start a background thread together with the first thread of the program. Start a thread
+    // before the first count, so that every count includes the background thread.
     [[maybe_unused]] static const bool begun = [] {
         std::filesystem::path task;
         std::thread([&task] { task = "/proc/self/task/" + std::to_string(gettid()); }).join();
@@ -34,7 +34,7 @@ inline std::size_t runningThreads() {
     }();
     return entriesOf("/proc/self/task");
 }
-/// The number of threads with this name. A thread may end while the list is read.
+/// The number of threads of this process that have this name. Threads may exit while /proc is read.
 inline std::size_t runningThreads(const std::string& name) {
     std::size_t count = 0;
     for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {

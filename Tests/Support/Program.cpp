@@ -48,7 +48,8 @@ std::vector<std::string> environmentWith(const Program::Environment& changes) {
     return variables;
 }
 
-/// Waits until the descriptor is readable or closed at the other end.
+/// Waits until the descriptor is readable or its other end is closed. Returns false if `patience` elapses
+/// first.
 bool waitFor(int descriptor) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     pollfd polled{.fd = descriptor, .events = POLLIN, .revents = 0};
@@ -83,7 +84,7 @@ Program::Program(const std::filesystem::path& file, const std::vector<std::strin
     const pid_t parent = getpid();
     process_ = errors_ < 0 ? -1 : fork();
     if (process_ == 0) {
-        // If the parent ended before this call, no signal will end this process.
+        // If the parent exited before this call, the kernel will not send the signal.
         if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) {
             _exit(126);
         }

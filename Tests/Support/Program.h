@@ -10,11 +10,11 @@
 
 namespace TestSupport {
 
-/// A program of the project that runs in a separate process, in the test's session. The process ends with
-/// this object, or with the test if that ends first.
+/// A child process that runs a program of the project in the display session of the test. It is killed when
+/// this object is destroyed or when the test exits, whichever comes first.
 class Program {
 public:
-    /// Variables that differ from the test's own environment; those without a value are unset.
+    /// Environment variables that override those of the test. A variable without a value is unset.
     using Environment = std::map<std::string, std::optional<std::string>>;
 
     Program(const std::filesystem::path& file, const std::vector<std::string>& arguments,
@@ -26,17 +26,17 @@ public:
     pid_t id() const { return process_; }
     void signal(int number) const;
     bool isRunning() const;
-    /// Returns true if one of its threads has this name now.
+    /// Returns true if the process currently has a thread with this name.
     bool hasThread(const std::string& name) const;
 
-    /// Waits until the program ends and returns its exit status. Returns nothing if it does not end or a
-    /// signal ended it.
+    /// Waits until the program exits, and returns its exit status. Returns `std::nullopt` if the program does
+    /// not exit in time or is terminated by a signal.
     std::optional<int> waitForExit();
 
-    /// Returns the next line of its standard output, or nothing if no line comes.
+    /// Returns the next line of the program's standard output, or `std::nullopt` if no line arrives in time.
     std::optional<std::string> nextLine();
 
-    /// Everything it has written to standard error so far.
+    /// Everything that the program has written to standard error so far.
     std::string errors() const;
 
 private:

@@ -6,23 +6,24 @@
 
 namespace TestSupport {
 
-/// A private network in which the host names of the identity provider and of its clients resolve to this
-/// machine. A temporary certificate authority issues their certificates.
+/// A private network in which the host names of the identity provider and its clients resolve to this
+/// machine. A temporary certificate authority issues the certificates of these hosts.
 class ProviderNetwork {
 public:
-    /// Runs this program again inside such a network, with the same arguments, and exits with the status of
-    /// that run. Returns if the process is already inside, or if the kernel does not allow a private network.
-    /// To be called at the start of the program. Throws std::exception if the network cannot be prepared.
+    /// Runs this program again inside a private network, with the same arguments, and exits with the status
+    /// of that run. Returns if the process is already inside a private network, or if the kernel does not
+    /// permit one. Must be called at the start of the program. Throws std::exception if the network cannot be
+    /// set up.
     static void enter(const std::vector<std::string>& arguments);
 
-    /// The network that contains this process, or null.
+    /// The network to which this process belongs, or null.
     static const ProviderNetwork* current();
 
-    /// A key and a trusted certificate for these hosts.
+    /// A file with a private key and a trusted certificate for the hosts of the network.
     std::filesystem::path identity() const { return directory_ / "identity.pem"; }
-    /// A certificate for the same hosts from an unknown authority.
+    /// A file with a private key and a certificate for the same hosts, issued by an untrusted authority.
     std::filesystem::path strangersIdentity() const { return directory_ / "strangers-identity.pem"; }
-    /// A trusted certificate for another host.
+    /// A file with a private key and a trusted certificate for a different host.
     std::filesystem::path otherHostsIdentity() const { return directory_ / "other-hosts-identity.pem"; }
 
 private:

@@ -10,8 +10,8 @@
 
 namespace TestSupport {
 
-/// Captures what this process, and processes that it starts meanwhile, write to standard error while the
-/// object exists. The destructor writes it to the original standard error.
+/// Captures the standard error output of this process, and of processes that it launches, for the lifetime of
+/// the object. The destructor writes the captured output to the original standard error.
 class StandardError {
 public:
     StandardError()

@@ -5,19 +5,19 @@
 
 namespace TestSupport {
 
-/// A TLS proxy on loopback port 443 for a server without encryption. Runs on a thread of its own. In a
-/// private network, every user may listen on this port.
+/// A TLS proxy on port 443 of the loopback interface, for a server without encryption. It runs on its own
+/// thread. In a private network, unprivileged processes may listen on this port.
 class TLSServer {
 public:
     enum class Manner {
-        /// Forwards all data to the plain server and back.
+        /// Forwards all data between the client and the server without encryption.
         forwards,
-        /// Resets each connection as soon as the client sends something.
+        /// Resets each connection as soon as the client sends data.
         resets,
     };
 
-    /// `identity` is a file with a key and a certificate. `plainPort` is the plain server's port on loopback.
-    /// Throws std::runtime_error if port 443 is in use.
+    /// `identity` is a file with a private key and a certificate. `plainPort` is the loopback port of the
+    /// server without encryption. Throws std::runtime_error if port 443 is in use or the file cannot be read.
     TLSServer(const std::filesystem::path& identity, int plainPort, Manner manner = Manner::forwards);
     TLSServer(const TLSServer&) = delete;
     TLSServer& operator=(const TLSServer&) = delete;

@@ -14,7 +14,7 @@
 
 namespace TestSupport {
 
-/// A new directory, removed with its contents when the object is destroyed.
+/// A new directory that is removed with its contents when the object is destroyed.
 class TemporaryDirectory {
 public:
     TemporaryDirectory() {
@@ -38,7 +38,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// The names of the entries of a directory, hidden files included.
+/// Returns the names of all entries in a directory, including hidden files.
 inline std::set<std::string> namesIn(const std::filesystem::path& directory) {
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(directory)) {

@@ -8,10 +8,10 @@
 
 namespace TestSupport {
 
-/// Long enough for a loaded machine and a sanitizer. Only a failing test waits this long.
+/// Default timeout, long enough for a loaded machine and a sanitizer. Only failing tests wait this long.
 inline constexpr std::chrono::seconds patience(30);
 
-/// An event on another thread that can occur any number of times.
+/// Counts the occurrences of an event, and lets another thread wait for them. Thread-safe.
 class Event {
 public:
     void signal() {
@@ -20,7 +20,7 @@ public:
         changed_.notify_all();
     }
 
-    /// Waits until the event has occurred `times` times. Returns false after `patience`.
+    /// Waits until the event has occurred at least `times` times. Returns false if `patience` elapses first.
     [[nodiscard]] bool wait(std::size_t times = 1) {
         std::unique_lock lock(mutex_);
         return changed_.wait_for(lock, patience, [&] { return count_ >= times; });
@@ -37,8 +37,8 @@ private:
     std::size_t count_ = 0;
 };
 
-/// Polls a condition that no event announces, such as a file or a count in /proc. Returns true as soon as it
-/// holds, and false after `patience`.
+/// Polls a condition whose change is not signaled, such as the existence of a file or a count in /proc.
+/// Returns true as soon as the condition holds, or false if `patience` elapses first.
 template <typename Condition>
 [[nodiscard]] bool eventually(const Condition& condition) {
     const auto deadline = std::chrono::steady_clock::now() + patience;

@@ -6,11 +6,11 @@
 
 namespace TestSupport {
 
-/// The ids of WebKitGTK's web processes that belong to this process, in ascending order.
+/// Process IDs of the WebKitGTK web processes that belong to this process, in ascending order.
 std::vector<pid_t> webProcesses();
 
-/// Clears the default data store, so that WebKitGTK ends the processes that it keeps for the next page of a
-/// site. Then kills the web processes that are left. Returns false if one is left even then. Main thread
+/// Clears the default data store, so that WebKitGTK terminates the processes that it caches for the next page
+/// of a site. Then kills the remaining web processes. Returns false if any process survives. Main thread
 /// only.
 [[nodiscard]] bool forgetPages();
 

@@ -27,7 +27,7 @@ constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
 /// Bit numbers of the AT-SPI states.
 enum State { focusable = 11, focused = 12, sensitive = 24 };
 
-/// A connection to the accessibility bus. Calls block until the answer arrives, so use it on a separate
+/// A connection to the accessibility bus. Calls block until the reply arrives, so do not use it on the main
 /// thread.
 class Bus {
 public:
@@ -116,7 +116,7 @@ std::uint64_t statesOf(Bus& bus, const std::string& owner, const std::string& pa
     return states;
 }
 
-/// Calls `found` with the owner and the path of each child.
+/// Calls `found` with the bus name and the object path of each child.
 template <typename Found>
 void forEachChild(Bus& bus, const std::string& owner, const std::string& path, const Found& found) {
     const auto answer = bus.call(owner, path, accessibleInterface, "GetChildren");
@@ -181,7 +181,7 @@ std::vector<AccessibleObject> accessibleObjects(pid_t process) {
         }
         isDone = true;
     });
-    // The loop ends, because each call on the bus has a time-out.
+    // The loop terminates because each call on the bus has a time-out.
     while (!isDone) {
         static_cast<void>(runUntil([&] { return isDone.load(); }));
     }

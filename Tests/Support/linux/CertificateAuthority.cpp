@@ -27,8 +27,8 @@ void runOpenSSL(std::vector<std::string> arguments) {
     }
 }
 
-/// Writes a new key and a certificate with these extensions to one file. The certificate is signed by the key
-/// in `authority`, or self-signed without it.
+/// Writes a new private key and a certificate with these extensions to `file`. The key in `authority` signs
+/// the certificate. If `authority` is empty, the certificate is self-signed.
 void makeCertificate(const std::filesystem::path& file, const std::string& name,
                      const std::string& extensions, const std::filesystem::path& authority = {}) {
     const std::string configuration = file.string() + ".conf";

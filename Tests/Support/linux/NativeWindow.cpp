@@ -22,7 +22,7 @@
 #include <string_view>
 #include <utility>
 
-// Last, because it defines macros with common names.
+// Included last because it defines macros with common names.
 // clang-format off
 #include <gdk/x11/gdkx.h>
 // clang-format on
@@ -34,7 +34,7 @@ using Platform::TabHost;
 
 namespace {
 
-/// The time limit for actions of GTK.
+/// Timeout for GTK to complete an action.
 constexpr auto limit = std::chrono::seconds(10);
 
 TabHost& hostOf(Platform::Window& window) {
@@ -102,7 +102,7 @@ std::vector<GtkButton*> buttonsOf(GtkWidget* sheet) {
         buttons.push_back(GTK_BUTTON(widget));
         return false;
     });
-    // The default button is at the trailing end.
+    // The default button is at the trailing end, but must be first in the result.
     return {buttons.rbegin(), buttons.rend()};
 }
 
@@ -194,7 +194,7 @@ GtkWidget* popoverOf(GtkWidget* menuBarItem) {
     return find(menuBarItem, [](GtkWidget* widget) { return GTK_IS_POPOVER(widget); });
 }
 
-/// A key of the current keyboard layout, and the shift level of one of its characters.
+/// A key in the current keyboard layout, and the shift level at which it types a given character.
 struct Key {
     guint code = 0;
     int level = 0;
@@ -351,7 +351,7 @@ bool frameHintsAllowMinimizing(Platform::Window& window) {
     if (count < 3 || format != 32) {
         return true;
     }
-    // The hints are flags, functions and decorations.
+    // The first three words of the hints are flags, functions and decorations.
     const auto* hints = reinterpret_cast<const unsigned long*>(data);
     const bool function = (hints[0] & 1) == 0 || (hints[1] & (all | minimize)) != 0;
     const bool button = (hints[0] & 2) == 0 || (hints[2] & (all | minimizeButton)) != 0;
@@ -482,7 +482,7 @@ ScreenPoint menuTitleOnScreen(Platform::Window& window, const std::string& title
 }
 
 void chooseFromMenu(Platform::Window& window, const std::string& title, const std::string& item) {
-    // GTK 4.8.3 sometimes ignores a click on a title soon after a menu closed (not reported).
+    // GTK 4.8.3 sometimes ignores a click on a title shortly after a menu was closed (not reported).
     constexpr int clicks = 3;
     for (int i = 0; i < clicks && !isMenuOpen(window, title); ++i) {
         clickAt(menuTitleOnScreen(window, title));
@@ -628,14 +628,14 @@ void runScript(Platform::WebView& view, const std::string& script) {
 
 bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes) {
     bool isTold = false;
-    // Connected after the view's own handler, and therefore called after it.
+    // This handler is connected after the view's handler, and is therefore called after it.
     const Platform::SignalConnection connection(
         widgetOf(view), "web-process-terminated",
         G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, gpointer told) {
             *static_cast<bool*>(told) = true;
         }),
         &isTold);
-    // Process 0 is the test's own process group.
+    // Reject process ID 0, with which `kill` would signal the test's own process group.
     return std::ranges::all_of(processes,
                                [](pid_t process) { return process > 0 && ::kill(process, SIGKILL) == 0; }) &&
            runUntil([&] { return isTold; });

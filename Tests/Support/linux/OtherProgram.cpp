@@ -1,6 +1,6 @@
 #include <gtk/gtk.h>
 
-/// An unrelated program that shows a window, which takes the keyboard focus.
+/// A program that is unrelated to Keyloft. It shows a window, which takes the keyboard focus.
 int main() {
     gtk_init();
     GtkWidget* window = gtk_window_new();

@@ -33,8 +33,8 @@ ifreq interfaceRequest(std::string_view name) {
     return request;
 }
 
-/// Adds a second address: the resolver (AI_ADDRCONFIG) treats a machine whose only address is 127.0.0.1 as
-/// having no address and resolves no names.
+/// Brings up the loopback interface and adds a second address. The resolver (AI_ADDRCONFIG) treats a machine
+/// whose only address is 127.0.0.1 as having no address, and does not resolve any names.
 void raiseLoopback() {
     const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     check(socket, "socket");
@@ -58,9 +58,9 @@ void openAllPorts() {
     first << 0;
 }
 
-/// An X server looks in its network namespace for servers with the same display number. If it finds none, it
-/// takes over the socket in this folder. Inside a private network it would take over the sockets of servers
-/// outside.
+/// Hides the sockets of X servers outside the private network. An X server looks only in its network
+/// namespace for servers with the same display number. If there are none, it takes over the socket in this
+/// directory, which may belong to a server outside.
 void hideDisplays() {
     const char* sockets = "/tmp/.X11-unix";
     ::mkdir(sockets, 01777);

@@ -6,10 +6,10 @@
 
 namespace TestSupport {
 
-/// Gives this process and its future children a private network, private mounts and private X displays. The
-/// network has only the loopback interface, and every user may listen on every port. Returns false if the
-/// kernel does not allow it. To be called once, in a process with a single thread. Throws std::system_error
-/// for any other failure.
+/// Moves this process and its future children to a private network with private mounts and private X
+/// displays. The network has only the loopback interface, and unprivileged processes may listen on all its
+/// ports. Returns false if the kernel does not permit this. Must be called only once, in a single-threaded
+/// process. Throws std::system_error for any other failure.
 [[nodiscard]] bool enterPrivateNetwork();
 
 /// Replaces /etc/hosts with `file` in the private mounts.

@@ -21,10 +21,10 @@ namespace TestSupport {
 
 namespace {
 
-/// The environment variable with the directory of the network that contains the process.
+/// Environment variable that contains the directory of the network to which the process belongs.
 constexpr auto variable = "KEYLOFT_TEST_PROVIDER_NETWORK";
 
-/// The exit status of a child that is not allowed to enter a network.
+/// Exit status of a child process that is not permitted to enter a private network.
 constexpr int notAllowed = 125;
 
 const std::vector<std::string>& hosts() {
@@ -83,7 +83,7 @@ bool ProviderNetwork::join() const {
 }
 
 /// Runs the program inside the network and returns its exit status. An unprivileged process may enter a
-/// network only while it has a single thread, and WebKitGTK's libraries start a thread before main().
+/// private network only while it is single-threaded, but WebKitGTK's libraries start a thread before main().
 /// Therefore a child process enters the network and executes the program again.
 int ProviderNetwork::runInside(std::vector<std::string> arguments) const {
     std::vector<char*> argv;

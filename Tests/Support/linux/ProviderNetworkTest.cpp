@@ -18,7 +18,7 @@ using Platform::GObjectPtr;
 
 namespace {
 
-/// The outcome of a load.
+/// Result of a load: the title of the page, or the error.
 struct Outcome {
     bool isOver = false;
     std::string title;
@@ -42,7 +42,7 @@ void titleChanged(WebKitWebView* view, GParamSpec* /*property*/, gpointer data) 
     outcome.isOver = !outcome.title.empty();
 }
 
-/// Loads the URL in a WebKitGTK view without any class of the project.
+/// Loads the URL in a `WebKitWebView` directly, without Platform's WebView.
 Outcome load(const std::string& url) {
     gtk_init();
     const auto session = GObjectPtr<WebKitNetworkSession>::adopt(webkit_network_session_new_ephemeral());

@@ -32,7 +32,7 @@ GObjectPtr<GTlsCertificate> readIdentity(const std::filesystem::path& file) {
     return certificate;
 }
 
-/// Resets the connection in the middle of the client's first message, instead of closing it in order.
+/// Resets the connection when the client's first message arrives, instead of closing it normally.
 gboolean reset(GSocket* socket, GIOCondition /*condition*/, gpointer /*data*/) {
     const linger atOnce{.l_onoff = 1, .l_linger = 0};
     ::setsockopt(g_socket_get_fd(socket), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
@@ -48,7 +48,8 @@ public:
         : identity_(readIdentity(identity))
         , plainPort_(static_cast<guint16>(plainPort))
         , manner_(manner) {
-        // Sources of connections attach to this context, and therefore to the thread that runs it.
+        // Event sources of connections attach to this context, so they are dispatched on the thread that runs
+        // it.
         g_main_context_push_thread_default(context_.get());
         service_ = GObjectPtr<GSocketService>::adopt(g_socket_service_new());
         g_autoptr(GError) error = nullptr;
@@ -144,7 +145,7 @@ private:
     Manner manner_;
     GObjectPtr<GCancellable> cancellable_ = GObjectPtr<GCancellable>::adopt(g_cancellable_new());
     GObjectPtr<GSocketService> service_;
-    int connections_ = 0; // used only by the thread, like the next member
+    int connections_ = 0; // used only on the server's thread, like `stopped_`
     bool stopped_ = false;
     std::thread thread_;
 };

@@ -35,7 +35,7 @@ std::optional<pid_t> number(std::string_view text) {
     return error == std::errc() && end == text.end() ? std::optional(value) : std::nullopt;
 }
 
-/// Returns nothing for a process that has ended, even if its parent has not waited for it.
+/// Returns `std::nullopt` if the process has exited, even if its parent has not yet waited for it.
 std::optional<Process> readProcess(const std::filesystem::path& folder) {
     const std::ifstream file(folder / "stat");
     std::ostringstream contents;
@@ -91,8 +91,9 @@ bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> session
     sessions.push_back(Platform::networkSession(Platform::WebsiteDataStore::defaultStore));
     const auto deadline = std::chrono::steady_clock::now() + 2s;
     do {
-        // WebKitGTK ends the processes that it keeps for a store when it removes the store's data. A view
-        // that was just released may add its process afterwards, so repeat.
+        // WebKitGTK terminates the processes that it caches for a data store when the data of the store is
+        // removed. A view that was just released may add its process to the cache afterwards, so repeat the
+        // removal.
         for (const auto& session : sessions) {
             bool removed = false;
             webkit_website_data_manager_clear(
@@ -107,9 +108,9 @@ bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> session
             return true;
         }
     } while (std::chrono::steady_clock::now() < deadline);
-    // WebKitGTK never releases a view that it was given for a page without an opener (seen with 2.50, not
-    // reported), and so never ends the process of that page. It keeps a spare process once a page has moved
-    // to a process of its own.
+    // WebKitGTK never releases a view that was created for a page without an opener (seen with 2.50, not
+    // reported), so it never terminates the process of that page. It also keeps a spare process after a page
+    // has moved to a different process.
     for (const pid_t process : webProcesses()) {
         ::kill(process, SIGKILL);
     }

@@ -5,14 +5,17 @@
 
 namespace TestSupport {
 
-/// Runs a program from PATH until it ends. The main loop runs meanwhile. Fails the test if the program fails.
+/// Runs a program that is found in PATH, and runs the main loop until the program exits. Fails the test if
+/// the exit status is not 0.
 void runProgram(const std::vector<std::string>& arguments);
 
-/// Types, clicks and moves the pointer through the X server, as a user does. The main loop runs meanwhile.
+/// Runs xdotool, which sends key presses, clicks and pointer motion through the X server. Runs the main loop
+/// until xdotool exits.
 void runXdotool(const std::vector<std::string>& arguments);
 
-/// Runs xdotool with arguments in shell syntax and returns its output lines. Ignores errors, such as a window
-/// that is not found. The main loop does not run meanwhile, so use it for windows of other programs.
+/// Runs xdotool with arguments in shell syntax, and returns the lines of its output. Ignores errors, for
+/// example if a window is not found. Does not run the main loop, so use it only for windows of other
+/// programs.
 std::vector<std::string> askXdotool(const std::string& arguments);
 
 } // namespace TestSupport
