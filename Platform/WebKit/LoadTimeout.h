@@ -7,16 +7,16 @@
 
 namespace Platform {
 
-/// Limits the time from the start of a load to the commit of its page. Main thread only.
+/// Limits the time between the start of a load and the commit of its page. Main thread only.
 class LoadTimeout {
 public:
-    /// Creates a stopped timeout. `expired` is called `interval` seconds after the start; never if `interval`
-    /// is not positive.
+    /// Creates a timeout that is not running. `expired` is called `interval` seconds after the timeout is
+    /// started or restarted. If `interval` is not positive, the timeout never expires.
     LoadTimeout(Timer::Interval interval, std::function<void()> expired);
 
-    /// Starts or restarts the interval.
+    /// Starts the timeout, or restarts it if it is running or has expired.
     void start();
-    /// Restarts the interval if it is running or has expired.
+    /// Restarts the timeout if it is running or has expired. Does nothing if it is stopped.
     void restart();
     void stop() { timer_.reset(); }
 

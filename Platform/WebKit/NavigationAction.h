@@ -9,9 +9,9 @@
 
 namespace Platform {
 
-/// The cause of a navigation. The values are those of WKNavigationType.
+/// The cause of a navigation. The values match those of WKNavigationType.
 enum class NavigationType {
-    other = -1, ///< By the program, a script or the source of a frame.
+    other = -1, ///< Initiated by the program, by a script, or by loading the source of a frame.
     linkActivated = 0,
     formSubmitted = 1,
     backForward = 2,
@@ -19,23 +19,23 @@ enum class NavigationType {
     formResubmitted = 4,
 };
 
-/// A navigation in any frame of a page. A plain value, so that tests can construct it.
+/// A navigation in any frame of a page. A plain value type, so that tests can construct it.
 struct NavigationAction {
-    /// Absent if WebKit's text is not a valid URL.
+    /// Absent if the string that WebKit provides is not a valid URL.
     std::optional<URL> url;
-    /// Absent for schemes that have no methods.
+    /// The HTTP method. Absent for schemes that do not use methods.
     std::optional<std::string> method;
-    /// The complete body of the request. WebKitGTK provides neither the body nor a stream.
+    /// The complete request body. WebKitGTK provides neither the body nor a stream.
     std::optional<std::string> body;
-    /// The body as an unopened stream. Null if WebKit does not provide one.
+    /// The request body as a stream that has not been opened. Null if WebKit does not provide a stream.
     std::shared_ptr<InputStream> bodyStream;
     NavigationType navigationType = NavigationType::other;
 };
 
-/// The frame whose script opens a panel. A plain value.
+/// The frame whose script opens a panel. A plain value type.
 struct FrameInfo {
-    /// The URL of the frame's request. WebKitGTK does not identify frames, so there it is the URL of the
-    /// page.
+    /// The URL of the frame's request. WebKitGTK does not identify the frame, so on Linux this is the URL of
+    /// the page.
     std::optional<URL> url;
 };
 

@@ -13,8 +13,8 @@ enum class NavigationActionPolicy { cancel, allow };
 
 /// Receives the navigation events of a web view on the main thread. The default implementations do nothing.
 ///
-/// Errors have the domains and codes of Foundation and WebKit: "NSURLErrorDomain" (-999 cancelled, -1001
-/// timed out, -1003 host not found …) and "WebKitErrorDomain" (102 frame load interrupted …).
+/// Errors use the domains and codes of Foundation and WebKit: "NSURLErrorDomain" (-999 cancelled, -1001 timed
+/// out, -1003 host not found, …) and "WebKitErrorDomain" (102 frame load interrupted, …).
 class NavigationDelegate {
 public:
     virtual ~NavigationDelegate() = default;
@@ -25,23 +25,25 @@ public:
     /// A load failed after its page committed.
     virtual void didFailNavigation(WebView& /*webView*/, const Error& /*error*/) {}
 
-    /// A load failed before its page committed; the previous page stays. A redirect that the policy cancels
-    /// fails with WebKitErrorDomain 102. Cancelling any other navigation does not report a failure.
+    /// A load failed before its page committed. The previous page remains. If the policy delegate cancels a
+    /// redirect, the load fails with error 102 of "WebKitErrorDomain". Cancelling a navigation that is not a
+    /// redirect does not report a failure.
     virtual void didFailProvisionalNavigation(WebView& /*webView*/, const Error& /*error*/) {}
 };
 
-/// A navigation delegate that also decides about navigations. Without one, WebKit allows every navigation
-/// that it can load; on macOS it passes other URLs, such as `mailto:`, to the program that handles them.
+/// A navigation delegate that also decides whether to allow each navigation. Without a policy delegate,
+/// WebKit allows every navigation to a URL that it can load. On macOS, it passes other URLs, such as
+/// `mailto:`, to the application that handles them.
 class NavigationPolicyDelegate : public NavigationDelegate {
 public:
-    /// Answers one policy question. May be called during `decidePolicy` or later, on the main thread. Only
-    /// the first call counts. Destroying the handler without a call answers with `cancel`.
+    /// Completes one policy decision. May be called during `decidePolicy` or later, on the main thread. Only
+    /// the first call has an effect. Destroying the handler without calling it cancels the navigation.
     using DecisionHandler = std::function<void(NavigationActionPolicy)>;
 
-    /// Decides about a navigation of the page or one of its frames. Called before every navigation, every
-    /// redirect and every new window that a link or a form requests, but not for the page of
-    /// `WebView::loadHTMLString` itself, nor for `history.pushState` and moves through the history within one
-    /// document.
+    /// Decides whether to allow a navigation of the page or of one of its frames. Called before every
+    /// navigation, before every redirect, and before every new window that a link or a form requests. Not
+    /// called for the page of `WebView::loadHTMLString` itself, for `history.pushState`, or for history
+    /// navigations within one document.
     virtual void decidePolicy(WebView& webView, const NavigationAction& action,
                               const DecisionHandler& decisionHandler) = 0;
 };

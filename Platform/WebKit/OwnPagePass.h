@@ -6,19 +6,20 @@
 
 namespace Platform {
 
-/// Allows the navigation to a page that the program supplies (`WebView::loadHTMLString`) once, without asking
-/// the delegate. WebKit asks for a policy decision about such a page as about any other.
+/// Allows one navigation to a page that the program supplies (`WebView::loadHTMLString`) without asking the
+/// delegate. WebKit requests a policy decision for these pages too.
 class OwnPagePass {
 public:
-    /// Arms the pass for a page with `baseURL`. Returns the base URL to pass to WebKit, which cannot use a
-    /// relative reference: `baseURL` if it is absolute, otherwise nothing.
+    /// Arms the pass for a page with the given base URL. Returns the base URL to pass to WebKit: `baseURL` if
+    /// it is absolute, otherwise nothing, because WebKit cannot use a relative reference.
     std::optional<URL> arm(const std::optional<URL>& baseURL);
-    /// Called at every commit, failure and cancellation, and before every other load.
+    /// Called on every commit, failure and cancellation, and before every other load.
     void disarm() { page_.reset(); }
 
-    /// Returns true, and disarms, if `action` is the navigation to the page: of type `other`, not a redirect,
-    /// and to the base URL's scheme, host, effective port and path, or to about:blank if there is no base
-    /// URL. Scheme and host are compared case-insensitively, because WebKit may change their case.
+    /// Returns true and disarms the pass if `action` is the navigation to the page. The navigation must have
+    /// the type `other` and must not be a redirect. Its scheme, host, effective port and path must match
+    /// those of the base URL; without a base URL, it must lead to about:blank. Scheme and host are compared
+    /// case-insensitively, because WebKit may change their case.
     bool use(const NavigationAction& action, bool isRedirect);
 
 private:

@@ -11,7 +11,7 @@
 
 namespace Platform {
 
-/// A question from a page that may still be unanswered.
+/// A reply that WebKit may still be waiting for.
 class PendingReply {
 public:
     PendingReply() = default;
@@ -20,12 +20,12 @@ public:
     virtual ~PendingReply() = default;
 
     virtual bool isAnswered() const = 0;
-    /// Gives the safe answer, unless the question is already answered.
+    /// Sends the safe answer, unless an answer has already been sent.
     virtual void answerSafely() = 0;
 };
 
-/// Answers a question from WebKit exactly once: with the first answer, or with the safe answer on
-/// destruction. Main thread only.
+/// Replies to a question from WebKit exactly once: with the first answer that is given, or with the safe
+/// answer on destruction. Main thread only.
 template <typename... Answer>
 class Reply final : public PendingReply {
 public:
@@ -51,10 +51,11 @@ private:
     std::tuple<Answer...> safeAnswer_;
 };
 
-/// The open questions of one page, so that they can be answered when its process ends. Main thread only.
+/// The pending replies of one page, so that all of them can be answered when its web process terminates or
+/// its view is destroyed. Main thread only.
 class PendingReplies {
 public:
-    /// Holds `reply` weakly. The code that answers the question owns it.
+    /// Adds a weak reference to `reply`. The completion handler that gives the answer owns the reply.
     void add(const std::weak_ptr<PendingReply>& reply) {
         std::erase_if(replies_, [](const auto& other) { return !isOpen(other); });
         replies_.push_back(reply);
@@ -62,7 +63,7 @@ public:
 
     bool areOpen() const { return std::ranges::any_of(replies_, isOpen); }
 
-    /// Gives each open question the safe answer.
+    /// Sends the safe answer for each pending reply.
     void answerAllSafely() {
         for (const auto& weak : std::exchange(replies_, {})) {
             if (const auto reply = weak.lock()) {

@@ -7,43 +7,45 @@
 
 namespace Platform {
 
-/// A script that the program adds to pages. A plain value.
+/// A script that the program injects into pages. A plain value type.
 struct UserScript {
-    /// The moment at which a script runs.
+    /// The time at which the script runs.
     enum class InjectionTime {
-        /// Before anything of the page runs.
+        /// Before any content of the page is loaded.
         atDocumentStart,
         atDocumentEnd,
     };
 
-    /// The JavaScript code.
     std::string source;
     InjectionTime injectionTime = InjectionTime::atDocumentEnd;
-    /// If false, the script runs in every frame, regardless of its origin.
+    /// If false, the script runs in every frame, regardless of the frame's origin.
     bool forMainFrameOnly = true;
 };
 
-/// A value that a page's script posted to a handler.
+/// A message that a script in a page posted to a handler.
 struct ScriptMessage {
     /// The handler's name.
     std::string name;
-    /// Null if `JSON.stringify` cannot convert the value, or `JSONValue::parse` refuses the result.
+    /// The posted value. Null if `JSON.stringify` cannot convert the value or `JSONValue::parse` rejects the
+    /// result.
     JSONValue body;
 
-    /// Returns the body for `json`, the result of `JSON.stringify` or an empty text if that failed.
+    /// Returns the body for `json`, which is the result of `JSON.stringify`, or an empty string if the
+    /// conversion failed.
     static JSONValue bodyOf(const std::string& json);
 };
 
-/// Receives messages that pages post. Main thread only.
+/// Receives messages that are posted by pages. Main thread only.
 class ScriptMessageHandler {
 public:
     virtual ~ScriptMessageHandler() = default;
 
-    /// Any frame of any page may have posted `message`, so validate its body.
+    /// `message` may come from any frame of any page, so validate its body.
     virtual void didReceiveScriptMessage(const ScriptMessage& message) = 0;
 };
 
-/// Scripts and message handlers for the pages of the web views that share the controller. Main thread only.
+/// The user scripts and message handlers for the pages of all web views that share this controller. Main
+/// thread only.
 class UserContentController {
 public:
     /// Creates a controller without scripts or handlers.
@@ -53,15 +55,16 @@ public:
     UserContentController& operator=(const UserContentController&) = delete;
     ~UserContentController();
 
-    /// Adds a handler that pages in any frame call as `window.webkit.messageHandlers.NAME.postMessage(…)`.
-    /// The handler is held weakly; messages to a destroyed handler are dropped. Each name may be added only
-    /// once.
+    /// Adds a message handler. Scripts in any frame can post messages to it with
+    /// `window.webkit.messageHandlers.NAME.postMessage(…)`. The handler is held weakly; messages to a
+    /// destroyed handler are dropped. Each name may be added only once.
     void addScriptMessageHandler(const std::weak_ptr<ScriptMessageHandler>& handler, const std::string& name);
 
-    /// Adds a script that runs in the page's own script world, in every page that begins to load afterwards.
+    /// Adds a script to every page that starts to load after this call. The script runs in the same script
+    /// world as the scripts of the page.
     void addUserScript(const UserScript& script);
 
-    /// The native controller, for Platform's own sources.
+    /// The native controller. For internal use by Platform.
     struct Native;
     Native& native() { return *native_; }
 

@@ -8,34 +8,36 @@
 
 namespace Platform {
 
-/// Decides when a page is reloaded after its web process ended, and which load is repeated. Main thread only.
+/// Decides when to reload a page whose web process has terminated, and which load to repeat. Main thread
+/// only.
 ///
-/// The page is reloaded once, when it is next visible. After a second failure within a minute it waits for
-/// the user, because the page itself is probably the cause.
+/// The page is reloaded once, as soon as it is visible. After a second failure within a minute, the page is
+/// not reloaded until the user requests it, because the page itself is probably the cause.
 class WebProcessRecovery {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// `now` is called for the time of each failure.
+    /// `now` returns the current time. It is called on each failure.
     explicit WebProcessRecovery(std::function<Clock::time_point()> now = Clock::now);
 
     enum class Cause {
         failure,
-        /// The program ended the process itself, to make room for another.
+        /// The program terminated the process to make room for another process.
         eviction,
     };
-    /// The web process ended. `interrupted` is the load that had not committed, which a reload would not
-    /// repeat. `hasPage` is false if there is nothing to reload.
+    /// The web process has terminated. `interrupted` is the load that had not committed yet; reloading the
+    /// page would not repeat it. `hasPage` is false if there is nothing to reload.
     void processEnded(Cause cause, std::optional<URLRequest> interrupted, bool hasPage);
-    /// A navigation was requested, so no reload is needed.
+    /// A navigation was requested, so the page is no longer reloaded automatically.
     void navigationRequested();
-    /// The view has a web process with a page again.
+    /// The view has a page in a running web process again.
     void pageReturned();
 
-    /// Returns true from the end of the process until a page is back. Views keep reporting the last page.
+    /// Returns true from the termination of the web process until `pageReturned` is called. During this time,
+    /// views keep reporting the URL and title of the last page.
     bool isPageGone() const { return state_ != State::running; }
     bool reloadsWhenVisible() const { return state_ == State::reloadsWhenVisible; }
-    /// The load to repeat instead of a reload, if any.
+    /// The load to repeat instead of reloading the page, if any.
     const std::optional<URLRequest>& interrupted() const { return interrupted_; }
 
 private:

@@ -17,15 +17,15 @@ namespace Platform {
 
 class WebViewEngine;
 
-/// A web page and its history. Main thread only.
+/// A view that shows web pages and keeps their history. Main thread only.
 ///
-/// The properties mirror those of the native view, which determines what is shown; observers are notified
+/// The properties mirror those of the native view, which determines what is shown. Observers are notified
 /// after a property has changed. Unlike other views, a web view creates its native view immediately, because
 /// it loads pages even while it is not shown.
 ///
-/// After its web process ended, the view keeps reporting the last URL and title, reports that it is not
-/// loading, and reloads the page once when it is next visible. After a second failure within a minute it
-/// waits for the user.
+/// If the web process terminates, the view keeps reporting the last URL and title, reports that it is not
+/// loading, and reloads the page once, as soon as the view is visible. After a second failure within a
+/// minute, it does not reload the page until the user requests it.
 class WebView : public View {
 public:
     /// The properties that can be observed.
@@ -36,38 +36,40 @@ public:
     WebView& operator=(const WebView&) = delete;
     ~WebView() override;
 
-    /// Absent before the first navigation. During a load that the program requested, the URL being loaded; if
-    /// the load fails, the URL of the shown page again.
+    /// The URL of the page or, during a load that the program requested, the URL being loaded. If that load
+    /// fails, the URL reverts to that of the shown page. Absent before the first navigation.
     std::optional<URL> url() const;
-    /// Absent if the page has no title.
+    /// The title of the page. Absent if the page does not have a title.
     std::optional<std::string> title() const;
     bool canGoBack() const;
     bool canGoForward() const;
-    /// From 0 to 1. A failed load leaves it unchanged.
+    /// The progress of the load, from 0 to 1. A failed load leaves it unchanged.
     double estimatedProgress() const;
     bool isLoading() const;
 
-    /// Calls `changed` after each change of the property, in the order of registration, but not for the
-    /// initial value. `changed` may end the observation and release the view.
+    /// Calls `changed` after each change of the property, but not for the initial value. Observers are called
+    /// in the order of registration. `changed` may end the observation and release the view.
     [[nodiscard]] Observation observe(Property property, std::function<void()> changed);
 
-    /// Loads the URL of `request`. The timeout begins with the load, restarts at each redirect and ends when
+    /// Loads the URL of `request`. The timeout starts with the load, restarts at each redirect and stops when
     /// the page commits.
     void load(const URLRequest& request);
 
-    /// Shows a page that the program supplies. Its origin and the base of its relative links are those of
-    /// `baseURL`; without one, it has neither. Does not contact the server of the base URL. The delegate's
-    /// policy is not asked about this page, but about everything that the page then does.
+    /// Shows a page that the program supplies. `baseURL` provides the origin of the page and the base of its
+    /// relative links; without it, the page has neither. The server of the base URL is not contacted. The
+    /// delegate is not asked for a policy decision about the page itself, but it is asked about every
+    /// navigation that the page then requests.
     void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);
     void reload();
     void stopLoading();
     void goBack();
     void goForward();
 
-    /// Allows or forbids going back and forward by swiping sideways.
+    /// Enables or disables swiping sideways to go back and forward.
     void setAllowsBackForwardNavigationGestures(bool allows);
 
-    /// The delegate is held weakly. A `NavigationPolicyDelegate` is recognized at this call.
+    /// Sets the delegate, which is held weakly. A `NavigationPolicyDelegate` is also asked for policy
+    /// decisions.
     void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate);
     void setUIDelegate(const std::weak_ptr<UIDelegate>& delegate);
 

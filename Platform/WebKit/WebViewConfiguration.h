@@ -7,12 +7,12 @@
 
 namespace Platform {
 
-/// The store for the cookies, storage and caches of web views.
+/// The store in which web views keep cookies, website storage and caches.
 enum class WebsiteDataStore {
     /// The user's persistent store, shared by all views that use it.
     defaultStore,
-    /// A separate store in memory for each view, destroyed with the view. It is never written to a disk, and
-    /// shared only with the windows that the view's pages open.
+    /// A separate in-memory store for each view, destroyed with the view. It is never written to disk, and it
+    /// is shared only with windows that the view's pages open.
     nonPersistent,
 };
 
@@ -37,7 +37,8 @@ public:
         userContentController_ = std::move(controller);
     }
 
-    /// The native configuration, for Platform's own sources. For a page's new window it carries the opener.
+    /// The native configuration. For internal use by Platform. If a page opens a new window, the
+    /// configuration of that window identifies the opener.
     struct Native;
     Native& native() { return *native_; }
 

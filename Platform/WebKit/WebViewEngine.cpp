@@ -157,7 +157,7 @@ void WebViewEngine::webProcessEnded(WebProcessRecovery::Cause cause, std::option
     recovery_.processEnded(cause, std::move(interrupted), values_.url.has_value());
     ownPage_.disarm();
     panels_.answerAllSafely();
-    // A reload has no effect before WebKit has handled the end of the process.
+    // A reload has no effect until WebKit has handled the termination of the process.
     catchUpSoon();
 }
 

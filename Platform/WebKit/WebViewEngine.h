@@ -13,11 +13,12 @@
 
 namespace Platform {
 
-/// The platform-independent part of a web view: mirrored values and their observers, calls to delegates, the
-/// program's own page, and recovery after the web process ended. A subclass for each platform drives the
-/// native view.
+/// The platform-independent part of a web view: the mirrored values and their observers, the calls to
+/// delegates, pages supplied by the program, and recovery after the web process terminates. Each platform has
+/// a subclass that drives the native view.
 ///
-/// A view owns its engine. The native view may outlive both, but then calls neither. Main thread only.
+/// A view owns its engine. The native view may outlive the view and the engine, but must not call them after
+/// they are destroyed. Main thread only.
 class WebViewEngine : public std::enable_shared_from_this<WebViewEngine> {
 public:
     using Property = WebView::Property;
@@ -35,18 +36,18 @@ public:
         bool isLoading = false;
     };
 
-    /// Creates the engine of the platform.
+    /// Creates the engine for the current platform.
     static std::shared_ptr<WebViewEngine> create(WebViewConfiguration& configuration);
 
     WebViewEngine(const WebViewEngine&) = delete;
     WebViewEngine& operator=(const WebViewEngine&) = delete;
-    /// Gives open panels their safe answers, because a page that waits for an answer stays alive.
+    /// Sends the safe answers for open panels, because a page that waits for an answer is kept alive.
     virtual ~WebViewEngine();
 
-    /// Called once, as soon as `owner` can be kept alive. No observer or delegate is called before.
+    /// Called once, as soon as a `shared_ptr` owns the owner. No observer or delegate is called before this.
     virtual void setOwner(const std::weak_ptr<WebView>& owner) { owner_ = owner; }
-    /// The owner, kept alive for the caller. Null before `setOwner` and after the owner's destruction has
-    /// begun.
+    /// Returns a strong reference to the owner. Returns null before `setOwner` is called and once the
+    /// destruction of the owner has begun.
     std::shared_ptr<WebView> keepAlive() const { return owner_.lock(); }
 
     const Values& values() const { return values_; }
@@ -67,7 +68,7 @@ public:
 protected:
     WebViewEngine() = default;
 
-    /// The engine of `view`.
+    /// Returns the engine of `view`.
     static WebViewEngine& of(const WebView& view) { return *view.engine_; }
 
     // Events of the native view. The caller keeps the owner alive.
@@ -83,7 +84,8 @@ protected:
     void titleChanged(std::optional<std::string> title);
 
     bool asksForPolicy() const { return !policyDelegate_.expired(); }
-    /// Returns true for the navigation to the program's own page, about which no delegate is asked.
+    /// Returns true for the navigation to a page that the program supplied. The delegate is not asked about
+    /// this navigation.
     bool isOwnPage(const NavigationAction& action, bool isRedirect) {
         return ownPage_.use(action, isRedirect);
     }
@@ -91,11 +93,11 @@ protected:
 
     void committed() { ownPage_.disarm(); }
     void finished();
-    /// Called at every failure, reported or not.
+    /// Called on every failure, even if the failure is not reported.
     void failed() { ownPage_.disarm(); }
     void report(const Error& error, bool hasCommitted);
 
-    /// Returns the view for a new window, made with `configuration`, or null if it is refused.
+    /// Returns the view for a new window, created with `configuration`, or null if the window is refused.
     std::shared_ptr<WebView> createWebView(const std::shared_ptr<WebViewConfiguration>& configuration,
                                            const NavigationAction& action);
     void closed();
@@ -105,17 +107,17 @@ protected:
                          const std::shared_ptr<ConfirmReply>& reply);
     bool hasOpenPanels() const { return panels_.areOpen(); }
 
-    /// Called before the native view drops its page.
+    /// Called when the web process has terminated, before the native view discards its page.
     void webProcessEnded(WebProcessRecovery::Cause cause, std::optional<URLRequest> interrupted);
     void pageReturned() { recovery_.pageReturned(); }
     bool isPageGone() const { return recovery_.isPageGone(); }
-    /// Reloads the page if it waits for the view to become visible and the view is visible.
+    /// Reloads the page if a reload is pending and the view is visible.
     void catchUp();
-    /// Calls `catchUp` in the next iteration of the run loop.
+    /// Calls `catchUp` in a later iteration of the run loop.
     void catchUpSoon();
 
 private:
-    // Operations of the native view. Each replaces the navigation under way.
+    // Operations of the native view. Each operation replaces the current navigation.
 
     virtual void startLoad(const URLRequest& request) = 0;
     /// `baseURL` is absolute.
@@ -125,7 +127,7 @@ private:
     virtual void startGoingForward() = 0;
 
     virtual bool isVisible() const = 0;
-    /// Returns true if the last requested navigation has not begun, so that there is nothing to reload.
+    /// Returns true if the last requested navigation has not started yet, so that there is nothing to reload.
     virtual bool isLoadPending() const { return false; }
 
     void requestNavigation();

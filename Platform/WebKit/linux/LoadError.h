@@ -9,9 +9,9 @@
 
 namespace Platform {
 
-/// Converts an error of WebKitGTK to the domains and codes of Foundation and WebKit. An error without a
-/// counterpart keeps its domain and code. Returns nothing if the load did not fail: when its media player
-/// takes over a page that is an audio or video file, WebKitGTK reports that as an error.
+/// Converts a WebKitGTK error to the domains and codes of Foundation and WebKit. An error without a
+/// counterpart keeps its domain and code. Returns nothing if the load did not actually fail: WebKitGTK also
+/// emits an error when its media player takes over the load of an audio or video file.
 std::optional<Error> loadError(const GError& error, const char* failingURI);
 
 /// Errors that WebKitGTK does not define.

@@ -18,8 +18,9 @@ GObjectPtr<WebKitSettings> makeSettings() {
     return settings;
 }
 
-/// Keeps Tab from moving the focus from a page's last link into a text view inside WebKitWebView, where it
-/// would be stuck. WebKitGTK 2.50.6 uses that widget only to look up key bindings (not reported).
+/// Prevents the Tab key from moving the focus from the last link of a page to a text view inside
+/// WebKitWebView, where the focus would be stuck. WebKitGTK 2.50.6 uses the text view only to look up key
+/// bindings (not reported).
 void keepFocusFromInnerWidgets(GtkWidget* view) {
     for (GtkWidget* child = gtk_widget_get_first_child(view); child;
          child = gtk_widget_get_next_sibling(child)) {

@@ -12,15 +12,15 @@
 
 namespace Platform {
 
-/// Creates a WebKitGTK view with the configuration's data store and scripts, and takes the opener from the
-/// configuration.
+/// Creates a WebKitGTK view with the data store and scripts of the configuration. If the configuration has an
+/// opener, the new view is related to it and the opener is cleared.
 GObjectPtr<WebKitWebView> makeNativeWebView(WebViewConfiguration& configuration);
 
-/// Return nothing for an empty text.
+/// Return nothing if the URI or title is empty.
 std::optional<std::string> uriOf(WebKitWebView* view);
 std::optional<std::string> titleOf(WebKitWebView* view);
 
-/// The text of `url` as WebKitGTK writes it.
+/// Serializes `url` as WebKitGTK does.
 std::string engineText(const URL& url);
 
 /// Performs an editing action in the page.

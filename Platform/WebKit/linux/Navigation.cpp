@@ -89,11 +89,12 @@ void Navigation::decide() {
 }
 
 bool Navigation::start(const std::optional<URL>& url) {
-    // WebKitGTK asks about a load before it starts it.
+    // WebKitGTK requests a policy decision before it starts a load, so this event belongs to an earlier
+    // navigation.
     if (isRequested() && load()) {
         return false;
     }
-    // A second start is a navigation that the page requested before the program's load committed.
+    // A second start belongs to a navigation that the page requested before the program's load committed.
     auto load = hasStarted() ? std::nullopt : takeLoad();
     phase_ = Started{{.load = std::move(load), .shownURL = shownURL(url)}, takeFailure()};
     return true;

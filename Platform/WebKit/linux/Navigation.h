@@ -12,62 +12,65 @@
 
 namespace Platform {
 
-/// The phase of a view's navigation. WebKitGTK's events do not identify their navigation, and events of a
-/// replaced navigation still arrive after the next one was requested.
+/// Tracks the phase of a view's current navigation. WebKitGTK's events do not identify the navigation to
+/// which they belong, and events of a replaced navigation may arrive after the next navigation is requested.
 class Navigation {
 public:
     /// A navigation to a URL, requested by the program.
     struct Load {
-        /// As WebKitGTK writes it. After a redirect, the new location.
+        /// The URI of the load, as serialized by WebKitGTK. After a redirect, the new location.
         std::string uri;
         LoadTimeout timeout;
     };
 
-    /// A failure that WebKitGTK is about to report as another error.
+    /// A failure that WebKitGTK is expected to report as a different error.
     struct ExpectedFailure {
-        /// The location of a redirect that was refused for its port.
+        /// The location of a redirect that was refused because of its port.
         std::optional<std::string> refusedRedirect;
-        /// Runs while WebKitGTK cancels a load that timed out.
+        /// Limits the wait for WebKitGTK to cancel a load that timed out. Null if no cancellation is pending.
         std::shared_ptr<Timer> cancellation;
     };
 
     /// Returns true before the first navigation.
     bool isFresh() const { return std::holds_alternative<Fresh>(phase_); }
-    /// Returns true for a view that a page opened, until the policy question about its first navigation.
+    /// Returns true for a view that a page opened, until WebKitGTK requests a policy decision about its first
+    /// navigation.
     bool isNewWindow() const { return std::holds_alternative<NewWindow>(phase_); }
-    /// Returns true from the program's request until the policy question about it.
+    /// Returns true after the program has requested a navigation, until WebKitGTK requests a policy decision
+    /// about that navigation.
     bool isRequested() const { return std::holds_alternative<Requested>(phase_); }
     bool hasStarted() const { return std::holds_alternative<Started>(phase_); }
 
-    /// The program's load that is under way, or null.
+    /// The current load that the program requested, or null.
     Load* load();
-    /// The URL of the page that is shown, or nothing if it is unknown. `url` is the view's own, which may
-    /// already be that of the next page.
+    /// The URL of the page that is currently shown, or nothing if it is unknown. `url` is the URL that the
+    /// view reports, which may already be the URL of the next page.
     std::optional<URL> shownURL(const std::optional<URL>& url) const;
 
-    /// Ends the state of a fresh view or a new window.
+    /// Marks a fresh view or a new window as used.
     void use() { phase_ = Idle{}; }
     /// A page has opened the view.
     void openWindow() { phase_ = NewWindow{}; }
-    /// The program asks for a navigation, which replaces the one under way.
+    /// The program requests a navigation, which replaces the current navigation.
     void request(std::optional<Load> load, const std::optional<URL>& url);
     /// The program stops a requested navigation to `uri`.
     void stop(const std::string& uri);
     bool isStopped(const std::string& uri) const;
 
-    /// WebKitGTK has asked about the requested navigation.
+    /// WebKitGTK has requested a policy decision about the requested navigation.
     void decide();
-    /// WebKitGTK has begun a navigation. Returns false if it is an earlier one, which was replaced.
+    /// WebKitGTK has started a navigation. Returns false if it is an earlier navigation that has been
+    /// replaced.
     bool start(const std::optional<URL>& url);
     void commit();
-    /// The navigation is over. Its failure may still be reported.
+    /// The navigation has ended. WebKitGTK may still report its failure.
     void end();
-    /// The navigation is over, and no failure of it will be reported.
+    /// The navigation has ended, and WebKitGTK will not report a failure for it.
     void abandon();
 
-    /// Null unless the navigation has started or is over.
+    /// Null unless the navigation has started or ended.
     ExpectedFailure* expectedFailure();
-    /// Returns the expected failure if `error` is how WebKitGTK reports it, else `error`.
+    /// Returns the expected failure if `error` is the error that WebKitGTK reports for it, otherwise `error`.
     Error nameFailure(const Error& error);
 
 private:
@@ -85,7 +88,7 @@ private:
         std::optional<std::string> stoppedURI = std::nullopt;
     };
     struct Decided : UnderWay {};
-    /// The first phase of navigations that the page requests.
+    /// The initial phase of a navigation requested by the page.
     struct Started : UnderWay {
         ExpectedFailure failure = {};
     };

@@ -9,11 +9,11 @@
 
 namespace Platform {
 
-/// Converts a navigation action of WebKitGTK.
+/// Converts a WebKitGTK navigation action.
 NavigationAction navigationAction(WebKitNavigationAction* action);
 
-/// A policy question of WebKitGTK about a navigation. Only the first answer counts. Without an answer, the
-/// destructor cancels the navigation.
+/// A request from WebKitGTK for a policy decision about a navigation. Only the first answer has an effect. If
+/// no answer was given, the destructor cancels the navigation.
 class NavigationQuestion {
 public:
     explicit NavigationQuestion(WebKitNavigationPolicyDecision* decision);
@@ -22,7 +22,7 @@ public:
     ~NavigationQuestion();
 
     const NavigationAction& action() const { return action_; }
-    /// The URL as WebKitGTK writes it.
+    /// The URL, as serialized by WebKitGTK.
     const std::string& uri() const { return uri_; }
     bool isRedirect() const { return isRedirect_; }
 

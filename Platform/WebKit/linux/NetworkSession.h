@@ -10,10 +10,10 @@ namespace Platform {
 /// Returns WebKitGTK's network session for a data store. The session refuses every download. Main thread
 /// only.
 ///
-/// A store that is not persistent gets a new session in memory at each call. The session of the default store
-/// is created at the first call and lives as long as the process. It keeps its data in the user's data and
-/// cache directories, in folders that have the application's name and are accessible only to the user. If
-/// they cannot be created, a line is logged and nothing outlives the process.
+/// For a nonpersistent store, each call creates a new in-memory session. The session of the default store is
+/// created on the first call and is never destroyed. It stores its data in the user's data and cache
+/// directories, in folders that are named after the application and accessible only to the user. If the
+/// folders cannot be created, an error is logged and the session keeps its data in memory.
 GObjectPtr<WebKitNetworkSession> networkSession(WebsiteDataStore store);
 
 } // namespace Platform

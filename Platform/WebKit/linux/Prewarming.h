@@ -9,11 +9,12 @@
 
 namespace Platform {
 
-/// Delays work until a window is painted. The work is the start of an empty view's web process, which takes
-/// longer than the rest of a first load and can run while the user types the address. Main thread only.
+/// Delays the start of an empty view's web process until a window is painted. The start takes longer than the
+/// rest of the first load, and can run while the user types the address. Main thread only.
 class Prewarming {
 public:
-    /// Calls `start` once, in the iteration of the run loop after the window is painted, unless destroyed.
+    /// Calls `start` once, in the iteration of the run loop after the window of `widget` is painted. `start`
+    /// is not called if this object is destroyed first.
     Prewarming(GtkWidget* widget, std::function<void()> start);
     Prewarming(const Prewarming&) = delete;
     Prewarming& operator=(const Prewarming&) = delete;
@@ -24,8 +25,9 @@ private:
     SignalConnection painted_;
 };
 
-/// Starts the view's web process and calls `started` when it runs. WebKitGTK does not start a process for an
-/// empty page, so this evaluates a script without effect on the history or the properties.
+/// Starts the view's web process and calls `started` once the process is running. WebKitGTK does not start a
+/// process for an empty page, so this function evaluates a script that does not change the history or the
+/// properties.
 void startWebProcess(WebKitWebView* view, std::function<void()> started);
 
 } // namespace Platform

@@ -42,12 +42,12 @@ gboolean decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision, W
 }
 
 gboolean scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpointer /*data*/) {
-    // Always allow leaving the page: after a refusal, WebKitGTK 2.50.6 keeps reporting the URL of the next
-    // page and that it is loading (not reported).
+    // Always allow leaving the page. After a refusal, WebKitGTK 2.50.6 keeps reporting the URL of the next
+    // page, and keeps reporting that it is loading (not reported).
     if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
         webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
     }
-    // Nothing else refers to the dialog, so it closes when this returns.
+    // Nothing else holds a reference to the dialog, so it closes when the handler returns.
     return TRUE;
 }
 

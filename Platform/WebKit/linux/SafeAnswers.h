@@ -4,10 +4,11 @@
 
 namespace Platform {
 
-/// Connects handlers that give a safe answer to every signal that no other handler answers: nothing is saved,
-/// printed, permitted or shown full screen, WebKitGTK shows no dialog of its own, and a failed load draws no
-/// page. The handlers remain connected until the widget is destroyed, which may be after its owner. Call this
-/// after connecting all other handlers, because the first answer counts.
+/// Connects handlers that give a safe answer to every signal that no other handler has answered. They refuse
+/// downloads, printing, permissions and full screen, prevent WebKitGTK from showing its own dialogs, and
+/// prevent it from displaying an error page when a load fails. The handlers remain connected until the widget
+/// is destroyed, which may happen after its owner is destroyed. Call this function after all other handlers
+/// are connected, because only the first answer has an effect.
 void giveSafeAnswers(WebKitWebView* view);
 
 } // namespace Platform

@@ -4,8 +4,8 @@ namespace Platform {
 
 namespace {
 
-/// Releasing the last reference closes the dialog. webkit_script_dialog_close() is an error during the
-/// signal.
+/// Shares ownership of the dialog, which closes when the last reference is released. It is an error to call
+/// webkit_script_dialog_close() while the signal is being emitted.
 std::shared_ptr<WebKitScriptDialog> share(WebKitScriptDialog* dialog) {
     return {webkit_script_dialog_ref(dialog), &webkit_script_dialog_unref};
 }

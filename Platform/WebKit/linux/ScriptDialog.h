@@ -8,9 +8,9 @@
 
 namespace Platform {
 
-/// Answers a page's alert by closing it.
+/// Returns a reply that closes the alert.
 std::shared_ptr<Reply<>> alertReply(WebKitScriptDialog* dialog);
-/// Answers a page's confirmation and closes it.
+/// Returns a reply that sets the result of the confirmation and closes it.
 std::shared_ptr<Reply<bool>> confirmReply(WebKitScriptDialog* dialog);
 
 } // namespace Platform

@@ -6,11 +6,11 @@
 
 namespace Platform {
 
-/// Enables swiping back and forward while the view is in a window.
+/// Enables swiping back and forward only while the view is in a window.
 ///
-/// With gestures enabled, WebKitGTK takes a snapshot of each page that is left. Version 2.50.6 crashes if the
-/// view is not in a window then (not reported): in a closed tab, in a tab that was never shown, and while a
-/// tab is dragged from window to window.
+/// If gestures are enabled, WebKitGTK takes a snapshot of each page when a navigation replaces it. Version
+/// 2.50.6 crashes if the view is not in a window at that time (not reported): in a closed tab, in a tab that
+/// was never shown, or while a tab is dragged to another window.
 class SwipeGestures {
 public:
     explicit SwipeGestures(WebKitWebView* view);

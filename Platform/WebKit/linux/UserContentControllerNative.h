@@ -20,7 +20,7 @@ struct UserContentController::Native {
     };
 
     GObjectPtr<WebKitUserContentManager> manager;
-    /// Allocated one by one, because signal handlers keep pointers to them.
+    /// Allocated individually, because signal handlers hold pointers to them.
     std::vector<std::unique_ptr<Registration>> registrations;
 };
 

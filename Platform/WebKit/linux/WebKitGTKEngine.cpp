@@ -14,8 +14,8 @@ namespace Platform {
 
 namespace {
 
-/// Seconds to wait for the cancellation of a load that timed out. WebKitGTK does not report a cancellation
-/// while its web process hangs.
+/// The time to wait, in seconds, for WebKitGTK to report the cancellation of a load that timed out. WebKitGTK
+/// does not report a cancellation while the web process hangs.
 constexpr Timer::Interval cancellationLimit = 1;
 
 gboolean releaseLater(gpointer /*view*/) { return G_SOURCE_REMOVE; }
@@ -58,14 +58,15 @@ WebKitGTKEngine::WebKitGTKEngine(WebViewConfiguration& configuration)
     connect<&Engine::webProcessTerminated>(view, "web-process-terminated");
     connect<&Engine::mapped>(view, "map");
     connect<&Engine::unmapped>(view, "unmap");
-    // Connected last, because the first answer counts.
+    // Connected last, because only the first answer has an effect.
     giveSafeAnswers(view);
 }
 
 WebKitGTKEngine::~WebKitGTKEngine() {
-    // Keep the widget until the main loop runs again: a handler of one of its signals may release the view,
-    // and the emission still uses the widget after the handler returns. A source of idle priority might never
-    // run, because a page that asks questions in an endless loop now gets immediate answers.
+    // Keep the widget alive until the main loop runs again. A handler of one of its signals may release the
+    // view, and the signal emission still uses the widget after the handler returns. Do not use idle
+    // priority: an idle source might never run, because a page that opens panels in an endless loop now
+    // receives immediate answers.
     g_idle_add_full(G_PRIORITY_HIGH, releaseLater, g_object_ref(view_.get()), g_object_unref);
 }
 
@@ -95,7 +96,7 @@ void WebKitGTKEngine::isLoadingChanged(WebKitWebView* view, GParamSpec* /*proper
     const bool isLoading = webkit_web_view_is_loading(view) == TRUE;
     if (isLoading) {
         pageReturned();
-    } else if (!navigation_.isRequested()) { // If requested, an earlier navigation ended.
+    } else if (!navigation_.isRequested()) { // If a request is pending, an earlier navigation has ended.
         navigation_.end();
     }
     update(&Values::isLoading, isLoading, Property::isLoading);
@@ -147,7 +148,7 @@ void WebKitGTKEngine::startHTML(const std::string& html, const std::optional<URL
 }
 
 std::optional<std::string> WebKitGTKEngine::requestedURI() {
-    // The view's own URI may be that of the previous page if WebKitGTK has just dropped an earlier load.
+    // The view may report the URI of the previous page if WebKitGTK has just discarded an earlier load.
     const auto* load = navigation_.load();
     return load ? load->uri : uriOf(view_.get());
 }
@@ -161,8 +162,9 @@ void WebKitGTKEngine::stopLoading() {
         update(&Values::url, shownURL, Property::url);
         return;
     }
-    // WebKitGTK 2.50.6 drops a navigation that is stopped before its policy question, but reports it as
-    // loading forever (not reported). Cancel it at the question.
+    // If a navigation is stopped before its policy decision is requested, WebKitGTK 2.50.6 drops the
+    // navigation but reports that it is loading forever (not reported). Cancel it when the decision is
+    // requested.
     if (values().isLoading || load) {
         if (const auto requested = requestedURI()) {
             navigation_.stop(*requested);
@@ -179,7 +181,7 @@ void WebKitGTKEngine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
     auto* load = navigation_.load();
     switch (event) {
     case WEBKIT_LOAD_STARTED:
-        // The load may have timed out since the policy question.
+        // The load may have timed out since its policy decision was requested.
         if (navigation_.start(values().url) && navigation_.load() &&
             navigation_.load()->timeout.hasExpired()) {
             timedOut();
@@ -225,8 +227,8 @@ gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     if (isFirstOfWindow) {
         navigation_.use();
     }
-    // WebKitGTK itself loads the page of a window without an opener, and starts a process for it once the
-    // question is answered.
+    // If a new window does not have an opener, WebKitGTK itself loads its page, and starts a process for it
+    // once the policy decision is made.
     if (isFirstOfWindow && uriOf(view_.get())) {
         slot_.release();
         requestSlot([this, question](WebKitWebView*) { decide(question); });
@@ -334,13 +336,13 @@ GtkWidget* WebKitGTKEngine::createView(WebKitWebView* view, WebKitNavigationActi
     auto& engine = of(*child);
     engine.navigation_.openWindow();
     engine.slot_.share(slot_);
-    // Return a borrowed reference: the emission adds a reference that WebKitGTK never releases.
+    // Return a borrowed reference: the signal emission adds a reference that WebKitGTK never releases.
     return GTK_WIDGET(engine.view_.get());
 }
 
 gboolean WebKitGTKEngine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog) {
     const std::string message = webkit_script_dialog_get_message(dialog);
-    // While a navigation is under way, the view's URL may be that of the next page.
+    // During a navigation, the view may already report the URL of the next page.
     const FrameInfo frame{.url = navigation_.shownURL(values().url)};
     switch (webkit_script_dialog_get_dialog_type(dialog)) {
     case WEBKIT_SCRIPT_DIALOG_ALERT:

@@ -19,7 +19,7 @@
 
 namespace Platform {
 
-/// Drives WebKitGTK's view.
+/// Engine implementation that drives a `WebKitWebView`.
 class WebKitGTKEngine final : public WebViewEngine {
 public:
     explicit WebKitGTKEngine(WebViewConfiguration& configuration);
@@ -68,7 +68,7 @@ private:
     template <auto handler>
     void connect(gpointer instance, const char* signal);
 
-    // The view's signals.
+    // Signal handlers of the view.
 
     void uriChanged(WebKitWebView*, GParamSpec*);
     void titleChanged(WebKitWebView*, GParamSpec*);

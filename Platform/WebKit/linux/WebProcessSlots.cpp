@@ -12,7 +12,7 @@ const std::shared_ptr<WebProcessSlots>& WebProcessSlots::shared() {
     return slots;
 }
 
-/// Each process once, the most recently seen last.
+/// Returns each process once, in the order of the last slot that holds it.
 std::vector<const Timer*> WebProcessSlots::processes() const {
     std::vector<const Timer*> processes;
     for (const auto* slot : slots_) {
@@ -79,8 +79,9 @@ WebProcessSlot::~WebProcessSlot() {
 
 void WebProcessSlot::request(std::function<void()> granted) {
     granted_ = std::move(granted);
-    // When many tabs open together, each is visible until the next one opens. So visible views pass the
-    // others only in the next iteration of the main loop.
+    // When many tabs are opened at once, each tab is visible until the next tab is opened. Therefore, apply
+    // the rules for hidden views here, and give priority to visible views only in the next iteration of the
+    // main loop.
     if (process_ || (slots_->nextWaiting() == this && slots_->canStart(false))) {
         grant();
     } else {
@@ -109,7 +110,7 @@ void WebProcessSlot::processStarted() {
 }
 
 void WebProcessSlot::processReplaced() {
-    // The previous process continues only if it serves other views.
+    // The previous process continues to run only if other views use it.
     if (process_.use_count() > 1) {
         start();
         processStarted();

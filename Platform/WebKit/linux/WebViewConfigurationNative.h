@@ -11,14 +11,17 @@
 namespace Platform {
 
 struct WebViewConfiguration::Native {
-    /// The opener of a page's new window, to which WebKitGTK connects the new page. Cleared when the view is
-    /// created, because the configuration lives as long as the new view and the opener may not.
+    /// For a new window, the view whose page opens the window. WebKitGTK connects the new page to it. Cleared
+    /// when the new view is created, because the configuration lives as long as the new view and must not
+    /// keep the opener alive.
     GObjectPtr<WebKitWebView> opener;
-    /// Limits the web processes of these views and of the windows that their pages open. Never null.
+    /// Limits the number of web processes of these views and of the windows that their pages open. Never
+    /// null.
     std::shared_ptr<WebProcessSlots> slots = WebProcessSlots::shared();
 };
 
-/// The configuration for a new window of the page in `view`, which was made with `ours`.
+/// Creates the configuration for a new window opened by the page in `view`. `ours` is the configuration of
+/// `view`.
 std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WebKitWebView* view, WebViewConfiguration& ours);
 
 } // namespace Platform

@@ -5,7 +5,7 @@
 
 #import <WebKit/WebKit.h>
 
-/// Conversions between the values of WebKit and those of Platform.
+/// Conversions between the types of WebKit and Platform.
 namespace Platform {
 
 /// Returns nil if NSURL cannot parse the request's URL.

@@ -12,9 +12,10 @@
 
 namespace Platform {
 
-/// Drives WKWebView.
+/// Engine implementation that drives a `WKWebView`.
 ///
-/// Functions that WebKit calls must not throw through its frames.
+/// Functions that WebKit calls are noexcept, because an exception must not propagate through WebKit's stack
+/// frames.
 class WKWebViewEngine final : public WebViewEngine {
 public:
     explicit WKWebViewEngine(WebViewConfiguration& configuration);
@@ -61,7 +62,7 @@ private:
 
     WKWebView* __strong _Nonnull const view_;
     KeyloftWebViewDelegate* __strong _Nonnull const delegate_;
-    /// The request of the last `load`, until it commits, fails, stops or is replaced.
+    /// The request of the last load, until the load commits, fails, is stopped or is replaced.
     std::optional<URLRequest> uncommittedRequest_;
 };
 

@@ -11,7 +11,7 @@
 #include <utility>
 
 /// WKWebView precedes the window's controller in the responder chain and implements some of the program's
-/// actions. Leave these to the controller, which validates them.
+/// actions. Leave these actions to the controller, which validates them.
 @interface KeyloftWebView : WKWebView
 @end
 
@@ -66,7 +66,7 @@ WKWebViewEngine::~WKWebViewEngine() {
     }
     view_.navigationDelegate = nil;
     view_.UIDelegate = nil;
-    // Keep WKWebView until the WebKit call that released the owner has returned.
+    // Keep the WKWebView alive until the WebKit call that released the owner has returned.
     RunLoop::main().perform([keptAlive = view_] { (void)keptAlive; });
 }
 
@@ -114,7 +114,7 @@ void WKWebViewEngine::startLoad(const URLRequest& request) {
     [view_ loadRequest:native];
 }
 
-/// Reports the failure of a load that cannot begin. Like WebKit, reports it asynchronously.
+/// Reports that a load cannot start. Like WebKit, reports the failure asynchronously.
 void WKWebViewEngine::refuse(const URL& url) {
     RunLoop::main().perform([this, weak = weak_from_this(), text = url.absoluteString()] {
         if (const auto engine = weak.lock()) {
@@ -153,7 +153,7 @@ void WKWebViewEngine::startGoingForward() {
 
 void WKWebViewEngine::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {
     WebViewEngine::setNavigationDelegate(delegate);
-    // WKWebView checks the methods of a delegate only when the delegate is set.
+    // WKWebView checks which methods a delegate implements only when the delegate is set.
     view_.navigationDelegate = nil;
     view_.navigationDelegate = delegate_;
 }
@@ -166,14 +166,14 @@ void WKWebViewEngine::didCommit() noexcept {
     committed();
     uncommittedRequest_.reset();
     pageReturned();
-    // Catch up on changes that were ignored while the page was gone.
+    // Apply the changes that were ignored after the web process terminated.
     urlChanged(fromNSURL(view_.URL));
     titleChanged(nonEmpty(view_.title));
 }
 
 void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
     failed();
-    // A cancelled load is usually the previous one, which the current load replaced.
+    // A cancelled load is usually the previous load, which the current load has replaced.
     if (![error.domain isEqualToString:NSURLErrorDomain] || error.code != NSURLErrorCancelled) {
         uncommittedRequest_.reset();
     }
@@ -185,7 +185,8 @@ void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
 void WKWebViewEngine::decidePolicyFor(WKNavigationAction* action,
                                       const std::shared_ptr<PolicyReply>& reply) noexcept {
     const auto ours = fromWKNavigationAction(action);
-    // WKNavigationAction does not mark redirects, but no server can redirect the program's own page.
+    // WKNavigationAction does not identify redirects. A page that the program supplies cannot be redirected,
+    // because it is not loaded from a server.
     if (action.targetFrame.mainFrame && isOwnPage(ours, false)) {
         (*reply)(NavigationActionPolicy::allow);
     } else {
@@ -231,7 +232,8 @@ void WKWebViewEngine::setAllowsBackForwardNavigationGestures(bool allows) {
 }
 
 void WKWebViewEngine::performEditing(Action action) {
-    // Undo and redo are actions of the window, which uses the page's undo manager.
+    // Search the responder chain, because undo and redo are actions of the window, which uses the undo
+    // manager of the page.
     [view_ tryToPerform:selectorFor(action) with:nil];
 }
 

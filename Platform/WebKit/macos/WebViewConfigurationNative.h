@@ -11,17 +11,18 @@ struct WebViewConfiguration::Native {
         : configuration(made) {}
 
     WKWebViewConfiguration* __strong _Nonnull const configuration;
-    /// True if WebKit supplied the configuration for a page's new window, which shares the store of its
-    /// opener.
+    /// True if WebKit supplied the configuration for a new window opened by a page. The window shares the
+    /// data store of its opener.
     bool isForNewWindow = false;
 };
 
-/// Wraps the configuration that WebKit supplies for a new window of `opener`'s page.
+/// Wraps the configuration that WebKit supplies for a new window. `opener` is the configuration of the view
+/// whose page opens the window.
 std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WKWebViewConfiguration* _Nonnull supplied,
                                                              const WebViewConfiguration& opener);
 
-/// Returns the native configuration with the current settings of `configuration`. If the store is not
-/// persistent, each call creates a new one, except for a page's new window.
+/// Returns the native configuration with the current settings of `configuration`. If the data store is
+/// nonpersistent, each call creates a new store, except for a new window opened by a page.
 WKWebViewConfiguration* _Nonnull nativeConfiguration(WebViewConfiguration& configuration);
 
 } // namespace Platform

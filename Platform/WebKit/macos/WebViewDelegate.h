@@ -11,7 +11,8 @@ namespace Platform {
 
 class WKWebViewEngine;
 
-/// The key path of an observable property. The address of this object is the context of the observation.
+/// The key path of an observable property. The address of an `ObservedKey` is the context of its key-value
+/// observation.
 struct ObservedKey {
     NSString* __unsafe_unretained _Nonnull keyPath;
     WebView::Property property;

@@ -27,7 +27,8 @@ using Platform::WKWebViewEngine;
 
 @implementation KeyloftWebViewDelegate
 
-/// WKWebView uses its own policy only if the delegate does not respond to this selector.
+/// WKWebView uses its default policy only if the delegate does not respond to the selector for policy
+/// decisions.
 - (BOOL)respondsToSelector:(SEL)selector {
     if (selector != @selector(webView:decidePolicyForNavigationAction:decisionHandler:)) {
         return [super respondsToSelector:selector];
