@@ -26,7 +26,7 @@ struct Cut {
 };
 
 Cut cutAt(std::string_view text, std::size_t limit) {
-    // ICU's offsets have 32 bits. No text that the program counts or shows is that long.
+    // ICU uses 32-bit offsets. The program does not count or display longer strings.
     text = text.substr(0, std::numeric_limits<std::int32_t>::max());
     UErrorCode error = U_ZERO_ERROR;
     const std::unique_ptr<UText, decltype(&utext_close)> characters(

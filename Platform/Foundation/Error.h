@@ -6,11 +6,11 @@
 
 namespace Platform {
 
-/// A failure that is identified by a domain and a code, such as that of a page load. A plain value.
+/// An error, for example of a page load, that is identified by a domain and a code. A plain value type.
 struct Error {
     /// The domain of URL loading errors.
     static constexpr std::string_view urlDomain = "NSURLErrorDomain";
-    /// Codes of that domain.
+    /// Codes in `urlDomain`.
     static constexpr int urlCancelled = -999;
     static constexpr int urlTimedOut = -1001;
     static constexpr int urlCannotFindHost = -1003;
@@ -24,12 +24,12 @@ struct Error {
     static constexpr int webKitFrameLoadInterrupted = 102;
     static constexpr int webKitRestrictedPort = 103;
 
-    /// `urlDomain`, `webKitDomain` or another one, and a code of that domain.
+    /// `urlDomain`, `webKitDomain` or another domain. It defines the meaning of `code`.
     std::string domain;
     int code = 0;
     /// A sentence to show to the user.
     std::string localizedDescription;
-    /// The text of the URL that failed, if known.
+    /// The URL that failed, as a string, if known.
     std::optional<std::string> failingURL;
 
     friend bool operator==(const Error&, const Error&) = default;

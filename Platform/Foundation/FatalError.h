@@ -4,8 +4,8 @@
 
 namespace Platform {
 
-/// Logs `message` and aborts the process. Only for violated invariants, which no valid data can cause. Safe
-/// on any thread.
+/// Logs `message` and aborts the process. Use it only for violated invariants, which valid data cannot cause.
+/// Thread-safe.
 [[noreturn]] void fatalError(std::string_view message);
 
 } // namespace Platform

@@ -24,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Repeats a system call for as long as signals interrupt it.
+/// Repeats a system call while it is interrupted by signals.
 template <typename Call>
 auto uninterrupted(const Call& call) {
     auto result = call();
@@ -34,7 +34,7 @@ auto uninterrupted(const Call& call) {
     return result;
 }
 
-/// An operation on a path, for its error messages.
+/// Describes an operation on a path, for error messages.
 struct Task {
     std::string_view subject;
     std::string_view verb;
@@ -52,14 +52,14 @@ struct Task {
         if (path.empty()) {
             throw failure("The name is empty");
         }
-        // The kernel would read the name up to the NUL.
+        // The kernel would ignore the part of the name after the NUL.
         if (path.find('\0') != std::string::npos) {
             throw failure("The name holds a NUL character");
         }
     }
 };
 
-/// Returns 0 or an `errno`.
+/// Returns 0 on success, otherwise an `errno` value.
 int makeDirectory(const fs::path& path, std::optional<mode_t> permissions) {
     static constexpr mode_t usual = 0777;
     const bool isMade = mkdir(path.c_str(), permissions.value_or(usual)) == 0 &&
@@ -74,13 +74,13 @@ void createDirectories(const Task& task, const fs::path& path, std::optional<mod
         createDirectories(task, path.parent_path(), permissions);
         error = makeDirectory(path, permissions);
     }
-    // An existing directory is accepted, whatever mkdir reports for it.
+    // Accept an existing directory, regardless of the error that mkdir reports for it.
     if (std::error_code ignored; error != 0 && !fs::is_directory(path, ignored)) {
         throw task.failure(error);
     }
 }
 
-/// Follows all symbolic links in the task's path. The file need not exist, but its directory must.
+/// Follows all symbolic links in the path. The file does not have to exist, but its directory does.
 fs::path destinationOf(const Task& task) {
     fs::path path = task.path;
     while (true) {
@@ -105,8 +105,8 @@ fs::path destinationOf(const Task& task) {
     }
 }
 
-/// A name for a new file. mkostemp is not suitable: a new file gets the permissions that the umask allows,
-/// and the umask can be read only by changing it for all threads.
+/// Returns a name for a temporary file. mkostemp is not suitable, because a new file must get the permissions
+/// that the umask allows, and reading the umask requires changing it for all threads.
 fs::path temporaryName(const Task& task) {
     std::array<std::byte, sizeof(std::uint64_t)> random = {};
     if (!RandomBytes::fill(random)) {
@@ -115,7 +115,7 @@ fs::path temporaryName(const Task& task) {
     return ".temporary-" + std::to_string(std::bit_cast<std::uint64_t>(random));
 }
 
-/// Returns false, with `errno`, as soon as a write fails.
+/// Returns false and sets `errno` if a write fails.
 bool writeAll(int file, std::string_view data) {
     while (!data.empty()) {
         const ssize_t count = uninterrupted([&] { return write(file, data.data(), data.size()); });
@@ -127,10 +127,10 @@ bool writeAll(int file, std::string_view data) {
     return true;
 }
 
-/// Gives the file the permissions and, as far as the user is allowed to, the owner and group of `original`.
+/// Gives the file the permissions of `original` and, if the user is allowed to do so, its owner and group.
 bool makeResemble(int file, const struct stat& original) {
     const bool hasOwner = fchown(file, original.st_uid, original.st_gid) == 0;
-    // Without the original owner, a set-ID bit would grant the rights of another user.
+    // Without the original owner, a set-ID bit would grant the rights of a different user.
     return fchmod(file, original.st_mode & (hasOwner ? 07777U : 0777U)) == 0;
 }
 
@@ -163,7 +163,7 @@ std::string FileManager::contents(const std::string& path) const {
     }
     std::array<char, 65536> buffer;
     std::string data;
-    // Read to the end: files of /proc report the size 0, and any file may grow.
+    // Read to the end of the file: files in /proc report a size of 0, and any file may grow.
     for (auto size = static_cast<std::uint64_t>(status.st_size); size <= maximumContents;
          size = data.size()) {
         const ssize_t count = uninterrupted([&] { return read(file.get(), buffer.data(), buffer.size()); });
@@ -186,20 +186,20 @@ void FileManager::writeAtomically(std::string_view data, const std::string& path
     if (lstat(destination.c_str(), &original) != 0 && errno != ENOENT) {
         throw task.failure(errno);
     }
-    // For a directory, rename() fails with a more specific reason. Without a file, the mode is 0.
+    // For a directory, rename() fails with a more specific reason. If no file exists, the mode is 0.
     if (S_ISCHR(original.st_mode) || S_ISBLK(original.st_mode)) {
         throw task.failure("Not a regular file");
     }
     const fs::path parent = destination.parent_path();
     static constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
     const Descriptor directory(uninterrupted([&] { return open(parent.c_str(), flags); }));
-    // A directory that the user may write but not list cannot be flushed.
+    // A directory that the user may write to but not read cannot be opened for flushing.
     if (!directory.isOpen() && errno != EACCES) {
         throw task.failure(errno);
     }
 
     const fs::path temporary = parent / temporaryName(task);
-    // The new contents are readable by their owner alone until they have the old file's permissions.
+    // Only the owner may read the new contents until the new file has the permissions of the old file.
     const bool replaces = S_ISREG(original.st_mode);
     static constexpr int creation = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
     Descriptor file(uninterrupted([&] { return open(temporary.c_str(), creation, replaces ? 0600 : 0666); }));
@@ -214,7 +214,8 @@ void FileManager::writeAtomically(std::string_view data, const std::string& path
         unlink(temporary.c_str());
         throw task.failure(error);
     }
-    // File systems that cannot flush a directory fail with EINVAL, some network file systems with ENOTSUP.
+    // File systems that cannot flush a directory fail with EINVAL, and some network file systems with
+    // ENOTSUP.
     if (directory.isOpen() && uninterrupted([&] { return flush(directory.get()); }) != 0 && errno != EINVAL &&
         errno != ENOTSUP) {
         throw task.failure(errno);

@@ -16,7 +16,7 @@ namespace Platform {
 /// Reports that a file or directory could not be read, written or created. Thrown by FileManager.
 class FileError : public std::exception {
 public:
-    /// `localizedDescription` is a whole sentence.
+    /// `localizedDescription` is a complete sentence.
     explicit FileError(std::string localizedDescription)
         : localizedDescription_(std::move(localizedDescription)) {}
 
@@ -28,45 +28,47 @@ private:
     std::string localizedDescription_;
 };
 
-/// Files, directories and their standard locations. Stateless; safe on any thread.
+/// Provides access to files, directories and their standard locations. Stateless and thread-safe.
 ///
-/// Paths are those of the kernel: names separated by "/", not percent-encoded.
+/// Paths are file-system paths: names separated by "/", not percent-encoded.
 class FileManager {
 public:
-    /// The longest file that `contents` reads, in bytes.
+    /// The maximum size, in bytes, of a file that `contents` reads.
     static constexpr std::uint64_t maximumContents = std::uint64_t{1} << 31U;
 
-    /// The file manager of the process.
+    /// The shared file manager of the process.
     static const FileManager& defaultManager();
 
-    /// The user's home directory, as defined by the session or, failing that, by the user database.
+    /// The user's home directory. On Linux, the value of `HOME` or, if it is not an absolute path, the home
+    /// directory in the user database.
     URL homeDirectory() const;
 
-    /// The directory for applications' data: `Library/Application Support` in the home directory, on every
-    /// platform. Creates nothing.
+    /// The directory for application data: `Library/Application Support` in the home directory, on every
+    /// platform. The directory is not created.
     URL applicationSupportDirectory() const;
 
-    /// Creates a directory and its missing parents. Accepts an existing directory. Each directory created has
-    /// exactly `permissions` if they are given, otherwise the user's default; an existing one keeps its own.
-    /// Throws FileError.
+    /// Creates a directory and any missing parents. Does nothing if the directory already exists. Each new
+    /// directory gets exactly `permissions` or, if they are not given, the user's default permissions.
+    /// Existing directories keep their permissions. Throws FileError.
     void createDirectory(const std::string& path, std::optional<mode_t> permissions = std::nullopt) const;
 
-    /// Returns the whole contents of a regular file and follows symbolic links. A pipe or device is an error;
-    /// the function never waits for its other end. Throws FileError.
+    /// Returns the complete contents of a regular file. Follows symbolic links. Fails for a pipe or a device
+    /// without waiting for its other end. Throws FileError.
     std::string contents(const std::string& path) const;
 
-    /// Replaces the file's contents so that a reader, and a restart after a crash, finds either the old or
-    /// the new ones complete. Returns after they are on the disk. An existing file keeps its permissions, a
-    /// new one gets the user's default. Symbolic links are followed, also to a file that does not exist yet.
-    /// A directory or device at `path` is an error.
+    /// Replaces the contents of a file atomically: a reader, or a restart after a crash, finds either the
+    /// complete old contents or the complete new contents. Returns after the new contents have been flushed
+    /// to disk. An existing file keeps its permissions; a new file gets the user's default permissions.
+    /// Follows symbolic links, including a link to a file that does not exist yet. Fails if `path` is a
+    /// directory or a device.
     ///
-    /// Throws FileError. The old file is then unchanged and nothing else is left, unless only the last step
-    /// failed, which is to flush the directory after the new contents are in place.
+    /// Throws FileError. The old file is then unchanged, and no temporary file remains. The only exception is
+    /// a failure of the last step, which flushes the directory after the new contents are in place.
     void writeAtomically(std::string_view data, const std::string& path) const;
 
 private:
-    /// Writes the contents of a file or directory to the disk. Returns -1 and sets `errno` on failure,
-    /// including an interruption (EINTR).
+    /// Flushes the contents of a file or directory to disk. Returns -1 and sets `errno` on failure, including
+    /// an interruption (EINTR).
     static int flush(int descriptor);
 };
 

@@ -5,7 +5,7 @@
 
 namespace Platform {
 
-/// A stream of bytes, such as the body of a request. For one thread at a time.
+/// A stream of bytes, such as the body of a request. Must not be used by more than one thread at a time.
 class InputStream {
 public:
     InputStream() = default;
@@ -15,7 +15,7 @@ public:
 
     /// Opens the stream. Must be called once, before the first `read`.
     virtual void open() = 0;
-    /// Returns true if `read` would return bytes, or if only an attempt to read can determine that.
+    /// Returns true if bytes are available, or if this can be determined only by calling `read`.
     virtual bool hasBytesAvailable() = 0;
     /// Reads at most `buffer.size()` bytes. Returns the number of bytes read, 0 at the end of the stream, or
     /// a negative value on failure.

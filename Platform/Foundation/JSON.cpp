@@ -137,13 +137,14 @@ void appendLiteral(std::string& out, std::string_view text, JSONSlashes slashes)
 }
 
 std::string numberText(double value) {
-    // 2^53. Beyond it not every integer has its own double, and the shortest notation is as good.
+    // 2^53. Not every larger integer can be represented as a double, so use the shortest notation for larger
+    // numbers.
     constexpr double exactIntegers = 9007199254740992.0;
     if (std::trunc(value) == value && std::abs(value) <= exactIntegers) {
         return std::to_string(static_cast<std::int64_t>(value));
     }
-    // libc++ provides std::to_chars for floating-point numbers only since macOS 13.3, and the program runs on
-    // 13.0.
+    // std::to_chars for floating-point numbers requires macOS 13.3 with libc++, but the program supports
+    // macOS 13.0.
     return nlohmann::json(value).dump();
 }
 
@@ -189,7 +190,7 @@ private:
             breakLine();
             writeElement(element);
         }
-        // An empty container spans three lines, the middle one empty.
+        // An empty container is written on three lines, the second of which is empty.
         if (pretty_ && first) {
             out_ += '\n';
         }

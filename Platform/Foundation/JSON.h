@@ -15,15 +15,15 @@ namespace Platform {
 /// A JSON value, with value semantics. Strings are UTF-8 and may contain NUL.
 class JSONValue {
 public:
-    /// Elements in the order of the text.
+    /// The elements, in document order.
     using Array = std::vector<JSONValue>;
-    /// Members, sorted by the bytes of their names. If a name occurs more than once, its last value is used.
+    /// The members, sorted bytewise by name. If a name occurs more than once, the last value is used.
     using Object = std::map<std::string, JSONValue, std::less<>>;
 
     /// The deepest nesting of arrays and objects that `parse` accepts.
     static constexpr std::size_t maxDepth = 512;
 
-    /// Creates a value of the argument's kind, or null without an argument.
+    /// Creates a value of the corresponding JSON type. The default constructor creates null.
     JSONValue() = default;
     JSONValue(std::nullptr_t) {}
     JSONValue(bool value)
@@ -43,26 +43,28 @@ public:
     JSONValue(Object value)
         : value_(std::make_shared<const Object>(std::move(value))) {}
 
-    /// Parses an array or object in UTF-8. Returns nothing on an error. Strict (RFC 8259), except that a
-    /// leading byte order mark is skipped; also rejects nesting deeper than `maxDepth` and numbers outside
-    /// the range of a double. Safe for any input of any size, because it does not recurse deeply.
+    /// Parses a JSON array or object in UTF-8. Returns nothing on error. Conforms strictly to RFC 8259,
+    /// except that a leading byte order mark is skipped. Also rejects nesting deeper than `maxDepth` and
+    /// numbers outside the range of a double. Safe for any input of any size, because the recursion depth is
+    /// limited.
     static std::optional<JSONValue> parse(std::string_view bytes);
 
     /// Returns true for null.
     bool isNull() const { return std::holds_alternative<std::nullptr_t>(value_); }
-    /// Returns the value if it is of that kind, otherwise null.
+    /// Each function returns a pointer to the value if the value has that type, otherwise null.
     const bool* boolean() const { return std::get_if<bool>(&value_); }
     const double* number() const { return std::get_if<double>(&value_); }
     const std::string* string() const { return shared<std::string>(); }
     const Array* array() const { return shared<Array>(); }
     const Object* object() const { return shared<Object>(); }
 
-    /// Returns an object's member, or null if this is not an object or has no member of that name.
+    /// Returns the member with the given name, or null if this value is not an object or has no such member.
     const JSONValue* member(std::string_view name) const;
-    /// Returns an object's string member, or null if there is no such member or it is not a string.
+    /// Returns the string member with the given name, or null if there is no such member or it is not a
+    /// string.
     const std::string* stringMember(std::string_view name) const;
 
-    /// Compares contents.
+    /// Compares the contents, including nested values.
     friend bool operator==(const JSONValue& left, const JSONValue& right);
 
 private:
@@ -72,7 +74,7 @@ private:
         return pointer == nullptr ? nullptr : pointer->get();
     }
 
-    /// Strings, arrays and objects are immutable, so that copies share them. A value is therefore small,
+    /// Strings, arrays and objects are immutable and shared between copies. This also keeps a value small,
     /// which limits the memory for long arrays of numbers.
     std::variant<std::nullptr_t, bool, double, std::shared_ptr<const std::string>,
                  std::shared_ptr<const Array>, std::shared_ptr<const Object>>
@@ -85,15 +87,15 @@ enum class JSONSlashes {
     escaped, ///< "\/"
 };
 
-/// `value` without any whitespace, members sorted by name.
+/// Serializes `value` without whitespace. Members are sorted by name.
 std::string compactJSON(const JSONValue& value, JSONSlashes slashes);
 
-/// `value` over several lines with two spaces of indentation and " : " between name and value, members sorted
-/// by name, "/" written "\/", no line break at the end.
+/// Serializes `value` on several lines, with an indentation of two spaces and " : " between name and value.
+/// Members are sorted by name, "/" is written as "\/", and the result does not end in a line break.
 std::string prettyJSON(const JSONValue& value);
 
-/// `text` as a string literal with its quotation marks, "/" written "\/"; non-ASCII characters stay as they
-/// are.
+/// Returns `text` as a JSON string literal, including the quotation marks. "/" is written as "\/"; non-ASCII
+/// characters are not escaped.
 std::string jsonStringLiteral(std::string_view text);
 
 } // namespace Platform

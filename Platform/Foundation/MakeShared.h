@@ -5,7 +5,7 @@
 
 namespace Platform {
 
-/// Returns a shared object of a class with a protected constructor, so that it always has a shared owner.
+/// Creates an object of a class whose constructor is protected so that a `shared_ptr` owns every object.
 template <typename T, typename... Arguments>
 std::shared_ptr<T> makeShared(Arguments&&... arguments) {
     struct Made : T {

@@ -7,7 +7,7 @@
 
 namespace Platform {
 
-/// The name of a notification: a reverse-DNS text, compared exactly. Names are constants of the program.
+/// The name of a notification: a reverse-DNS string, compared exactly. Names are compile-time constants.
 class NotificationName {
 public:
     explicit consteval NotificationName(std::string_view rawValue)
@@ -23,28 +23,28 @@ private:
 
 struct Notification {
     NotificationName name;
-    /// Identifies the sender. Only compared, never dereferenced.
+    /// Identifies the sender. The pointer is only compared, never dereferenced.
     const void* object = nullptr;
 };
 
-/// Notifies the observers of a name.
+/// Delivers notifications to the observers that are registered for their names.
 ///
-/// Callbacks run on the posting thread before `post` returns. All functions may be called on any thread. If
-/// an observation is ended on a thread other than the posting one, its callback may still be running
-/// afterwards.
+/// Callbacks run on the thread that calls `post`, before `post` returns. Thread-safe. If an observation is
+/// ended on a thread other than the one that posts, its callback may still be running when the call returns.
 class NotificationCenter {
 public:
     using Callback = std::function<void(const Notification&)>;
 
-    /// The centre of the process.
+    /// The shared notification centre of the process.
     static NotificationCenter& defaultCenter();
 
-    /// Calls `callback` for each post of `name` from `object`, or from any sender if `object` is null, until
-    /// the token ends. The token may outlive the centre.
+    /// Calls `callback` whenever `object`, or any sender if `object` is null, posts `name`, until the token
+    /// is destroyed or reset. The token may outlive the centre.
     Observation addObserver(NotificationName name, const void* object, Callback callback);
 
-    /// Calls the observers registered by now, except those that end before their turn. Callbacks may register
-    /// and end observations, their own included, and post again.
+    /// Calls the observers that are registered at the time of the call, except those whose observation ends
+    /// before their turn. Callbacks may add observers, end observations (including their own), and post
+    /// notifications recursively.
     void post(NotificationName name, const void* object);
 
 private:

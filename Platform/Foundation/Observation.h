@@ -5,14 +5,15 @@
 
 namespace Platform {
 
-/// A registration that ends when this token is destroyed, reset or assigned to. Ending is idempotent.
+/// A token for a registered observer. The observation ends when the token is destroyed, reset or assigned to.
+/// Ending it more than once has no effect.
 ///
-/// A token belongs to one thread at a time.
+/// A token must not be used by more than one thread at a time.
 class [[nodiscard]] Observation {
 public:
     /// Creates a token without an observation.
     Observation() = default;
-    /// `end` is called once, at the end of the observation. It must not throw.
+    /// `end` is called once, when the observation ends. It must not throw.
     explicit Observation(std::function<void()> end)
         : end_(std::move(end)) {}
 
@@ -29,15 +30,15 @@ public:
     Observation& operator=(const Observation&) = delete;
     ~Observation() { reset(); }
 
-    /// Ends the observation now.
+    /// Ends the observation, if any.
     void reset() noexcept {
-        // Empty the token first, because `end` may destroy its owner.
+        // Empty the token first, because `end` may destroy the object that owns the token.
         if (const auto end = std::exchange(end_, nullptr)) {
             end();
         }
     }
 
-    /// Returns true if there is an observation to end.
+    /// Returns true if the token holds an observation that has not ended.
     explicit operator bool() const noexcept { return static_cast<bool>(end_); }
 
 private:

@@ -11,11 +11,11 @@
 
 namespace Platform {
 
-/// A list of callbacks, called in the order in which they were added.
+/// A list of callbacks, which are called in the order in which they were added.
 ///
-/// Callbacks may add and end observations, their own included, notify again, and destroy the list. All
-/// functions may be called on any thread. If an observation is ended on a thread other than the notifying
-/// one, its callback may still be running afterwards.
+/// Callbacks may add observations, end them (including their own), notify the list recursively, and destroy
+/// the list. Thread-safe. If an observation is ended on a thread other than the one that notifies, its
+/// callback may still be running when the call returns.
 template <typename... Arguments>
 class ObserverList {
 public:
@@ -26,15 +26,16 @@ public:
     ObserverList& operator=(const ObserverList&) = delete;
     ~ObserverList() = default;
 
-    /// Adds `callback` until the token ends. The token may outlive the list.
+    /// Adds `callback`, which is called until the token is destroyed or reset. The token may outlive the
+    /// list.
     Observation add(Callback callback) {
         auto observer = std::make_shared<Observer>(std::move(callback));
         {
             const std::scoped_lock lock(state_->mutex);
             state_->observers.push_back(observer);
         }
-        // The token also owns the observer, so that the callback is not destroyed under the lock: objects
-        // that it holds may end further observations.
+        // The token also owns the observer, so that the callback is not destroyed while the lock is held:
+        // objects captured by the callback may end other observations.
         return Observation([weakState = std::weak_ptr(state_), observer = std::move(observer)] {
             observer->isEnded = true;
             if (const auto state = weakState.lock()) {
@@ -44,7 +45,8 @@ public:
         });
     }
 
-    /// Calls the observers added by now, except those that end before their turn.
+    /// Calls the observers that are in the list at the time of the call, except those that are removed before
+    /// their turn.
     void notify(const Arguments&... arguments) const {
         for (const auto& observer : copy()) {
             if (!observer->isEnded) {
@@ -69,7 +71,8 @@ private:
         Observers observers;
     };
 
-    /// Keeps each observer alive while it runs, even if it ends itself.
+    /// Copies the list, to keep each observer alive while its callback runs, even if the callback ends its
+    /// own observation.
     Observers copy() const {
         const std::scoped_lock lock(state_->mutex);
         return state_->observers;

@@ -5,12 +5,12 @@
 
 namespace Platform {
 
-/// Cryptographically secure random bytes from the operating system. Safe on any thread.
+/// Provides cryptographically secure random bytes from the operating system. Thread-safe.
 class RandomBytes {
 public:
     RandomBytes() = delete;
 
-    /// Fills all of `bytes`. Returns false on failure; the contents must not be used then.
+    /// Fills `bytes` completely. Returns false on failure, in which case the contents must not be used.
     [[nodiscard]] static bool fill(std::span<std::byte> bytes);
 };
 

@@ -15,7 +15,8 @@ std::shared_ptr<Timer> Timer::scheduled(Interval interval, bool repeats, std::fu
 
 void Timer::invalidate() {
     stop();
-    // Release the callback last and from a local, because objects that it holds may own this timer.
+    // Release the callback last and from a local variable, because objects captured by the callback may own
+    // this timer.
     const auto released = std::exchange(callback_, nullptr);
 }
 
@@ -32,7 +33,7 @@ void Timer::fire() {
     (*callback)();
 }
 
-/// The timer may be destroyed when the callback returns.
+/// The timer may already be destroyed when the callback returns.
 void Timer::fired() noexcept {
     const auto running = repeats_ ? callback_ : std::exchange(callback_, nullptr);
     (*running)();

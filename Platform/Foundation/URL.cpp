@@ -10,7 +10,7 @@ namespace Platform {
 
 namespace {
 
-/// `path` without trailing slashes, except that of the root.
+/// Returns `path` without trailing slashes. The root "/" remains unchanged.
 std::string_view withoutTrailingSlashes(std::string_view path) {
     while (path.size() > 1 && path.ends_with('/')) {
         path.remove_suffix(1);
@@ -18,10 +18,11 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
     return path;
 }
 
-// Percent-encoding makes a text at most three times as long, and its offsets must fit in 32 bits.
+// Percent-encoding can triple the length of a string, and offsets must fit in 32 bits.
 constexpr std::size_t maxTextLength = std::size_t{1} << 28U;
 
-/// The URL of a text that is composed of valid components.
+/// Returns the URL for a string that is composed of valid components. Aborts if the string is not a valid
+/// URL.
 URL builtFrom(std::string_view text) {
     auto url = URL::fromString(text);
     if (!url) {

@@ -10,70 +10,72 @@
 
 namespace Platform {
 
-/// A URL or relative reference, parsed exactly as Foundation does.
+/// A URL or relative reference, parsed exactly as Foundation parses it.
 ///
 /// Foundation follows RFC 3986 but is lenient: it percent-encodes characters that a component may not contain
-/// and converts an international host to its ASCII form (UTS #46). It rejects only an empty text and an
+/// and converts an international host to its ASCII form (UTS #46). It rejects only an empty string and an
 /// invalid scheme, host or port. Nothing is normalised: case, dot segments and default ports remain as given.
 ///
-/// A plain value that consists of the text and the positions of its components. Safe to read from any thread.
-/// A view that an accessor returns is valid as long as its URL.
+/// A plain value type that consists of the string and the positions of its components. Safe to read from any
+/// thread. A view returned by an accessor is valid as long as the URL exists and is not modified.
 class URL {
 public:
-    /// Parses `text`. Returns nothing if Foundation does not accept it or if it is longer than 256 MiB.
+    /// Parses `text`. Returns nothing if Foundation would reject it or if it is longer than 256 MiB.
     static std::optional<URL> fromString(std::string_view text);
 
-    /// The file URL of a path. A relative path gives a relative reference without a scheme (no working
-    /// directory is consulted), an empty one "./"; a directory's path ends in "/". A NUL byte ends the path,
-    /// as it does for the kernel.
+    /// Creates a file URL from a path. A relative path becomes a relative reference without a scheme; the
+    /// working directory is not consulted. An empty path becomes "./". The path of a directory ends in "/". A
+    /// NUL byte terminates the path, as it does for the kernel.
     static URL fromFilePath(std::string_view path, bool isDirectory);
 
-    /// The whole text, percent-encoded. URLs are equal if their texts are.
+    /// The whole URL, percent-encoded. Two URLs are equal if these strings are equal.
     const std::string& absoluteString() const& { return text_; }
     std::string absoluteString() && { return std::move(text_); }
 
-    /// As written (no case folding). Empty, but present, for a text that begins with ":".
+    /// The scheme as written, without case folding. Present but empty if the URL begins with ":".
     std::optional<std::string_view> scheme() const&;
     std::optional<std::string_view> scheme() const&& = delete;
-    /// Percent-decoded, an IP literal without its brackets. Absent without an authority, and if the bytes are
-    /// not UTF-8.
+    /// The host, percent-decoded. An IP literal is returned without its brackets. Absent if the authority is
+    /// missing or empty, or if the decoded bytes are not valid UTF-8.
     std::optional<std::string> host() const;
-    /// Also absent if the number exceeds 64 bits.
+    /// The port. Also absent if the number exceeds 64 bits.
     std::optional<std::int64_t> port() const;
-    /// Percent-decoded, with trailing slashes but without a leading byte order mark. Empty if the decoded
-    /// bytes are not UTF-8.
+    /// The path, percent-decoded, with trailing slashes but without a leading byte order mark. Empty if the
+    /// decoded bytes are not valid UTF-8.
     std::string path() const;
-    /// Percent-encoded, without "?".
+    /// The query, percent-encoded, without the "?".
     std::optional<std::string_view> query() const&;
     std::optional<std::string_view> query() const&& = delete;
-    /// Percent-encoded, without "#".
+    /// The fragment, percent-encoded, without the "#".
     std::optional<std::string_view> fragment() const&;
     std::optional<std::string_view> fragment() const&& = delete;
-    /// Percent-decoded. Absent without user information, and if the bytes are not UTF-8.
+    /// The user, percent-decoded. Absent if there is no user information or the decoded bytes are not valid
+    /// UTF-8.
     std::optional<std::string> user() const;
-    /// Percent-encoded.
+    /// The password, percent-encoded.
     std::optional<std::string> password() const;
 
-    /// As in the text. Present, but possibly empty, in every URL that has user information.
+    /// The user as it appears in the URL. Present, but possibly empty, if the URL has user information.
     std::optional<std::string_view> percentEncodedUser() const&;
     std::optional<std::string_view> percentEncodedUser() const&& = delete;
-    /// As in the text, an IP literal with its brackets.
+    /// The host as it appears in the URL. An IP literal includes its brackets.
     std::optional<std::string_view> percentEncodedHost() const&;
     std::optional<std::string_view> percentEncodedHost() const&& = delete;
     std::string_view percentEncodedPath() const&;
     std::string_view percentEncodedPath() const&& = delete;
 
-    /// This URL with `component` appended to its path, with one "/" between. `component` is not
-    /// percent-encoded; a "/" in it separates components. The path ends in "/" if and only if `isDirectory`
-    /// is true. An empty component changes nothing.
+    /// Returns this URL with `component` appended to its path, separated by one "/". `component` is not
+    /// percent-encoded; it may consist of several components separated by "/". The path of the result ends in
+    /// "/" if and only if `isDirectory` is true. An empty component leaves the URL unchanged.
     URL appendingPathComponent(std::string_view component, bool isDirectory) const;
-    /// This URL without its path's last component, the path ending in "/"; the same URL at the root.
+    /// Returns this URL without the last component of its path. The path of the result ends in "/". The root
+    /// and an empty path remain unchanged.
     URL deletingLastPathComponent() const;
-    /// The path in the file system: percent-decoded to bytes, which need not be UTF-8, without a trailing
-    /// slash except that of the root.
+    /// The file-system path: percent-decoded to bytes, which need not be valid UTF-8, without trailing
+    /// slashes except for the root.
     std::string filePath() const;
 
-    /// Compares the texts.
+    /// Compares the strings.
     friend bool operator==(const URL& left, const URL& right) { return left.text_ == right.text_; }
 
 private:

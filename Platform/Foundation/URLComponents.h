@@ -10,8 +10,7 @@
 
 namespace Platform {
 
-/// One "name=value" item of a query. An item without "=" has no value, one that ends in "=" has an empty
-/// value.
+/// One "name=value" item of a query. The value is absent if there is no "=", and empty if nothing follows it.
 struct URLQueryItem {
     /// Percent-encoded or not, depending on the function that returns or takes the item.
     std::string name;
@@ -20,19 +19,21 @@ struct URLQueryItem {
     friend bool operator==(const URLQueryItem&, const URLQueryItem&) = default;
 };
 
-/// Reads the parts of a URL and changes its query and fragment, as Foundation's NSURLComponents does.
+/// Provides access to the parts of a URL and changes its query and fragment. Behaves like Foundation's
+/// NSURLComponents.
 ///
-/// Parts are stored percent-encoded. Getters without "percentEncoded" in their name decode; they return
-/// nothing (`path` an empty text) if the bytes are not UTF-8 or the host is not valid in IDNA. Setters
-/// without it encode.
+/// Parts are stored percent-encoded. Getters without "percentEncoded" in their name decode the part. If the
+/// decoded bytes are not valid UTF-8 or the host is not valid in IDNA, they return nothing, or an empty
+/// string for the path. Setters without "percentEncoded" in their name encode their argument.
 class URLComponents {
 public:
-    /// The parts of `url` (not resolved against any base).
+    /// Creates the components of `url`. A relative reference is not resolved against a base.
     explicit URLComponents(const URL& url);
-    /// Parses `text`. Returns nothing if it is not a valid URL. Unlike a URL, it may be empty.
+    /// Parses `text`. Returns nothing if it is not a valid URL. Unlike for `URL::fromString`, an empty string
+    /// is valid.
     static std::optional<URLComponents> fromString(std::string_view text);
 
-    /// The parts of the text. Absent is not the same as empty.
+    /// The parts of the URL. An absent part is distinct from an empty part.
     const std::optional<std::string>& scheme() const { return scheme_; }
     std::optional<std::string> user() const;
     std::optional<std::string> password() const;
@@ -46,29 +47,31 @@ public:
     std::optional<std::string> fragment() const;
     const std::optional<std::string>& percentEncodedFragment() const { return fragment_; }
 
-    /// Splits the query at "&" and each item at its first "=", and decodes the parts; "+" remains a plus
-    /// sign. A name that does not decode to UTF-8 is empty, and such a value is absent. Returns nothing
-    /// without a query, and an empty list for an empty query.
+    /// Splits the query at "&" and each item at its first "=", and decodes names and values. "+" is not
+    /// decoded to a space. A name that does not decode to valid UTF-8 is empty; a value that does not decode
+    /// to valid UTF-8 is absent. Returns nothing if there is no query, and an empty list if the query is
+    /// empty.
     std::optional<std::vector<URLQueryItem>> queryItems() const;
-    /// The same, percent-encoded as stored.
+    /// Like `queryItems`, but names and values remain percent-encoded.
     std::optional<std::vector<URLQueryItem>> percentEncodedQueryItems() const;
 
-    /// Sets a query that is already encoded. If any part of it is not valid, encodes all of it.
+    /// Sets a query that is already percent-encoded. If any part of it is invalid, encodes the whole query.
     void setPercentEncodedQuery(std::string_view query);
-    /// Sets items that are not encoded. Encodes "&", "=" and characters that a query may not contain, so that
-    /// the items are read back unchanged; "+", "?", ";" and "/" stay literal. An empty list sets an empty
-    /// query.
+    /// Sets the query from items that are not percent-encoded. Encodes "&", "=" and characters that a query
+    /// may not contain, so that `queryItems` returns the same items; "+", "?", ";" and "/" are not encoded.
+    /// An empty list sets an empty query.
     void setQueryItems(const std::vector<URLQueryItem>& items);
-    /// Sets items that are already encoded. Encodes each name and value that is not valid.
+    /// Sets the query from items that are already percent-encoded. Encodes each name or value that is
+    /// invalid.
     void setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items);
     void setFragment(std::string_view fragment);
 
-    /// The text of all parts.
+    /// The whole URL as a string.
     std::string string() const;
-    /// The URL of that text, or nothing if the text is empty, too long, or begins with ":".
+    /// Returns the URL for `string`, or nothing if the string is empty or too long.
     std::optional<URL> url() const;
 
-    /// Equality of the parts.
+    /// Compares the parts.
     friend bool operator==(const URLComponents& left, const URLComponents& right);
 
 private:
@@ -84,8 +87,8 @@ private:
     std::string path_;
     std::optional<std::string> query_;
     std::optional<std::string> fragment_;
-    /// The parsed text, until a part is changed. It may spell the port differently, for example with leading
-    /// zeros.
+    /// The parsed string, until a part is changed. Its spelling of the port may differ, for example with
+    /// leading zeros.
     std::optional<std::string> text_;
 };
 

@@ -22,9 +22,9 @@ constexpr bool isDigit(char character) { return character >= '0' && character <=
 
 /// Sets of delimiters, as bits of the same table.
 enum class Delimiter : std::uint16_t {
-    general = 1U << 8U,   ///< Characters that end a scheme, or show that a text has no scheme.
-    authority = 1U << 9U, ///< Characters that end an authority.
-    path = 1U << 10U,     ///< Characters that end a path.
+    general = 1U << 8U,   ///< Characters that terminate a scheme, or show that there is no scheme.
+    authority = 1U << 9U, ///< Characters that terminate an authority.
+    path = 1U << 10U,     ///< Characters that terminate a path.
 };
 
 using Table = std::array<std::uint16_t, 256>;
@@ -72,7 +72,7 @@ bool isIn(char character, Bit bit) {
     return (table[static_cast<unsigned char>(character)] & static_cast<unsigned int>(bit)) != 0;
 }
 
-/// The length of `text` up to the first of the delimiters.
+/// Returns the length of `text` up to the first delimiter.
 std::size_t lengthUpTo(std::string_view text, Delimiter delimiter) {
     const auto ends = [delimiter](char character) { return isIn(character, delimiter); };
     return static_cast<std::size_t>(std::ranges::find_if(text, ends) - text.begin());
@@ -116,9 +116,10 @@ std::string_view take(std::string_view& rest, std::size_t length) {
     return taken;
 }
 
-/// Splits an authority. Returns false if its host and port cannot be separated.
+/// Splits an authority into user information, host and port. Returns false if its host and port cannot be
+/// separated.
 bool splitAuthority(std::string_view authority, Parts& parts) {
-    // The last "@" ends the user information. Any "@" before it is encoded later.
+    // The last "@" terminates the user information. Any preceding "@" is encoded later.
     if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
         std::string_view user = authority.substr(0, at);
         authority.remove_prefix(at + 1);
@@ -261,7 +262,7 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
         return true;
     }
 
-    // All delimiters are ASCII, so that repairing ill-formed UTF-8 does not affect them.
+    // All delimiters are ASCII, so repairing ill-formed UTF-8 does not affect them.
     const std::string source = repairingUTF8(text);
     Parts old;
     split(source, allowEmptyScheme, old);
@@ -286,7 +287,7 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
             return false;
         }
         out += *host;
-        // The new text spells the port as a number or omits it.
+        // Write the port without leading zeros. Omit it if it is empty or exceeds 64 bits.
         if (parsed.port) {
             out += ':';
             out += std::to_string(*parsed.port);

@@ -5,11 +5,12 @@
 #include <string>
 #include <string_view>
 
-/// The rules of RFC 3986 as Foundation applies them. Shared by URL, URLComponents and URLHost; do not include
-/// it elsewhere.
+/// The encoding and parsing rules of RFC 3986, as applied by Foundation. Shared by URL, URLComponents and
+/// URLHost; do not include this header elsewhere.
 namespace Platform::URLEncoding {
 
-/// Sets of ASCII characters that are literal in a component, as bits of a table. "%" belongs to no set.
+/// Sets of ASCII characters that a component may contain unencoded, as bits of a table. "%" does not belong
+/// to any set.
 enum class Allowed : std::uint16_t {
     user = 1U << 0U,
     host = 1U << 1U,
@@ -21,7 +22,7 @@ enum class Allowed : std::uint16_t {
     scheme = 1U << 7U,
 };
 
-/// The components of a text. Only the division into components is validated, not their contents.
+/// The components of a URL. Only the division into components is validated, not their contents.
 struct Parts {
     std::optional<std::string_view> scheme;
     std::optional<std::string_view> user;
@@ -33,8 +34,8 @@ struct Parts {
     std::optional<std::string_view> fragment;
 };
 
-/// A valid parsed text. `parts` refer to `text`, which is a re-encoded copy of the source if the source was
-/// not valid as given. It is neither copied nor moved, so that `parts` remain valid.
+/// A successfully parsed URL. `parts` refers to `text`, which is a re-encoded copy of the source if the
+/// source was not valid as given. Cannot be copied or moved, so that `parts` remains valid.
 struct Parsed {
     std::string text;
     Parts parts;
@@ -46,24 +47,24 @@ struct Parsed {
     ~Parsed() = default;
 };
 
-/// Parses `text` into `parsed`. Returns false if it is not a valid URL. If `allowEmptyScheme` is true, a
-/// leading ":" ends an empty scheme instead of being part of the path.
+/// Parses `text` into `parsed`. Returns false if `text` is not a valid URL. If `allowEmptyScheme` is true, a
+/// leading ":" terminates an empty scheme instead of being part of the path.
 bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed);
 
-/// Returns true if all of `text` is allowed or part of a valid escape.
+/// Returns true if every character of `text` is allowed or part of a valid percent escape.
 bool isValid(std::string_view text, Allowed allowed);
 bool isValidScheme(std::string_view scheme);
-/// `text` with every character that is not allowed encoded, including "%".
+/// Percent-encodes every character of `text` that is not allowed, including "%".
 std::string encoded(std::string_view text, Allowed allowed);
-/// `text` itself if it is valid, otherwise encoded.
+/// Returns `text` unchanged if it is valid, otherwise percent-encodes it.
 std::string encodedUnlessValid(std::string_view text, Allowed allowed);
-/// `path`, encoded. In the first segment of a path that does not begin with "/", a ":" is encoded, too, so
-/// that it is not read as the end of a scheme.
+/// Percent-encodes `path`. In the first segment of a path that does not begin with "/", ":" is encoded as
+/// well, so that it is not parsed as the end of a scheme.
 std::string encodedPath(std::string_view path);
 
-/// Percent-decodes `text` to bytes. Keeps invalid escapes as they are.
+/// Percent-decodes `text` to bytes. Invalid escapes remain unchanged.
 std::string decodedBytes(std::string_view text);
-/// Does the same, but returns nothing if the bytes are not UTF-8.
+/// Like `decodedBytes`, but returns nothing if the decoded bytes are not valid UTF-8.
 std::optional<std::string> decoded(std::string_view text);
 
 } // namespace Platform::URLEncoding

@@ -7,7 +7,7 @@ namespace Platform {
 
 namespace {
 
-/// The text after the authority's colon, or nothing.
+/// Returns the port as it is written in the URL, or an empty string.
 std::string_view portText(const URL& url) {
     const auto scheme = url.scheme();
     std::string_view rest = url.absoluteString();

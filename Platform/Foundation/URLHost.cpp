@@ -21,7 +21,7 @@ bool isValidIPLiteral(std::string_view host) {
     const std::string_view inner = host.substr(1, host.size() - 2);
     const std::string_view address = inner.substr(0, inner.find('%'));
     const std::string_view zone = inner.substr(address.size());
-    // The first "%" can only introduce the zone, where it is itself percent-encoded.
+    // A "%" can only introduce the zone, and must itself be percent-encoded.
     return isValid(address, Allowed::ipLiteral) &&
            (zone.empty() || (zone.starts_with("%25") && isValid(zone.substr(3), Allowed::host)));
 }
@@ -67,13 +67,13 @@ const icu::IDNA* idna() {
 
 enum class Direction { toASCII, toUnicode };
 
-/// Converts a domain name by UTS #46. Returns nothing if that fails.
+/// Converts a domain name according to UTS #46. Returns nothing on failure.
 std::optional<std::string> convertedName(std::string_view name, Direction direction) {
-    // A name that a resolver rejects is not accepted in a URL, but it may be shown. ICU checks lengths only
-    // when it converts to ASCII.
+    // A name that a resolver rejects is not accepted in a URL, but it may be displayed. ICU checks lengths
+    // only when it converts to ASCII.
     constexpr std::uint32_t shown = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LEADING_HYPHEN |
                                     UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
-    // Foundation's limit in bytes, for the name and for its conversion.
+    // Foundation's limit for the length of the name and of its conversion, in bytes.
     constexpr std::size_t longest = 2048;
     if (idna() == nullptr || name.size() > longest) {
         return std::nullopt;
@@ -109,7 +109,7 @@ std::optional<std::string> encodedHost(std::string_view host, std::optional<std:
         return std::string(host);
     }
     if (isIPLiteral(host)) {
-        // Accept a "%" before the zone that is not percent-encoded, and encode it.
+        // Accept an unencoded "%" before the zone, and encode it.
         const std::string_view bare = host.substr(0, host.find('%'));
         std::string literal(host);
         if (bare.size() < host.size() && host.ends_with(']')) {
@@ -133,7 +133,7 @@ std::optional<std::string> decodedHost(std::string_view host) {
         return decoded(host);
     }
     auto converted = convertedName(host, Direction::toUnicode);
-    // The conversion folds case. A host in which nothing else changes stays as written.
+    // The conversion folds case. If that is the only change, keep the host as written.
     if (converted == asciiLowercased(host)) {
         return std::string(host);
     }

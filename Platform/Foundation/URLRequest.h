@@ -4,10 +4,10 @@
 
 namespace Platform {
 
-/// A request to a server. The cache policy is always that of the protocol.
+/// A request to load a URL. The cache policy is always that of the protocol.
 struct URLRequest {
     URL url;
-    /// Seconds without an answer after which the load fails.
+    /// The time, in seconds, after which the load fails if the server does not respond.
     double timeoutInterval = 60;
 
     friend bool operator==(const URLRequest&, const URLRequest&) = default;

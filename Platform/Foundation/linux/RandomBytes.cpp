@@ -8,8 +8,8 @@ namespace Platform {
 
 bool RandomBytes::fill(std::span<std::byte> bytes) {
     while (!bytes.empty()) {
-        // A large request may be filled only in part, and a signal may interrupt the wait for the generator's
-        // first seed.
+        // A large request may be filled only partially, and a signal may interrupt the wait for the generator
+        // to be seeded.
         const ssize_t count = getrandom(bytes.data(), bytes.size(), 0);
         if (count < 0) {
             if (errno == EINTR) {

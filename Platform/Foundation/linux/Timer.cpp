@@ -10,7 +10,7 @@ namespace Platform {
 namespace {
 
 guint milliseconds(Timer::Interval interval) {
-    // Negated, so that NaN counts as one millisecond, too.
+    // The condition is negated so that NaN is also treated as one millisecond.
     if (!(interval > 0.001)) {
         return 1;
     }
@@ -33,7 +33,7 @@ void Timer::start(Interval interval) {
     const auto fired = [](gpointer data) -> gboolean {
         auto& timer = *static_cast<Timer*>(data);
         if (timer.repeats_) {
-            // The timer may be destroyed, and its source with it, when this returns. GLib permits that.
+            // The timer and its source may already be destroyed when the callback returns. GLib permits that.
             timer.fired();
             return G_SOURCE_CONTINUE;
         }

@@ -9,18 +9,17 @@
 #include <string>
 #include <string_view>
 
-/// All conversions of texts, URLs and errors between the objects of Foundation and the values of Platform.
-/// Safe on any thread.
+/// Conversions of strings, URLs and errors between the types of Foundation and Platform. Thread-safe.
 namespace Platform {
 
-/// `text` is UTF-8; an ill-formed sequence becomes U+FFFD.
+/// `text` is UTF-8. Each ill-formed sequence becomes U+FFFD.
 NSString* _Nonnull toNSString(std::string_view text);
-/// Returns UTF-8, empty for nil. An unpaired surrogate is replaced.
+/// Returns the string in UTF-8, or an empty string for nil. Unpaired surrogates are replaced.
 std::string fromNSString(NSString* _Nullable string);
 
-/// Returns nil if NSURL, which is stricter than URL in older versions of macOS, does not accept the text.
+/// Returns nil if NSURL does not accept the URL. In older versions of macOS, NSURL is stricter than URL.
 NSURL* _Nullable toNSURL(const URL& url);
-/// Returns nothing for nil, and for a text that URL does not accept.
+/// Returns nothing for nil, or if URL does not accept the string of `url`.
 std::optional<URL> fromNSURL(NSURL* _Nullable url);
 
 Error fromNSError(NSError* _Nonnull error);

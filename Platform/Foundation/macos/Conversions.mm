@@ -28,7 +28,8 @@ std::optional<URL> fromNSURL(NSURL* url) {
 
 namespace {
 
-/// Prefers the key with a string, which macOS 15.4 deprecates and later versions may omit.
+/// Prefers `NSURLErrorFailingURLStringErrorKey`. This key is deprecated since macOS 15.4 and later versions
+/// may omit it, so fall back to `NSURLErrorFailingURLErrorKey`.
 std::optional<std::string> failingURLOf(NSError* error) {
     const id text = error.userInfo[NSURLErrorFailingURLStringErrorKey];
     if ([text isKindOfClass:NSString.class]) {

@@ -12,7 +12,7 @@ namespace Platform {
 
 namespace {
 
-/// NSURL's path may lack a directory's trailing slash.
+/// The path of an NSURL may lack the trailing slash of a directory.
 URL directoryURL(NSURL* url) { return URL::fromFilePath(fromNSString(url.path), true); }
 
 } // namespace
@@ -31,7 +31,8 @@ URL FileManager::applicationSupportDirectory() const {
     return directoryURL(url);
 }
 
-/// fsync leaves the data in the drive's cache, but not every file system supports F_FULLFSYNC.
+/// Prefers F_FULLFSYNC, because fsync leaves the data in the cache of the drive. Falls back to fsync, because
+/// not every file system supports F_FULLFSYNC.
 int FileManager::flush(int descriptor) {
     const int flushed = fcntl(descriptor, F_FULLFSYNC);
     return flushed != 0 && errno != EINTR ? fsync(descriptor) : flushed;

@@ -14,8 +14,9 @@ namespace Platform {
 
 namespace {
 
-/// The callbacks passed to `perform`. A source of the run loop calls one of them per iteration and is
-/// signalled again before the call, so that a callback that runs the loop itself does not delay the others.
+/// The callbacks that were passed to `perform`. A run loop source calls one callback per iteration. The
+/// source is signalled again before the call, so that a callback that runs the loop recursively does not
+/// delay the remaining callbacks.
 class PerformQueue {
 public:
     PerformQueue() {
@@ -28,7 +29,8 @@ public:
     PerformQueue& operator=(const PerformQueue&) = delete;
 
     /// Never destroyed. An application exits from inside its run loop, while callbacks that release windows
-    /// may still be queued. Destroying these would call `perform` during the destruction of the queue.
+    /// may still be queued. Destroying these callbacks would call `perform` while the queue is being
+    /// destroyed.
     static PerformQueue& shared() {
         static PerformQueue* const queue = std::make_unique<PerformQueue>().release();
         return *queue;
@@ -69,7 +71,7 @@ private:
     CFRunLoopSourceRef source_ = nullptr;
 };
 
-/// The flag that ends the innermost `run`. Null outside `run`.
+/// The flag that stops the innermost `run`. Null if the loop is not running.
 bool* innermostStopped = nullptr;
 
 RunLoopTurn turn = {
@@ -90,7 +92,7 @@ RunLoop& RunLoop::main() {
 }
 
 void RunLoop::run() {
-    PerformQueue::shared(); // A run loop without sources would return at once.
+    PerformQueue::shared(); // A run loop without sources would return immediately.
     bool stopped = false;
     bool* const outer = std::exchange(innermostStopped, &stopped);
     while (!stopped) {

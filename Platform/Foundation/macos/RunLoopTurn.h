@@ -4,13 +4,14 @@ namespace Platform {
 
 /// One iteration of `RunLoop::run`.
 struct RunLoopTurn {
-    /// Serves the main run loop until it has handled something.
+    /// Runs the main run loop until it has handled an event.
     void (*wait)() noexcept;
-    /// Makes the current `wait`, or the next one, return.
+    /// Makes the current call to `wait` return, or the next call if `wait` is not running.
     void (*wake)() noexcept;
 };
 
-/// Replaces the iteration of the plain run loop, which does not deliver AppKit's events. Main thread only.
+/// Replaces the default iteration, which runs a plain run loop and does not deliver AppKit's events. Main
+/// thread only.
 void setRunLoopTurn(RunLoopTurn turn);
 
 } // namespace Platform

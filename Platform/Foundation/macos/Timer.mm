@@ -15,7 +15,7 @@ constexpr Timer::Interval longest = 49.0 * 24 * 60 * 60;
 } // namespace
 
 struct Timer::Native {
-    /// Retained by the run loop until it is invalidated; does not fire afterwards.
+    /// Retained by the run loop until it is invalidated. Does not fire after that.
     NSTimer* timer = nil;
 };
 
@@ -25,15 +25,15 @@ Timer::Timer()
 Timer::~Timer() { invalidate(); }
 
 void Timer::start(Interval interval) {
-    // Negated, so that NaN counts as the shortest interval, too.
+    // The condition is negated so that NaN is also treated as the shortest interval.
     const Interval usable = !(interval > shortest) ? shortest : std::min(interval, longest);
     native_->timer = [NSTimer timerWithTimeInterval:usable
                                             repeats:repeats_ ? YES : NO
                                               block:^(NSTimer* /*unused*/) {
                                                   this->fired();
                                               }];
-    // In the common modes, a menu or an alert that runs the loop in a mode of its own does not delay the
-    // timer.
+    // Add the timer in the common modes, so that a menu or an alert that runs the loop in a different mode
+    // does not delay it.
     [NSRunLoop.mainRunLoop addTimer:native_->timer forMode:NSRunLoopCommonModes];
 }
 
