@@ -1,6 +1,5 @@
 #include "Platform/AppKit/SheetQueue.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,8 +9,7 @@ namespace Platform::Tests {
 
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using Log = std::vector<std::string>;
 
 /// Acts as the queue's presenter, and logs the calls to the presenter and to the completion handlers.
 class SheetQueueTest : public ::testing::Test, public SheetPresenter {
@@ -31,7 +29,7 @@ protected:
                   [this, name](std::size_t button) { log.push_back(name + " " + std::to_string(button)); });
     }
 
-    std::vector<std::string> log;
+    Log log;
     bool canShow = true;
     SheetQueue queue{*this};
 };
@@ -41,10 +39,10 @@ protected:
 TEST_F(SheetQueueTest, showsOneSheetAfterTheOther) {
     add("a");
     add("b");
-    EXPECT_THAT(log, ElementsAre("show a"));
+    EXPECT_EQ(log, (Log{"show a"}));
     queue.answer(0);
     queue.answer(1);
-    EXPECT_THAT(log, ElementsAre("show a", "hide", "show b", "a 0", "hide", "b 1"));
+    EXPECT_EQ(log, (Log{"show a", "hide", "show b", "a 0", "hide", "b 1"}));
     EXPECT_TRUE(queue.isEmpty());
 }
 
@@ -52,18 +50,18 @@ TEST_F(SheetQueueTest, keepsASheetUntilTheWindowCanShowIt) {
     canShow = false;
     add("a");
     queue.answer(0);
-    EXPECT_THAT(log, IsEmpty());
+    EXPECT_EQ(log, Log{});
     canShow = true;
     queue.showFirst();
     queue.showFirst();
-    EXPECT_THAT(log, ElementsAre("show a"));
+    EXPECT_EQ(log, (Log{"show a"}));
 }
 
 TEST_F(SheetQueueTest, givesTheSafeAnswersWhenItCloses) {
     add("a", {"OK", "Other", "Cancel"});
     add("b");
     queue.close();
-    EXPECT_THAT(log, ElementsAre("show a", "hide", "a 2", "b 1"));
+    EXPECT_EQ(log, (Log{"show a", "hide", "a 2", "b 1"}));
     queue.answer(0);
     queue.close();
     EXPECT_EQ(log.size(), 4U);
@@ -73,22 +71,22 @@ TEST_F(SheetQueueTest, hidesNothingWhenItClosesBeforeTheWindowCanShowASheet) {
     canShow = false;
     add("a");
     queue.close();
-    EXPECT_THAT(log, ElementsAre("a 1"));
+    EXPECT_EQ(log, (Log{"a 1"}));
 }
 
 TEST_F(SheetQueueTest, answersAtOnceOnceItIsClosed) {
     queue.close();
     add("a");
-    EXPECT_THAT(log, ElementsAre("a 1"));
+    EXPECT_EQ(log, (Log{"a 1"}));
 }
 
 TEST_F(SheetQueueTest, showsASheetThatACompletionAddsLast) {
     queue.add({.messageText = "a", .informativeText = ""}, [this](std::size_t /*button*/) { add("c"); });
     add("b");
     queue.answer(0);
-    EXPECT_THAT(log, ElementsAre("show a", "hide", "show b"));
+    EXPECT_EQ(log, (Log{"show a", "hide", "show b"}));
     queue.answer(0);
-    EXPECT_THAT(log, ElementsAre("show a", "hide", "show b", "hide", "show c", "b 0"));
+    EXPECT_EQ(log, (Log{"show a", "hide", "show b", "hide", "show c", "b 0"}));
 }
 
 TEST_F(SheetQueueTest, needsNoCompletion) {
