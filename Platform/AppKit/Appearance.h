@@ -16,8 +16,9 @@ struct Image {
     friend bool operator==(const Image&, const Image&) = default;
 };
 
-/// The system font at a given size, in points.
+/// The system font at a given size.
 struct Font {
+    /// In points.
     double systemFontSize = 13;
 
     friend bool operator==(const Font&, const Font&) = default;

@@ -2,8 +2,9 @@
 
 namespace Platform {
 
-/// A width and a height, in points. One point is one logical pixel.
+/// A width and a height. One point is one logical pixel.
 struct Size {
+    /// In points.
     double width = 0;
     double height = 0;
 
@@ -21,8 +22,9 @@ struct Rect {
     friend bool operator==(const Rect&, const Rect&) = default;
 };
 
-/// Distances between the edges of a view and its content, in points.
+/// Distances between the edges of a view and its content.
 struct EdgeInsets {
+    /// In points.
     double top = 0;
     double left = 0;
     double bottom = 0;

@@ -9,14 +9,16 @@ namespace Platform {
 
 /// A script that the program injects into pages. A plain value type.
 struct UserScript {
-    /// The time at which the script runs.
+    /// A point in the loading of a page.
     enum class InjectionTime {
         /// Before any content of the page is loaded.
         atDocumentStart,
         atDocumentEnd,
     };
 
+    /// The JavaScript code.
     std::string source;
+    /// The time at which the script runs.
     InjectionTime injectionTime = InjectionTime::atDocumentEnd;
     /// If false, the script runs in every frame, regardless of the frame's origin.
     bool forMainFrameOnly = true;

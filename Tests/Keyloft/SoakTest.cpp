@@ -152,7 +152,7 @@ protected:
 
     /// The number of open file descriptors, excluding those that WebKitGTK leaks. If a view is destroyed
     /// while its web process is starting, WebKitGTK 2.50.6 leaks the thread that receives messages from the
-    /// process, and one file descriptor. Also seen with a plain `WebKitWebView`. Not reported.
+    /// process, and one file descriptor. Also seen with a plain web view. Not reported.
     static std::size_t openDescriptors() {
         return TestSupport::openDescriptors() - TestSupport::runningThreads("ReceiveQueue");
     }
