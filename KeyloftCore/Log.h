@@ -10,7 +10,7 @@ namespace KeyloftCore {
 void log(std::string_view message);
 
 /// Shortens a value for the log. A value longer than 12 characters is replaced by its first 8 characters,
-/// "…(", the number of its characters and ")". Other values are returned unchanged.
+/// "…(", its length in characters and ")". Other values are returned unchanged.
 std::string redact(std::string_view value);
 
 } // namespace KeyloftCore

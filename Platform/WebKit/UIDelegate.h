@@ -22,9 +22,10 @@ class UIDelegate {
 public:
     virtual ~UIDelegate() = default;
 
-    /// A page opens a window. Returns a web view that was created with `configuration`, into which WebKit
-    /// then loads the page, or null to refuse the window. Returning a view with a different configuration is
-    /// a fatal error. The view must be visible, or about to become visible, when the function returns.
+    /// Called when a page opens a window. Returns a web view that was created with `configuration`, into
+    /// which WebKit then loads the page, or null to refuse the window. Returning a view with a different
+    /// configuration is a fatal error. The view must be visible, or about to become visible, when the
+    /// function returns.
     virtual std::shared_ptr<WebView>
     createWebView(WebView& /*webView*/, const std::shared_ptr<WebViewConfiguration>& /*configuration*/,
                   const NavigationAction& /*action*/) {

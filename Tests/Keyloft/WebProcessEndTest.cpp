@@ -159,7 +159,7 @@ TEST_F(WebProcessEndTest, anAnsweredPanelIsNotAnsweredAgain) {
     EXPECT_TRUE(loadPage(tab, "/next"));
 }
 
-TEST_F(WebProcessEndTest, aPagesPanelGoesWithIt) {
+TEST_F(WebProcessEndTest, aPagesPanelIsAnsweredAtOnce) {
     const auto tab = openCounting("/page");
     TestSupport::runScript(*tab->webView(), "setTimeout(() => alert('Hello'))");
     ASSERT_TRUE(waitForSheet(tab));

@@ -111,8 +111,6 @@ TEST_F(AuthSessionPolicy, theRedirectURIIsKnownByEverythingButQueryAndFragment) 
     EXPECT_EQ(endings.size(), 1U);
 }
 
-// Capture
-
 TEST_F(AuthSessionCapture, theAnswerComesBeforeTheResult) {
     std::vector<std::string> events;
     const auto session = AuthSession::create(

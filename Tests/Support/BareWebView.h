@@ -10,7 +10,7 @@ namespace TestSupport {
 /// only.
 class BareWebView {
 public:
-    /// Shows a window whose content has this size, in points.
+    /// Shows a window with a content area of the given size, in points.
     BareWebView(int width, int height);
     BareWebView(const BareWebView&) = delete;
     BareWebView& operator=(const BareWebView&) = delete;

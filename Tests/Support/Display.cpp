@@ -303,7 +303,7 @@ private:
         setVariable("DISPLAY", ":" + display_->readLine(number.readEnd.get()));
         // When the first key is pressed, the X server announces a new keyboard to all clients. openbox then
         // releases and re-establishes its key grabs, and misses the keys that are pressed in between (seen
-        // with 3.6.1, not reported). Press the first key before there are clients.
+        // with 3.6.1, not reported). Press the first key before any client connects.
         if (std::system("xdotool key --delay 0 Shift_L") != 0) {
             throw std::runtime_error("xdotool could not type a key");
         }

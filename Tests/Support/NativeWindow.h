@@ -56,7 +56,7 @@ bool isSelectedTab(Platform::Window& window);
 /// Returns true if the tab is marked as needing attention.
 bool needsAttention(Platform::Window& window);
 void selectTab(Platform::Window& window);
-/// Closes the tab, like the close button of the tab.
+/// Closes the tab, as its close button does.
 void closeTab(Platform::Window& window);
 /// Closes the native window with all its tabs, like the close button in its frame.
 void closeNativeWindow(Platform::Window& window);

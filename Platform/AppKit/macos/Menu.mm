@@ -15,7 +15,7 @@ void menuNeedsUpdate(NSMenu* native) noexcept;
 
 } // namespace Platform
 
-/// The delegate of every NSMenu whose menu has a delegate. `menuOf` returns the menu that an NSMenu
+/// Set as the delegate of each NSMenu whose `Menu` has a delegate. `menuOf` returns the `Menu` that an NSMenu
 /// represents.
 @interface KeyloftMenuDelegate : NSObject <NSMenuDelegate>
 @end

@@ -23,7 +23,7 @@ public:
         LoadTimeout timeout;
     };
 
-    /// A failure that WebKitGTK is expected to report as a different error.
+    /// The actual error of a load for which WebKitGTK is expected to report a different error.
     struct ExpectedFailure {
         /// The location of a redirect that was refused because of its port.
         std::optional<std::string> refusedRedirect;
@@ -59,8 +59,8 @@ public:
 
     /// WebKitGTK has requested a policy decision about the requested navigation.
     void decide();
-    /// WebKitGTK has started a navigation. Returns false if it is an earlier navigation that has been
-    /// replaced.
+    /// Called after WebKitGTK has started a navigation. Returns false if a later navigation has already
+    /// replaced it.
     bool start(const std::optional<URL>& url);
     void commit();
     /// The navigation has ended. WebKitGTK may still report its failure.

@@ -70,7 +70,7 @@ public:
 
     /// The process has responded.
     void processStarted();
-    /// WebKitGTK has moved the page to a new process.
+    /// Called after WebKitGTK has moved the page to a new process.
     void processReplaced();
 
     bool isVisible() const { return isVisible_; }
