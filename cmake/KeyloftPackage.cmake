@@ -21,7 +21,6 @@ function(keyloft_install_package component)
   set_target_properties(${own} PROPERTIES EXPORT_NAME ${component})
   set(install_component KeyloftCore${component})
 
-  set_property(GLOBAL APPEND PROPERTY KEYLOFT_INSTALLED_HEADERS ${arg_HEADERS})
   list(TRANSFORM arg_HEADERS PREPEND "${PROJECT_SOURCE_DIR}/")
   target_sources(${own} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${arg_HEADERS})
   install(TARGETS ${arg_TARGETS} EXPORT KeyloftCore${component}
