@@ -3,7 +3,7 @@
 //   relay-peer RELAY-URL [NAME=VALUE]...
 //
 // Reads the relay target from the fragment of the URL and asks the waiting host (see relay-host) to confirm
-// it. If the host confirms it, relays the given parameters, or "code=example" if there are none. Adds the
+// it. If the host confirms it, relays the given parameters, or "code=example" by default. Adds the
 // state of the target, unless a parameter sets the state.
 
 #include "KeyloftCore/RelaySocketClient.h"

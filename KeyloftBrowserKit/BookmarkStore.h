@@ -37,7 +37,7 @@ public:
     /// title.
     void add(Bookmark bookmark);
 
-    /// Removes all bookmarks with this URL. Saves even if there is no such bookmark.
+    /// Removes all bookmarks with this URL. Saves even if nothing is removed.
     void remove(const Platform::URL& url);
 
 private:

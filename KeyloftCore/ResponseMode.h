@@ -16,7 +16,7 @@ enum class ResponseMode {
 /// Returns the string that identifies the mode in a URL.
 std::string_view rawValue(ResponseMode mode);
 
-/// Returns the mode that `rawValue` identifies, or nothing if there is no such mode. Case-sensitive.
+/// Returns the mode that `rawValue` identifies, or nothing for other values. Case-sensitive.
 std::optional<ResponseMode> responseModeFromRawValue(std::string_view rawValue);
 
 } // namespace KeyloftCore

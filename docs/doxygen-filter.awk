@@ -1,4 +1,4 @@
-# What Doxygen reads instead of a header: a comment above several declarations stands before each of them, on the line
+# Filters a header for Doxygen: repeats a comment above several declarations before each of them, on the line
 # of the declaration. Defaulted comparisons, which have no comment, are left out.
 
 /^ *\/\/\// {

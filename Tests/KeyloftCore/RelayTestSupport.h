@@ -158,7 +158,8 @@ inline KeyloftCore::RelaySocketClient connectInTurn(const std::string& path) {
     }
 }
 
-/// Sends a request through a `RelaySocketClient` and returns the reply, or `std::nullopt` if there is none.
+/// Sends a request through a `RelaySocketClient` and returns the reply, or `std::nullopt` if no reply
+/// arrives.
 inline std::optional<std::string> ask(const std::string& path, std::string_view request,
                                       double timeout = longWait) {
     const auto client = connectInTurn(path);

@@ -12,7 +12,8 @@ namespace Platform {
 /// whenever AppKit is about to show it or to look up its key equivalents.
 NSMenu* _Nonnull makeNativeMenu(const std::shared_ptr<Menu>& menu);
 
-/// Searches `root` and all its submenus for the NSMenu that represents `menu`. Returns nil if there is none.
+/// Searches `root` and all its submenus for the NSMenu that represents `menu`. Returns nil if it is not
+/// found.
 NSMenu* _Nullable nativeMenuOf(const Menu& menu, NSMenu* _Nullable root);
 
 /// Creates an NSMenuItem with the same title, action, key equivalent and represented URL. It does not refer
