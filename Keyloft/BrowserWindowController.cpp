@@ -445,7 +445,7 @@ void BrowserWindowController::showLoadError(const Platform::Error& error) {
                       .messageText = "Keyloft can't open the page",
                       .informativeText = error.localizedDescription + "\n" + address};
     if (window()) {
-        alert.beginSheetModal(window(), nullptr);
+        window()->beginSheet(alert, nullptr);
     } else {
         alert.runModal();
     }
@@ -465,8 +465,8 @@ void BrowserWindowController::runJavaScriptAlertPanel(WebView& /*webView*/, cons
     const Alert alert{.style = Alert::Style::informational,
                       .messageText = panelTitle(frame, "Alert"),
                       .informativeText = message};
-    alert.beginSheetModal(window(),
-                          [completion = std::move(completion)](std::size_t /*button*/) { completion(); });
+    window()->beginSheet(alert,
+                         [completion = std::move(completion)](std::size_t /*button*/) { completion(); });
 }
 
 void BrowserWindowController::runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& message,
@@ -476,7 +476,7 @@ void BrowserWindowController::runJavaScriptConfirmPanel(WebView& /*webView*/, co
                       .messageText = panelTitle(frame, "Confirm"),
                       .informativeText = message,
                       .buttonTitles = {"OK", "Cancel"}};
-    alert.beginSheetModal(window(), [completion = std::move(completion)](std::size_t button) {
+    window()->beginSheet(alert, [completion = std::move(completion)](std::size_t button) {
         completion(button == Alert::firstButton);
     });
 }

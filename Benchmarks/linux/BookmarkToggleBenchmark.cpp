@@ -159,8 +159,7 @@ TEST(BookmarkToggleBenchmark, changingTabs) {
     const Browser browser(300, 20);
     std::vector<Turn> turns(repetitions);
     for (Turn& turn : turns) {
-        turn = longestTurn(
-            [] { Application::shared().sendAction(Platform::StandardAction::selectNextTab, nullptr, {}); });
+        turn = longestTurn([] { sendAction(Platform::StandardAction::selectNextTab, nullptr, {}); });
     }
     report("the next tab selected, 300 bookmarks in 20 tabs", turns);
 }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "Platform/AppKit/Window.h"
-
+#include <cstddef>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -30,10 +28,6 @@ struct Alert {
 
     /// Called exactly once with the index of the chosen button.
     using Completion = std::function<void(std::size_t button)>;
-
-    /// Shows the alert as a sheet on `window`. Other tabs and windows remain usable. If a window has several
-    /// sheets, they are shown one after another.
-    void beginSheetModal(const std::shared_ptr<Window>& window, Completion completion) const;
 
     /// Shows the alert as a modal dialog and waits until the user answers it. Returns the index of the chosen
     /// button, or of the safe button if the dialog is closed without a choice.

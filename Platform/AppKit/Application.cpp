@@ -18,8 +18,7 @@ Application& Application::shared() {
 
 bool Application::exists() { return isMade; }
 
-bool Application::sendAction(Action action, const std::shared_ptr<Responder>& target,
-                             const ActionSender& sender) {
+bool sendAction(Action action, const std::shared_ptr<Responder>& target, const ActionSender& sender) {
     const auto receiver = target ? target : targetForAction(action);
     if (!receiver || !receiver->respondsTo(action)) {
         return false;

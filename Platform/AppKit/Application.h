@@ -90,13 +90,6 @@ public:
     /// Brings the application to the front.
     void activateIgnoringOtherApps();
 
-    /// Sends an action to `target` or, if `target` is null, to the first object in the responder chain that
-    /// responds to it. Returns true if the action was performed.
-    bool sendAction(Action action, const std::shared_ptr<Responder>& target, const ActionSender& sender);
-
-    /// Returns the responder that would currently receive an action without a target, or null.
-    std::shared_ptr<Responder> targetForAction(Action action) const;
-
     /// Implement the application's standard actions.
     bool respondsTo(Action action) const override;
     void perform(Action action, const ActionSender& sender) override;

@@ -2,6 +2,8 @@
 
 #include "Platform/AppKit/Action.h"
 
+#include <memory>
+
 namespace Platform {
 
 /// An object in the responder chain. The chain consists of the key window's first responder and its
@@ -26,5 +28,14 @@ public:
 protected:
     Responder() = default;
 };
+
+// Implemented by the application, which knows the whole chain.
+
+/// Sends an action to `target` or, if `target` is null, to the first object in the responder chain that
+/// responds to it. Returns true if the action was performed.
+bool sendAction(Action action, const std::shared_ptr<Responder>& target, const ActionSender& sender);
+
+/// Returns the responder that would currently receive an action without a target, or null.
+std::shared_ptr<Responder> targetForAction(Action action);
 
 } // namespace Platform

@@ -49,6 +49,7 @@ public:
     /// Implement the editing actions: undo, redo, cut, copy, paste and select all.
     bool respondsTo(Action action) const override;
     void perform(Action action, const ActionSender& sender) override;
+    void resignFirstResponder() override { endEditing(TextMovement::other); }
 
 protected:
     TextField() = default;

@@ -80,6 +80,9 @@ public:
     /// Sets the frames of the subviews. Called when the view's size has changed and after `setNeedsLayout`.
     virtual void layout() {}
 
+    /// Called on Linux when another view has become the window's first responder.
+    virtual void resignFirstResponder() {}
+
     /// The native side of the view. Internal to Platform.
     struct Native;
     /// Return the native side. `native` creates it on the first call; `nativeIfMade` returns null if it has

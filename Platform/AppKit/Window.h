@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Platform/AppKit/Alert.h"
 #include "Platform/AppKit/View.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -101,6 +101,10 @@ public:
     /// the window only orders it out, and the delegate is not notified.
     bool isReleasedWhenClosed() const { return releasedWhenClosed_; }
     void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
+
+    /// Shows an alert as a sheet on the window. Other tabs and windows remain usable. Several sheets are
+    /// shown one after another. `completion` may be null.
+    void beginSheet(const Alert& alert, Alert::Completion completion);
 
     /// Closes the window: answers its pending sheets with their safe buttons, notifies the delegate once and
     /// closes the native window or tab.

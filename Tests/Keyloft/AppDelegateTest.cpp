@@ -287,7 +287,7 @@ TEST_F(AppDelegateTest, pagesAndTabsGoToTheWindowUsedLastWhileAnotherProgramHasT
     ASSERT_EQ(controllers().size(), 3U);
     EXPECT_TRUE(shareNativeWindow(*older->window(), *controllers()[2]->window()));
     EXPECT_TRUE(runUntil([&] { return isActive(*older->window()); }));
-    EXPECT_TRUE(Application::shared().sendAction(BrowserAction::newTab, nullptr, {}));
+    EXPECT_TRUE(sendAction(BrowserAction::newTab, nullptr, {}));
     ASSERT_EQ(controllers().size(), 4U);
     EXPECT_TRUE(shareNativeWindow(*older->window(), *controllers()[3]->window()));
 }
@@ -308,7 +308,7 @@ TEST_F(AppDelegateTest, onceTheFrontWindowIsGoneTheOneUsedBeforeItIsInFront) {
 
 TEST_F(AppDelegateTest, newTabOpensABlankTabInTheFrontWindow) {
     const auto page = openPage("/page");
-    EXPECT_TRUE(Application::shared().sendAction(BrowserAction::newTab, nullptr, {}));
+    EXPECT_TRUE(sendAction(BrowserAction::newTab, nullptr, {}));
     ASSERT_EQ(controllers().size(), 2U);
     const auto tab = controllers()[1];
     EXPECT_TRUE(tab->isEmptyTab());
@@ -319,11 +319,11 @@ TEST_F(AppDelegateTest, newTabOpensABlankTabInTheFrontWindow) {
 }
 
 TEST_F(AppDelegateTest, newTabWithoutAWindowOpensOne) {
-    EXPECT_TRUE(Application::shared().sendAction(BrowserAction::newTab, nullptr, {}));
+    EXPECT_TRUE(sendAction(BrowserAction::newTab, nullptr, {}));
     ASSERT_EQ(controllers().size(), 1U);
     EXPECT_TRUE(controllers()[0]->window()->isVisible());
     controllers()[0]->window()->close();
-    EXPECT_TRUE(Application::shared().sendAction(BrowserAction::newTab, nullptr, {}));
+    EXPECT_TRUE(sendAction(BrowserAction::newTab, nullptr, {}));
     EXPECT_EQ(controllers().size(), 1U);
 }
 

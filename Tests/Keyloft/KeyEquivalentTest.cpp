@@ -212,8 +212,7 @@ protected:
     }
 
     [[nodiscard]] static bool openPanel() {
-        EXPECT_TRUE(
-            Application::shared().sendAction(StandardAction::orderFrontStandardAboutPanel, nullptr, {}));
+        EXPECT_TRUE(sendAction(StandardAction::orderFrontStandardAboutPanel, nullptr, {}));
         return runUntil([] { return TestSupport::activeTitle() == panel; });
     }
 };

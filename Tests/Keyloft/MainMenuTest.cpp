@@ -175,8 +175,7 @@ TEST_F(MainMenuTest, everyActionReachesSomebodyWhileATabIsOpen) {
     for (const auto& top : menu->items()) {
         for (const auto& item : top->submenu()->items()) {
             const auto action = item->action();
-            EXPECT_TRUE(item->isSeparator() || (action && Application::shared().targetForAction(*action)))
-                << item->title();
+            EXPECT_TRUE(item->isSeparator() || (action && targetForAction(*action))) << item->title();
         }
     }
 }
@@ -184,11 +183,11 @@ TEST_F(MainMenuTest, everyActionReachesSomebodyWhileATabIsOpen) {
 TEST_F(MainMenuTest, withoutATabNewTabAndTheApplicationsOwnActionsRemain) {
     for (const Action action :
          {BrowserAction::newTab, StandardAction::terminate, StandardAction::orderFrontStandardAboutPanel}) {
-        EXPECT_NE(Application::shared().targetForAction(action), nullptr);
+        EXPECT_NE(targetForAction(action), nullptr);
     }
     for (const Action action : {BrowserAction::reload, StandardAction::performClose, StandardAction::copy,
                                 BrowserAction::toggleBookmark}) {
-        EXPECT_EQ(Application::shared().targetForAction(action), nullptr);
+        EXPECT_EQ(targetForAction(action), nullptr);
     }
 }
 

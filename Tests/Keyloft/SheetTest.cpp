@@ -224,8 +224,9 @@ TEST_F(SheetTest, aLongTextKeepsTheButtonsInReachAtTheLeastSizeToo) {
         for (const auto& [name, heading, text] : cases) {
             SCOPED_TRACE(std::string(name) + " at " + std::to_string(size.height));
             std::vector<std::size_t> answers;
-            Alert{.messageText = heading, .informativeText = text, .buttonTitles = {"OK", "Cancel"}}
-                .beginSheetModal(tab->window(), [&](std::size_t button) { answers.push_back(button); });
+            tab->window()->beginSheet(
+                Alert{.messageText = heading, .informativeText = text, .buttonTitles = {"OK", "Cancel"}},
+                [&](std::size_t button) { answers.push_back(button); });
             TestSupport::waitForLayout(*tab->window());
             EXPECT_EQ(TestSupport::leastContentSize(*tab->window()), (Size{.width = 480, .height = 320}));
             expectInContent(TestSupport::sheetButtonFrame(*tab->window(), "OK"), *tab->window(), size);

@@ -1,17 +1,11 @@
 #include "Platform/AppKit/Alert.h"
 
 #include "Platform/AppKit/MainThread.h"
-#include "Platform/AppKit/linux/WindowNative.h"
+#include "Platform/AppKit/linux/Sheet.h"
+#include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/Foundation/RunLoop.h"
 
-#include <utility>
-
 namespace Platform {
-
-void Alert::beginSheetModal(const std::shared_ptr<Window>& window, Completion completion) const {
-    assertMainThread("Alert::beginSheetModal");
-    window->native().sheets.add(*this, std::move(completion));
-}
 
 std::size_t Alert::runModal() const {
     assertMainThread("Alert::runModal");

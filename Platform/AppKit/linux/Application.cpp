@@ -9,14 +9,12 @@
 #include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/TabDrag.h"
-#include "Platform/AppKit/linux/TabHost.h"
+#include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/DiagnosticLog.h"
 
 #include <adwaita.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <iterator>
 #include <map>
 #include <span>
 #include <string>
@@ -123,9 +121,7 @@ int Application::run(int argc, char** argv) {
     }
     const int status = g_application_run(G_APPLICATION(application), argc, argv);
     native_->aboutPanel.close();
-    if (native_->frames) {
-        native_->frames->save();
-    }
+    native_->hosts.savedFrames().save();
     return status;
 }
 
@@ -134,6 +130,12 @@ void Application::Native::connect() {
     connections.push_back(connectSignal<&Native::activated>(gtk(), "activate", *this));
     connections.push_back(connectSignal<&Native::commandLineReceived>(gtk(), "command-line", *this));
     connections.push_back(connectSignal<&Native::opened>(gtk(), "open", *this));
+    hosts.lastHostClosed = [this] {
+        const auto delegate = owner.delegate_.lock();
+        if (delegate && delegate->applicationShouldTerminateAfterLastWindowClosed()) {
+            owner.terminate();
+        }
+    };
 }
 
 void Application::Native::startedUp(GApplication* started) {
@@ -190,37 +192,34 @@ void Application::wasStarted(const std::vector<URL>& urls) {
         g_application_hold(G_APPLICATION(native_->gtk()));
         delegate->applicationDidFinishLaunching();
     } else if (urls.empty()) {
-        const bool visible = !native_->visibleHosts().empty();
+        const bool visible = !native_->hosts.visible().empty();
         if (delegate->applicationShouldHandleReopen(visible) && visible) {
-            native_->bringAllToFront();
+            native_->hosts.bringAllToFront();
         }
     }
 }
 
 void Application::terminate() { g_application_quit(G_APPLICATION(native_->gtk())); }
 
-void Application::setMainMenu(const std::shared_ptr<Menu>& menu) { native_->mainMenu = menu; }
+void Application::setMainMenu(const std::shared_ptr<Menu>& menu) { native_->hosts.mainMenu = menu; }
 
-void Application::setWindowsMenu(const std::shared_ptr<Menu>& menu) { native_->windowsMenu = menu; }
+void Application::setWindowsMenu(const std::shared_ptr<Menu>& menu) { native_->hosts.windowsMenu = menu; }
 
-std::shared_ptr<Window> Application::mainWindow() const {
-    const auto host = native_->frontHost();
-    return host ? host->selectedWindow() : nullptr;
-}
+std::shared_ptr<Window> Application::mainWindow() const { return native_->hosts.mainWindow(); }
 
 void Application::activateIgnoringOtherApps() {
-    if (const auto host = native_->frontHost()) {
+    if (const auto host = native_->hosts.front()) {
         gtk_window_present(host->toplevel());
     }
 }
 
-std::shared_ptr<Responder> Application::targetForAction(Action action) const {
+std::shared_ptr<Responder> Application::Native::targetForAction(Action action) {
     // The key window precedes the main window in the responder chain. A non-owning pointer to the panel is
     // enough, because the panel exists until the process exits.
-    if (native_->aboutPanel.isKey() && native_->aboutPanel.respondsTo(action)) {
-        return {std::shared_ptr<void>(), &native_->aboutPanel};
+    if (aboutPanel.isKey() && aboutPanel.respondsTo(action)) {
+        return {std::shared_ptr<void>(), &aboutPanel};
     }
-    if (const auto window = mainWindow()) {
+    if (const auto window = hosts.mainWindow()) {
         for (std::shared_ptr<View> view = window->firstResponder(); view; view = view->superview()) {
             if (view->respondsTo(action)) {
                 return view;
@@ -234,10 +233,10 @@ std::shared_ptr<Responder> Application::targetForAction(Action action) const {
             return controller;
         }
     }
-    if (respondsTo(action)) { // the application exists until the process exits
-        return {std::shared_ptr<void>(), &Application::shared()};
+    if (owner.respondsTo(action)) { // the application exists until the process exits
+        return {std::shared_ptr<void>(), &owner};
     }
-    if (const auto delegate = delegate_.lock(); delegate && delegate->respondsTo(action)) {
+    if (const auto delegate = owner.delegate_.lock(); delegate && delegate->respondsTo(action)) {
         return delegate;
     }
     return nullptr;
@@ -247,18 +246,20 @@ const std::map<Action, void (*)(Application&)>& Application::Native::actions() {
     static const std::map<Action, void (*)(Application&)> table = {
         {StandardAction::orderFrontStandardAboutPanel,
          [](Application& self) {
-             const auto host = self.native_->frontHost();
-             self.native_->aboutPanel.orderFront(host ? host->toplevel() : nullptr, self.native_->mainMenu);
+             const auto host = self.native_->hosts.front();
+             self.native_->aboutPanel.orderFront(host ? host->toplevel() : nullptr,
+                                                 self.native_->hosts.mainMenu);
          }},
         {StandardAction::hide,
          [](Application& self) {
-             for (const auto& host : self.native_->visibleHosts()) {
+             for (const auto& host : self.native_->hosts.visible()) {
                  gtk_window_minimize(host->toplevel());
              }
          }},
         {StandardAction::hideOtherApplications, [](Application&) {}},
-        {StandardAction::unhideAllApplications, [](Application& self) { self.native_->bringAllToFront(); }},
-        {StandardAction::arrangeInFront, [](Application& self) { self.native_->bringAllToFront(); }},
+        {StandardAction::unhideAllApplications,
+         [](Application& self) { self.native_->hosts.bringAllToFront(); }},
+        {StandardAction::arrangeInFront, [](Application& self) { self.native_->hosts.bringAllToFront(); }},
         {StandardAction::terminate, [](Application& self) { self.terminate(); }},
     };
     return table;
@@ -275,47 +276,14 @@ bool Application::validateMenuItem(MenuItem& item) {
     return item.action() != StandardAction::hideOtherApplications;
 }
 
-SavedFrames& Application::Native::savedFrames() {
-    if (!frames) {
-        frames = std::make_unique<SavedFrames>(g_get_user_state_dir());
-    }
-    return *frames;
+std::shared_ptr<Responder> targetForAction(Action action) {
+    return Application::shared().native().targetForAction(action);
 }
 
-std::vector<std::shared_ptr<TabHost>> Application::Native::visibleHosts() const {
-    std::vector<std::shared_ptr<TabHost>> visible;
-    std::ranges::copy_if(hosts, std::back_inserter(visible), [](const auto& host) {
-        return gtk_widget_get_visible(GTK_WIDGET(host->toplevel()));
-    });
-    return visible;
-}
-
-std::shared_ptr<TabHost> Application::Native::frontHost() const {
-    const auto visible = visibleHosts();
-    const auto front = std::ranges::max_element(visible, {}, &TabHost::lastUse);
-    return front == visible.end() ? nullptr : *front;
-}
-
-void Application::Native::bringAllToFront() const {
-    auto byUse = visibleHosts();
-    std::ranges::sort(byUse, {}, &TabHost::lastUse);
-    for (const auto& host : byUse) {
-        host->present();
-    }
-}
-
-void Application::Native::hostEmptied(const std::shared_ptr<TabHost>& host) {
-    std::erase(hosts, host);
-    const auto forget = [](gpointer data) -> gboolean {
-        const std::unique_ptr<std::shared_ptr<TabHost>> last(static_cast<std::shared_ptr<TabHost>*>(data));
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add(forget, std::make_unique<std::shared_ptr<TabHost>>(host).release());
-    Application& application = Application::shared();
-    const auto delegate = application.delegate_.lock();
-    if (hosts.empty() && delegate && delegate->applicationShouldTerminateAfterLastWindowClosed()) {
-        application.terminate();
-    }
+AdwTabView* createTopLevel(const Window& window) {
+    const auto host = Application::shared().native().hosts.create();
+    host->setFrame(window);
+    return host->tabView();
 }
 
 } // namespace Platform

@@ -1,6 +1,5 @@
 #include "Platform/AppKit/Control.h"
 
-#include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 
 namespace Platform {
@@ -32,7 +31,7 @@ void Control::sendAction() {
         return;
     }
     const auto keptAlive = shared_from_this();
-    Application::shared().sendAction(*action, target_.lock(), {.control = this});
+    Platform::sendAction(*action, target_.lock(), {.control = this});
 }
 
 } // namespace Platform

@@ -1,8 +1,6 @@
 #include "Platform/AppKit/linux/MenuBar.h"
 
-#include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/SignalHandler.h"
-#include "Platform/AppKit/linux/TabHost.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/RunLoop.h"
 
@@ -85,22 +83,9 @@ void update(Menu& menu) {
     }
 }
 
-/// Returns the focus to the page after a menu has closed. GTK may leave it in the tab strip (seen with 4.8.3,
-/// not reported).
-void returnFocus(GtkPopover* /*popover*/, gpointer /*data*/) {
-    const std::weak_ptr<Window> main = Application::shared().mainWindow();
-    // Deferred, because another menu may open immediately, and the action of the chosen item may move the
-    // focus itself.
-    RunLoop::main().perform([main] {
-        if (const auto window = main.lock()) {
-            window->native().takeFocus();
-        }
-    });
-}
-
 void send(const std::shared_ptr<MenuItem>& item) {
     if (const auto action = item->action()) {
-        Application::shared().sendAction(*action, nullptr, {.menuItem = item.get()});
+        sendAction(*action, nullptr, {.menuItem = item.get()});
     }
 }
 
@@ -126,12 +111,13 @@ struct KeyEquivalent {
 
 bool validate(MenuItem& item) {
     const auto action = item.action();
-    const auto target = action ? Application::shared().targetForAction(*action) : nullptr;
+    const auto target = action ? targetForAction(*action) : nullptr;
     return target && target->validateMenuItem(item);
 }
 
-MenuBar::MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu)
-    : mainMenu_(std::move(mainMenu))
+MenuBar::MenuBar(GtkWidget* toplevel, const MenuBarSource& source)
+    : source_(source)
+    , mainMenu_(source.mainMenu)
     , actions_(GObjectPtr<GSimpleActionGroup>::adopt(g_simple_action_group_new())) {
     const auto model = GObjectPtr<GMenu>::adopt(g_menu_new());
     for (const auto& top : mainMenu_->items()) {
@@ -158,7 +144,7 @@ void MenuBar::connectPopovers() {
             if (GTK_IS_POPOVER(child)) {
                 // Rebuild the menu on "map", because GTK maps a popover before it looks for an item to focus.
                 connections_.push_back(connectSignal<&MenuBar::opened>(child, "map", *this));
-                connections_.emplace_back(child, "closed", G_CALLBACK(returnFocus), nullptr);
+                connections_.push_back(connectSignal<&MenuBar::closed>(child, "closed", *this));
                 popovers_.push_back(child);
             }
         }
@@ -170,6 +156,19 @@ void MenuBar::opened(GtkWidget* popover) {
     rebuild(mainMenu_->items()[static_cast<std::size_t>(index)]->submenu(),
             G_MENU(gtk_popover_menu_get_menu_model(GTK_POPOVER_MENU(popover))));
     cutLongTexts(popover, greatestTextWidth(popover));
+}
+
+/// Returns the focus to the page after a menu has closed. GTK may leave it in the tab strip (seen with 4.8.3,
+/// not reported).
+void MenuBar::closed(GtkPopover* /*popover*/) {
+    const std::weak_ptr<Window> main = source_.mainWindow();
+    // Deferred, because another menu may open immediately, and the action of the chosen item may move the
+    // focus itself.
+    RunLoop::main().perform([main] {
+        if (const auto window = main.lock()) {
+            window->native().takeFocus();
+        }
+    });
 }
 
 void MenuBar::rebuild(const std::shared_ptr<Menu>& menu, GMenu* model) {
@@ -200,7 +199,7 @@ void MenuBar::rebuild(const std::shared_ptr<Menu>& menu, GMenu* model) {
         g_menu_append_item(section.get(), native.get());
     }
     endSection();
-    if (menu == Application::shared().native().windowsMenu.lock()) {
+    if (menu == source_.windowsMenu.lock()) {
         appendWindows(model);
     }
 }
@@ -232,22 +231,20 @@ void MenuBar::windowChosen(GSimpleAction* /*action*/, GVariant* index) {
 }
 
 void MenuBar::appendWindows(GMenu* model) {
-    const auto mainWindow = Application::shared().mainWindow();
+    const auto mainWindow = source_.mainWindow();
     const auto section = GObjectPtr<GMenu>::adopt(g_menu_new());
     windows_.clear();
-    for (const auto& host : Application::shared().native().visibleHosts()) {
-        for (const auto& window : host->windows()) {
-            const auto index = static_cast<gint32>(windows_.size());
-            if (window == mainWindow) {
-                g_action_group_change_action_state(G_ACTION_GROUP(actions_.get()), windowAction,
-                                                   g_variant_new_int32(index));
-            }
-            const auto item =
-                GObjectPtr<GMenuItem>::adopt(g_menu_item_new(menuLabel(window->title()).c_str(), nullptr));
-            g_menu_item_set_action_and_target(item.get(), actionName(windowAction).c_str(), "i", index);
-            g_menu_append_item(section.get(), item.get());
-            windows_.push_back(window);
+    for (const auto& window : source_.windows()) {
+        const auto index = static_cast<gint32>(windows_.size());
+        if (window == mainWindow) {
+            g_action_group_change_action_state(G_ACTION_GROUP(actions_.get()), windowAction,
+                                               g_variant_new_int32(index));
         }
+        const auto item =
+            GObjectPtr<GMenuItem>::adopt(g_menu_item_new(menuLabel(window->title()).c_str(), nullptr));
+        g_menu_item_set_action_and_target(item.get(), actionName(windowAction).c_str(), "i", index);
+        g_menu_append_item(section.get(), item.get());
+        windows_.push_back(window);
     }
     g_menu_append_section(model, nullptr, G_MENU_MODEL(section.get()));
 }

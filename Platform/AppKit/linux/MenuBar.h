@@ -11,6 +11,23 @@ namespace Platform {
 
 class Window;
 
+/// What all menu bars show. Main thread only.
+struct MenuBarSource {
+    MenuBarSource() = default;
+    MenuBarSource(const MenuBarSource&) = delete;
+    MenuBarSource& operator=(const MenuBarSource&) = delete;
+    virtual ~MenuBarSource() = default;
+
+    /// All visible windows, in the order in which the windows menu lists them.
+    virtual std::vector<std::shared_ptr<Window>> windows() const = 0;
+    /// See `Application::mainWindow`.
+    virtual std::shared_ptr<Window> mainWindow() const = 0;
+
+    std::shared_ptr<Menu> mainMenu;
+    /// The menu that lists the windows after its own items.
+    std::weak_ptr<Menu> windowsMenu;
+};
+
 /// Shows the main menu as the menu bar of a top-level window, and handles the menu's key equivalents in that
 /// window.
 ///
@@ -19,7 +36,8 @@ class Window;
 /// application's windows menu.
 class MenuBar {
 public:
-    MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu);
+    /// `source`, whose main menu is not null, must outlive the menu bar.
+    MenuBar(GtkWidget* toplevel, const MenuBarSource& source);
     MenuBar(const MenuBar&) = delete;
     MenuBar& operator=(const MenuBar&) = delete;
     ~MenuBar();
@@ -30,11 +48,13 @@ private:
     void addActions();
     void connectPopovers();
     void opened(GtkWidget* popover);
+    void closed(GtkPopover* popover);
     void rebuild(const std::shared_ptr<Menu>& menu, GMenu* model);
     void appendWindows(GMenu* model);
     void itemChosen(GSimpleAction* action, GVariant* index);
     void windowChosen(GSimpleAction* action, GVariant* index);
 
+    const MenuBarSource& source_;
     std::shared_ptr<Menu> mainMenu_;
     GObjectPtr<GtkWidget> bar_;
     GObjectPtr<GSimpleActionGroup> actions_;

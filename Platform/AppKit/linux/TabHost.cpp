@@ -1,15 +1,14 @@
 #include "Platform/AppKit/linux/TabHost.h"
 
-#include "Platform/AppKit/Application.h"
-#include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/Minimizing.h"
 #include "Platform/AppKit/linux/SignalHandler.h"
-#include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/MakeShared.h"
+#include "Platform/Foundation/RunLoop.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace Platform {
 
@@ -22,18 +21,16 @@ GQuark hostQuark() {
 
 } // namespace
 
-std::shared_ptr<TabHost> TabHost::create() {
-    auto host = makeShared<TabHost>();
-    host->connect();
-    Application::shared().native().hosts.push_back(host);
-    return host;
+void presentTopLevel(GtkWindow* toplevel) { TabHost::of(toplevel)->present(); }
+
+std::shared_ptr<TabHost> TabHost::of(GtkWindow* toplevel) {
+    auto* host = static_cast<TabHost*>(g_object_get_qdata(G_OBJECT(toplevel), hostQuark()));
+    return host ? host->shared_from_this() : nullptr;
 }
 
 std::shared_ptr<TabHost> TabHost::of(Window& window) {
-    GtkWidget* page = window.native().page.get();
-    GtkRoot* root = page ? gtk_widget_get_root(page) : nullptr;
-    auto* host = root ? static_cast<TabHost*>(g_object_get_qdata(G_OBJECT(root), hostQuark())) : nullptr;
-    return host ? host->shared_from_this() : nullptr;
+    GtkWindow* toplevel = window.native().toplevel();
+    return toplevel ? of(toplevel) : nullptr;
 }
 
 template <auto handler>
@@ -41,17 +38,17 @@ void TabHost::connect(gpointer instance, const char* signal) {
     connections_.push_back(connectSignal<handler>(instance, signal, *this));
 }
 
-TabHost::TabHost()
-    : toplevel_(GObjectPtr<GtkWidget>::retain(gtk_window_new()))
+TabHost::TabHost(TabHosts& hosts)
+    : hosts_(hosts)
+    , toplevel_(GObjectPtr<GtkWidget>::retain(gtk_window_new()))
     , returnedKeys_(toplevel())
     , tabView_(adw_tab_view_new()) {
-    const Application::Native& application = Application::shared().native();
-    gtk_window_set_application(toplevel(), application.gtk());
+    gtk_window_set_application(toplevel(), GTK_APPLICATION(g_application_get_default()));
     g_object_set_qdata(G_OBJECT(toplevel()), hostQuark(), this);
 
     GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
-    if (application.mainMenu) {
-        menuBar_ = std::make_unique<MenuBar>(toplevel_.get(), application.mainMenu);
+    if (hosts.mainMenu) {
+        menuBar_ = std::make_unique<MenuBar>(toplevel_.get(), hosts);
         gtk_box_append(GTK_BOX(column), menuBar_->widget());
     }
 
@@ -73,15 +70,7 @@ TabHost::TabHost()
     gtk_widget_set_vexpand(GTK_WIDGET(tabView_), TRUE);
     gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabView_));
     gtk_window_set_child(toplevel(), column);
-}
 
-TabHost::~TabHost() {
-    connections_.clear();
-    g_object_set_qdata(G_OBJECT(toplevel()), hostQuark(), nullptr);
-    gtk_window_destroy(toplevel());
-}
-
-void TabHost::connect() {
     connect<&TabHost::closeRequested>(toplevel_.get(), "close-request");
     connect<&TabHost::focusChanged>(toplevel_.get(), "notify::focus-widget");
     connect<&TabHost::activeChanged>(toplevel_.get(), "notify::is-active");
@@ -92,6 +81,12 @@ void TabHost::connect() {
     connect<&TabHost::pageCountChanged>(tabView_, "notify::n-pages");
     connect<&TabHost::selectionChanged>(tabView_, "notify::selected-page");
     connect<&TabHost::windowWanted>(tabView_, "create-window");
+}
+
+TabHost::~TabHost() {
+    connections_.clear();
+    g_object_set_qdata(G_OBJECT(toplevel()), hostQuark(), nullptr);
+    gtk_window_destroy(toplevel());
 }
 
 void TabHost::setFrame(const Window& window) {
@@ -106,7 +101,7 @@ void TabHost::setFrame(const Window& window) {
     }
     SavedFrame frame{.width = static_cast<int>(window.contentSize().width),
                      .height = static_cast<int>(window.contentSize().height) + barHeight};
-    if (const auto saved = Application::shared().native().savedFrames().frame(window.frameAutosaveName())) {
+    if (const auto saved = hosts_.savedFrames().frame(window.frameAutosaveName())) {
         // No upper limit is needed, because GTK fits the window to the screen.
         frame = *saved;
         frame.width = std::max(frame.width, static_cast<int>(window.minSize().width));
@@ -116,47 +111,6 @@ void TabHost::setFrame(const Window& window) {
     if (frame.isMaximized) {
         gtk_window_maximize(toplevel());
     }
-}
-
-void TabHost::addPage(Window& window, Window* neighbour) {
-    GtkWidget* page = window.native().page.get();
-    int position = adw_tab_view_get_n_pages(tabView_);
-    if (neighbour) {
-        AdwTabPage* beside = adw_tab_view_get_page(tabView_, neighbour->native().page.get());
-        position = adw_tab_view_get_page_position(tabView_, beside) + 1;
-    }
-    adw_tab_view_insert(tabView_, page, position);
-    updateTitle(window);
-}
-
-void TabHost::select(Window& window) {
-    adw_tab_view_set_selected_page(tabView_, adw_tab_view_get_page(tabView_, window.native().page.get()));
-}
-
-void TabHost::closePage(Window& window) {
-    adw_tab_view_close_page(tabView_, adw_tab_view_get_page(tabView_, window.native().page.get()));
-}
-
-void TabHost::updateTitle(Window& window) {
-    AdwTabPage* page = adw_tab_view_get_page(tabView_, window.native().page.get());
-    // A tab without a tool tip shows its whole title as the tool tip, regardless of the length.
-    const std::string shown = toolTipText(window.title());
-    if (shown == window.title()) {
-        adw_tab_page_set_tooltip(page, "");
-    } else {
-        const std::unique_ptr<char, decltype(&g_free)> toolTip(g_markup_escape_text(shown.c_str(), -1),
-                                                               &g_free);
-        adw_tab_page_set_tooltip(page, toolTip.get());
-    }
-    adw_tab_page_set_title(page, window.title().c_str());
-    if (adw_tab_view_get_selected_page(tabView_) == page) {
-        gtk_window_set_title(toplevel(), window.title().c_str());
-    }
-}
-
-void TabHost::setNeedsAttention(Window& window, bool needs) {
-    AdwTabPage* page = adw_tab_view_get_page(tabView_, window.native().page.get());
-    adw_tab_page_set_needs_attention(page, needs && adw_tab_view_get_selected_page(tabView_) != page);
 }
 
 std::shared_ptr<Window> TabHost::selectedWindow() const {
@@ -175,17 +129,6 @@ std::vector<std::shared_ptr<Window>> TabHost::windows() const {
     return windows;
 }
 
-void TabHost::selectNeighbour(int step) {
-    const int count = adw_tab_view_get_n_pages(tabView_);
-    AdwTabPage* selected = adw_tab_view_get_selected_page(tabView_);
-    if (!selected) {
-        return;
-    }
-    const int position = adw_tab_view_get_page_position(tabView_, selected);
-    adw_tab_view_set_selected_page(tabView_,
-                                   adw_tab_view_get_nth_page(tabView_, (position + step + count) % count));
-}
-
 void TabHost::present() {
     wasUsed();
     gtk_window_present(toplevel());
@@ -199,16 +142,14 @@ void TabHost::wasUsed() {
     lastUse_ = ++uses;
 }
 
-void TabHost::orderOut() { gtk_widget_set_visible(toplevel_.get(), FALSE); }
-
 gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/) {
     // Hide the window first. Otherwise each tab is shown briefly when the tab before it closes.
     gtk_widget_set_visible(toplevel_.get(), FALSE);
     // GTK's default handler removes the pages without emitting `close-page`. Close the tabs one at a time, in
     // order.
     for (const auto& window : windows()) {
-        if (of(*window).get() == this) {
-            closePage(*window);
+        if (window->native().tabView() == tabView_) {
+            window->native().closeTab();
         }
     }
     return GDK_EVENT_STOP;
@@ -231,7 +172,7 @@ void TabHost::pageCountChanged(AdwTabView* view, GParamSpec* /*property*/) {
         return;
     }
     gtk_widget_set_visible(toplevel_.get(), FALSE);
-    Application::shared().native().hostEmptied(shared_from_this());
+    hosts_.remove(shared_from_this());
 }
 
 void TabHost::selectionChanged(AdwTabView* /*view*/, GParamSpec* /*property*/) {
@@ -240,12 +181,12 @@ void TabHost::selectionChanged(AdwTabView* /*view*/, GParamSpec* /*property*/) {
         return;
     }
     gtk_window_set_title(toplevel(), window->title().c_str());
-    setNeedsAttention(*window, false);
+    window->native().setNeedsAttention(false);
     window->native().takePendingFocus();
 }
 
 AdwTabView* TabHost::windowWanted(AdwTabView* /*view*/) {
-    const auto host = create();
+    const auto host = hosts_.create();
     int width = 0;
     int height = 0;
     gtk_window_get_default_size(toplevel(), &width, &height);
@@ -272,7 +213,7 @@ void TabHost::frameChanged(GtkWindow* toplevel, GParamSpec* /*property*/) {
     }
     SavedFrame frame{.isMaximized = gtk_window_is_maximized(toplevel) == TRUE};
     gtk_window_get_default_size(toplevel, &frame.width, &frame.height);
-    Application::shared().native().savedFrames().setFrame(window->frameAutosaveName(), frame);
+    hosts_.savedFrames().setFrame(window->frameAutosaveName(), frame);
 }
 
 void TabHost::activeChanged(GtkWindow* toplevel, GParamSpec* /*property*/) {
@@ -283,7 +224,59 @@ void TabHost::activeChanged(GtkWindow* toplevel, GParamSpec* /*property*/) {
 
 void TabHost::newTabClicked(GtkButton* /*button*/) {
     wasUsed();
-    Application::shared().sendAction(StandardAction::newWindowForTab, nullptr, {});
+    sendAction(StandardAction::newWindowForTab, nullptr, {});
+}
+
+std::shared_ptr<TabHost> TabHosts::create() { return hosts_.emplace_back(makeShared<TabHost>(*this)); }
+
+void TabHosts::remove(const std::shared_ptr<TabHost>& host) {
+    std::erase(hosts_, host);
+    RunLoop::main().perform([host] {});
+    if (hosts_.empty()) {
+        lastHostClosed();
+    }
+}
+
+SavedFrames& TabHosts::savedFrames() {
+    if (!frames) {
+        frames = std::make_unique<SavedFrames>(g_get_user_state_dir());
+    }
+    return *frames;
+}
+
+std::vector<std::shared_ptr<TabHost>> TabHosts::visible() const {
+    std::vector<std::shared_ptr<TabHost>> visible;
+    std::ranges::copy_if(hosts_, std::back_inserter(visible), [](const auto& host) {
+        return gtk_widget_get_visible(GTK_WIDGET(host->toplevel()));
+    });
+    return visible;
+}
+
+std::shared_ptr<TabHost> TabHosts::front() const {
+    const auto visible = this->visible();
+    const auto front = std::ranges::max_element(visible, {}, &TabHost::lastUse);
+    return front == visible.end() ? nullptr : *front;
+}
+
+void TabHosts::bringAllToFront() const {
+    auto byUse = visible();
+    std::ranges::sort(byUse, {}, &TabHost::lastUse);
+    for (const auto& host : byUse) {
+        host->present();
+    }
+}
+
+std::vector<std::shared_ptr<Window>> TabHosts::windows() const {
+    std::vector<std::shared_ptr<Window>> windows;
+    for (const auto& host : visible()) {
+        std::ranges::copy(host->windows(), std::back_inserter(windows));
+    }
+    return windows;
+}
+
+std::shared_ptr<Window> TabHosts::mainWindow() const {
+    const auto host = front();
+    return host ? host->selectedWindow() : nullptr;
 }
 
 } // namespace Platform

@@ -4,21 +4,25 @@
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/AppKit/linux/MenuBar.h"
 #include "Platform/AppKit/linux/ReturnedKeys.h"
+#include "Platform/AppKit/linux/SavedFrames.h"
 
 #include <adwaita.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
 namespace Platform {
 
+class TabHosts;
+
 /// A native top-level window: the menu bar, the tab strip, and the pages of the windows that share it. It is
 /// released after its last page has been removed.
 class TabHost : public std::enable_shared_from_this<TabHost> {
 public:
-    static std::shared_ptr<TabHost> create();
-
+    /// Returns the host with this top-level window.
+    static std::shared_ptr<TabHost> of(GtkWindow* toplevel);
     /// Returns the host that currently contains the window's page, or null.
     static std::shared_ptr<TabHost> of(Window& window);
 
@@ -30,20 +34,10 @@ public:
     AdwTabView* tabView() const { return tabView_; }
     MenuBar* menuBar() const { return menuBar_.get(); }
 
-    /// Adds the window's page after that of `neighbour`, or at the end if `neighbour` is null.
-    void addPage(Window& window, Window* neighbour);
-    void select(Window& window);
-    void closePage(Window& window);
-    void updateTitle(Window& window);
-    void setNeedsAttention(Window& window, bool needs);
-
     std::shared_ptr<Window> selectedWindow() const;
     std::vector<std::shared_ptr<Window>> windows() const;
 
-    void selectNeighbour(int step);
     void present();
-    /// Hides the top-level window and keeps its pages.
-    void orderOut();
 
     /// Restores the frame that is saved under `window`'s autosave name, or sets one that fits `window`'s
     /// content size. Also applies the window's style. Call it before the top-level window is first presented.
@@ -53,10 +47,9 @@ public:
     std::uint64_t lastUse() const { return lastUse_; }
 
 protected:
-    TabHost();
+    explicit TabHost(TabHosts& hosts);
 
 private:
-    void connect();
     void wasUsed();
     template <auto handler>
     void connect(gpointer instance, const char* signal);
@@ -70,12 +63,46 @@ private:
     void activeChanged(GtkWindow* toplevel, GParamSpec* property);
     void newTabClicked(GtkButton* button);
 
+    TabHosts& hosts_;
     GObjectPtr<GtkWidget> toplevel_;
     ReturnedKeys returnedKeys_;
     AdwTabView* tabView_ = nullptr; // owned by `toplevel_`
     std::unique_ptr<MenuBar> menuBar_;
     std::uint64_t lastUse_ = 0;
     std::vector<SignalConnection> connections_;
+};
+
+/// The open top-level windows, and what they share. Must outlive them. Main thread only.
+class TabHosts final : public MenuBarSource {
+public:
+    /// Called when the last top-level window has lost its last page.
+    std::function<void()> lastHostClosed;
+
+    /// Creates an invisible, empty host.
+    std::shared_ptr<TabHost> create();
+    /// Releases an empty host after its callbacks have returned.
+    void remove(const std::shared_ptr<TabHost>& host);
+
+    SavedFrames& savedFrames();
+    /// Created when the first window is shown.
+    std::unique_ptr<SavedFrames> frames;
+
+    /// All hosts, in creation order.
+    const std::vector<std::shared_ptr<TabHost>>& all() const { return hosts_; }
+    /// The visible hosts, including minimised hosts, but not those that were ordered out.
+    std::vector<std::shared_ptr<TabHost>> visible() const;
+    /// The visible host that was used last, or null.
+    std::shared_ptr<TabHost> front() const;
+    /// Brings all visible hosts to the front, including minimised hosts. Preserves the order in which they
+    /// were last used.
+    void bringAllToFront() const;
+
+    std::vector<std::shared_ptr<Window>> windows() const override;
+    std::shared_ptr<Window> mainWindow() const override;
+
+private:
+    /// The only strong references to the hosts.
+    std::vector<std::shared_ptr<TabHost>> hosts_;
 };
 
 } // namespace Platform

@@ -95,11 +95,6 @@ TextFieldEvents::TextFieldEvents(TextField& owner, GtkWidget* editable)
     connections.push_back(connectSignal<&Events::keyPressed>(keys, "key-pressed", *this));
 }
 
-void TextFieldEvents::focusLeft(TextField& field) {
-    const auto keptAlive = field.shared_from_this();
-    field.endEditing(TextMovement::other);
-}
-
 void TextFieldEvents::insertText(GtkEditable* editable, const char* inserted, int length, int* position) {
     const std::string all(inserted, length < 0 ? std::strlen(inserted) : static_cast<std::size_t>(length));
     const std::string line = TextField::withoutLineBreaks(all);

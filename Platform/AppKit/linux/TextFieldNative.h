@@ -19,9 +19,6 @@ struct TextFieldEvents final : View::Native {
     void preeditChanged(GtkText* source, const char* preedit);
     void activated(GtkWidget* editable);
     gboolean keyPressed(GtkEventControllerKey* keys, guint keyval, guint keycode, GdkModifierType state);
-    /// Called when another control in the same page has received the focus. The field may not have a widget
-    /// yet.
-    static void focusLeft(TextField& field);
 
     TextField& field;
     GtkText* text = nullptr; // the part of `widget` that receives the focus

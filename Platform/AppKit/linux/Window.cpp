@@ -1,9 +1,9 @@
 #include "Platform/AppKit/Window.h"
 
 #include "Platform/AppKit/MainThread.h"
+#include "Platform/AppKit/Menu.h"
 #include "Platform/AppKit/linux/SignalHandler.h"
-#include "Platform/AppKit/linux/TabHost.h"
-#include "Platform/AppKit/linux/TextFieldNative.h"
+#include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/MakeShared.h"
@@ -35,13 +35,13 @@ void zoom(GtkWindow* window) {
 }
 
 const auto& windowActions() {
-    static const std::map<Action, void (*)(Window&, TabHost&)> table = {
-        {StandardAction::performClose, [](Window& window, TabHost&) { window.close(); }},
+    static const std::map<Action, void (*)(Window&)> table = {
+        {StandardAction::performClose, [](Window& window) { window.close(); }},
         {StandardAction::performMiniaturize,
-         [](Window&, TabHost& host) { gtk_window_minimize(host.toplevel()); }},
-        {StandardAction::performZoom, [](Window&, TabHost& host) { zoom(host.toplevel()); }},
-        {StandardAction::selectPreviousTab, [](Window&, TabHost& host) { host.selectNeighbour(-1); }},
-        {StandardAction::selectNextTab, [](Window&, TabHost& host) { host.selectNeighbour(1); }},
+         [](Window& window) { gtk_window_minimize(window.native().toplevel()); }},
+        {StandardAction::performZoom, [](Window& window) { zoom(window.native().toplevel()); }},
+        {StandardAction::selectPreviousTab, [](Window& window) { window.native().selectNeighbour(-1); }},
+        {StandardAction::selectNextTab, [](Window& window) { window.native().selectNeighbour(1); }},
     };
     return table;
 }
@@ -65,11 +65,10 @@ std::shared_ptr<Window> Window::create(Size contentSize, Style style) {
 Window::~Window() {
     native_->sheets.close();
     if (GtkWidget* page = native_->page.get()) {
-        const auto host = TabHost::of(*this);
         g_object_set_qdata(G_OBJECT(page), windowQuark(), nullptr);
-        if (host && !closed_) {
-            host->closePage(*this);
-        }
+    }
+    if (!closed_ && native_->tab()) {
+        native_->closeTab();
     }
 }
 
@@ -78,9 +77,7 @@ void Window::setTitle(const std::string& title) {
         return;
     }
     title_ = title;
-    if (const auto host = TabHost::of(*this)) {
-        host->updateTitle(*this);
-    }
+    native_->updateTitle();
 }
 
 void Window::setMinSize(Size size) {
@@ -102,14 +99,16 @@ void Window::setContentView(const std::shared_ptr<View>& view) {
 
 void Window::addTabbedWindow(const std::shared_ptr<Window>& window) {
     assertMainThread("Window::addTabbedWindow");
-    auto host = TabHost::of(*this);
-    if (!host) {
+    if (closed_ || window->closed_) {
+        return;
+    }
+    if (!native_->tab()) {
         makeKeyAndOrderFront();
-        host = TabHost::of(*this);
     }
     window->native_->makePage();
-    if (!TabHost::of(*window)) {
-        host->addPage(*window, this);
+    if (!window->native_->tab()) {
+        AdwTabView* tabs = native_->tabView();
+        window->native_->insert(tabs, adw_tab_view_get_page_position(tabs, native_->tab()) + 1);
     }
 }
 
@@ -119,21 +118,18 @@ void Window::makeKeyAndOrderFront() {
         return;
     }
     native_->makePage();
-    auto host = TabHost::of(*this);
-    if (!host) {
-        host = TabHost::create();
-        host->setFrame(*this);
-        host->addPage(*this, nullptr);
+    if (!native_->tab()) {
+        native_->insert(createTopLevel(*this), 0);
     }
-    host->select(*this);
-    host->present();
+    adw_tab_view_set_selected_page(native_->tabView(), native_->tab());
+    presentTopLevel(native_->toplevel());
     native_->takeFocus();
 }
 
 void Window::orderOut() {
     assertMainThread("Window::orderOut");
-    if (const auto host = TabHost::of(*this)) {
-        host->orderOut();
+    if (GtkWindow* toplevel = native_->toplevel()) {
+        gtk_widget_set_visible(GTK_WIDGET(toplevel), FALSE);
     }
 }
 
@@ -153,11 +149,16 @@ void Window::close() {
     const auto keptAlive = shared_from_this();
     if (!releasedWhenClosed_) {
         orderOut();
-    } else if (const auto host = TabHost::of(*this)) {
-        host->closePage(*this);
+    } else if (native_->tab()) {
+        native_->closeTab();
     } else {
         native_->willClose();
     }
+}
+
+void Window::beginSheet(const Alert& alert, Alert::Completion completion) {
+    assertMainThread("Window::beginSheet");
+    native_->sheets.add(alert, std::move(completion));
 }
 
 bool Window::respondsTo(Action action) const { return Native::isWindowAction(action); }
@@ -165,14 +166,13 @@ bool Window::respondsTo(Action action) const { return Native::isWindowAction(act
 bool Window::Native::isWindowAction(Action action) { return windowActions().contains(action); }
 
 void Window::perform(Action action, const ActionSender& /*sender*/) {
-    if (const auto host = TabHost::of(*this)) {
-        windowActions().at(action)(*this, *host);
+    if (native_->tab()) {
+        windowActions().at(action)(*this);
     }
 }
 
 bool Window::validateMenuItem(MenuItem& item) {
-    const auto host = TabHost::of(*this);
-    if (!host) {
+    if (!native_->tab()) {
         return false;
     }
     if (item.action() == StandardAction::performClose) {
@@ -184,7 +184,7 @@ bool Window::validateMenuItem(MenuItem& item) {
     if (item.action() == StandardAction::performZoom) {
         return style_.resizable;
     }
-    return adw_tab_view_get_n_pages(host->tabView()) > 1;
+    return adw_tab_view_get_n_pages(native_->tabView()) > 1;
 }
 
 void Window::Native::makePage() {
@@ -208,6 +208,56 @@ std::shared_ptr<Window> Window::Native::ofPage(GtkWidget* page) {
     return window ? window->weak_from_this().lock() : nullptr;
 }
 
+AdwTabView* Window::Native::tabView() const {
+    GtkWidget* view = page ? gtk_widget_get_ancestor(page.get(), ADW_TYPE_TAB_VIEW) : nullptr;
+    return view ? ADW_TAB_VIEW(view) : nullptr;
+}
+
+AdwTabPage* Window::Native::tab() const {
+    AdwTabView* tabs = tabView();
+    return tabs ? adw_tab_view_get_page(tabs, page.get()) : nullptr;
+}
+
+GtkWindow* Window::Native::toplevel() const {
+    GtkRoot* root = page ? gtk_widget_get_root(page.get()) : nullptr;
+    return root ? GTK_WINDOW(root) : nullptr;
+}
+
+void Window::Native::insert(AdwTabView* tabs, int position) const {
+    adw_tab_view_insert(tabs, page.get(), position);
+    updateTitle();
+}
+
+void Window::Native::closeTab() const { adw_tab_view_close_page(tabView(), tab()); }
+
+void Window::Native::updateTitle() const {
+    AdwTabPage* tab = this->tab();
+    if (!tab) {
+        return;
+    }
+    // A tab without a tool tip shows its whole title as the tool tip, regardless of the length.
+    const std::string shown = toolTipText(window.title_);
+    const std::unique_ptr<char, decltype(&g_free)> toolTip(g_markup_escape_text(shown.c_str(), -1), &g_free);
+    adw_tab_page_set_tooltip(tab, shown == window.title_ ? "" : toolTip.get());
+    adw_tab_page_set_title(tab, window.title_.c_str());
+    if (adw_tab_page_get_selected(tab)) {
+        gtk_window_set_title(toplevel(), window.title_.c_str());
+    }
+}
+
+void Window::Native::setNeedsAttention(bool needs) const {
+    if (AdwTabPage* tab = this->tab()) {
+        adw_tab_page_set_needs_attention(tab, needs && !adw_tab_page_get_selected(tab));
+    }
+}
+
+void Window::Native::selectNeighbour(int step) const {
+    AdwTabView* tabs = tabView();
+    const int count = adw_tab_view_get_n_pages(tabs);
+    const int selected = adw_tab_view_get_page_position(tabs, adw_tab_view_get_selected_page(tabs));
+    adw_tab_view_set_selected_page(tabs, adw_tab_view_get_nth_page(tabs, (selected + step + count) % count));
+}
+
 void Window::Native::focusMoved(View& view) {
     const auto previous = firstResponder.lock();
     firstResponder = view.weak_from_this();
@@ -220,8 +270,8 @@ void Window::Native::focusMoved(View& view) {
     if (!isFocusedAnew) {
         return;
     }
-    if (const auto field = std::dynamic_pointer_cast<TextField>(previous)) {
-        TextFieldEvents::focusLeft(*field);
+    if (previous) {
+        previous->resignFirstResponder();
     }
 }
 
@@ -270,9 +320,7 @@ bool Window::Native::showSheet(const Alert& alert) {
     });
     setContentReachable(false);
     gtk_overlay_add_overlay(GTK_OVERLAY(page.get()), sheet->widget());
-    if (const auto host = TabHost::of(window)) {
-        host->setNeedsAttention(window, true);
-    }
+    setNeedsAttention(true);
     takeFocus();
     return true;
 }
@@ -285,9 +333,7 @@ void Window::Native::hideSheet() {
         return;
     }
     setContentReachable(true);
-    if (const auto host = TabHost::of(window)) {
-        host->setNeedsAttention(window, false);
-    }
+    setNeedsAttention(false);
     takeFocus();
 }
 

@@ -5,11 +5,19 @@
 #include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/AppKit/linux/Sheet.h"
 
+#include <adwaita.h>
+
 #include <memory>
 
 namespace Platform {
 
-class TabHost;
+// Windows call these functions, which the units that are built on windows implement.
+
+/// Creates an invisible top-level window with the saved frame or the content size of `window`, and returns
+/// its tab view, which is empty.
+AdwTabView* createTopLevel(const Window& window);
+/// Shows and raises a top-level window, which becomes the one that was used last.
+void presentTopLevel(GtkWindow* toplevel);
 
 /// A window's page: a child of a top-level window's tab view that contains the content and any sheet over it.
 /// When the user drags its tab, the page can move to another top-level window. Therefore the top-level window
@@ -26,6 +34,20 @@ struct Window::Native final : SheetPresenter {
 
     void makePage();
     void applyMinSize() const;
+
+    /// The page's tab, and the tab view and top-level window that currently contain it. Null if the page does
+    /// not exist or is not in a tab view.
+    AdwTabPage* tab() const;
+    AdwTabView* tabView() const;
+    GtkWindow* toplevel() const;
+
+    void insert(AdwTabView* tabs, int position) const;
+    void closeTab() const;
+    /// Copies the window's title to the tab and, if it is selected, to the top-level window.
+    void updateTitle() const;
+    /// Marks the tab, unless it is selected.
+    void setNeedsAttention(bool needs) const;
+    void selectNeighbour(int step) const;
 
     /// Makes `view` the first responder. Called when GTK's focus has moved to the widget of `view` on this
     /// page, or is about to.

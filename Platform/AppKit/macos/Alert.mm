@@ -2,10 +2,7 @@
 
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/macos/AlertNative.h"
-#include "Platform/AppKit/macos/WindowNative.h"
 #include "Platform/Foundation/macos/Conversions.h"
-
-#include <utility>
 
 namespace Platform {
 
@@ -27,11 +24,6 @@ std::size_t chosenButton(const Alert& alert, NSModalResponse response) {
     return response < NSAlertFirstButtonReturn
                ? alert.safeButton()
                : static_cast<std::size_t>(response - NSAlertFirstButtonReturn);
-}
-
-void Alert::beginSheetModal(const std::shared_ptr<Window>& window, Completion completion) const {
-    assertMainThread("Alert::beginSheetModal");
-    window->native().sheets.add(*this, std::move(completion));
 }
 
 std::size_t Alert::runModal() const {

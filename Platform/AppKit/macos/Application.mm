@@ -175,8 +175,8 @@ void Application::activateIgnoringOtherApps() {
     [nativeApplication() activateIgnoringOtherApps:YES];
 }
 
-std::shared_ptr<Responder> Application::targetForAction(Action action) const {
-    assertMainThread("Application::targetForAction");
+std::shared_ptr<Responder> targetForAction(Action action) {
+    assertMainThread("targetForAction");
     return responderOf([nativeApplication() targetForAction:selectorFor(action)]);
 }
 

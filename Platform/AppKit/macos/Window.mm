@@ -236,6 +236,11 @@ void Window::Native::takeFrameName() const {
     }
 }
 
+void Window::beginSheet(const Alert& alert, Alert::Completion completion) {
+    assertMainThread("Window::beginSheet");
+    native_->sheets.add(alert, std::move(completion));
+}
+
 bool Window::Native::showSheet(const Alert& alert) {
     // AppKit selects a window's tab to show its sheet. Hold the sheet back until the user selects the tab.
     if (!isSelectedTab(window)) {

@@ -171,10 +171,10 @@ TEST_F(AuthSessionLifetime, aHundredSessionsLeaveNothingBehind) {
     ASSERT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= kept + 1; }));
     const auto processes = TestSupport::webProcesses().size();
     const auto descriptors = openDescriptors();
-    const auto hosts = Platform::Application::shared().native().hosts.size();
+    const auto hosts = Platform::Application::shared().native().hosts.all().size();
 
     runSessions(100);
-    EXPECT_EQ(Platform::Application::shared().native().hosts.size(), hosts);
+    EXPECT_EQ(Platform::Application::shared().native().hosts.all().size(), hosts);
     EXPECT_TRUE(runUntil([&] { return TestSupport::webProcesses().size() <= processes; }))
         << TestSupport::webProcesses().size() << " web processes";
     // WebKitGTK keeps connections to its processes open for a while. A leak would leave open descriptors for

@@ -42,8 +42,9 @@ protected:
 TEST_F(AlertTest, answersWithTheChosenButtonOnce) {
     show(controller->window());
     std::vector<std::size_t> answers;
-    Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}.beginSheetModal(
-        controller->window(), [&](std::size_t button) { answers.push_back(button); });
+    controller->window()->beginSheet(
+        Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}},
+        [&](std::size_t button) { answers.push_back(button); });
     press("Cancel");
     runPending();
     EXPECT_EQ(answers, std::vector<std::size_t>{1});
@@ -53,8 +54,8 @@ TEST_F(AlertTest, answersWithTheChosenButtonOnce) {
 TEST_F(AlertTest, hasAnOKButtonByDefault) {
     show(controller->window());
     int answers = 0;
-    Alert{.messageText = "Note", .informativeText = ""}.beginSheetModal(controller->window(),
-                                                                        [&](std::size_t) { ++answers; });
+    controller->window()->beginSheet(Alert{.messageText = "Note", .informativeText = ""},
+                                     [&](std::size_t) { ++answers; });
     press("OK");
     EXPECT_EQ(answers, 1);
 }
@@ -63,8 +64,8 @@ TEST_F(AlertTest, sheetsOfOnePageQueue) {
     show(controller->window());
     std::vector<std::string> answers;
     for (const char* name : {"first", "second"}) {
-        Alert{.messageText = name, .informativeText = ""}.beginSheetModal(
-            controller->window(), [&answers, name](std::size_t) { answers.emplace_back(name); });
+        controller->window()->beginSheet(Alert{.messageText = name, .informativeText = ""},
+                                         [&answers, name](std::size_t) { answers.emplace_back(name); });
     }
     press("OK");
     EXPECT_EQ(answers, std::vector<std::string>{"first"});
@@ -76,8 +77,9 @@ TEST_F(AlertTest, aClosingWindowGivesTheSafeAnswerToEverySheet) {
     show(controller->window());
     std::vector<std::size_t> answers;
     for (int i = 0; i < 2; ++i) {
-        Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}
-            .beginSheetModal(controller->window(), [&](std::size_t button) { answers.push_back(button); });
+        controller->window()->beginSheet(
+            Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}},
+            [&](std::size_t button) { answers.push_back(button); });
     }
     controller->window()->close();
     EXPECT_EQ(answers, (std::vector<std::size_t>{1, 1}));
@@ -88,8 +90,8 @@ TEST_F(AlertTest, aWindowThatIsDestroyedOpenGivesTheSafeAnswer) {
     std::optional<std::size_t> answer;
     auto window = Window::create({.width = 400, .height = 300}, {});
     show(window);
-    Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}.beginSheetModal(
-        window, [&](std::size_t button) { answer = button; });
+    window->beginSheet(Alert{.messageText = "Sure?", .informativeText = "", .buttonTitles = {"OK", "Cancel"}},
+                       [&](std::size_t button) { answer = button; });
     window.reset();
     EXPECT_EQ(answer, 1U);
     runPending();
@@ -99,8 +101,9 @@ TEST_F(AlertTest, aClosedWindowAnswersAtOnce) {
     show(controller->window());
     controller->window()->close();
     std::optional<std::size_t> answer;
-    Alert{.messageText = "Late", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}.beginSheetModal(
-        controller->window(), [&](std::size_t button) { answer = button; });
+    controller->window()->beginSheet(
+        Alert{.messageText = "Late", .informativeText = "", .buttonTitles = {"OK", "Cancel"}},
+        [&](std::size_t button) { answer = button; });
     EXPECT_EQ(answer, 1U);
 }
 
@@ -109,7 +112,7 @@ TEST_F(AlertTest, whatIsUnderTheSheetIsOutOfReachUntilItIsAnswered) {
     controller->window()->contentView()->addSubview(field);
     show(controller->window());
     field->selectText();
-    Alert{.messageText = "Note", .informativeText = ""}.beginSheetModal(controller->window(), nullptr);
+    controller->window()->beginSheet(Alert{.messageText = "Note", .informativeText = ""}, nullptr);
     GtkWidget* content = widgetOf(controller->window()->contentView());
     EXPECT_FALSE(gtk_widget_get_can_target(content));
     EXPECT_FALSE(gtk_widget_get_can_focus(content));
@@ -126,7 +129,7 @@ TEST_F(AlertTest, aSheetOnAHiddenTabWaitsThereAndAsksForAttention) {
     const auto other = RecordingController::create("other");
     controller->window()->addTabbedWindow(other->window());
     show(other->window());
-    Alert{.messageText = "Note", .informativeText = ""}.beginSheetModal(controller->window(), nullptr);
+    controller->window()->beginSheet(Alert{.messageText = "Note", .informativeText = ""}, nullptr);
     const auto host = TabHost::of(*controller->window());
     AdwTabPage* page = adw_tab_view_get_page(host->tabView(), controller->window()->native().page.get());
     EXPECT_EQ(host->selectedWindow(), other->window());
@@ -137,8 +140,9 @@ TEST_F(AlertTest, aSheetOnAHiddenTabWaitsThereAndAsksForAttention) {
 
 TEST_F(AlertTest, aSheetOnAWindowThatWasNeverShownComesWithIt) {
     std::optional<std::size_t> answer;
-    Alert{.messageText = "Early", .informativeText = "", .buttonTitles = {"OK", "Cancel"}}.beginSheetModal(
-        controller->window(), [&](std::size_t button) { answer = button; });
+    controller->window()->beginSheet(
+        Alert{.messageText = "Early", .informativeText = "", .buttonTitles = {"OK", "Cancel"}},
+        [&](std::size_t button) { answer = button; });
     EXPECT_EQ(answer, std::nullopt);
     show(controller->window());
     EXPECT_TRUE(runUntil([&] { return gtk_widget_get_mapped(sheet()->widget()) == TRUE; }));
@@ -150,8 +154,8 @@ TEST_F(AlertTest, aSheetOnAWindowThatWasNeverShownComesWithIt) {
 
 TEST_F(AlertTest, aLongTextKeepsTheButtonsInReach) {
     show(controller->window());
-    Alert{.messageText = "Note", .informativeText = std::string(10000, 'w')}.beginSheetModal(
-        controller->window(), nullptr);
+    controller->window()->beginSheet(Alert{.messageText = "Note", .informativeText = std::string(10000, 'w')},
+                                     nullptr);
     GtkWidget* button = findButton(sheet()->widget(), "OK");
     GtkWidget* page = controller->window()->native().page.get();
     const auto isInReach = [&] {

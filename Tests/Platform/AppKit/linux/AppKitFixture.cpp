@@ -26,7 +26,7 @@ AppKitTest::AppKitTest() {
 
 AppKitTest::~AppKitTest() {
     Application::shared().setMainMenu(nullptr);
-    const auto hosts = Application::shared().native().hosts;
+    const auto hosts = Application::shared().native().hosts.all();
     for (const auto& host : hosts) {
         gtk_window_close(host->toplevel());
     }

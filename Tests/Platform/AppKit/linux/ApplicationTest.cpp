@@ -42,7 +42,7 @@ protected:
         EXPECT_TRUE(runUntil([&] { return isActive(controller); }));
     }
 
-    static void perform(Action action) { EXPECT_TRUE(Application::shared().sendAction(action, nullptr, {})); }
+    static void perform(Action action) { EXPECT_TRUE(sendAction(action, nullptr, {})); }
 
     static std::vector<GtkAboutDialog*> aboutPanels() {
         std::vector<GtkAboutDialog*> panels;

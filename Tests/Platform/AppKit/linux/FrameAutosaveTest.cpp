@@ -18,11 +18,11 @@ protected:
 
     FrameAutosaveTest() {
         TestSupport::startWindowManager();
-        Application::shared().native().frames.reset();
+        Application::shared().native().hosts.frames.reset();
         std::filesystem::remove_all(g_get_user_state_dir());
     }
 
-    static SavedFrames& frames() { return Application::shared().native().savedFrames(); }
+    static SavedFrames& frames() { return Application::shared().native().hosts.savedFrames(); }
 
     static std::shared_ptr<RecordingController> openWindow() {
         auto controller = RecordingController::create("window");

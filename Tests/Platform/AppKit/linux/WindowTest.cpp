@@ -41,7 +41,7 @@ TEST_F(WindowTest, closingTellsTheDelegateOnce) {
     controller->window()->close();
     runPending();
     EXPECT_EQ(controller->closed, std::vector<std::string>{"one"});
-    EXPECT_TRUE(Application::shared().native().hosts.empty());
+    EXPECT_TRUE(Application::shared().native().hosts.all().empty());
 }
 
 TEST_F(WindowTest, closingTheTopLevelClosesEachTabOnceInOrder) {
@@ -148,15 +148,15 @@ TEST_F(WindowTest, actionsGoDownTheResponderChain) {
     const auto field = TextField::create();
     controller->window()->contentView()->addSubview(field);
     show(controller->window());
-    EXPECT_EQ(Application::shared().targetForAction(TestAction::reload), controller);
-    EXPECT_EQ(Application::shared().targetForAction(StandardAction::performClose), controller->window());
+    EXPECT_EQ(targetForAction(TestAction::reload), controller);
+    EXPECT_EQ(targetForAction(StandardAction::performClose), controller->window());
     controller->window()->makeFirstResponder(field);
-    EXPECT_EQ(Application::shared().targetForAction(StandardAction::copy), field);
-    EXPECT_EQ(Application::shared().targetForAction(StandardAction::terminate).get(), &Application::shared());
+    EXPECT_EQ(targetForAction(StandardAction::copy), field);
+    EXPECT_EQ(targetForAction(StandardAction::terminate).get(), &Application::shared());
 
-    EXPECT_TRUE(Application::shared().sendAction(TestAction::reload, nullptr, {}));
+    EXPECT_TRUE(sendAction(TestAction::reload, nullptr, {}));
     EXPECT_EQ(controller->recorder.performed, std::vector{TestAction::reload});
-    EXPECT_FALSE(Application::shared().sendAction(TestAction::goBack, nullptr, {}));
+    EXPECT_FALSE(sendAction(TestAction::goBack, nullptr, {}));
 }
 
 TEST_F(WindowTest, aTabMovedToAnotherTopLevelIsTheSameWindow) {
@@ -205,7 +205,7 @@ TEST_F(WindowTest, aTabAddedToAWindowThatWasNeverShownShowsBoth) {
 
 TEST_F(WindowTest, orderingOutWhatWasNeverShownDoesNothing) {
     Window::create({.width = 300, .height = 200}, {})->orderOut();
-    EXPECT_TRUE(Application::shared().native().hosts.empty());
+    EXPECT_TRUE(Application::shared().native().hosts.all().empty());
 }
 
 TEST_F(WindowTest, orderedOutItIsNoMainWindowBesideAnother) {
@@ -224,7 +224,7 @@ TEST_F(WindowTest, thatIsNotReleasedWhenClosedOnlyHides) {
     window->setReleasedWhenClosed(false);
     const auto close = {+[](Window& window) { gtk_window_close(TabHost::of(window)->toplevel()); },
                         +[](Window& window) { window.close(); },
-                        +[](Window& window) { TabHost::of(window)->closePage(window); }};
+                        +[](Window& window) { window.native().closeTab(); }};
     for (const auto& closeWindow : close) {
         show(window);
         closeWindow(*window);
@@ -232,7 +232,7 @@ TEST_F(WindowTest, thatIsNotReleasedWhenClosedOnlyHides) {
         EXPECT_FALSE(window->isVisible());
     }
     EXPECT_TRUE(controller->closed.empty());
-    EXPECT_EQ(Application::shared().native().hosts.size(), 1U);
+    EXPECT_EQ(Application::shared().native().hosts.all().size(), 1U);
 }
 
 TEST_F(WindowTest, thatIsNotReleasedWhenClosedGoesWithItsOwner) {
@@ -242,7 +242,18 @@ TEST_F(WindowTest, thatIsNotReleasedWhenClosedGoesWithItsOwner) {
     window->close();
     window.reset();
     runPending();
-    EXPECT_TRUE(Application::shared().native().hosts.empty());
+    EXPECT_TRUE(Application::shared().native().hosts.all().empty());
+}
+
+TEST_F(WindowTest, doesNotTakeOrBecomeATabOnceClosed) {
+    const auto open = Window::create({.width = 300, .height = 200}, {});
+    show(open);
+    const auto closed = Window::create({.width = 300, .height = 200}, {});
+    closed->close();
+    closed->addTabbedWindow(Window::create({.width = 300, .height = 200}, {}));
+    open->addTabbedWindow(closed);
+    runPending();
+    EXPECT_EQ(Application::shared().native().hosts.windows(), std::vector{open});
 }
 
 TEST_F(WindowTest, mayHaveAnotherContent) {
