@@ -8,8 +8,7 @@ namespace Platform {
 class Control;
 class MenuItem;
 
-/// Names an operation that controls and menu items can request. The selector on macOS is the name followed by
-/// a colon.
+/// An operation that controls and menu items can request. On macOS, the selector is the name plus a colon.
 class Action {
 public:
     /// The characters of `name` are not copied and must outlive the action, like those of a string literal.
@@ -55,8 +54,7 @@ inline constexpr Action selectAll("selectAll");
 
 } // namespace StandardAction
 
-/// Returns true for the actions of the "Edit" menu. The focused text field or page receives their key
-/// equivalents first.
+/// Returns true for the "Edit" actions. The focused text field or page receives their key equivalents first.
 constexpr bool isEditing(Action action) {
     using namespace StandardAction;
     return action == undo || action == redo || action == cut || action == copy || action == paste ||

@@ -23,9 +23,8 @@ public:
 
 /// A window, or one tab of a native window that several windows share. Main thread only.
 ///
-/// Windows with the same tabbing identifier can be tabs of the same native window. Each of them still has its
-/// own title, content and first responder. On Linux the native window is created when the window is first
-/// shown.
+/// Windows with the same tabbing identifier can be tabs of one native window. Each tab has its own title,
+/// content and first responder. On Linux the native window is created when it is first shown.
 class Window : public Responder, public std::enable_shared_from_this<Window> {
 public:
     /// The operations that the user can perform with a window's frame.
@@ -51,18 +50,15 @@ public:
     Size contentSize() const { return contentSize_; }
     const Style& style() const { return style_; }
 
-    /// The minimum size to which the user can resize the window. On Linux it applies to the content, on macOS
-    /// to the window including its frame.
+    /// The smallest size that the user can choose: of the content on Linux, of the whole window on macOS.
     Size minSize() const { return minSize_; }
     void setMinSize(Size size);
 
-    /// Windows with the same identifier become tabs of one native window. Used only on macOS, when the window
-    /// is first shown.
+    /// Groups windows into tabs. Used only on macOS, when the window is first shown.
     const std::string& tabbingIdentifier() const { return tabbingIdentifier_; }
     void setTabbingIdentifier(const std::string& identifier) { tabbingIdentifier_ = identifier; }
 
-    /// Centers the window on the screen when it is first shown. Has no effect on Linux, because GTK 4 cannot
-    /// position a window.
+    /// Centers the window when it is first shown. Has no effect on Linux: GTK 4 cannot position windows.
     void center() { centered_ = true; }
 
     /// The name under which the window's frame is saved between runs: its size and maximised state and, on
@@ -102,8 +98,7 @@ public:
     bool isReleasedWhenClosed() const { return releasedWhenClosed_; }
     void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
 
-    /// Closes the window: answers its pending sheets with their safe buttons, notifies the delegate once and
-    /// closes the native window or tab.
+    /// Answers pending sheets with their safe buttons, notifies the delegate and closes the window or tab.
     void close();
 
     /// Implement the standard actions of a window.

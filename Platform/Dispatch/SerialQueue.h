@@ -37,8 +37,7 @@ public:
     /// Submits `work` after `delay`.
     void asyncAfter(std::chrono::milliseconds delay, Work work);
 
-    /// Submits `work` and returns after it has run. A call on the queue itself would deadlock and is a fatal
-    /// error.
+    /// Submits `work` and waits until it has run. A call on the queue itself is a fatal error.
     void sync(const Work& work);
 
     /// Returns true if it is called on this queue.

@@ -45,8 +45,7 @@ public:
 
     /// Parses a JSON array or object in UTF-8. Returns nothing on error. Conforms strictly to RFC 8259,
     /// except that a leading byte order mark is skipped. Also rejects nesting deeper than `maxDepth` and
-    /// numbers outside the range of a double. Safe for any input of any size, because the recursion depth is
-    /// limited.
+    /// numbers outside the range of a double. Safe for input of any kind and size.
     static std::optional<JSONValue> parse(std::string_view bytes);
 
     /// Returns true for null.
@@ -60,8 +59,7 @@ public:
 
     /// Returns the member with the given name, or null if this value is not an object or has no such member.
     const JSONValue* member(std::string_view name) const;
-    /// Returns the string member with the given name, or null if there is no such member or it is not a
-    /// string.
+    /// Returns the string member with the given name, or null if the member is missing or not a string.
     const std::string* stringMember(std::string_view name) const;
 
     /// Compares the contents, including nested values.
@@ -94,8 +92,8 @@ std::string compactJSON(const JSONValue& value, JSONSlashes slashes);
 /// Members are sorted by name, "/" is written as "\/", and the result does not end in a line break.
 std::string prettyJSON(const JSONValue& value);
 
-/// Returns `text` as a JSON string literal, including the quotation marks. "/" is written as "\/"; non-ASCII
-/// characters are not escaped.
+/// Returns `text` as a quoted JSON string literal. "/" is written as "\/"; non-ASCII characters are
+/// unescaped.
 std::string jsonStringLiteral(std::string_view text);
 
 } // namespace Platform

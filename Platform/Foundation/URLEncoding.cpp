@@ -116,8 +116,7 @@ std::string_view take(std::string_view& rest, std::size_t length) {
     return taken;
 }
 
-/// Splits an authority into user information, host and port. Returns false if its host and port cannot be
-/// separated.
+/// Splits an authority into user information, host and port. Returns false if this is not possible.
 bool splitAuthority(std::string_view authority, Parts& parts) {
     // The last "@" terminates the user information. Any preceding "@" is encoded later.
     if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {

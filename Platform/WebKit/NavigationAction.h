@@ -34,8 +34,7 @@ struct NavigationAction {
 
 /// The frame whose script opens a panel. A plain value type.
 struct FrameInfo {
-    /// The URL of the frame's request. WebKitGTK does not identify the frame, so on Linux this is the URL of
-    /// the page.
+    /// The URL of the frame's request. On Linux, that of the page: WebKitGTK does not identify the frame.
     std::optional<URL> url;
 };
 

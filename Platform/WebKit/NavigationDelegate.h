@@ -40,10 +40,9 @@ public:
     /// the first call has an effect. Destroying the handler without calling it cancels the navigation.
     using DecisionHandler = std::function<void(NavigationActionPolicy)>;
 
-    /// Decides whether to allow a navigation of the page or of one of its frames. Called before every
-    /// navigation, before every redirect, and before every new window that a link or a form requests. Not
-    /// called for the page of `WebView::loadHTMLString` itself, for `history.pushState`, or for history
-    /// navigations within one document.
+    /// Decides whether to allow a navigation of the page or one of its frames. Called before every
+    /// navigation, redirect, and new window that a link or a form requests. Not called for the page of
+    /// `WebView::loadHTMLString` itself, `history.pushState`, or history navigations within a document.
     virtual void decidePolicy(WebView& webView, const NavigationAction& action,
                               const DecisionHandler& decisionHandler) = 0;
 };

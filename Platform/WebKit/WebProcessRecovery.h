@@ -8,8 +8,7 @@
 
 namespace Platform {
 
-/// Decides when to reload a page whose web process has terminated, and which load to repeat. Main thread
-/// only.
+/// Decides when to reload a page, and which load to repeat, after its web process exits. Main thread only.
 ///
 /// The page is reloaded once, as soon as it is visible. After a second failure within a minute, the page is
 /// not reloaded until the user requests it, because the page itself is probably the cause.

@@ -10,7 +10,6 @@
 @end
 
 @implementation KeyloftTextFieldDelegate
-
 - (void)controlTextDidBeginEditing:(NSNotification*)obj {
     Platform::TextFieldEvents::didBegin(obj.object);
 }
@@ -28,7 +27,6 @@
     return commandSelector == @selector(cancelOperation:) &&
            Platform::TextFieldEvents::cancelled(static_cast<NSTextField*>(control));
 }
-
 @end
 
 namespace Platform {

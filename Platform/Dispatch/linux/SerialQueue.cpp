@@ -24,8 +24,7 @@ namespace {
 
 thread_local const void* currentQueue = nullptr;
 
-/// The kernel limits thread names to 15 bytes. Use the last component of a reverse-DNS label, which is the
-/// most specific.
+/// Uses the last component of a reverse-DNS label, because the kernel limits thread names to 15 bytes.
 void nameThread(const std::string& label) {
     std::string name = label.substr(label.rfind('.') + 1);
     name.resize(std::min<std::size_t>(name.size(), 15));
@@ -120,8 +119,7 @@ void SerialQueue::State::run() {
     }
 }
 
-/// Runs the work that is due, then calls the cancel handlers of the sources that were cancelled before the
-/// turn.
+/// Runs the work that is due, then calls the cancel handlers of sources that were cancelled earlier.
 void SerialQueue::State::takeTurn() {
     std::vector<Work> running;
     std::vector<Source> retiring;
@@ -151,8 +149,7 @@ void SerialQueue::State::takeTurn() {
     }
 }
 
-/// Collects the descriptors and the timeout for poll(). Returns false once the queue has ended and no work or
-/// source remains.
+/// Prepares the arguments of poll(). Returns false if the queue has ended and no work or source remains.
 bool SerialQueue::State::prepareToWait() {
     polled_.clear();
     waiting_.clear();
@@ -221,9 +218,7 @@ SerialQueue::SerialQueue(std::string label)
 }
 
 SerialQueue::~SerialQueue() { state_->end(); }
-
 const std::string& SerialQueue::label() const { return state_->label; }
-
 void SerialQueue::async(Work work) { state_->enqueue(std::move(work)); }
 
 void SerialQueue::asyncAfter(std::chrono::milliseconds delay, Work work) {

@@ -32,8 +32,7 @@ void Timer::start(Interval interval) {
                                               block:^(NSTimer* /*unused*/) {
                                                   this->fired();
                                               }];
-    // Add the timer in the common modes, so that a menu or an alert that runs the loop in a different mode
-    // does not delay it.
+    // Use the common modes, so that the timer also fires while a menu or an alert runs the loop.
     [NSRunLoop.mainRunLoop addTimer:native_->timer forMode:NSRunLoopCommonModes];
 }
 

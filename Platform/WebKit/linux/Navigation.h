@@ -33,11 +33,9 @@ public:
 
     /// Returns true before the first navigation.
     bool isFresh() const { return std::holds_alternative<Fresh>(phase_); }
-    /// Returns true for a view that a page opened, until WebKitGTK requests a policy decision about its first
-    /// navigation.
+    /// Returns true for a view opened by a page, until its first policy decision is requested.
     bool isNewWindow() const { return std::holds_alternative<NewWindow>(phase_); }
-    /// Returns true after the program has requested a navigation, until WebKitGTK requests a policy decision
-    /// about that navigation.
+    /// Returns true after the program has requested a navigation, until its policy decision is requested.
     bool isRequested() const { return std::holds_alternative<Requested>(phase_); }
     bool hasStarted() const { return std::holds_alternative<Started>(phase_); }
 
@@ -59,8 +57,7 @@ public:
 
     /// WebKitGTK has requested a policy decision about the requested navigation.
     void decide();
-    /// Called after WebKitGTK has started a navigation. Returns false if a later navigation has already
-    /// replaced it.
+    /// WebKitGTK has started a navigation. Returns false if a later navigation has already replaced it.
     bool start(const std::optional<URL>& url);
     void commit();
     /// The navigation has ended. WebKitGTK may still report its failure.

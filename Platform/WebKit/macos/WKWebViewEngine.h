@@ -12,10 +12,8 @@
 
 namespace Platform {
 
-/// Engine implementation that drives a `WKWebView`.
-///
-/// Functions that WebKit calls are noexcept, because an exception must not propagate through WebKit's stack
-/// frames.
+/// Engine implementation that drives a `WKWebView`. Functions that WebKit calls are noexcept, because an
+/// exception must not propagate through WebKit's stack frames.
 class WKWebViewEngine final : public WebViewEngine {
 public:
     explicit WKWebViewEngine(WebViewConfiguration& configuration);

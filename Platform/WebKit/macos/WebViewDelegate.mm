@@ -26,9 +26,7 @@ using Platform::NavigationActionPolicy;
 using Platform::WKWebViewEngine;
 
 @implementation KeyloftWebViewDelegate
-
-/// WKWebView uses its default policy only if the delegate does not respond to the selector for policy
-/// decisions.
+/// WKWebView uses its default policy only if the delegate does not implement policy decisions.
 - (BOOL)respondsToSelector:(SEL)selector {
     if (selector != @selector(webView:decidePolicyForNavigationAction:decisionHandler:)) {
         return [super respondsToSelector:selector];
@@ -141,5 +139,4 @@ using Platform::WKWebViewEngine;
         asked->runConfirmPanelFor(message, frame, reply);
     }
 }
-
 @end
