@@ -27,7 +27,7 @@ private:
 /// Actions that AppKit itself performs or sends on macOS. The Linux implementation provides the same actions.
 namespace StandardAction {
 
-/// Performed by the application.
+/// Actions performed by the application.
 inline constexpr Action orderFrontStandardAboutPanel("orderFrontStandardAboutPanel");
 inline constexpr Action hide("hide");
 inline constexpr Action hideOtherApplications("hideOtherApplications");
@@ -35,16 +35,16 @@ inline constexpr Action unhideAllApplications("unhideAllApplications");
 inline constexpr Action terminate("terminate");
 inline constexpr Action arrangeInFront("arrangeInFront");
 
-/// Performed by a window.
+/// Actions performed by a window.
 inline constexpr Action performClose("performClose");
 inline constexpr Action performMiniaturize("performMiniaturize");
 inline constexpr Action performZoom("performZoom");
 inline constexpr Action selectPreviousTab("selectPreviousTab");
 inline constexpr Action selectNextTab("selectNextTab");
-/// Sent by the tab bar's button for a new tab.
+/// The action of the button that adds a tab in the tab bar.
 inline constexpr Action newWindowForTab("newWindowForTab");
 
-/// Performed by the text field or page that has the focus.
+/// Actions performed by the text field or page that has the focus.
 inline constexpr Action undo("undo");
 inline constexpr Action redo("redo");
 inline constexpr Action cut("cut");

@@ -17,7 +17,7 @@ struct Image {
 
 /// The system font at a given size.
 struct Font {
-    /// The size, in points.
+    /// The font size, in points.
     double systemFontSize = 13;
 
     friend bool operator==(const Font&, const Font&) = default;

@@ -63,7 +63,7 @@ public:
     /// Has no effect on Linux, where every program with windows is a regular application.
     void setActivationPolicy(ActivationPolicy policy);
 
-    /// The delegate is held weakly.
+    /// Sets the delegate, which is held weakly.
     void setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate);
 
     /// Runs the application until it terminates, and returns the process's exit status. Arguments that parse
@@ -78,8 +78,8 @@ public:
     void setWindowsMenu(const std::shared_ptr<Menu>& menu);
 
     /// Returns the selected tab of the window that was used last, or null if no window is visible. Opening a
-    /// menu or a sheet, or switching to another program, does not change the main window. As an exception, it
-    /// is null on macOS while the application is not active.
+    /// menu or a sheet, or switching to another program, does not change the main window. On macOS, however,
+    /// it is null while the application is inactive.
     std::shared_ptr<Window> mainWindow() const;
 
     /// Brings the application to the front.

@@ -61,7 +61,7 @@ private:
     std::optional<URL> representedURL_;
 };
 
-/// Supplies the items of a menu that changes. Main thread only.
+/// Supplies the items of a menu whose contents change. Main thread only.
 class MenuDelegate {
 public:
     virtual ~MenuDelegate() = default;
@@ -85,7 +85,7 @@ public:
     void addItem(const std::shared_ptr<MenuItem>& item) { items_.push_back(item); }
     void removeAllItems() { items_.clear(); }
 
-    /// The delegate is held weakly.
+    /// The delegate, which is held weakly.
     std::shared_ptr<MenuDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(const std::weak_ptr<MenuDelegate>& delegate) { delegate_ = delegate; }
 

@@ -6,12 +6,12 @@ namespace Platform {
 
 /// Describes the program. Used only on Linux; on macOS the bundle's Info.plist contains the same information.
 struct ProgramInfo {
-    /// The application ID in reverse DNS notation. Names the desktop entry, the icon and the data folders.
+    /// The application ID in reverse DNS notation, also used for the desktop entry, icon and data folders.
     std::string identifier;
     /// The name that is shown to the user.
     std::string name;
     std::string version;
-    // Shown in the About panel.
+    // The description and the copyright notice, which are shown in the About panel.
     std::string description;
     std::string copyright;
 };

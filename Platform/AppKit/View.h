@@ -48,7 +48,7 @@ public:
     bool isHidden() const { return hidden_; }
     void setHidden(bool hidden);
 
-    /// Drawn behind the view's content.
+    /// The colour that is drawn behind the view's content.
     Color backgroundColor() const { return backgroundColor_; }
     void setBackgroundColor(Color color);
 
@@ -56,7 +56,7 @@ public:
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
-    /// Empty if the view has no tool tip.
+    /// The tool tip, or an empty string if the view has no tool tip.
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
 
@@ -69,7 +69,7 @@ public:
     /// Lets the view use free space in its stack. If space is short, the view shrinks before other views.
     void setExpands(Orientation orientation);
 
-    /// Requests a call of `layout` before the window is next drawn.
+    /// Requests a call to `layout` before the window is next drawn.
     void setNeedsLayout();
 
     /// Sets the frames of the subviews. Called when the view's size has changed and after `setNeedsLayout`.
@@ -103,7 +103,7 @@ private:
     std::string accessibilityLabel_;
     std::string toolTip_;
     bool fillsSuperview_ = false;
-    // Indexed by `Orientation`.
+    // The layout settings of each dimension, indexed by `Orientation`.
     std::array<std::optional<double>, 2> fixedLengths_;
     std::array<bool, 2> expands_{};
     std::unique_ptr<Native> native_;

@@ -42,7 +42,7 @@ public:
     Window& operator=(const Window&) = delete;
     ~Window() override;
 
-    /// Shown in the frame, the tab and the list of open windows.
+    /// The title, which is shown in the frame, the tab and the list of open windows.
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
 
@@ -54,7 +54,7 @@ public:
     Size minSize() const { return minSize_; }
     void setMinSize(Size size);
 
-    /// Groups windows into tabs. Used only on macOS, when the window is first shown.
+    /// The identifier that groups windows into tabs. Used only on macOS, when the window is first shown.
     const std::string& tabbingIdentifier() const { return tabbingIdentifier_; }
     void setTabbingIdentifier(const std::string& identifier) { tabbingIdentifier_ = identifier; }
 
@@ -71,7 +71,7 @@ public:
     /// Replaces the content view. A window is created with an empty content view.
     void setContentView(const std::shared_ptr<View>& view);
 
-    /// The delegate is held weakly.
+    /// Sets the delegate, which is held weakly.
     void setDelegate(const std::weak_ptr<WindowDelegate>& delegate) { delegate_ = delegate; }
     /// The controller that owns the window, or null.
     std::shared_ptr<WindowController> windowController() const { return controller_.lock(); }

@@ -48,7 +48,7 @@ public:
     /// numbers outside the range of a double. Safe for input of any kind and size.
     static std::optional<JSONValue> parse(std::string_view bytes);
 
-    /// Returns true for null.
+    /// Returns true if the value is null.
     bool isNull() const { return std::holds_alternative<std::nullptr_t>(value_); }
     /// Each function returns a pointer to the value if the value has that type, otherwise null.
     const bool* boolean() const { return std::get_if<bool>(&value_); }
@@ -79,7 +79,7 @@ private:
         value_ = nullptr;
 };
 
-/// How "/" is written in strings.
+/// Determines how "/" is written in strings.
 enum class JSONSlashes {
     plain,   ///< "/"
     escaped, ///< "\/"
@@ -92,8 +92,8 @@ std::string compactJSON(const JSONValue& value, JSONSlashes slashes);
 /// Members are sorted by name, "/" is written as "\/", and the result does not end in a line break.
 std::string prettyJSON(const JSONValue& value);
 
-/// Returns `text` as a quoted JSON string literal. "/" is written as "\/"; non-ASCII characters are
-/// unescaped.
+/// Returns `text` as a JSON string literal, including the quotation marks. "/" is written as "\/"; non-ASCII
+/// characters are not escaped.
 std::string jsonStringLiteral(std::string_view text);
 
 } // namespace Platform

@@ -20,7 +20,7 @@ constexpr bool isLetter(char character) {
 }
 constexpr bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-/// Sets of delimiters, as bits of the same table.
+/// Bits for sets of delimiters, stored in the same table as the bits of `Allowed`.
 enum class Delimiter : std::uint16_t {
     general = 1U << 8U,   ///< Characters that terminate a scheme, or show that there is no scheme.
     authority = 1U << 9U, ///< Characters that terminate an authority.

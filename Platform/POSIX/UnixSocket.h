@@ -30,7 +30,7 @@ int acceptUnixSocket(int listening);
 /// Returns the effective user ID that the peer had when it connected, or nothing if it is unknown.
 std::optional<uid_t> unixSocketPeerUser(int descriptor);
 
-/// Limits the time that a write to a blocking socket waits for the peer to read, for each wait separately.
+/// Limits how long a write to a blocking socket waits for the peer to read. Applies to each wait separately.
 int setSendTimeout(int descriptor, std::chrono::seconds timeout);
 
 /// Like `write`, for sockets, pipes and other files, but does not deliver SIGPIPE, regardless of the

@@ -21,7 +21,7 @@ enum class NavigationType {
 
 /// A navigation in any frame of a page. A plain value type, so that tests can construct it.
 struct NavigationAction {
-    /// Absent if the string that WebKit provides is not a valid URL.
+    /// The URL. Absent if the string that WebKit provides is not a valid URL.
     std::optional<URL> url;
     /// The HTTP method. Absent for schemes that do not use methods.
     std::optional<std::string> method;

@@ -31,17 +31,17 @@ public:
         return nullptr;
     }
 
-    /// A script closed the window of its page. The page continues to run until the view is released.
+    /// Called when a script closes the window of its page. The page runs until the view is released.
     virtual void webViewDidClose(WebView& /*webView*/) {}
 
-    /// A script called `alert` and is suspended until `completion` is called.
+    /// Called when a script calls `alert`. The script waits until `completion` is called.
     virtual void runJavaScriptAlertPanel(WebView& /*webView*/, const std::string& /*message*/,
                                          const FrameInfo& /*frame*/, std::function<void()> completion) {
         const auto answer = std::move(completion);
         answer();
     }
 
-    /// A script called `confirm` and is suspended until `completion` is called with the result.
+    /// Called when a script calls `confirm`. The script waits until `completion` is called with the result.
     virtual void runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& /*message*/,
                                            const FrameInfo& /*frame*/, std::function<void(bool)> completion) {
         const auto answer = std::move(completion);

@@ -9,14 +9,14 @@ namespace Platform {
 
 /// A script that the program injects into pages. A plain value type.
 struct UserScript {
-    /// A point in the loading of a page.
+    /// A point during the loading of a page.
     enum class InjectionTime {
         /// Before any content of the page is loaded.
         atDocumentStart,
         atDocumentEnd,
     };
 
-    /// The JavaScript code.
+    /// The source code of the script, in JavaScript.
     std::string source;
     /// The time at which the script runs.
     InjectionTime injectionTime = InjectionTime::atDocumentEnd;

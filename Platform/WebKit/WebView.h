@@ -67,7 +67,7 @@ public:
     /// Enables or disables swiping sideways to go back and forward.
     void setAllowsBackForwardNavigationGestures(bool allows);
 
-    /// Sets the delegate, held weakly. A `NavigationPolicyDelegate` is also asked for policy decisions.
+    /// Sets the delegate, which is held weakly. A `NavigationPolicyDelegate` also makes policy decisions.
     void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate);
     void setUIDelegate(const std::weak_ptr<UIDelegate>& delegate);
 

@@ -118,7 +118,7 @@ private:
     // Operations of the native view. Each operation replaces the current navigation.
 
     virtual void startLoad(const URLRequest& request) = 0;
-    /// `baseURL` is absolute.
+    /// If present, `baseURL` is absolute.
     virtual void startHTML(const std::string& html, const std::optional<URL>& baseURL) = 0;
     virtual void startReload() = 0;
     virtual void startGoingBack() = 0;

@@ -15,7 +15,7 @@ void menuNeedsUpdate(NSMenu* native) noexcept;
 
 } // namespace Platform
 
-/// The delegate of each NSMenu whose `Menu` has a delegate.
+/// Forwards update requests of an NSMenu to the delegate of the `Menu` that the NSMenu represents.
 @interface KeyloftMenuDelegate : NSObject <NSMenuDelegate>
 @end
 

@@ -19,7 +19,7 @@ void setReference(NSWindow* _Nonnull native, const std::weak_ptr<Window>& window
 void setReference(NSMenu* _Nonnull native, const std::weak_ptr<Menu>& menu);
 void setReference(NSMenuItem* _Nonnull native, const std::shared_ptr<MenuItem>& item);
 
-/// Return our object to which `native` refers, or null if it has no reference or our object is destroyed.
+/// Return our object for `native`, or null if no reference was set or our object has been destroyed.
 std::shared_ptr<View> viewOf(id _Nullable native);
 std::shared_ptr<Window> windowOf(id _Nullable native);
 std::shared_ptr<Menu> menuOf(id _Nullable native);

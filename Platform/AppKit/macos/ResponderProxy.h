@@ -50,7 +50,7 @@ std::shared_ptr<Responder> responderOf(id _Nullable native);
 /// on the first call. If another class, such as that of a plug-in, has that name, appends a number.
 Class _Nonnull registeredSubclass(Class _Nonnull proxyClass, std::string_view name);
 
-/// Aborts the process. For initialisers that must not be called, such as `initWithCoder:`.
+/// Aborts the process. Called by initialisers that must not be used, such as `initWithCoder:`.
 [[noreturn]] void notSupported();
 
 } // namespace Platform

@@ -138,7 +138,7 @@ bool TextFieldEvents::cancelled(NSTextField* field) noexcept {
     if (edited == nullptr) {
         return false;
     }
-    // Also end the edit in AppKit, so that the next change begins a new one.
+    // Also end the edit in AppKit, so that the next change begins a new edit.
     [field abortEditing];
     edited->cancelEditing();
     return true;

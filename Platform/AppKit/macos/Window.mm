@@ -193,7 +193,7 @@ void Window::Native::prepareToShow() {
     if (owner_.centered_) {
         [window center];
     }
-    // Also applies the saved frame. Fails if another window has the name, which must be unique.
+    // `setFrameAutosaveName:` also applies the saved frame. It fails if another window has the name.
     if (!owner_.frameAutosaveName_.empty()) {
         [window setFrameAutosaveName:toNSString(owner_.frameAutosaveName_)];
     }

@@ -66,7 +66,7 @@ void SerialQueue::State::start() {
 void SerialQueue::State::wakeIfAsleep() {
     if (asleep_.exchange(false)) {
         const std::uint64_t one = 1;
-        // Cannot fail, because the counter is read long before it overflows.
+        // The write cannot fail, because the counter is read long before it overflows.
         [[maybe_unused]] const auto written = write(wake_.get(), &one, sizeof one);
     }
 }
@@ -119,7 +119,7 @@ void SerialQueue::State::run() {
     }
 }
 
-/// Runs the work that is due, then calls the cancel handlers of sources that were cancelled earlier.
+/// Runs the work that is due, then the cancel handlers of sources that were cancelled before the turn.
 void SerialQueue::State::takeTurn() {
     std::vector<Work> running;
     std::vector<Source> retiring;
@@ -137,7 +137,7 @@ void SerialQueue::State::takeTurn() {
     }
     for (auto& item : running) {
         item();
-        // The next item may depend on the destruction of this one.
+        // Destroy the item now, because the next item may depend on its destruction.
         item = nullptr;
     }
     for (const auto& source : retiring) {

@@ -17,7 +17,7 @@ namespace Platform {
 /// The state that a source shares with its queue. Guarded by the mutex unless noted otherwise. Dispatch
 /// functions do not block and may be called with the mutex held.
 struct ReadSource::State : std::enable_shared_from_this<ReadSource::State> {
-    /// Needed because Dispatch counts suspensions and because a source can be activated only once.
+    /// The stage of the dispatch source, which counts suspensions and can be activated only once.
     enum class Stage {
         idle,
         running,

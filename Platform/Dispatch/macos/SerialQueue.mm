@@ -15,7 +15,7 @@ namespace {
 /// other queue can have while work remains on this queue.
 constexpr char identityKey = 0;
 
-/// Longer than any process runs, but still representable in nanoseconds.
+/// The maximum delay. Exceeds the lifetime of any process, but is representable in nanoseconds.
 constexpr std::chrono::milliseconds longestDelay = std::chrono::hours(24 * 365 * 100);
 
 /// Runs `item` and destroys it on the queue.

@@ -15,7 +15,7 @@ constexpr Timer::Interval longest = 49.0 * 24 * 60 * 60;
 } // namespace
 
 struct Timer::Native {
-    /// Retained by the run loop until it is invalidated. Does not fire after that.
+    /// The run loop retains the timer until it is invalidated. An invalidated timer does not fire.
     NSTimer* timer = nil;
 };
 

@@ -58,7 +58,7 @@ WebKitGTKEngine::WebKitGTKEngine(WebViewConfiguration& configuration)
     connect<&Engine::webProcessTerminated>(view, "web-process-terminated");
     connect<&Engine::mapped>(view, "map");
     connect<&Engine::unmapped>(view, "unmap");
-    // Connected last, because only the first answer has an effect.
+    // Connect these handlers last, because only the first handler that answers a signal has an effect.
     giveSafeAnswers(view);
 }
 
@@ -219,7 +219,7 @@ gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     if (isFirstOfWindow) {
         navigation_.use();
     }
-    // WebKitGTK itself loads a new window without an opener, in a process that it starts after the decision.
+    // WebKitGTK itself loads a new window without an opener and starts a process for it after the decision.
     if (isFirstOfWindow && uriOf(view_.get())) {
         slot_.release();
         requestSlot([this, question](WebKitWebView*) { decide(question); });

@@ -66,7 +66,7 @@ public:
     void share(const WebProcessSlot& other) { process_ = other.process_; }
     void release();
 
-    /// The process has responded.
+    /// Called when the process has responded.
     void processStarted();
     /// Called after WebKitGTK has moved the page to a new process.
     void processReplaced();

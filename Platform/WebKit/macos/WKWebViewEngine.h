@@ -27,7 +27,7 @@ public:
     void performEditing(Action action) override;
     void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) override;
 
-    // Called by the delegate.
+    // Called by `KeyloftWebViewDelegate`.
 
     using WebViewEngine::asksForPolicy;
     void propertyChanged(Property property) noexcept;

@@ -54,7 +54,7 @@ using Platform::WKWebViewEngine;
     }
 }
 
-// WKNavigationDelegate
+// Methods of WKNavigationDelegate.
 
 - (void)webView:(WKWebView*)webView
     decidePolicyForNavigationAction:(WKNavigationAction*)navigationAction
@@ -102,7 +102,7 @@ using Platform::WKWebViewEngine;
     }
 }
 
-// WKUIDelegate
+// Methods of WKUIDelegate.
 
 - (WKWebView*)webView:(WKWebView*)webView
     createWebViewWithConfiguration:(WKWebViewConfiguration*)configuration
