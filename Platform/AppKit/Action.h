@@ -8,8 +8,7 @@ namespace Platform {
 class Control;
 class MenuItem;
 
-/// Names an operation that controls and menu items can request. The selector on macOS is the name followed by
-/// a colon.
+/// An operation that controls and menu items can request. On macOS, the selector is the name plus a colon.
 class Action {
 public:
     /// The characters of `name` are not copied and must outlive the action, like those of a string literal.
@@ -28,7 +27,7 @@ private:
 /// Actions that AppKit itself performs or sends on macOS. The Linux implementation provides the same actions.
 namespace StandardAction {
 
-/// Performed by the application.
+/// Actions performed by the application.
 inline constexpr Action orderFrontStandardAboutPanel("orderFrontStandardAboutPanel");
 inline constexpr Action hide("hide");
 inline constexpr Action hideOtherApplications("hideOtherApplications");
@@ -36,16 +35,16 @@ inline constexpr Action unhideAllApplications("unhideAllApplications");
 inline constexpr Action terminate("terminate");
 inline constexpr Action arrangeInFront("arrangeInFront");
 
-/// Performed by a window.
+/// Actions performed by a window.
 inline constexpr Action performClose("performClose");
 inline constexpr Action performMiniaturize("performMiniaturize");
 inline constexpr Action performZoom("performZoom");
 inline constexpr Action selectPreviousTab("selectPreviousTab");
 inline constexpr Action selectNextTab("selectNextTab");
-/// Sent by the tab bar's button for a new tab.
+/// The action of the button that adds a tab in the tab bar.
 inline constexpr Action newWindowForTab("newWindowForTab");
 
-/// Performed by the text field or page that has the focus.
+/// Actions performed by the text field or page that has the focus.
 inline constexpr Action undo("undo");
 inline constexpr Action redo("redo");
 inline constexpr Action cut("cut");
@@ -55,8 +54,7 @@ inline constexpr Action selectAll("selectAll");
 
 } // namespace StandardAction
 
-/// Returns true for the actions of the "Edit" menu. The focused text field or page receives their key
-/// equivalents first.
+/// Returns true for the "Edit" actions. The focused text field or page receives their key equivalents first.
 constexpr bool isEditing(Action action) {
     using namespace StandardAction;
     return action == undo || action == redo || action == cut || action == copy || action == paste ||

@@ -22,8 +22,7 @@ struct Alert {
 
     /// Returns the index of the last button, which is reported if the window closes before the user answers.
     std::size_t safeButton() const;
-    /// Returns the index of the button that Escape activates: the button titled "Cancel", or the safe button
-    /// if there is no such button.
+    /// Returns the index of the button that Escape activates: "Cancel" if it exists, or else the safe button.
     std::size_t escapeButton() const;
 
     /// Called exactly once with the index of the chosen button.

@@ -4,13 +4,12 @@
 
 namespace Platform {
 
-/// A system symbol on macOS, or a themed icon on Linux, so that the image matches the user's desktop.
-///
-/// `symbolName` is the name of the symbol on macOS ("chevron.left"). Linux maps it to an icon with the same
-/// meaning. An unknown name is a programming error and aborts the process.
+/// A system symbol on macOS or a themed icon on Linux, so that the image matches the user's desktop.
 struct Image {
-    /// The name of the symbol and its label for assistive technology.
+    /// The name of the symbol on macOS, such as "chevron.left". Linux maps it to an icon with the same
+    /// meaning. An unknown name is a programming error and aborts the process.
     std::string symbolName;
+    /// The label for assistive technology.
     std::string accessibilityDescription;
 
     friend bool operator==(const Image&, const Image&) = default;
@@ -18,7 +17,7 @@ struct Image {
 
 /// The system font at a given size.
 struct Font {
-    /// In points.
+    /// The font size, in points.
     double systemFontSize = 13;
 
     friend bool operator==(const Font&, const Font&) = default;

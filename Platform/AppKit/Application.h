@@ -12,15 +12,13 @@
 
 namespace Platform {
 
-/// Receives the application's events, and the actions that no other responder in the chain performs. Main
-/// thread only.
+/// Receives the application's events and the actions that no other responder performs. Main thread only.
 class ApplicationDelegate : public Responder {
 public:
     /// Called before all other delegate functions. Set the main menu here.
     virtual void applicationWillFinishLaunching() = 0;
 
-    /// Called when the application has launched, after the URLs on its command line have been passed to
-    /// `applicationOpenURLs`.
+    /// Called after launch, once `applicationOpenURLs` has received the URLs on the command line.
     virtual void applicationDidFinishLaunching() = 0;
 
     /// Called with URLs from the command line, the desktop or a second launch of the program, exactly as
@@ -35,8 +33,7 @@ public:
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
 
 protected:
-    /// `className` is the name under which the class is registered with the Objective-C runtime. Ignored on
-    /// Linux.
+    /// The class is registered with the Objective-C runtime as `className`. Ignored on Linux.
     explicit ApplicationDelegate(std::string_view className = {})
         : className_(className) {}
 
@@ -46,11 +43,10 @@ private:
     std::string className_;
 };
 
-/// The application object, of which there is only one. Main thread only.
+/// The application singleton. Main thread only.
 class Application : public Responder {
 public:
-    /// Returns the application. The first call creates it and must come before any other use of AppKit except
-    /// `setProgramInfo`.
+    /// Returns the application. The first call must precede any other AppKit call except `setProgramInfo`.
     static Application& shared();
     /// Returns true once `shared` has been called.
     static bool exists();
@@ -67,7 +63,7 @@ public:
     /// Has no effect on Linux, where every program with windows is a regular application.
     void setActivationPolicy(ActivationPolicy policy);
 
-    /// The delegate is held weakly.
+    /// Sets the delegate, which is held weakly.
     void setDelegate(const std::weak_ptr<ApplicationDelegate>& delegate);
 
     /// Runs the application until it terminates, and returns the process's exit status. Arguments that parse
@@ -76,15 +72,14 @@ public:
     int run(int argc, char** argv);
     void terminate();
 
-    /// Sets the main menu, whose items provide the titles in the menu bar. Call it before the first window is
-    /// shown.
+    /// Sets the main menu, whose items form the menu bar. Call it before the first window is shown.
     void setMainMenu(const std::shared_ptr<Menu>& menu);
     /// Sets the menu that lists the open windows after its own items.
     void setWindowsMenu(const std::shared_ptr<Menu>& menu);
 
     /// Returns the selected tab of the window that was used last, or null if no window is visible. Opening a
-    /// menu or a sheet, or switching to another program, does not change the main window. As an exception, it
-    /// is null on macOS while the application is not active.
+    /// menu or a sheet, or switching to another program, does not change the main window. On macOS, however,
+    /// it is null while the application is inactive.
     std::shared_ptr<Window> mainWindow() const;
 
     /// Brings the application to the front.
@@ -106,8 +101,7 @@ protected:
     Application();
 
 private:
-    /// Called when the program is launched with `urls` and, on Linux, when it is launched again while it is
-    /// running.
+    /// Called on the first launch and, on Linux, on each later launch while the program is running.
     void wasStarted(const std::vector<URL>& urls);
 
     std::weak_ptr<ApplicationDelegate> delegate_;

@@ -15,7 +15,7 @@ public:
     static std::shared_ptr<Button> create(const std::string& title, const std::weak_ptr<Responder>& target,
                                           Action action);
 
-    /// Shown verbatim, without interpreting markup or mnemonics.
+    /// The title, which is shown verbatim, without interpreting markup or mnemonics.
     const std::string& title() const { return title_; }
 
     /// The image that is shown instead of the title. Its description is the button's accessible name.

@@ -15,7 +15,7 @@ public:
     bool isEnabled() const { return enabled_; }
     void setEnabled(bool enabled);
 
-    /// Empty if the control uses its default font.
+    /// The font, or nothing if the control uses its default font.
     const std::optional<Font>& font() const { return font_; }
     void setFont(const Font& font);
 

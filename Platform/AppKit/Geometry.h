@@ -4,7 +4,7 @@ namespace Platform {
 
 /// A width and a height. One point is one logical pixel.
 struct Size {
-    /// In points.
+    /// The dimensions, in points.
     double width = 0;
     double height = 0;
 
@@ -24,7 +24,7 @@ struct Rect {
 
 /// Distances between the edges of a view and its content.
 struct EdgeInsets {
-    /// In points.
+    /// The distances, in points.
     double top = 0;
     double left = 0;
     double bottom = 0;

@@ -26,14 +26,14 @@ public:
     /// Creates a separator, a line between groups of items.
     static std::shared_ptr<MenuItem> createSeparator();
 
-    /// Shown verbatim, without interpreting mnemonics.
+    /// The title, which is shown verbatim, without interpreting mnemonics.
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title) { title_ = title; }
 
     /// The action and the key equivalent with which the item was created.
     std::optional<Action> action() const { return action_; }
     const std::string& keyEquivalent() const { return keyEquivalent_; }
-    /// The default is Command.
+    /// The modifiers of the key equivalent. The default is Command.
     ModifierFlags keyEquivalentModifiers() const { return modifiers_; }
     void setKeyEquivalentModifiers(ModifierFlags modifiers) { modifiers_ = modifiers; }
 
@@ -61,7 +61,7 @@ private:
     std::optional<URL> representedURL_;
 };
 
-/// Supplies the items of a menu that changes. Main thread only.
+/// Supplies the items of a menu whose contents change. Main thread only.
 class MenuDelegate {
 public:
     virtual ~MenuDelegate() = default;
@@ -70,8 +70,7 @@ public:
     virtual void menuNeedsUpdate(Menu& menu) = 0;
 };
 
-/// An ordered list of items. It has no native state; `Application::setMainMenu` shows it in the menu bar.
-/// Main thread only, like its items.
+/// An ordered list of items. It has no native state. Menus and their items are for the main thread only.
 class Menu {
 public:
     /// Creates an empty menu. A menu in the menu bar should have the same title as the item that opens it.
@@ -86,7 +85,7 @@ public:
     void addItem(const std::shared_ptr<MenuItem>& item) { items_.push_back(item); }
     void removeAllItems() { items_.clear(); }
 
-    /// The delegate is held weakly.
+    /// The delegate, which is held weakly.
     std::shared_ptr<MenuDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(const std::weak_ptr<MenuDelegate>& delegate) { delegate_ = delegate; }
 

@@ -18,7 +18,6 @@ ProgramInfo& current() {
 } // namespace
 
 const ProgramInfo& programInfo() { return current(); }
-
 void setProgramInfo(ProgramInfo info) { current() = std::move(info); }
 
 } // namespace Platform

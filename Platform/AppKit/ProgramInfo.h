@@ -6,13 +6,12 @@ namespace Platform {
 
 /// Describes the program. Used only on Linux; on macOS the bundle's Info.plist contains the same information.
 struct ProgramInfo {
-    /// The application ID, in reverse DNS notation. The desktop entry, the icon and the user's data folders
-    /// are named after it.
+    /// The application ID in reverse DNS notation, also used for the desktop entry, icon and data folders.
     std::string identifier;
     /// The name that is shown to the user.
     std::string name;
     std::string version;
-    // Shown in the About panel.
+    // The description and the copyright notice, which are shown in the About panel.
     std::string description;
     std::string copyright;
 };
@@ -20,7 +19,7 @@ struct ProgramInfo {
 /// Returns the information that was set last, or placeholders. Main thread only.
 const ProgramInfo& programInfo();
 
-/// Call it before any other AppKit function.
+/// Sets the information. Call it before any other AppKit function.
 void setProgramInfo(ProgramInfo info);
 
 } // namespace Platform

@@ -17,8 +17,7 @@ public:
     virtual void hideSheet() = 0;
 };
 
-/// The unanswered alerts of one window, in the order in which they were added. The window shows the first
-/// one. Main thread only.
+/// The unanswered alerts of one window, in order. The window shows the first alert. Main thread only.
 class SheetQueue {
 public:
     /// `presenter` must outlive the queue.
@@ -32,8 +31,7 @@ public:
     void add(const Alert& alert, Alert::Completion completion);
     /// Shows the first alert if it is not shown yet. Call it when the window becomes able to show a sheet.
     void showFirst();
-    /// Answers the alert that is shown. Shows the next alert before it calls the completion. Does nothing if
-    /// no alert is shown.
+    /// Answers the visible alert, if any. Shows the next alert before it calls the completion.
     void answer(std::size_t button);
     /// Answers all alerts with their safe buttons, including alerts that are added later.
     void close();

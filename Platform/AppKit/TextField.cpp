@@ -6,9 +6,7 @@
 namespace Platform {
 
 std::shared_ptr<TextField> TextField::create() { return makeShared<TextField>(); }
-
 std::shared_ptr<SearchField> SearchField::create() { return makeShared<SearchField>(); }
-
 bool TextField::respondsTo(Action action) const { return Platform::isEditing(action); }
 
 void TextField::setStringValue(const std::string& value) {

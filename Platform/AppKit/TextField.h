@@ -74,8 +74,7 @@ private:
     bool editing_ = false;
 };
 
-/// A text field that looks like a search box. It sends its action only on Return, not while the user types.
-/// Escape clears it.
+/// A text field that looks like a search box. Sends its action only on Return. Escape clears it.
 class SearchField : public TextField {
 public:
     static std::shared_ptr<SearchField> create();

@@ -5,7 +5,6 @@
 namespace Platform {
 
 std::shared_ptr<View> View::create() { return makeShared<View>(); }
-
 std::shared_ptr<Box> Box::createSeparator() { return makeShared<Box>(); }
 
 std::shared_ptr<Window> View::window() const {

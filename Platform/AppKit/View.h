@@ -17,13 +17,11 @@ class Window;
 
 /// A rectangular area of a window. Main thread only.
 ///
-/// The native side of a view is created when it is first needed. On Linux this is usually when the view's
-/// window is next shown, so a view in a tab that is never selected costs little. Properties that are set
-/// earlier are stored in the view and applied then. The view is the source of truth for everything except the
-/// user's changes.
+/// The native side of a view is created when first needed. On Linux this is usually when its window is next
+/// shown, so a view in a tab that is never selected costs little. Properties that are set earlier are applied
+/// then. The view is the source of truth for everything except the user's changes.
 ///
-/// A superview holds strong references to its subviews. A view holds weak references to its superview and its
-/// window.
+/// A view holds strong references to its subviews, and weak references to its superview and its window.
 class View : public Responder, public std::enable_shared_from_this<View> {
 public:
     /// Creates an empty view, which can serve as a container or as free space in a stack.
@@ -42,8 +40,7 @@ public:
     /// Returns the window that contains the view, or null.
     std::shared_ptr<Window> window() const;
 
-    /// The rectangle of the view in its superview. If the view is in a stack or fills its superview, the
-    /// layout sets the frame.
+    /// The frame in the superview. Set by the layout if the view is in a stack or fills its superview.
     Rect frame() const;
     void setFrame(const Rect& frame);
 
@@ -51,7 +48,7 @@ public:
     bool isHidden() const { return hidden_; }
     void setHidden(bool hidden);
 
-    /// Drawn behind the view's content.
+    /// The colour that is drawn behind the view's content.
     Color backgroundColor() const { return backgroundColor_; }
     void setBackgroundColor(Color color);
 
@@ -59,22 +56,20 @@ public:
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
-    /// Empty if the view has no tool tip.
+    /// The tool tip, or an empty string if the view has no tool tip.
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
 
-    /// Keeps the view the same size as its superview, which must not be a stack. Call it before the view is
-    /// added to its superview.
+    /// Makes the view fill its superview, which must not be a stack. Call it before the view is added.
     void setFillsSuperview() { fillsSuperview_ = true; }
 
     /// Sets a fixed width or height, in points. By default, the content determines the size.
     void setFixedLength(double length, Orientation orientation);
 
-    /// Lets the view take up free space in its stack. If there is too little space, the view shrinks before
-    /// the others.
+    /// Lets the view use free space in its stack. If space is short, the view shrinks before other views.
     void setExpands(Orientation orientation);
 
-    /// Requests a call of `layout` before the window is next drawn.
+    /// Requests a call to `layout` before the window is next drawn.
     void setNeedsLayout();
 
     /// Sets the frames of the subviews. Called when the view's size has changed and after `setNeedsLayout`.
@@ -85,14 +80,12 @@ public:
 
     /// The native side of the view. Internal to Platform.
     struct Native;
-    /// Return the native side. `native` creates it on the first call; `nativeIfMade` returns null if it has
-    /// not been created yet.
+    /// Return the native side. If it does not exist yet, `native` creates it and `nativeIfMade` returns null.
     Native& native();
     Native* nativeIfMade() const { return native_.get(); }
 
 protected:
-    /// `className` is the name under which the class is registered with the Objective-C runtime. Ignored on
-    /// Linux.
+    /// The class is registered with the Objective-C runtime as `className`. Ignored on Linux.
     explicit View(std::string_view className = {});
 
     /// Creates the native side. Subclasses override this function.
@@ -101,7 +94,6 @@ protected:
 private:
     friend class Window;
 
-    /// Adds the native side of a subview to that of this view.
     void addNativeSubview(View& subview);
 
     std::string className_;
@@ -114,7 +106,7 @@ private:
     std::string accessibilityLabel_;
     std::string toolTip_;
     bool fillsSuperview_ = false;
-    // Indexed by `Orientation`.
+    // The layout settings of each dimension, indexed by `Orientation`.
     std::array<std::optional<double>, 2> fixedLengths_;
     std::array<bool, 2> expands_{};
     std::unique_ptr<Native> native_;

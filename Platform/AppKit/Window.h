@@ -23,9 +23,8 @@ public:
 
 /// A window, or one tab of a native window that several windows share. Main thread only.
 ///
-/// Windows with the same tabbing identifier can be tabs of the same native window. Each of them still has its
-/// own title, content and first responder. On Linux the native window is created when the window is first
-/// shown.
+/// Windows with the same tabbing identifier can be tabs of one native window. Each tab has its own title,
+/// content and first responder. On Linux the native window is created when it is first shown.
 class Window : public Responder, public std::enable_shared_from_this<Window> {
 public:
     /// The operations that the user can perform with a window's frame.
@@ -43,7 +42,7 @@ public:
     Window& operator=(const Window&) = delete;
     ~Window() override;
 
-    /// Shown in the frame, the tab and the list of open windows.
+    /// The title, which is shown in the frame, the tab and the list of open windows.
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
 
@@ -51,18 +50,15 @@ public:
     Size contentSize() const { return contentSize_; }
     const Style& style() const { return style_; }
 
-    /// The minimum size to which the user can resize the window. On Linux it applies to the content, on macOS
-    /// to the window including its frame.
+    /// The smallest size that the user can choose: of the content on Linux, of the whole window on macOS.
     Size minSize() const { return minSize_; }
     void setMinSize(Size size);
 
-    /// Windows with the same identifier become tabs of one native window. Used only on macOS, when the window
-    /// is first shown.
+    /// The identifier that groups windows into tabs. Used only on macOS, when the window is first shown.
     const std::string& tabbingIdentifier() const { return tabbingIdentifier_; }
     void setTabbingIdentifier(const std::string& identifier) { tabbingIdentifier_ = identifier; }
 
-    /// Centers the window on the screen when it is first shown. Has no effect on Linux, because GTK 4 cannot
-    /// position a window.
+    /// Centers the window when it is first shown. Has no effect on Linux: GTK 4 cannot position windows.
     void center() { centered_ = true; }
 
     /// The name under which the window's frame is saved between runs: its size and maximised state and, on
@@ -75,7 +71,7 @@ public:
     /// Replaces the content view. A window is created with an empty content view.
     void setContentView(const std::shared_ptr<View>& view);
 
-    /// The delegate is held weakly.
+    /// Sets the delegate, which is held weakly.
     void setDelegate(const std::weak_ptr<WindowDelegate>& delegate) { delegate_ = delegate; }
     /// The controller that owns the window, or null.
     std::shared_ptr<WindowController> windowController() const { return controller_.lock(); }
@@ -106,8 +102,7 @@ public:
     /// shown one after another. `completion` may be null.
     void beginSheet(const Alert& alert, Alert::Completion completion);
 
-    /// Closes the window: answers its pending sheets with their safe buttons, notifies the delegate once and
-    /// closes the native window or tab.
+    /// Answers pending sheets with their safe buttons, notifies the delegate and closes the window or tab.
     void close();
 
     /// Implement the standard actions of a window.

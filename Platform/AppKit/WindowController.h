@@ -20,8 +20,7 @@ public:
     void showWindow();
 
 protected:
-    /// `className` is the name under which the class is registered with the Objective-C runtime. Ignored on
-    /// Linux.
+    /// The class is registered with the Objective-C runtime as `className`. Ignored on Linux.
     explicit WindowController(std::string_view className)
         : className_(className) {}
 

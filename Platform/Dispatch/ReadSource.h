@@ -35,8 +35,7 @@ public:
 
     /// Starts or resumes calling the event handler.
     void resume();
-    /// Stops calling the event handler until `resume` is called. Calls are not counted: a single `resume`
-    /// undoes any number of them.
+    /// Stops calling the event handler until `resume` is called. Repeated calls have no effect.
     void suspend();
     /// Permanently stops calling the event handler. The cancel handler is then called on the queue.
     void cancel();

@@ -34,14 +34,13 @@ public:
     /// Submits `work` and returns immediately.
     void async(Work work);
 
-    /// Submits `work` after `delay`.
+    /// Submits `work` once `delay` has elapsed.
     void asyncAfter(std::chrono::milliseconds delay, Work work);
 
-    /// Submits `work` and returns after it has run. A call on the queue itself would deadlock and is a fatal
-    /// error.
+    /// Submits `work` and waits until it has run. A call on the queue itself is a fatal error.
     void sync(const Work& work);
 
-    /// Returns true if it is called on this queue.
+    /// Returns true if called on this queue.
     bool isCurrent() const;
 
 private:

@@ -18,8 +18,7 @@ std::string characterPrefix(std::string_view text, std::size_t count);
 /// Returns true for letters, marks and numbers of all scripts (general categories L, M and N).
 bool isAlphanumeric(char32_t codePoint);
 
-/// Returns true for space, line and paragraph separators (general category Z), U+0009 to U+000D, U+0085 and
-/// U+200B.
+/// Returns true for separators (general category Z), U+0009 to U+000D, U+0085 and U+200B.
 bool isWhitespaceOrNewline(char32_t codePoint);
 
 /// Returns `text` without leading and trailing code points for which `isWhitespaceOrNewline` returns true.

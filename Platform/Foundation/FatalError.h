@@ -4,8 +4,7 @@
 
 namespace Platform {
 
-/// Logs `message` and aborts the process. Use it only for violated invariants, which valid data cannot cause.
-/// Thread-safe.
+/// Logs `message` and aborts the process. Use it only for violated invariants. Thread-safe.
 [[noreturn]] void fatalError(std::string_view message);
 
 } // namespace Platform

@@ -214,8 +214,7 @@ void FileManager::writeAtomically(std::string_view data, const std::string& path
         unlink(temporary.c_str());
         throw task.failure(error);
     }
-    // File systems that cannot flush a directory fail with EINVAL, and some network file systems with
-    // ENOTSUP.
+    // Some file systems cannot flush a directory. They fail with EINVAL or, on a network, with ENOTSUP.
     if (directory.isOpen() && uninterrupted([&] { return flush(directory.get()); }) != 0 && errno != EINVAL &&
         errno != ENOTSUP) {
         throw task.failure(errno);

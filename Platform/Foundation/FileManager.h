@@ -57,18 +57,16 @@ public:
     std::string contents(const std::string& path) const;
 
     /// Replaces the contents of a file atomically: a reader, or a restart after a crash, finds either the
-    /// complete old contents or the complete new contents. Returns after the new contents have been flushed
-    /// to disk. An existing file keeps its permissions; a new file gets the user's default permissions.
-    /// Follows symbolic links, including a link to a file that does not exist yet. Fails if `path` is a
-    /// directory or a device.
+    /// complete old or the complete new contents. Returns after the new contents have been flushed to disk.
+    /// An existing file keeps its permissions; a new file gets the user's default permissions. Follows
+    /// symbolic links, even to a file that does not exist yet. Fails if `path` is a directory or a device.
     ///
     /// Throws FileError. The old file is then unchanged, and no temporary file remains. The only exception is
     /// a failure of the last step, which flushes the directory after the new contents are in place.
     void writeAtomically(std::string_view data, const std::string& path) const;
 
 private:
-    /// Flushes the contents of a file or directory to disk. Returns -1 and sets `errno` on failure, including
-    /// an interruption (EINTR).
+    /// Flushes a file or directory to disk. Returns -1 and sets `errno` on failure, including EINTR.
     static int flush(int descriptor);
 };
 

@@ -17,8 +17,7 @@ public:
     virtual void open() = 0;
     /// Returns true if bytes are available, or if this can be determined only by calling `read`.
     virtual bool hasBytesAvailable() = 0;
-    /// Reads at most `buffer.size()` bytes. Returns the number of bytes read, 0 at the end of the stream, or
-    /// a negative value on failure.
+    /// Reads into `buffer`. Returns the number of bytes read, 0 at the end, or a negative value on failure.
     virtual std::ptrdiff_t read(std::span<char> buffer) = 0;
     virtual void close() = 0;
 };

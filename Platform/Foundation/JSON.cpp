@@ -137,14 +137,12 @@ void appendLiteral(std::string& out, std::string_view text, JSONSlashes slashes)
 }
 
 std::string numberText(double value) {
-    // 2^53. Not every larger integer can be represented as a double, so use the shortest notation for larger
-    // numbers.
+    // 2^53. A double cannot represent every larger integer, so larger numbers use the shortest notation.
     constexpr double exactIntegers = 9007199254740992.0;
     if (std::trunc(value) == value && std::abs(value) <= exactIntegers) {
         return std::to_string(static_cast<std::int64_t>(value));
     }
-    // std::to_chars for floating-point numbers requires macOS 13.3 with libc++, but the program supports
-    // macOS 13.0.
+    // With libc++, std::to_chars for doubles requires macOS 13.3, but the program supports macOS 13.0.
     return nlohmann::json(value).dump();
 }
 

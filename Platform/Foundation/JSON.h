@@ -45,11 +45,10 @@ public:
 
     /// Parses a JSON array or object in UTF-8. Returns nothing on error. Conforms strictly to RFC 8259,
     /// except that a leading byte order mark is skipped. Also rejects nesting deeper than `maxDepth` and
-    /// numbers outside the range of a double. Safe for any input of any size, because the recursion depth is
-    /// limited.
+    /// numbers outside the range of a double. Safe for input of any kind and size.
     static std::optional<JSONValue> parse(std::string_view bytes);
 
-    /// Returns true for null.
+    /// Returns true if the value is null.
     bool isNull() const { return std::holds_alternative<std::nullptr_t>(value_); }
     /// Each function returns a pointer to the value if the value has that type, otherwise null.
     const bool* boolean() const { return std::get_if<bool>(&value_); }
@@ -60,8 +59,7 @@ public:
 
     /// Returns the member with the given name, or null if this value is not an object or has no such member.
     const JSONValue* member(std::string_view name) const;
-    /// Returns the string member with the given name, or null if there is no such member or it is not a
-    /// string.
+    /// Returns the string member with the given name, or null if the member is missing or not a string.
     const std::string* stringMember(std::string_view name) const;
 
     /// Compares the contents, including nested values.
@@ -81,7 +79,7 @@ private:
         value_ = nullptr;
 };
 
-/// How "/" is written in strings.
+/// Determines how "/" is written in strings.
 enum class JSONSlashes {
     plain,   ///< "/"
     escaped, ///< "\/"

@@ -42,9 +42,8 @@ public:
     /// is destroyed or reset. The token may outlive the centre.
     Observation addObserver(NotificationName name, const void* object, Callback callback);
 
-    /// Calls the observers that are registered at the time of the call, except those whose observation ends
-    /// before their turn. Callbacks may add observers, end observations (including their own), and post
-    /// notifications recursively.
+    /// Calls the currently registered observers, except those that are removed before their turn. Callbacks
+    /// may add observers, end observations (including their own), and post notifications recursively.
     void post(NotificationName name, const void* object);
 
 private:

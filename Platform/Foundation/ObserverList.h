@@ -26,8 +26,7 @@ public:
     ObserverList& operator=(const ObserverList&) = delete;
     ~ObserverList() = default;
 
-    /// Adds `callback`, which is called until the token is destroyed or reset. The token may outlive the
-    /// list.
+    /// Adds `callback`. Destroying or resetting the token removes it. The token may outlive the list.
     Observation add(Callback callback) {
         auto observer = std::make_shared<Observer>(std::move(callback));
         {
@@ -45,8 +44,7 @@ public:
         });
     }
 
-    /// Calls the observers that are in the list at the time of the call, except those that are removed before
-    /// their turn.
+    /// Calls the current observers, except those that are removed before their turn.
     void notify(const Arguments&... arguments) const {
         for (const auto& observer : copy()) {
             if (!observer->isEnded) {
@@ -71,8 +69,7 @@ private:
         Observers observers;
     };
 
-    /// Copies the list, to keep each observer alive while its callback runs, even if the callback ends its
-    /// own observation.
+    /// Copies the list, so that an observer stays alive even if its callback ends its own observation.
     Observers copy() const {
         const std::scoped_lock lock(state_->mutex);
         return state_->observers;

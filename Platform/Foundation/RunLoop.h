@@ -4,9 +4,8 @@
 
 namespace Platform {
 
-/// The run loop of the main thread, which dispatches timers and the events of GTK or AppKit.
-///
-/// Main thread only, except for `perform`.
+/// The main thread's run loop, which dispatches timers and the events of GTK or AppKit. Main thread only,
+/// except for `perform`.
 class RunLoop {
 public:
     RunLoop(const RunLoop&) = delete;
@@ -15,15 +14,13 @@ public:
     /// Returns the run loop of the main thread.
     static RunLoop& main();
 
-    /// Runs the loop until `stop` is called. May be called recursively from a callback; each call to `stop`
-    /// stops the innermost run.
+    /// Runs the loop until `stop` is called. May be called recursively from a callback.
     void run();
     /// Makes the innermost `run` return after the current callback. Does nothing if the loop is not running.
     void stop();
 
-    /// Calls `callback` once on the main thread, in a later iteration of the loop. Callbacks are called in
-    /// the order in which they were passed to `perform`. May be called on any thread. `callback` must not
-    /// throw.
+    /// Calls `callback` on the main thread in a later iteration of the loop. May be called on any thread.
+    /// Callbacks must not throw and are called in the order in which they were submitted.
     void perform(std::function<void()> callback);
 
 private:

@@ -15,8 +15,7 @@ std::shared_ptr<Timer> Timer::scheduled(Interval interval, bool repeats, std::fu
 
 void Timer::invalidate() {
     stop();
-    // Release the callback last and from a local variable, because objects captured by the callback may own
-    // this timer.
+    // Release the callback last, from a local variable: objects that it captures may own this timer.
     const auto released = std::exchange(callback_, nullptr);
 }
 

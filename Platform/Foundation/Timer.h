@@ -24,12 +24,10 @@ public:
 
     /// Stops the timer permanently and releases the callback. A running callback is released when it returns.
     void invalidate();
-    /// Returns false once the timer is invalidated. A one-shot timer is invalidated before its callback is
-    /// called.
+    /// Returns false once the timer is invalidated. A one-shot timer is invalidated just before it fires.
     bool isValid() const;
 
-    /// Calls the callback immediately, unless the timer is invalidated. A repeating timer keeps its schedule;
-    /// a one-shot timer is invalidated.
+    /// Calls the callback now if the timer is valid. Does not change the schedule of a repeating timer.
     void fire();
 
 private:

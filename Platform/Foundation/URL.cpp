@@ -21,8 +21,7 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
 // Percent-encoding can triple the length of a string, and offsets must fit in 32 bits.
 constexpr std::size_t maxTextLength = std::size_t{1} << 28U;
 
-/// Returns the URL for a string that is composed of valid components. Aborts if the string is not a valid
-/// URL.
+/// Parses a string that is composed of valid components. Aborts if it is not a valid URL.
 URL builtFrom(std::string_view text) {
     auto url = URL::fromString(text);
     if (!url) {
@@ -105,7 +104,6 @@ std::string URL::path() const {
 }
 
 std::optional<std::string_view> URL::query() const& { return optionalView(query_); }
-
 std::optional<std::string_view> URL::fragment() const& { return optionalView(fragment_); }
 
 std::optional<std::string> URL::user() const {
@@ -119,9 +117,7 @@ std::optional<std::string> URL::password() const {
 }
 
 std::optional<std::string_view> URL::percentEncodedUser() const& { return optionalView(user_); }
-
 std::optional<std::string_view> URL::percentEncodedHost() const& { return optionalView(host_); }
-
 std::string_view URL::percentEncodedPath() const& { return view(path_); }
 
 URL URL::replacingPath(std::string_view percentEncodedPath) const {

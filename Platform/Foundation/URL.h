@@ -49,8 +49,7 @@ public:
     /// The fragment, percent-encoded, without the "#".
     std::optional<std::string_view> fragment() const&;
     std::optional<std::string_view> fragment() const&& = delete;
-    /// The user, percent-decoded. Absent if there is no user information or the decoded bytes are not valid
-    /// UTF-8.
+    /// The user, percent-decoded. Absent if the URL has no user information or the user is not valid UTF-8.
     std::optional<std::string> user() const;
     /// The password, percent-encoded.
     std::optional<std::string> password() const;

@@ -65,7 +65,6 @@ std::optional<URLComponents> URLComponents::fromString(std::string_view text) {
 }
 
 std::optional<std::string> URLComponents::user() const { return decodedPart(user_); }
-
 std::optional<std::string> URLComponents::password() const { return decodedPart(password_); }
 
 std::optional<std::string> URLComponents::host() const {
@@ -73,9 +72,7 @@ std::optional<std::string> URLComponents::host() const {
 }
 
 std::string URLComponents::path() const { return URLEncoding::decoded(path_).value_or(std::string()); }
-
 std::optional<std::string> URLComponents::query() const { return decodedPart(query_); }
-
 std::optional<std::string> URLComponents::fragment() const { return decodedPart(fragment_); }
 
 std::optional<std::vector<URLQueryItem>> URLComponents::percentEncodedQueryItems() const {

@@ -19,8 +19,7 @@ struct URLQueryItem {
     friend bool operator==(const URLQueryItem&, const URLQueryItem&) = default;
 };
 
-/// Provides access to the parts of a URL and changes its query and fragment. Behaves like Foundation's
-/// NSURLComponents.
+/// Reads the parts of a URL and changes its query and fragment. Behaves like Foundation's NSURLComponents.
 ///
 /// Parts are stored percent-encoded. Getters without "percentEncoded" in their name decode the part. If the
 /// decoded bytes are not valid UTF-8 or the host is not valid in IDNA, they return nothing, or an empty
@@ -29,8 +28,7 @@ class URLComponents {
 public:
     /// Creates the components of `url`. A relative reference is not resolved against a base.
     explicit URLComponents(const URL& url);
-    /// Parses `text`. Returns nothing if it is not a valid URL. Unlike for `URL::fromString`, an empty string
-    /// is valid.
+    /// Parses `text`. Returns nothing if it is invalid. Unlike `URL::fromString`, accepts an empty string.
     static std::optional<URLComponents> fromString(std::string_view text);
 
     /// The parts of the URL. An absent part is distinct from an empty part.
@@ -48,9 +46,8 @@ public:
     const std::optional<std::string>& percentEncodedFragment() const { return fragment_; }
 
     /// Splits the query at "&" and each item at its first "=", and decodes names and values. "+" is not
-    /// decoded to a space. A name that does not decode to valid UTF-8 is empty; a value that does not decode
-    /// to valid UTF-8 is absent. Returns nothing if there is no query, and an empty list if the query is
-    /// empty.
+    /// decoded to a space. If the decoded bytes are not valid UTF-8, a name is empty and a value is absent.
+    /// Returns nothing if there is no query, and an empty list if the query is empty.
     std::optional<std::vector<URLQueryItem>> queryItems() const;
     /// Like `queryItems`, but names and values remain percent-encoded.
     std::optional<std::vector<URLQueryItem>> percentEncodedQueryItems() const;
@@ -58,11 +55,9 @@ public:
     /// Sets a query that is already percent-encoded. If any part of it is invalid, encodes the whole query.
     void setPercentEncodedQuery(std::string_view query);
     /// Sets the query from items that are not percent-encoded. Encodes "&", "=" and characters that a query
-    /// may not contain, so that `queryItems` returns the same items; "+", "?", ";" and "/" are not encoded.
-    /// An empty list sets an empty query.
+    /// may not contain, but not "+", "?", ";" and "/". An empty list sets an empty query.
     void setQueryItems(const std::vector<URLQueryItem>& items);
-    /// Sets the query from items that are already percent-encoded. Encodes each name or value that is
-    /// invalid.
+    /// Sets the query from percent-encoded items. Encodes each name or value that is invalid.
     void setPercentEncodedQueryItems(const std::vector<URLQueryItem>& items);
     void setFragment(std::string_view fragment);
 
@@ -87,8 +82,7 @@ private:
     std::string path_;
     std::optional<std::string> query_;
     std::optional<std::string> fragment_;
-    /// The parsed string, until a part is changed. Its spelling of the port may differ, for example with
-    /// leading zeros.
+    /// The string that was parsed, until a part is changed. Preserves leading zeros of the port.
     std::optional<std::string> text_;
 };
 

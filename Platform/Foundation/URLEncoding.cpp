@@ -20,7 +20,7 @@ constexpr bool isLetter(char character) {
 }
 constexpr bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-/// Sets of delimiters, as bits of the same table.
+/// Bits for sets of delimiters, stored in the same table as the bits of `Allowed`.
 enum class Delimiter : std::uint16_t {
     general = 1U << 8U,   ///< Characters that terminate a scheme, or show that there is no scheme.
     authority = 1U << 9U, ///< Characters that terminate an authority.
@@ -116,8 +116,7 @@ std::string_view take(std::string_view& rest, std::size_t length) {
     return taken;
 }
 
-/// Splits an authority into user information, host and port. Returns false if its host and port cannot be
-/// separated.
+/// Splits an authority into user information, host and port. Returns false if this is not possible.
 bool splitAuthority(std::string_view authority, Parts& parts) {
     // The last "@" terminates the user information. Any preceding "@" is encoded later.
     if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {

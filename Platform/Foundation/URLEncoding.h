@@ -9,8 +9,7 @@
 /// URLHost; do not include this header elsewhere.
 namespace Platform::URLEncoding {
 
-/// Sets of ASCII characters that a component may contain unencoded, as bits of a table. "%" does not belong
-/// to any set.
+/// Bits for the sets of ASCII characters that a component may contain unencoded. No set contains "%".
 enum class Allowed : std::uint16_t {
     user = 1U << 0U,
     host = 1U << 1U,

@@ -16,13 +16,11 @@ struct URLEndpoint {
     std::optional<std::int64_t> port;
     std::string path;
 
-    /// Returns nothing if a part cannot be decoded. Otherwise, a host that is not valid UTF-8 would be
-    /// treated as absent, a port that exceeds 64 bits as the default port, and a path that is not valid UTF-8
-    /// as the root.
+    /// Returns nothing if a part cannot be decoded. Otherwise an invalid host would be treated as absent, an
+    /// invalid port as the default port, and an invalid path as the root.
     static std::optional<URLEndpoint> of(const URL& url);
 
-    /// Returns the port of the URL, or the default port for "http" and "https". Returns nothing for other
-    /// schemes without a port.
+    /// Returns the URL's port or, for "http" and "https", the default port. Otherwise returns nothing.
     static std::optional<std::int64_t> effectivePort(const URL& url);
 
     friend bool operator==(const URLEndpoint&, const URLEndpoint&) = default;

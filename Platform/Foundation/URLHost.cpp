@@ -69,8 +69,7 @@ enum class Direction { toASCII, toUnicode };
 
 /// Converts a domain name according to UTS #46. Returns nothing on failure.
 std::optional<std::string> convertedName(std::string_view name, Direction direction) {
-    // A name that a resolver rejects is not accepted in a URL, but it may be displayed. ICU checks lengths
-    // only when it converts to ASCII.
+    // Errors tolerated for display, in names that a resolver rejects. ICU checks lengths only for ASCII.
     constexpr std::uint32_t shown = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LEADING_HYPHEN |
                                     UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
     // Foundation's limit for the length of the name and of its conversion, in bytes.

@@ -14,8 +14,7 @@ class Descriptor {
 public:
     explicit Descriptor(int value = -1)
         : value_(value) {}
-    /// Takes ownership of `value`, the result of the function named `call`. Throws std::system_error with
-    /// `errno` if `value` is negative.
+    /// Takes ownership of `value`. If it is negative, throws std::system_error with `errno` and `call`.
     Descriptor(int value, const std::string& call)
         : value_(value) {
         if (value < 0) {

@@ -27,12 +27,10 @@ int connectUnixSocket(int descriptor, const sockaddr_un& address);
 /// fails with EAGAIN if `listening` is non-blocking.
 int acceptUnixSocket(int listening);
 
-/// Returns the effective user ID that the peer process had when it connected, or nothing if the kernel does
-/// not report it.
+/// Returns the effective user ID that the peer had when it connected, or nothing if it is unknown.
 std::optional<uid_t> unixSocketPeerUser(int descriptor);
 
-/// Limits how long a write to a blocking socket waits for the peer to read. The limit applies to each wait
-/// separately.
+/// Limits how long a write to a blocking socket waits for the peer to read. Applies to each wait separately.
 int setSendTimeout(int descriptor, std::chrono::seconds timeout);
 
 /// Like `write`, for sockets, pipes and other files, but does not deliver SIGPIPE, regardless of the

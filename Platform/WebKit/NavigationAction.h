@@ -21,7 +21,7 @@ enum class NavigationType {
 
 /// A navigation in any frame of a page. A plain value type, so that tests can construct it.
 struct NavigationAction {
-    /// Absent if the string that WebKit provides is not a valid URL.
+    /// The URL. Absent if the string that WebKit provides is not a valid URL.
     std::optional<URL> url;
     /// The HTTP method. Absent for schemes that do not use methods.
     std::optional<std::string> method;
@@ -34,8 +34,7 @@ struct NavigationAction {
 
 /// The frame whose script opens a panel. A plain value type.
 struct FrameInfo {
-    /// The URL of the frame's request. WebKitGTK does not identify the frame, so on Linux this is the URL of
-    /// the page.
+    /// The URL of the frame's request. On Linux, that of the page: WebKitGTK does not identify the frame.
     std::optional<URL> url;
 };
 

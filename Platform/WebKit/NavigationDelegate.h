@@ -19,15 +19,15 @@ class NavigationDelegate {
 public:
     virtual ~NavigationDelegate() = default;
 
-    /// A page finished loading.
+    /// Called when a page has finished loading.
     virtual void didFinishNavigation(WebView& /*webView*/) {}
 
-    /// A load failed after its page committed.
+    /// Called when a load has failed after its page committed.
     virtual void didFailNavigation(WebView& /*webView*/, const Error& /*error*/) {}
 
-    /// A load failed before its page committed. The previous page remains. If the policy delegate cancels a
-    /// redirect, the load fails with error 102 of "WebKitErrorDomain". Cancelling a navigation that is not a
-    /// redirect does not report a failure.
+    /// Called when a load has failed before its page committed. The previous page remains. If the policy
+    /// delegate cancels a redirect, the load fails with error 102 of "WebKitErrorDomain". Cancelling a
+    /// navigation that is not a redirect does not report a failure.
     virtual void didFailProvisionalNavigation(WebView& /*webView*/, const Error& /*error*/) {}
 };
 
@@ -40,10 +40,9 @@ public:
     /// the first call has an effect. Destroying the handler without calling it cancels the navigation.
     using DecisionHandler = std::function<void(NavigationActionPolicy)>;
 
-    /// Decides whether to allow a navigation of the page or of one of its frames. Called before every
-    /// navigation, before every redirect, and before every new window that a link or a form requests. Not
-    /// called for the page of `WebView::loadHTMLString` itself, for `history.pushState`, or for history
-    /// navigations within one document.
+    /// Decides whether to allow a navigation of the page or one of its frames. Called before every navigation
+    /// and redirect, and before every new window that a link or a form requests. Not called for the page of
+    /// `WebView::loadHTMLString` itself, `history.pushState`, or history navigations within a document.
     virtual void decidePolicy(WebView& webView, const NavigationAction& action,
                               const DecisionHandler& decisionHandler) = 0;
 };

@@ -23,27 +23,25 @@ public:
     virtual ~UIDelegate() = default;
 
     /// Called when a page opens a window. Returns a web view that was created with `configuration`, into
-    /// which WebKit then loads the page, or null to refuse the window. Returning a view with a different
-    /// configuration is a fatal error. The view must be visible, or about to become visible, when the
-    /// function returns.
+    /// which WebKit then loads the page, or null to refuse the window. Any other configuration is a fatal
+    /// error. The view must be visible, or about to become visible, when the function returns.
     virtual std::shared_ptr<WebView>
     createWebView(WebView& /*webView*/, const std::shared_ptr<WebViewConfiguration>& /*configuration*/,
                   const NavigationAction& /*action*/) {
         return nullptr;
     }
 
-    /// A script closed the window of its page. The page continues to run until the view is released.
+    /// Called when a script closes the window of its page. The page runs until the view is released.
     virtual void webViewDidClose(WebView& /*webView*/) {}
 
-    /// A script called `alert`. It is suspended until `completion` is called.
+    /// Called when a script calls `alert`. The script waits until `completion` is called.
     virtual void runJavaScriptAlertPanel(WebView& /*webView*/, const std::string& /*message*/,
                                          const FrameInfo& /*frame*/, std::function<void()> completion) {
         const auto answer = std::move(completion);
         answer();
     }
 
-    /// A script called `confirm`. It is suspended until `completion` is called. The argument of `completion`
-    /// becomes the result of `confirm`.
+    /// Called when a script calls `confirm`. The script waits until `completion` is called with the result.
     virtual void runJavaScriptConfirmPanel(WebView& /*webView*/, const std::string& /*message*/,
                                            const FrameInfo& /*frame*/, std::function<void(bool)> completion) {
         const auto answer = std::move(completion);

@@ -9,14 +9,14 @@ namespace Platform {
 
 /// A script that the program injects into pages. A plain value type.
 struct UserScript {
-    /// A point in the loading of a page.
+    /// A point during the loading of a page.
     enum class InjectionTime {
         /// Before any content of the page is loaded.
         atDocumentStart,
         atDocumentEnd,
     };
 
-    /// The JavaScript code.
+    /// The source code of the script, in JavaScript.
     std::string source;
     /// The time at which the script runs.
     InjectionTime injectionTime = InjectionTime::atDocumentEnd;
@@ -28,12 +28,10 @@ struct UserScript {
 struct ScriptMessage {
     /// The handler's name.
     std::string name;
-    /// The posted value. Null if `JSON.stringify` cannot convert the value or `JSONValue::parse` rejects the
-    /// result.
+    /// The posted value. Null if `JSON.stringify` cannot convert it or `JSONValue::parse` rejects the result.
     JSONValue body;
 
-    /// Returns the body for `json`, which is the result of `JSON.stringify`, or an empty string if the
-    /// conversion failed.
+    /// Returns the body for `json`, the result of `JSON.stringify`, which is empty if the conversion failed.
     static JSONValue bodyOf(const std::string& json);
 };
 
@@ -46,8 +44,7 @@ public:
     virtual void didReceiveScriptMessage(const ScriptMessage& message) = 0;
 };
 
-/// The user scripts and message handlers for the pages of all web views that share this controller. Main
-/// thread only.
+/// The user scripts and message handlers of the web views that share this controller. Main thread only.
 class UserContentController {
 public:
     /// Creates a controller without scripts or handlers.
@@ -62,8 +59,7 @@ public:
     /// destroyed handler are dropped. Each name may be added only once.
     void addScriptMessageHandler(const std::weak_ptr<ScriptMessageHandler>& handler, const std::string& name);
 
-    /// Adds a script to every page that starts to load after this call. The script runs in the same script
-    /// world as the scripts of the page.
+    /// Adds a script to pages that load after this call. It runs in the script world of the page's scripts.
     void addUserScript(const UserScript& script);
 
     /// The native controller. For internal use by Platform.

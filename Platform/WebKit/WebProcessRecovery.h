@@ -8,8 +8,7 @@
 
 namespace Platform {
 
-/// Decides when to reload a page whose web process has terminated, and which load to repeat. Main thread
-/// only.
+/// Decides when to reload a page, and which load to repeat, after its web process exits. Main thread only.
 ///
 /// The page is reloaded once, as soon as it is visible. After a second failure within a minute, the page is
 /// not reloaded until the user requests it, because the page itself is probably the cause.
@@ -25,12 +24,12 @@ public:
         /// The program terminated the process to make room for another process.
         eviction,
     };
-    /// The web process has terminated. `interrupted` is the load that had not committed yet; reloading the
-    /// page would not repeat it. `hasPage` is false if there is nothing to reload.
+    /// Called when the web process has terminated. `interrupted` is the load that had not committed yet;
+    /// reloading the page would not repeat it. `hasPage` is false if there is nothing to reload.
     void processEnded(Cause cause, std::optional<URLRequest> interrupted, bool hasPage);
-    /// A navigation was requested, so the page is no longer reloaded automatically.
+    /// Called when a navigation is requested. The page is then no longer reloaded automatically.
     void navigationRequested();
-    /// The view has a page in a running web process again.
+    /// Called when the view has a page in a running web process again.
     void pageReturned();
 
     /// Returns true from the termination of the web process until `pageReturned` is called. During this time,

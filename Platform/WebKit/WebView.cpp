@@ -21,17 +21,11 @@ WebView::WebView(std::shared_ptr<WebViewConfiguration> configuration)
     , engine_(WebViewEngine::create(*configuration_)) {}
 
 WebView::~WebView() { assertMainThread("WebView"); }
-
 std::optional<URL> WebView::url() const { return engine_->values().url; }
-
 std::optional<std::string> WebView::title() const { return engine_->values().title; }
-
 bool WebView::canGoBack() const { return engine_->values().canGoBack; }
-
 bool WebView::canGoForward() const { return engine_->values().canGoForward; }
-
 double WebView::estimatedProgress() const { return engine_->values().estimatedProgress; }
-
 bool WebView::isLoading() const { return engine_->values().isLoading; }
 
 Observation WebView::observe(Property property, std::function<void()> changed) {

@@ -51,8 +51,7 @@ public:
     /// in the order of registration. `changed` may end the observation and release the view.
     [[nodiscard]] Observation observe(Property property, std::function<void()> changed);
 
-    /// Loads the URL of `request`. The timeout starts with the load, restarts at each redirect and stops when
-    /// the page commits.
+    /// Loads the URL of `request`. The timeout restarts at each redirect and stops when the page commits.
     void load(const URLRequest& request);
 
     /// Shows a page that the program supplies. `baseURL` provides the origin of the page and the base of its
@@ -68,8 +67,7 @@ public:
     /// Enables or disables swiping sideways to go back and forward.
     void setAllowsBackForwardNavigationGestures(bool allows);
 
-    /// Sets the delegate, which is held weakly. A `NavigationPolicyDelegate` is also asked for policy
-    /// decisions.
+    /// Sets the delegate, which is held weakly. A `NavigationPolicyDelegate` also makes policy decisions.
     void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate);
     void setUIDelegate(const std::weak_ptr<UIDelegate>& delegate);
 

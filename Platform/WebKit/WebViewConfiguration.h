@@ -28,8 +28,7 @@ public:
     WebsiteDataStore websiteDataStore() const { return websiteDataStore_; }
     void setWebsiteDataStore(WebsiteDataStore store) { websiteDataStore_ = store; }
 
-    /// Scripts and message handlers for the pages of these views. Never null; each configuration starts with
-    /// its own.
+    /// Scripts and message handlers for the views' pages. Never null; by default, a new controller.
     const std::shared_ptr<UserContentController>& userContentController() const {
         return userContentController_;
     }

@@ -7,8 +7,6 @@ namespace Platform {
 
 WebViewEngine::~WebViewEngine() { panels_.answerAllSafely(); }
 
-// Values
-
 Observation WebViewEngine::observe(Property property, std::function<void()> changed) {
     return observers_.add([property, changed = std::move(changed)](Property changedProperty) {
         if (changedProperty == property) {
@@ -28,8 +26,6 @@ void WebViewEngine::titleChanged(std::optional<std::string> title) {
         update(&Values::title, std::move(title), Property::title);
     }
 }
-
-// Navigation
 
 void WebViewEngine::requestNavigation() {
     ownPage_.disarm();
@@ -71,8 +67,6 @@ void WebViewEngine::goForward() {
         startGoingForward();
     }
 }
-
-// Delegates
 
 void WebViewEngine::setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) {
     navigationDelegate_ = delegate;
@@ -150,8 +144,6 @@ void WebViewEngine::runConfirmPanel(const std::string& message, const FrameInfo&
                                             [reply](bool confirmed) { (*reply)(confirmed); });
     }
 }
-
-// The web process
 
 void WebViewEngine::webProcessEnded(WebProcessRecovery::Cause cause, std::optional<URLRequest> interrupted) {
     recovery_.processEnded(cause, std::move(interrupted), values_.url.has_value());

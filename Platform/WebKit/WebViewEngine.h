@@ -68,7 +68,6 @@ public:
 protected:
     WebViewEngine() = default;
 
-    /// Returns the engine of `view`.
     static WebViewEngine& of(const WebView& view) { return *view.engine_; }
 
     // Events of the native view. The caller keeps the owner alive.
@@ -84,8 +83,7 @@ protected:
     void titleChanged(std::optional<std::string> title);
 
     bool asksForPolicy() const { return !policyDelegate_.expired(); }
-    /// Returns true for the navigation to a page that the program supplied. The delegate is not asked about
-    /// this navigation.
+    /// Returns true for the navigation to a page supplied by the program, which needs no policy decision.
     bool isOwnPage(const NavigationAction& action, bool isRedirect) {
         return ownPage_.use(action, isRedirect);
     }
@@ -120,7 +118,7 @@ private:
     // Operations of the native view. Each operation replaces the current navigation.
 
     virtual void startLoad(const URLRequest& request) = 0;
-    /// `baseURL` is absolute.
+    /// If present, `baseURL` is absolute.
     virtual void startHTML(const std::string& html, const std::optional<URL>& baseURL) = 0;
     virtual void startReload() = 0;
     virtual void startGoingBack() = 0;

@@ -18,7 +18,6 @@
 @end
 
 @implementation KeyloftApplicationDelegate
-
 - (void)applicationWillFinishLaunching:(NSNotification*)notification {
     Platform::Application::Native::willFinishLaunching();
 }
@@ -46,7 +45,6 @@
 - (void)applicationWillTerminate:(NSNotification*)notification {
     Platform::Application::Native::willTerminate();
 }
-
 @end
 
 namespace Platform {
@@ -66,8 +64,7 @@ void deliverNextEvent() noexcept {
     }
 }
 
-/// Ends the wait in `deliverNextEvent`. AppKit continues to wait after it has handled timers and sources;
-/// only an event ends the wait.
+/// Ends the wait in `deliverNextEvent`, which timers and run loop sources alone do not end.
 void postEmptyEvent() noexcept {
     if (NSEvent* const event = [NSEvent otherEventWithType:NSEventTypeApplicationDefined
                                                   location:NSZeroPoint
@@ -123,7 +120,7 @@ int Application::run(int argc, char** argv) {
     assertMainThread("Application::run");
     const std::span<char* const> all(argv, static_cast<std::size_t>(argc));
     native_->startURLs = urlsOf(all.subspan(all.empty() ? 0 : 1));
-    // Otherwise AppKit would open the same arguments as documents.
+    // Prevent AppKit from opening the same arguments as documents.
     [NSUserDefaults.standardUserDefaults registerDefaults:@{@"NSTreatUnknownArgumentsAsOpen" : @"NO"}];
     [nativeApplication() run];
     return 0;

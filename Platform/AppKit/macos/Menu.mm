@@ -15,17 +15,14 @@ void menuNeedsUpdate(NSMenu* native) noexcept;
 
 } // namespace Platform
 
-/// Set as the delegate of each NSMenu whose `Menu` has a delegate. `menuOf` returns the `Menu` that an NSMenu
-/// represents.
+/// Forwards update requests of an NSMenu to the delegate of the `Menu` that the NSMenu represents.
 @interface KeyloftMenuDelegate : NSObject <NSMenuDelegate>
 @end
 
 @implementation KeyloftMenuDelegate
-
 - (void)menuNeedsUpdate:(NSMenu*)menu {
     Platform::menuNeedsUpdate(menu);
 }
-
 @end
 
 namespace Platform {

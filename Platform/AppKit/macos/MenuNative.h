@@ -12,12 +12,10 @@ namespace Platform {
 /// whenever AppKit is about to show it or to look up its key equivalents.
 NSMenu* _Nonnull makeNativeMenu(const std::shared_ptr<Menu>& menu);
 
-/// Searches `root` and all its submenus for the NSMenu that represents `menu`. Returns nil if it is not
-/// found.
+/// Returns the NSMenu that represents `menu`: `root` or one of its submenus. Returns nil if it is not found.
 NSMenu* _Nullable nativeMenuOf(const Menu& menu, NSMenu* _Nullable root);
 
-/// Creates an NSMenuItem with the same title, action, key equivalent and represented URL. It does not refer
-/// to `item`.
+/// Creates an NSMenuItem with the title, action, key and URL of `item`, but without a reference to `item`.
 NSMenuItem* _Nonnull makeNativeMenuItem(const MenuItem& item);
 
 } // namespace Platform

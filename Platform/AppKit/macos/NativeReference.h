@@ -10,9 +10,8 @@
 
 /// References from AppKit objects to our objects. Main thread only.
 ///
-/// Views and windows own their AppKit objects, which hold weak references to them. Menu items are owned by
-/// their NSMenuItems and do not refer to them, because AppKit may send the action of an NSMenuItem that has
-/// been removed from its menu.
+/// Views and windows own their AppKit objects, which refer to them weakly. An NSMenuItem owns its menu item,
+/// because AppKit may send the action of an NSMenuItem that has been removed from its menu.
 namespace Platform {
 
 void setReference(NSView* _Nonnull native, const std::weak_ptr<View>& view);
@@ -20,15 +19,13 @@ void setReference(NSWindow* _Nonnull native, const std::weak_ptr<Window>& window
 void setReference(NSMenu* _Nonnull native, const std::weak_ptr<Menu>& menu);
 void setReference(NSMenuItem* _Nonnull native, const std::shared_ptr<MenuItem>& item);
 
-/// Return our object to which `native` refers, or null if `native` has no such reference or our object has
-/// been destroyed.
+/// Return our object for `native`, or null if no reference was set or our object has been destroyed.
 std::shared_ptr<View> viewOf(id _Nullable native);
 std::shared_ptr<Window> windowOf(id _Nullable native);
 std::shared_ptr<Menu> menuOf(id _Nullable native);
 std::shared_ptr<MenuItem> menuItemOf(id _Nullable native);
 
-/// Returns the view that `responder` or its nearest ancestor represents, or null. A field editor counts as
-/// the field that it edits.
+/// Returns the nearest view at or above `responder`, or null. A field editor counts as the field it edits.
 std::shared_ptr<View> viewAround(NSResponder* _Nullable responder);
 
 } // namespace Platform

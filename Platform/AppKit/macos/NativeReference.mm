@@ -33,8 +33,7 @@ void attach(const Referenced& referenced, id native) {
     objc_setAssociatedObject(native, &referenceKey, reference, OBJC_ASSOCIATION_RETAIN_NONATOMIC);
 }
 
-/// Returns the reference that is attached to `native`. Returns an empty reference if none is attached or it
-/// is not a `Kept`.
+/// Returns the reference attached to `native`, or an empty reference if it is missing or not a `Kept`.
 template <typename Kept>
 Kept referenceOf(id native) {
     KeyloftReference* const reference = native != nil ? objc_getAssociatedObject(native, &referenceKey) : nil;
@@ -45,8 +44,7 @@ Kept referenceOf(id native) {
     return kept != nullptr ? *kept : Kept();
 }
 
-/// Returns the field that a field editor edits, which is the editor's delegate. Returns `responder` itself if
-/// it is not a field editor.
+/// Returns the field that is being edited if `responder` is a field editor, otherwise `responder`.
 NSResponder* editedField(NSResponder* responder) {
     if (![responder isKindOfClass:NSText.class]) {
         return responder;
@@ -59,19 +57,12 @@ NSResponder* editedField(NSResponder* responder) {
 } // namespace
 
 void setReference(NSView* native, const std::weak_ptr<View>& view) { attach(view, native); }
-
 void setReference(NSWindow* native, const std::weak_ptr<Window>& window) { attach(window, native); }
-
 void setReference(NSMenu* native, const std::weak_ptr<Menu>& menu) { attach(menu, native); }
-
 void setReference(NSMenuItem* native, const std::shared_ptr<MenuItem>& item) { attach(item, native); }
-
 std::shared_ptr<View> viewOf(id native) { return referenceOf<std::weak_ptr<View>>(native).lock(); }
-
 std::shared_ptr<Window> windowOf(id native) { return referenceOf<std::weak_ptr<Window>>(native).lock(); }
-
 std::shared_ptr<Menu> menuOf(id native) { return referenceOf<std::weak_ptr<Menu>>(native).lock(); }
-
 std::shared_ptr<MenuItem> menuItemOf(id native) { return referenceOf<std::shared_ptr<MenuItem>>(native); }
 
 std::shared_ptr<View> viewAround(NSResponder* responder) {

@@ -23,7 +23,6 @@
 
 namespace Platform {
 
-/// Returns the selector of an action.
 SEL _Nonnull selectorFor(Action action);
 
 /// Returns the action of a selector, or nothing if the selector does not have exactly one argument. The
@@ -33,13 +32,11 @@ std::optional<Action> actionFor(SEL _Nullable selector);
 /// Returns true if the selector belongs to an action to which the proxy's responder responds.
 bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
-/// Returns an object that performs the selector's action on the proxy's responder, or nil if the responder
-/// does not respond to the action.
+/// Returns a target for the selector's action, or nil if the proxy's responder does not respond to it.
 id _Nullable forwardingTarget(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
 /// Implements `validateMenuItem:`. Passes our item to the responder and applies the title that the responder
-/// sets. If AppKit created the item, such as "New Tab" of a tab bar, passes a temporary item with the same
-/// title and action.
+/// sets. For items that AppKit created, such as "New Tab", passes a temporary copy.
 BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem) noexcept;
 
 /// Returns the AppKit target for actions that are sent to `responder`: the object that represents
@@ -50,11 +47,10 @@ id _Nullable targetFor(const std::shared_ptr<Responder>& responder);
 std::shared_ptr<Responder> responderOf(id _Nullable native);
 
 /// Returns the subclass of `proxyClass` that is registered with the Objective-C runtime as `name`. Creates it
-/// on the first call. If another class, for example of a plug-in, already has that name, appends a number to
-/// the name.
+/// on the first call. If another class, such as that of a plug-in, has that name, appends a number.
 Class _Nonnull registeredSubclass(Class _Nonnull proxyClass, std::string_view name);
 
-/// Aborts the process. For initialisers that must not be called, such as `initWithCoder:`.
+/// Aborts the process. Called by initialisers that must not be used, such as `initWithCoder:`.
 [[noreturn]] void notSupported();
 
 } // namespace Platform

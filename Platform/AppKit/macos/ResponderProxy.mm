@@ -30,8 +30,7 @@ void performAction(const std::shared_ptr<Responder>& responder, SEL selector, id
     if (responder == nullptr || !action) {
         return;
     }
-    // Keep the sender alive until the action has been performed, even if the action closes the sender's
-    // window or menu.
+    // Keep the sender alive, because the action may close the sender's window or menu.
     const auto control = std::dynamic_pointer_cast<Control>(viewOf(sender));
     const auto menuItem = menuItemOf(sender);
     responder->perform(*action, {.control = control.get(), .menuItem = menuItem.get()});
@@ -52,7 +51,6 @@ std::optional<Action> actionFor(SEL selector) {
 } // namespace Platform
 
 @implementation KeyloftActionTarget
-
 - (std::shared_ptr<Platform::Responder>)keyloftResponder {
     return responder.lock();
 }
@@ -76,7 +74,6 @@ std::optional<Action> actionFor(SEL selector) {
 - (BOOL)validateMenuItem:(NSMenuItem*)menuItem {
     return Platform::validate(self, menuItem);
 }
-
 @end
 
 namespace Platform {

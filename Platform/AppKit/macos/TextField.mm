@@ -10,7 +10,6 @@
 @end
 
 @implementation KeyloftTextFieldDelegate
-
 - (void)controlTextDidBeginEditing:(NSNotification*)obj {
     Platform::TextFieldEvents::didBegin(obj.object);
 }
@@ -28,7 +27,6 @@
     return commandSelector == @selector(cancelOperation:) &&
            Platform::TextFieldEvents::cancelled(static_cast<NSTextField*>(control));
 }
-
 @end
 
 namespace Platform {
@@ -140,7 +138,7 @@ bool TextFieldEvents::cancelled(NSTextField* field) noexcept {
     if (edited == nullptr) {
         return false;
     }
-    // Also end the edit in AppKit, so that the next change begins a new one.
+    // Also end the edit in AppKit, so that the next change begins a new edit.
     [field abortEditing];
     edited->cancelEditing();
     return true;

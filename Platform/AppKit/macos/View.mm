@@ -24,7 +24,6 @@ static void layOut(NSView* native) noexcept {
 @end
 
 @implementation KeyloftView
-
 - (instancetype)initWithFrame:(NSRect)frameRect {
     return [super initWithFrame:frameRect];
 }
@@ -41,7 +40,6 @@ static void layOut(NSView* native) noexcept {
     [super layout];
     layOut(self);
 }
-
 @end
 
 namespace Platform {
@@ -49,7 +47,6 @@ namespace Platform {
 namespace {
 
 std::size_t indexOf(Orientation orientation) { return orientation == Orientation::horizontal ? 0 : 1; }
-
 NSRect toNSRect(const Rect& rect) { return NSMakeRect(rect.x, rect.y, rect.width, rect.height); }
 
 /// Returns nil if the native view has not been created yet.

@@ -19,7 +19,6 @@
 @end
 
 @implementation KeyloftWindowDelegate
-
 - (void)windowDidBecomeKey:(NSNotification*)notification {
     if (const auto window = Platform::windowOf(notification.object)) {
         window->native().becameKey();
@@ -31,7 +30,6 @@
         window->native().willClose();
     }
 }
-
 @end
 
 namespace Platform {
@@ -195,8 +193,7 @@ void Window::Native::prepareToShow() {
     if (owner_.centered_) {
         [window center];
     }
-    // Also applies the frame that is saved under the name. Only one window at a time can have the name, so
-    // this fails for any further window.
+    // `setFrameAutosaveName:` also applies the saved frame. It fails if another window has the name.
     if (!owner_.frameAutosaveName_.empty()) {
         [window setFrameAutosaveName:toNSString(owner_.frameAutosaveName_)];
     }
@@ -223,9 +220,8 @@ void Window::Native::becameKey() noexcept {
     }
 }
 
-/// AppKit lets only one window at a time have a given frame autosave name. After that window has closed, the
-/// next window that becomes key takes over the name, so that its frame is saved. Its current frame does not
-/// change.
+/// Only one window at a time can have a given frame autosave name. After that window has closed, the next key
+/// window takes over the name, so that its frame is saved. Its current frame does not change.
 void Window::Native::takeFrameName() const {
     if (owner_.frameAutosaveName_.empty() || window.frameAutosaveName.length > 0) {
         return;

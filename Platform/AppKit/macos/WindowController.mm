@@ -5,8 +5,7 @@
 #include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/AppKit/macos/WindowNative.h"
 
-/// AppKit's window controller. Instantiated only through a subclass whose name our controller provides; see
-/// `registeredSubclass`.
+/// The superclass of the native window controllers, whose class names our controllers provide.
 @interface KeyloftWindowController : NSWindowController <KeyloftResponderProxy, NSWindowDelegate> {
 @private
     std::weak_ptr<Platform::WindowController> _controller;
@@ -18,7 +17,6 @@
 @end
 
 @implementation KeyloftWindowController
-
 - (instancetype)initWithController:(const std::weak_ptr<Platform::WindowController>&)controller
                             window:(NSWindow*)window {
     self = [super initWithWindow:window];
@@ -65,7 +63,6 @@
         window->native().willClose();
     }
 }
-
 @end
 
 namespace Platform {

@@ -9,15 +9,13 @@
 
 namespace Platform {
 
-/// The NSWindow of a window and its state. AppKit itself manages the tabs, the first responder and the
-/// responder chain.
+/// The NSWindow of a window and its state. AppKit manages tabs, the first responder and the responder chain.
 struct Window::Native final : SheetPresenter {
     Native(Window& owner, NSWindow* _Nonnull made)
         : window(made)
         , owner_(owner) {}
 
-    /// Sets the controller that owns the window. The controller follows the window in the responder chain and
-    /// becomes its delegate.
+    /// Sets the controller that owns the window. It becomes the window's delegate and next responder.
     void setController(NSWindowController<NSWindowDelegate>* _Nonnull owner);
 
     /// Applies the settings that AppKit needs before the window is first shown.

@@ -46,8 +46,7 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void add(const Source& source);
     /// Called after a source has been resumed, suspended or cancelled.
     void sourceChanged();
-    /// Cancels all sources and lets the thread exit once no work remains. Waits for the thread, unless called
-    /// on it.
+    /// Cancels all sources. Waits for the thread to run the remaining work and exit, unless called on it.
     void end();
 
     const std::string label;

@@ -14,9 +14,7 @@ ReadSource::ReadSource(SerialQueue& queue, int descriptor)
 }
 
 ReadSource::~ReadSource() { cancel(); }
-
 void ReadSource::setEventHandler(Handler handler) { state_->eventHandler = std::move(handler); }
-
 void ReadSource::setCancelHandler(Handler handler) { state_->cancelHandler = std::move(handler); }
 
 void ReadSource::resume() {

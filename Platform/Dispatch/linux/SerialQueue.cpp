@@ -24,8 +24,7 @@ namespace {
 
 thread_local const void* currentQueue = nullptr;
 
-/// The kernel limits thread names to 15 bytes. Use the last component of a reverse-DNS label, which is the
-/// most specific.
+/// Uses the last component of a reverse-DNS label, because the kernel limits thread names to 15 bytes.
 void nameThread(const std::string& label) {
     std::string name = label.substr(label.rfind('.') + 1);
     name.resize(std::min<std::size_t>(name.size(), 15));
@@ -67,7 +66,7 @@ void SerialQueue::State::start() {
 void SerialQueue::State::wakeIfAsleep() {
     if (asleep_.exchange(false)) {
         const std::uint64_t one = 1;
-        // Cannot fail, because the counter is read long before it overflows.
+        // The write cannot fail, because the counter is read long before it overflows.
         [[maybe_unused]] const auto written = write(wake_.get(), &one, sizeof one);
     }
 }
@@ -120,8 +119,7 @@ void SerialQueue::State::run() {
     }
 }
 
-/// Runs the work that is due, then calls the cancel handlers of the sources that were cancelled before the
-/// turn.
+/// Runs the work that is due, then the cancel handlers of sources that were cancelled before the turn.
 void SerialQueue::State::takeTurn() {
     std::vector<Work> running;
     std::vector<Source> retiring;
@@ -139,7 +137,7 @@ void SerialQueue::State::takeTurn() {
     }
     for (auto& item : running) {
         item();
-        // The next item may depend on the destruction of this one.
+        // Destroy the item now, because the next item may depend on its destruction.
         item = nullptr;
     }
     for (const auto& source : retiring) {
@@ -151,8 +149,7 @@ void SerialQueue::State::takeTurn() {
     }
 }
 
-/// Collects the descriptors and the timeout for poll(). Returns false once the queue has ended and no work or
-/// source remains.
+/// Prepares the arguments of poll(). Returns false if the queue has ended and no work or source remains.
 bool SerialQueue::State::prepareToWait() {
     polled_.clear();
     waiting_.clear();
@@ -221,9 +218,7 @@ SerialQueue::SerialQueue(std::string label)
 }
 
 SerialQueue::~SerialQueue() { state_->end(); }
-
 const std::string& SerialQueue::label() const { return state_->label; }
-
 void SerialQueue::async(Work work) { state_->enqueue(std::move(work)); }
 
 void SerialQueue::asyncAfter(std::chrono::milliseconds delay, Work work) {

@@ -11,9 +11,8 @@ ReadSource::State::State(const std::shared_ptr<SerialQueue::State>& serialQueue,
                                     serialQueue->queue))
     , queue(serialQueue) {}
 
-/// Dispatch requires a source to be activated before it is released, even if it is cancelled, and its
-/// handlers to be set before that. From now until the cancellation is complete, the handler blocks keep this
-/// state alive.
+/// Activates the source, which Dispatch requires before it is released, even if it is cancelled. The handlers
+/// must be set earlier; their blocks keep this state alive until the cancellation is complete.
 void ReadSource::State::start() {
     const auto self = shared_from_this();
     dispatch_source_set_event_handler(source, ^{
@@ -82,15 +81,10 @@ ReadSource::ReadSource(SerialQueue& queue, int descriptor)
 }
 
 ReadSource::~ReadSource() { cancel(); }
-
 void ReadSource::setEventHandler(Handler handler) { state_->eventHandler = std::move(handler); }
-
 void ReadSource::setCancelHandler(Handler handler) { state_->cancelHandler = std::move(handler); }
-
 void ReadSource::resume() { state_->resume(); }
-
 void ReadSource::suspend() { state_->suspend(); }
-
 void ReadSource::cancel() { state_->cancel(); }
 
 bool ReadSource::isCancelled() const {

@@ -15,7 +15,7 @@ namespace {
 /// other queue can have while work remains on this queue.
 constexpr char identityKey = 0;
 
-/// Longer than any process runs, but still representable in nanoseconds.
+/// The maximum delay. Exceeds the lifetime of any process, but is representable in nanoseconds.
 constexpr std::chrono::milliseconds longestDelay = std::chrono::hours(24 * 365 * 100);
 
 /// Runs `item` and destroys it on the queue.
@@ -85,8 +85,7 @@ void SerialQueue::State::remove(ReadSource::State& source) {
     dispatch_group_leave(uncancelled_);
 }
 
-/// Destroys the delayed work after it has released the lock, because the work's destructors may call the
-/// queue.
+/// Destroys the delayed work after releasing the lock, because its destructors may call the queue.
 void SerialQueue::State::drop() {
     std::unordered_set<std::shared_ptr<Work>> dropped;
     const std::scoped_lock lock(mutex_);
@@ -126,9 +125,7 @@ SerialQueue::SerialQueue(std::string label)
     : state_(std::make_shared<State>(std::move(label))) {}
 
 SerialQueue::~SerialQueue() { state_->end(); }
-
 const std::string& SerialQueue::label() const { return state_->label; }
-
 void SerialQueue::async(Work work) { state_->enqueue(std::move(work)); }
 
 void SerialQueue::asyncAfter(std::chrono::milliseconds delay, Work work) {

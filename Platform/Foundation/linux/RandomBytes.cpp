@@ -8,8 +8,7 @@ namespace Platform {
 
 bool RandomBytes::fill(std::span<std::byte> bytes) {
     while (!bytes.empty()) {
-        // A large request may be filled only partially, and a signal may interrupt the wait for the generator
-        // to be seeded.
+        // getrandom may fill a large request partially, or be interrupted before the generator is seeded.
         const ssize_t count = getrandom(bytes.data(), bytes.size(), 0);
         if (count < 0) {
             if (errno == EINTR) {

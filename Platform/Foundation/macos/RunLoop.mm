@@ -14,9 +14,8 @@ namespace Platform {
 
 namespace {
 
-/// The callbacks that were passed to `perform`. A run loop source calls one callback per iteration. The
-/// source is signalled again before the call, so that a callback that runs the loop recursively does not
-/// delay the remaining callbacks.
+/// The callbacks passed to `perform`. A run loop source calls one callback per iteration and is signalled
+/// again before the call, so that a callback that runs the loop recursively does not delay the others.
 class PerformQueue {
 public:
     PerformQueue() {
@@ -28,9 +27,8 @@ public:
     PerformQueue(const PerformQueue&) = delete;
     PerformQueue& operator=(const PerformQueue&) = delete;
 
-    /// Never destroyed. An application exits from inside its run loop, while callbacks that release windows
-    /// may still be queued. Destroying these callbacks would call `perform` while the queue is being
-    /// destroyed.
+    /// Never destroyed: an application exits inside its run loop, and destroying the remaining callbacks may
+    /// release windows, which would call `perform` while the queue is being destroyed.
     static PerformQueue& shared() {
         static PerformQueue* const queue = std::make_unique<PerformQueue>().release();
         return *queue;

@@ -10,8 +10,7 @@ struct RunLoopTurn {
     void (*wake)() noexcept;
 };
 
-/// Replaces the default iteration, which runs a plain run loop and does not deliver AppKit's events. Main
-/// thread only.
+/// Replaces the default iteration, which does not deliver AppKit's events. Main thread only.
 void setRunLoopTurn(RunLoopTurn turn);
 
 } // namespace Platform

@@ -15,7 +15,7 @@ constexpr Timer::Interval longest = 49.0 * 24 * 60 * 60;
 } // namespace
 
 struct Timer::Native {
-    /// Retained by the run loop until it is invalidated. Does not fire after that.
+    /// The run loop retains the timer until it is invalidated. An invalidated timer does not fire.
     NSTimer* timer = nil;
 };
 
@@ -32,8 +32,7 @@ void Timer::start(Interval interval) {
                                               block:^(NSTimer* /*unused*/) {
                                                   this->fired();
                                               }];
-    // Add the timer in the common modes, so that a menu or an alert that runs the loop in a different mode
-    // does not delay it.
+    // Use the common modes, so that the timer also fires while a menu or an alert runs the loop.
     [NSRunLoop.mainRunLoop addTimer:native_->timer forMode:NSRunLoopCommonModes];
 }
 

@@ -12,8 +12,7 @@ namespace Platform {
 
 namespace {
 
-/// Returns true and sets `errno` if the path begins with NUL. Linux treats such a path as a name in the
-/// abstract namespace.
+/// Returns true and sets `errno` if the path begins with NUL, as names in Linux's abstract namespace do.
 bool isAbstract(const sockaddr_un& address) {
     if (address.sun_path[0] == '\0') {
         errno = ENOENT;

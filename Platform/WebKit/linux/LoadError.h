@@ -14,7 +14,7 @@ namespace Platform {
 /// emits an error when its media player takes over the load of an audio or video file.
 std::optional<Error> loadError(const GError& error, const char* failingURI);
 
-/// Errors that WebKitGTK does not define.
+/// Return errors that WebKitGTK does not define.
 Error timedOutError(const std::optional<std::string>& failingURL);
 Error restrictedPortError(const std::optional<std::string>& failingURL);
 

@@ -18,9 +18,8 @@ GObjectPtr<WebKitSettings> makeSettings() {
     return settings;
 }
 
-/// Prevents the Tab key from moving the focus from the last link of a page to a text view inside
-/// WebKitWebView, where the focus would be stuck. WebKitGTK 2.50.6 uses the text view only to look up key
-/// bindings (not reported).
+/// Prevents Tab from moving the focus from a page's last link to a text view inside WebKitWebView, where it
+/// would be stuck. WebKitGTK 2.50.6 uses the text view only to look up key bindings (not reported).
 void keepFocusFromInnerWidgets(GtkWidget* view) {
     for (GtkWidget* child = gtk_widget_get_first_child(view); child;
          child = gtk_widget_get_next_sibling(child)) {
@@ -66,7 +65,6 @@ GObjectPtr<WebKitWebView> makeNativeWebView(WebViewConfiguration& configuration)
 }
 
 std::optional<std::string> uriOf(WebKitWebView* view) { return nonEmpty(webkit_web_view_get_uri(view)); }
-
 std::optional<std::string> titleOf(WebKitWebView* view) { return nonEmpty(webkit_web_view_get_title(view)); }
 
 std::string engineText(const URL& url) {

@@ -23,7 +23,6 @@ std::optional<std::string> titleOf(WebKitWebView* view);
 /// Serializes `url` as WebKitGTK does.
 std::string engineText(const URL& url);
 
-/// Performs an editing action in the page.
 void executeEditing(WebKitWebView* view, Action action);
 
 } // namespace Platform

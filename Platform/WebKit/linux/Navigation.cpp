@@ -89,8 +89,7 @@ void Navigation::decide() {
 }
 
 bool Navigation::start(const std::optional<URL>& url) {
-    // WebKitGTK requests a policy decision before it starts a load, so this event belongs to an earlier
-    // navigation.
+    // A load starts only after its policy decision, so this start belongs to an earlier navigation.
     if (isRequested() && load()) {
         return false;
     }

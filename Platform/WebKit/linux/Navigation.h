@@ -33,11 +33,9 @@ public:
 
     /// Returns true before the first navigation.
     bool isFresh() const { return std::holds_alternative<Fresh>(phase_); }
-    /// Returns true for a view that a page opened, until WebKitGTK requests a policy decision about its first
-    /// navigation.
+    /// Returns true for a view opened by a page, until its first policy decision is requested.
     bool isNewWindow() const { return std::holds_alternative<NewWindow>(phase_); }
-    /// Returns true after the program has requested a navigation, until WebKitGTK requests a policy decision
-    /// about that navigation.
+    /// Returns true after the program has requested a navigation, until its policy decision is requested.
     bool isRequested() const { return std::holds_alternative<Requested>(phase_); }
     bool hasStarted() const { return std::holds_alternative<Started>(phase_); }
 
@@ -49,26 +47,25 @@ public:
 
     /// Marks a fresh view or a new window as used.
     void use() { phase_ = Idle{}; }
-    /// A page has opened the view.
+    /// Records that a page has opened the view.
     void openWindow() { phase_ = NewWindow{}; }
-    /// The program requests a navigation, which replaces the current navigation.
+    /// Records that the program requests a navigation, which replaces the current navigation.
     void request(std::optional<Load> load, const std::optional<URL>& url);
-    /// The program stops a requested navigation to `uri`.
+    /// Records that the program has stopped a requested navigation to `uri`.
     void stop(const std::string& uri);
     bool isStopped(const std::string& uri) const;
 
-    /// WebKitGTK has requested a policy decision about the requested navigation.
+    /// Called when WebKitGTK requests a policy decision about the requested navigation.
     void decide();
-    /// Called after WebKitGTK has started a navigation. Returns false if a later navigation has already
-    /// replaced it.
+    /// Called when a navigation has started. Returns false if a later navigation has already replaced it.
     bool start(const std::optional<URL>& url);
     void commit();
-    /// The navigation has ended. WebKitGTK may still report its failure.
+    /// Called when the navigation has ended. WebKitGTK may still report its failure.
     void end();
-    /// The navigation has ended, and WebKitGTK will not report a failure for it.
+    /// Called when the navigation has ended and WebKitGTK will not report a failure for it.
     void abandon();
 
-    /// Null unless the navigation has started or ended.
+    /// The expected failure. Null unless the navigation has started or ended.
     ExpectedFailure* expectedFailure();
     /// Returns the expected failure if `error` is the error that WebKitGTK reports for it, otherwise `error`.
     Error nameFailure(const Error& error);

@@ -7,8 +7,7 @@
 
 namespace Platform {
 
-/// Returns WebKitGTK's network session for a data store. The session refuses every download. Main thread
-/// only.
+/// Returns the network session for a data store. The session refuses every download. Main thread only.
 ///
 /// For a nonpersistent store, each call creates a new in-memory session. The session of the default store is
 /// created on the first call and is never destroyed. It stores its data in the user's data and cache

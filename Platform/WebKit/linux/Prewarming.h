@@ -25,9 +25,8 @@ private:
     SignalConnection painted_;
 };
 
-/// Starts the view's web process and calls `started` once the process is running. WebKitGTK does not start a
-/// process for an empty page, so this function evaluates a script that does not change the history or the
-/// properties.
+/// Starts the view's web process and calls `started` once it is running. WebKitGTK does not start a process
+/// for an empty page, so this function evaluates a script that changes neither history nor properties.
 void startWebProcess(WebKitWebView* view, std::function<void()> started);
 
 } // namespace Platform

@@ -20,7 +20,7 @@ struct UserContentController::Native {
     };
 
     GObjectPtr<WebKitUserContentManager> manager;
-    /// Allocated individually, because signal handlers hold pointers to them.
+    /// Registrations are allocated individually, because signal handlers hold pointers to them.
     std::vector<std::unique_ptr<Registration>> registrations;
 };
 

@@ -58,15 +58,14 @@ WebKitGTKEngine::WebKitGTKEngine(WebViewConfiguration& configuration)
     connect<&Engine::webProcessTerminated>(view, "web-process-terminated");
     connect<&Engine::mapped>(view, "map");
     connect<&Engine::unmapped>(view, "unmap");
-    // Connected last, because only the first answer has an effect.
+    // Connect these handlers last, because only the first handler that answers a signal has an effect.
     giveSafeAnswers(view);
 }
 
 WebKitGTKEngine::~WebKitGTKEngine() {
-    // Keep the widget alive until the main loop runs again. A handler of one of its signals may release the
-    // view, and the signal emission still uses the widget after the handler returns. Do not use idle
-    // priority: an idle source might never run, because a page that opens panels in an endless loop now
-    // receives immediate answers.
+    // Keep the widget alive until the main loop runs again, because a handler of one of its signals may
+    // release the view during the emission. Do not use idle priority: if a page opens panels in an endless
+    // loop, they now get immediate answers, and an idle source might never run.
     g_idle_add_full(G_PRIORITY_HIGH, releaseLater, g_object_ref(view_.get()), g_object_unref);
 }
 
@@ -75,8 +74,6 @@ std::unique_ptr<View::Native> WebView::makeNative() {
     native->widget = GObjectPtr<GtkWidget>::retain(GTK_WIDGET(WebKitGTKEngine::of(*this).view_.get()));
     return native;
 }
-
-// Values
 
 void WebKitGTKEngine::uriChanged(WebKitWebView* /*view*/, GParamSpec* /*property*/) {
     const auto text = uriOf(view_.get());
@@ -107,8 +104,6 @@ void WebKitGTKEngine::updateHistory() {
     update(&Values::canGoForward, webkit_web_view_can_go_forward(view_.get()) == TRUE,
            Property::canGoForward);
 }
-
-// Navigation
 
 void WebKitGTKEngine::navigate(std::optional<Navigation::Load> load, Begin begin) {
     navigation_.request(std::move(load), values().url);
@@ -162,9 +157,8 @@ void WebKitGTKEngine::stopLoading() {
         update(&Values::url, shownURL, Property::url);
         return;
     }
-    // If a navigation is stopped before its policy decision is requested, WebKitGTK 2.50.6 drops the
-    // navigation but reports that it is loading forever (not reported). Cancel it when the decision is
-    // requested.
+    // If a navigation is stopped before its policy decision is requested, WebKitGTK 2.50.6 drops it but
+    // reports that it is loading forever (not reported). Cancel it when the decision is requested.
     if (values().isLoading || load) {
         if (const auto requested = requestedURI()) {
             navigation_.stop(*requested);
@@ -210,8 +204,6 @@ void WebKitGTKEngine::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event
     }
 }
 
-// Policy
-
 gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision,
                                        WebKitPolicyDecisionType type) {
     if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
@@ -227,8 +219,7 @@ gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     if (isFirstOfWindow) {
         navigation_.use();
     }
-    // If a new window does not have an opener, WebKitGTK itself loads its page, and starts a process for it
-    // once the policy decision is made.
+    // WebKitGTK itself loads a new window without an opener and starts a process for it after the decision.
     if (isFirstOfWindow && uriOf(view_.get())) {
         slot_.release();
         requestSlot([this, question](WebKitWebView*) { decide(question); });
@@ -289,8 +280,6 @@ void WebKitGTKEngine::answer(NavigationQuestion& question, NavigationActionPolic
     }
 }
 
-// Failures
-
 gboolean WebKitGTKEngine::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent event, const char* uri,
                                      GError* error) {
     updateHistory();
@@ -324,8 +313,6 @@ void WebKitGTKEngine::timedOut() {
     });
 }
 
-// New windows and dialogs
-
 GtkWidget* WebKitGTKEngine::createView(WebKitWebView* view, WebKitNavigationAction* action) {
     const auto configuration = newWindowConfiguration(view, *keepAlive()->configuration());
     const auto child = createWebView(configuration, navigationAction(action));
@@ -355,8 +342,6 @@ gboolean WebKitGTKEngine::scriptDialog(WebKitWebView* /*view*/, WebKitScriptDial
         return FALSE;
     }
 }
-
-// The web process
 
 void WebKitGTKEngine::webProcessTerminated(WebKitWebView* /*view*/,
                                            WebKitWebProcessTerminationReason /*reason*/) {

@@ -88,7 +88,7 @@ private:
 
     GObjectPtr<WebKitWebView> view_;
     Navigation navigation_;
-    /// Reported at WEBKIT_LOAD_FINISHED, which follows every failure.
+    /// The failure to report at WEBKIT_LOAD_FINISHED, which follows every failed load.
     std::optional<Failure> failure_;
     WebProcessSlot slot_;
     SwipeGestures gestures_;

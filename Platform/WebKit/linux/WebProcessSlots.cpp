@@ -79,9 +79,8 @@ WebProcessSlot::~WebProcessSlot() {
 
 void WebProcessSlot::request(std::function<void()> granted) {
     granted_ = std::move(granted);
-    // When many tabs are opened at once, each tab is visible until the next tab is opened. Therefore, apply
-    // the rules for hidden views here, and give priority to visible views only in the next iteration of the
-    // main loop.
+    // When many tabs are opened at once, each is visible until the next one is opened. Therefore, apply the
+    // rules for hidden views here, and prefer visible views only in the next iteration of the main loop.
     if (process_ || (slots_->nextWaiting() == this && slots_->canStart(false))) {
         grant();
     } else {

@@ -11,8 +11,7 @@ namespace Platform {
 
 class WebProcessSlot;
 
-/// Limits the number of web processes, and the number of web processes that start at the same time. Main
-/// thread only.
+/// Limits the number of web processes, and the number that start at the same time. Main thread only.
 ///
 /// WebKitGTK blocks the main loop while it starts a process, and processes that start at the same time slow
 /// each other down. A hidden view waits until no process is starting and the number of processes is below the
@@ -25,9 +24,8 @@ public:
         : limit_(limit)
         , startTimeout_(startTimeout) {}
 
-    /// The instance used by the program. Each web process is a client of the X server, which accepts 256
-    /// clients by default. If the X server refuses a client, WebKitGTK 2.50.6 exits the program (not
-    /// reported).
+    /// The program's instance. Each web process is a client of the X server, which accepts 256 by default.
+    /// WebKitGTK 2.50.6 exits the program if the X server refuses a client (not reported).
     static const std::shared_ptr<WebProcessSlots>& shared();
 
 private:
@@ -68,7 +66,7 @@ public:
     void share(const WebProcessSlot& other) { process_ = other.process_; }
     void release();
 
-    /// The process has responded.
+    /// Called when the process has responded.
     void processStarted();
     /// Called after WebKitGTK has moved the page to a new process.
     void processReplaced();

@@ -52,7 +52,7 @@ private:
     NSInputStream* stream_;
 };
 
-/// Returns null for nil.
+/// Returns null if `stream` is nil.
 std::shared_ptr<InputStream> fromNSInputStream(NSInputStream* stream) {
     return stream == nil ? nullptr : std::make_shared<NativeInputStream>(stream);
 }

@@ -24,7 +24,7 @@ std::string stringify(id value) {
     return text.isString ? fromNSString([text toString]) : "";
 }
 
-/// Must not throw, because WebKit calls it.
+/// Must not throw, because an exception would propagate into WebKit.
 void deliver(const std::weak_ptr<ScriptMessageHandler>& receiver, WKScriptMessage* message) noexcept {
     if (const auto handler = receiver.lock()) {
         handler->didReceiveScriptMessage(

@@ -12,10 +12,8 @@
 
 namespace Platform {
 
-/// Engine implementation that drives a `WKWebView`.
-///
-/// Functions that WebKit calls are noexcept, because an exception must not propagate through WebKit's stack
-/// frames.
+/// Engine implementation that drives a `WKWebView`. Functions that WebKit calls are noexcept, because an
+/// exception must not propagate through WebKit's stack frames.
 class WKWebViewEngine final : public WebViewEngine {
 public:
     explicit WKWebViewEngine(WebViewConfiguration& configuration);
@@ -29,7 +27,7 @@ public:
     void performEditing(Action action) override;
     void setNavigationDelegate(const std::weak_ptr<NavigationDelegate>& delegate) override;
 
-    // Called by the delegate.
+    // Called by `KeyloftWebViewDelegate`.
 
     using WebViewEngine::asksForPolicy;
     void propertyChanged(Property property) noexcept;

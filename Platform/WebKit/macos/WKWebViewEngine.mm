@@ -101,8 +101,6 @@ void WKWebViewEngine::propertyChanged(Property property) noexcept {
     }
 }
 
-// Navigation
-
 void WKWebViewEngine::startLoad(const URLRequest& request) {
     NSURLRequest* const native = toNSURLRequest(request);
     if (native == nil) {
@@ -180,8 +178,6 @@ void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
     report(fromNSError(error), hasCommitted);
 }
 
-// Questions
-
 void WKWebViewEngine::decidePolicyFor(WKNavigationAction* action,
                                       const std::shared_ptr<PolicyReply>& reply) noexcept {
     const auto ours = fromWKNavigationAction(action);
@@ -232,8 +228,7 @@ void WKWebViewEngine::setAllowsBackForwardNavigationGestures(bool allows) {
 }
 
 void WKWebViewEngine::performEditing(Action action) {
-    // Search the responder chain, because undo and redo are actions of the window, which uses the undo
-    // manager of the page.
+    // Search the responder chain: the window performs undo and redo, with the undo manager of the page.
     [view_ tryToPerform:selectorFor(action) with:nil];
 }
 

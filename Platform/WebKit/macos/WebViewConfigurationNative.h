@@ -11,13 +11,11 @@ struct WebViewConfiguration::Native {
         : configuration(made) {}
 
     WKWebViewConfiguration* __strong _Nonnull const configuration;
-    /// True if WebKit supplied the configuration for a new window opened by a page. The window shares the
-    /// data store of its opener.
+    /// True if WebKit supplied the configuration for a new window, which shares the data store of its opener.
     bool isForNewWindow = false;
 };
 
-/// Wraps the configuration that WebKit supplies for a new window. `opener` is the configuration of the view
-/// whose page opens the window.
+/// Wraps the configuration that WebKit supplies for a new window. `opener` is the opener's configuration.
 std::shared_ptr<WebViewConfiguration> newWindowConfiguration(WKWebViewConfiguration* _Nonnull supplied,
                                                              const WebViewConfiguration& opener);
 

@@ -11,8 +11,7 @@ namespace Platform {
 
 class WKWebViewEngine;
 
-/// The key path of an observable property. The address of an `ObservedKey` is the context of its key-value
-/// observation.
+/// The key path of a property. The address of an `ObservedKey` is the context of its key-value observation.
 struct ObservedKey {
     NSString* __unsafe_unretained _Nonnull keyPath;
     WebView::Property property;

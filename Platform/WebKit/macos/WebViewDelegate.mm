@@ -26,9 +26,7 @@ using Platform::NavigationActionPolicy;
 using Platform::WKWebViewEngine;
 
 @implementation KeyloftWebViewDelegate
-
-/// WKWebView uses its default policy only if the delegate does not respond to the selector for policy
-/// decisions.
+/// WKWebView uses its default policy only if the delegate does not implement policy decisions.
 - (BOOL)respondsToSelector:(SEL)selector {
     if (selector != @selector(webView:decidePolicyForNavigationAction:decisionHandler:)) {
         return [super respondsToSelector:selector];
@@ -56,7 +54,7 @@ using Platform::WKWebViewEngine;
     }
 }
 
-// WKNavigationDelegate
+// Methods of WKNavigationDelegate.
 
 - (void)webView:(WKWebView*)webView
     decidePolicyForNavigationAction:(WKNavigationAction*)navigationAction
@@ -104,7 +102,7 @@ using Platform::WKWebViewEngine;
     }
 }
 
-// WKUIDelegate
+// Methods of WKUIDelegate.
 
 - (WKWebView*)webView:(WKWebView*)webView
     createWebViewWithConfiguration:(WKWebViewConfiguration*)configuration
@@ -141,5 +139,4 @@ using Platform::WKWebViewEngine;
         asked->runConfirmPanelFor(message, frame, reply);
     }
 }
-
 @end
