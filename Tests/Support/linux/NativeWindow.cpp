@@ -61,7 +61,7 @@ Platform::Rect boundsIn(GtkWidget* widget, GtkWidget* outer) {
 }
 
 /// Calls `found` for each descendant of `widget`, parents before children. Skips the descendants of a widget
-/// for which it returns false.
+/// for which `found` returns false.
 void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child != nullptr;
          child = gtk_widget_get_next_sibling(child)) {
