@@ -333,8 +333,8 @@ private:
         setVariable("DBUS_SESSION_BUS_ADDRESS", bus_->readLine(address.readEnd.get()));
     }
 
-    // Members are destroyed in reverse order. The directory is removed after the processes that use it have
-    // exited.
+    // Members are destroyed in reverse order, so the directory is removed after the processes that use it
+    // have exited.
     TemporaryDirectory directory_;
     std::optional<Child> display_;
     std::optional<Child> bus_;

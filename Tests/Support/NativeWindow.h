@@ -42,7 +42,7 @@ bool isShown(Platform::View& view);
 /// The minimum size of the window's content.
 Platform::Size leastContentSize(Platform::Window& window);
 
-/// Deletes the saved window frames, so that the next window opens as at the first launch.
+/// Deletes the saved window frames, so that the next window opens as on the first launch.
 void forgetWindowFrames();
 
 /// The title of the native window that contains this window.
@@ -127,7 +127,7 @@ struct ShownMenu {
     double width = 0;
     /// The full labels of the items, without their key equivalents.
     std::vector<std::string> titles;
-    /// For each item, true if its label is drawn truncated.
+    /// True for each item whose label is displayed truncated.
     std::vector<bool> isCut;
 };
 
@@ -169,9 +169,9 @@ std::string selectedText(Platform::TextField& field);
 std::string shownText(Platform::TextField& field);
 
 struct ShownSheet {
-    /// The heading comes first.
+    /// The texts that the sheet displays. The heading is the first.
     std::vector<std::string> texts;
-    /// The default button comes first.
+    /// The titles of the buttons. The default button is the first.
     std::vector<std::string> buttons;
 
     friend bool operator==(const ShownSheet&, const ShownSheet&) = default;

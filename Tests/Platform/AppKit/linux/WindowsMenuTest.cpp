@@ -126,7 +126,7 @@ TEST_F(WindowsMenuTest, listsEveryTabAndMarksTheMainOne) {
     show(a->window());
     openMenu(*a);
     EXPECT_EQ(listOf(*a), (std::vector<Listed>{{"a", true}, {"b_1"}, {"c"}}));
-    // The `Menu` object itself does not change, and other menus list no windows.
+    // The list of windows is not added to the `Menu` object, and is not shown in other menus.
     EXPECT_EQ(windowsMenu->items().size(), 1U);
     closeMenu(*a);
     openMenu(*a, file);
