@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the inputs of recorded answers as files of a fuzzing corpus.
+"""Writes the inputs of test vectors to the files of a fuzzing corpus.
 
 usage: make_corpus.py [--frames] DIRECTORY VECTORS.jsonl…
 """
@@ -10,7 +10,7 @@ import pathlib
 import struct
 import sys
 
-# Where "in" is the base64 of bytes rather than text.
+# Vector files in which "in" is binary data, encoded in base64.
 BINARY = {"bookmarks-decode", "json"}
 
 
@@ -35,7 +35,7 @@ def seeds(path):
             if path.stem == "target":
                 yield from json_of_fragment(value)
         else:
-            # What was encoded is the more telling input for a decoder.
+            # These vectors test an encoder, but the seed is for a decoder: write the encoded output.
             yield row["out"].encode("utf-8")
 
 

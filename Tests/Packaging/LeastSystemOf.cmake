@@ -1,4 +1,4 @@
-# LeastSystemTest.cmake runs this in another process, because it expects the call to fail.
+# LeastSystemTest.cmake runs this script in a separate process, because it expects the call to fail.
 cmake_minimum_required(VERSION 3.25)
 include(KeyloftLeastSystem)
 keyloft_least_system(least 13.0 "${LIBRARY}")

@@ -14,7 +14,8 @@ file(CHMOD "${scratch}/otool" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 set(KEYLOFT_OTOOL "${scratch}/otool")
 set(failures)
 
-# expect(LEAST FLOOR LISTING…): expects LEAST for FLOOR and libraries with these listings.
+# expect(LEAST FLOOR LISTING…) expects that keyloft_least_system returns LEAST for FLOOR and libraries with these
+# listings.
 function(expect expected floor)
   set(libraries)
   foreach(listing IN LISTS ARGN)
@@ -29,7 +30,8 @@ function(expect expected floor)
   endif()
 endfunction()
 
-# object(OUTPUT COMMAND VERSION-LINES) sets OUTPUT to the listing of an object with this load command among others.
+# object(OUTPUT COMMAND VERSION-LINES) sets OUTPUT to the listing of an object file that has the load command COMMAND
+# with the lines VERSION-LINES, and other load commands.
 function(object output command versions)
   set(${output} "library.a(object.o):
 Load command 0
@@ -74,17 +76,17 @@ expect(14.0 13.0 "${for14}")
 expect(15.0 13.0 "${for15}")
 expect(13.4 13.0 "${for13_4}")
 expect(14.2 13.0 "${for14_2}")
-# Versions are compared by number, not as text.
+# Versions are compared as numbers, not as strings.
 expect(13.0 13.0 "${for10_15}")
 expect(13.0 9.0 "${for13}")
-# The greatest version counts, regardless of its position.
+# The result is the greatest version, regardless of its position.
 expect(15.0 13.0 "${for14}${for15}${for13}")
 expect(15.0 13.0 "${for13}${data}" "${for15}${data}" "${for14}")
 expect(14.0 13.0 "${for14}" "${data}")
-# The floor is never lowered.
+# The result is never less than the floor.
 expect(16.0 16.0 "${for14}")
 
-# Libraries without any version are an error.
+# It is an error if no object in the libraries has a version.
 foreach(listing "${data}" "")
   file(WRITE "${scratch}/data.a" "${listing}")
   execute_process(COMMAND "${CMAKE_COMMAND}" -D "KEYLOFT_OTOOL=${scratch}/otool" -D "CMAKE_MODULE_PATH=${SOURCE}/cmake"

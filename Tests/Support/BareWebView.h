@@ -5,9 +5,8 @@
 
 namespace TestSupport {
 
-/// A native web view in a native window, without any class of Platform. It is the baseline against which the
-/// program is measured. It has its own ephemeral data store. The destructor closes the window. Main thread
-/// only.
+/// A native web view in a native window, created without the classes of Platform. Benchmarks use it as a
+/// baseline. It has its own ephemeral data store. The destructor closes the window. Main thread only.
 class BareWebView {
 public:
     /// Shows a window with a content area of the given size, in points.

@@ -74,8 +74,8 @@ bool waitForAny(std::array<pollfd, count>& descriptors) {
     }
 }
 
-/// Identifies the process that created an object. If a process that a test forked exits normally, it destroys
-/// its copies of its parent's objects. It must not release the resources of the originals.
+/// Identifies the process that created an object. A process that a test has forked destroys its copies of the
+/// parent's objects when it exits normally, but must not release the parent's resources.
 class Maker {
 public:
     [[nodiscard]] bool isThisProcess() const { return ::getpid() == process_; }
@@ -107,7 +107,7 @@ public:
             fail("fork");
         }
         if (process_ == 0) {
-            // If the parent exited before this call, the kernel will not send the signal.
+            // The kernel does not send the signal if the parent exited before prctl() was called.
             if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || ::getppid() != parent) {
                 ::_exit(126);
             }
@@ -199,7 +199,7 @@ public:
         if (!maker_.isThisProcess()) {
             return;
         }
-        // Processes that the tests launched may still write files while they terminate.
+        // Retry, because processes that the tests launched may still write files while they terminate.
         std::error_code error;
         for (int attempt = 0; attempt < 10; ++attempt) {
             std::filesystem::remove_all(path_, error);
@@ -333,8 +333,8 @@ private:
         setVariable("DBUS_SESSION_BUS_ADDRESS", bus_->readLine(address.readEnd.get()));
     }
 
-    // Members are destroyed in reverse order. The directory is removed after the processes that use it have
-    // exited.
+    // Members are destroyed in reverse order, so the directory is removed after the processes that use it
+    // have exited.
     TemporaryDirectory directory_;
     std::optional<Child> display_;
     std::optional<Child> bus_;

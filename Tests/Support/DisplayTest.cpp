@@ -115,7 +115,7 @@ TEST(DisplayTestMain, theSessionOutlivesAForkedProcessThatExits) {
     EXPECT_TRUE(std::filesystem::exists(variable("HOME")));
 }
 
-// The test below runs this test in a separate process.
+// The test `helpersEndWithAKilledTestProgram` runs this test in a separate process.
 TEST(DisplayTestMain, DISABLED_isKilled) {
     TestSupport::startWindowManager();
     std::ofstream report(variable("KEYLOFT_KILLED_TEST_REPORT"));

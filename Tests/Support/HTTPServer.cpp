@@ -178,7 +178,7 @@ private:
         std::string received;
         /// The path of the request. Set when the request has been received completely.
         std::optional<std::string> path;
-        /// The response that `release` sends.
+        /// The serialized response that `release` sends. Empty if no response is held.
         std::string heldAnswer;
         bool isDone = false;
     };

@@ -47,7 +47,7 @@ struct HTTPResponse {
 
     /// Creates an HTML page that the browser must not cache, so that it requests the page each time.
     static HTTPResponse html(const std::string& body);
-    /// Like `html`, for a page with this title.
+    /// Like `html`, but creates a page with this title.
     static HTTPResponse page(const std::string& title);
     static HTTPResponse redirect(const std::string& location, int status = 302);
 

@@ -19,7 +19,7 @@
 /// does not become true in time. Main thread only.
 namespace TestSupport {
 
-/// Waits until all previous changes have been laid out and drawn.
+/// Waits until all previous changes to the window have been laid out and drawn.
 void waitForLayout(Platform::Window& window);
 
 /// Frame of the window's content, which is below the menu bar and the tab strip, in the native window's
@@ -39,13 +39,13 @@ bool isShown(Platform::View& view);
 /// window. Returns false if the content gets a different size.
 [[nodiscard]] bool resizeContent(Platform::Window& window, Platform::Size size);
 
-/// The minimum size of the content.
+/// The minimum size of the window's content.
 Platform::Size leastContentSize(Platform::Window& window);
 
-/// Deletes the saved window frames, so that the next window opens as at the first launch.
+/// Deletes the saved window frames, so that the next window opens as on the first launch.
 void forgetWindowFrames();
 
-/// The title of the native window.
+/// The title of the native window that contains this window.
 std::string nativeTitle(Platform::Window& window);
 
 bool shareNativeWindow(Platform::Window& one, Platform::Window& other);
@@ -73,7 +73,8 @@ bool isActive(Platform::Window& window);
 /// none.
 std::string activeTitle();
 
-/// Gives the window the keyboard focus, and waits until it has it. Starts a window manager if necessary.
+/// Gives the native window the keyboard focus, and waits until the window is active. Starts a window manager
+/// if necessary.
 void activate(Platform::Window& window);
 
 /// A native window that is not one of the application's windows. It takes the keyboard focus.
@@ -97,7 +98,7 @@ void pressKey(const std::string& key);
 void typeText(const std::string& text);
 void click(Platform::View& view);
 
-/// A point on the screen.
+/// A point on the screen, in pixels from the top left corner.
 struct ScreenPoint {
     int x = 0;
     int y = 0;
@@ -118,18 +119,19 @@ enum class PointerButton { primary = 1, middle = 2 };
 
 /// Moves the pointer to `point` and clicks.
 void clickAt(ScreenPoint point, PointerButton button = PointerButton::primary);
-/// Drags from one point to another, with pauses and steps like those of a user.
+/// Drags from one point to another. Moves the pointer in small steps, and pauses before the drop, as a user
+/// does.
 void drag(ScreenPoint from, ScreenPoint to);
 
 struct ShownMenu {
     double width = 0;
     /// The full labels of the items, without their key equivalents.
     std::vector<std::string> titles;
-    /// For each item, true if its label is drawn truncated.
+    /// True for each item whose label is displayed truncated.
     std::vector<bool> isCut;
 };
 
-/// Opens a menu in the menu bar, closes it again, and returns what it showed.
+/// Opens a menu in the menu bar, closes it again, and returns the items that the menu displayed.
 ShownMenu openedMenu(Platform::Window& window, const std::string& title);
 
 /// The titles in the menu bar, from left to right.
@@ -163,13 +165,13 @@ bool showsFocus(Platform::View& view);
 /// Hides the focus ring, as GTK does when the keyboard has not been used for a while.
 void hideFocus(Platform::Window& window);
 std::string selectedText(Platform::TextField& field);
-/// The text that is shown in the field.
+/// The string that the native text field displays.
 std::string shownText(Platform::TextField& field);
 
 struct ShownSheet {
-    /// The heading comes first.
+    /// The texts that the sheet displays. The heading is the first.
     std::vector<std::string> texts;
-    /// The default button comes first.
+    /// The titles of the buttons. The default button is the first.
     std::vector<std::string> buttons;
 
     friend bool operator==(const ShownSheet&, const ShownSheet&) = default;

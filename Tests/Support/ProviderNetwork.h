@@ -21,7 +21,8 @@ public:
 
     /// A file with a private key and a trusted certificate for the hosts of the network.
     std::filesystem::path identity() const { return directory_ / "identity.pem"; }
-    /// A file with a private key and a certificate for the same hosts, issued by an untrusted authority.
+    /// A file with a private key and a certificate for the hosts of the network, issued by an untrusted
+    /// authority.
     std::filesystem::path strangersIdentity() const { return directory_ / "strangers-identity.pem"; }
     /// A file with a private key and a trusted certificate for a different host.
     std::filesystem::path otherHostsIdentity() const { return directory_ / "other-hosts-identity.pem"; }

@@ -5,12 +5,13 @@
 
 namespace TestSupport {
 
-/// A TLS proxy on port 443 of the loopback interface, for a server without encryption. It runs on its own
-/// thread. In a private network, unprivileged processes may listen on this port.
+/// A proxy that accepts TLS connections on port 443 of the loopback interface for a server that does not
+/// support TLS. It runs on its own thread. In a private network, unprivileged processes may listen on this
+/// port.
 class TLSServer {
 public:
     enum class Manner {
-        /// Forwards all data between the client and the server without encryption.
+        /// Forwards all data in both directions.
         forwards,
         /// Resets each connection as soon as the client sends data.
         resets,

@@ -10,10 +10,11 @@ set(CMAKE_OBJCXX_COMPILER /usr/bin/clang++-19)
 set(CMAKE_CXX_COMPILER_TARGET arm64-apple-macos13.0)
 set(CMAKE_OBJCXX_COMPILER_TARGET arm64-apple-macos13.0)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
-set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST) # no test program can run here to list its tests
+set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST) # test programs cannot run here to list their tests
 set(CMAKE_INSTALL_NAME_TOOL ":")
 
-# Headers of portable libraries, in a separate folder that excludes the headers of the C library.
+# Link the headers of portable libraries into a separate folder, because their usual folder also contains the headers of
+# the Linux C library.
 set(libraries "${CMAKE_BINARY_DIR}/libraries")
 file(MAKE_DIRECTORY "${libraries}")
 foreach(library unicode nlohmann benchmark gtest gmock)
@@ -29,7 +30,8 @@ list(PREPEND CMAKE_MODULE_PATH "${CMAKE_CURRENT_LIST_DIR}/packages")
 
 list(PREPEND CMAKE_PROGRAM_PATH "${CMAKE_CURRENT_LIST_DIR}/tools")
 
-# No archiver here supports Apple's object format. An archive is a list of its objects, all of which the link includes.
+# The available archivers do not support Apple's object format. Write a list of object files instead of an archive.
+# Tests/macos/link includes every object in the list.
 foreach(language CXX OBJCXX)
   set(CMAKE_${language}_ARCHIVE_CREATE "echo <OBJECTS> > <TARGET>")
   set(CMAKE_${language}_ARCHIVE_FINISH "")

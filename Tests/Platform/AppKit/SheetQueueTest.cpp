@@ -11,7 +11,8 @@ namespace {
 
 using Log = std::vector<std::string>;
 
-/// Acts as the queue's presenter, and logs the calls to the presenter and to the completion handlers.
+/// Fixture that acts as the presenter of a `SheetQueue`. Logs the calls to the presenter and to the
+/// completion handlers.
 class SheetQueueTest : public ::testing::Test, public SheetPresenter {
 public:
     bool showSheet(const Alert& alert) override {

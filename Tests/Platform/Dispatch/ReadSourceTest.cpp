@@ -280,7 +280,7 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
         sources.back()->setCancelHandler([&] { cancelled.signal(); });
         sources.back()->resume();
     }
-    // Fire sources from the whole list, one at a time and each several times.
+    // Fire a few sources from all parts of the list, one at a time, while the others are idle.
     std::size_t expected = 0;
     for (int turn = 0; turn < 5; ++turn) {
         for (std::size_t index = 0; index < count; index += 7) {

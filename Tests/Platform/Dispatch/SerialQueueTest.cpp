@@ -67,7 +67,8 @@ TEST(SerialQueue, workHandedOverByWorkComesAfterWhatWaits) {
         });
         queue.async([&] { order.push_back(2); });
     });
-    // The last work item is enqueued by another work item, so only the second call is certain to wait for it.
+    // Item 3 may be enqueued after the work of the first `sync` call, so only the second call is certain to
+    // wait for item 3.
     queue.sync([] {});
     queue.sync([] {});
     EXPECT_EQ(order, (std::vector{1, 2, 3}));

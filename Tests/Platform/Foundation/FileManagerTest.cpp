@@ -428,7 +428,7 @@ TEST(FileManager, aReadOnlyDiskLeavesTheOldFileAndNothingElse) {
 }
 
 TEST(FileManager, aFileSizeLimitLeavesTheOldFileAndNothingElse) {
-    // The write that crosses the limit is a short write. The next write fails.
+    // The write() call that exceeds the file size limit writes only a part of the data. The next call fails.
     const TemporaryDirectory directory;
     writeContents(directory / "file", "old");
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {

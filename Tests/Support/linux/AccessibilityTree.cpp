@@ -116,7 +116,7 @@ std::uint64_t statesOf(Bus& bus, const std::string& owner, const std::string& pa
     return states;
 }
 
-/// Calls `found` with the bus name and the object path of each child.
+/// Calls `found` with the bus name and the object path of each child of the accessible object at `path`.
 template <typename Found>
 void forEachChild(Bus& bus, const std::string& owner, const std::string& path, const Found& found) {
     const auto answer = bus.call(owner, path, accessibleInterface, "GetChildren");

@@ -12,7 +12,7 @@ std::atomic<std::time_t> ahead = 0;
 
 } // namespace
 
-// Overrides the function of the C library for the whole process, including GTK and GLib.
+// Overrides the C library's clock_gettime() for the whole process, including GTK and GLib.
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
     const auto result = static_cast<int>(syscall(SYS_clock_gettime, clock, time));
     if (result == 0 && clock == CLOCK_MONOTONIC) {

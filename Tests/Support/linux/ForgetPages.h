@@ -8,7 +8,7 @@
 
 namespace TestSupport {
 
-/// Like `forgetPages()`, and also clears the data stores of `sessions`.
+/// Like `forgetPages()`, but also clears the data stores of `sessions`.
 [[nodiscard]] bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> sessions);
 
 } // namespace TestSupport

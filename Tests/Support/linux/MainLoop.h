@@ -14,7 +14,7 @@ template <typename Condition>
 [[nodiscard]] bool runUntil(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
     constexpr guint pollInterval = 5;
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    // Use the lowest priority, so that a slow condition does not starve idle sources.
+    // Poll with the lowest priority, so that a slow condition does not starve idle sources.
     const guint poll = g_timeout_add_full(
         G_PRIORITY_LOW + 1, pollInterval, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr,
         nullptr);

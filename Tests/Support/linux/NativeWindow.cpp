@@ -61,7 +61,7 @@ Platform::Rect boundsIn(GtkWidget* widget, GtkWidget* outer) {
 }
 
 /// Calls `found` for each descendant of `widget`, parents before children. Skips the descendants of a widget
-/// for which it returns false.
+/// for which `found` returns false.
 void walk(GtkWidget* widget, const std::function<bool(GtkWidget*)>& found) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child != nullptr;
          child = gtk_widget_get_next_sibling(child)) {
@@ -260,7 +260,8 @@ bool resizeContent(Platform::Window& window, Platform::Size size) {
             if (content.width == got.width && content.height == got.height) {
                 return true;
             }
-            // The widgets above the content may still change their height.
+            // Compute the size in each iteration, because the widgets above the content may change their
+            // height.
             const Platform::Size wanted{.width = whole.width - content.width + size.width,
                                         .height = whole.height - content.height + size.height};
             if (asked != wanted) {
@@ -351,7 +352,7 @@ bool frameHintsAllowMinimizing(Platform::Window& window) {
     if (count < 3 || format != 32) {
         return true;
     }
-    // The first three words of the hints are flags, functions and decorations.
+    // The first three words of _MOTIF_WM_HINTS are flags, functions and decorations.
     const auto* hints = reinterpret_cast<const unsigned long*>(data);
     const bool function = (hints[0] & 1) == 0 || (hints[1] & (all | minimize)) != 0;
     const bool button = (hints[0] & 2) == 0 || (hints[2] & (all | minimizeButton)) != 0;

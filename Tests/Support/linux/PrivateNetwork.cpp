@@ -59,8 +59,8 @@ void openAllPorts() {
 }
 
 /// Hides the sockets of X servers outside the private network. An X server looks only in its network
-/// namespace for servers with the same display number. If there are none, it takes over the socket in this
-/// directory, which may belong to a server outside.
+/// namespace for servers with the same display number. If it finds none, it takes over the socket in
+/// /tmp/.X11-unix, which may belong to a server outside.
 void hideDisplays() {
     const char* sockets = "/tmp/.X11-unix";
     ::mkdir(sockets, 01777);

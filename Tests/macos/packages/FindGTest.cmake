@@ -1,4 +1,4 @@
-# The toolchain file provides the headers. The link does not need the library.
+# The toolchain file provides the headers. Tests/macos/link leaves the symbols of the library undefined.
 add_library(GTest::gtest INTERFACE IMPORTED)
 add_library(GTest::gtest_main INTERFACE IMPORTED)
 add_library(GTest::gmock INTERFACE IMPORTED)

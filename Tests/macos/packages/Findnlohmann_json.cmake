@@ -1,2 +1,2 @@
-# The toolchain file provides the headers. The link does not need the library.
+# The toolchain file provides the headers. The library consists only of headers.
 add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED)

@@ -71,7 +71,7 @@ protected:
         : WindowController("RecordingController") {}
 };
 
-/// Fixture for tests that open windows on the tests' own display. Closes all windows after each test.
+/// Fixture for tests that open windows on the private display. Closes all windows after each test.
 class AppKitTest : public testing::Test {
 public:
     AppKitTest(const AppKitTest&) = delete;

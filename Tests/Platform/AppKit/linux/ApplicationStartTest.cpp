@@ -215,8 +215,8 @@ TEST_F(ApplicationStartTest, whenTheFirstDiesWhileItIsAskedTheSecondTakesItsPlac
 TEST_F(ApplicationStartTest, aServiceStartsWithWhatTheBusAsksFor) {
     const auto service = start({"--gapplication-service"});
     expectLines(*service, {willFinish});
-    // GVfs may rewrite URLs with other schemes, so pass only HTTP URLs. They must be valid UTF-8, which
-    // GLib's parser for D-Bus call arguments requires.
+    // GVfs may rewrite URLs with other schemes, so pass only HTTP URLs. GLib's parser for D-Bus call
+    // arguments requires that the URLs are valid UTF-8.
     auto urls = exactURLs();
     std::erase_if(urls, [](const auto& url) { return !url.argument.starts_with("http"); });
     ASSERT_TRUE(TestSupport::activate(argumentsOf(urls)));

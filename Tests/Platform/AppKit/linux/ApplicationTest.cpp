@@ -11,7 +11,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Tests with several top-level windows, under a window manager.
+/// Fixture for tests that open several top-level windows under a window manager.
 class ApplicationTest : public AppKitTest {
 protected:
     ApplicationTest() { TestSupport::startWindowManager(); }
@@ -67,7 +67,7 @@ TEST_F(ApplicationTest, hideMinimisesEveryWindowAndShowAllBringsThemBack) {
     EXPECT_TRUE(runUntil([&] { return isMinimized(*a) && isMinimized(*b); }));
     perform(StandardAction::unhideAllApplications);
     EXPECT_TRUE(runUntil([&] { return !isMinimized(*a) && !isMinimized(*b); }));
-    // The window that was in front is in front again.
+    // The window that was in front before `hide` is in front again.
     EXPECT_TRUE(runUntil([&] { return isActive(*b); }));
     EXPECT_EQ(Application::shared().mainWindow(), b->window());
 }
@@ -130,7 +130,7 @@ TEST_F(ApplicationTest, theAboutPanelNamesProgramVersionAndLicence) {
     EXPECT_EQ(gtk_about_dialog_get_license_type(panel), GTK_LICENSE_MIT_X11);
     EXPECT_STREQ(gtk_about_dialog_get_copyright(panel), "Copyright of the tests");
     EXPECT_TRUE(runUntil([&] { return gtk_window_is_active(GTK_WINDOW(panel)) == TRUE; }));
-    // Menus and new tabs still apply to the main window, which the panel does not block.
+    // The panel is neither modal nor the main window, so menus and new tabs still apply to the main window.
     EXPECT_EQ(Application::shared().mainWindow(), window->window());
     EXPECT_FALSE(gtk_window_get_modal(GTK_WINDOW(panel)));
 }

@@ -11,7 +11,8 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Tests windows that have a frame autosave name, under a window manager on a screen of 1600 by 1200 pixels.
+/// Fixture for tests of windows that have a frame autosave name. The tests run under a window manager, on a
+/// screen of 1600 by 1200 pixels.
 class FrameAutosaveTest : public AppKitTest {
 protected:
     static constexpr const char* name = "Kept Window";

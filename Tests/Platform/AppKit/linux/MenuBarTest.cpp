@@ -53,7 +53,7 @@ protected:
         return nullptr;
     }
 
-    /// Returns the menu item with the title among the descendants of `widget`, or null.
+    /// Returns the descendant of `widget` that shows the menu item with this title, or null.
     static GtkWidget* itemIn(GtkWidget* widget, const std::string& title) {
         if (GTK_IS_LABEL(widget) && gtk_label_get_text(GTK_LABEL(widget)) == title) {
             return gtk_widget_get_parent(widget);

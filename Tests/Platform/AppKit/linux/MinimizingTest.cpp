@@ -10,7 +10,8 @@ namespace Platform::Tests {
 
 namespace {
 
-/// Tests a top-level window with a header bar. GTK adds such a header bar if no window manager draws a frame.
+/// Fixture for tests of a top-level window with a header bar. GTK adds a header bar to a window if no window
+/// manager draws a frame.
 class MinimizingTest : public AppKitTest {
 public:
     MinimizingTest(const MinimizingTest&) = delete;

@@ -117,7 +117,7 @@ TEST_F(SavedFramesTest, aFileThatMakesNoSenseIsNone) {
         writeFile(text);
         EXPECT_EQ(nextRun().frame(name), std::nullopt) << text.substr(0, 60);
     }
-    // The next save replaces the file.
+    // Saving a frame replaces the invalid file.
     SavedFrames(directory.path().string()).setFrame(name, frame);
     EXPECT_EQ(nextRun().frame(name), frame);
 }

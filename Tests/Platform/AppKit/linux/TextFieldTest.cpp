@@ -178,7 +178,7 @@ TEST_F(TextFieldTest, aPasteOfNothingButLineBreaksIsNoEdit) {
     EXPECT_EQ(field->stringValue(), "x");
 }
 
-// GTK inserts dropped text and text from an input method this way.
+// GTK inserts dropped text and text from an input method with `gtk_editable_insert_text`.
 TEST_F(TextFieldTest, lineBreaksAreDroppedFromTextThatGTKInserts) {
     typeInto(field, "one\ntwo");
     EXPECT_EQ(field->stringValue(), "onetwo");
@@ -261,7 +261,7 @@ TEST_F(TextFieldTest, escapeEmptiesASearchField) {
     EXPECT_STREQ(gtk_editable_get_text(GTK_EDITABLE(widgetOf(search))), "");
     EXPECT_FALSE(search->isEditing());
     EXPECT_TRUE(target->performed.empty());
-    // The field keeps the focus.
+    // Escape does not move the focus away from the search field.
     pressKey("c");
     EXPECT_TRUE(runUntil([&] { return search->stringValue() == "c"; }));
 }

@@ -12,7 +12,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Tests with a menu bar whose second menu is the application's windows menu.
+/// Fixture for tests of the windows menu, which is the second menu in the menu bar.
 class WindowsMenuTest : public AppKitTest {
 protected:
     static constexpr int file = 0;
@@ -77,7 +77,7 @@ protected:
         return items;
     }
 
-    /// Returns the windows that the menu lists after its own item.
+    /// Returns the list of windows in the windows menu, which follows the menu's "New Tab" item.
     static std::vector<Listed> listOf(const RecordingController& controller) {
         std::vector<Listed> list;
         for (GtkWidget* item : itemsOf(controller)) {
@@ -126,7 +126,7 @@ TEST_F(WindowsMenuTest, listsEveryTabAndMarksTheMainOne) {
     show(a->window());
     openMenu(*a);
     EXPECT_EQ(listOf(*a), (std::vector<Listed>{{"a", true}, {"b_1"}, {"c"}}));
-    // The `Menu` object itself does not change, and other menus list no windows.
+    // The list of windows is not added to the `Menu` object, and is not shown in other menus.
     EXPECT_EQ(windowsMenu->items().size(), 1U);
     closeMenu(*a);
     openMenu(*a, file);
@@ -238,7 +238,7 @@ TEST_F(WindowsMenuTest, theFocusComesBackFromTheMenus) {
     gtk_popover_popdown(popover(*a, file));
     openMenu(*a);
     runPending();
-    // The first item of the second menu keeps the focus.
+    // Although the File menu has closed, the focus stays on the first item of the windows menu.
     EXPECT_EQ(gtk_window_get_focus(toplevel), itemsOf(*a).front());
     closeMenu(*a);
     EXPECT_TRUE(runUntil(isBack));

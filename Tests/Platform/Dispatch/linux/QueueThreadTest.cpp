@@ -39,7 +39,7 @@ pid_t threadOf(SerialQueue& queue) {
     return thread;
 }
 
-/// Waits until the kernel reports that the thread of this process is sleeping.
+/// Waits until the kernel reports that a thread of this process is sleeping. Returns false on a timeout.
 [[nodiscard]] bool fallsAsleep(pid_t thread) {
     return eventually([&] {
         std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");

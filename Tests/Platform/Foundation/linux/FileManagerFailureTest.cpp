@@ -37,7 +37,7 @@ NextFailure nextOpen;
 
 } // namespace
 
-// With --wrap, the linker redirects the library's calls to the `__wrap_` functions.
+// With --wrap, the linker redirects calls of a C library function, such as `close`, to `__wrap_close`.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 int __real_fsync(int descriptor);

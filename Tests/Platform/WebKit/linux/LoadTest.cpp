@@ -44,7 +44,7 @@ double secondsSince(std::chrono::steady_clock::time_point begin) {
 
 } // namespace
 
-// Time-outs
+// Tests of loads that time out.
 
 TEST_F(WebViewLoad, failsWhenTheServerDoesNotAnswerInTime) {
     const auto view = makeView();
@@ -161,7 +161,7 @@ TEST_F(WebViewLoad, timesOutAlthoughTheWebProcessHangs) {
     }
 }
 
-// Replacing and stopping
+// Tests of loads that are replaced or stopped.
 
 TEST_F(WebViewLoad, aSecondLoadCancelsTheFirst) {
     const auto view = makeView();
@@ -252,7 +252,7 @@ TEST_F(WebViewLoad, stopRightBehindReloadStopsIt) {
     EXPECT_TRUE(waitForTitle(*view, "/page"));
 }
 
-// Failures
+// Tests of loads that fail.
 
 TEST_F(WebViewLoad, failsWhenThereIsNoSuchHost) {
     const auto view = makeView();
@@ -424,7 +424,7 @@ TEST_F(WebViewLoad, askedForAPasswordItShowsThePageForThatCase) {
     EXPECT_TRUE(navigation->failures.empty());
 }
 
-// Delegates
+// Tests of the lifetime of delegates, and of what a delegate may do when a load fails.
 
 TEST_F(WebViewLoad, withoutADelegateAFailureIsNobodysBusiness) {
     const auto view = WebView::create(WebViewConfiguration::create());
@@ -469,7 +469,7 @@ TEST_F(WebViewLoad, aFailureMayBeAnsweredWithAnotherLoad) {
     EXPECT_EQ(navigation->failures.size(), 1U);
 }
 
-// Editing
+// Tests of editing actions and swipe gestures.
 
 TEST_F(WebViewLoad, editingActionsGoToThePage) {
     const auto view = makeView();

@@ -14,8 +14,8 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Records all calls. If `onQuestion` is set, it decides each navigation. Otherwise, every navigation is
-/// allowed.
+/// A navigation delegate that records all calls. If `onQuestion` is set, it decides each navigation.
+/// Otherwise, every navigation is allowed.
 struct PolicyDelegate final : NavigationPolicyDelegate {
     void decidePolicy(WebView& /*webView*/, const NavigationAction& action,
                       const DecisionHandler& decisionHandler) override {
@@ -76,7 +76,7 @@ protected:
 
 } // namespace
 
-// Policy decisions
+// Tests of the policy decisions that a navigation delegate makes.
 
 TEST_F(NavigationPolicy, isAskedBeforeALoad) {
     ASSERT_TRUE(loadPage(*view, "/page"));
@@ -285,7 +285,7 @@ TEST_F(NavigationPolicy, aLoadTimesOutThoughTheOneBeforeHasNotBegun) {
     EXPECT_EQ(delegate->failures[1].failingURL, server.url("/second"));
 }
 
-// The program's own pages
+// Tests of pages that the program supplies with `loadHTMLString`.
 
 TEST_F(HTMLString, passesWithoutAQuestion) {
     view->loadHTMLString(page(""), URL::fromString("https://Client.example"));

@@ -12,10 +12,10 @@ namespace {
 
 class WebViewObservation : public WebViewTest {};
 
-/// Tests that run for each observable property.
+/// Fixture for tests that run once for each observable property.
 class WebViewEveryObservation : public WebViewTest, public testing::WithParamInterface<WebView::Property> {
 protected:
-    /// Changes every property at least once.
+    /// Navigates so that each observable property changes at least once.
     void visitTwoPagesAndGoBack(WebView& view) {
         ASSERT_TRUE(loadPage(view, "/first"));
         ASSERT_TRUE(loadPage(view, "/second"));

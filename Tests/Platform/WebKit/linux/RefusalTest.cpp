@@ -10,11 +10,12 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Tests page requests that a web view refuses because its delegates have no methods for them.
+/// Fixture for tests of requests that a web view refuses because its delegates have no methods for them, such
+/// as downloads, permissions and printing.
 class WebViewRefusal : public WebViewTest {
 protected:
-    /// Returns the files in the session directory whose names contain `part`. This finds a download in any
-    /// directory in which WebKitGTK may save it.
+    /// Returns the files in the session directory whose names contain `part`. The session directory contains
+    /// every directory in which WebKitGTK may save a download.
     static std::vector<std::string> filesNamed(const std::string& part) {
         std::vector<std::string> result;
         for (const auto& entry :
@@ -145,7 +146,7 @@ TEST_F(WebViewRefusal, permissionsAreRefused) {
     const auto view = makeView();
     TestWindow window(*view);
     window.show();
-    // The page is a secure context, which both APIs require.
+    // Geolocation and notifications require a secure context, such as a page from the loopback interface.
     ASSERT_TRUE(loadPage(*view, "/page"));
     evaluate(*view, "navigator.geolocation.getCurrentPosition(() => document.title = 'allowed', "
                     "error => document.title = 'refused ' + error.code); 1");

@@ -56,8 +56,8 @@ struct View {
     std::vector<View*> children;
 };
 
-/// Two hidden views. The web process of the first view is starting, so the request of the second view is
-/// pending.
+/// Fixture with two hidden views. The web process of the first view is starting, so the second view's request
+/// for a slot is pending.
 class WaitingView : public ::testing::Test {
 protected:
     void SetUp() override {

@@ -88,7 +88,7 @@ WebViewTest::~WebViewTest() {
     TestSupport::runPending();
     // WebKitGTK also keeps web processes for in-memory data stores, so clear all sessions that were used.
     const auto sessions = std::exchange(usedSessions(), {});
-    // Only tests that run later in this process benefit from the wait.
+    // Waiting for the web processes to exit benefits only tests that run later in this process.
     const bool isOnlyTest = testing::UnitTest::GetInstance()->test_to_run_count() == 1;
     EXPECT_TRUE(isOnlyTest || TestSupport::forgetPages(sessions));
 }

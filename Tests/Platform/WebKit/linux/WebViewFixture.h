@@ -88,7 +88,7 @@ protected:
 
     using Property = Platform::WebView::Property;
 
-    /// Creates a view with both delegates. Its web process uses one of `slots`.
+    /// Creates a view with the delegates `navigation` and `ui`. Its web process uses one of `slots`.
     std::shared_ptr<Platform::WebView> makeView();
     std::shared_ptr<Platform::WebView>
     makeView(const std::shared_ptr<Platform::WebViewConfiguration>& configuration);

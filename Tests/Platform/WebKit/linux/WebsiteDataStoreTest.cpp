@@ -38,7 +38,8 @@ TEST_F(DefaultWebsiteDataStore, isMadeByTheFirstView) {
 TEST_F(DefaultWebsiteDataStore, onlyTheUserMayEnter) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitAfter([this] {
-                    // An older version or another program may have left a directory with these permissions.
+                    // An older version or another program may have left a directory that other users can
+                    // enter.
                     std::filesystem::create_directories(folder(g_get_user_data_dir()));
                     std::filesystem::permissions(folder(g_get_user_data_dir()),
                                                  std::filesystem::perms::owner_all |
@@ -124,7 +125,7 @@ protected:
         configuration->setWebsiteDataStore(WebsiteDataStore::nonPersistent);
         return configuration;
     }
-    /// Loads a page in `view` and returns its cookies and the stored item.
+    /// Loads a page in `view` and returns its cookies and the item `kept` of its local storage.
     std::string found(WebView& view) {
         server.route("/get", HTTPResponse::page("get"));
         view.load(request(server.url("/get")));
