@@ -4,13 +4,10 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <sys/ucred.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 
 namespace Platform {
 
@@ -20,41 +17,25 @@ namespace {
 /// signal to the process, so blocking it on this thread does not keep other threads from receiving it.
 bool raisesNoSignal(int descriptor) { return fcntl(descriptor, F_SETNOSIGPIPE, 1) == 0; }
 
-/// Sets the flags of a new socket. macOS cannot set close-on-exec when it creates the socket.
-int prepared(int descriptor) {
+/// Sets the flags of a new socket, which macOS cannot set when it creates the socket.
+int prepared(int descriptor, int statusFlags) {
     if (descriptor < 0) {
         return -1;
     }
-    if (fcntl(descriptor, F_SETFD, FD_CLOEXEC) != 0) {
+    if (fcntl(descriptor, F_SETFD, FD_CLOEXEC) != 0 || fcntl(descriptor, F_SETFL, statusFlags) != 0) {
         const int error = errno;
         close(descriptor);
         errno = error;
         return -1;
     }
-    const int on = 1;
-    setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
     return descriptor;
 }
 
 } // namespace
 
-int openUnixSocket() { return prepared(socket(AF_UNIX, SOCK_STREAM, 0)); }
+int openUnixSocket() { return prepared(socket(AF_UNIX, SOCK_STREAM, 0), 0); }
 
-int bindUnixSocket(int descriptor, const sockaddr_un& address) {
-    return bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-}
-
-int connectUnixSocket(int descriptor, const sockaddr_un& address) {
-    return connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-}
-
-int acceptUnixSocket(int listening) {
-    const int connection = prepared(accept(listening, nullptr, nullptr));
-    if (connection >= 0) {
-        fcntl(connection, F_SETFL, O_NONBLOCK);
-    }
-    return connection;
-}
+int acceptUnixSocket(int listening) { return prepared(accept(listening, nullptr, nullptr), O_NONBLOCK); }
 
 std::optional<uid_t> unixSocketPeerUser(int descriptor) {
     static_assert(sizeof(xucred) == 76);
@@ -65,11 +46,6 @@ std::optional<uid_t> unixSocketPeerUser(int descriptor) {
         return std::nullopt;
     }
     return credentials.cr_uid;
-}
-
-int setSendTimeout(int descriptor, std::chrono::seconds timeout) {
-    const timeval value = {.tv_sec = timeout.count(), .tv_usec = 0};
-    return setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &value, sizeof value);
 }
 
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count) {
