@@ -87,7 +87,7 @@ public:
 private:
     TestSupport::HTTPServer server_;
     TestSupport::TLSServer tls_;
-    Clock::time_point shown_; // written before the loop is asked to stop, read after it has stopped
+    Clock::time_point shown_; // written before the main loop stops, read afterwards
 };
 
 /// Waits so that the web engine can finish the work of the previous measurement.

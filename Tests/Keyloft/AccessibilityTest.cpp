@@ -15,7 +15,7 @@ namespace {
 /// keyboard alone.
 class AccessibilityTest : public AppDelegateTest {
 protected:
-    /// Succeeds if exactly one accessible object has the name and that object has the role.
+    /// Succeeds if exactly one accessible object is named `name` and that object has the role `role`.
     static testing::AssertionResult isNamed(const std::string& name, const std::string& role) {
         const auto named = accessibleObjects(name);
         const bool isSo = named.size() == 1 && named[0].role == role;

@@ -96,7 +96,7 @@ TEST_P(KeyEquivalentTest, everyKeyDoesWhatItsItemSays) {
         std::function<void()> undo = nullptr;
     };
     const std::vector<Case> cases = {
-        // The Bookmarks menu has not been opened yet.
+        // The key equivalent works before the Bookmarks menu has been opened for the first time.
         {"ctrl+d", [&] { return tab->isBookmarked(); }},
         {"ctrl+d", [&] { return !tab->isBookmarked(); }},
         {"ctrl+r", [&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); }},
@@ -248,7 +248,7 @@ TEST_F(AboutPanelKeyTest, closeThePanelBeforeTheTab) {
     EXPECT_EQ(controllers(), (std::vector<Tab>{tab, other}));
     pressKey("ctrl+w");
     EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{tab}; }));
-    // The panel can be opened again.
+    // The About panel can be opened again.
     EXPECT_TRUE(openPanel());
 }
 

@@ -297,7 +297,8 @@ TEST_F(RelayListenerTest, theLastReferenceMayGoOnTheQueue) {
 }
 
 TEST_F(RelayListenerTest, destroyedOnTheQueueLeavesItsSocketToTheCancelHandler) {
-    // Dispatch may monitor the descriptor until the cancel handler runs.
+    // The listening socket must stay open until the cancel handler runs, because Dispatch may monitor it
+    // until then.
     Event done;
     const int listening = dup(0); // the number of the next descriptor to be opened
     close(listening);
@@ -657,7 +658,7 @@ TEST_F(RelayListenerTest, closingDuringTrafficEndsEveryClient) {
                             client.writeFrame("x");
                             reply = client.readFrame(longWait);
                         } catch (const RelaySocketError&) {
-                            reply.reset(); // closed by the listener
+                            reply.reset(); // the listener has closed the connection
                         }
                         client.close();
                         if (!reply) {

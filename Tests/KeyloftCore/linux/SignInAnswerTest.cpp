@@ -61,7 +61,7 @@ protected:
         return std::string(R"(captured keys=["code", "state", "user"])") + shownValues;
     }
 
-    /// The page contains a form that is submitted to the redirect URI.
+    /// The provider responds with a page whose form is submitted to the redirect URI.
     Answer byForm(const std::string& name, std::function<void()> act) const {
         return {.name = name,
                 .mode = ResponseMode::formPost,
@@ -82,8 +82,8 @@ protected:
         return answer;
     }
 
-    /// The page contains a form that is submitted to the provider. A redirect with status 307 passes the form
-    /// on to the redirect URI unchanged.
+    /// The provider responds with a page whose form is submitted to the provider. A redirect with status 307
+    /// passes the form on to the redirect URI unchanged.
     Answer byPassedOnForm() const {
         auto answer = byForm("a form passed on by 307", script("document.forms[0].requestSubmit()"));
         answer.page = form("/auth/continue");
