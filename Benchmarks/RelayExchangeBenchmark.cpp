@@ -245,7 +245,7 @@ int listeningSocket(const std::string& path) {
     std::_Exit(1);
 }
 
-/// Like `serveBare` with `Checks::sameAsRelay`, but no peer blocks another.
+/// Like `serveBare` with `Checks::sameAsRelay`, but polls all connections, so that no peer blocks another.
 [[noreturn]] void servePolled(const std::string& path, const std::string& request, const std::string& reply,
                               const std::function<void()>& ready) {
     const int listening = listeningSocket(path);

@@ -116,7 +116,7 @@ double measureBareView(Provider& provider, const std::optional<std::string>& ori
     });
 }
 
-/// Prints the median and the quartiles. Returns the median.
+/// Prints the median and the quartiles of `times`. Returns the median.
 double report(const char* name, std::vector<double> times) {
     std::ranges::sort(times);
     const auto at = [&](std::size_t quarters) { return times.at((times.size() - 1) * quarters / 4); };

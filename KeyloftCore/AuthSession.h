@@ -75,7 +75,7 @@ public:
     void didReceiveScriptMessage(const Platform::ScriptMessage& message) override;
 
 protected:
-    /// For `create` only.
+    /// Called only by `create`.
     AuthSession(AuthorizeRequest request, Completion completion);
 
 private:

@@ -114,7 +114,8 @@ struct Connection {
 
 } // namespace
 
-/// The state to which callbacks refer through weak pointers. Callbacks do not refer to the listener itself.
+/// The state of a listener. Callbacks hold weak pointers to the state and do not refer to the listener
+/// itself.
 struct RelayListener::State : std::enable_shared_from_this<RelayListener::State> {
     void listen(const std::string& path, OnFrame onFrame);
     void stop();
@@ -127,17 +128,17 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     void readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
     Reply replyFor(const std::shared_ptr<Connection>& connection);
 
-    // Accessed only by functions that the owner calls.
+    // These members are accessed only by functions that the owner of the listener calls.
     std::future<void> listeningClosed;
     std::optional<std::string> path;
     std::optional<FileIdentity> inode;
-    // Accessed only on the queue once the listener is listening.
+    // These members are accessed only on the queue once the listener is listening.
     std::shared_ptr<Platform::ReadSource> acceptSource;
     std::vector<std::shared_ptr<Connection>> readers;
     bool acceptingPaused = false;
     std::array<char, readSize> buffer;
-    // The last member, so that it is destroyed first: work items that are still running on the queue may use
-    // the other members.
+    // The queue must be the last member, so that it is destroyed first: work items that are still running on
+    // it may use the other members.
     Platform::SerialQueue queue{"velde.orvane.keyloft.relay-listener"};
 };
 
@@ -212,7 +213,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
                 self->acceptOne(listening, handler);
             }
         });
-    // Dispatch may watch the file descriptor until the cancel handler runs.
+    // Close the socket only in the cancel handler, because Dispatch may watch the file descriptor until then.
     const auto closed = std::make_shared<std::promise<void>>();
     listeningClosed = closed->get_future();
     acceptSource->setCancelHandler([listening, closed] {

@@ -11,7 +11,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Tests the names and roles that assistive technologies read, and the operation of the windows with the
+/// Tests the names and roles that assistive technologies read, and that the windows can be operated with the
 /// keyboard alone.
 class AccessibilityTest : public AppDelegateTest {
 protected:

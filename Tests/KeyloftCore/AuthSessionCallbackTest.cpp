@@ -1,4 +1,4 @@
-// Tests the session's delegate methods by calling them directly, without a window or a page.
+// Tests the delegate methods of AuthSession by calling them directly, without a window or a page.
 
 #include "Tests/KeyloftCore/AuthSessionTest.h"
 #include "Tests/Support/MemoryStream.h"

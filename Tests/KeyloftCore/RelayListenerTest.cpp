@@ -482,7 +482,7 @@ TEST_F(RelayListenerTest, aDirectoryInItsPlaceIsABindError) {
     const Mask mask(022);
     EXPECT_EQ(listenError(*listener, path), RelaySocketError::syscall("bind", EADDRINUSE));
     EXPECT_EQ(Mask::current(), 022U) << "the mask is given back after a failure too";
-    // The listener is unchanged and can listen again.
+    // After a failed call to `listen`, the listener is unchanged and can listen again.
     ASSERT_EQ(rmdir(path.c_str()), 0);
     startEcho();
     EXPECT_EQ(ask(path, "x"), "echo x");

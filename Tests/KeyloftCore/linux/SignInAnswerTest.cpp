@@ -35,7 +35,7 @@ protected:
     struct Answer {
         std::string name;
         ResponseMode mode = ResponseMode::formPost;
-        /// The body of the sign-in page, and the response at `next`.
+        /// The body of the sign-in page, and the response for the URL `next`.
         std::string page;
         HTTPResponse continuation;
         /// Called after the page has loaded. Performs the action of the page or the user.
