@@ -215,7 +215,7 @@ int listeningSocket(const std::string& path) {
     require(listening >= 0, "socket");
     const auto address = addressOf(path);
     require(bind(listening, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "bind");
-    // Same backlog as the relay. A different backlog would change the work that is measured.
+    // Use the same backlog as the relay. A different backlog would change the work that is measured.
     require(listen(listening, 4) == 0, "listen");
     return listening;
 }
@@ -224,7 +224,7 @@ int listeningSocket(const std::string& path) {
                             Checks checks, const std::function<void()>& ready) {
     const int listening = listeningSocket(path);
     ready();
-    // Use a second thread, as the relay does.
+    // Serve connections on a second thread, as the relay does.
     std::thread([&] {
         std::string buffer(request.size(), '\0');
         for (;;) {
@@ -245,7 +245,7 @@ int listeningSocket(const std::string& path) {
     std::_Exit(1);
 }
 
-/// Like `serveBare` with `Checks::sameAsRelay`, but no peer blocks another.
+/// Like `serveBare` with `Checks::sameAsRelay`, but polls all connections, so that no peer blocks another.
 [[noreturn]] void servePolled(const std::string& path, const std::string& request, const std::string& reply,
                               const std::function<void()>& ready) {
     const int listening = listeningSocket(path);

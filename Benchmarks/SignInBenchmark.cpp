@@ -87,7 +87,7 @@ public:
 private:
     TestSupport::HTTPServer server_;
     TestSupport::TLSServer tls_;
-    Clock::time_point shown_; // written before the loop is asked to stop, read after it has stopped
+    Clock::time_point shown_; // written before the main loop stops, read afterwards
 };
 
 /// Waits so that the web engine can finish the work of the previous measurement.
@@ -116,7 +116,7 @@ double measureBareView(Provider& provider, const std::optional<std::string>& ori
     });
 }
 
-/// Prints the median and the quartiles. Returns the median.
+/// Prints the median and the quartiles of `times`. Returns the median.
 double report(const char* name, std::vector<double> times) {
     std::ranges::sort(times);
     const auto at = [&](std::size_t quarters) { return times.at((times.size() - 1) * quarters / 4); };

@@ -42,8 +42,8 @@ AuthorizeRequest requestFor(const std::string& text) {
     return {*url, RelayTarget::mintNonce()};
 }
 
-/// On macOS, pasting a password with the keyboard requires an Edit menu, and the first menu becomes the
-/// application menu.
+/// Returns a main menu with a "Sign-In" menu and an Edit menu. On macOS, the first menu becomes the
+/// application menu, and pasting a password with the keyboard requires an Edit menu.
 std::shared_ptr<Platform::Menu> makeMainMenu() {
     using Platform::Menu;
     using Platform::MenuItem;

@@ -32,7 +32,8 @@ std::optional<RelayTarget> targetOf(const std::string& text) {
     return fragment ? RelayTarget::fromFragment(*fragment) : std::nullopt;
 }
 
-/// Connects to the first candidate that accepts. Prints an error for each candidate that fails before it.
+/// Connects to the first candidate path that accepts a connection. Prints an error for each path that fails
+/// before it.
 std::optional<RelaySocketClient> connectSomewhere() {
     for (const auto& path : RelaySocketPaths::candidates()) {
         try {

@@ -3,9 +3,9 @@
 
     relay-peer.py RELAY-URL [NAME=VALUE]...
 
-Does the same as relay-peer.cpp, with Python's standard library only. Written from docs/relay.md, which describes all
-that a peer must know. Exits with status 0 if the host accepts the result, 1 on any failure, and 2 if the arguments are
-wrong.
+Equivalent to relay-peer.cpp, but uses only the Python standard library. Based only on docs/relay.md, which contains
+everything that is needed to write a peer. Exits with status 0 if the host accepts the result, 1 on any failure, and 2
+if the arguments are wrong.
 """
 
 import base64
@@ -29,7 +29,7 @@ REPLY_TIMEOUT = 5  # seconds, for each read and write
 
 
 class Failure(Exception):
-    """Ends the program. The text is the reason, in one line."""
+    """An error that terminates the program. The message is the reason, in one line."""
 
 
 def is_acceptable_redirect(uri):
@@ -61,14 +61,15 @@ def read_target(url):
         raise Failure("the relay target's redirect URI is missing or not acceptable")
     if not isinstance(nonce, str) or not re.fullmatch(r"[A-Za-z0-9_-]{22}", nonce):
         raise Failure("the relay target's nonce is missing or malformed")
-    # Counts code points. This is never too lenient, because each character has at least one.
+    # Count code points instead of characters. The check is never too lenient, because each character has at least one
+    # code point.
     if "s" in members and (not isinstance(state, str) or len(state) > MAX_STATE):
         raise Failure("the relay target's state is not a string of at most %d characters" % MAX_STATE)
     return redirect, nonce, state
 
 
 def connect():
-    """Returns a connection to the first candidate that accepts."""
+    """Returns a connection to the first candidate path on which a host accepts."""
     home = os.environ.get("HOME", "") if sys.platform == "linux" else ""
     if not os.path.isabs(home):
         home = pwd.getpwuid(os.getuid()).pw_dir
@@ -82,7 +83,7 @@ def connect():
             connection.close()
             errors.append("%s: %s" % (path, error.strerror or error))
         else:
-            # Set the time-out after connect: a connect with a time-out fails at once if the host is busy.
+            # Set the time-out after connecting: with a time-out, connect() fails immediately if the host is busy.
             connection.settimeout(REPLY_TIMEOUT)
             return connection
     raise Failure("no host accepts: " + "; ".join(errors))

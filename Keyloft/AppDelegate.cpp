@@ -19,7 +19,7 @@ using Platform::Window;
 
 namespace {
 
-/// Adds `submenu` to the menu bar and returns it, so that the caller can add its items.
+/// Adds `submenu` to the menu bar. Returns `submenu`, so that the caller can add items to it.
 std::shared_ptr<Menu> addMenu(Menu& mainMenu, const std::string& title, std::shared_ptr<Menu> submenu) {
     const auto item = MenuItem::create(title, std::nullopt);
     item->setSubmenu(submenu);

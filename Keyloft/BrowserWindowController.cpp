@@ -266,7 +266,8 @@ void BrowserWindowController::controlTextDidBeginEditing(Platform::TextField& /*
 void BrowserWindowController::controlTextDidEndEditing(Platform::TextField& /*field*/,
                                                        Platform::TextMovement movement) {
     isEditingAddress_ = false;
-    // If Return ended the edit, the field's action navigates to the text, so do not replace it.
+    // If the user ended the edit with Return, the action of the field navigates to the typed text, so do not
+    // replace the text.
     if (movement != Platform::TextMovement::returnKey) {
         showURLInAddressField();
     }
@@ -293,8 +294,8 @@ void BrowserWindowController::goForward() { webView_->goForward(); }
 void BrowserWindowController::stopLoading() { webView_->stopLoading(); }
 
 void BrowserWindowController::reload(const ActionSender& sender) {
-    // While a page is loading, the toolbar button stops the load, unlike the menu item and its key
-    // equivalent.
+    // While a page is loading, the toolbar button stops the load, whereas the menu item and its key
+    // equivalent reload the page.
     if (webView_->isLoading() && sender.control == reloadButton_.get()) {
         webView_->stopLoading();
     } else if (!webView_->url()) {
@@ -353,7 +354,7 @@ void BrowserWindowController::rebuildBookmarksBar() {
         button->setRepresentedURL(bookmark.url);
         bookmarksBar_->addArrangedSubview(button);
     }
-    // Fill the remaining space to keep the buttons at the leading edge.
+    // Add a spacer that fills the remaining space, so that the bookmark buttons stay at the leading edge.
     const auto spacer = Platform::View::create();
     spacer->setExpands(Orientation::horizontal);
     bookmarksBar_->addArrangedSubview(spacer);
@@ -425,8 +426,8 @@ void BrowserWindowController::didFailProvisionalNavigation(WebView& /*webView*/,
 }
 
 void BrowserWindowController::showLoadError(const Platform::Error& error) {
-    // These two errors are not failures: the navigation was cancelled, for example by another navigation, or
-    // the response cannot be shown as a page.
+    // Ignore two errors that are not failures: the navigation was cancelled, for example by another
+    // navigation, or the response cannot be shown as a page.
     if (error.domain == Platform::Error::urlDomain && error.code == Platform::Error::urlCancelled) {
         return;
     }

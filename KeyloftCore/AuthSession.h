@@ -45,8 +45,8 @@ public:
     /// - `cancelled` if a script of the page closes the window,
     /// - `internalError`, with the web engine's description, if a page cannot be loaded.
     ///
-    /// The completion may release the session. After the completion returns, the session destroys it together
-    /// with its captures.
+    /// The completion may release the session. The session destroys the completion and its captures after the
+    /// completion has returned.
     using Completion = std::function<void(Result)>;
 
     /// Creates a session. No window is opened and nothing is loaded before `start` is called.
@@ -75,14 +75,14 @@ public:
     void didReceiveScriptMessage(const Platform::ScriptMessage& message) override;
 
 protected:
-    /// For `create` only.
+    /// Called only by `create`.
     AuthSession(AuthorizeRequest request, Completion completion);
 
 private:
     /// Lets tests inspect a session and shorten its time limits.
     friend struct AuthSessionInspector;
 
-    /// The objects that one call of `start` creates.
+    /// The objects created by one call to `start`.
     struct Run {
         std::shared_ptr<Platform::WebView> webView;
         std::shared_ptr<Platform::Window> window;
@@ -99,7 +99,7 @@ private:
     /// Time limits in seconds. Only tests change them.
     double sessionTimeout_ = 300;
     double requestTimeout_ = 60;
-    /// One element per call of `start`. When the session finishes, it invalidates the timer and hides the
+    /// One element per call to `start`. When the session finishes, it invalidates the timer and hides the
     /// window of the last element only.
     std::vector<Run> runs_;
     std::optional<SubmittedForm> lastSubmittedForm_;

@@ -21,8 +21,8 @@ bool isAuthorizeURL(const Platform::URL& url) {
            url.path() == authorizePath;
 }
 
-/// Returns the value of the first item with the given name. Returns nothing if the first such item has no
-/// value, even if a later item with that name has a value.
+/// Returns the value of the first query item with the given name. Returns nothing if that item has no value,
+/// even if a later item with the same name has one.
 std::optional<std::string> param(std::string_view name, const QueryItems& items) {
     const auto found = std::ranges::find(items, name, &Platform::URLQueryItem::name);
     return found == items.end() ? std::nullopt : found->value;

@@ -27,16 +27,16 @@ public:
     /// "/auth/authorize", or if "redirect_uri" is missing or not an https URL.
     AuthorizeRequest(Platform::URL url, std::string relayNonce);
 
-    /// The URL as given.
+    /// The URL that was passed to the constructor.
     const Platform::URL& url() const { return url_; }
     /// The decoded "redirect_uri" parameter of the query.
     const Platform::URL& redirectURI() const { return redirectURI_; }
     /// The requested response mode, or `query` if the URL specifies no response mode or an unknown one.
     ResponseMode responseMode() const { return responseMode_; }
-    /// The state. Absent if the URL has no "state" parameter, or if the parameter has no "=" or does not
-    /// decode to UTF-8. "state=" is an empty state.
+    /// The decoded "state" parameter of the query. Absent if the query has no such parameter, or if the
+    /// parameter has no "=" or does not decode to UTF-8. "state=" specifies an empty state.
     const std::optional<std::string>& state() const { return state_; }
-    /// The nonce as given.
+    /// The nonce that was passed to the constructor.
     const std::string& relayNonce() const { return relayNonce_; }
 
     /// Returns true if `url` has the same scheme, host, effective port and path as the redirect URI. An empty

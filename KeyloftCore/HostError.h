@@ -6,8 +6,8 @@
 
 namespace KeyloftCore {
 
-/// The reason why an authorization could not be started or completed. Hosts report `code` and `message` to
-/// their callers. A plain value type.
+/// The reason why an authorization could not be started or completed. A host, the program that waits for the
+/// sign-in, reports `code` and `message` to its own caller. A plain value type.
 ///
 /// AuthorizeRequest throws `badRequest`. An AuthSession completes with `internalError`, `cancelled` or
 /// `timeout`. `noNativeSheet` is used only by hosts.
@@ -31,7 +31,8 @@ public:
 
     /// The kind of failure.
     Case kind() const noexcept { return kind_; }
-    /// "bad_request", "no_native_sheet", "internal", "cancelled" or "timeout".
+    /// The string that identifies the kind of failure: "bad_request", "no_native_sheet", "internal",
+    /// "cancelled" or "timeout".
     std::string_view code() const noexcept;
     /// The reason, in English or as reported by the web engine.
     const std::string& message() const noexcept { return message_; }

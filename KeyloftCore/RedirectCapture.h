@@ -12,7 +12,7 @@
 namespace KeyloftCore {
 
 /// Functions that a session uses to evaluate navigations and to extract results from them. They do not depend
-/// on windows and web views.
+/// on windows or web views.
 struct RedirectCapture {
     RedirectCapture() = delete;
 

@@ -41,8 +41,9 @@ constexpr mode_t socketMode = 0600;
 constexpr mode_t maskForBind = 0077;
 constexpr std::chrono::seconds sendTimeout(3);
 
-/// The delay before connections are accepted again after a shortage of resources. The listener is not
-/// notified when another part of the process closes a file descriptor.
+/// The delay before the listener accepts connections again after `accept` has failed because of a shortage of
+/// resources. The listener has to retry, because it is not notified when another part of the process closes a
+/// file descriptor.
 constexpr std::chrono::milliseconds pauseWithoutDescriptors(1000);
 
 /// Identifies a file by its device and inode.
@@ -61,8 +62,9 @@ struct FileIdentity {
     friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
 };
 
-/// Returns true if `accept` failed because the process or the kernel is out of a resource. The connection
-/// then remains in the backlog, and the accept source would fire again immediately and indefinitely.
+/// Returns true if `accept` failed because the process or the kernel has run out of file descriptors or
+/// memory. The connection then remains in the backlog, and the accept source would fire again immediately and
+/// indefinitely.
 bool isShortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
@@ -112,7 +114,8 @@ struct Connection {
 
 } // namespace
 
-/// The state to which callbacks refer through weak pointers. Callbacks do not refer to the listener itself.
+/// The state of a listener. Callbacks hold weak pointers to the state and do not refer to the listener
+/// itself.
 struct RelayListener::State : std::enable_shared_from_this<RelayListener::State> {
     void listen(const std::string& path, OnFrame onFrame);
     void stop();
@@ -125,17 +128,17 @@ struct RelayListener::State : std::enable_shared_from_this<RelayListener::State>
     void readOnce(const std::shared_ptr<Connection>& connection, const OnFrame& onFrame);
     Reply replyFor(const std::shared_ptr<Connection>& connection);
 
-    // Accessed only by functions that the owner calls.
+    // These members are accessed only by functions that the owner of the listener calls.
     std::future<void> listeningClosed;
     std::optional<std::string> path;
     std::optional<FileIdentity> inode;
-    // Accessed only on the queue once the listener is listening.
+    // These members are accessed only on the queue once the listener is listening.
     std::shared_ptr<Platform::ReadSource> acceptSource;
     std::vector<std::shared_ptr<Connection>> readers;
     bool acceptingPaused = false;
     std::array<char, readSize> buffer;
-    // The last member, so that it is destroyed first: work items that are still running on the queue may use
-    // the other members.
+    // The queue must be the last member, so that it is destroyed first: work items that are still running on
+    // it may use the other members.
     Platform::SerialQueue queue{"velde.orvane.keyloft.relay-listener"};
 };
 
@@ -210,7 +213,7 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
                 self->acceptOne(listening, handler);
             }
         });
-    // Dispatch may watch the file descriptor until the cancel handler runs.
+    // Close the socket only in the cancel handler, because Dispatch may watch the file descriptor until then.
     const auto closed = std::make_shared<std::promise<void>>();
     listeningClosed = closed->get_future();
     acceptSource->setCancelHandler([listening, closed] {
@@ -220,7 +223,8 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
     acceptSource->resume();
 }
 
-/// Must be called on the queue. The cancel handlers close the sockets later.
+/// Cancels the sources of the listening socket and of all connections. Their cancel handlers close the
+/// sockets later. Must be called on the queue.
 void RelayListener::State::stop() {
     if (const auto source = std::exchange(acceptSource, nullptr)) {
         source->cancel();
@@ -305,7 +309,7 @@ void RelayListener::State::readOnce(const std::shared_ptr<Connection>& connectio
     // NOLINTNEXTLINE(clang-analyzer-unix.BlockInCriticalSection)
     const ssize_t count = read(connection->fd, buffer.data(), buffer.size());
     if (count < 0 && errno == EAGAIN) {
-        return; // the event was stale
+        return; // stale event: no data is available
     }
     if (count <= 0) {
         connection->source.cancel();

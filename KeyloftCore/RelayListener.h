@@ -54,7 +54,8 @@ public:
 
     /// Stops listening, writes all replies given so far, closes the remaining connections without a reply,
     /// and removes the socket file unless it has been replaced by another file. A no-op if called before
-    /// `listen` or a second time. Waits for the queue; aborts if called on the queue.
+    /// `listen` or a second time. Waits until the queue has completed its pending work. Aborts if called on
+    /// the queue.
     void close();
 
     /// Writes all of `data` to a socket or pipe, retrying after interruptions. Returns false and sets `errno`

@@ -29,7 +29,8 @@ timeval timevalOf(double seconds) {
     double whole = 0;
     const double fraction = std::modf(seconds, &whole);
     using Seconds = decltype(timeval::tv_sec);
-    // A double cannot represent the maximum value, only the power of two above it.
+    // The maximum of `Seconds` cannot be represented as a double. Use the power of two above it (the negated
+    // minimum) as an exclusive limit.
     constexpr double limit = -static_cast<double>(std::numeric_limits<Seconds>::min());
     if (!std::isfinite(seconds) || whole >= limit || whole < -limit) {
         Platform::fatalError("a relay time-out that is not finite or too large");

@@ -19,7 +19,8 @@ struct RelayTarget {
     /// The maximum length of a state that `fromFragment` accepts, in characters.
     static constexpr std::size_t maxStateLength = 2048;
 
-    /// The parameters of the request. An empty `state` is distinct from an absent one.
+    /// The redirect URI, state and nonce of the authorization request. An empty `state` is distinct from an
+    /// absent one.
     Platform::URL redirectURI;
     std::optional<std::string> state;
     std::string nonce;

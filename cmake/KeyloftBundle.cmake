@@ -1,4 +1,4 @@
-# The application on macOS: a bundle, and a disk image of it (cmake --build … --target package, or cpack).
+# Packages the application for macOS as a bundle in a disk image (cmake --build … --target package, or cpack).
 #
 # KEYLOFT_SIGNING_IDENTITY is the identity that signs the bundle. docs/signing.md describes the consequences.
 
@@ -14,7 +14,7 @@ if(NOT KEYLOFT_SIGNING_IDENTITY STREQUAL "-")
   list(APPEND KEYLOFT_CODESIGN --timestamp)
 endif()
 
-# keyloft_bundle(TARGET)
+# keyloft_bundle(TARGET): builds TARGET as a bundle, and configures CPack to sign the bundle and create the disk image.
 function(keyloft_bundle target)
   find_program(ICONUTIL iconutil REQUIRED)
   set(icon "${CMAKE_CURRENT_BINARY_DIR}/Keyloft.icns")

@@ -1,4 +1,5 @@
-# The application on Linux: its files, and Debian packages of it and of KeyloftCore (cmake --build … --target package).
+# Installs the application on Linux, and creates Debian packages of it and of KeyloftCore (cmake --build … --target
+# package).
 
 set(KEYLOFT_LINUX_PACKAGING "${PROJECT_SOURCE_DIR}/Packaging/linux")
 
@@ -9,8 +10,8 @@ function(keyloft_compress file)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
 endfunction()
 
-# keyloft_package_list(VARIABLE PATTERN GROUP…): sets VARIABLE to a list of dependencies, the packages of the groups
-# that match PATTERN.
+# keyloft_package_list(VARIABLE PATTERN GROUP…): sets VARIABLE to a Debian dependency list of the packages in the groups
+# whose names match PATTERN.
 function(keyloft_package_list variable pattern)
   execute_process(COMMAND "${PROJECT_SOURCE_DIR}/Packaging/install" --list ${ARGN}
     OUTPUT_VARIABLE names COMMAND_ERROR_IS_FATAL ANY)
@@ -20,7 +21,7 @@ function(keyloft_package_list variable pattern)
   set(${variable} "${names}" PARENT_SCOPE)
 endfunction()
 
-# keyloft_debian_packages(TARGET)
+# keyloft_debian_packages(TARGET): installs TARGET with its desktop files, and configures CPack to create the packages.
 function(keyloft_debian_packages target)
   set(id velde.orvane.keyloft)
   set(data "${CMAKE_INSTALL_DATADIR}")

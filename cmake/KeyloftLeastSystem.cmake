@@ -1,7 +1,7 @@
 # keyloft_least_system(OUTPUT FLOOR LIBRARY…)
 #
-# Sets OUTPUT to the oldest macOS that a program runs on if it is built for FLOOR and links the static LIBRARY…: the
-# greatest version among FLOOR and those that the libraries' objects were built for.
+# Sets OUTPUT to the oldest version of macOS that supports a program that is built for FLOOR and links the static
+# LIBRARY…: the greatest of FLOOR and the versions for which the objects in the libraries were built.
 function(keyloft_least_system output floor)
   find_program(KEYLOFT_OTOOL otool REQUIRED)
   mark_as_advanced(KEYLOFT_OTOOL)
@@ -11,8 +11,9 @@ function(keyloft_least_system output floor)
     message(FATAL_ERROR "otool cannot read ${ARGN}: ${errors}")
   endif()
 
-  # LC_BUILD_VERSION has the version as "minos", and a "version" for each tool; its predecessor LC_VERSION_MIN_MACOSX
-  # has it as "version". Other load commands have unrelated versions. Objects of plain data may have neither command.
+  # LC_BUILD_VERSION contains the version of macOS as "minos", and a "version" for each tool. Its predecessor
+  # LC_VERSION_MIN_MACOSX contains the version of macOS as "version". Other load commands contain unrelated versions.
+  # Objects that contain only data may have neither of these two commands.
   string(REGEX MATCHALL "cmd LC_[A-Z0-9_]+|minos [0-9.]+|version [0-9.]+" words "${listing}")
   set(command)
   set(versions)

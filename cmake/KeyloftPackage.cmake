@@ -1,4 +1,4 @@
-# The package KeyloftCore for other programs.
+# Installs the package KeyloftCore, which other programs use as follows:
 #
 #   find_package(KeyloftCore COMPONENTS Relay)          target_link_libraries(… KeyloftCore::Relay)
 #   pkg-config --cflags --libs keyloftcore-relay
@@ -14,7 +14,7 @@ set(KEYLOFT_HEADER_DIR "${CMAKE_INSTALL_INCLUDEDIR}/keyloft")
 # keyloft_install_package(COMPONENT TARGETS LIBRARY DEPENDENCY… HEADERS HEADER…)
 #
 # Installs a component: its library, the libraries of this project that it depends on, and the headers. The libraries
-# are static, so that a program does not depend on our files at run time.
+# are static, so that a program does not depend on the installed files at run time.
 function(keyloft_install_package component)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "TARGETS;HEADERS")
   list(GET arg_TARGETS 0 own)
@@ -44,7 +44,7 @@ function(keyloft_install_package component)
     set(relay_frameworks " -framework Foundation -framework Security")
     set(session_frameworks " -framework AppKit -framework JavaScriptCore -framework QuartzCore -framework WebKit")
   endif()
-  # Relative to the .pc file, so that the installed tree can be moved.
+  # The path is relative to the .pc file, so that the installed tree can be moved.
   file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
   string(TOLOWER "keyloftcore-${component}" package)
   configure_file("${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in" "${PROJECT_BINARY_DIR}/${package}.pc" @ONLY)

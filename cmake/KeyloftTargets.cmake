@@ -1,4 +1,5 @@
-# Options common to all targets, and KEYLOFT_SYSTEM, the part of Platform that is built.
+# Defines the options that are common to all targets, the functions that add targets, and KEYLOFT_SYSTEM, the
+# implementation of Platform that is built.
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   set(KEYLOFT_SYSTEM linux)
@@ -39,8 +40,8 @@ target_include_directories(KeyloftOptions INTERFACE "$<BUILD_INTERFACE:${PROJECT
 if(KEYLOFT_SANITIZE)
   target_compile_options(KeyloftOptions INTERFACE "-fsanitize=${KEYLOFT_SANITIZE}" -fno-omit-frame-pointer
                                                   -fno-sanitize-recover=all)
-  # Clang 19's vptr check probes memory through a pipe. Without a free descriptor, which some tests arrange on purpose,
-  # it reports valid objects as having the wrong type (not reported).
+  # Clang 19's vptr check probes memory through a pipe. If no file descriptor is available, as in some tests, it
+  # reports that valid objects have the wrong type (not reported).
   target_compile_options(KeyloftOptions INTERFACE -fno-sanitize=vptr)
   target_link_options(KeyloftOptions INTERFACE "-fsanitize=${KEYLOFT_SANITIZE}")
 endif()
@@ -94,21 +95,21 @@ function(keyloft_test name)
   # A critical message of GLib, GTK or WebKitGTK aborts the test.
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
     PROPERTIES LABELS ${kind} TIMEOUT ${arg_TIMEOUT} ENVIRONMENT G_DEBUG=fatal-criticals)
-  # Also run all tests of the program in one process: no test may depend on what another leaves behind.
+  # Also run all tests of the program in one process: no test may depend on the side effects of another test.
   if(NOT KEYLOFT_SANITIZE)
     add_test(NAME ${name}.inOneGo COMMAND ${name})
     set_tests_properties(${name}.inOneGo PROPERTIES LABELS one-go TIMEOUT 1200)
   endif()
 endfunction()
 
-# keyloft_benchmark(NAME SOURCES … LINK …)
+# keyloft_benchmark(NAME SOURCES … LINK …): adds a Google Benchmark program.
 function(keyloft_benchmark name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK} benchmark::benchmark benchmark::benchmark_main)
 endfunction()
 
-# keyloft_fuzzer(NAME SOURCES … LINK …)
+# keyloft_fuzzer(NAME SOURCES … LINK …): adds a libFuzzer target.
 function(keyloft_fuzzer name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
   add_executable(${name} ${arg_SOURCES})

@@ -11,11 +11,11 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Tests the names and roles that assistive technologies read, and the operation of the windows with the
+/// Tests the names and roles that assistive technologies read, and that the windows can be operated with the
 /// keyboard alone.
 class AccessibilityTest : public AppDelegateTest {
 protected:
-    /// Succeeds if exactly one accessible object has the name and that object has the role.
+    /// Succeeds if exactly one accessible object is named `name` and that object has the role `role`.
     static testing::AssertionResult isNamed(const std::string& name, const std::string& role) {
         const auto named = accessibleObjects(name);
         const bool isSo = named.size() == 1 && named[0].role == role;

@@ -60,7 +60,7 @@ void AppDelegateTest::openURLs(const std::vector<std::string>& urls) {
     delegate->applicationOpenURLs(parsed);
 }
 
-// Launching
+// Launching the application
 
 TEST_F(AppDelegateTest, launchingOpensOneBlankTabWithTheAddressSelected) {
     EXPECT_TRUE(controllers().empty());
@@ -304,7 +304,7 @@ TEST_F(AppDelegateTest, onceTheFrontWindowIsGoneTheOneUsedBeforeItIsInFront) {
     EXPECT_EQ(delegate->frontBrowserWindow(), second->window());
 }
 
-// New tabs
+// Opening new tabs
 
 TEST_F(AppDelegateTest, newTabOpensABlankTabInTheFrontWindow) {
     const auto page = openPage("/page");
@@ -398,7 +398,7 @@ TEST_F(AppDelegateTest, aTabsClosuresAreSafeOnceTheDelegateIsGone) {
     tab->window()->close();
 }
 
-// Closing
+// Closing tabs and windows
 
 TEST_F(AppDelegateTest, closingATabTakesExactlyThatOneOut) {
     const auto first = launch();

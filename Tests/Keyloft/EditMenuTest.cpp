@@ -28,7 +28,7 @@ void PrintTo(Place place, std::ostream* stream) {
 /// depending on the parameter.
 class EditMenuTest : public AppDelegateTest, public testing::WithParamInterface<Place> {
 protected:
-    /// Types `text` in the place that the parameter selects and leaves the focus there.
+    /// Types `text` into the text field or page that the parameter selects, which keeps the focus.
     void edit(const std::string& text) {
         server.route("/",
                      HTTPResponse::html("<title>ready</title><input><script>"
@@ -114,7 +114,7 @@ TEST_P(EditMenuTest, undoTakesBackAPasteAndRedoRepeatsIt) {
     choose("Paste");
     expectText("xyzxyz");
     choose("Undo");
-    // How much one Undo reverts depends on the field.
+    // The amount of text that a single Undo reverts depends on the field.
     EXPECT_TRUE(runUntil([&] { return text() != "xyzxyz"; }));
     choose("Redo");
     expectText("xyzxyz");

@@ -69,7 +69,7 @@ TEST_F(AddressEditingTest, typedTextOutlivesARedirectAndTabRestoresTheAddress) {
     EXPECT_EQ(tab->webView()->url(), serverURL("/to"));
     EXPECT_EQ(tab->addressField()->stringValue(), "half typed");
     EXPECT_EQ(shownText(*tab->addressField()), "half typed");
-    // The window title is still updated when the page changes.
+    // The window title is updated even while the user is editing the address.
     EXPECT_EQ(tab->window()->title(), "to");
 
     pressKey("Tab");

@@ -8,8 +8,8 @@ using TestSupport::typeText;
 
 namespace {
 
-/// Tests that the user can continue to type an address after leaving the field and returning to it, with real
-/// key presses and clicks. The insertion point is inside the text.
+/// Tests that the user can leave a half-typed address, return to the field and continue to type at the
+/// insertion point, which is inside the text. Uses real key presses and clicks.
 class HalfTypedAddressTest : public AppDelegateTest {
 protected:
     HalfTypedAddressTest()

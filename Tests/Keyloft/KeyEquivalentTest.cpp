@@ -34,8 +34,8 @@ void PrintTo(Focus focus, std::ostream* stream) {
 /// Presses real keys while the page, the address field or the search field has the focus.
 class KeyEquivalentTest : public AppDelegateTest, public testing::WithParamInterface<Focus> {
 protected:
-    /// A page whose title shows the characters of all keys that the page has received. Its text field has the
-    /// focus.
+    /// A page with a focused text field. The title of the page shows the characters of all keys that the page
+    /// has received.
     static HTTPResponse listeningPage() {
         return HTTPResponse::html("<title>ready</title><input autofocus><script>let seen = ''\n"
                                   "addEventListener('keydown', e => { if (e.key.length == 1) "
@@ -96,7 +96,7 @@ TEST_P(KeyEquivalentTest, everyKeyDoesWhatItsItemSays) {
         std::function<void()> undo = nullptr;
     };
     const std::vector<Case> cases = {
-        // The Bookmarks menu has not been opened yet.
+        // The key equivalent works before the Bookmarks menu has been opened for the first time.
         {"ctrl+d", [&] { return tab->isBookmarked(); }},
         {"ctrl+d", [&] { return !tab->isBookmarked(); }},
         {"ctrl+r", [&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); }},
@@ -191,7 +191,7 @@ TEST_P(KeyEquivalentTest, theEditingKeysEditWhatHasTheFocus) {
     pressKey("End");
     pressKey("ctrl+v");
     expectText("abababab");
-    // How much one Undo reverts depends on the field.
+    // The amount of text that a single Undo reverts depends on the field.
     pressKey("ctrl+z");
     EXPECT_TRUE(runUntil([&] { return typed(tab) != "abababab"; }));
     pressKey("ctrl+shift+z");
@@ -247,7 +247,7 @@ TEST_F(AboutPanelKeyTest, closeThePanelBeforeTheTab) {
     EXPECT_EQ(controllers(), (std::vector<Tab>{tab, other}));
     pressKey("ctrl+w");
     EXPECT_TRUE(runUntil([&] { return controllers() == std::vector<Tab>{tab}; }));
-    // The panel can be opened again.
+    // The About panel can be opened again.
     EXPECT_TRUE(openPanel());
 }
 

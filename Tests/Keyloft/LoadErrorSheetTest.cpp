@@ -108,7 +108,7 @@ TEST_F(LoadErrorSheetTest, aHostThatIsNotFoundShowsItAndTheTabStaysUsable) {
     EXPECT_EQ(shown.texts[1].find('\n'), shown.texts[1].rfind('\n'));
     EXPECT_EQ(shown.buttons, std::vector<std::string>{"OK"});
 
-    // The previous page is still shown.
+    // The previous page is still shown after the failed load.
     EXPECT_EQ(tab->window()->title(), "/shown");
     EXPECT_EQ(tab->addressField()->stringValue(), server.url("/shown"));
     EXPECT_FALSE(tab->progressBar()->isActive());

@@ -239,7 +239,8 @@ TEST_F(MainMenuTest, itsKeysDoWhatItsItemsSayWhereverTheFocusIs) {
             EXPECT_TRUE(runUntil([&] { return !TestSupport::isActive(*first->window()); })) << key;
             TestSupport::activate(*first->window());
         }
-        // The key equivalents of disabled items have no effect and do not insert characters into the field.
+        // The key equivalents of disabled items have no effect and do not insert characters into the address
+        // field.
         const auto text = first->addressField()->stringValue();
         press(first, "ctrl+alt+h");
         press(first, "ctrl+period");

@@ -144,7 +144,7 @@ TEST_F(NavigationTest, stopStopsAnAnswerThatHasNotCome) {
     ASSERT_TRUE(runUntil([&] { return server.count("/held") == 1; }));
     performFromMenu(*tab, BrowserAction::stopLoading);
     ASSERT_TRUE(runUntil([&] { return !tab->webView()->isLoading(); }));
-    // The previous page is still shown.
+    // The previous page is still shown after the load has been stopped.
     ASSERT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/shown"); }));
     EXPECT_EQ(tab->window()->title(), "/shown");
     EXPECT_FALSE(TestSupport::shownSheet(*tab->window()));

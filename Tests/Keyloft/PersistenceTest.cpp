@@ -18,7 +18,7 @@ using TestSupport::eventually;
 using TestSupport::HTTPResponse;
 using TestSupport::Program;
 
-/// Runs the real program several times as the same user.
+/// Tests the data that the real program keeps between several runs by the same user.
 class PersistenceTest : public testing::Test {
 public:
     PersistenceTest(const PersistenceTest&) = delete;

@@ -45,7 +45,7 @@ TEST_F(ReturnedKeyTest, theControlThatTabLeadsToIsSeenToHaveTheFocus) {
     EXPECT_TRUE(runUntil([&] { return TestSupport::showsFocus(*tab->reloadButton()); }));
 }
 
-// The slow page returns the Shift key event only after Tab has been pressed.
+// The page handles events slowly, so it returns the Shift key event only after Tab has been pressed.
 TEST_F(ReturnedKeyTest, aPageThatIsSlowToAnswerIsLeftByOneControlToo) {
     delegate->bookmarks()->add({"One", url("https://one.test/")});
     delegate->bookmarks()->add({"Two", url("https://two.test/")});

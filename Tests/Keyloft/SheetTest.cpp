@@ -108,7 +108,7 @@ TEST_F(SheetTest, onAHiddenTabWaitsMarksItAndNeverSelectsIt) {
     EXPECT_FALSE(shownSheet(*beside->window()));
     EXPECT_TRUE(hasFocus(*beside->webView()));
 
-    // Key presses are sent to the selected tab.
+    // Key presses are sent to the selected tab, not to the sheet of the hidden tab.
     pressKey("Return");
     pressKey("Escape");
     ASSERT_TRUE(typeAddress(beside, "typed"));
@@ -128,8 +128,8 @@ TEST_F(SheetTest, aLoadErrorAndAPanelOfOnePageWaitForEachOther) {
     asking->load(url("http://no-such-host.invalid/"));
     ASSERT_TRUE(waitForSheet(asking));
     ask(asking);
-    // This page calls confirm() while another page loads. The confirm() sheet is shown only after the load
-    // error sheet is closed.
+    // Load another page to allow time for the call to confirm(). The confirm() sheet is shown only after the
+    // load error sheet is closed.
     ASSERT_TRUE(loadPage(openPage("/beside"), "/meanwhile"));
     TestSupport::activate(*asking->window());
     EXPECT_EQ(present(shownSheet(*asking->window())).texts.at(0), "Keyloft can't open the page");
@@ -245,7 +245,8 @@ TEST_F(SheetTest, theKeyboardGoesRoundInsideOfIt) {
     TestSupport::activate(*asking->window());
     ask(asking);
     ASSERT_TRUE(runUntil([&] { return hasSheetFocus(*asking->window()); }));
-    // The sheet has two buttons, so the default button has the focus again at the end.
+    // The keys move the focus between the two buttons of the sheet, so the default button has the focus again
+    // at the end.
     for (const char* key : {"Tab", "Tab", "Tab", "Tab", "shift+Tab", "shift+Tab", "shift+Tab", "shift+Tab"}) {
         pressKey(key);
         pressKey("Control_L"); // gives the previous key press time to take effect

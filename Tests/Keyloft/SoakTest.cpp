@@ -81,8 +81,8 @@ protected:
         }
     }
 
-    /// Opens a tab. Half of the tabs stay blank, because each page starts a web process. Tabs that a page
-    /// opens share the web process of that page.
+    /// Opens a tab. Half of the tabs stay blank, to limit the number of web processes. Tabs that a page opens
+    /// share the web process of that page.
     void openAny() {
         static constexpr const char* paths[] = {"/page", "/page", "/held", "/endless", "/asking", "/opening"};
         const auto open = controllers();

@@ -165,7 +165,7 @@ TEST_F(WebProcessEndTest, aPagesPanelIsAnsweredAtOnce) {
     ASSERT_TRUE(waitForSheet(tab));
     ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
-    // The sheet may remain until the user closes it. The answer then has no effect.
+    // The sheet may stay open until the user closes it. The user's answer then has no effect.
     if (TestSupport::shownSheet(*tab->window())) {
         TestSupport::pressSheetButton(*tab->window(), "OK");
     }

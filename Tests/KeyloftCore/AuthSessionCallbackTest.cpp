@@ -1,4 +1,4 @@
-// Tests the session's delegate methods by calling them directly, without a window or a page.
+// Tests the delegate methods of AuthSession by calling them directly, without a window or a page.
 
 #include "Tests/KeyloftCore/AuthSessionTest.h"
 #include "Tests/Support/MemoryStream.h"
@@ -53,7 +53,7 @@ class AuthSessionEnding : public AuthSessionTest {};
 
 } // namespace
 
-// Policy
+// Navigation policy
 
 TEST_F(AuthSessionPolicy, VectorsHold) {
     const auto session = makeSession();
@@ -250,7 +250,7 @@ TEST_F(AuthSessionEnding, onlyTheFirstCounts) {
     ask(session, get("https://client.example/cb?code=second"));
     ASSERT_EQ(endings.size(), 1U);
     EXPECT_EQ(result().params, (Parameters{{"code", "first"}}));
-    // Later events are still logged.
+    // Events that occur after the session has ended are still logged.
     EXPECT_EQ(lines(), (Lines{"nav GET https://client.example/cb?code=first body=-1 stream=false type=-1",
                               R"(captured keys=["code"] code=first state=-)",
                               "didFailProvisional NSURLErrorDomain -1003 It went wrong.", "webViewDidClose",

@@ -25,7 +25,7 @@ class AuthSessionAsWritten : public AuthSessionTest {};
 
 } // namespace
 
-// Windows
+// The window of a session
 
 TEST_F(AuthSessionWindow, isSmallAndOnlyToBeClosed) {
     const auto session = startSession();
@@ -78,7 +78,7 @@ TEST_F(AuthSessionWindow, isOnlyHiddenByItsCloseButton) {
     EXPECT_EQ(result().params, (Parameters{{"code", "a"}}));
 }
 
-// Loading
+// Loading the authorize URL
 
 TEST_F(AuthSessionLoad, goesStraightToTheProviderWithoutAnInitiator) {
     const auto session = startSession();
@@ -162,7 +162,7 @@ TEST_F(AuthSessionLoad, thatAnotherReplacesEndsNothing) {
               0);
 }
 
-// Timeouts
+// Timeout of a session
 
 TEST_F(AuthSessionTimeout, isFiveMinutes) {
     const auto session = startSession();
@@ -203,7 +203,7 @@ TEST_F(AuthSessionTimeout, comesThoughTheWindowWasClosed) {
     EXPECT_EQ(error().kind(), HostError::Case::timeout);
 }
 
-// Pages
+// Navigation, forms and panels of the page
 
 TEST_F(AuthSessionPage, thatGoesToTheRedirectURIIsCaptured) {
     const auto session = startSession();

@@ -29,8 +29,8 @@ bool isSessionLine(const std::string& line) {
 
 AuthSessionTest::AuthSessionTest() {
     proxy.route(connectTarget, HTTPResponse().withEnding(HTTPResponse::Ending::held));
-    // All tests in this process share WebKitGTK's network process, which reads these variables only once. No
-    // server listens on this port, so traffic that a test does not redirect fails.
+    // All tests in this process share WebKitGTK's network process, which reads the proxy variables only once.
+    // No server listens on port 9, so requests that a test does not redirect fail.
     for (const auto* variable : {"http_proxy", "https_proxy"}) {
         setenv(variable, "http://127.0.0.1:9", 1);
     }
@@ -78,8 +78,8 @@ AuthSessionTest::Session AuthSessionTest::startSession(const std::optional<std::
 
 void AuthSessionTest::start(const Session& session) {
     session->start();
-    // It is not too late to redirect the traffic: the page sends no request before the policy decision, which
-    // is made on this process's main loop.
+    // The traffic can be redirected after `start`, because the page sends no request before the policy
+    // decision, which is made on this process's main loop.
     TestSupport::redirectTraffic(*Inspector::webView(*session, Inspector::runCount(*session) - 1),
                                  proxy.port());
 }

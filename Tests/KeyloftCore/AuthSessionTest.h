@@ -64,7 +64,7 @@ protected:
     /// All lines written to standard error so far.
     const Lines& everything();
 
-    /// The result or the error with which the first session ended.
+    /// The result or the error of the session that ended first.
     const KeyloftCore::AuthResult& result() const { return endings.at(0).value(); }
     const KeyloftCore::HostError& error() const { return endings.at(0).error(); }
 

@@ -126,7 +126,7 @@ TEST(AuthorizeRequest, refusesARedirectURIThatIsNotHTTPS) {
 }
 
 TEST(AuthorizeRequest, checksTheURLBeforeTheRedirectURI) {
-    // If both are invalid, the first check determines the error.
+    // If both the authorize URL and the redirect URI are invalid, the error reports the authorize URL.
     EXPECT_EQ(error("http://appleid.apple.com/auth/authorize"), notAuthorize);
     EXPECT_EQ(error("https://client.example/auth/authorize?redirect_uri=http://client.example"),
               notAuthorize);
@@ -224,7 +224,8 @@ TEST(AuthorizeRequest, anEmptyPathIsTheRoot) {
 }
 
 TEST(AuthorizeRequest, aHostThatIsNotUTF8MatchesNothing) {
-    // A host that cannot be decoded looks like an absent host.
+    // `URL::host` returns nothing for a host that cannot be decoded, as for an absent host. The two must not
+    // match.
     for (const auto* text : {"https://%FF/cb", "https://%FE/cb", "https://u@%FF/cb", "https:/cb",
                              "https:///cb", "https:///%FF/cb"}) {
         EXPECT_FALSE(requestTo("https://%25FF/cb").matchesRedirect(url(text))) << text;
@@ -247,7 +248,8 @@ TEST(AuthorizeRequest, hostsAreComparedDecodedAndInASCII) {
 }
 
 TEST(AuthorizeRequest, aPathThatIsNoUTF8MatchesNothing) {
-    // Neither path can be decoded. An absent path would be equivalent to the root path.
+    // A path that does not decode to UTF-8 must not be treated as an absent path, which is equivalent to the
+    // root path.
     EXPECT_FALSE(requestTo("https://client.example").matchesRedirect(url("https://client.example/%FF")));
     EXPECT_FALSE(requestTo("https://client.example/").matchesRedirect(url("https://client.example/a%80")));
     EXPECT_FALSE(requestTo("https://client.example/%25FF").matchesRedirect(url("https://client.example/")));

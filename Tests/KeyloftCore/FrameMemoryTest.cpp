@@ -72,7 +72,7 @@ TEST(FrameDecoderMemory, aRefusedLengthIsNeverAllocated) {
     EXPECT_LT(largestRequestIn([&] {
                   EXPECT_THROW(decoder.append("\xFF\xFF\xFF\xFF some bytes"),
                                NativeMessageFrame::DecodeError);
-                  // Input after the refused prefix is not buffered either.
+                  // Input after the rejected prefix must not be buffered either.
                   for (int turn = 0; turn < 10; ++turn) {
                       EXPECT_THROW(decoder.append(chunk), NativeMessageFrame::DecodeError);
                   }

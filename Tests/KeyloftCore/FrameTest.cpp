@@ -26,7 +26,8 @@ using Payloads = std::vector<std::string>;
 
 std::string encode(std::string_view payload) { return NativeMessageFrame::encode(payload); }
 
-/// Appends `chunk`. Returns the length that the decoder refuses, or `std::nullopt` if it accepts the chunk.
+/// Passes `chunk` to the decoder. Returns the frame length that the decoder rejects, or `std::nullopt` if it
+/// accepts the chunk.
 std::optional<std::int64_t> refused(FrameDecoder& decoder, std::string_view chunk) {
     try {
         decoder.append(chunk);

@@ -170,7 +170,8 @@ TEST_F(HostilePeerTest, aPeerThatNeverReadsIsGivenUpAfterThreeSeconds) {
     expectService();
     const auto waited = Clock::now() - begin;
     EXPECT_GE(waited, std::chrono::milliseconds(2900));
-    // If the listener tried to write again after the first write timed out, this would take six seconds.
+    // The next peer would wait for six seconds if the listener tried to write again after the first write
+    // timed out.
     EXPECT_LT(waited, std::chrono::milliseconds(5500));
     expectService();
     EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(5800));
@@ -253,8 +254,8 @@ TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
         RawPeer open(path);
         ASSERT_TRUE(open.send("\x05\0"sv));
         expectService();
-        // A later connection has been served, so this connection has been accepted. Once the other
-        // connections are closed, it accounts for two descriptors, one on each side.
+        // A later connection has been served, so `open` has been accepted. Once the other connections are
+        // closed, only `open` accounts for additional descriptors: one at each end.
         ASSERT_TRUE(eventually([&] { return openDescriptors() == before + 2; }));
         std::vector<RawPeer> waiting(2);
         const auto begin = Clock::now();
@@ -269,7 +270,7 @@ TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
         EXPECT_LT(processorSeconds() - processor, 0.1) << "waiting for a descriptor must not be a busy loop";
         EXPECT_EQ(requests.count(), answered);
 
-        open.close(); // frees two descriptors: this one, and then the listener's
+        open.close(); // frees the descriptors of both ends, because the listener then closes its end
         for (auto& peer : waiting) {
             EXPECT_EQ(peer.receiveAll(), frame("echo hungry"));
         }
@@ -314,7 +315,7 @@ TEST_F(HostilePeerTest, noiseIsNeverARequestThatNobodySent) {
         for (auto& byte : noise) {
             byte = static_cast<char>(random() % 256);
         }
-        // Make the length exceed the limit, regardless of the other bytes.
+        // Make the announced payload length exceed the limit, regardless of the random bytes.
         noise[3] = static_cast<char>(random() % 255 + 1);
         peer.send(noise);
         EXPECT_EQ(peer.receiveAll(), "");

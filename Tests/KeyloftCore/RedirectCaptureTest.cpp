@@ -47,7 +47,7 @@ Captured capture(const NavigationAction& action, const std::optional<SubmittedFo
     return {.parameters = std::move(parameters), .log = error.messages()};
 }
 
-/// A navigation to the redirect URI followed by `rest`.
+/// A GET navigation to the redirect URI with `rest` appended.
 NavigationAction get(std::string_view rest) {
     NavigationAction action;
     action.url = url(std::string(redirect) + std::string(rest));
@@ -109,7 +109,7 @@ TEST(PolicyVectors, holdOfTheHosts) {
     });
 }
 
-// Sources of the parameters
+// Sources of the captured parameters
 
 TEST(RedirectCapture, theLastOfSeveralEqualNamesCounts) {
     EXPECT_EQ(capture(get("?code=a&code=b")).parameters, (Parameters{{"code", "b"}}));
@@ -209,7 +209,7 @@ TEST(RedirectCapture, aLongActionIsCut) {
               "POST body missing; using hooked form fields for " + std::string(80, 'a'));
 }
 
-// Logging
+// Log lines about captures and navigations
 
 TEST(RedirectCapture, upToTwelveCharactersAreLoggedWhole) {
     EXPECT_EQ(capture(get("?code=123456789012")).log.back(),
@@ -246,7 +246,7 @@ TEST(NavigationLine, cutsTheURLAtAHundredCharacters) {
               "nav GET " + text + " body=-1 stream=false type=-1");
 }
 
-// Streams
+// Reading body streams
 
 TEST(ReadStream, readsBlocksOf4096BytesToTheEnd) {
     MemoryStream stream(std::string(9000, 'x'));
@@ -280,7 +280,7 @@ TEST(ReadStream, whatIsNoTextIsNothing) {
     EXPECT_EQ(stream.events.back(), "close");
 }
 
-// Hosts
+// Hosts of the provider
 
 TEST(ProviderHosts, areComparedExactly) {
     for (const auto* host : {"appleid.apple.com", "idmsa.apple.com", ".apple.com", "a.b.apple.com",
@@ -293,7 +293,7 @@ TEST(ProviderHosts, areComparedExactly) {
     }
 }
 
-// Pages and forms
+// The first page of a session, and the script that reports forms
 
 TEST(BootstrapPage, goesToTheAuthorizeURL) {
     EXPECT_EQ(
@@ -320,7 +320,7 @@ TEST(FormHook, isTheScriptThatPagesAreGiven) {
 })();)");
 }
 
-// Session without an application object
+// Session without an application object; messages about submitted forms
 
 TEST(AuthSessionDeathTest, needsTheApplicationObject) {
     const auto session = KeyloftCore::AuthSession::create(

@@ -1,4 +1,4 @@
-"""Runs the relay's examples as a user would. Each test has an empty home directory.
+"""Tests the example programs of the relay by running them as a user would. Each test has an empty home directory.
 
     RelayExamplesTest.py HOST PEER…
 """
@@ -35,7 +35,7 @@ def frame(payload):
 
 
 def receive_all(connection):
-    """Returns everything that the other end sends before it closes."""
+    """Returns everything that the other end sends before it closes the connection."""
     data = b""
     with contextlib.suppress(ConnectionResetError):
         while received := connection.recv(65536):
@@ -53,7 +53,7 @@ def for_each_peer(test):
 
 class RelayExamples(unittest.TestCase):
     def setUp(self):
-        # With a home directory of these 16 bytes, the second path has the maximum length of a socket's path.
+        # The path of this home directory has 16 bytes. The second candidate path therefore has the maximum length.
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="kl-", dir="/tmp"))
         self.addCleanup(shutil.rmtree, self.home)
         # On macOS the home directory comes from CFFIXED_USER_HOME or the user database, not from HOME.
@@ -90,7 +90,7 @@ class RelayExamples(unittest.TestCase):
 
     @contextlib.contextmanager
     def answering(self, reply):
-        """Listens on the first path and answers one question with these bytes."""
+        """Listens on the first candidate path and sends `reply` in response to one request."""
         path = self.home / FIRST
         path.parent.mkdir(parents=True, exist_ok=True)
         with socket.socket(socket.AF_UNIX) as listener:

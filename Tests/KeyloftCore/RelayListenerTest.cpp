@@ -297,7 +297,8 @@ TEST_F(RelayListenerTest, theLastReferenceMayGoOnTheQueue) {
 }
 
 TEST_F(RelayListenerTest, destroyedOnTheQueueLeavesItsSocketToTheCancelHandler) {
-    // Dispatch may monitor the descriptor until the cancel handler runs.
+    // The listening socket must stay open until the cancel handler runs, because Dispatch may monitor it
+    // until then.
     Event done;
     const int listening = dup(0); // the number of the next descriptor to be opened
     close(listening);
@@ -481,7 +482,7 @@ TEST_F(RelayListenerTest, aDirectoryInItsPlaceIsABindError) {
     const Mask mask(022);
     EXPECT_EQ(listenError(*listener, path), RelaySocketError::syscall("bind", EADDRINUSE));
     EXPECT_EQ(Mask::current(), 022U) << "the mask is given back after a failure too";
-    // The listener is unchanged and can listen again.
+    // After a failed call to `listen`, the listener is unchanged and can listen again.
     ASSERT_EQ(rmdir(path.c_str()), 0);
     startEcho();
     EXPECT_EQ(ask(path, "x"), "echo x");
@@ -657,7 +658,7 @@ TEST_F(RelayListenerTest, closingDuringTrafficEndsEveryClient) {
                             client.writeFrame("x");
                             reply = client.readFrame(longWait);
                         } catch (const RelaySocketError&) {
-                            reply.reset(); // closed by the listener
+                            reply.reset(); // the listener has closed the connection
                         }
                         client.close();
                         if (!reply) {

@@ -309,7 +309,8 @@ TEST(RelayResult, theFirstFailingCheckTells) {
 }
 
 TEST(RelayProtocol, confirmChecksOneAfterTheOther) {
-    // A message with two faults is denied like a message with one fault: no check undoes an earlier one.
+    // A message with two faults is denied like a message with one fault: no check undoes the result of an
+    // earlier check.
     const std::vector<std::pair<std::string, JSONValue>> faults = {
         {"redirectUri", "https://evil.test/"}, {"state", "other"}, {"nonce", "other"}};
     for (const auto& first : faults) {

@@ -65,7 +65,8 @@ TEST(RelayTarget, writesSortedCompactJSONWithPlainSlashes) {
 
 TEST(RelayTarget, writesURLSafeBase64WithoutPadding) {
     for (std::size_t length = 0; length < 6; ++length) {
-        // Encoding these bytes takes both characters in which the two base64 alphabets differ.
+        // The encoded target contains both characters that differ between the standard and the URL-safe
+        // base64 alphabets.
         const auto fragment = target(std::string(length, 'x') + "\u07FF\u083E?>~\u07FF").fragment();
         EXPECT_TRUE(fragment.starts_with("keyloft="));
         EXPECT_EQ(fragment.find_first_of("+/=", 8), std::string::npos) << fragment;
@@ -101,7 +102,7 @@ TEST(RelayTarget, needsItsKeyInFront) {
 }
 
 TEST(RelayTarget, readsKeptPaddingAndTheOrdinaryAlphabet) {
-    // One of the three lengths needs no padding. The others need one or two padding characters.
+    // The lengths of these states differ, so that base64 requires zero, one and two padding characters.
     for (const auto* state : {"\u07FF\u083E", "\u07FF\u083Ex", "\u07FF\u083Exy"}) {
         const auto read = RelayTarget::fromFragment(fragmentOf(decoded(target(state).fragment())));
         EXPECT_EQ(read, target(state));

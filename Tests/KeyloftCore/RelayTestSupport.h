@@ -35,7 +35,8 @@ namespace TestSupport {
 /// Timeout, in seconds, for a reply that is certain to arrive.
 inline constexpr double longWait = 30;
 
-/// A peer that can violate the protocol. It calls the kernel directly. The destructor closes its socket.
+/// A peer that can violate the protocol, because it uses system calls directly. The destructor closes its
+/// socket.
 class RawPeer {
 public:
     RawPeer()

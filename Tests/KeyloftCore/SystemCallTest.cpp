@@ -244,7 +244,7 @@ TEST_F(SystemCallTest, aPeerWhoseUserCannotBeToldIsRefusedUnread) {
 
 TEST_F(SystemCallTest, aPeerOfAnotherUserIsRefusedUnread) {
     startEcho();
-    // Root is refused as well.
+    // Peers that run as root are refused as well.
     for (const uid_t user : {getuid() + 1, static_cast<uid_t>(-1), getuid() == 0 ? 1U : 0U}) {
         std::atomic<int> reads = 0;
         SystemCalls system;

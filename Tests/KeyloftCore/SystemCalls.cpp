@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <string>
 
-// Names that the linker's option --wrap gives to the original functions and to their replacements.
+// Symbols that the linker option --wrap uses for the original functions and their replacements.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 
 extern "C" {

@@ -43,7 +43,7 @@ struct SystemCalls {
 
     /// The installed functions, or null. Not owned.
     static std::atomic<const SystemCalls*> current;
-    /// Number of threads that are currently in one of the functions.
+    /// Number of threads that are currently executing one of the installed functions.
     static std::atomic<int> asking;
 };
 
@@ -62,7 +62,7 @@ public:
     }
 };
 
-/// The system calls without interception.
+/// Make a system call without interception.
 ssize_t realSend(int descriptor, const void* bytes, std::size_t count, int flags);
 int realStat(std::string_view path, struct stat* status);
 

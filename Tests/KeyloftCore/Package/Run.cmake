@@ -38,7 +38,7 @@ function(build_by_find_package folder)
   run("${CMAKE_COMMAND}" --build "${SCRATCH}/build")
 endfunction()
 
-# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config. The C++ standard comes from the package's flags alone.
+# Builds the folder's consumer.cpp as SCRATCH/by-pkg-config. Only the package's flags select the C++ standard.
 function(build_by_pkg_config package folder)
   file(GLOB_RECURSE description "${SCRATCH}/prefix/*/${package}.pc")
   get_filename_component(descriptions "${description}" DIRECTORY)

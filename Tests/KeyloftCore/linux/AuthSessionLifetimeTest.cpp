@@ -88,7 +88,7 @@ TEST_F(AuthSessionLifetime, afterTheCompletionItsCreatorHoldsIt) {
     ASSERT_TRUE(waitForEnding());
     EXPECT_EQ(weak.use_count(), 1);
 
-    // The page is still loaded and can still navigate.
+    // After the completion, the page is still loaded and can still navigate.
     EXPECT_FALSE(Inspector::window(*session)->isVisible());
     runScript(*view, "location.href = 'https://client.example/cb?code=b'");
     ASSERT_TRUE(waitForLine(R"(captured keys=["code"] code=b state=-)"));

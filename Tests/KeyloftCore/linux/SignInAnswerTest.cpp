@@ -35,7 +35,7 @@ protected:
     struct Answer {
         std::string name;
         ResponseMode mode = ResponseMode::formPost;
-        /// The body of the sign-in page, and the response at `next`.
+        /// The body of the sign-in page, and the response for the URL `next`.
         std::string page;
         HTTPResponse continuation;
         /// Called after the page has loaded. Performs the action of the page or the user.
@@ -61,7 +61,7 @@ protected:
         return std::string(R"(captured keys=["code", "state", "user"])") + shownValues;
     }
 
-    /// The page contains a form that is submitted to the redirect URI.
+    /// The provider responds with a page whose form is submitted to the redirect URI.
     Answer byForm(const std::string& name, std::function<void()> act) const {
         return {.name = name,
                 .mode = ResponseMode::formPost,
@@ -82,8 +82,8 @@ protected:
         return answer;
     }
 
-    /// The page contains a form that is submitted to the provider. A redirect with status 307 passes the form
-    /// on to the redirect URI unchanged.
+    /// The provider responds with a page whose form is submitted to the provider. A redirect with status 307
+    /// passes the form on to the redirect URI unchanged.
     Answer byPassedOnForm() const {
         auto answer = byForm("a form passed on by 307", script("document.forms[0].requestSubmit()"));
         answer.page = form("/auth/continue");

@@ -1,4 +1,4 @@
-// Tests how sign-ins end that receive no response or several responses.
+// Tests how a sign-in ends if the session receives no response or more than one.
 
 #include "Platform/AppKit/Window.h"
 #include "Platform/WebKit/WebView.h"

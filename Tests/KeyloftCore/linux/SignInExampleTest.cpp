@@ -1,4 +1,4 @@
-// Tests the example program by running it as a user does.
+// Tests the example program auth-session by running it as a user would.
 
 #include "Tests/KeyloftCore/linux/SignInTest.h"
 #include "Tests/Support/AccessibilityTree.h"

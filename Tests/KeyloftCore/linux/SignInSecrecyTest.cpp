@@ -109,7 +109,7 @@ TEST_F(SignInSecrecyTest, nothingThatAPageKeepsOutlivesItsSession) {
     server->route("/auth/authorize", keepingPage("of-the-browser"));
     browser->load({.url = request(ResponseMode::formPost).url()});
     EXPECT_TRUE(runUntil([&] { return browser->title() == "none and undefined"; }));
-    // Prove that `isOnDisk` finds stored data.
+    // Verify that `isOnDisk` finds stored data.
     EXPECT_TRUE(runUntil([] { return isOnDisk("cookie-of-the-browser"); }));
     EXPECT_TRUE(runUntil([] { return isOnDisk("stored-of-the-browser"); }));
     EXPECT_FALSE(isOnDisk("cookie-of-a-session"));

@@ -25,8 +25,8 @@ constexpr auto beginnings = std::to_array<std::string_view>(
 
 constexpr std::chrono::seconds patience(60);
 
-/// A blocked URL, the last navigation of a test. Once the log reports the block, it also contains everything
-/// that was logged earlier.
+/// A URL that sessions block. Tests navigate to it last: once the log reports that it was blocked, the log
+/// also contains everything that was logged earlier.
 constexpr auto farewell = "https://farewell.example/";
 constexpr auto farewellBlocked = "blocked navigation to farewell.example";
 
@@ -122,8 +122,8 @@ SignInTest::Lines SignInTest::lines() const {
 
 void SignInTest::expectLinesOnceQuiet(const Lines& expected) const {
     EXPECT_TRUE(waitForLine(expected.back()));
-    // Use a timer: an immediate assignment would replace a navigation that the page has started but WebKitGTK
-    // has not reported yet.
+    // Set the location in a timer callback. Setting it immediately would replace a navigation that the page
+    // has started but WebKitGTK has not reported yet.
     run(std::string("setTimeout(() => { location.href = '") + farewell + "' })");
     EXPECT_TRUE(waitForLine(farewellBlocked));
     expectLines(expected);

@@ -62,7 +62,8 @@ protected:
 
     /// Lines that sessions have logged to standard error.
     Lines lines() const;
-    /// Waits for the last of these log lines, and expects that the log contains exactly these lines.
+    /// Waits for the last of the expected log lines, and expects that the log contains exactly the expected
+    /// lines.
     void expectLines(const Lines& expected) const;
     /// Like `expectLines`, but also expects that no further line is logged afterwards.
     void expectLinesOnceQuiet(const Lines& expected) const;
