@@ -1,6 +1,6 @@
 #include "Platform/AppKit/linux/Acceleration.h"
 
-#include <glib.h>
+#include <gtk/gtk.h>
 
 #include <system_error>
 
@@ -24,6 +24,9 @@ void chooseAcceleration(const std::filesystem::path& devices) {
     }
     g_setenv("GSK_RENDERER", "cairo", FALSE);
     g_setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", FALSE);
+    // Otherwise GTK loads OpenGL, although the cairo renderer does not use it.
+    const bool hasDisable = gtk_check_version(4, 14, 0) == nullptr;
+    g_setenv(hasDisable ? "GDK_DISABLE" : "GDK_DEBUG", hasDisable ? "gl,vulkan" : "gl-disable", FALSE);
 }
 
 } // namespace Platform

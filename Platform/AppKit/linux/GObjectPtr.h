@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include <memory>
 #include <utility>
 
 namespace Platform {
@@ -63,42 +64,29 @@ class SignalConnection {
 public:
     SignalConnection() = default;
     SignalConnection(gpointer instance, const char* signal, GCallback callback, gpointer data)
-        : instance_(G_OBJECT(instance))
-        , handler_(g_signal_connect(instance, signal, callback, data)) {
-        g_object_add_weak_pointer(instance_, weak());
+        : handler_(std::make_unique<Handler>(instance, g_signal_connect(instance, signal, callback, data))
+                       .release()) {
+        g_object_add_weak_pointer(G_OBJECT(instance), &handler_->instance);
     }
-    SignalConnection(SignalConnection&& other) noexcept { *this = std::move(other); }
-    SignalConnection& operator=(SignalConnection&& other) noexcept {
-        if (this != &other) {
-            disconnect();
-            if (other.instance_) {
-                instance_ = other.instance_;
-                handler_ = other.handler_;
-                g_object_remove_weak_pointer(other.instance_, other.weak());
-                other.instance_ = nullptr;
-                g_object_add_weak_pointer(instance_, weak());
-            }
-        }
-        return *this;
-    }
-    SignalConnection(const SignalConnection&) = delete;
-    SignalConnection& operator=(const SignalConnection&) = delete;
-    ~SignalConnection() { disconnect(); }
 
-    void disconnect() {
-        if (!instance_) {
-            return;
-        }
-        g_signal_handler_disconnect(instance_, handler_);
-        g_object_remove_weak_pointer(instance_, weak());
-        instance_ = nullptr;
-    }
+    void disconnect() { handler_.reset(); }
 
 private:
-    gpointer* weak() { return reinterpret_cast<gpointer*>(&instance_); }
+    struct Handler {
+        gpointer instance; // null once it has been finalized
+        gulong id;
+    };
+    struct Disconnect {
+        void operator()(Handler* handler) const {
+            const std::unique_ptr<Handler> owned(handler);
+            if (handler->instance) {
+                g_signal_handler_disconnect(handler->instance, handler->id);
+                g_object_remove_weak_pointer(G_OBJECT(handler->instance), &handler->instance);
+            }
+        }
+    };
 
-    GObject* instance_ = nullptr;
-    gulong handler_ = 0;
+    std::unique_ptr<Handler, Disconnect> handler_;
 };
 
 } // namespace Platform

@@ -11,7 +11,7 @@ namespace Platform {
 
 class Window;
 
-/// What all menu bars show. Main thread only.
+/// The contents shared by all menu bars. Main thread only.
 struct MenuBarSource {
     MenuBarSource() = default;
     MenuBarSource(const MenuBarSource&) = delete;

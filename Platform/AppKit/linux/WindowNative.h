@@ -16,7 +16,7 @@ namespace Platform {
 /// Creates an invisible top-level window with the saved frame or the content size of `window`, and returns
 /// its tab view, which is empty.
 AdwTabView* createTopLevel(const Window& window);
-/// Shows and raises a top-level window, which becomes the one that was used last.
+/// Shows and raises a top-level window and makes it the most recently used one.
 void presentTopLevel(GtkWindow* toplevel);
 
 /// A window's page: a child of a top-level window's tab view that contains the content and any sheet over it.
