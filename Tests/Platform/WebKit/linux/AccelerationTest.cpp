@@ -30,8 +30,13 @@ protected:
         return value ? value : "unset";
     }
 
-    static constexpr std::array<const char*, 2> variables = {"GSK_RENDERER",
-                                                             "WEBKIT_DISABLE_DMABUF_RENDERER"};
+    /// Returns true if GTK is told not to use OpenGL.
+    static bool isOpenGLDisabled() {
+        return variable("GDK_DISABLE") == "gl,vulkan" || variable("GDK_DEBUG") == "gl-disable";
+    }
+
+    static constexpr std::array<const char*, 4> variables = {"GSK_RENDERER", "WEBKIT_DISABLE_DMABUF_RENDERER",
+                                                             "GDK_DEBUG", "GDK_DISABLE"};
     const std::filesystem::path devices =
         TestSupport::sessionDirectory() / testing::UnitTest::GetInstance()->current_test_info()->name();
 };
@@ -44,6 +49,7 @@ TEST_F(Acceleration, isTurnedOffWithoutARenderNode) {
     chooseAcceleration(devices);
     EXPECT_EQ(variable("GSK_RENDERER"), "cairo");
     EXPECT_EQ(variable("WEBKIT_DISABLE_DMABUF_RENDERER"), "1");
+    EXPECT_TRUE(isOpenGLDisabled());
 }
 
 TEST_F(Acceleration, isTurnedOffWithoutAnyDevice) {
@@ -59,6 +65,7 @@ TEST_F(Acceleration, staysAsItIsWithARenderNode) {
     chooseAcceleration(devices);
     EXPECT_EQ(variable("GSK_RENDERER"), "unset");
     EXPECT_EQ(variable("WEBKIT_DISABLE_DMABUF_RENDERER"), "unset");
+    EXPECT_FALSE(isOpenGLDisabled());
 }
 
 TEST_F(Acceleration, isTheUsersChoiceFirst) {
