@@ -2,14 +2,14 @@
 // same bytes through plain system calls.
 //
 // The plain exchange has three variants. "plain" only transfers the bytes. "plain, checked" also provides the
-// guarantees of the relay: it checks the user of the peer, and limits the time for writing and reading a
-// reply. "plain, checked, polled" does the same with a server that polls all its peers, as the relay does,
+// guarantees of the relay: it checks the peer's user ID, and sets a time limit for writing and for reading
+// a reply. "plain, checked, polled" does the same with a server that polls all its peers, as the relay does,
 // instead of serving one peer at a time. The differences between the variants show the cost of the
 // guarantees, of serving several peers, and of the library. "relay" sends a fixed reply; "relay, message
 // judged" also computes the reply with RelayProtocol.
 //
-// Targets for "relay" relative to "plain": a median of at most 1.25 times, and at least 0.85 times as many
-// exchanges per second.
+// Targets for "relay": a median at most 1.25 times that of "plain", and at least 0.85 times as many exchanges
+// per second.
 //
 // Each server runs in a separate process. The clients run in this process. They switch between the servers
 // after short blocks of exchanges and begin each round with a different server, so that other load on the

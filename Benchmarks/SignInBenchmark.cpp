@@ -2,9 +2,10 @@
 // the time that a bare web view takes to display the same page.
 //
 // Sessions and bare web views alternate in one process. They load the page over TLS in a private network in
-// which this machine is the provider. Each run has its own data store and web process. The comparison is made
-// twice: the authorize URL is loaded directly, and from an initiator's page. The page counts as displayed
-// when its second animation frame begins. Prints medians, quartiles and the ratio of the medians.
+// which the provider's host names resolve to this machine. Each run has its own data store and web process.
+// The comparison is made twice: with the authorize URL loaded directly, and with an initiator's page that
+// navigates to it. The provider's page counts as displayed when its second animation frame begins. Prints
+// medians, quartiles and the ratio of the medians.
 
 #include "KeyloftCore/AuthSession.h"
 #include "KeyloftCore/RedirectCapture.h"
@@ -90,7 +91,7 @@ private:
     Clock::time_point shown_; // written before the main loop stops, read afterwards
 };
 
-/// Waits so that the web engine can finish the work of the previous measurement.
+/// Gives the web engine time to finish work from the previous measurement.
 void rest() {
     const auto timer = Platform::Timer::scheduled(pause, false, [] { RunLoop::main().stop(); });
     RunLoop::main().run();

@@ -46,7 +46,7 @@ void configureToolbarButton(Button& button, const Image& image,
     button.setToolTip(image.accessibilityDescription);
 }
 
-/// Returns the title of a script panel: the host of the frame, or `fallback` if the frame has no host.
+/// Returns the title of a JavaScript panel: the host of the frame, or `fallback` if the frame has no host.
 std::string panelTitle(const Platform::FrameInfo& frame, const char* fallback) {
     return (frame.url ? frame.url->host() : std::nullopt).value_or(fallback);
 }

@@ -4,8 +4,7 @@
 
 namespace Keyloft {
 
-/// Returns the name, version and other information that identify the browser to the desktop and in its About
-/// panel.
+/// Returns the browser's name, version and other information for the desktop and the About panel.
 Platform::ProgramInfo program();
 
 } // namespace Keyloft

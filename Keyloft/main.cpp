@@ -25,7 +25,8 @@ int main(int argc, char** argv) {
     application.setDelegate(delegate);
     application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
     const int status = application.run(argc, argv);
-    // Destroy the windows and pages now. At exit, the application object is destroyed before `delegate`.
+    // Destroy the windows and pages while the application object exists. At exit, it is destroyed before
+    // `delegate`.
     delegate.reset();
     return status;
 }

@@ -41,7 +41,7 @@ std::vector<std::string> FrameDecoder::append(std::string_view chunk) {
         if (prefixCount_ < prefixLength) {
             return payloads;
         }
-        // Keep the prefix so that every later call throws again.
+        // If the frame is too large, keep its prefix, so that every later call throws again.
         const std::size_t length = announcedLength();
         if (length > NativeMessageFrame::maxLength) {
             throw NativeMessageFrame::DecodeError::frameTooLarge(static_cast<std::int64_t>(length));

@@ -22,7 +22,8 @@ public:
         timeout,
     };
 
-    /// Creates an error of the named kind. `cancelled` and `timeout` have fixed messages.
+    /// Each function creates an error of the kind it is named after. `cancelled` and `timeout` have fixed
+    /// messages.
     static HostError badRequest(std::string message) { return {Case::badRequest, std::move(message)}; }
     static HostError noNativeSheet(std::string message) { return {Case::noNativeSheet, std::move(message)}; }
     static HostError internalError(std::string message) { return {Case::internalError, std::move(message)}; }

@@ -173,8 +173,8 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         Platform::fatalError("a relay listener needs a handler for its requests");
     }
     requirePathWithoutNUL(socketPath);
-    // A trailing slash must not change the directory of the path. Append a slash, then remove the empty last
-    // component and the file name.
+    // Determine the same directory whether or not the path has a trailing slash: append one if it is missing,
+    // then remove the empty last component and the file name.
     const auto directory = (std::filesystem::path(socketPath) / "").parent_path().parent_path();
     Platform::FileManager::defaultManager().createDirectory(directory.string(), directoryMode);
     unlink(socketPath.c_str());
@@ -283,8 +283,7 @@ void RelayListener::State::open(int connectionDescriptor, const std::shared_ptr<
     const auto connection = std::make_shared<Connection>(queue, connectionDescriptor);
     const auto weak = weak_from_this();
     // The handlers of the source must not own the connection, because the connection owns the source. A
-    // `Reply` that is kept for a long time keeps the memory of its connection allocated, but not the socket
-    // open.
+    // long-lived `Reply` keeps the memory of its connection allocated, but does not keep the socket open.
     const std::weak_ptr<Connection> weakConnection = connection;
     connection->source.setEventHandler([weak, weakConnection, onFrame] {
         const auto self = weak.lock();

@@ -39,12 +39,12 @@ struct RelayProtocol {
             friend bool operator==(const Error&, const Error&) = default;
         };
 
-        /// Creates a reply that holds the named alternative.
+        /// Each function creates a reply that holds the alternative it is named after.
         static Reply confirm(bool ok) { return Reply(Confirm{ok}); }
         static Reply ack(std::optional<AuthResult> result) { return Reply(Ack{std::move(result)}); }
         static Reply error(std::string message) { return Reply(Error{std::move(message)}); }
 
-        /// Returns the named alternative, or null if the reply holds a different one.
+        /// Each function returns the alternative it is named after, or null if the reply holds another one.
         const Confirm* confirm() const { return std::get_if<Confirm>(&value_); }
         const Ack* ack() const { return std::get_if<Ack>(&value_); }
         const Error* error() const { return std::get_if<Error>(&value_); }

@@ -10,7 +10,7 @@ namespace KeyloftCore {
 struct RelaySocketPaths {
     RelaySocketPaths() = delete;
 
-    /// The application group that is shared by the processes of the product.
+    /// The identifier of the application group, whose container holds the first candidate.
     static constexpr std::string_view appGroupID = "group.velde.orvane.keyloft";
     /// The bundle identifier of the relay extension, whose container holds the second candidate.
     static constexpr std::string_view appexBundleID = "velde.orvane.keyloft.relay.Extension";

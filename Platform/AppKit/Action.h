@@ -41,7 +41,7 @@ inline constexpr Action performMiniaturize("performMiniaturize");
 inline constexpr Action performZoom("performZoom");
 inline constexpr Action selectPreviousTab("selectPreviousTab");
 inline constexpr Action selectNextTab("selectNextTab");
-/// The action of the button that adds a tab in the tab bar.
+/// The action of the tab bar's button that opens a new tab.
 inline constexpr Action newWindowForTab("newWindowForTab");
 
 /// Actions performed by the text field or page that has the focus.
@@ -61,7 +61,7 @@ constexpr bool isEditing(Action action) {
            action == selectAll;
 }
 
-/// The sender of an action. At most one member is set. Valid only during the call.
+/// The sender of an action. At most one member is set. Valid only while the action is performed.
 struct ActionSender {
     /// The control or menu item that the user operated, or null.
     const Control* control = nullptr;

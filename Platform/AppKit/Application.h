@@ -33,7 +33,7 @@ public:
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
 
 protected:
-    /// The class is registered with the Objective-C runtime as `className`. Ignored on Linux.
+    /// On macOS, `className` names the Objective-C class of the native delegate. Ignored on Linux.
     explicit ApplicationDelegate(std::string_view className = {})
         : className_(className) {}
 
@@ -60,7 +60,7 @@ public:
         /// A program with windows, a menu bar and an icon in the Dock.
         regular,
     };
-    /// Has no effect on Linux, where every program with windows is a regular application.
+    /// Sets the policy. Ignored on Linux, where every program with windows is a regular application.
     void setActivationPolicy(ActivationPolicy policy);
 
     /// Sets the delegate, which is held weakly.
@@ -77,9 +77,9 @@ public:
     /// Sets the menu that lists the open windows after its own items.
     void setWindowsMenu(const std::shared_ptr<Menu>& menu);
 
-    /// Returns the selected tab of the window that was used last, or null if no window is visible. Opening a
-    /// menu or a sheet, or switching to another program, does not change the main window. On macOS, however,
-    /// it is null while the application is inactive.
+    /// Returns the selected tab of the most recently used window. Returns null if no window is visible or, on
+    /// macOS, while the application is inactive. Opening a menu or a sheet does not change the main window;
+    /// on Linux, neither does switching to another program.
     std::shared_ptr<Window> mainWindow() const;
 
     /// Brings the application to the front.
@@ -90,7 +90,7 @@ public:
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;
 
-    /// The native side. Internal to Platform.
+    /// The native side of the application. Internal to Platform.
     struct Native;
     Native& native() { return *native_; }
 

@@ -11,7 +11,7 @@ struct Size {
     friend bool operator==(const Size&, const Size&) = default;
 };
 
-/// A rectangle in its superview's coordinate system, whose origin is the top left corner.
+/// A view's rectangle in the coordinate system of its superview, whose origin is the top left corner.
 struct Rect {
     /// The top left corner and the size, in points.
     double x = 0;

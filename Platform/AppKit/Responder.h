@@ -29,8 +29,6 @@ protected:
     Responder() = default;
 };
 
-// Implemented by the application, which knows the whole chain.
-
 /// Sends an action to `target` or, if `target` is null, to the first object in the responder chain that
 /// responds to it. Returns true if the action was performed.
 bool sendAction(Action action, const std::shared_ptr<Responder>& target, const ActionSender& sender);

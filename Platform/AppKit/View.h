@@ -85,7 +85,7 @@ public:
     Native* nativeIfMade() const { return native_.get(); }
 
 protected:
-    /// The class is registered with the Objective-C runtime as `className`. Ignored on Linux.
+    /// On macOS, `className` names the Objective-C class of the native view. Ignored on Linux.
     explicit View(std::string_view className = {});
 
     /// Creates the native side. Subclasses override this function.

@@ -110,7 +110,7 @@ public:
     void perform(Action action, const ActionSender& sender) override;
     bool validateMenuItem(MenuItem& item) override;
 
-    /// The native side. Internal to Platform.
+    /// The native side of the window. Internal to Platform.
     struct Native;
     Native& native() { return *native_; }
 

@@ -20,11 +20,11 @@ public:
     void showWindow();
 
 protected:
-    /// The class is registered with the Objective-C runtime as `className`. Ignored on Linux.
+    /// On macOS, `className` names the Objective-C class of the native controller. Ignored on Linux.
     explicit WindowController(std::string_view className)
         : className_(className) {}
 
-    /// Sets the window. Call it once, after the controller has been assigned to a `shared_ptr`.
+    /// Sets the window. Call it once, after a `shared_ptr` has taken ownership of the controller.
     void setWindow(const std::shared_ptr<Window>& window);
 
 private:
