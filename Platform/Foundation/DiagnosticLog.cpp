@@ -30,7 +30,7 @@ std::string escapingControlCharacters(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
         const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
-        // U+0080 to U+009F are controls as well; in UTF-8 they are C2 80 to C2 9F.
+        // U+0080 to U+009F are also control characters. Their UTF-8 encodings are C2 80 to C2 9F.
         const bool isHighControl = byte == 0xC2 && next >= 0x80 && next < 0xA0;
         if ((byte < 0x20 && byte != '\t') || byte == 0x7F) {
             appendEscape(line, byte);

@@ -157,7 +157,7 @@ std::string FileManager::contents(const std::string& path) const {
     if (!file.isOpen() || fstat(file.get(), &status) != 0) {
         throw task.failure(errno);
     }
-    // For a directory, read() fails with a more specific reason.
+    // Accept a directory here, because read() then fails with a more specific error.
     if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
         throw task.failure("Not a regular file");
     }
@@ -186,7 +186,7 @@ void FileManager::writeAtomically(std::string_view data, const std::string& path
     if (lstat(destination.c_str(), &original) != 0 && errno != ENOENT) {
         throw task.failure(errno);
     }
-    // For a directory, rename() fails with a more specific reason. If no file exists, the mode is 0.
+    // Accept a directory here: rename() fails with a more specific error. If no file exists, the mode is 0.
     if (S_ISCHR(original.st_mode) || S_ISBLK(original.st_mode)) {
         throw task.failure("Not a regular file");
     }

@@ -50,7 +50,7 @@ public:
 
     /// Returns true if the value is null.
     bool isNull() const { return std::holds_alternative<std::nullptr_t>(value_); }
-    /// Each function returns a pointer to the value if the value has that type, otherwise null.
+    /// Each accessor returns a pointer to the contents if the value has the named type, otherwise null.
     const bool* boolean() const { return std::get_if<bool>(&value_); }
     const double* number() const { return std::get_if<double>(&value_); }
     const std::string* string() const { return shared<std::string>(); }

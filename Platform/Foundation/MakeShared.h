@@ -5,7 +5,7 @@
 
 namespace Platform {
 
-/// Creates an object of a class with a protected constructor, so that a `shared_ptr` always owns it.
+/// Creates an object of a class whose protected constructor ensures that a `shared_ptr` always owns it.
 template <typename T, typename... Arguments>
 std::shared_ptr<T> makeShared(Arguments&&... arguments) {
     struct Made : T {

@@ -21,7 +21,7 @@ bool isValidIPLiteral(std::string_view host) {
     const std::string_view inner = host.substr(1, host.size() - 2);
     const std::string_view address = inner.substr(0, inner.find('%'));
     const std::string_view zone = inner.substr(address.size());
-    // A "%" can only introduce the zone, and must itself be percent-encoded.
+    // In an IP literal, "%" can only introduce the zone, and must itself be percent-encoded.
     return isValid(address, Allowed::ipLiteral) &&
            (zone.empty() || (zone.starts_with("%25") && isValid(zone.substr(3), Allowed::host)));
 }
@@ -69,10 +69,10 @@ enum class Direction { toASCII, toUnicode };
 
 /// Converts a domain name according to UTS #46. Returns nothing on failure.
 std::optional<std::string> convertedName(std::string_view name, Direction direction) {
-    // Errors tolerated for display, in names that a resolver rejects. ICU checks lengths only for ASCII.
+    // IDNA errors that are ignored when converting to Unicode. A resolver rejects such names anyway.
     constexpr std::uint32_t shown = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LEADING_HYPHEN |
                                     UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
-    // Foundation's limit for the length of the name and of its conversion, in bytes.
+    // Foundation's limit for the length of the name and of the converted name, in bytes.
     constexpr std::size_t longest = 2048;
     if (idna() == nullptr || name.size() > longest) {
         return std::nullopt;

@@ -97,7 +97,7 @@ Application::Application()
     assertMainThread("Application::shared");
     chooseAcceleration();
     holdBackToolkitTheme();
-    // A program without a valid identifier does not get a name on the bus.
+    // Without a valid application ID, GApplication does not claim a name on the session bus.
     const std::string& identifier = programInfo().identifier;
     const char* id = g_application_id_is_valid(identifier.c_str()) ? identifier.c_str() : nullptr;
     // A second launch passes its command line to the running process unchanged. D-Bus activation passes a
@@ -170,8 +170,8 @@ void Application::Native::opened(GApplication* /*application*/, GFile** files, i
 }
 
 void Application::prepare() {
-    // A program that runs the main loop itself receives no URLs from other processes, and may run at the same
-    // time as the browser.
+    // A program that runs the main loop itself receives no URLs from other processes. Make it non-unique, so
+    // that it can run at the same time as the browser.
     auto* application = G_APPLICATION(native_->gtk());
     g_application_set_flags(application, static_cast<GApplicationFlags>(g_application_get_flags(application) |
                                                                         G_APPLICATION_NON_UNIQUE));
@@ -214,8 +214,8 @@ void Application::activateIgnoringOtherApps() {
 }
 
 std::shared_ptr<Responder> Application::Native::targetForAction(Action action) {
-    // The key window precedes the main window in the responder chain. A non-owning pointer to the panel is
-    // enough, because the panel exists until the process exits.
+    // If the About panel is the key window, it precedes the main window in the responder chain. A non-owning
+    // pointer is enough, because the panel exists until the process exits.
     if (aboutPanel.isKey() && aboutPanel.respondsTo(action)) {
         return {std::shared_ptr<void>(), &aboutPanel};
     }

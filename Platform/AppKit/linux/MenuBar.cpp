@@ -48,8 +48,8 @@ std::string menuLabel(const std::string& title) {
     return label;
 }
 
-/// Returns the maximum width of a menu's labels, in GTK's unit of an average character. A label may take two
-/// fifths of the screen's width, so that the menu with its margins and key equivalents takes no more than
+/// Returns the maximum width of a menu's labels, in GTK's unit, the average character width. A label may take
+/// two fifths of the screen's width, so that the menu with its margins and key equivalents takes no more than
 /// half.
 int greatestTextWidth(GtkWidget* widget) {
     GdkDisplay* display = gtk_widget_get_display(widget);
@@ -136,7 +136,7 @@ MenuBar::~MenuBar() = default;
 void MenuBar::connectPopovers() {
     for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item;
          item = gtk_widget_get_next_sibling(item)) {
-        // Otherwise the item takes the focus when the pointer moves over it (seen with GTK 4.8.3, not
+        // Keep the item from taking the focus when the pointer moves over it (seen with GTK 4.8.3, not
         // reported).
         gtk_widget_set_focusable(item, FALSE);
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
@@ -162,8 +162,8 @@ void MenuBar::opened(GtkWidget* popover) {
 /// not reported).
 void MenuBar::closed(GtkPopover* /*popover*/) {
     const std::weak_ptr<Window> main = source_.mainWindow();
-    // Deferred, because another menu may open immediately, and the action of the chosen item may move the
-    // focus itself.
+    // Move the focus later, because another menu may open immediately, and the action of the chosen item may
+    // move the focus itself.
     RunLoop::main().perform([main] {
         if (const auto window = main.lock()) {
             window->native().takeFocus();

@@ -8,7 +8,7 @@ namespace Platform {
 
 namespace {
 
-/// The number of key events to remember. Users do not type further ahead of a page than this.
+/// The number of key events to remember. Users do not type that many keys ahead of a page.
 constexpr std::size_t keptKeys = 64;
 
 } // namespace

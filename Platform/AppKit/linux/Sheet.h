@@ -9,7 +9,7 @@
 
 namespace Platform {
 
-/// A card with an alert's texts and buttons, on a shade that covers the widgets below it.
+/// A card with an alert's texts and buttons, on a translucent layer that covers the widgets below it.
 class Sheet {
 public:
     /// Calls `answered` with the index of the button that the user chooses. `answered` may destroy the sheet.

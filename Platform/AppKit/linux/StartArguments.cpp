@@ -2,7 +2,7 @@
 
 namespace Platform {
 
-// With this option GApplication waits for a request from D-Bus.
+// With `--gapplication-service`, GApplication waits for a request from D-Bus.
 bool isSystemArgument(std::string_view argument) { return argument == "--gapplication-service"; }
 
 } // namespace Platform

@@ -62,8 +62,8 @@ TabHost::TabHost(TabHosts& hosts)
     adw_tab_bar_set_view(tabBar, tabView_);
     gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabBar));
 
-    // AdwTabView handles its shortcuts before the page receives the keys. Enable only these two and leave all
-    // other keys to the page.
+    // AdwTabView handles its shortcuts before the page receives the keys. Enable only Control+Tab and
+    // Control+Shift+Tab, and leave all other keys to the page.
     adw_tab_view_set_shortcuts(tabView_,
                                static_cast<AdwTabViewShortcuts>(ADW_TAB_VIEW_SHORTCUT_CONTROL_TAB |
                                                                 ADW_TAB_VIEW_SHORTCUT_CONTROL_SHIFT_TAB));
@@ -102,7 +102,7 @@ void TabHost::setFrame(const Window& window) {
     SavedFrame frame{.width = static_cast<int>(window.contentSize().width),
                      .height = static_cast<int>(window.contentSize().height) + barHeight};
     if (const auto saved = hosts_.savedFrames().frame(window.frameAutosaveName())) {
-        // No upper limit is needed, because GTK fits the window to the screen.
+        // A saved frame needs no upper limit, because GTK fits the window to the screen.
         frame = *saved;
         frame.width = std::max(frame.width, static_cast<int>(window.minSize().width));
         frame.height = std::max(frame.height, static_cast<int>(window.minSize().height) + barHeight);
@@ -132,8 +132,8 @@ std::vector<std::shared_ptr<Window>> TabHost::windows() const {
 void TabHost::present() {
     wasUsed();
     gtk_window_present(toplevel());
-    // Flush the request, so that the window manager can work while this process prepares the page's first
-    // load.
+    // Flush the display connection, so that the window manager can show the window while this process
+    // prepares the page's first load.
     gdk_display_flush(gtk_widget_get_display(toplevel_.get()));
 }
 

@@ -72,7 +72,7 @@ private:
     std::vector<SignalConnection> connections_;
 };
 
-/// The open top-level windows, and what they share. Must outlive them. Main thread only.
+/// Owns the open top-level windows and their shared state. Must outlive every TabHost. Main thread only.
 class TabHosts final : public MenuBarSource {
 public:
     /// Called when the last top-level window has lost its last page.
@@ -84,7 +84,7 @@ public:
     void remove(const std::shared_ptr<TabHost>& host);
 
     SavedFrames& savedFrames();
-    /// Created when the first window is shown.
+    /// The saved window frames. Null until the first window is shown.
     std::unique_ptr<SavedFrames> frames;
 
     /// All hosts, in creation order.

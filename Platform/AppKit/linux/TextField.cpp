@@ -73,7 +73,7 @@ TextFieldEvents::TextFieldEvents(TextField& owner, GtkWidget* editable)
     widget = GObjectPtr<GtkWidget>::retain(editable);
     gtk_editable_set_text(GTK_EDITABLE(editable), field.stringValue_.c_str());
     g_object_set(editable, "placeholder-text", field.placeholder_.c_str(), nullptr);
-    // Long text scrolls. By default, the field would request enough width for a few words.
+    // Request no width for the text, which scrolls. By default, GTK requests enough width for a few words.
     gtk_editable_set_width_chars(GTK_EDITABLE(editable), 0);
     // Also keep the placeholder from requesting a width.
     GtkWidget* placeholder = gtk_widget_get_first_child(GTK_WIDGET(text));

@@ -200,7 +200,7 @@ void View::setExpands(Orientation orientation) {
 }
 
 void View::setNeedsLayout() {
-    // Frames that `layout` sets must not request another layout.
+    // Do not request another layout while `layout` sets the frames of the subviews.
     if (native_ && !native_->isPlacing) {
         gtk_widget_queue_allocate(native_->widget.get());
     }

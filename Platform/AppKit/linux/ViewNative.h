@@ -18,7 +18,7 @@ struct View::Native {
     /// subviews.
     virtual void addSubview(GtkWidget* /*subview*/) {}
 
-    /// Whenever the widget is mapped, creates and adds missing widgets of `view`'s subviews.
+    /// From now on, creates and adds missing widgets of `view`'s subviews each time the widget is mapped.
     void followSubviews(View& view);
 
     GObjectPtr<GtkWidget> widget;

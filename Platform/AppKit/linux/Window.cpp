@@ -262,9 +262,9 @@ void Window::Native::focusMoved(View& view) {
     const auto previous = firstResponder.lock();
     firstResponder = view.weak_from_this();
     focusPending = false;
-    // GTK reads this setting right after it reports the new focus. A field that gets the focus back from a
-    // menu, a sheet or another tab must keep its selection. Otherwise GTK selects the whole text, and the
-    // next character that the user types replaces it.
+    // GTK reads `gtk-entry-select-on-focus` right after it reports the new focus. A field that gets the focus
+    // back from a menu, a sheet or another tab must keep its selection. Otherwise GTK selects the whole text,
+    // and the next character that the user types replaces it.
     const bool isFocusedAnew = previous.get() != &view;
     g_object_set(gtk_settings_get_default(), "gtk-entry-select-on-focus", isFocusedAnew, nullptr);
     if (!isFocusedAnew) {
@@ -328,7 +328,7 @@ bool Window::Native::showSheet(const Alert& alert) {
 void Window::Native::hideSheet() {
     gtk_overlay_remove_overlay(GTK_OVERLAY(page.get()), sheet->widget());
     sheet.reset();
-    // The next sheet is shown immediately and takes the focus.
+    // If another sheet is waiting, it is shown immediately and takes the focus.
     if (!sheets.isEmpty()) {
         return;
     }

@@ -11,7 +11,7 @@
 
 namespace Platform {
 
-// Windows call these functions, which the units that are built on windows implement.
+// Functions that Window calls. Application.cpp and TabHost.cpp, which depend on Window, implement them.
 
 /// Creates an invisible top-level window with the saved frame or the content size of `window`, and returns
 /// its tab view, which is empty.
@@ -45,19 +45,19 @@ struct Window::Native final : SheetPresenter {
     void closeTab() const;
     /// Copies the window's title to the tab and, if it is selected, to the top-level window.
     void updateTitle() const;
-    /// Marks the tab, unless it is selected.
+    /// Marks the tab as needing attention, unless it is selected, or removes the mark.
     void setNeedsAttention(bool needs) const;
     void selectNeighbour(int step) const;
 
     /// Makes `view` the first responder. Called when GTK's focus has moved to the widget of `view` on this
     /// page, or is about to.
     void focusMoved(View& view);
-    /// Gives GTK's focus to the sheet or, if there is no sheet, to the first responder. Defers this until the
-    /// page is on the screen and no menu is open. A text field keeps its selection.
+    /// Gives GTK's focus to the sheet or, if there is no sheet, to the first responder, as soon as the page
+    /// is on the screen and no menu is open. A text field keeps its selection.
     void takeFocus();
     /// Completes a deferred `takeFocus` if that is possible now.
     void takePendingFocus();
-    /// Called before the page is removed. Notifies the delegate once.
+    /// Called before the page is removed. Notifies the delegate at most once.
     void willClose();
 
     bool showSheet(const Alert& alert) override;

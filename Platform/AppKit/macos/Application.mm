@@ -120,7 +120,7 @@ int Application::run(int argc, char** argv) {
     assertMainThread("Application::run");
     const std::span<char* const> all(argv, static_cast<std::size_t>(argc));
     native_->startURLs = urlsOf(all.subspan(all.empty() ? 0 : 1));
-    // Prevent AppKit from opening the same arguments as documents.
+    // Prevent AppKit from also opening the arguments as documents.
     [NSUserDefaults.standardUserDefaults registerDefaults:@{@"NSTreatUnknownArgumentsAsOpen" : @"NO"}];
     [nativeApplication() run];
     return 0;

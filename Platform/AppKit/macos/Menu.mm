@@ -91,7 +91,7 @@ NSMenuItem* makeNativeMenuItem(const MenuItem& item) {
         [[NSMenuItem alloc] initWithTitle:toNSString(item.title())
                                    action:item.action() ? selectorFor(*item.action()) : nullptr
                             keyEquivalent:toNSString(item.keyEquivalent())];
-    // Command alone is AppKit's default, and an upper-case letter implies Shift.
+    // Only Option needs a mask: AppKit's default is Command alone, and an upper-case letter implies Shift.
     if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand) {
         native.keyEquivalentModifierMask = NSEventModifierFlagOption | NSEventModifierFlagCommand;
     }

@@ -33,7 +33,7 @@ void attach(const Referenced& referenced, id native) {
     objc_setAssociatedObject(native, &referenceKey, reference, OBJC_ASSOCIATION_RETAIN_NONATOMIC);
 }
 
-/// Returns the reference attached to `native`, or an empty reference if it is missing or not a `Kept`.
+/// Returns the reference attached to `native`, or an empty reference if it is missing or not of type `Kept`.
 template <typename Kept>
 Kept referenceOf(id native) {
     KeyloftReference* const reference = native != nil ? objc_getAssociatedObject(native, &referenceKey) : nil;

@@ -8,8 +8,8 @@
 #include <optional>
 #include <string_view>
 
-/// Represents one of our responders in AppKit's responder chain. Implemented, for example, by a window's
-/// controller and the application's delegate. Holds the responder weakly.
+/// An object that represents one of our responders in AppKit's responder chain, such as a native window
+/// controller or AppKit's application delegate. Holds the responder weakly.
 @protocol KeyloftResponderProxy <NSObject, NSMenuItemValidation>
 - (std::shared_ptr<Platform::Responder>)keyloftResponder;
 @end

@@ -5,7 +5,7 @@
 #include "Platform/AppKit/macos/ResponderProxy.h"
 #include "Platform/AppKit/macos/WindowNative.h"
 
-/// The superclass of the native window controllers, whose class names our controllers provide.
+/// The superclass of the native window controller classes, whose names our controllers provide.
 @interface KeyloftWindowController : NSWindowController <KeyloftResponderProxy, NSWindowDelegate> {
 @private
     std::weak_ptr<Platform::WindowController> _controller;

@@ -21,10 +21,10 @@ struct Window::Native final : SheetPresenter {
     /// Applies the settings that AppKit needs before the window is first shown.
     void prepareToShow();
 
-    /// Called when the window is about to close. Notifies the delegate once.
+    /// Called when the window is about to close. Notifies the delegate at most once.
     void willClose() noexcept;
 
-    /// Called when the window has become the key window. Its tab is selected.
+    /// Called when the window has become the key window, which implies that its tab is selected.
     void becameKey() noexcept;
 
     bool showSheet(const Alert& alert) override;

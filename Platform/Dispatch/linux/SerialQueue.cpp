@@ -119,7 +119,7 @@ void SerialQueue::State::run() {
     }
 }
 
-/// Runs the work that is due, then the cancel handlers of sources that were cancelled before the turn.
+/// Runs the work that is due, then the cancel handlers of sources that were cancelled before the call.
 void SerialQueue::State::takeTurn() {
     std::vector<Work> running;
     std::vector<Source> retiring;
