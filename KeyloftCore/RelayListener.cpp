@@ -167,7 +167,7 @@ bool RelayListener::writeAll(int fd, std::string_view data) { return writeFromFr
 
 void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame) {
     if (!onFrame) {
-        Platform::fatalError("a relay listener needs a handler for its requests");
+        Platform::fatalError("RelayListener::listen was called without a frame handler");
     }
     requirePathWithoutNUL(socketPath);
     // A trailing slash must not change the directory of the path. Append a slash, then remove the empty last
