@@ -150,7 +150,8 @@ int main(int argc, char** argv) {
     try {
         TestSupport::ProviderNetwork::enter({argv, argv + argc});
         if (TestSupport::ProviderNetwork::current() == nullptr) {
-            std::fputs("This system lets nobody have a network of his own.\n", stderr);
+            std::fputs("This system does not allow a network namespace. Run the benchmark as root.\n",
+                       stderr);
             return EXIT_FAILURE;
         }
         TestSupport::beginDisplaySession();

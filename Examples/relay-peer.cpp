@@ -13,11 +13,11 @@
 #include "Platform/Foundation/JSON.h"
 #include "Platform/Foundation/URL.h"
 
-#include <exception>
 #include <iostream>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace {
 
@@ -32,6 +32,14 @@ std::optional<RelayTarget> targetOf(const std::string& text) {
     return fragment ? RelayTarget::fromFragment(*fragment) : std::nullopt;
 }
 
+/// Returns the reason for a failure in plain words.
+std::string reasonFor(const RelaySocketError& error) {
+    if (error.kind() == RelaySocketError::Case::syscall) {
+        return error.call() + ": " + std::generic_category().message(error.code());
+    }
+    return "the path is not valid for a socket";
+}
+
 /// Connects to the first candidate path that accepts a connection. Prints an error for each path that fails
 /// before it.
 std::optional<RelaySocketClient> connectSomewhere() {
@@ -39,9 +47,10 @@ std::optional<RelaySocketClient> connectSomewhere() {
         try {
             return RelaySocketClient::connect(path);
         } catch (const RelaySocketError& error) {
-            std::cerr << "relay-peer: " << path << ": " << error.what() << "\n";
+            std::cerr << "relay-peer: " << path << ": " << reasonFor(error) << "\n";
         }
     }
+    std::cerr << "relay-peer: no host accepts a connection; start the host first\n";
     return std::nullopt;
 }
 
@@ -56,11 +65,11 @@ std::optional<JSONValue> exchange(const JSONValue& message) {
         client->writeFrame(Platform::compactJSON(message, Platform::JSONSlashes::plain));
         reply = client->readFrame(replyTimeout);
     } catch (const RelaySocketError& error) {
-        std::cerr << "relay-peer: " << error.what() << "\n";
+        std::cerr << "relay-peer: " << reasonFor(error) << "\n";
     }
     client->close();
     if (!reply) {
-        std::cerr << "relay-peer: no reply\n";
+        std::cerr << "relay-peer: the host sent no reply\n";
         return std::nullopt;
     }
     std::cout << "the host answered " << *reply << "\n";
@@ -94,7 +103,7 @@ int main(int argc, char** argv) {
         params.insert_or_assign(std::string(argument.substr(0, equals)), argument.substr(equals + 1));
     }
     if (!target) {
-        std::cerr << "relay-peer: no relay target in this URL\n";
+        std::cerr << "relay-peer: the URL contains no relay target\n";
         return 1;
     }
     std::cout << "target " << target->redirectURI.absoluteString() << "\n";

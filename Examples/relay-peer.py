@@ -48,14 +48,14 @@ def read_target(url):
     """Returns the redirect URI, the nonce and the state (None if there is none) of a relay URL's fragment."""
     name, _, encoded = url.partition("#")[2].partition("=")
     if name != "keyloft":
-        raise Failure("no relay target in this URL")
+        raise Failure("the URL contains no relay target")
     encoded = encoded.replace("-", "+").replace("_", "/")
     try:
         members = json.loads(base64.b64decode(encoded + "=" * (-len(encoded) % 4), validate=True).decode())
     except (ValueError, RecursionError):
         members = None
     if not isinstance(members, dict):
-        raise Failure("the relay target is not the base64 of a JSON object")
+        raise Failure("the relay target is not a JSON object in base64")
     redirect, nonce, state = members.get("r"), members.get("n"), members.get("s")
     if not isinstance(redirect, str) or not is_acceptable_redirect(redirect):
         raise Failure("the relay target's redirect URI is missing or not acceptable")
@@ -86,7 +86,7 @@ def connect():
             # Set the time-out after connecting: with a time-out, connect() fails immediately if the host is busy.
             connection.settimeout(REPLY_TIMEOUT)
             return connection
-    raise Failure("no host accepts: " + "; ".join(errors))
+    raise Failure("no host accepts a connection (%s); start the host first" % "; ".join(errors))
 
 
 def read(connection, count):

@@ -10,7 +10,7 @@ namespace KeyloftBrowserKit {
 Platform::URL builtInURL(std::string_view text) {
     auto url = Platform::URL::fromString(text);
     if (!url) {
-        Platform::fatalError("Keyloft: built-in URL does not parse: " + std::string(text));
+        Platform::fatalError("a built-in URL does not parse: " + std::string(text));
     }
     return *std::move(url);
 }

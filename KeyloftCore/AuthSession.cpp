@@ -46,7 +46,7 @@ std::shared_ptr<AuthSession> AuthSession::create(AuthorizeRequest request, Compl
 
 void AuthSession::start() {
     if (!Platform::Application::exists()) {
-        Platform::fatalError("AuthSession::start was called before there was an application object");
+        Platform::fatalError("AuthSession::start was called before the application object was created");
     }
     if (!finished_) {
         running_ = shared_from_this();

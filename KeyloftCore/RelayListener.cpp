@@ -170,7 +170,7 @@ bool RelayListener::writeAll(int fd, std::string_view data) { return writeFromFr
 
 void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame) {
     if (!onFrame) {
-        Platform::fatalError("a relay listener needs a handler for its requests");
+        Platform::fatalError("RelayListener::listen was called without a frame handler");
     }
     requirePathWithoutNUL(socketPath);
     // Determine the same directory whether or not the path has a trailing slash: append one if it is missing,

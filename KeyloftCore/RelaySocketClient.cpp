@@ -33,7 +33,7 @@ timeval timevalOf(double seconds) {
     // minimum) as an exclusive limit.
     constexpr double limit = -static_cast<double>(std::numeric_limits<Seconds>::min());
     if (!std::isfinite(seconds) || whole >= limit || whole < -limit) {
-        Platform::fatalError("a relay time-out that is not finite or too large");
+        Platform::fatalError("the time-out of readFrame is not finite or too large");
     }
     timeval time = {.tv_sec = static_cast<Seconds>(whole),
                     .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};

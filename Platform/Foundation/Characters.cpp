@@ -37,7 +37,7 @@ Cut cutAt(std::string_view text, std::size_t limit) {
         iterator->setText(characters.get(), error);
     }
     if (U_FAILURE(error)) {
-        fatalError(std::string("ICU cannot find the boundaries of characters: ") + u_errorName(error));
+        fatalError(std::string("ICU cannot find character boundaries: ") + u_errorName(error));
     }
     Cut cut;
     while (cut.count < limit && iterator->next() != icu::BreakIterator::DONE) {

@@ -50,11 +50,11 @@ struct Task {
 
     void requireUsablePath() const {
         if (path.empty()) {
-            throw failure("The name is empty");
+            throw failure("The path is empty");
         }
         // The kernel would ignore the part of the name after the NUL.
         if (path.find('\0') != std::string::npos) {
-            throw failure("The name holds a NUL character");
+            throw failure("The path contains a NUL character");
         }
     }
 };

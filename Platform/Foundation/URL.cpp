@@ -25,7 +25,7 @@ constexpr std::size_t maxTextLength = std::size_t{1} << 28U;
 URL builtFrom(std::string_view text) {
     auto url = URL::fromString(text);
     if (!url) {
-        fatalError("a URL put together from valid components does not parse: " + std::string(text));
+        fatalError("a URL composed of valid components does not parse: " + std::string(text));
     }
     return *std::move(url);
 }

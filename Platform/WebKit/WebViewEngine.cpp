@@ -111,7 +111,7 @@ WebViewEngine::createWebView(const std::shared_ptr<WebViewConfiguration>& config
     const auto delegate = uiDelegate_.lock();
     auto child = view && delegate ? delegate->createWebView(*view, configuration, action) : nullptr;
     if (child && child->configuration() != configuration) {
-        fatalError("A page's new window must be shown by a view made with the configuration supplied for it");
+        fatalError("UIDelegate::createWebView returned a view with another configuration than it was given");
     }
     return child;
 }

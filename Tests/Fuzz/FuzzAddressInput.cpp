@@ -26,9 +26,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(search.has_value() != isBlank, "a search is absent for blank text alone");
     if (search) {
         const std::string_view url = search->absoluteString();
-        require(url.starts_with("https://duckduckgo.com/?q="), "a search goes to the engine");
+        require(url.starts_with("https://duckduckgo.com/?q="), "a search uses the search engine");
         require(search->host() == "duckduckgo.com" && search->path() == "/",
-                "a search cannot leave the engine");
+                "a search stays on the search engine");
         require(url.substr(26).find_first_of("+?&=#") == std::string_view::npos,
                 "a search is one query item");
     }

@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const auto again = Bookmark::decode(Bookmark::encode(*bookmarks));
     if (again != bookmarks) {
-        Platform::fatalError("a saved list is not read back as it was");
+        Platform::fatalError("a saved list does not decode to itself");
     }
     return 0;
 }

@@ -85,13 +85,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         cut = cut * 5 + 1;
         const FrameDecoder before = decoder;
         const auto expected = model.append(chunk);
-        require(append(decoder, chunk) == expected, "the decoder does as the model does");
+        require(append(decoder, chunk) == expected, "the decoder agrees with the model");
         FrameDecoder copy = before;
-        require(append(copy, chunk) == expected, "a copy does as its original");
+        require(append(copy, chunk) == expected, "a copy behaves like the original");
         for (const auto& payload : expected.payloads) {
             FrameDecoder fresh;
             require(append(fresh, NativeMessageFrame::encode(payload)).payloads == std::vector{payload},
-                    "what is encoded is decoded");
+                    "an encoded payload decodes to itself");
         }
         if (expected.refused) {
             require(append(decoder, "") == expected, "a refused prefix stays refused");

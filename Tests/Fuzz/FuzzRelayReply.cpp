@@ -50,7 +50,7 @@ void check(std::string_view data, const AuthorizeRequest& pending) {
                                data.find('\\') != std::string_view::npos;
     const auto result = parsed(data, pending);
     if (const auto* ack = reply.ack()) {
-        require(ack->result == result, "an ack holds what the parser gives");
+        require(ack->result == result, "an ack contains the parsed result");
     } else {
         require(!result, "only an ack answers a result");
     }

@@ -67,11 +67,11 @@ void checkURL(const URL& url) {
 void checkComponents(URLComponents components, std::string_view text) {
     const bool isURL = components.url().has_value();
     require(URLComponents::fromString(components.string()) == components,
-            "components come back from their text", text);
+            "components round-trip through their text", text);
 
     const auto query = components.percentEncodedQuery();
-    require(components.queryItems().has_value() == query.has_value(), "there are items if there is a query",
-            text);
+    require(components.queryItems().has_value() == query.has_value(),
+            "items exist if and only if there is a query", text);
     if (query) {
         const auto encodedItems = required(components.percentEncodedQueryItems(), "there are items", text);
         components.setPercentEncodedQueryItems(encodedItems);

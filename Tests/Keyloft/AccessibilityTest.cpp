@@ -20,7 +20,7 @@ protected:
         const auto named = accessibleObjects(name);
         const bool isSo = named.size() == 1 && named[0].role == role;
         return (isSo ? testing::AssertionSuccess() : testing::AssertionFailure())
-               << named.size() << " of the name " << name << (named.empty() ? "" : ", a " + named[0].role);
+               << named.size() << " named " << name << (named.empty() ? "" : ", a " + named[0].role);
     }
 
     Tab launchActive() {

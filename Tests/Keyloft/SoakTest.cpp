@@ -45,7 +45,7 @@ protected:
             add(window.expired(), "window");
             add(content.expired(), "content");
             add(webView.expired(), "web view");
-            add(webWidget.expired(), "the toolkit's web view");
+            add(webWidget.expired(), "native web view");
             add(std::ranges::all_of(views, [](const auto& view) { return view.expired(); }), "controls");
             return text;
         }

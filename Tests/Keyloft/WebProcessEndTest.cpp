@@ -113,7 +113,7 @@ TEST_F(WebProcessEndTest, aSecondEndWithinAMinuteWaitsForTheReloadButton) {
     EXPECT_FALSE(tab->webView()->isLoading());
     EXPECT_EQ(server.count("/page"), 2U);
     tab->reloadButton()->sendAction();
-    EXPECT_TRUE(waitForTitle(tab, "/page 3")) << server.count("/page") << " times asked for";
+    EXPECT_TRUE(waitForTitle(tab, "/page 3")) << server.count("/page") << " requests";
 }
 
 TEST_F(WebProcessEndTest, aLoadUnderWayBeginsAnew) {

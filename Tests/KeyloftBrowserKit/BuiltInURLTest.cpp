@@ -10,7 +10,7 @@ TEST(BuiltInURL, isTheURLOfItsText) { EXPECT_EQ(builtInURL("https://x.test/a b")
 
 TEST(BuiltInURLDeathTest, aTextThatIsNotAURLStopsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(builtInURL("https://x y/"), "Keyloft: built-in URL does not parse: https://x y/");
+    EXPECT_DEATH(builtInURL("https://x y/"), "a built-in URL does not parse: https://x y/");
 }
 
 } // namespace

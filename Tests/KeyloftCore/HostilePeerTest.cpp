@@ -211,7 +211,7 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
     limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, std::min<rlim_t>(limit.rlim_max, 2048));
     setrlimit(RLIMIT_NOFILE, &limit);
     if (limit.rlim_cur < 2 * count + 100) {
-        GTEST_SKIP() << "no more than " << limit.rlim_cur << " descriptors are allowed here";
+        GTEST_SKIP() << "the limit of " << limit.rlim_cur << " descriptors is too low";
     }
     startEcho();
     {

@@ -106,7 +106,7 @@ TEST(RelayBetweenProcesses, aHostThatEndsLeavesTheClientWithoutAReply) {
 
 TEST(RelayBetweenProcesses, aProcessOfAnotherUserIsDisconnectedUnread) {
     if (geteuid() != 0) {
-        GTEST_SKIP() << "only the superuser can become somebody else";
+        GTEST_SKIP() << "only root can run a process as another user";
     }
     const auto* nobody = getpwnam("nobody");
     if (nobody == nullptr) {
@@ -151,7 +151,7 @@ TEST(RelayBetweenProcesses, aProcessOfAnotherUserIsDisconnectedUnread) {
     ASSERT_EQ(chmod(directory.path().c_str(), 0755), 0);
 
     closedOut.start();
-    EXPECT_EQ(closedOut.exitStatus(), refusedByMode) << "the socket's mode is the first door";
+    EXPECT_EQ(closedOut.exitStatus(), refusedByMode) << "the mode of the socket denies access";
 
     // Make the socket accessible to all users, and block the queue so that the peer's bytes arrive before the
     // listener accepts the connection.

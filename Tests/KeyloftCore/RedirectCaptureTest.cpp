@@ -326,7 +326,7 @@ TEST(AuthSessionDeathTest, needsTheApplicationObject) {
     const auto session = KeyloftCore::AuthSession::create(
         {url("https://appleid.apple.com/auth/authorize?redirect_uri=https://a.example"), "nonce"},
         [](const KeyloftCore::AuthSession::Result&) {});
-    EXPECT_DEATH(session->start(), "AuthSession::start was called before there was an application object");
+    EXPECT_DEATH(session->start(), "AuthSession::start was called before the application object was created");
 }
 
 JSONValue message(std::string_view text) { return present(JSONValue::parse(text)); }

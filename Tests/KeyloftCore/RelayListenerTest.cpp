@@ -390,7 +390,7 @@ TEST_F(RelayListenerTest, theSocketIsTheOwnersAlone) {
     startEcho();
     EXPECT_TRUE(isSocket(path));
     EXPECT_EQ(modeOf(path), 0600U);
-    EXPECT_EQ(Mask::current(), 0U) << "the mask is given back";
+    EXPECT_EQ(Mask::current(), 0U) << "the umask is restored";
 }
 
 TEST_F(RelayListenerTest, theSocketsModeIsTheSameUnderAnyMask) {
@@ -481,7 +481,7 @@ TEST_F(RelayListenerTest, aDirectoryInItsPlaceIsABindError) {
     ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
     const Mask mask(022);
     EXPECT_EQ(listenError(*listener, path), RelaySocketError::syscall("bind", EADDRINUSE));
-    EXPECT_EQ(Mask::current(), 022U) << "the mask is given back after a failure too";
+    EXPECT_EQ(Mask::current(), 022U) << "the umask is restored after a failure too";
     // After a failed call to `listen`, the listener is unchanged and can listen again.
     ASSERT_EQ(rmdir(path.c_str()), 0);
     startEcho();
@@ -502,7 +502,7 @@ TEST_F(RelayListenerTest, pathsUpTo103BytesAreTaken) {
     const auto tooLong = padded(104);
     writeContents(tooLong, "an innocent file");
     EXPECT_EQ(listenError(*listener, tooLong), RelaySocketError::pathTooLong());
-    EXPECT_FALSE(std::filesystem::exists(tooLong)) << "removed before the length is looked at";
+    EXPECT_FALSE(std::filesystem::exists(tooLong)) << "removed before the length is checked";
     EXPECT_THROW(RelaySocketClient::connect(tooLong), RelaySocketError);
 }
 
@@ -715,7 +715,7 @@ TEST(RelayListenerDeathTest, closingOnTheQueueStopsTheProcess) {
             listener.listen(path, [&](const std::string&, const RelayListener::Reply&) { listener.close(); });
             ask(path, "x");
         },
-        "synchronous call on the queue.*velde.orvane.keyloft.relay-listener");
+        "sync was called on its own queue.*velde.orvane.keyloft.relay-listener");
 }
 
 TEST(RelayListenerDeathTest, aListenerWithoutAHandlerStopsTheProcess) {
@@ -723,7 +723,8 @@ TEST(RelayListenerDeathTest, aListenerWithoutAHandlerStopsTheProcess) {
     const TestSupport::TemporaryDirectory directory;
     const auto path = directory / "relay.sock";
     writeContents(path, "mine");
-    EXPECT_DEATH(RelayListener().listen(path, nullptr), "a relay listener needs a handler for its requests");
+    EXPECT_DEATH(RelayListener().listen(path, nullptr),
+                 "RelayListener::listen was called without a frame handler");
     EXPECT_EQ(TestSupport::contentsOf(path), "mine");
 }
 

@@ -226,7 +226,7 @@ TEST_F(RelaySocketClientTest, writingToAServerThatHasGoneIsAnErrorAndNoSignal) {
     ASSERT_TRUE(closed.wait());
     try {
         client.writeFrame("x");
-        ADD_FAILURE() << "nobody can have taken this";
+        ADD_FAILURE() << "the peer is gone, so the write should fail";
     } catch (const RelaySocketError& error) {
         EXPECT_EQ(error, RelaySocketError::syscall("write", EPIPE));
     }
@@ -312,7 +312,7 @@ TEST(RelaySocketClientDeathTest, aTimeoutThatIsNoTimeStopsTheProcess) {
          {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
           std::numeric_limits<double>::quiet_NaN(), 9.3e18, -9.3e18, std::numeric_limits<double>::max()}) {
         EXPECT_DEATH(RelaySocketClient::connect(path).readFrame(timeout),
-                     "a relay time-out that is not finite or too large")
+                     "the time-out of readFrame is not finite or too large")
             << timeout;
     }
 }

@@ -96,7 +96,7 @@ TEST(WriteAllCalls, aWriteOfNothingIsAFailure) {
     EXPECT_FALSE(RelayListener::writeAll(pair.ends[0], "hello"));
     EXPECT_EQ(calls, 1);
     EXPECT_TRUE(RelayListener::writeAll(pair.ends[0], ""));
-    EXPECT_EQ(calls, 1) << "nothing to write is no call";
+    EXPECT_EQ(calls, 1) << "an empty write makes no system call";
 }
 
 TEST(WriteAllCalls, anyOtherErrorEndsItAndStaysInErrno) {
@@ -408,7 +408,7 @@ TEST_F(SystemCallTest, aModeThatCannotBeSetIsNoFailure) {
     };
     const Intercepted intercepted(system);
     startEcho();
-    EXPECT_EQ(TestSupport::modeOf(path), 0700U) << "the mask already denies access to others";
+    EXPECT_EQ(TestSupport::modeOf(path), 0700U) << "the umask already denies access to others";
     EXPECT_EQ(ask(path, "x"), "echo x");
 }
 
@@ -451,7 +451,7 @@ TEST_F(SystemCallTest, aFileThatCannotBeLookedAtStays) {
         listener->close();
     }
     EXPECT_TRUE(TestSupport::isSocket(path));
-    EXPECT_FALSE(RawPeer().connect(path)) << "nobody listens any more";
+    EXPECT_FALSE(RawPeer().connect(path)) << "the socket no longer accepts connections";
     listener->close();
     EXPECT_TRUE(TestSupport::isSocket(path)) << "the path was forgotten";
 }

@@ -59,7 +59,7 @@ TEST(WriteAll, aPipeThatNobodyReadsIsAnErrorAndNoSignal) {
     EXPECT_EQ(errno, EPIPE);
     sigset_t mask;
     pthread_sigmask(SIG_SETMASK, nullptr, &mask);
-    EXPECT_EQ(sigismember(&mask, SIGPIPE), 0) << "the mask is given back";
+    EXPECT_EQ(sigismember(&mask, SIGPIPE), 0) << "the signal mask is restored";
 }
 
 TEST(WriteAll, aSocketThatNobodyReadsIsAnErrorAndNoSignal) {

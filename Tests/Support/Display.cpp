@@ -148,7 +148,7 @@ public:
             std::array<pollfd, 2> descriptors{{{.fd = source, .events = POLLIN, .revents = 0},
                                                {.fd = ended_.get(), .events = POLLIN, .revents = 0}}};
             if (!waitForAny(descriptors)) {
-                throw std::runtime_error(name_ + " did not come up in time");
+                throw std::runtime_error(name_ + " did not start in time");
             }
             if ((descriptors[0].revents & POLLIN) != 0) {
                 char character = 0;
@@ -162,7 +162,7 @@ public:
                 }
             }
             if (descriptors[1].revents != 0 || (descriptors[0].revents & (POLLHUP | POLLERR)) != 0) {
-                throw std::runtime_error(name_ + " could not be started, or ended at once");
+                throw std::runtime_error(name_ + " could not be started, or exited at once");
             }
         }
     }
@@ -352,7 +352,7 @@ std::optional<Session>& theSession() {
 Session& runningSession() {
     std::optional<Session>& session = theSession();
     if (!session) {
-        std::fputs("The session is there only while tests run.\n", stderr);
+        std::fputs("The display session exists only while tests run.\n", stderr);
         std::abort();
     }
     return *session;

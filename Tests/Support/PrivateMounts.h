@@ -112,7 +112,7 @@ inline void fillDisk(const std::string& directory) {
     do {                                                                                                     \
         const auto keyloftResult = TestSupport::inPrivateMounts(__VA_ARGS__);                                \
         if (keyloftResult == TestSupport::PrivateMountsResult::notAllowed) {                                 \
-            GTEST_SKIP() << "this system lets tests have no mount namespace of their own";                   \
+            GTEST_SKIP() << "this system does not allow a mount namespace";                                  \
         }                                                                                                    \
         ASSERT_EQ(keyloftResult, TestSupport::PrivateMountsResult::passed);                                  \
     } while (false)

@@ -84,7 +84,8 @@ bool registerApplication(GApplication* application) {
         }
         const std::unique_ptr<GError, decltype(&g_error_free)> error(failure, &g_error_free);
         if (isAskedAgain || g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) {
-            diagnosticLog(programInfo().name + " is already running but does not respond: " + error->message);
+            diagnosticLog(programInfo().name + " is already running but does not respond: " + error->message +
+                          ". End it and start again.");
             return false;
         }
     }

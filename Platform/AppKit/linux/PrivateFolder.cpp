@@ -20,8 +20,8 @@ std::optional<std::string> privateFolder(const char* userDirectory) {
         std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
     }
     if (error) {
-        diagnosticLog(programInfo().name + ": no private folder at " + folder.string() + ": " +
-                      error.message());
+        diagnosticLog("The folder \"" + folder.string() + "\" cannot be used: " + error.message() +
+                      ". Nothing is saved there.");
         return std::nullopt;
     }
     return folder.string();

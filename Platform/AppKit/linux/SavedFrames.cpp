@@ -91,7 +91,7 @@ void SavedFrames::save() {
                                                       *folder + "/" + fileName);
         isChanged_ = false;
     } catch (const FileError& error) {
-        diagnosticLog(programInfo().name + ": window frame save failed: " + error.localizedDescription());
+        diagnosticLog("The size of the window was not saved: " + error.localizedDescription());
     }
 }
 

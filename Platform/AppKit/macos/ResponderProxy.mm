@@ -139,11 +139,11 @@ Class registeredSubclass(Class proxyClass, std::string_view name) {
     }
     const Class made = objc_allocateClassPair(proxyClass, className.c_str(), 0);
     if (made == Nil) {
-        fatalError("the class " + className + " could not be made");
+        fatalError("the class " + className + " could not be created");
     }
     objc_registerClassPair(made);
     if (className != name) {
-        diagnosticLog("the name " + std::string(name) + " belongs to another class: " + className +
+        diagnosticLog("another class is named " + std::string(name) + ", so " + className +
                       " is used instead");
     }
     return made;

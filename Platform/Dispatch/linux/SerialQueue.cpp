@@ -186,7 +186,7 @@ int SerialQueue::State::waitMilliseconds() const {
 void SerialQueue::State::wait() {
     const int count = poll(polled_.data(), polled_.size(), timeout_);
     if (count < 0 && errno != EINTR) {
-        fatalError("poll: " + std::generic_category().message(errno));
+        fatalError("poll failed: " + std::generic_category().message(errno));
     }
     asleep_ = false;
     if (count <= 0) {
@@ -227,7 +227,7 @@ void SerialQueue::asyncAfter(std::chrono::milliseconds delay, Work work) {
 
 void SerialQueue::sync(const Work& work) {
     if (isCurrent()) {
-        fatalError("a synchronous call on the queue that it would wait for: " + label());
+        fatalError("sync was called on its own queue, which would deadlock: " + label());
     }
     std::mutex mutex;
     std::condition_variable finished;

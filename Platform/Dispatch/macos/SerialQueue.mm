@@ -134,7 +134,7 @@ void SerialQueue::asyncAfter(std::chrono::milliseconds delay, Work work) {
 
 void SerialQueue::sync(const Work& work) {
     if (isCurrent()) {
-        fatalError("a synchronous call on the queue that it would wait for: " + label());
+        fatalError("sync was called on its own queue, which would deadlock: " + label());
     }
     dispatch_sync(state_->queue, ^{
         work();

@@ -26,7 +26,7 @@ URL FileManager::applicationSupportDirectory() const {
                                                             inDomains:NSUserDomainMask]
                            .firstObject;
     if (url == nil) {
-        fatalError("the system names no application support directory");
+        fatalError("macOS reports no application support directory");
     }
     return directoryURL(url);
 }

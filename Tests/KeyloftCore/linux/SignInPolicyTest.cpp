@@ -35,7 +35,7 @@ protected:
             {"the bare parent domain", to("https://apple.com/"), blocked("https://apple.com/", "apple.com")},
             {"the bare delivery domain", to("https://cdn-apple.com/"),
              blocked("https://cdn-apple.com/", "cdn-apple.com")},
-            {"a host that only ends alike", to("https://evilapple.com/"),
+            {"a host with the same ending", to("https://evilapple.com/"),
              blocked("https://evilapple.com/", "evilapple.com")},
             {"an empty page", to("about:blank"), blocked("about:blank", "?")},
             {"another scheme", to("keyloft-test:anything"), blocked("keyloft-test:anything", "?")},

@@ -127,7 +127,7 @@ TEST_F(SignInSecrecyTest, ofAFormNoSecretIsToldInWhole) {
     expectResult(ResponseMode::formPost,
                  {{"code", "code-of-the-provider"}, {"state", state}, {"id_token", "token.of.the.provider"}});
     const auto text = standardError->text();
-    EXPECT_TRUE(text.contains("code=code-of-…(20) state=state-of…(20)")) << "nothing was told";
+    EXPECT_TRUE(text.contains("code=code-of-…(20) state=state-of…(20)")) << "the result was not logged";
     for (const char* secret : {"code-of-the-provider", "token.of.the.provider", state}) {
         EXPECT_FALSE(text.contains(secret)) << secret;
     }
@@ -143,7 +143,7 @@ TEST_F(SignInSecrecyTest, ofAnAnswerInTheURLOnlyTheURLsBeginningsTell) {
     const auto text = standardError->text();
     EXPECT_FALSE(text.contains("token.of.the.provider.that.goes.on.beyond.all.that.is.shown"));
     const auto rest = textWithoutURLs();
-    EXPECT_TRUE(rest.contains("code=code-of-…(20) state=state-of…(20)")) << "nothing was told";
+    EXPECT_TRUE(rest.contains("code=code-of-…(20) state=state-of…(20)")) << "the result was not logged";
     for (const char* secret : {"code-of-the-provider", "token.of", state}) {
         EXPECT_FALSE(rest.contains(secret)) << secret;
     }

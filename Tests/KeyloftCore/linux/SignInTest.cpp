@@ -35,7 +35,7 @@ constexpr auto farewellBlocked = "blocked navigation to farewell.example";
 void SignInTest::SetUp() {
     const auto* network = ProviderNetwork::current();
     if (!network) {
-        GTEST_SKIP() << "this system lets tests have no network of their own";
+        GTEST_SKIP() << "this system does not allow a network namespace";
     }
     Platform::Application::shared().prepare();
     server.emplace();

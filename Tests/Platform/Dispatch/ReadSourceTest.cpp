@@ -220,7 +220,7 @@ TEST(ReadSource, theQueuesEndCancels) {
     ReadSource neverResumed(*queue, idle.readEnd());
     neverResumed.setCancelHandler([&] { cancelled.signal(); });
     queue.reset();
-    EXPECT_EQ(cancelled.count(), 2U) << "the queue's end waits for the handlers";
+    EXPECT_EQ(cancelled.count(), 2U) << "destroying the queue waits for the handlers";
     EXPECT_TRUE(source.isCancelled());
     source.suspend();
     source.resume();
@@ -251,7 +251,7 @@ TEST(ReadSource, aHandlerMayDestroyItsOwnSource) {
     const auto token = std::make_shared<int>(7);
     source->setEventHandler([&source, token] {
         source.reset();
-        EXPECT_EQ(*token, 7) << "what the handler holds lives until it returns";
+        EXPECT_EQ(*token, 7) << "captures live until the handler returns";
     });
     source->setCancelHandler([&] { cancelled.signal(); });
     source->resume();

@@ -130,7 +130,7 @@ TEST(SerialQueue, theEndRunsWhatWasHandedOverAndDropsWhatIsNotDue) {
         queue.asyncAfter(std::chrono::hours(1), [&ran, token] { ran += 1000; });
     }
     EXPECT_EQ(ran, 100);
-    EXPECT_EQ(token.use_count(), 1) << "what will never run must not be kept";
+    EXPECT_EQ(token.use_count(), 1) << "work that will never run must be released";
 }
 
 TEST(SerialQueue, releasesEachItemBeforeTheNextRuns) {
@@ -153,7 +153,7 @@ TEST(SerialQueueDeathTest, aSynchronousCallOnItselfStopsTheProcess) {
             SerialQueue queue("velde.orvane.keyloft.test");
             queue.sync([&] { queue.sync([] {}); });
         },
-        "a synchronous call on the queue that it would wait for: velde.orvane.keyloft.test");
+        "sync was called on its own queue, which would deadlock: velde.orvane.keyloft.test");
 }
 
 } // namespace

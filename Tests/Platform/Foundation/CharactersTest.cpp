@@ -91,9 +91,9 @@ TEST(Characters, trimmingLooksAtCodePointsOfBothEnds) {
     EXPECT_EQ(trimmingWhitespaceAndNewlines("\u3000\t\r\n a\u2028b \u0085\u200B"), "a\u2028b");
     EXPECT_EQ(trimmingWhitespaceAndNewlines(" \u2029\n"), "");
     EXPECT_EQ(trimmingWhitespaceAndNewlines(""), "");
-    EXPECT_EQ(trimmingWhitespaceAndNewlines(" \u0301x"), "\u0301x") << "even where a mark follows";
+    EXPECT_EQ(trimmingWhitespaceAndNewlines(" \u0301x"), "\u0301x") << "even if a combining mark follows";
     EXPECT_EQ(trimmingWhitespaceAndNewlines("\uFEFFx\uFEFF"), "\uFEFFx\uFEFF")
-        << "a byte order mark is no space";
+        << "a byte order mark is not whitespace";
 }
 
 TEST(Characters, lowercasesASCIIAlone) {

@@ -168,8 +168,8 @@ TEST(FileManager, aFileInTheWayOfADirectoryIsAnError) {
     expectCreationFailure("File exists", directory / "dangling");
     expectCreationFailure("File exists", directory / "dangling/below");
     expectCreationFailure("File name too long", directory / std::string(256, 'n'));
-    expectCreationFailure("The name is empty", "");
-    expectCreationFailure("The name holds a NUL character", (directory / "a") + std::string("\0b", 2));
+    expectCreationFailure("The path is empty", "");
+    expectCreationFailure("The path contains a NUL character", (directory / "a") + std::string("\0b", 2));
 }
 
 TEST(FileManager, aFileIsReadWhole) {
@@ -204,8 +204,8 @@ TEST(FileManager, whatCannotBeReadIsAnErrorThatSaysWhy) {
     fs::create_symlink("loop", directory / "loop");
     expectReadFailure("Too many levels of symbolic links", directory / "loop");
     expectReadFailure("File name too long", directory / std::string(256, 'n'));
-    expectReadFailure("The name is empty", "");
-    expectReadFailure("The name holds a NUL character", std::string("/etc/passwd\0x", 13));
+    expectReadFailure("The path is empty", "");
+    expectReadFailure("The path contains a NUL character", std::string("/etc/passwd\0x", 13));
 }
 
 TEST(FileManager, aPipeOrDeviceIsNotWaitedFor) {
@@ -273,7 +273,7 @@ TEST(FileManager, anExistingFileKeepsItsOwner) {
     const TemporaryDirectory directory;
     writeContents(directory / "file", "old");
     if (chown((directory / "file").c_str(), 12345, 54321) != 0) {
-        GTEST_SKIP() << "only root gives files away";
+        GTEST_SKIP() << "only root can change the owner of a file";
     }
     files().writeAtomically("new", directory / "file");
     struct stat status = {};
@@ -370,8 +370,8 @@ TEST(FileManager, aNameOfTheGreatestLengthIsWrittenAndALongerOneAnError) {
     files().writeAtomically("two", directory / longest);
     EXPECT_EQ(contentsOf(directory / longest), "two");
     expectWriteFailure("File name too long", directory / (longest + "n"));
-    expectWriteFailure("The name is empty", "");
-    expectWriteFailure("The name holds a NUL character", (directory / "a") + std::string("\0b", 2));
+    expectWriteFailure("The path is empty", "");
+    expectWriteFailure("The path contains a NUL character", (directory / "a") + std::string("\0b", 2));
     EXPECT_EQ(namesIn(directory.path()), Names{longest});
 }
 

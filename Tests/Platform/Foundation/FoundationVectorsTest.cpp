@@ -156,7 +156,7 @@ TEST(JSONVectors, readAsFoundationReads) {
     expectVectors("json", [](const json& in) -> json {
         const auto bytes = Platform::base64Decoded(in.get<std::string>());
         if (!bytes) {
-            throw std::invalid_argument("the input is no base64");
+            throw std::invalid_argument("the input is not base64");
         }
         const auto value = Platform::JSONValue::parse(*bytes);
         if (!value) {

@@ -119,7 +119,7 @@ TEST(URLComponents, aHostThatIsNotValidPunycodeIsAbsent) {
              Row{"disallowed character", "xn--x-din.test"},
              Row{"invalid Punycode", "xn--999999999.test"},
              Row{"invalid Punycode", "XN--999999999.test"},
-             Row{"Punycode of what would be mapped", "xn--bcher-2pa.test"},
+             Row{"Punycode of a character that IDNA maps", "xn--bcher-2pa.test"},
              Row{"both directions in one label", "xn--a-zhc.test"},
              Row{"joiner out of context", "xn--ab-m1t.test"},
              Row{"too many bytes", std::string(2049, 'a')},
@@ -158,7 +158,7 @@ TEST(URLComponents, encodedItemsAreKeptAsTheyAre) {
     EXPECT_EQ(components.percentEncodedQuery(), "a=b=c&%C3%A9=%2F&d+e&f=?/;");
     components.setPercentEncodedQueryItems({item("a=b", "c&d"), item("%zz", "100%")});
     EXPECT_EQ(components.percentEncodedQuery(), "a%3Db=c%26d&%25zz=100%25")
-        << "what would be read otherwise is encoded";
+        << "delimiters within names and values are encoded";
     EXPECT_EQ(components.string(), "https://x.test/?a%3Db=c%26d&%25zz=100%25");
 }
 

@@ -98,7 +98,7 @@ TEST(URL, anInternationalHostWithAnyErrorIsRefused) {
              Row{"leading combining mark", "\u0301a.test"},
              Row{"disallowed character", "a\u2028\u00FC.test"},
              Row{"invalid Punycode", "xn--999999999.\u00FC.test"},
-             Row{"Punycode of what would be mapped", "xn--bcher-2pa.\u00FC.test"},
+             Row{"Punycode of a character that IDNA maps", "xn--bcher-2pa.\u00FC.test"},
              Row{"both directions in one label", "\u05D0a.test"},
              Row{"joiner out of context", "a\u200Db.test"},
          }) {
@@ -189,7 +189,7 @@ TEST(URL, illFormedUTF8IsReplaced) {
 TEST(URL, pathsOfOtherBytesAreEmpty) {
     EXPECT_EQ(parsed("https://x.test/%FF").path(), "");
     EXPECT_EQ(parsed("https://x.test/%C3%A9").path(), "/\u00E9");
-    EXPECT_EQ(parsed("https://x.test/%ED%A0%80").path(), "") << "a surrogate is no UTF-8";
+    EXPECT_EQ(parsed("https://x.test/%ED%A0%80").path(), "") << "a surrogate is not valid UTF-8";
 }
 
 TEST(URL, whatDoesNotDecodeIsAbsentButStillInTheText) {

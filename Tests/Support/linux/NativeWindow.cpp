@@ -272,7 +272,7 @@ bool resizeContent(Platform::Window& window, Platform::Size size) {
             return false;
         },
         limit);
-    EXPECT_TRUE(isDone) << "neither the size asked for nor the least one";
+    EXPECT_TRUE(isDone) << "the window has neither the requested nor the minimum size";
     waitForLayout(window);
     return isDone && got == size;
 }

@@ -60,7 +60,7 @@ class ProviderNetworkTest : public testing::Test {
 protected:
     void SetUp() override {
         if (!network) {
-            GTEST_SKIP() << "this system lets tests have no network of their own";
+            GTEST_SKIP() << "this system does not allow a network namespace";
         }
         server.emplace();
         server->route("/", HTTPResponse::page("Home"));

@@ -212,7 +212,7 @@ TEST_F(WindowsMenuTest, choosingAWindowTakesTheFocusFromTheTabStripToItsFirstRes
             gtk_widget_child_focus(child, GTK_DIR_TAB_FORWARD);
         }
     }
-    ASSERT_EQ(viewOfWidget(gtk_window_get_focus(toplevel)), nullptr) << "the strip does not have it";
+    ASSERT_EQ(viewOfWidget(gtk_window_get_focus(toplevel)), nullptr) << "the tab is not in the strip";
     openMenu(*b);
     choose(*b, 0);
     EXPECT_TRUE(runUntil([&] { return viewOfWidget(gtk_window_get_focus(toplevel)) == field.get(); }));

@@ -66,7 +66,7 @@ TEST(SerialQueueThread, mayBeReleasedOnItself) {
         queue.reset();
         ran.signal();
     });
-    ASSERT_TRUE(ran.wait(2)) << "work handed over before the release is still run";
+    ASSERT_TRUE(ran.wait(2)) << "work submitted before the release still runs";
     EXPECT_TRUE(eventually([&] { return runningThreads() == threads && openDescriptors() == descriptors; }));
 }
 
@@ -152,7 +152,7 @@ TEST(SerialQueueThread, leavesTheProcessesSignalsToOtherThreads) {
 TEST(SerialQueueThread, cannotBeMadeWithoutADescriptor) {
 #if defined(__has_feature)
 #if __has_feature(undefined_behavior_sanitizer)
-    GTEST_SKIP() << "the sanitizer needs descriptors of its own to look at what is thrown";
+    GTEST_SKIP() << "the sanitizer needs descriptors to inspect thrown exceptions";
 #endif
 #endif
     rlimit previous = {};
@@ -177,7 +177,7 @@ TEST(SerialQueueThread, cannotBeMadeWithoutAThread) {
     pthread_attr_destroy(&previous);
     sigset_t mask;
     pthread_sigmask(SIG_SETMASK, nullptr, &mask);
-    EXPECT_EQ(sigismember(&mask, SIGINT), 0) << "the caller gets its signals back";
+    EXPECT_EQ(sigismember(&mask, SIGINT), 0) << "the caller's signal mask is restored";
 }
 
 TEST(ReadSourceThread, workOfAHandlerRunsBeforeTheNextHandler) {

@@ -70,7 +70,7 @@ TEST_F(WebViewLifetime, aViewInAWindowGoesWithIt) {
         ASSERT_TRUE(loadPage(*view, "/page"));
         view.reset();
         TestSupport::runPending();
-        EXPECT_NE(widget, nullptr) << "the toolkit holds it still";
+        EXPECT_NE(widget, nullptr) << "GTK still holds a reference";
     }
     EXPECT_TRUE(runUntil([&] { return widget == nullptr; }));
 }

@@ -205,7 +205,7 @@ TEST_F(WebViewLoad, stopGivesThePreviousPagesURLBack) {
     EXPECT_FALSE(view->isLoading());
     EXPECT_EQ(urlOf(*view), server.url("/before"));
     runFor(2.2);
-    EXPECT_EQ(navigation->failures.size(), 1U) << "what was stopped does not time out";
+    EXPECT_EQ(navigation->failures.size(), 1U) << "a stopped load does not time out";
 }
 
 TEST_F(WebViewLoad, stopRightBehindLoadStopsIt) {
@@ -262,7 +262,7 @@ TEST_F(WebViewLoad, failsWhenThereIsNoSuchHost) {
     expectFailure(true, urlDomain, -1003, "http://no-such-host.invalid/");
     EXPECT_EQ(urlOf(*view), server.url("/before"));
     EXPECT_EQ(view->title(), "/before");
-    EXPECT_EQ(evaluate(*view, "document.title"), "/before") << "no page of the engine's own";
+    EXPECT_EQ(evaluate(*view, "document.title"), "/before") << "no error page of WebKitGTK";
     EXPECT_FALSE(view->canGoBack());
 }
 
@@ -432,7 +432,7 @@ TEST_F(WebViewLoad, withoutADelegateAFailureIsNobodysBusiness) {
     view->load(request("http://127.0.0.1:" + std::to_string(refused.port()) + "/"));
     ASSERT_TRUE(runUntil([&] { return !view->isLoading(); }));
     EXPECT_TRUE(loadPage(*view, "/after"));
-    EXPECT_FALSE(view->canGoBack()) << "no page of the engine's own";
+    EXPECT_FALSE(view->canGoBack()) << "no error page of WebKitGTK";
 }
 
 TEST_F(WebViewLoad, aDelegateIsHeldWeakly) {

@@ -44,7 +44,7 @@ TEST_F(WebViewObservation, aLoadShowsItsURLAtOnceAndItsTitleWhenItIsThere) {
         view->observe(Property::title, [&] { told.push_back("title " + view->title().value_or("-")); });
     const auto loading = view->observe(Property::isLoading,
                                        [&] { told.emplace_back(view->isLoading() ? "loading" : "loaded"); });
-    EXPECT_TRUE(told.empty()) << "an observation does not begin with a call";
+    EXPECT_TRUE(told.empty()) << "an observation does not call its handler at once";
 
     server.route("/page", HTTPResponse::page("A page"));
     view->load(request(server.url("/page")));

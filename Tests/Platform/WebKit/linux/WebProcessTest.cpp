@@ -68,7 +68,7 @@ TEST_F(WebProcess, aVisiblePageComesBackAtOnce) {
     EXPECT_EQ(view->title(), "/page");
     EXPECT_FALSE(view->isLoading());
     EXPECT_TRUE(waitForLoad("/page", 2));
-    EXPECT_EQ(urls, std::vector<std::string>()) << "the engine's empty URL is not passed on";
+    EXPECT_EQ(urls, std::vector<std::string>()) << "WebKitGTK's empty URL is not reported";
     EXPECT_TRUE(view->canGoBack());
     EXPECT_TRUE(navigation->failures.empty());
 }
@@ -85,7 +85,7 @@ TEST_F(WebProcess, aHiddenPageComesBackWhenItIsNextVisible) {
     window->hide();
     window->show();
     runFor(0.2);
-    EXPECT_EQ(server.count("/page"), 2U) << "it comes back once";
+    EXPECT_EQ(server.count("/page"), 2U) << "the page reloads once";
 }
 
 TEST_F(WebProcess, aSecondEndWithinAMinuteWaitsForTheUser) {
@@ -237,8 +237,8 @@ TEST_F(WebProcess, areStartedOneAfterTheOtherForPagesOutOfSight) {
     }
     EXPECT_STREQ(webkit_web_view_get_uri(widgetOf(*views[0])), server.url("/0").c_str());
     for (const auto i : {1U, 2U}) {
-        EXPECT_EQ(webkit_web_view_get_uri(widgetOf(*views[i])), nullptr) << "it is not begun";
-        EXPECT_EQ(urlOf(*views[i]), server.url("/" + std::to_string(i))) << "yet this is what it shows";
+        EXPECT_EQ(webkit_web_view_get_uri(widgetOf(*views[i])), nullptr) << "the load has not started";
+        EXPECT_EQ(urlOf(*views[i]), server.url("/" + std::to_string(i))) << "but the view reports the URL";
     }
     for (std::size_t i = 0; i < views.size(); ++i) {
         EXPECT_TRUE(waitForTitle(*views[i], std::to_string(i)));
@@ -267,7 +267,7 @@ TEST_F(WebProcess, isNotStartedAtTheLimitUntilThePageIsSeen) {
     EXPECT_EQ(server.count("/page"), 0U);
     EXPECT_EQ(urlOf(*view), server.url("/page"));
     EXPECT_FALSE(view->isLoading());
-    EXPECT_TRUE(navigation->failures.empty()) << "the time to wait for an answer begins with the load";
+    EXPECT_TRUE(navigation->failures.empty()) << "the time-out starts with the load";
     server.route("/page", HTTPResponse::page("/page").withEnding(Ending::held));
     window->show();
     EXPECT_TRUE(waitForFailures(1));
@@ -399,7 +399,8 @@ TEST_F(WebProcess, thatWasEvictedDoesNotCountAsFailed) {
     childWindow.show();
     ASSERT_TRUE(runUntil([&] { return server.count("/child") == 2 && !child->isLoading(); }));
     webkit_web_view_terminate_web_process(widgetOf(*child));
-    EXPECT_TRUE(runUntil([&] { return server.count("/child") == 3; })) << "the first end within a minute";
+    EXPECT_TRUE(runUntil([&] { return server.count("/child") == 3; }))
+        << "the first termination within a minute";
 }
 
 TEST_F(WebProcess, isStartedInTurnForAWindowThatIsToKnowNothingOfItsOpener) {
