@@ -320,7 +320,7 @@ TEST(FormHook, isTheScriptThatPagesAreGiven) {
 })();)");
 }
 
-// Session without an application object; messages about submitted forms
+// A session without an application object, and the parsing of messages about submitted forms
 
 TEST(AuthSessionDeathTest, needsTheApplicationObject) {
     const auto session = KeyloftCore::AuthSession::create(

@@ -258,7 +258,7 @@ TEST_F(RelayListenerTest, aReplyToAPeerThatHasGoneDoesNothing) {
     }
     keptReply(0)("to nobody");
     keptReply(0)(std::string(1 << 20, 'x'));
-    // The queue still serves other connections.
+    // Replying to a closed connection must not prevent the queue from serving other connections.
     const auto client = RelaySocketClient::connect(path);
     client.writeFrame("y");
     ASSERT_TRUE(requests.wait(2));

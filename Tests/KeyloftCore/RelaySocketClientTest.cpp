@@ -193,8 +193,8 @@ TEST_F(RelaySocketClientTest, theTimeoutLimitsEachWaitAndNotTheWhole) {
     });
     const auto client = RelaySocketClient::connect(path);
     const auto begin = Clock::now();
-    // The client waits for each of the twelve bytes for 100 ms. The timeout of one second applies to each
-    // wait, not to their sum.
+    // The client waits 100 ms for each of the twelve bytes. The timeout of one second applies to each wait,
+    // not to their sum.
     EXPECT_EQ(client.readFrame(1), "dripping");
     EXPECT_GE(Clock::now() - begin, std::chrono::seconds(1));
     client.close();

@@ -19,7 +19,7 @@ using KeyloftCore::RelaySocketClient;
 using TestSupport::Event;
 using TestSupport::TemporaryDirectory;
 
-/// Timeout, in seconds. Long enough for any reply, and short enough for a test that fails because no reply
+/// Timeout, in seconds: long enough for any reply, but short enough that a test fails quickly if no reply
 /// arrives.
 constexpr double answerTimeout = 10;
 

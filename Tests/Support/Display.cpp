@@ -107,7 +107,7 @@ public:
             fail("fork");
         }
         if (process_ == 0) {
-            // The kernel does not send the signal if the parent exited before prctl() was called.
+            // The kernel sends no parent-death signal if the parent exited before prctl() was called.
             if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || ::getppid() != parent) {
                 ::_exit(126);
             }

@@ -51,7 +51,7 @@ struct HTTPResponse {
     static HTTPResponse page(const std::string& title);
     static HTTPResponse redirect(const std::string& location, int status = 302);
 
-    /// Returns a copy of this response with a different ending.
+    /// Returns a copy of this response with the given ending.
     HTTPResponse withEnding(Ending other) const;
 };
 
@@ -75,7 +75,7 @@ public:
     void route(const std::string& path, Route route);
     void route(const std::string& path, const HTTPResponse& response);
 
-    /// Sends the held responses for `path`. Later responses are held again.
+    /// Sends the responses for `path` that are currently held. Does not affect responses to later requests.
     void release(const std::string& path);
 
     /// The number of requests for `path` so far, and the requests themselves, in order.

@@ -69,15 +69,14 @@ bool frameHintsAllowMinimizing(Platform::Window& window);
 /// Returns true if the native window that contains this window has the keyboard focus.
 bool isActive(Platform::Window& window);
 
-/// The title of this program's native window that has the keyboard focus, or an empty string if there is
-/// none.
+/// The title of this program's focused native window, or an empty string if no window has the focus.
 std::string activeTitle();
 
 /// Gives the native window the keyboard focus, and waits until the window is active. Starts a window manager
 /// if necessary.
 void activate(Platform::Window& window);
 
-/// A native window that is not one of the application's windows. It takes the keyboard focus.
+/// A native window that does not belong to a `Platform::Window`. The constructor gives it the keyboard focus.
 class OtherWindow {
 public:
     OtherWindow();
@@ -106,7 +105,7 @@ struct ScreenPoint {
     friend bool operator==(const ScreenPoint&, const ScreenPoint&) = default;
 };
 
-/// A point on the screen that no window of the usual size covers.
+/// A point on the screen that windows of the default size do not cover.
 inline constexpr ScreenPoint bareDesktop{.x = 1590, .y = 1190};
 
 /// Points at which to click the window's tab, the tab's close button and the tab strip's new-tab button. The
@@ -127,7 +126,7 @@ struct ShownMenu {
     double width = 0;
     /// The full labels of the items, without their key equivalents.
     std::vector<std::string> titles;
-    /// True for each item whose label is displayed truncated.
+    /// For each item, whether its label is truncated on screen.
     std::vector<bool> isCut;
 };
 
@@ -203,12 +202,12 @@ void runScript(Platform::WebView& view, const std::string& script);
 /// Returns false if a process cannot be killed or the view is not notified in time.
 [[nodiscard]] bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes);
 
-/// Sends the requests of the view's network session to a proxy on a loopback port. Requests to this host and
+/// Sends the requests of the view's network session to a proxy on a loopback port. Requests to localhost and
 /// requests that are already in progress are not redirected.
 void redirectTraffic(Platform::WebView& view, int port);
 
 /// For the lifetime of this object, sends the requests of web views with the default data store to a proxy on
-/// a loopback port. Requests to this host are not redirected. No traffic leaves the machine.
+/// a loopback port. Requests to localhost are not redirected. No traffic leaves the machine.
 class TrafficRedirection {
 public:
     explicit TrafficRedirection(int port);

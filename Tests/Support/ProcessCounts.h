@@ -34,7 +34,7 @@ inline std::size_t runningThreads() {
     }();
     return entriesOf("/proc/self/task");
 }
-/// The number of threads of this process that have this name. Threads may exit while /proc is read.
+/// The number of threads of this process that have this name. Ignores threads that exit while /proc is read.
 inline std::size_t runningThreads(const std::string& name) {
     std::size_t count = 0;
     for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {

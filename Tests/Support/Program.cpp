@@ -84,7 +84,7 @@ Program::Program(const std::filesystem::path& file, const std::vector<std::strin
     const pid_t parent = getpid();
     process_ = errors_ < 0 ? -1 : fork();
     if (process_ == 0) {
-        // The kernel does not send the signal if the parent exited before prctl() was called.
+        // The kernel sends no parent-death signal if the parent exited before prctl() was called.
         if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) {
             _exit(126);
         }

@@ -13,10 +13,10 @@ namespace {
 
 constexpr auto formCode = "c0123456789.provider's code";
 constexpr auto urlCode = "c0123456789.provider+s+code";
-/// The code and the state as abbreviated in the log. Both codes have the same abbreviation.
+/// The code and the state as abbreviated in the log. `formCode` and `urlCode` have the same abbreviation.
 constexpr auto shownValues = " code=c0123456…(27) state=state-of…(20)";
 
-/// The second page of the provider's sign-in.
+/// URL of the second page of the provider's sign-in.
 constexpr auto next = "https://appleid.apple.com/auth/continue";
 
 /// A form whose only button fills the page and has the keyboard focus.
@@ -35,13 +35,13 @@ protected:
     struct Answer {
         std::string name;
         ResponseMode mode = ResponseMode::formPost;
-        /// The body of the sign-in page, and the response for the URL `next`.
+        /// The body of the sign-in page, and the response to requests for `next`.
         std::string page;
         HTTPResponse continuation;
         /// Called after the page has loaded. Performs the action of the page or the user.
         std::function<void()> act;
         Params params;
-        /// Log lines that are written before the page has finished loading, and log lines that `act` causes.
+        /// Log lines written before the page has finished loading, and log lines caused by `act`.
         Lines linesOfFrames;
         Lines lines;
     };
@@ -97,8 +97,8 @@ protected:
         return answer;
     }
 
-    /// The script `step` navigates the page to the provider, which redirects it to a URL that contains the
-    /// parameters after `separator`. `linesOfStep` are the log lines of the script's navigation.
+    /// The script `step` navigates to the provider, which redirects to the redirect URI with the parameters
+    /// after `separator`. The log shows the script's own navigation as `linesOfStep`.
     Answer byRedirect(const std::string& name, ResponseMode mode, char separator, int status,
                       const std::string& step, const Lines& linesOfStep, int type) const {
         const auto location = std::string(callback) + separator + "code=" + urlCode + "&state=" + state;
@@ -162,7 +162,8 @@ protected:
         EXPECT_EQ(server->count("/callback"), 0U);
     }
 
-    /// Submits a form with an additional control to the redirect URI, and waits until the session has ended.
+    /// Inserts `control` into the provider's form, submits the form to the redirect URI, and waits until the
+    /// session has ended.
     void answerWithControl(const std::string& control) {
         results.clear();
         standardError.emplace();

@@ -73,7 +73,7 @@ protected:
                              const std::optional<std::string>& initiatorOrigin = std::nullopt);
     static std::string navigation(std::string_view method, std::string_view url, int type = -1);
     static std::string finished(std::string_view url);
-    /// Log line that follows a stopped redirect.
+    /// Log line for the failure that WebKitGTK reports after the session has cancelled a redirect.
     static constexpr auto redirectStopped = "didFailProvisional WebKitErrorDomain 102 Frame load interrupted";
 
     /// Expects that exactly one session has ended, with a result that has this response mode and these

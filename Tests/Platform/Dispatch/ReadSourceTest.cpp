@@ -271,7 +271,7 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
     for (std::size_t index = 0; index < count; ++index) {
         pipes.push_back(std::make_unique<Pipe>());
         sources.push_back(std::make_unique<ReadSource>(queue, pipes.back()->readEnd()));
-        // The handler may run while `pipes` still grows, so it captures the descriptor by value.
+        // The handler may run while `pipes` is still growing, so it captures the descriptor by value.
         sources.back()->setEventHandler([&fired, &event, index, descriptor = pipes.back()->readEnd()] {
             readSome(descriptor);
             ++fired[index];
@@ -280,7 +280,7 @@ TEST(ReadSource, hundredsOfIdleSourcesDoNotHideTheBusyOnes) {
         sources.back()->setCancelHandler([&] { cancelled.signal(); });
         sources.back()->resume();
     }
-    // Fire a few sources from all parts of the list, one at a time, while the others are idle.
+    // Fire every seventh source, one at a time, while all other sources are idle.
     std::size_t expected = 0;
     for (int turn = 0; turn < 5; ++turn) {
         for (std::size_t index = 0; index < count; index += 7) {

@@ -67,8 +67,7 @@ TEST(SerialQueue, workHandedOverByWorkComesAfterWhatWaits) {
         });
         queue.async([&] { order.push_back(2); });
     });
-    // Item 3 may be enqueued after the work of the first `sync` call, so only the second call is certain to
-    // wait for item 3.
+    // If item 3 is enqueued after the first `sync` call, only the second call waits for it.
     queue.sync([] {});
     queue.sync([] {});
     EXPECT_EQ(order, (std::vector{1, 2, 3}));

@@ -19,7 +19,7 @@ NavigationAction navigation(std::string_view url, NavigationType type = Navigati
     return action;
 }
 
-/// Returns true if a pass for a page with the base URL `base` allows a navigation to `url`.
+/// Returns true if an `OwnPagePass` that is armed with the base URL `base` allows a navigation to `url`.
 bool recognises(const char* base, std::string_view url) {
     OwnPagePass pass;
     pass.arm(base != nullptr ? URL::fromString(base) : std::nullopt);

@@ -68,7 +68,7 @@ TEST(PendingReplies, answersWhatIsOpenSafelyAndOnce) {
     replies.answerAllSafely();
     EXPECT_EQ(confirmations, std::vector{false});
     EXPECT_EQ(dismissals, 1);
-    // The panel is still visible, so the user may answer it after the safe answer has been sent.
+    // A panel stays visible after `answerAllSafely`, so the user may still choose a button.
     (*confirm)(true);
     replies.answerAllSafely();
     EXPECT_EQ(confirmations, std::vector{false});

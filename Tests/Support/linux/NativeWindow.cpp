@@ -629,7 +629,7 @@ void runScript(Platform::WebView& view, const std::string& script) {
 
 bool killWebProcesses(Platform::WebView& view, const std::vector<pid_t>& processes) {
     bool isTold = false;
-    // This handler is connected after the view's handler, and is therefore called after it.
+    // Connected after the view's own handler, so the view has been notified when this handler is called.
     const Platform::SignalConnection connection(
         widgetOf(view), "web-process-terminated",
         G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, gpointer told) {

@@ -32,7 +32,7 @@ GObjectPtr<GTlsCertificate> readIdentity(const std::filesystem::path& file) {
     return certificate;
 }
 
-/// Resets the connection when the client's first message arrives, instead of closing it normally.
+/// Closes the connection with a TCP reset. Called when the client's first data arrives.
 gboolean reset(GSocket* socket, GIOCondition /*condition*/, gpointer /*data*/) {
     const linger atOnce{.l_onoff = 1, .l_linger = 0};
     ::setsockopt(g_socket_get_fd(socket), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
@@ -48,8 +48,8 @@ public:
         : identity_(readIdentity(identity))
         , plainPort_(static_cast<guint16>(plainPort))
         , manner_(manner) {
-        // Event sources of connections attach to this context, so they are dispatched on the thread that runs
-        // it.
+        // The service attaches its event sources to the thread-default context, which `run` iterates on the
+        // server's thread.
         g_main_context_push_thread_default(context_.get());
         service_ = GObjectPtr<GSocketService>::adopt(g_socket_service_new());
         g_autoptr(GError) error = nullptr;

@@ -35,7 +35,8 @@ std::optional<pid_t> number(std::string_view text) {
     return error == std::errc() && end == text.end() ? std::optional(value) : std::nullopt;
 }
 
-/// Returns `std::nullopt` if the process has exited, even if its parent has not yet waited for it.
+/// Reads the process's entry in /proc. Returns `std::nullopt` if the process has exited, even if it is still
+/// a zombie.
 std::optional<Process> readProcess(const std::filesystem::path& folder) {
     const std::ifstream file(folder / "stat");
     std::ostringstream contents;

@@ -21,8 +21,7 @@ struct Given {
     std::string arrives;
 };
 
-/// URLs that the application receives as given, except that characters that are not allowed in a URL are
-/// percent-encoded.
+/// URLs that the application receives unchanged, except that invalid characters are percent-encoded.
 const std::vector<Given>& exactURLs() {
     static const std::vector<Given> urls = {
         {"http://host.test/", "http://host.test/"},

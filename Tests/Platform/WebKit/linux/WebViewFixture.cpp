@@ -86,9 +86,9 @@ WebViewTest::WebViewTest() { gtk_init(); }
 
 WebViewTest::~WebViewTest() {
     TestSupport::runPending();
-    // WebKitGTK also keeps web processes for in-memory data stores, so clear all sessions that were used.
+    // WebKitGTK caches web processes for in-memory data stores too, so clear all sessions of the test.
     const auto sessions = std::exchange(usedSessions(), {});
-    // Waiting for the web processes to exit benefits only tests that run later in this process.
+    // Do not wait for the web processes to exit if no other test runs in this process.
     const bool isOnlyTest = testing::UnitTest::GetInstance()->test_to_run_count() == 1;
     EXPECT_TRUE(isOnlyTest || TestSupport::forgetPages(sessions));
 }

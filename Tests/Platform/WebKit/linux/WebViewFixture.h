@@ -93,7 +93,8 @@ protected:
     std::shared_ptr<Platform::WebView>
     makeView(const std::shared_ptr<Platform::WebViewConfiguration>& configuration);
 
-    /// Limits the number of web processes of views that are created after this call, and calls `SetUp` again.
+    /// Limits the number of web processes used by views that are created after this call. Then calls `SetUp`
+    /// again to recreate the fixture's views.
     void limitProcesses(std::size_t limit);
 
     /// The URL as a string, or an empty string if the URL is absent.
