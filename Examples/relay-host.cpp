@@ -45,14 +45,6 @@ std::optional<AuthorizeRequest> requestFor(const std::string& text) {
     }
 }
 
-/// Returns the reason for a failure in plain words.
-std::string reasonFor(const RelaySocketError& error) {
-    if (error.kind() == RelaySocketError::Case::syscall) {
-        return error.call() + ": " + std::generic_category().message(error.code());
-    }
-    return "the path is not valid for a socket";
-}
-
 /// Listens on the first candidate path that works. Prints an error for each path that fails before it.
 bool listenSomewhere(RelayListener& listener, const RelayListener::OnFrame& onFrame) {
     for (const auto& path : RelaySocketPaths::candidates()) {
@@ -63,7 +55,7 @@ bool listenSomewhere(RelayListener& listener, const RelayListener::OnFrame& onFr
         } catch (const Platform::FileError& error) {
             std::cerr << "relay-host: " << error.localizedDescription() << "\n";
         } catch (const RelaySocketError& error) {
-            std::cerr << "relay-host: " << path << ": " << reasonFor(error) << "\n";
+            std::cerr << "relay-host: " << path << ": " << error.what() << "\n";
         }
     }
     return false;

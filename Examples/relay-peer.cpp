@@ -32,14 +32,6 @@ std::optional<RelayTarget> targetOf(const std::string& text) {
     return fragment ? RelayTarget::fromFragment(*fragment) : std::nullopt;
 }
 
-/// Returns the reason for a failure in plain words.
-std::string reasonFor(const RelaySocketError& error) {
-    if (error.kind() == RelaySocketError::Case::syscall) {
-        return error.call() + ": " + std::generic_category().message(error.code());
-    }
-    return "the path is not valid for a socket";
-}
-
 /// Connects to the first candidate path that accepts a connection. Prints an error for each path that fails
 /// before it.
 std::optional<RelaySocketClient> connectSomewhere() {
@@ -47,7 +39,7 @@ std::optional<RelaySocketClient> connectSomewhere() {
         try {
             return RelaySocketClient::connect(path);
         } catch (const RelaySocketError& error) {
-            std::cerr << "relay-peer: " << path << ": " << reasonFor(error) << "\n";
+            std::cerr << "relay-peer: " << path << ": " << error.what() << "\n";
         }
     }
     std::cerr << "relay-peer: no host accepts a connection; start the host first\n";
@@ -65,7 +57,7 @@ std::optional<JSONValue> exchange(const JSONValue& message) {
         client->writeFrame(Platform::compactJSON(message, Platform::JSONSlashes::plain));
         reply = client->readFrame(replyTimeout);
     } catch (const RelaySocketError& error) {
-        std::cerr << "relay-peer: " << reasonFor(error) << "\n";
+        std::cerr << "relay-peer: " << error.what() << "\n";
     }
     client->close();
     if (!reply) {

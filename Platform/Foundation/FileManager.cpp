@@ -4,6 +4,7 @@
 #include "Platform/POSIX/Descriptor.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -105,6 +106,8 @@ fs::path destinationOf(const Task& task) {
     }
 }
 
+constexpr std::string_view temporaryPrefix = ".keyloft-temporary-";
+
 /// Returns a name for a temporary file. mkostemp is not suitable, because a new file must get the permissions
 /// that the umask allows, and reading the umask requires changing it for all threads.
 fs::path temporaryName(const Task& task) {
@@ -112,7 +115,53 @@ fs::path temporaryName(const Task& task) {
     if (!RandomBytes::fill(random)) {
         throw task.failure(errno);
     }
-    return ".temporary-" + std::to_string(std::bit_cast<std::uint64_t>(random));
+    return std::string(temporaryPrefix) + std::to_string(std::bit_cast<std::uint64_t>(random));
+}
+
+/// Locks a temporary file for as long as its writer needs it. The kernel releases the lock of a process that
+/// is killed. Returns false and sets `errno` if the file is already locked (EWOULDBLOCK) or cannot be locked.
+bool lock(int file) {
+    return uninterrupted([&] { return flock(file, LOCK_EX | LOCK_NB); }) == 0;
+}
+
+/// Deletes the temporary files of processes that were killed while they wrote to the directory.
+void removeAbandonedFiles(const fs::path& directory) {
+    std::error_code error;
+    for (fs::directory_iterator entry(directory, error); entry != fs::directory_iterator();
+         entry.increment(error)) {
+        const fs::path& path = entry->path();
+        if (!path.filename().native().starts_with(temporaryPrefix)) {
+            continue;
+        }
+        static constexpr int flags = O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY;
+        const Descriptor file(uninterrupted([&] { return open(path.c_str(), flags); }));
+        if (file.isOpen() && lock(file.get())) {
+            unlink(path.c_str());
+        }
+    }
+}
+
+struct TemporaryFile {
+    fs::path path;
+    Descriptor descriptor;
+};
+
+/// Creates a temporary file and locks it. On a file system without locks it stays unlocked: no process can
+/// lock it to delete it, either.
+TemporaryFile createTemporaryFile(const Task& task, const fs::path& directory, mode_t permissions) {
+    static constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    while (true) {
+        fs::path path = directory / temporaryName(task);
+        Descriptor descriptor(uninterrupted([&] { return open(path.c_str(), flags, permissions); }));
+        if (!descriptor.isOpen()) {
+            throw task.failure(errno);
+        }
+        // Until the file is locked, another process may consider it abandoned and delete it.
+        const bool isLockedElsewhere = !lock(descriptor.get()) && errno == EWOULDBLOCK;
+        if (!isLockedElsewhere && access(path.c_str(), F_OK) == 0) {
+            return {.path = std::move(path), .descriptor = std::move(descriptor)};
+        }
+    }
 }
 
 /// Returns false and sets `errno` if a write fails.
@@ -198,20 +247,20 @@ void FileManager::writeAtomically(std::string_view data, const std::string& path
         throw task.failure(errno);
     }
 
-    const fs::path temporary = parent / temporaryName(task);
+    removeAbandonedFiles(parent);
     // Only the owner may read the new contents until the new file has the permissions of the old file.
     const bool replaces = S_ISREG(original.st_mode);
-    static constexpr int creation = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-    Descriptor file(uninterrupted([&] { return open(temporary.c_str(), creation, replaces ? 0600 : 0666); }));
-    if (!file.isOpen()) {
-        throw task.failure(errno);
-    }
-    const bool isInPlace = writeAll(file.get(), data) && (!replaces || makeResemble(file.get(), original)) &&
+    TemporaryFile temporary = createTemporaryFile(task, parent, replaces ? 0600 : 0666);
+    Descriptor& file = temporary.descriptor;
+    // Keep the file locked until it has been renamed.
+    const Descriptor lockHolder(fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
+    const bool isInPlace = lockHolder.isOpen() && writeAll(file.get(), data) &&
+                           (!replaces || makeResemble(file.get(), original)) &&
                            uninterrupted([&] { return flush(file.get()); }) == 0 && file.close() &&
-                           rename(temporary.c_str(), destination.c_str()) == 0;
+                           rename(temporary.path.c_str(), destination.c_str()) == 0;
     if (!isInPlace) {
         const int error = errno;
-        unlink(temporary.c_str());
+        unlink(temporary.path.c_str());
         throw task.failure(error);
     }
     // Some file systems cannot flush a directory. They fail with EINVAL or, on a network, with ENOTSUP.

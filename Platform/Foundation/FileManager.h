@@ -61,6 +61,9 @@ public:
     /// An existing file keeps its permissions; a new file gets the user's default permissions. Follows
     /// symbolic links, even to a file that does not exist yet. Fails if `path` is a directory or a device.
     ///
+    /// A process that is killed during the call may leave a temporary file. The next call for a file in the
+    /// same directory deletes it. It does not delete the files that other processes are writing.
+    ///
     /// Throws FileError. The old file is then unchanged, and no temporary file remains. The only exception is
     /// a failure of the last step, which flushes the directory after the new contents are in place.
     void writeAtomically(std::string_view data, const std::string& path) const;

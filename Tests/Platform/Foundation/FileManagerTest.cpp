@@ -1,14 +1,18 @@
 #include "Platform/Foundation/FileManager.h"
 
+#include "Platform/POSIX/Descriptor.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/Present.h"
 #include "Tests/Support/PrivateMounts.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -439,6 +443,56 @@ TEST(FileManager, aFileSizeLimitLeavesTheOldFileAndNothingElse) {
     });
     EXPECT_EQ(contentsOf(directory / "file"), "old");
     EXPECT_EQ(namesIn(directory.path()), Names{"file"});
+}
+
+TEST(FileManager, deletesTheTemporaryFilesOfKilledProcesses) {
+    const TemporaryDirectory directory;
+    const Names others = {".keyloft-temporary", ".temporary-1", "keyloft-temporary-1"};
+    for (const std::string& name : others) {
+        writeContents(directory / name, "");
+    }
+    writeContents(directory / ".keyloft-temporary-1", "abandoned");
+    writeContents(directory / ".keyloft-temporary-18446744073709551615", "");
+    Names expected = others;
+    expected.insert("file");
+    files().writeAtomically("x", directory / "file");
+    EXPECT_EQ(namesIn(directory.path()), expected);
+}
+
+TEST(FileManager, keepsTheTemporaryFileThatAnotherProcessIsWriting) {
+    const TemporaryDirectory directory;
+    writeContents(directory / ".keyloft-temporary-1", "");
+    {
+        const Platform::Descriptor other(open((directory / ".keyloft-temporary-1").c_str(), O_RDONLY));
+        ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
+        files().writeAtomically("x", directory / "file");
+        EXPECT_EQ(namesIn(directory.path()), (Names{".keyloft-temporary-1", "file"}));
+    }
+    files().writeAtomically("y", directory / "file");
+    EXPECT_EQ(namesIn(directory.path()), Names{"file"});
+}
+
+TEST(FileManager, processesThatWriteToOneDirectoryDoNotDisturbEachOther) {
+    static constexpr int writes = 2000;
+    const TemporaryDirectory directory;
+    KEYLOFT_IN_PRIVATE_MOUNTS([&] {
+        // In memory, so that more time passes between the steps of a write than in a flush.
+        TestSupport::mountSmallDisk(directory.path().string(), 1 << 20);
+        const auto writeOften = [&](const std::string& name) {
+            for (int i = 0; i < writes; ++i) {
+                files().writeAtomically(name, directory / name);
+            }
+        };
+        const pid_t child = fork();
+        if (child == 0) {
+            _exit(failureOf([&] { writeOften("child"); }) ? 1 : 0);
+        }
+        EXPECT_FALSE(failureOf([&] { writeOften("parent"); }));
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+        EXPECT_EQ(namesIn(directory.path()), (Names{"child", "parent"}));
+    });
 }
 
 TEST(FileManager, noDescriptorIsLeftOpen) {

@@ -6,6 +6,7 @@
 #define O_WRONLY 0x0001
 #define O_RDWR 0x0002
 #define O_NONBLOCK 0x00000004
+#define O_NOFOLLOW 0x00000100
 #define O_CREAT 0x00000200
 #define O_TRUNC 0x00000400
 #define O_EXCL 0x00000800
@@ -18,6 +19,7 @@
 #define F_GETFL 3
 #define F_SETFL 4
 #define F_FULLFSYNC 51
+#define F_DUPFD_CLOEXEC 67
 #define F_SETNOSIGPIPE 73
 #define F_GETNOSIGPIPE 74
 #define FD_CLOEXEC 1

@@ -5,9 +5,11 @@
 #define STDIN_FILENO 0
 #define STDOUT_FILENO 1
 #define STDERR_FILENO 2
+#define F_OK 0
 #define _SC_PAGESIZE 29
 
 extern "C" {
+int access(const char*, int);
 unsigned int alarm(unsigned int);
 int chdir(const char*);
 int close(int);
