@@ -17,11 +17,11 @@
 #include "Platform/Foundation/JSON.h"
 #include "Platform/Foundation/URL.h"
 
+#include <exception>
 #include <future>
 #include <iostream>
 #include <optional>
 #include <string>
-#include <system_error>
 
 namespace {
 

@@ -13,11 +13,11 @@
 #include "Platform/Foundation/JSON.h"
 #include "Platform/Foundation/URL.h"
 
+#include <exception>
 #include <iostream>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 
 namespace {
 

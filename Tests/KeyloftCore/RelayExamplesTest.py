@@ -27,7 +27,6 @@ PATIENCE = 60
 TARGET = "eyJuIjoiQUJDREVGR0hJSktMTU5PUFFSU1QtXyIsInIiOiJodHRwczovL2NsaWVudC5leGFtcGxlL2NiIn0"
 OTHER_URL = "https://client.example/#keyloft=" + TARGET
 
-NO_FILE = "(connect: )?No such file or directory"
 USAGE = r"\Ausage: relay-[a-z.]+ [^\n]+\n\Z"
 
 
@@ -150,7 +149,7 @@ class RelayExamples(unittest.TestCase):
 
     @for_each_peer
     def test_a_peer_without_a_host_names_both_paths(self, peer):
-        self.expect_failure(f"(?s){FIRST}: {NO_FILE}.*{SECOND}: {NO_FILE}", peer, OTHER_URL)
+        self.expect_failure(f"(?s){FIRST}.*{SECOND}", peer, OTHER_URL)
 
     @for_each_peer
     def test_a_result_is_relayed_through_the_first_path(self, peer):
