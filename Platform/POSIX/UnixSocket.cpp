@@ -9,7 +9,7 @@ namespace Platform {
 
 namespace {
 
-/// Calls `bind` or `connect`.
+/// Calls `bind` or `connect`, or fails with ENOENT if the path of `address` is empty.
 int withAddress(int (*call)(int, const sockaddr*, socklen_t), int descriptor, const sockaddr_un& address) {
     if (address.sun_path[0] == '\0') {
         errno = ENOENT;

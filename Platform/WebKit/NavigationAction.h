@@ -11,7 +11,7 @@ namespace Platform {
 
 /// The cause of a navigation. The values match those of WKNavigationType.
 enum class NavigationType {
-    other = -1, ///< Initiated by the program, by a script, or by loading the source of a frame.
+    other = -1, ///< Initiated by the application, by a script, or by loading the source of a frame.
     linkActivated = 0,
     formSubmitted = 1,
     backForward = 2,

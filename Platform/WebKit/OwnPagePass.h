@@ -6,14 +6,14 @@
 
 namespace Platform {
 
-/// Allows one navigation to a page that the program supplies (`WebView::loadHTMLString`) without asking the
-/// delegate. WebKit requests a policy decision for these pages too.
+/// Allows one navigation to a page that the application supplies (`WebView::loadHTMLString`) without asking
+/// the delegate. WebKit requests a policy decision for these pages too.
 class OwnPagePass {
 public:
     /// Arms the pass for a page with the given base URL. Returns the base URL to pass to WebKit: `baseURL` if
     /// it is absolute, otherwise nothing, because WebKit cannot use a relative reference.
     std::optional<URL> arm(const std::optional<URL>& baseURL);
-    /// Called on every commit, failure and cancellation, and before every other load.
+    /// Revokes the pass. Called on every commit, failure and cancellation, and before every other load.
     void disarm() { page_.reset(); }
 
     /// Returns true and disarms the pass if `action` is the navigation to the page. The navigation must have

@@ -20,12 +20,12 @@ public:
     virtual ~PendingReply() = default;
 
     virtual bool isAnswered() const = 0;
-    /// Sends the safe answer, unless an answer has already been sent.
+    /// Sends the safe default answer, unless an answer has already been sent.
     virtual void answerSafely() = 0;
 };
 
-/// Replies to a question from WebKit exactly once: with the first answer that is given, or with the safe
-/// answer on destruction. Main thread only.
+/// Replies to a request from WebKit exactly once: with the first answer given or, if destroyed before then,
+/// with a safe default. Main thread only.
 template <typename... Answer>
 class Reply final : public PendingReply {
 public:
@@ -63,7 +63,7 @@ public:
 
     bool areOpen() const { return std::ranges::any_of(replies_, isOpen); }
 
-    /// Sends the safe answer for each pending reply.
+    /// Sends the safe default answer for each pending reply.
     void answerAllSafely() {
         for (const auto& weak : std::exchange(replies_, {})) {
             if (const auto reply = weak.lock()) {

@@ -7,9 +7,9 @@
 
 namespace Platform {
 
-/// A script that the program injects into pages. A plain value type.
+/// A script that the application injects into pages. A plain value type.
 struct UserScript {
-    /// A point during the loading of a page.
+    /// The point of a page load at which a script runs.
     enum class InjectionTime {
         /// Before any content of the page is loaded.
         atDocumentStart,
@@ -31,7 +31,7 @@ struct ScriptMessage {
     /// The posted value. Null if `JSON.stringify` cannot convert it or `JSONValue::parse` rejects the result.
     JSONValue body;
 
-    /// Returns the body for `json`, the result of `JSON.stringify`, which is empty if the conversion failed.
+    /// Parses the result of `JSON.stringify` as a message body. `json` is empty if the conversion failed.
     static JSONValue bodyOf(const std::string& json);
 };
 
@@ -59,7 +59,7 @@ public:
     /// destroyed handler are dropped. Each name may be added only once.
     void addScriptMessageHandler(const std::weak_ptr<ScriptMessageHandler>& handler, const std::string& name);
 
-    /// Adds a script to pages that load after this call. It runs in the script world of the page's scripts.
+    /// Adds a script to pages that load after this call. It runs in the same world as the pages' scripts.
     void addUserScript(const UserScript& script);
 
     /// The native controller. For internal use by Platform.

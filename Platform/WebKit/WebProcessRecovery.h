@@ -21,7 +21,7 @@ public:
 
     enum class Cause {
         failure,
-        /// The program terminated the process to make room for another process.
+        /// The application terminated the process to make room for another process.
         eviction,
     };
     /// Called when the web process has terminated. `interrupted` is the load that had not committed yet;

@@ -36,8 +36,8 @@ public:
     WebView& operator=(const WebView&) = delete;
     ~WebView() override;
 
-    /// The URL of the page or, during a load that the program requested, the URL being loaded. If that load
-    /// fails, the URL reverts to that of the shown page. Absent before the first navigation.
+    /// The URL of the page or, during a load that the application requested, the URL being loaded. If that
+    /// load fails, the URL reverts to that of the shown page. Absent before the first navigation.
     std::optional<URL> url() const;
     /// The title of the page. Absent if the page does not have a title.
     std::optional<std::string> title() const;
@@ -54,8 +54,8 @@ public:
     /// Loads the URL of `request`. The timeout restarts at each redirect and stops when the page commits.
     void load(const URLRequest& request);
 
-    /// Shows a page that the program supplies. `baseURL` provides the origin of the page and the base of its
-    /// relative links; without it, the page has neither. The server of the base URL is not contacted. The
+    /// Shows a page that the application supplies. `baseURL` provides the origin of the page and the base of
+    /// its relative links; without it, the page has neither. The server of the base URL is not contacted. The
     /// delegate is not asked for a policy decision about the page itself, but it is asked about every
     /// navigation that the page then requests.
     void loadHTMLString(const std::string& html, const std::optional<URL>& baseURL);

@@ -14,8 +14,8 @@
 namespace Platform {
 
 /// The platform-independent part of a web view: the mirrored values and their observers, the calls to
-/// delegates, pages supplied by the program, and recovery after the web process terminates. Each platform has
-/// a subclass that drives the native view.
+/// delegates, pages supplied by the application, and recovery after the web process terminates. Each platform
+/// has a subclass that drives the native view.
 ///
 /// A view owns its engine. The native view may outlive the view and the engine, but must not call them after
 /// they are destroyed. Main thread only.
@@ -41,13 +41,13 @@ public:
 
     WebViewEngine(const WebViewEngine&) = delete;
     WebViewEngine& operator=(const WebViewEngine&) = delete;
-    /// Sends the safe answers for open panels, because a page that waits for an answer is kept alive.
+    /// Gives open panels their safe default answers, because WebKit keeps a waiting page alive.
     virtual ~WebViewEngine();
 
-    /// Called once, as soon as a `shared_ptr` owns the owner. No observer or delegate is called before this.
+    /// Sets the web view that owns the engine. Called once, before any observer or delegate is called.
     virtual void setOwner(const std::weak_ptr<WebView>& owner) { owner_ = owner; }
-    /// Returns a strong reference to the owner. Returns null before `setOwner` is called and once the
-    /// destruction of the owner has begun.
+    /// Returns a strong reference to the web view. Returns null before `setOwner` is called and once the
+    /// destruction of the web view has begun.
     std::shared_ptr<WebView> keepAlive() const { return owner_.lock(); }
 
     const Values& values() const { return values_; }
@@ -70,7 +70,7 @@ protected:
 
     static WebViewEngine& of(const WebView& view) { return *view.engine_; }
 
-    // Events of the native view. The caller keeps the owner alive.
+    // Events of the native view. The caller keeps the web view alive during the call.
 
     template <typename Value>
     void update(Value Values::* member, Value value, Property property) {
@@ -83,7 +83,7 @@ protected:
     void titleChanged(std::optional<std::string> title);
 
     bool asksForPolicy() const { return !policyDelegate_.expired(); }
-    /// Returns true for the navigation to a page supplied by the program, which needs no policy decision.
+    /// Returns true for the navigation to a page supplied by the application, which needs no policy decision.
     bool isOwnPage(const NavigationAction& action, bool isRedirect) {
         return ownPage_.use(action, isRedirect);
     }
@@ -91,7 +91,7 @@ protected:
 
     void committed() { ownPage_.disarm(); }
     void finished();
-    /// Called on every failure, even if the failure is not reported.
+    /// Called on every load failure, even if it is not reported to the delegate.
     void failed() { ownPage_.disarm(); }
     void report(const Error& error, bool hasCommitted);
 

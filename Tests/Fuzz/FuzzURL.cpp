@@ -21,14 +21,14 @@ using Platform::URLComponents;
     std::abort();
 }
 
-/// If the promise does not hold, prints the promise and `text` and aborts.
+/// If `holds` is false, prints `promise` and `text` and aborts.
 void require(bool holds, std::string_view promise, std::string_view text) {
     if (!holds) {
         fail(promise, text);
     }
 }
 
-/// Returns the contained value. If `value` is empty, prints the promise and `text` and aborts.
+/// Returns the contained value. If `value` is empty, prints `promise` and `text` and aborts.
 template <typename Value>
 Value required(std::optional<Value> value, std::string_view promise, std::string_view text) {
     if (!value) {

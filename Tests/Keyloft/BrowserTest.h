@@ -59,7 +59,7 @@ protected:
 
     /// Performs the action with a menu item as the sender.
     static void performFromMenu(Controller& tab, Platform::Action action);
-    /// Returns true if the tab enables a menu item with the action.
+    /// Returns true if the tab validates a menu item with the action.
     static bool isEnabled(Controller& tab, Platform::Action action);
 
     /// The buttons in the bookmarks bar, excluding the spacer.

@@ -264,7 +264,7 @@ TEST_F(LayoutTest, theFillCoversItsShareOfTheProgressLine) {
     EXPECT_EQ(widthAt(1), 1100);
     EXPECT_EQ(widthAt(0.5), 550);
     EXPECT_EQ(widthAt(0), 0);
-    // The progress is not clamped, although the progress line cannot show more than its own width.
+    // A progress above 1 is not clamped, although the progress line cannot show more than its own width.
     EXPECT_EQ(widthAt(1.5), 1650);
     EXPECT_EQ(boundsInContent(bar).width, usualSize.width);
 

@@ -132,7 +132,7 @@ TEST_P(ProgramLayoutTest, isQuitByControlAndTheKeyThatTypesQ) {
     const auto program = start({page("/given")});
     ASSERT_TRUE(waitForFocus("/given"));
     const auto key = [](int code) { askXdotool("keydown ctrl key " + std::to_string(code) + " keyup ctrl"); };
-    // This key types Q on another layout, but not on the current one.
+    // Press a key that types Q on another layout, but not on the current one.
     key(GetParam().keycodeOfQ == 24 ? 38 : 24);
     EXPECT_TRUE(program->isRunning());
     key(GetParam().keycodeOfQ);

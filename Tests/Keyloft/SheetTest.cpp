@@ -21,7 +21,7 @@ using TestSupport::typeText;
 
 namespace {
 
-/// Tests sheets of real pages with real key presses and clicks, under a window manager.
+/// Tests sheets opened by real pages, using real key presses and clicks, under a window manager.
 class SheetTest : public AppDelegateTest {
 protected:
     /// Opens a page that calls confirm() each time `ask` is called, and lists all answers in its title.

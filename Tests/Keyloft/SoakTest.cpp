@@ -122,7 +122,7 @@ protected:
             } else {
                 closeAny();
             }
-            // Sometimes let the main loop run, so that the other tabs make progress.
+            // Occasionally run the main loop, so that the other tabs make progress.
             if (below(3) == 0) {
                 TestSupport::runTurns(below(100));
             }
@@ -152,7 +152,7 @@ protected:
 
     /// The number of open file descriptors, excluding those that WebKitGTK leaks. If a view is destroyed
     /// while its web process is starting, WebKitGTK 2.50.6 leaks the thread that receives messages from the
-    /// process, and one file descriptor. Also seen with a plain web view. Not reported.
+    /// process, and one file descriptor. Also seen with a plain web view (not reported).
     static std::size_t openDescriptors() {
         return TestSupport::openDescriptors() - TestSupport::runningThreads("ReceiveQueue");
     }

@@ -7,7 +7,7 @@ using Titles = std::vector<std::string>;
 
 namespace {
 
-/// Pointer interaction with the tab strip, under a window manager.
+/// Tests pointer interaction with the tab strip, under a window manager.
 class TabStripTest : public AppDelegateTest {
 protected:
     /// Opens the pages in tabs of one window and brings the window to the front. The last tab is selected.

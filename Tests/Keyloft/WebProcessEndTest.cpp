@@ -30,7 +30,7 @@ protected:
         return path;
     }
 
-    /// Opens a tab that shows a page added by `counting`, and sets `process` to the id of the page's web
+    /// Opens a tab that shows a page added by `counting`, and sets `process` to the ID of the page's web
     /// process.
     Tab openCounting(const std::string& path, const Tab& beside = nullptr) {
         const auto before = webProcesses();

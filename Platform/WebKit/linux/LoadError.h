@@ -14,7 +14,7 @@ namespace Platform {
 /// emits an error when its media player takes over the load of an audio or video file.
 std::optional<Error> loadError(const GError& error, const char* failingURI);
 
-/// Return errors that WebKitGTK does not define.
+/// Create errors for failures for which WebKitGTK does not define an error.
 Error timedOutError(const std::optional<std::string>& failingURL);
 Error restrictedPortError(const std::optional<std::string>& failingURL);
 

@@ -16,7 +16,7 @@ namespace Platform {
 /// opener, the new view is related to it and the opener is cleared.
 GObjectPtr<WebKitWebView> makeNativeWebView(WebViewConfiguration& configuration);
 
-/// Return nothing if the URI or title is empty.
+/// Return the URI or title of a view, or nothing if it is empty.
 std::optional<std::string> uriOf(WebKitWebView* view);
 std::optional<std::string> titleOf(WebKitWebView* view);
 

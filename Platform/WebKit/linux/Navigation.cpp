@@ -89,11 +89,11 @@ void Navigation::decide() {
 }
 
 bool Navigation::start(const std::optional<URL>& url) {
-    // A load starts only after its policy decision, so this start belongs to an earlier navigation.
+    // A load starts only after its policy decision, so this event belongs to an earlier navigation.
     if (isRequested() && load()) {
         return false;
     }
-    // A second start belongs to a navigation that the page requested before the program's load committed.
+    // A second start means that the page requested a navigation before the application's load committed.
     auto load = hasStarted() ? std::nullopt : takeLoad();
     phase_ = Started{{.load = std::move(load), .shownURL = shownURL(url)}, takeFailure()};
     return true;

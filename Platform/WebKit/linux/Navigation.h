@@ -16,14 +16,14 @@ namespace Platform {
 /// which they belong, and events of a replaced navigation may arrive after the next navigation is requested.
 class Navigation {
 public:
-    /// A navigation to a URL, requested by the program.
+    /// A navigation to a URL, requested by the application.
     struct Load {
         /// The URI of the load, as serialized by WebKitGTK. After a redirect, the new location.
         std::string uri;
         LoadTimeout timeout;
     };
 
-    /// The actual error of a load for which WebKitGTK is expected to report a different error.
+    /// The reason why the engine cancelled a load, if it did. WebKitGTK's error does not state the reason.
     struct ExpectedFailure {
         /// The location of a redirect that was refused because of its port.
         std::optional<std::string> refusedRedirect;
@@ -35,23 +35,23 @@ public:
     bool isFresh() const { return std::holds_alternative<Fresh>(phase_); }
     /// Returns true for a view opened by a page, until its first policy decision is requested.
     bool isNewWindow() const { return std::holds_alternative<NewWindow>(phase_); }
-    /// Returns true after the program has requested a navigation, until its policy decision is requested.
+    /// Returns true after the application has requested a navigation, until its policy decision is requested.
     bool isRequested() const { return std::holds_alternative<Requested>(phase_); }
     bool hasStarted() const { return std::holds_alternative<Started>(phase_); }
 
-    /// The current load that the program requested, or null.
+    /// The current load that the application requested, or null.
     Load* load();
     /// The URL of the page that is currently shown, or nothing if it is unknown. `url` is the URL that the
     /// view reports, which may already be the URL of the next page.
     std::optional<URL> shownURL(const std::optional<URL>& url) const;
 
-    /// Marks a fresh view or a new window as used.
+    /// Ends the phase in which the view is fresh or a new window.
     void use() { phase_ = Idle{}; }
     /// Records that a page has opened the view.
     void openWindow() { phase_ = NewWindow{}; }
-    /// Records that the program requests a navigation, which replaces the current navigation.
+    /// Records a navigation requested by the application, which replaces the current one.
     void request(std::optional<Load> load, const std::optional<URL>& url);
-    /// Records that the program has stopped a requested navigation to `uri`.
+    /// Records that the application has stopped a requested navigation to `uri`.
     void stop(const std::string& uri);
     bool isStopped(const std::string& uri) const;
 
@@ -65,9 +65,9 @@ public:
     /// Called when the navigation has ended and WebKitGTK will not report a failure for it.
     void abandon();
 
-    /// The expected failure. Null unless the navigation has started or ended.
+    /// The reason why the engine cancelled the navigation, if it did. Null before the navigation starts.
     ExpectedFailure* expectedFailure();
-    /// Returns the expected failure if `error` is the error that WebKitGTK reports for it, otherwise `error`.
+    /// Returns an error that states why the navigation was cancelled, or `error` if it has another cause.
     Error nameFailure(const Error& error);
 
 private:
@@ -85,7 +85,7 @@ private:
         std::optional<std::string> stoppedURI = std::nullopt;
     };
     struct Decided : UnderWay {};
-    /// The initial phase of a navigation requested by the page.
+    /// A navigation requested by the page begins in this phase.
     struct Started : UnderWay {
         ExpectedFailure failure = {};
     };

@@ -24,7 +24,7 @@ WebKitNetworkSession* makePersistentSession() {
 }
 
 WebKitNetworkSession* restricted(WebKitNetworkSession* session) {
-    // The program never asks for passwords, so there are no credentials to look up in the keyring.
+    // The application never asks for passwords, so there are no credentials to look up in the keyring.
     webkit_network_session_set_persistent_credential_storage_enabled(session, FALSE);
     g_signal_connect(session, "download-started", G_CALLBACK(refuseDownload), nullptr);
     return session;

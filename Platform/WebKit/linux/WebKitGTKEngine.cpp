@@ -110,7 +110,7 @@ void WebKitGTKEngine::navigate(std::optional<Navigation::Load> load, Begin begin
     requestSlot(std::move(begin));
 }
 
-/// Calls `begin` when the view may use its web process.
+/// Calls `begin` once the view's slot holds a web process.
 void WebKitGTKEngine::requestSlot(Begin begin) {
     slot_.request([this, begin = std::move(begin)] {
         const auto keptAlive = keepAlive();
@@ -219,7 +219,7 @@ gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     if (isFirstOfWindow) {
         navigation_.use();
     }
-    // WebKitGTK itself loads a new window without an opener and starts a process for it after the decision.
+    // WebKitGTK starts a process for a window opened with `noopener` after the decision, so wait for a slot.
     if (isFirstOfWindow && uriOf(view_.get())) {
         slot_.release();
         requestSlot([this, question](WebKitWebView*) { decide(question); });

@@ -12,7 +12,7 @@ const std::shared_ptr<WebProcessSlots>& WebProcessSlots::shared() {
     return slots;
 }
 
-/// Returns each process once, in the order of the last slot that holds it.
+/// Returns each process once, at the position of the last slot that holds it.
 std::vector<const Timer*> WebProcessSlots::processes() const {
     std::vector<const Timer*> processes;
     for (const auto* slot : slots_) {
@@ -109,7 +109,7 @@ void WebProcessSlot::processStarted() {
 }
 
 void WebProcessSlot::processReplaced() {
-    // The previous process continues to run only if other views use it.
+    // If no other view uses the previous process, it exits, and the new process takes its place.
     if (process_.use_count() > 1) {
         start();
         processStarted();

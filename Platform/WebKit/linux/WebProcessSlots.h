@@ -24,8 +24,8 @@ public:
         : limit_(limit)
         , startTimeout_(startTimeout) {}
 
-    /// The program's instance. Each web process is a client of the X server, which accepts 256 by default.
-    /// WebKitGTK 2.50.6 exits the program if the X server refuses a client (not reported).
+    /// The application's instance. Each web process is a client of the X server, which accepts 256 by
+    /// default. WebKitGTK 2.50.6 terminates the application if the X server refuses a client (not reported).
     static const std::shared_ptr<WebProcessSlots>& shared();
 
 private:
@@ -47,8 +47,8 @@ private:
 /// The slot of one view. A slot is empty, waits for a process, or holds a process. Main thread only.
 class WebProcessSlot {
 public:
-    /// `isEvictable` is called only while the view is hidden. `evict` terminates the process; every slot that
-    /// holds the process must be released before `evict` returns.
+    /// `isEvictable` is called for a hidden view and returns true if its process may be terminated. `evict`
+    /// terminates it; every slot that holds the process must be released before `evict` returns.
     WebProcessSlot(std::shared_ptr<WebProcessSlots> slots, std::function<bool()> isEvictable,
                    std::function<void()> evict);
     WebProcessSlot(const WebProcessSlot&) = delete;
@@ -56,24 +56,24 @@ public:
     ~WebProcessSlot();
 
     /// Calls `granted` when the view may use its process. The call is immediate if the slot already holds a
-    /// process or is next in line and a process may start. Replaces a pending request.
+    /// process or is next in line and a process may start. Replaces any pending request.
     void request(std::function<void()> granted);
     bool isWaiting() const { return granted_ != nullptr; }
     void cancelRequest() { granted_ = nullptr; }
-    /// Acquires a process if it may start now. Returns true if the slot holds a process.
+    /// Acquires a process if one may start now. Returns true if the slot holds a process.
     bool tryAcquire();
     /// Makes this slot share the process of `other`.
     void share(const WebProcessSlot& other) { process_ = other.process_; }
     void release();
 
-    /// Called when the process has responded.
+    /// Called whenever the web process responds. Its first response lets the next waiting view proceed.
     void processStarted();
     /// Called after WebKitGTK has moved the page to a new process.
     void processReplaced();
 
     bool isVisible() const { return isVisible_; }
     void setVisible(bool visible);
-    /// Returns true while a process is being terminated to free a slot for another.
+    /// Returns true while a process is being terminated to make room for another.
     bool isEvicting() const { return slots_->isEvicting_; }
 
 private:
@@ -86,8 +86,8 @@ private:
     std::function<bool()> isEvictable_;
     std::function<void()> evict_;
     std::function<void()> granted_;
-    /// The timeout for the start of the process, valid until the process responds or the timeout expires.
-    /// Shared by all slots that hold the same process.
+    /// The web process, identified by the timer that limits its start. The timer is valid while the process
+    /// starts. Shared by all slots that hold the process.
     std::shared_ptr<Timer> process_;
     bool isVisible_ = false;
 };

@@ -6,7 +6,7 @@
 
 #import <JavaScriptCore/JavaScriptCore.h>
 
-/// WebKit retains its message handlers while a page exists. This proxy holds the program's handler weakly.
+/// WebKit retains its message handlers while a page exists. This proxy holds the actual handler weakly.
 @interface KeyloftScriptMessageHandler : NSObject <WKScriptMessageHandler> {
 @public
     std::weak_ptr<Platform::ScriptMessageHandler> handler;
@@ -24,7 +24,7 @@ std::string stringify(id value) {
     return text.isString ? fromNSString([text toString]) : "";
 }
 
-/// Must not throw, because an exception would propagate into WebKit.
+/// Calls the handler if it still exists. Must not throw, because the exception would propagate into WebKit.
 void deliver(const std::weak_ptr<ScriptMessageHandler>& receiver, WKScriptMessage* message) noexcept {
     if (const auto handler = receiver.lock()) {
         handler->didReceiveScriptMessage(

@@ -10,7 +10,7 @@
 
 #include <utility>
 
-/// WKWebView precedes the window's controller in the responder chain and implements some of the program's
+/// WKWebView precedes the window's controller in the responder chain and implements some of the application's
 /// actions. Leave these actions to the controller, which validates them.
 @interface KeyloftWebView : WKWebView
 @end
@@ -181,8 +181,8 @@ void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
 void WKWebViewEngine::decidePolicyFor(WKNavigationAction* action,
                                       const std::shared_ptr<PolicyReply>& reply) noexcept {
     const auto ours = fromWKNavigationAction(action);
-    // WKNavigationAction does not identify redirects. A page that the program supplies cannot be redirected,
-    // because it is not loaded from a server.
+    // WKNavigationAction does not identify redirects. A page that the application supplies cannot be
+    // redirected, because it is not loaded from a server.
     if (action.targetFrame.mainFrame && isOwnPage(ours, false)) {
         (*reply)(NavigationActionPolicy::allow);
     } else {
@@ -228,7 +228,7 @@ void WKWebViewEngine::setAllowsBackForwardNavigationGestures(bool allows) {
 }
 
 void WKWebViewEngine::performEditing(Action action) {
-    // Search the responder chain: the window performs undo and redo, with the undo manager of the page.
+    // Search the responder chain, because the window performs undo and redo, with the page's undo manager.
     [view_ tryToPerform:selectorFor(action) with:nil];
 }
 
