@@ -67,6 +67,10 @@ std::optional<Error> loadError(const GError& error, const char* failingURI) {
                  .code = kind.code,
                  .localizedDescription = error.message ? error.message : "",
                  .failingURL = std::nullopt};
+    // GLib's text is "Unacceptable TLS certificate".
+    if (g_error_matches(&error, G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE)) {
+        result.localizedDescription = "The server's certificate is not valid or not trusted.";
+    }
     if (failingURI && *failingURI) {
         result.failingURL = failingURI;
     }
@@ -83,7 +87,7 @@ Error timedOutError(const std::optional<std::string>& failingURL) {
 Error restrictedPortError(const std::optional<std::string>& failingURL) {
     return {.domain = std::string(Error::webKitDomain),
             .code = Error::webKitRestrictedPort,
-            .localizedDescription = "Not allowed to use restricted network port",
+            .localizedDescription = "Web pages may not use this port, because other services do.",
             .failingURL = failingURL};
 }
 

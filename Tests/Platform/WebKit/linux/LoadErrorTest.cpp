@@ -13,13 +13,13 @@ using namespace Platform;
 
 namespace {
 
-std::pair<std::string, int> mapped(GQuark domain, int code) {
+std::pair<std::string, int> mapped(GQuark domain, int code, const std::string& description = "Why") {
     g_autoptr(GError) error = g_error_new_literal(domain, code, "Why");
     const auto result = loadError(*error, "http://failing.test/");
     if (!result) {
         return {"nothing", 0};
     }
-    EXPECT_EQ(result->localizedDescription, "Why");
+    EXPECT_EQ(result->localizedDescription, description);
     EXPECT_EQ(result->failingURL, "http://failing.test/");
     return {result->domain, result->code};
 }
@@ -40,7 +40,9 @@ TEST(LoadError, hasTheDomainsAndCodesOfFoundationAndWebKit) {
     EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_NETWORK_UNREACHABLE), url(-1004));
     EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_PARTIAL_INPUT), url(-1005));
     EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_CONNECTION_CLOSED), url(-1005));
-    EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE), url(-1202));
+    EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE,
+                     "The server's certificate is not valid or not trusted."),
+              url(-1202));
     EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_NOT_TLS), url(-1200));
     EXPECT_EQ(mapped(WEBKIT_POLICY_ERROR, 101), std::pair(std::string("WebKitErrorDomain"), 101));
     EXPECT_EQ(mapped(WEBKIT_POLICY_ERROR, 102), std::pair(std::string("WebKitErrorDomain"), 102));
