@@ -1,0 +1,130 @@
+"""The person at the display: types, clicks, looks, and listens as a screen reader does."""
+
+import accessibility
+from environment import run, wait_until
+
+
+class Person:
+    """Uses the one window of a program that is the active window of the display, or is inside of it."""
+
+    def __init__(self, process, artefacts, scenario):
+        self.process, self.artefacts, self.scenario = process, artefacts, scenario
+        self.bus = accessibility.Bus()
+        self.root = wait_until(lambda: self.bus.root(process), "the program on the accessibility bus")
+        # GTK 4.8 also exposes the controls of tabs that are not selected, and not which one is.
+        self.tab = 0
+
+    # ---- Hands ------------------------------------------------------------------------------------------------------
+
+    def press(self, *keys):
+        run("xdotool", "key", "--delay", "10", *keys)
+
+    def type(self, text):
+        run("xdotool", "type", "--delay", "10", text)
+
+    def point(self, x, y):
+        run("xdotool", "mousemove", "--window", self.window(), x, y)
+
+    def rest(self):
+        """Moves the pointer to the lower corner of the page, where it neither highlights a control nor shows a tool tip."""
+        _, _, width, height = self.windows()[0].extents()
+        self.point(width - 10, height - 10)
+
+    def click(self, object):
+        left, top, width, height = object.extents()
+        self.point(left + width // 2, top + height // 2)
+        run("xdotool", "click", "1")
+        self.rest()
+
+    def choose(self, title, item, step=None):
+        """Opens a menu of the menu bar with the mouse, and chooses an item with the arrow keys."""
+        self.click(self.find(accessibility.MENU_ITEM, title))
+        wait_until(lambda: self.all(accessibility.MENU_ITEM, item), lambda: f"{item!r} in {self.objects()}")
+        if step:
+            self.keep_picture(step)
+        for _ in range(50):
+            self.press("Down")
+            if self.find(accessibility.MENU_ITEM, item).is_(accessibility.FOCUSED):
+                self.press("Return")
+                return
+        raise AssertionError(f"the arrow keys do not reach {item!r}: {self.objects()}")
+
+    def click_page(self):
+        """Clicks in the middle of the top of the page."""
+        left, top, width, _ = self.page().extents()
+        self.point(left + width // 2, top + 150)
+        run("xdotool", "click", "1")
+        self.rest()
+
+    def go(self, text):
+        self.press("ctrl+l")
+        wait_until(lambda: self.address().is_(accessibility.FOCUSED), "focus in the address field")
+        self.type(text)
+        self.press("Return")
+
+    # ---- Ears -------------------------------------------------------------------------------------------------------
+
+    def windows(self):
+        return self.bus.tree(self.root, 2).children
+
+    def titles(self):
+        return [window.name for window in self.windows()]
+
+    def objects(self):
+        """All objects except those in tabs that are not selected."""
+        tree = self.bus.tree(self.root)
+        fields = [object for object in tree.below() if object.name == "Address"]
+        if len(fields) > 1:
+            pages = [list(field.above()) for field in fields]
+            view = next(object for object in pages[0] if all(object in page for page in pages))
+            view.children = [child for child in view.children if child in pages[self.tab]]
+        return list(tree.below())
+
+    def all(self, role, name=None):
+        return [object for object in self.objects() if object.role == role and name in (None, object.name)]
+
+    def find(self, role, name):
+        found = []
+
+        def look():
+            found[:] = self.all(role, name)
+            return len(found) == 1
+
+        wait_until(look, lambda: f"one {name!r} (role {role}): {found} of {self.objects()}")
+        return found[0]
+
+    def button(self, name):
+        return self.find(accessibility.BUTTON, name)
+
+    def address(self):
+        return self.find(accessibility.TEXT_FIELD, "Address")
+
+    def page(self):
+        (page,) = [object for object in self.objects() if object.name == "WebKitWebView"]
+        return page
+
+    def wait_for_title(self, title):
+        wait_until(lambda: title in self.titles(), lambda: f"the title {title!r}: {self.titles()}")
+
+    def wait_for_address(self, url):
+        wait_until(lambda: self.address().text() == url, lambda: f"the address {url}: {self.address().text()}")
+
+    def wait_for_sheet(self, heading, *lines):
+        sheet = self.find(accessibility.ALERT, heading)
+        texts = [object.name for object in sheet.below() if object.role == accessibility.LABEL]
+        for line in lines:
+            if not any(line in text for text in texts):
+                raise AssertionError(f"{line!r} is not in {texts}")
+        return texts
+
+    def window_is_active(self):
+        """Whether the program has the keyboard."""
+        return any(object.is_(accessibility.FOCUSED) for object in self.objects())
+
+    # ---- Eyes -------------------------------------------------------------------------------------------------------
+
+    def window(self):
+        return run("xdotool", "getactivewindow").decode().strip()
+
+    def keep_picture(self, step):
+        run("import", "-silent", "-window", "root", self.artefacts / f"{self.scenario}-{step}.png")
