@@ -44,7 +44,9 @@ class Object:
         return self.bus.call(self.owner, self.path, COMPONENT, "GetExtents", GLib.Variant("(u)", (WINDOW_COORDINATES,)))
 
     def text(self):
-        return self.bus.call(self.owner, self.path, TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))
+        # GTK 4.8 does not accept -1 as the end of an entry's text.
+        length = self.bus.call(self.owner, self.path, PROPERTIES, "Get", GLib.Variant("(ss)", (TEXT, "CharacterCount")))
+        return self.bus.call(self.owner, self.path, TEXT, "GetText", GLib.Variant("(ii)", (0, length)))
 
     def __repr__(self):
         states = [word for state, word in ((FOCUSABLE, "focusable"), (FOCUSED, "focused")) if self.is_(state)]
@@ -77,8 +79,8 @@ class Bus:
         return None
 
     def tree(self, root, depth=100):
-        """Reads the objects below `root`, down to `depth`. All questions about a generation are asked at once, because a
-        tree has hundreds of objects."""
+        """Reads the objects below `root`, down to `depth`. All questions about a generation are asked at once, because
+        a tree has hundreds of objects."""
         root = Object(self, root.owner, root.path)
         generation = [root]
         while generation and depth > 0:

@@ -13,7 +13,9 @@ import tempfile
 import time
 
 # A limit for each wait, long enough for a slow machine. No wait takes so long unless something is wrong.
-LIMIT = 30
+LIMIT = 8
+
+RIGHT_TO_LEFT = "ar_EG.UTF-8"
 
 LIBC = ctypes.CDLL(None, use_errno=True)
 PR_SET_PDEATHSIG = 1
@@ -31,7 +33,7 @@ def wait_until(condition, what):
             return value
         if time.monotonic() > deadline:
             raise AssertionError(f"not within {LIMIT} s: {what() if callable(what) else what}")
-        time.sleep(0.02)
+        time.sleep(0.05)
 
 
 def run(*command, **options):
@@ -128,6 +130,10 @@ class Environment:
         names = self.scratch / "hosts"
         names.write_text("".join(f"127.0.0.1 {host}\n" for host in ["localhost", *hosts]))
         self.mount("--bind", names, "/etc/hosts")
+        # A name that is not in the file does not exist. Without this the resolver would look for a name server.
+        sources = self.scratch / "nsswitch.conf"
+        sources.write_text("passwd: files\ngroup: files\nhosts: files\n")
+        self.mount("--bind", sources, "/etc/nsswitch.conf")
         authority = make_authority(self.scratch, "authority")
         self.mount("--bind", authority, "/etc/ssl/certs/ca-certificates.crt")
         self.identity = make_identity(self.scratch, "identity", hosts, authority)
@@ -140,6 +146,10 @@ class Environment:
     def install(self, package):
         """Lays the package's files over this machine's, for this process and its children only."""
         run("dpkg", "-x", package, self.scratch / "package")
+        # Most machines have no right-to-left locale.
+        locales = self.scratch / "package/usr/lib/locale"
+        locales.mkdir(parents=True)
+        run("localedef", "--no-archive", "-i", RIGHT_TO_LEFT.split(".")[0], "-f", "UTF-8", locales / RIGHT_TO_LEFT)
         self.mount("-t", "overlay", "-o", f"lowerdir={self.scratch}/package/usr:/usr", "package", "/usr")
 
     @staticmethod

@@ -26,7 +26,7 @@ class Person:
         run("xdotool", "mousemove", "--window", self.window(), x, y)
 
     def rest(self):
-        """Moves the pointer to the lower corner of the page, where it neither highlights a control nor shows a tool tip."""
+        """Moves the pointer to the lower corner of the page, where it does not highlight a control."""
         _, _, width, height = self.windows()[0].extents()
         self.point(width - 10, height - 10)
 
@@ -70,15 +70,24 @@ class Person:
     def titles(self):
         return [window.name for window in self.windows()]
 
-    def objects(self):
-        """All objects except those in tabs that are not selected."""
+    def tree(self):
+        """The tree without the tabs that are not selected, and the part of it that belongs to the selected tab."""
         tree = self.bus.tree(self.root)
         fields = [object for object in tree.below() if object.name == "Address"]
-        if len(fields) > 1:
-            pages = [list(field.above()) for field in fields]
-            view = next(object for object in pages[0] if all(object in page for page in pages))
-            view.children = [child for child in view.children if child in pages[self.tab]]
+        if len(fields) < 2:
+            return tree, tree
+        pages = [list(field.above()) for field in fields]
+        view = next(object for object in pages[0] if all(object in page for page in pages))
+        view.children = [child for child in view.children if child in pages[self.tab]]
+        return tree, view
+
+    def objects(self):
+        tree, _ = self.tree()
         return list(tree.below())
+
+    def objects_of_tab(self):
+        _, tab = self.tree()
+        return list(tab.below())
 
     def all(self, role, name=None):
         return [object for object in self.objects() if object.role == role and name in (None, object.name)]
@@ -96,6 +105,9 @@ class Person:
     def button(self, name):
         return self.find(accessibility.BUTTON, name)
 
+    def number_of_tabs(self):
+        return sum(object.name == "Address" for object in self.bus.tree(self.root).below())
+
     def address(self):
         return self.find(accessibility.TEXT_FIELD, "Address")
 
@@ -109,22 +121,50 @@ class Person:
     def wait_for_address(self, url):
         wait_until(lambda: self.address().text() == url, lambda: f"the address {url}: {self.address().text()}")
 
-    def wait_for_sheet(self, heading, *lines):
-        sheet = self.find(accessibility.ALERT, heading)
-        texts = [object.name for object in sheet.below() if object.role == accessibility.LABEL]
-        for line in lines:
-            if not any(line in text for text in texts):
-                raise AssertionError(f"{line!r} is not in {texts}")
-        return texts
+    def wait_for_tabs(self, number):
+        wait_until(lambda: self.number_of_tabs() == number, lambda: f"{number} tabs: {self.number_of_tabs()}")
 
-    def window_is_active(self):
-        """Whether the program has the keyboard."""
-        return any(object.is_(accessibility.FOCUSED) for object in self.objects())
+    def wait_for_sheet(self, heading, text):
+        """Waits for an alert with this heading and this text over the page."""
+        def texts():
+            return [[object.name for object in sheet.below() if object.role == accessibility.LABEL]
+                    for sheet in self.all(accessibility.ALERT, heading)]
+        wait_until(lambda: any(sheet[:2] == [heading, text] for sheet in texts()),
+                   lambda: f"an alert {heading!r}, {text!r}: {texts()}")
+
+    def wait_for_no_sheet(self):
+        wait_until(lambda: not self.all(accessibility.ALERT), "no alert")
+
+    def focused(self):
+        """The object that has the keyboard, or None."""
+        return next((object for object in self.objects() if object.is_(accessibility.FOCUSED)), None)
+
+    def wait_for_focus_to_leave(self, object):
+        """The object that has the keyboard next."""
+        def next_one():
+            focused = self.focused()
+            return focused and focused.path != object.path and focused
+        return wait_until(next_one, lambda: f"the focus leaves {object}: {self.focused()}")
 
     # ---- Eyes -------------------------------------------------------------------------------------------------------
 
     def window(self):
         return run("xdotool", "getactivewindow").decode().strip()
 
+    def pixels(self):
+        """The window's pixels, three bytes each, and its width."""
+        data = run("import", "-silent", "-window", self.window(), "-depth", "8", "ppm:-")
+        _, size, _, pixels = data.split(b"\n", 3)
+        return pixels, int(size.split()[0])
+
     def keep_picture(self, step):
         run("import", "-silent", "-window", "root", self.artefacts / f"{self.scenario}-{step}.png")
+
+
+def area(picture, extents, margin=0):
+    """The pixels of a part of a picture."""
+    pixels, width = picture
+    left, top, columns, rows = extents
+    left, right = max(left - margin, 0), min(left + columns + margin, width)
+    return b"".join(pixels[3 * (row * width + left):3 * (row * width + right)]
+                    for row in range(max(top - margin, 0), top + rows + margin))

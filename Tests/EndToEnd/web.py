@@ -25,9 +25,10 @@ HOSTS = [urllib.parse.urlsplit(url).hostname for url in BOOKMARKS.values()] + [P
 
 STYLE = "<style>html { font: 20px sans-serif; height: 100% } a { display: block; height: 300px }</style>"
 BODIES = {
+    "/image-held": '<img src="/held-image">',
     "/link-to-new-window": '<a target="_blank" href="/linked">Open</a>',
-    "/script-opens-window": '<a href="#" onclick="open(\'/opened\')">Open</a>',
-    "/panels": """<a href="#" onclick="alert('The first text'); document.title = 'alert closed';
+    "/script-opens-window": '<a href="#" onclick="window.open(\'/opened\')">Open</a>',
+    "/panels": """<a href="#" onclick="alert('The first text');
         document.title = confirm('Are you sure?') ? 'agreed' : 'declined'">Ask</a>""",
 }
 
