@@ -13,7 +13,7 @@ import tempfile
 import time
 
 # A limit for each wait, long enough for a slow machine. No wait takes so long unless something is wrong.
-LIMIT = 8
+LIMIT = 30
 
 RIGHT_TO_LEFT = "ar_EG.UTF-8"
 
@@ -195,10 +195,13 @@ class Environment:
     def start_weston(self):
         """Starts a Wayland compositor whose screen is a window of the display. Its seat is the display's keyboard and
         pointer, and the first window of a program fills its screen."""
+        # If the pointer is in the window from the start, Weston adds its motions to a wrong place (seen with 10.0.1,
+        # not reported). It notices a pointer that enters.
+        run("xdotool", "mousemove", 0, 0)
         with open(self.scratch / "weston.log", "wb") as log:
             weston = self.start("weston", "--backend=x11-backend.so", "--shell=kiosk-shell.so", "--no-config",
                                 f"--socket={self.WAYLAND_DISPLAY}", "--width=1100", "--height=800", "--idle-time=0",
-                                log=log, stdout=log)
+                                "--use-pixman", log=log, stdout=log)
         socket_file = pathlib.Path(self.variables["XDG_RUNTIME_DIR"], self.WAYLAND_DISPLAY)
         wait_until(socket_file.exists, "the Wayland compositor's socket")
         return weston

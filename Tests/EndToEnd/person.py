@@ -22,19 +22,18 @@ class Person:
     def type(self, text):
         run("xdotool", "type", "--delay", "10", text)
 
-    def point(self, x, y):
-        run("xdotool", "mousemove", "--window", self.window(), x, y)
+    def click_at(self, x, y):
+        run("xdotool", "mousemove", "--window", self.window(), x, y, "click", "1")
+        self.rest()
 
     def rest(self):
         """Moves the pointer to the lower corner of the page, where it does not highlight a control."""
         _, _, width, height = self.windows()[0].extents()
-        self.point(width - 10, height - 10)
+        run("xdotool", "mousemove", "--window", self.window(), width - 10, height - 10)
 
     def click(self, object):
         left, top, width, height = object.extents()
-        self.point(left + width // 2, top + height // 2)
-        run("xdotool", "click", "1")
-        self.rest()
+        self.click_at(left + width // 2, top + height // 2)
 
     def choose(self, title, item, step=None):
         """Opens a menu of the menu bar with the mouse, and chooses an item with the arrow keys."""
@@ -50,11 +49,9 @@ class Person:
         raise AssertionError(f"the arrow keys do not reach {item!r}: {self.objects()}")
 
     def click_page(self):
-        """Clicks in the middle of the top of the page."""
+        """Clicks on the page's link, which is large enough to be here at any size of text."""
         left, top, width, _ = self.page().extents()
-        self.point(left + width // 2, top + 150)
-        run("xdotool", "click", "1")
-        self.rest()
+        self.click_at(left + width // 2, top + 250)
 
     def go(self, text):
         self.press("ctrl+l")

@@ -2,13 +2,13 @@
 
 import os
 import pathlib
-import re
 import shutil
+import socket
 import sys
 import unittest
 
-from accessibility import (ALERT, BUTTON, FOCUSABLE, FOCUSED, LABEL, MENU_ITEM, SEARCH_FIELD, SENSITIVE, TAB, TEXT_FIELD,
-                           is_type_name)
+from accessibility import (ALERT, BUTTON, FOCUSABLE, FOCUSED, LABEL, MENU_ITEM, SEARCH_FIELD, SENSITIVE, TAB,
+                           TEXT_FIELD, is_type_name)
 from environment import Child, Environment, LIMIT, RIGHT_TO_LEFT, run, wait_until
 from person import Person, area
 from web import BOOKMARKS, HOSTS, PLAIN, RESETTING, UNTRUSTED, Web
@@ -63,6 +63,16 @@ class Scenario(unittest.TestCase):
         """Fails if the program or one of its libraries has reported a critical error."""
         text = self.log.read_text()
         self.assertNotRegex(text, r"CRITICAL|ERROR|assertion")
+
+
+class Surroundings(unittest.TestCase):
+    def test_no_packet_leaves(self):
+        self.assertEqual([name for _, name in socket.if_nameindex()], ["lo"])
+
+    def test_the_program_is_the_packages(self):
+        installed, packaged = pathlib.Path("/usr/bin/keyloft"), environment.scratch / "package/usr/bin/keyloft"
+        self.assertEqual(shutil.which("keyloft"), str(installed))
+        self.assertEqual(installed.read_bytes(), packaged.read_bytes())
 
 
 class Smoke(Scenario):
@@ -281,7 +291,8 @@ class Browsing(Scenario):
     def test_failures(self):
         person = self.start(f"https://{PLAIN}/first")
         person.wait_for_title(PLAIN + "/first")
-        for host, text in (("nowhere.example", "Error resolving “nowhere.example”: Name or service not known"),
+        unknown = "nowhere.example"
+        for host, text in ((unknown, f"Error resolving “{unknown}”: Name or service not known"),
                            (RESETTING, "Error receiving data: Connection reset by peer"), (UNTRUSTED, "Unacceptable TLS certificate")):
             person.go(host)
             person.wait_for_sheet("Keyloft can't open the page", f"{text}\nhttps://{host}/")
@@ -372,14 +383,16 @@ class Appearance(Scenario):
         file.parent.mkdir(parents=True, exist_ok=True)
         file.write_text(text)
 
-    def look(self, **variables):
+    def open(self, **variables):
         person = self.start(f"https://{PLAIN}/one", f"https://{PLAIN}/panels", **variables)
         person.wait_for_title(PLAIN + "/panels")
+        self.places = {object.name: object.extents() for object in person.objects() if object.role in CONTROLS}
+        return person
+
+    def look(self, person):
         self.assert_layout(person)
         person.keep_picture("window")
         self.window = person.pixels()
-        self.places = {object.name: object.extents() for object in person.objects() if object.role in CONTROLS}
-        self.labels = {object.name: object.extents() for object in person.objects() if object.role == LABEL}
         person.choose("Bookmarks", "GitHub", step="menu")
         person.wait_for_title("github.com/")
         person.click(person.button("Back"))
@@ -419,36 +432,44 @@ class Appearance(Scenario):
         return sum(data) / len(data)
 
     def test_light(self):
-        self.look()
+        self.look(self.open())
         self.assertGreater(self.brightness(), 200)
 
     def test_dark(self):
         self.settings("[org/gnome/desktop/interface]\ncolor-scheme='prefer-dark'\n")
-        self.look()
+        self.look(self.open())
         self.assertLess(self.brightness(), 100)
 
     def test_high_contrast(self):
+        person = self.open()
+        ordinary = person.pixels()
+        self.quit(person)
         self.settings("[org/gnome/desktop/a11y/interface]\nhigh-contrast=true\n")
-        self.look()
+        self.look(self.open())
+        # Fields have a border.
+        field = self.places["Address"]
+        self.assertNotEqual(area(self.window, field), area(ordinary, field))
 
     def test_large_text(self):
         # On X11 this setting needs the desktop's settings daemon.
         weston = environment.start_weston()
         self.addCleanup(weston.stop)
         wayland = {"WAYLAND_DISPLAY": environment.WAYLAND_DISPLAY, "DISPLAY": ""}
-        self.look(**wayland)
-        before = self.labels
+        self.quit(self.open(**wayland))
+        ordinary = self.places
         self.settings("[org/gnome/desktop/interface]\ntext-scaling-factor=2.0\n")
-        self.look(**wayland)
-        for name in ("File", *BOOKMARKS):
-            for size in (2, 3):
-                self.assertAlmostEqual(self.labels[name][size] / before[name][size], 2, delta=0.2, msg=name)
+        self.look(self.open(**wayland))
+        width, height = 2, 3
+        for name in ("File", "DuckDuckGo", "Search DuckDuckGo"):
+            self.assertAlmostEqual(self.places[name][width] / ordinary[name][width], 2, delta=0.2, msg=name)
+        for name in ("File", "DuckDuckGo", "Search DuckDuckGo", "Address"):
+            self.assertGreater(self.places[name][height] / ordinary[name][height], 1.2, name)
 
     def test_right_to_left(self):
-        self.look(LANG=RIGHT_TO_LEFT)
-        self.assertGreater(self.places["Back"][0], self.places["Forward"][0])
-        self.assertGreater(self.places["Forward"][0], self.places["Address"][0])
-        self.assertGreater(self.places["Apple"][0], self.places["Keyloft"][0])
+        self.look(self.open(LANG=RIGHT_TO_LEFT))
+        order = ["Search DuckDuckGo", "Bookmark this page", "Address", "Reload", "Forward", "Back"]
+        self.assertEqual(sorted(order, key=lambda name: self.places[name][0]), order)
+        self.assertLess(self.places["GitHub"][0], self.places["Apple"][0])
 
 
 if __name__ == "__main__":
