@@ -293,7 +293,8 @@ class Browsing(Scenario):
         person.wait_for_title(PLAIN + "/first")
         unknown = "nowhere.example"
         for host, text in ((unknown, f"Error resolving “{unknown}”: Name or service not known"),
-                           (RESETTING, "Error receiving data: Connection reset by peer"), (UNTRUSTED, "Unacceptable TLS certificate")):
+                           (RESETTING, "Error receiving data: Connection reset by peer"),
+                           (UNTRUSTED, "Unacceptable TLS certificate")):
             person.go(host)
             person.wait_for_sheet("Keyloft can't open the page", f"{text}\nhttps://{host}/")
             person.keep_picture(host)
