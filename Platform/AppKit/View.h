@@ -59,6 +59,10 @@ public:
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
+    /// Presents the view to assistive technology as a progress indicator at `fraction`, from 0 to 1. The
+    /// first call must precede the creation of the native side.
+    void setAccessibilityProgress(double fraction);
+
     /// Empty if the view has no tool tip.
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
@@ -109,6 +113,7 @@ private:
     bool hidden_ = false;
     Color backgroundColor_ = Color::none;
     std::string accessibilityLabel_;
+    std::optional<double> accessibilityProgress_; // absent if the view is not a progress indicator
     std::string toolTip_;
     bool fillsSuperview_ = false;
     // Indexed by `Orientation`.

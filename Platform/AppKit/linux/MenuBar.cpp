@@ -3,6 +3,7 @@
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/TabHost.h"
+#include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/RunLoop.h"
 
@@ -139,6 +140,7 @@ MenuBar::MenuBar(GtkWidget* toplevel, std::shared_ptr<Menu> mainMenu)
         g_menu_append_submenu(model.get(), menuLabel(top->title()).c_str(), G_MENU_MODEL(menu.get()));
     }
     bar_ = GObjectPtr<GtkWidget>::retain(gtk_popover_menu_bar_new_from_model(G_MENU_MODEL(model.get())));
+    setAccessibleName(bar_.get(), "Menu bar");
     gtk_widget_insert_action_group(toplevel, actionPrefix, G_ACTION_GROUP(actions_.get()));
     addActions();
     connectPopovers();
@@ -159,6 +161,7 @@ void MenuBar::connectPopovers() {
                 // Rebuild the menu on "map", because GTK maps a popover before it looks for an item to focus.
                 connections_.push_back(connectSignal<&MenuBar::opened>(child, "map", *this));
                 connections_.emplace_back(child, "closed", G_CALLBACK(returnFocus), nullptr);
+                setAccessibleName(child, mainMenu_->items()[popovers_.size()]->title());
                 popovers_.push_back(child);
             }
         }

@@ -1,6 +1,7 @@
 #include "Platform/AppKit/linux/Sheet.h"
 
 #include "Platform/AppKit/linux/SignalHandler.h"
+#include "Platform/AppKit/linux/ViewNative.h"
 
 #include <algorithm>
 #include <iterator>
@@ -111,8 +112,7 @@ GtkWidget* Sheet::makeCard(const Alert& alert) {
                                 "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT_DIALOG, nullptr));
     gtk_widget_add_css_class(card, "keyloft-sheet");
     gtk_widget_set_size_request(card, cardWidth, -1);
-    gtk_accessible_update_property(GTK_ACCESSIBLE(card), GTK_ACCESSIBLE_PROPERTY_LABEL,
-                                   alert.messageText.c_str(), -1);
+    setAccessibleName(card, alert.messageText);
     // Only the texts scroll, so that the buttons stay visible even if the texts are long.
     GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
     gtk_box_append(GTK_BOX(texts), makeLabel(alert.messageText, "title-4"));
