@@ -8,8 +8,15 @@ std::shared_ptr<ProgressBar> ProgressBar::create() {
     auto bar = Platform::makeShared<ProgressBar>();
     bar->fill_->setBackgroundColor(Platform::Color::controlAccent);
     bar->fill_->setHidden(true);
+    bar->fill_->setAccessibilityLabel("Loading");
+    bar->fill_->setAccessibilityProgress(0);
     bar->addSubview(bar->fill_);
     return bar;
+}
+
+void ProgressBar::setProgress(double progress) {
+    progress_ = progress;
+    fill_->setAccessibilityProgress(progress);
 }
 
 void ProgressBar::layout() {

@@ -16,7 +16,7 @@ public:
 
     /// The progress from 0 to 1, neither clamped nor animated. A change takes effect at the next layout.
     double progress() const { return progress_; }
-    void setProgress(double progress) { progress_ = progress; }
+    void setProgress(double progress);
 
     /// Returns true while the page is loading.
     bool isActive() const { return active_; }

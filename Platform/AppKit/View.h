@@ -56,6 +56,10 @@ public:
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
+    /// Presents the view to assistive technology as a progress indicator at `fraction`, from 0 to 1. The
+    /// first call must precede the creation of the native side.
+    void setAccessibilityProgress(double fraction);
+
     /// The tool tip, or an empty string if the view has no tool tip.
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
@@ -104,6 +108,7 @@ private:
     bool hidden_ = false;
     Color backgroundColor_ = Color::none;
     std::string accessibilityLabel_;
+    std::optional<double> accessibilityProgress_; // absent if the view is not a progress indicator
     std::string toolTip_;
     bool fillsSuperview_ = false;
     // The layout settings of each dimension, indexed by `Orientation`.

@@ -23,6 +23,17 @@ protected:
                << named.size() << " named " << name << (named.empty() ? "" : ", a " + named[0].role);
     }
 
+    /// The names of the tabs in the strip. The name of a selected tab is in brackets.
+    static std::vector<std::string> tabs() {
+        std::vector<std::string> names;
+        for (const auto& object : accessibleObjects()) {
+            if (object.role == "tab") {
+                names.push_back(object.isSelected ? "[" + object.name + "]" : object.name);
+            }
+        }
+        return names;
+    }
+
     Tab launchActive() {
         const auto tab = launch();
         TestSupport::activate(*tab->window());
@@ -71,11 +82,55 @@ TEST_F(AccessibilityTest, theBookmarkButtonSaysWhatItWillDo) {
     EXPECT_TRUE(isNamed("Bookmark this page", "button"));
 }
 
-TEST_F(AccessibilityTest, theTabStripsButtonHasAName) {
+TEST_F(AccessibilityTest, theTabStripsButtonsHaveNames) {
     const auto first = launch();
     openPage("/second", first);
     const auto named = accessibleObjects("New Tab");
     EXPECT_EQ(std::ranges::count(named, "button", &AccessibleObject::role), 1);
+    const auto closing = accessibleObjects("Close Tab");
+    EXPECT_EQ(std::ranges::count(closing, "button", &AccessibleObject::role), 2);
+}
+
+TEST_F(AccessibilityTest, tabsHaveTheNamesOfTheirPagesAndOneIsSelected) {
+    using Names = std::vector<std::string>;
+    const auto first = launch();
+    EXPECT_TRUE(isNamed("Tabs", "tab list"));
+    const auto second = openPage("/second", first);
+    EXPECT_EQ(tabs(), (Names{"New Tab", "[/second]"}));
+    first->window()->makeKeyAndOrderFront();
+    first->window()->setTitle("Renamed");
+    EXPECT_EQ(tabs(), (Names{"[Renamed]", "/second"}));
+    second->window()->close();
+    EXPECT_TRUE(runUntil([] { return tabs() == Names{"[Renamed]"}; }));
+}
+
+TEST_F(AccessibilityTest, nothingThatTakesTheFocusHasTheNameOrTheRoleOfAWidget) {
+    delegate->bookmarks()->add({"Kept", url("https://kept.test/")});
+    const auto first = launch();
+    EXPECT_TRUE(isNamed("Menu bar", "menu bar"));
+    EXPECT_TRUE(isNamed("Web page", "document"));
+    openPage("/second", first);
+    for (const auto& object : accessibleObjects()) {
+        // Scrolling containers of GTK have the state, but pass the focus on to their content.
+        if (object.isFocusable && object.role != "group") {
+            EXPECT_NE(object.role, "widget") << object.name;
+            for (const char* prefix : {"Gtk", "Adw"}) {
+                EXPECT_FALSE(object.name.empty() || object.name.starts_with(prefix))
+                    << object.role << " " << object.name;
+            }
+        }
+    }
+}
+
+TEST_F(AccessibilityTest, theProgressIsThereWhileAPageLoads) {
+    server.route("/held", heldResponse());
+    const auto tab = launch();
+    EXPECT_TRUE(accessibleObjects("Loading").empty());
+    tab->load(serverURL("/held"));
+    EXPECT_TRUE(isNamed("Loading", "progress bar"));
+    server.release("/held");
+    ASSERT_TRUE(waitForTitle(tab, "held"));
+    EXPECT_TRUE(accessibleObjects("Loading").empty());
 }
 
 TEST_F(AccessibilityTest, aSheetIsAnAlertWithItsTextAndButtons) {

@@ -1,4 +1,7 @@
 #include "Tests/Keyloft/AppDelegateTest.h"
+#include "Tests/Support/AccessibilityTree.h"
+
+#include <algorithm>
 
 using TestSupport::runUntil;
 using TestSupport::shareNativeWindow;
@@ -84,6 +87,10 @@ TEST_F(TabStripTest, aTabIsDraggedOutIntoAWindowOfItsOwnAndBack) {
     EXPECT_EQ(tabTitles(*tabs[2]->window()), Titles{"/three"});
     EXPECT_EQ(tabTitles(*tabs[0]->window()), (Titles{"/one", "/two"}));
     EXPECT_EQ(TestSupport::nativeTitle(*tabs[2]->window()), "/three");
+
+    const auto moved = TestSupport::accessibleObjects("/three");
+    EXPECT_TRUE(std::ranges::any_of(
+        moved, [](const auto& object) { return object.role == "tab" && object.isSelected; }));
 
     // The tab strip is hidden while the window has only one tab, so open a second tab before dragging the
     // first one.

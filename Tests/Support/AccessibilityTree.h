@@ -17,6 +17,7 @@ struct AccessibleObject {
     bool isEnabled = false;
     bool isFocusable = false;
     bool isFocused = false;
+    bool isSelected = false;
 };
 
 /// Returns all objects of this program except those in web pages. Parents precede their children. Throws

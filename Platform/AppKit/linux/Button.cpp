@@ -32,8 +32,7 @@ void Button::applyImage(Native& native) const {
         return;
     }
     gtk_button_set_icon_name(GTK_BUTTON(native.widget.get()), iconName(image_->symbolName));
-    gtk_accessible_update_property(GTK_ACCESSIBLE(native.widget.get()), GTK_ACCESSIBLE_PROPERTY_LABEL,
-                                   image_->accessibilityDescription.c_str(), -1);
+    setAccessibleName(native.widget.get(), image_->accessibilityDescription);
 }
 
 void Button::applyStyle(Native& native) const {

@@ -1,6 +1,7 @@
 #include "Platform/AppKit/linux/MenuBar.h"
 
 #include "Platform/AppKit/linux/SignalHandler.h"
+#include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/RunLoop.h"
 
@@ -125,6 +126,7 @@ MenuBar::MenuBar(GtkWidget* toplevel, const MenuBarSource& source)
         g_menu_append_submenu(model.get(), menuLabel(top->title()).c_str(), G_MENU_MODEL(menu.get()));
     }
     bar_ = GObjectPtr<GtkWidget>::retain(gtk_popover_menu_bar_new_from_model(G_MENU_MODEL(model.get())));
+    setAccessibleName(bar_.get(), "Menu bar");
     gtk_widget_insert_action_group(toplevel, actionPrefix, G_ACTION_GROUP(actions_.get()));
     addActions();
     connectPopovers();
@@ -145,6 +147,7 @@ void MenuBar::connectPopovers() {
                 // Rebuild the menu on "map", because GTK maps a popover before it looks for an item to focus.
                 connections_.push_back(connectSignal<&MenuBar::opened>(child, "map", *this));
                 connections_.push_back(connectSignal<&MenuBar::closed>(child, "closed", *this));
+                setAccessibleName(child, mainMenu_->items()[popovers_.size()]->title());
                 popovers_.push_back(child);
             }
         }

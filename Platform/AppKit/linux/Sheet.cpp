@@ -1,6 +1,7 @@
 #include "Platform/AppKit/linux/Sheet.h"
 
 #include "Platform/AppKit/linux/SignalHandler.h"
+#include "Platform/AppKit/linux/ViewNative.h"
 
 #include <algorithm>
 #include <iterator>
@@ -13,6 +14,13 @@ namespace {
 constexpr int cardWidth = 380;
 constexpr int textHeight = 300;
 constexpr int textWidthInCharacters = 40;
+
+/// The size of the desktop's text, relative to its normal size.
+double textScale() {
+    int resolution = 0; // in 1/1024 dots per inch
+    g_object_get(gtk_settings_get_default(), "gtk-xft-dpi", &resolution, nullptr);
+    return resolution > 0 ? resolution / (96.0 * 1024) : 1;
+}
 
 /// Returns true if a word is so long that Pango takes noticeable time to break it. The time grows with the
 /// square of the word's length (seen with GTK 4.8.3, not reported).
@@ -95,6 +103,7 @@ void Sheet::moveFocus(std::ptrdiff_t step) {
     do {
         next = (next + step + count) % count;
     } while (!gtk_widget_get_focusable(stops_[static_cast<std::size_t>(next)]));
+    gtk_window_set_focus_visible(GTK_WINDOW(gtk_widget_get_root(shade_.get())), TRUE);
     gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
@@ -111,20 +120,21 @@ GtkWidget* Sheet::makeCard(const Alert& alert) {
                                 "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT_DIALOG, nullptr));
     gtk_widget_add_css_class(card, "keyloft-sheet");
     gtk_widget_set_size_request(card, cardWidth, -1);
-    gtk_accessible_update_property(GTK_ACCESSIBLE(card), GTK_ACCESSIBLE_PROPERTY_LABEL,
-                                   alert.messageText.c_str(), -1);
+    setAccessibleName(card, alert.messageText);
     // Only the texts scroll, so that the buttons stay visible even if the texts are long.
     GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
     gtk_box_append(GTK_BOX(texts), makeLabel(alert.messageText, "title-4"));
     GtkWidget* text = makeLabel(alert.informativeText, "body");
     // Without a requested width, GTK lays out a long text repeatedly to choose a width, which takes seconds
     // (seen with 4.8.3, not reported).
-    gtk_label_set_width_chars(GTK_LABEL(text), textWidthInCharacters);
+    // Request the same number of pixels at each text scale, because the window does not grow with the text.
+    gtk_label_set_width_chars(GTK_LABEL(text), static_cast<int>(textWidthInCharacters / textScale()));
     gtk_box_append(GTK_BOX(texts), text);
     GtkWidget* scroller = gtk_scrolled_window_new();
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
     gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scroller), TRUE);
-    gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(scroller), textHeight);
+    gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(scroller),
+                                               static_cast<int>(textHeight * textScale()));
     gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), texts);
     gtk_widget_set_focusable(scroller, FALSE);
     connections_.push_back(connectSignal<&Sheet::textResized>(

@@ -2,6 +2,8 @@
 
 #include "Platform/AppKit/linux/ViewNative.h"
 
+#include <algorithm>
+
 namespace Platform {
 
 std::unique_ptr<View::Native> StackView::makeNative() {
@@ -37,6 +39,20 @@ std::unique_ptr<View::Native> StackView::makeNative() {
     native->box = GTK_BOX(box);
     gtk_overlay_set_child(GTK_OVERLAY(native->widget.get()), main);
     gtk_overlay_add_overlay(GTK_OVERLAY(native->widget.get()), box);
+    // GtkOverlay would let content that does not fit overflow to the right, even if the leading end is there.
+    const auto place = [](GtkWidget* overlay, GtkWidget* content, GdkRectangle* rectangle,
+                          gpointer /*data*/) -> gboolean {
+        GtkRequisition least;
+        gtk_widget_get_preferred_size(content, &least, nullptr);
+        const int width = gtk_widget_get_width(overlay);
+        rectangle->width = std::max(width, least.width);
+        rectangle->height = std::max(gtk_widget_get_height(overlay), least.height);
+        const bool isMirrored = gtk_widget_get_direction(overlay) == GTK_TEXT_DIR_RTL;
+        rectangle->x = isMirrored ? width - rectangle->width : 0;
+        rectangle->y = 0;
+        return TRUE;
+    };
+    native->connections.emplace_back(native->widget.get(), "get-child-position", G_CALLBACK(+place), nullptr);
     native->followSubviews(*this);
     return native;
 }

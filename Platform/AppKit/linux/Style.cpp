@@ -28,6 +28,7 @@ button.keyloft-recessed { padding: 2px 8px; min-height: 20px; font-weight: norma
   padding: 24px;
   box-shadow: 0 2px 12px alpha(black, 0.35), 0 0 0 1px alpha(black, 0.15);
 }
+.keyloft-sheet > scrolledwindow:focus-visible { outline: 2px solid @accent_color; outline-offset: 2px; }
 )css";
 
 constexpr std::array<std::pair<const char*, const char*>, 6> icons = {{
@@ -70,8 +71,9 @@ PangoAttrList* fontAttributes(double points) {
     auto& list = lists[points];
     if (!list) {
         list.reset(pango_attr_list_new());
+        // Pango's points follow the text scale. At a scale of 1, there are 96 logical pixels in 72 of them.
         pango_attr_list_insert(list.get(),
-                               pango_attr_size_new_absolute(static_cast<int>(points * PANGO_SCALE)));
+                               pango_attr_size_new(static_cast<int>(points * 72 / 96 * PANGO_SCALE)));
     }
     return list.get();
 }

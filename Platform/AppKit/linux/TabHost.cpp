@@ -2,6 +2,7 @@
 
 #include "Platform/AppKit/linux/Minimizing.h"
 #include "Platform/AppKit/linux/SignalHandler.h"
+#include "Platform/AppKit/linux/TabAccessibility.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/MakeShared.h"
@@ -56,10 +57,11 @@ TabHost::TabHost(TabHosts& hosts)
     GtkWidget* newTab = gtk_button_new_from_icon_name("tab-new-symbolic");
     gtk_widget_add_css_class(newTab, "flat");
     gtk_widget_set_tooltip_text(newTab, "New Tab");
-    gtk_accessible_update_property(GTK_ACCESSIBLE(newTab), GTK_ACCESSIBLE_PROPERTY_LABEL, "New Tab", -1);
+    setAccessibleName(newTab, "New Tab");
     connect<&TabHost::newTabClicked>(newTab, "clicked");
     adw_tab_bar_set_end_action_widget(tabBar, newTab);
     adw_tab_bar_set_view(tabBar, tabView_);
+    describeTabs(tabBar);
     gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabBar));
 
     // AdwTabView handles its shortcuts before the page receives the keys. Enable only Control+Tab and

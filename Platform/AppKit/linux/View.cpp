@@ -40,8 +40,10 @@ void applyToolTip(View& view, View::Native& native) {
     native.toolTipConnection = SignalConnection(widget, "query-tooltip", G_CALLBACK(queryToolTip), &view);
 }
 
-void applyAccessibilityLabel(GtkWidget* widget, const std::string& label) {
-    gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_LABEL, label.c_str(), -1);
+void applyAccessibilityProgress(GtkWidget* widget, double fraction) {
+    gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_VALUE_MAX, 1.0,
+                                   GTK_ACCESSIBLE_PROPERTY_VALUE_MIN, 0.0, GTK_ACCESSIBLE_PROPERTY_VALUE_NOW,
+                                   fraction, -1);
 }
 
 void applyBackgroundColor(GtkWidget* widget, Color color) {
@@ -83,6 +85,10 @@ void View::Native::followSubviews(View& view) {
         }
     };
     connections.emplace_back(widget.get(), "map", G_CALLBACK(+addMissing), &view);
+}
+
+void setAccessibleName(GtkWidget* widget, const std::string& name) {
+    gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_LABEL, name.c_str(), -1);
 }
 
 GObjectPtr<GtkWidget> makeOverlay() {
@@ -174,7 +180,14 @@ void View::setBackgroundColor(Color color) {
 void View::setAccessibilityLabel(const std::string& label) {
     accessibilityLabel_ = label;
     if (GtkWidget* widget = widgetIfMade(*this)) {
-        applyAccessibilityLabel(widget, label);
+        setAccessibleName(widget, label);
+    }
+}
+
+void View::setAccessibilityProgress(double fraction) {
+    accessibilityProgress_ = fraction;
+    if (GtkWidget* widget = widgetIfMade(*this)) {
+        applyAccessibilityProgress(widget, fraction);
     }
 }
 
@@ -222,7 +235,11 @@ View::Native& View::native() {
             applyToolTip(*this, *native_);
         }
         if (!accessibilityLabel_.empty()) {
-            applyAccessibilityLabel(widget, accessibilityLabel_);
+            setAccessibleName(widget, accessibilityLabel_);
+        }
+        if (accessibilityProgress_) {
+            g_object_set(widget, "accessible-role", GTK_ACCESSIBLE_ROLE_PROGRESS_BAR, nullptr);
+            applyAccessibilityProgress(widget, *accessibilityProgress_);
         }
     }
     return *native_;

@@ -28,6 +28,9 @@ struct View::Native {
     SignalConnection toolTipConnection;
 };
 
+/// Sets the name of a widget for assistive technology.
+void setAccessibleName(GtkWidget* widget, const std::string& name);
+
 /// Creates a widget that groups other widgets and clips them.
 GObjectPtr<GtkWidget> makeOverlay();
 

@@ -65,6 +65,14 @@ void applyBackgroundColor(NSView* native, Color color) {
         color == Color::controlAccent ? NSColor.controlAccentColor.CGColor : nullptr;
 }
 
+void applyAccessibilityProgress(NSView* native, double fraction) {
+    native.accessibilityElement = YES;
+    native.accessibilityRole = NSAccessibilityProgressIndicatorRole;
+    native.accessibilityMinValue = @0;
+    native.accessibilityMaxValue = @1;
+    native.accessibilityValue = @(fraction);
+}
+
 void fixLength(NSView* view, double length, Orientation orientation) {
     constrainEqual(view,
                    orientation == Orientation::horizontal ? NSLayoutAttributeWidth : NSLayoutAttributeHeight,
@@ -177,6 +185,14 @@ void View::setAccessibilityLabel(const std::string& label) {
     nsViewOf(*this).accessibilityLabel = toNSString(label);
 }
 
+void View::setAccessibilityProgress(double fraction) {
+    assertMainThread("View::setAccessibilityProgress");
+    accessibilityProgress_ = fraction;
+    if (NSView* const native = nsViewOf(*this); native != nil) {
+        applyAccessibilityProgress(native, fraction);
+    }
+}
+
 void View::setToolTip(const std::string& toolTip) {
     assertMainThread("View::setToolTip");
     toolTip_ = toolTip;
@@ -219,6 +235,9 @@ View::Native& View::native() {
         applyToolTip(made, toolTip_);
         if (!accessibilityLabel_.empty()) {
             made.accessibilityLabel = toNSString(accessibilityLabel_);
+        }
+        if (accessibilityProgress_) {
+            applyAccessibilityProgress(made, *accessibilityProgress_);
         }
         for (const Orientation orientation : {Orientation::horizontal, Orientation::vertical}) {
             if (const auto length = fixedLengths_[indexOf(orientation)]) {

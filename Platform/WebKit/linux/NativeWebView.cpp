@@ -1,5 +1,6 @@
 #include "Platform/WebKit/linux/NativeWebView.h"
 
+#include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/WebKit/linux/NetworkSession.h"
 #include "Platform/WebKit/linux/UserContentControllerNative.h"
 #include "Platform/WebKit/linux/WebViewConfigurationNative.h"
@@ -61,6 +62,8 @@ GObjectPtr<WebKitWebView> makeNativeWebView(WebViewConfiguration& configuration)
                               settings.get(), "user-content-manager", manager, nullptr);
     }
     keepFocusFromInnerWidgets(GTK_WIDGET(object));
+    g_object_set(object, "accessible-role", GTK_ACCESSIBLE_ROLE_DOCUMENT, nullptr);
+    setAccessibleName(GTK_WIDGET(object), "Web page");
     return GObjectPtr<WebKitWebView>::retain(WEBKIT_WEB_VIEW(object));
 }
 

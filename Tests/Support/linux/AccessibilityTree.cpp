@@ -25,7 +25,7 @@ constexpr const char* accessibleInterface = "org.a11y.atspi.Accessible";
 constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
 
 /// Bit numbers of the AT-SPI states.
-enum State { focusable = 11, focused = 12, sensitive = 24 };
+enum State { focusable = 11, focused = 12, selected = 23, sensitive = 24 };
 
 /// A connection to the accessibility bus. Calls block until the reply arrives, so do not use it on the main
 /// thread.
@@ -137,7 +137,8 @@ void addObjects(Bus& bus, const std::string& owner, const std::string& path,
                        .name = nameOf(bus, owner, path),
                        .isEnabled = has(sensitive),
                        .isFocusable = has(focusable),
-                       .isFocused = has(focused)});
+                       .isFocused = has(focused),
+                       .isSelected = has(selected)});
     forEachChild(bus, owner, path, [&](const std::string& childOwner, const std::string& childPath) {
         if (childOwner == owner) {
             addObjects(bus, owner, childPath, objects);

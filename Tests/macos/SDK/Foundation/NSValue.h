@@ -11,6 +11,8 @@ NS_ASSUME_NONNULL_BEGIN
 
 @interface NSNumber : NSValue
 + (NSNumber*)numberWithUnsignedInt:(unsigned int)value;
++ (NSNumber*)numberWithInt:(int)value;
++ (NSNumber*)numberWithDouble:(double)value;
 @property (readonly) BOOL boolValue;
 @property (readonly) NSInteger integerValue;
 @property (readonly) double doubleValue;
