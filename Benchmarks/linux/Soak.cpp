@@ -120,6 +120,8 @@ struct Usage {
     double own = 0;
     std::size_t descriptors = 0;
     std::size_t threads = 0;
+    /// Threads that WebKitGTK leaks, which `descriptors` and `threads` exclude.
+    std::size_t leakedThreads = 0;
     std::size_t children = 0;
 };
 
@@ -136,8 +138,13 @@ std::size_t childProcesses() {
 }
 
 Usage usage() {
-    Usage result{.descriptors = TestSupport::openDescriptors(),
-                 .threads = TestSupport::runningThreads(),
+    // If a view is destroyed while its web process is starting, WebKitGTK 2.50.6 leaks the thread that
+    // receives messages from the process, and one file descriptor. Also seen with a plain web view. Not
+    // reported.
+    const std::size_t leaked = TestSupport::runningThreads("ReceiveQueue");
+    Usage result{.descriptors = TestSupport::openDescriptors() - leaked,
+                 .threads = TestSupport::runningThreads() - leaked,
+                 .leakedThreads = leaked,
                  .children = childProcesses()};
     std::ifstream memory("/proc/self/smaps_rollup");
     for (std::string line; std::getline(memory, line);) {
@@ -279,10 +286,10 @@ protected:
         malloc_trim(0);
         const Usage now = usage();
         std::printf(
-            "%6.0f s  %-24s PSS %6.1f MiB, of which not files %6.1f MiB; %3zu descriptors, %3zu threads, "
-            "%zu child processes\n",
+            "%6.0f s  %-27s PSS %6.1f MiB, of which not files %6.1f MiB; %3zu descriptors, %3zu threads, "
+            "%zu child processes; %zu threads leaked by WebKitGTK\n",
             std::chrono::duration<double>(Clock::now() - begun).count(), work.c_str(), now.proportional,
-            now.own, now.descriptors, now.threads, now.children);
+            now.own, now.descriptors, now.threads, now.children, now.leakedThreads);
         std::fflush(stdout);
         return now;
     }
