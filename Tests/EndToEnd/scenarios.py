@@ -20,7 +20,7 @@ def setUpModule():
     global environment, web
     shutil.rmtree(ARTEFACTS, ignore_errors=True)
     ARTEFACTS.mkdir(parents=True)
-    environment = Environment(PACKAGE, HOSTS)
+    environment = Environment(PACKAGE, HOSTS, ARTEFACTS.with_name("end-to-end-locales"))
     unittest.addModuleCleanup(environment.close)
     web = Web(environment.identity, environment.strangers_identity)
 
