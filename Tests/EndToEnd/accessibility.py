@@ -120,3 +120,7 @@ class Bus:
 def is_type_name(name):
     """Whether a name is only the name of the widget's class, which GTK exposes if the widget has no name."""
     return re.match(r"(Gtk|Adw|WebKit|Keyloft)[A-Z]", name) is not None
+
+
+def is_page(object):
+    return object.name in ("Web page", "WebKitWebView")

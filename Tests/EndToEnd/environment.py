@@ -101,15 +101,16 @@ def make_identity(folder, name, hosts, authority):
 
 
 class Environment:
-    """Everything around the program, for the whole run. Must be created in new mount and network namespaces."""
+    """Everything around the program, for the whole run. Must be created in new mount and network namespaces. `kept` is
+    a folder for what later runs can use again."""
 
     WAYLAND_DISPLAY = "keyloft-end-to-end"
 
-    def __init__(self, package, hosts):
+    def __init__(self, package, hosts, kept):
         self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="keyloft-end-to-end-"))
         self.children = []
         self.enter_network(hosts)
-        self.install(package)
+        self.install(package, kept)
         self.variables = {
             "PATH": "/usr/bin:/bin", "LANG": "C.UTF-8", "GIO_USE_VFS": "local", "GSETTINGS_BACKEND": "keyfile",
             "XDG_RUNTIME_DIR": str(self.folder("runtime")), "LIBGL_ALWAYS_SOFTWARE": "1"}
@@ -143,13 +144,17 @@ class Environment:
         pathlib.Path("/tmp/.X11-unix").mkdir(mode=0o1777, exist_ok=True)
         self.mount("-t", "tmpfs", "-o", "mode=1777", "none", "/tmp/.X11-unix")
 
-    def install(self, package):
+    def install(self, package, kept):
         """Lays the package's files over this machine's, for this process and its children only."""
         run("dpkg", "-x", package, self.scratch / "package")
-        # Most machines have no right-to-left locale.
-        locales = self.scratch / "package/usr/lib/locale"
-        locales.mkdir(parents=True)
-        run("localedef", "--no-archive", "-i", RIGHT_TO_LEFT.split(".")[0], "-f", "UTF-8", locales / RIGHT_TO_LEFT)
+        # Most machines have no right-to-left locale. Compiling one takes seconds, so keep it for the next run.
+        compiled = kept / RIGHT_TO_LEFT
+        if not compiled.exists():
+            kept.mkdir(parents=True, exist_ok=True)
+            made = self.scratch / RIGHT_TO_LEFT
+            run("localedef", "--no-archive", "-i", RIGHT_TO_LEFT.split(".")[0], "-f", "UTF-8", made)
+            shutil.copytree(made, compiled)
+        shutil.copytree(compiled, self.scratch / "package/usr/lib/locale" / RIGHT_TO_LEFT)
         self.mount("-t", "overlay", "-o", f"lowerdir={self.scratch}/package/usr:/usr", "package", "/usr")
 
     @staticmethod

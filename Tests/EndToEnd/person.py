@@ -109,7 +109,7 @@ class Person:
         return self.find(accessibility.TEXT_FIELD, "Address")
 
     def page(self):
-        (page,) = [object for object in self.objects() if object.name == "WebKitWebView"]
+        (page,) = [object for object in self.objects() if accessibility.is_page(object)]
         return page
 
     def wait_for_title(self, title):
