@@ -57,8 +57,8 @@ protected:
         for (int i = 0; i < words; ++i) {
             text += "wordy ";
         }
-        Alert{.messageText = "The heading of the sheet", .informativeText = text}.beginSheetModal(
-            tab->window(), nullptr);
+        tab->window()->beginSheet({.messageText = "The heading of the sheet", .informativeText = text},
+                                  nullptr);
         ASSERT_TRUE(waitForSheet(tab));
         waitForLayout(*tab->window());
     }

@@ -286,7 +286,7 @@ Platform::Size leastContentSize(Platform::Window& window) {
 }
 
 void forgetWindowFrames() {
-    Platform::Application::shared().native().frames.reset();
+    Platform::Application::shared().native().hosts.frames.reset();
     std::filesystem::remove_all(g_get_user_state_dir());
 }
 
