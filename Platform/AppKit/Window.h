@@ -1,8 +1,9 @@
 #pragma once
 
-#include "Platform/AppKit/Alert.h"
 #include "Platform/AppKit/View.h"
 
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@ namespace Platform {
 
 class Window;
 class WindowController;
+struct Alert;
 
 /// Receives the events of a window. Main thread only.
 class WindowDelegate {
@@ -99,8 +101,9 @@ public:
     void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
 
     /// Shows an alert as a sheet on the window. Other tabs and windows remain usable. Several sheets are
-    /// shown one after another. `completion` may be null.
-    void beginSheet(const Alert& alert, Alert::Completion completion);
+    /// shown one after another. `completion`, which may be null, is called once with the index of the chosen
+    /// button.
+    void beginSheet(const Alert& alert, std::function<void(std::size_t button)> completion);
 
     /// Answers pending sheets with their safe buttons, notifies the delegate and closes the window or tab.
     void close();

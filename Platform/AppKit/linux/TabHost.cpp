@@ -6,7 +6,6 @@
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/MakeShared.h"
-#include "Platform/Foundation/RunLoop.h"
 
 #include <algorithm>
 #include <iterator>
@@ -233,7 +232,12 @@ std::shared_ptr<TabHost> TabHosts::create() { return hosts_.emplace_back(makeSha
 
 void TabHosts::remove(const std::shared_ptr<TabHost>& host) {
     std::erase(hosts_, host);
-    RunLoop::main().perform([host] {});
+    // GTK still uses the top-level window for events and a layout that are already pending.
+    const auto forget = [](gpointer data) -> gboolean {
+        const std::unique_ptr<std::shared_ptr<TabHost>> last(static_cast<std::shared_ptr<TabHost>*>(data));
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add(forget, std::make_unique<std::shared_ptr<TabHost>>(host).release());
     if (hosts_.empty()) {
         lastHostClosed();
     }

@@ -232,7 +232,7 @@ void Window::Native::takeFrameName() const {
     }
 }
 
-void Window::beginSheet(const Alert& alert, Alert::Completion completion) {
+void Window::beginSheet(const Alert& alert, std::function<void(std::size_t)> completion) {
     assertMainThread("Window::beginSheet");
     native_->sheets.add(alert, std::move(completion));
 }
