@@ -54,8 +54,8 @@ using TestSupport::runUntil;
 using Clock = std::chrono::steady_clock;
 using Tab = std::shared_ptr<Keyloft::BrowserWindowController>;
 
-/// A web server in a process of its own, because it keeps all requests in memory. Each page has the query of
-/// its URL as its title, followed by the number of requests for it.
+/// A web server in a separate process, because it keeps all requests in memory, which would be counted as the
+/// browser's. The title of each page is the query of its URL.
 class ServerProcess {
 public:
     ServerProcess() {
@@ -264,7 +264,7 @@ protected:
     }
 
     void killWebProcesses(int count) {
-        // Leave only the web process of the page. WebKitGTK keeps others in reserve.
+        // Keep only the web process of the page. WebKitGTK caches the processes of closed pages.
         ASSERT_TRUE(TestSupport::forgetPages());
         const auto tab = openTab(server().url("0"));
         ASSERT_TRUE(waitForPage(tab, 0));

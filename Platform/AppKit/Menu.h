@@ -16,7 +16,7 @@ class Menu;
 /// implies. On Linux, Command is Control and Option is Alt.
 enum class ModifierFlags { command, optionCommand };
 
-/// An item of a menu. It has no target; its action is sent along the responder chain.
+/// A menu item. It has no target; its action is sent along the responder chain.
 class MenuItem {
 public:
     /// Creates an item. An item with neither an action nor a submenu is disabled. `keyEquivalent` is a single

@@ -63,7 +63,7 @@ public:
     /// Centers the window when it is first shown. Has no effect on Linux: GTK 4 cannot position windows.
     void center() { centered_ = true; }
 
-    /// The name under which the window's frame is saved between runs: its size and maximised state and, on
+    /// The name under which the window's frame is saved between runs: its size and maximized state and, on
     /// macOS, also its position. A new window gets the frame that was saved last.
     const std::string& frameAutosaveName() const { return frameAutosaveName_; }
     void setFrameAutosaveName(const std::string& name) { frameAutosaveName_ = name; }

@@ -22,8 +22,8 @@ class SerialQueue {
 public:
     using Work = std::function<void()>;
 
-    /// `label` identifies the queue in debuggers and in the messages of fatal errors. Throws
-    /// std::system_error if no thread or descriptor is available.
+    /// `label` identifies the queue in debuggers and in fatal error messages. Throws std::system_error
+    /// if no thread or descriptor is available.
     explicit SerialQueue(std::string label);
     SerialQueue(const SerialQueue&) = delete;
     SerialQueue& operator=(const SerialQueue&) = delete;

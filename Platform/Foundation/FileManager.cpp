@@ -146,8 +146,8 @@ struct TemporaryFile {
     Descriptor descriptor;
 };
 
-/// Creates a temporary file and locks it. On a file system without locks it stays unlocked: no process can
-/// lock it to delete it, either.
+/// Creates a temporary file and locks it. If the file system does not support locks, the file stays unlocked,
+/// which is safe, because other processes cannot lock it to delete it.
 TemporaryFile createTemporaryFile(const Task& task, const fs::path& directory, mode_t permissions) {
     static constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
     while (true) {

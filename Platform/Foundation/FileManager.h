@@ -52,8 +52,8 @@ public:
     /// Existing directories keep their permissions. Throws FileError.
     void createDirectory(const std::string& path, std::optional<mode_t> permissions = std::nullopt) const;
 
-    /// Returns the complete contents of a regular file. Follows symbolic links. Fails for a pipe or a device
-    /// without waiting for its other end. Throws FileError.
+    /// Returns the complete contents of a regular file. Follows symbolic links. Fails without blocking if
+    /// the file is a pipe or a device. Throws FileError.
     std::string contents(const std::string& path) const;
 
     /// Replaces the contents of a file atomically: a reader, or a restart after a crash, finds either the

@@ -14,7 +14,7 @@ namespace Platform {
 ///
 /// Foundation follows RFC 3986 but is lenient: it percent-encodes characters that a component may not contain
 /// and converts an international host to its ASCII form (UTS #46). It rejects only an empty string and an
-/// invalid scheme, host or port. Nothing is normalised: case, dot segments and default ports remain as given.
+/// invalid scheme, host or port. Nothing is normalized: case, dot segments and default ports remain as given.
 ///
 /// A plain value type that consists of the string and the positions of its components. Safe to read from any
 /// thread. A view returned by an accessor is valid as long as the URL exists and is not modified.

@@ -25,10 +25,10 @@ void PrintTo(Place place, std::ostream* stream) {
 }
 
 /// Chooses items of the Edit menu with the mouse while text is being edited in a text field or in a page,
-/// depending on the parameter.
+/// depending on the test parameter.
 class EditMenuTest : public AppDelegateTest, public testing::WithParamInterface<Place> {
 protected:
-    /// Types `text` into the text field or page that the parameter selects, which keeps the focus.
+    /// Types `text` into the text field or page that the test parameter selects, and leaves the focus there.
     void edit(const std::string& text) {
         server.route("/",
                      HTTPResponse::html("<title>ready</title><input><script>"

@@ -5,7 +5,7 @@
 
 namespace TestSupport {
 
-/// A native web view in a native window, created without the classes of Platform. Benchmarks use it as a
+/// A native web view in a native window, created without the classes of Platform/. Benchmarks use it as a
 /// baseline. It has its own ephemeral data store. The destructor closes the window. Main thread only.
 class BareWebView {
 public:

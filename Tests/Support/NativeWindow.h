@@ -124,9 +124,9 @@ void drag(ScreenPoint from, ScreenPoint to);
 
 struct ShownMenu {
     double width = 0;
-    /// The full labels of the items, without their key equivalents.
+    /// The full labels of the menu's items, without their key equivalents.
     std::vector<std::string> titles;
-    /// For each item, whether its label is truncated on screen.
+    /// For each item of the menu, whether its label is truncated on screen.
     std::vector<bool> isCut;
 };
 
@@ -135,7 +135,7 @@ ShownMenu openedMenu(Platform::Window& window, const std::string& title);
 
 /// The titles in the menu bar, from left to right.
 std::vector<std::string> menuTitles(Platform::Window& window);
-/// Returns true if this menu in the menu bar is open and laid out.
+/// Returns true if the menu `title` of the menu bar is open and laid out.
 bool isMenuOpen(Platform::Window& window, const std::string& title);
 ScreenPoint menuTitleOnScreen(Platform::Window& window, const std::string& title);
 /// Opens the menu with a click, and chooses the item with another click.

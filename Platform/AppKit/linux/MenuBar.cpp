@@ -49,9 +49,9 @@ std::string menuLabel(const std::string& title) {
     return label;
 }
 
-/// Returns the maximum width of a menu's labels, in GTK's unit, the average character width. A label may take
-/// two fifths of the screen's width, so that the menu with its margins and key equivalents takes no more than
-/// half.
+/// Returns the maximum width of a menu's labels, in average character widths, as GTK expects. A label may
+/// take up two fifths of the screen's width, so that the whole menu, including margins and key equivalents,
+/// takes up no more than half of it.
 int greatestTextWidth(GtkWidget* widget) {
     GdkDisplay* display = gtk_widget_get_display(widget);
     GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gtk_widget_get_root(widget)));

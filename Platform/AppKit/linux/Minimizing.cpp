@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view minimizeButton = "minimize";
 
-/// Returns the user's title bar layout without the minimise button.
+/// Returns the user's title bar layout without the minimize button.
 std::string buttonLayout(GtkWidget* toplevel) {
     char* setting = nullptr;
     g_object_get(gtk_widget_get_settings(toplevel), "gtk-decoration-layout", &setting, nullptr);
@@ -28,8 +28,8 @@ std::string buttonLayout(GtkWidget* toplevel) {
     return layout;
 }
 
-/// Sets _MOTIF_WM_HINTS so that the frame does not offer minimising. If `isResizable` is false, the frame
-/// does not offer resizing and maximising either.
+/// Sets _MOTIF_WM_HINTS so that the frame does not offer minimizing. If `isResizable` is false, the frame
+/// does not offer resizing or maximizing either.
 void setFrameHints(GdkSurface* surface, bool isResizable) {
     enum : unsigned long { hasFunctions = 1, hasDecorations = 2 };
     enum : unsigned long { resize = 2, move = 4, maximize = 16, close = 32 };

@@ -10,8 +10,8 @@
 
 namespace Platform {
 
-/// The frame of a top-level window: its size while it is not maximised, in logical pixels and including the
-/// menu bar and the tab strip, and its maximised state.
+/// The frame of a top-level window: its size while it is not maximized, in logical pixels and including the
+/// menu bar and the tab strip, and its maximized state.
 struct SavedFrame {
     int width = 0;
     int height = 0;

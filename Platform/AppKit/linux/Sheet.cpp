@@ -107,7 +107,7 @@ void Sheet::moveFocus(std::ptrdiff_t step) {
     gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
-/// The texts can receive the focus only if they need to be scrolled.
+/// Makes the alert's texts focusable only while they need to scroll.
 void Sheet::textResized(GtkAdjustment* visible) {
     gtk_widget_set_focusable(stops_.front(),
                              gtk_adjustment_get_upper(visible) > gtk_adjustment_get_page_size(visible));

@@ -89,11 +89,11 @@ public:
 
     /// All hosts, in creation order.
     const std::vector<std::shared_ptr<TabHost>>& all() const { return hosts_; }
-    /// The visible hosts, including minimised hosts, but not those that were ordered out.
+    /// The visible hosts, including minimized hosts, but not those that were ordered out.
     std::vector<std::shared_ptr<TabHost>> visible() const;
     /// The visible host that was used last, or null.
     std::shared_ptr<TabHost> front() const;
-    /// Brings all visible hosts to the front, including minimised hosts. Preserves the order in which they
+    /// Brings all visible hosts to the front, including minimized hosts. Preserves the order in which they
     /// were last used.
     void bringAllToFront() const;
 

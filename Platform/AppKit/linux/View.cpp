@@ -29,7 +29,7 @@ gboolean queryToolTip(GtkWidget* /*widget*/, int /*x*/, int /*y*/, gboolean /*by
     return TRUE;
 }
 
-/// Handles `query-tooltip` instead of setting GTK's tool tip text. Each call of `gtk_widget_set_tooltip_text`
+/// Handles `query-tooltip` instead of setting GTK's tool tip text. Each call to `gtk_widget_set_tooltip_text`
 /// queries the display for the pointer's position and waits for the reply, which adds up to hundreds of round
 /// trips for a bookmarks bar (seen with GTK 4.8.3, not reported).
 void applyToolTip(View& view, View::Native& native) {

@@ -34,7 +34,8 @@ void setAccessibleName(GtkWidget* widget, const std::string& name);
 /// Creates a widget that groups other widgets and clips them.
 GObjectPtr<GtkWidget> makeOverlay();
 
-/// Returns the view to which `widget` or its nearest ancestor belongs, or null.
+/// Returns the view of `widget` or, if it has no view, of its nearest ancestor that has one. Returns null if
+/// there is none.
 View* viewOfWidget(GtkWidget* widget);
 
 } // namespace Platform

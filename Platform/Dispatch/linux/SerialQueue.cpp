@@ -169,7 +169,7 @@ bool SerialQueue::State::prepareToWait() {
     return true;
 }
 
-/// Returns the time in milliseconds until the next work is due, or -1 if no work is scheduled.
+/// Returns the time in milliseconds until the next work item is due, or -1 if none is scheduled.
 int SerialQueue::State::waitMilliseconds() const {
     const auto isCancelled = [](const Source& source) { return source->cancelled.load(); };
     if (!work_.empty() || std::ranges::any_of(sources_, isCancelled)) {

@@ -67,7 +67,8 @@ public:
 
     /// The reason why the engine cancelled the navigation, if it did. Null before the navigation starts.
     ExpectedFailure* expectedFailure();
-    /// Returns an error that states why the navigation was cancelled, or `error` if it has another cause.
+    /// Returns an error that describes why the engine cancelled the navigation, or `error` itself if the
+    /// engine did not cancel it.
     Error nameFailure(const Error& error);
 
 private:

@@ -69,7 +69,8 @@ protected:
             askXdotool("key F10");
             opened = runUntil(isOpen, patience / 5);
         }
-        // GTK 4.8.3 closes the menu bar if one arrow key follows another within milliseconds (not reported).
+        // GTK 4.8.3 closes the open menu if two arrow keys are pressed within a few milliseconds of each
+        // other (not reported).
         askXdotool("key --delay 250 Right " + keys);
         return opened;
     }
