@@ -35,13 +35,13 @@
 #include <utility>
 #include <vector>
 
-// Uses the browser for a long time in one process, and fails if the process then needs more than after a
-// short use:
+// Uses the browser for a long time in one process, and fails if the process then uses more memory, file
+// descriptors, threads or child processes than after a short warm-up:
 //
 //   Soak [PERCENT]
 //
-// PERCENT scales the work (default: 100). Each line of the output is what the process uses after a part of
-// the work, when all tabs but a blank one are closed.
+// PERCENT scales the amount of work (default: 100). After each part of the work, all tabs except a blank one
+// are closed, and a line shows what the process uses.
 
 namespace {
 
@@ -82,7 +82,7 @@ public:
     }
 
 private:
-    /// The reading and the writing end.
+    /// Returns the read end and the write end of a new pipe.
     static std::pair<Platform::Descriptor, Platform::Descriptor> connectedPipe() {
         std::array<int, 2> ends = {};
         if (pipe2(ends.data(), O_CLOEXEC) != 0) {
@@ -102,20 +102,21 @@ private:
         });
         const int port = server.port();
         char ignored = 0;
-        // The read ends when the parent exits.
+        // The read returns when the parent exits.
         const bool isServed =
             write(portWriter, &port, sizeof port) == sizeof port && read(parentEnd, &ignored, 1) == 0;
         _exit(isServed ? EXIT_SUCCESS : EXIT_FAILURE);
     }
 
-    /// Open as long as the server is needed.
+    /// The server exits when this descriptor is closed.
     Platform::Descriptor lifeline_;
     int port_ = 0;
 };
 
-/// What the process uses.
+/// The resources that this process uses.
 struct Usage {
-    /// In MiB. `own` is `proportional` without files, whose share depends on the other users of a library.
+    /// In MiB. `proportional` is the proportional set size. `own` excludes mapped files, whose share depends
+    /// on the number of processes that map them.
     double proportional = 0;
     double own = 0;
     std::size_t descriptors = 0;
@@ -125,7 +126,7 @@ struct Usage {
     std::size_t children = 0;
 };
 
-/// Child processes, including those that have exited without having been waited for.
+/// Returns the number of child processes, including zombies.
 std::size_t childProcesses() {
     std::size_t count = 0;
     for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
@@ -161,7 +162,7 @@ Usage usage() {
     return result;
 }
 
-/// The permitted differences to the use after the warm-up.
+/// The permitted increases since the end of the warm-up.
 constexpr double memoryMargin = 16; // MiB
 constexpr std::size_t descriptorMargin = 10;
 constexpr std::size_t threadMargin = 4;
@@ -222,7 +223,7 @@ protected:
                                            << TestSupport::webProcesses().size() << " web processes";
     }
 
-    /// Every other tab stays blank.
+    /// Opens and closes tabs. Every second tab stays blank.
     void openAndCloseTabs(int count) {
         for (int i = 0; i < count; ++i) {
             const bool isBlank = i % 2 == 0;
@@ -277,12 +278,12 @@ protected:
         closeTabs(1);
     }
 
-    /// Waits until idle threads and connections have ended, and prints what remains in use.
+    /// Waits until idle threads have exited and idle connections are closed, then prints what remains in use.
     static Usage settledUsage(const std::string& work) {
         EXPECT_TRUE(TestSupport::forgetPages());
-        // GLib's idle threads end after 15 seconds.
+        // GLib's idle threads exit after 15 seconds.
         [[maybe_unused]] const bool never = runUntil([] { return false; }, std::chrono::seconds(20));
-        // Memory that the allocator keeps for later is not a leak.
+        // Memory that the allocator caches is not a leak.
         malloc_trim(0);
         const Usage now = usage();
         std::printf(
@@ -301,7 +302,7 @@ protected:
 } // namespace
 
 TEST_F(Soak, leavesNothingBehind) {
-    // What GTK and WebKitGTK create once and keep is not a leak.
+    // Objects that GTK and WebKitGTK create once and keep are not leaks.
     openAndCloseTabs(40);
     loadPages(100);
     toggleBookmarks(100);

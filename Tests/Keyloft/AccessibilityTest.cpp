@@ -111,7 +111,7 @@ TEST_F(AccessibilityTest, nothingThatTakesTheFocusHasTheNameOrTheRoleOfAWidget) 
     EXPECT_TRUE(isNamed("Web page", "document"));
     openPage("/second", first);
     for (const auto& object : accessibleObjects()) {
-        // Scrolling containers of GTK have the state, but pass the focus on to their content.
+        // GTK's scrolling containers claim to be focusable, but pass the focus on to their contents.
         if (object.isFocusable && object.role != "group") {
             EXPECT_NE(object.role, "widget") << object.name;
             for (const char* prefix : {"Gtk", "Adw"}) {

@@ -25,7 +25,7 @@
 #include <thread>
 #include <vector>
 
-// Kills processes while they save bookmarks. KEYLOFT_KILLS sets how many are killed on the ordinary disk.
+// Kills processes while they save bookmarks. The environment variable KEYLOFT_KILLS sets the number of kills.
 
 namespace {
 
@@ -40,10 +40,11 @@ using Clock = std::chrono::steady_clock;
 using List = std::vector<Bookmark>;
 using Names = std::set<std::string>;
 
-/// The saves of a process, in memory that it shares with this process. The first save is number 1.
+/// Counts the saves of a child process, in memory that the child shares with the test. The first save is
+/// number 1.
 struct Progress {
     std::atomic<int> begun = 0;
-    /// The last save that posted its notification.
+    /// The number of the last save that posted its notification.
     std::atomic<int> posted = 0;
     std::atomic<int> ended = 0;
 };
@@ -69,7 +70,7 @@ private:
     void* memory_;
 };
 
-/// Bookmarks with long titles: the file is large, and the list is read quickly.
+/// A bookmark with a long title, so that a list that can be parsed quickly is written slowly.
 Bookmark numbered(int number) {
     const std::string text = std::to_string(number);
     return {.title = "Bookmark " + text + std::string(1000, '.'),
@@ -90,7 +91,7 @@ Bookmark changedBy(int number) {
     return numbered(1000 + (number % changing));
 }
 
-/// The list that was `list` before saves 1 to `count`.
+/// Returns `list` after saves 1 to `count` have changed it.
 List after(int count, List list) {
     for (int number = 1; number <= count; ++number) {
         const Bookmark bookmark = changedBy(number);
@@ -175,7 +176,7 @@ protected:
         withTemporaryFile_ += names.empty() ? 0 : 1;
     }
 
-    /// The duration of a save by a process that is not killed.
+    /// Returns the duration of a save.
     std::chrono::microseconds saveDuration() const {
         static constexpr int saves = 20;
         const Clock::time_point begun = Clock::now();
@@ -194,7 +195,7 @@ protected:
 
 private:
     TestSupport::TemporaryDirectory directory_;
-    // The same moments in every run. NOLINTNEXTLINE(bugprone-random-generator-seed)
+    // A fixed seed makes the test repeatable. NOLINTNEXTLINE(bugprone-random-generator-seed)
     std::mt19937 random_{20261123};
     int whileSaving_ = 0;
     int withTemporaryFile_ = 0;
@@ -214,7 +215,7 @@ TEST_F(BookmarkStoreKillTest, killsDuringSavesDoNotFillASmallDisk) {
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {
         const List list = listOf(50);
         const auto size = static_cast<int>(Bookmark::encode(list).size());
-        // There is space for the old and the new list, but not for an abandoned one as well.
+        // There is space for the old and the new list, but not for an additional abandoned file.
         TestSupport::mountSmallDisk(folder().string(), size * 5 / 2);
         write(list);
         killWhileSaving(100, 2 * saveDuration());

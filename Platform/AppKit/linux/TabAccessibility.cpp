@@ -40,7 +40,7 @@ void pageAttached(AdwTabView* /*view*/, AdwTabPage* page, int /*position*/, GtkW
             setAccessibleName(child, toolTip);
         }
     }
-    // The widget around the AdwTab receives the focus. A role can only be set outside of a window.
+    // The parent of the AdwTab receives the focus. GTK permits setting a role only outside of a window.
     const auto focusable = GObjectPtr<GtkWidget>::retain(gtk_widget_get_parent(tab));
     GtkWidget* parent = gtk_widget_get_parent(focusable.get());
     GtkWidget* next = gtk_widget_get_next_sibling(focusable.get());

@@ -5,8 +5,8 @@
 namespace Platform {
 
 /// Gives the tabs of `bar` and their close buttons accessible roles, names and states, which libadwaita
-/// leaves out (seen with 1.2.2, not reported). Call it after `bar` has got its view and before `bar` is in a
-/// window.
+/// omits (seen with 1.2.2, not reported). Call it after the view of `bar` is set and before `bar` is added to
+/// a window.
 void describeTabs(AdwTabBar* bar);
 
 } // namespace Platform

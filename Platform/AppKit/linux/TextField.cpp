@@ -75,7 +75,7 @@ TextFieldEvents::TextFieldEvents(TextField& owner, GtkWidget* editable)
     g_object_set(editable, "placeholder-text", field.placeholder_.c_str(), nullptr);
     // Request no width for the text, which scrolls. By default, GTK requests enough width for a few words.
     gtk_editable_set_width_chars(GTK_EDITABLE(editable), 0);
-    // At a larger text scale, fields with a fixed width get wider if the stack has room for it.
+    // At larger text scales, a field with a fixed width becomes wider if the stack has free space.
     gtk_editable_set_max_width_chars(GTK_EDITABLE(editable), 17);
     // Also keep the placeholder from requesting a width.
     GtkWidget* placeholder = gtk_widget_get_first_child(GTK_WIDGET(text));

@@ -13,7 +13,7 @@ using TestSupport::waitForLayout;
 
 namespace {
 
-/// Tests windows with a desktop whose text is larger, or is written from right to left.
+/// Tests the layout of windows with larger text and with a right-to-left locale.
 class AppearanceTest : public BrowserTest {
 public:
     AppearanceTest(const AppearanceTest&) = delete;
