@@ -101,8 +101,7 @@ public:
     void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
 
     /// Shows an alert as a sheet on the window. Other tabs and windows remain usable. Several sheets are
-    /// shown one after another. `completion`, which may be null, is called once with the index of the chosen
-    /// button.
+    /// shown in turn. `completion`, if not null, is called once with the index of the chosen button.
     void beginSheet(const Alert& alert, std::function<void(std::size_t button)> completion);
 
     /// Answers pending sheets with their safe buttons, notifies the delegate and closes the window or tab.

@@ -22,8 +22,7 @@ class SerialQueue {
 public:
     using Work = std::function<void()>;
 
-    /// `label` identifies the queue in debuggers and in fatal error messages. Throws std::system_error
-    /// if no thread or descriptor is available.
+    /// `label` names the queue in debuggers and fatal errors. Throws std::system_error if out of resources.
     explicit SerialQueue(std::string label);
     SerialQueue(const SerialQueue&) = delete;
     SerialQueue& operator=(const SerialQueue&) = delete;

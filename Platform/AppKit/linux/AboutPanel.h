@@ -8,8 +8,7 @@
 
 namespace Platform {
 
-/// The About window, which is not modal. The main menu's key equivalents work in it; the key equivalent of
-/// Close closes the panel.
+/// The About window. It is not modal, and the main menu's key equivalents work in it.
 class AboutPanel : public Responder {
 public:
     AboutPanel() = default;

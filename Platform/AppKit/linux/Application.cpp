@@ -47,13 +47,11 @@ void forgetDeadBus(GApplication* application) {
     g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
     // Without a session bus GTK still finds the display's accessibility bus, and then crashes because the
     // application has no object path. Seen with 4.8.3;
-    // https://gitlab.gnome.org/GNOME/gtk/-/commit/0eb791eaaa2672ffdb69c4bca47125aea6b1c2ba adds a path for
-    // this case.
+    // https://gitlab.gnome.org/GNOME/gtk/-/commit/0eb791eaaa2672ffdb69c4bca47125aea6b1c2ba adds a path.
     g_setenv("GTK_A11Y", "none", TRUE);
 }
 
-/// Exits with an error message if no display can be opened. GTK's own startup handler also exits, but its
-/// warning does not name what is missing.
+/// Exits with an error message if no display can be opened. GTK's own message does not say what is missing.
 void startWithDisplay(GApplication* application) {
     if (!gtk_init_check()) {
         diagnosticLog(programInfo().name +

@@ -9,8 +9,7 @@ namespace Platform {
 
 /// Holds one reference to a GObject.
 ///
-/// `retain` adds a reference and sinks a floating one; `adopt` takes over a reference that the caller owns.
-/// The destructor releases the reference.
+/// `retain` adds a reference and sinks a floating one; `adopt` takes over the caller's reference.
 template <typename T>
 class GObjectPtr {
 public:
@@ -58,8 +57,7 @@ private:
     T* object_ = nullptr;
 };
 
-/// A signal connection that is disconnected when this object is destroyed. The instance may be finalized
-/// earlier.
+/// Disconnects a signal handler when it is destroyed. The instance may be finalized earlier.
 class SignalConnection {
 public:
     SignalConnection() = default;

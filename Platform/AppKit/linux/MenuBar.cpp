@@ -21,8 +21,7 @@ constexpr const char* windowAction = "window";
 std::string actionName(const char* action) { return std::string(actionPrefix) + "." + action; }
 
 /// Returns GTK's name for the item's key equivalent, such as "<Control>braceleft". Adds Shift only for
-/// upper-case letters. Whether other characters need Shift depends on the keyboard layout, and GTK ignores
-/// modifiers that the layout consumes.
+/// upper-case letters: for other characters, GTK ignores modifiers that the keyboard layout consumes.
 std::string accelerator(const MenuItem& item) {
     const guint key = gdk_unicode_to_keyval(g_utf8_get_char(item.keyEquivalent().c_str()));
     unsigned modifiers = GDK_CONTROL_MASK;
@@ -49,9 +48,8 @@ std::string menuLabel(const std::string& title) {
     return label;
 }
 
-/// Returns the maximum width of a menu's labels, in average character widths, as GTK expects. A label may
-/// take up two fifths of the screen's width, so that the whole menu, including margins and key equivalents,
-/// takes up no more than half of it.
+/// Returns the maximum width of a menu's labels, in average character widths: two fifths of the screen, so
+/// that the menu with its margins and key equivalents takes up no more than half of the screen.
 int greatestTextWidth(GtkWidget* widget) {
     GdkDisplay* display = gtk_widget_get_display(widget);
     GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gtk_widget_get_root(widget)));
@@ -95,8 +93,7 @@ struct KeyEquivalent {
     std::string key;
     ModifierFlags modifiers = ModifierFlags::command;
 
-    /// Returns the item that currently has this key equivalent. The menu's delegate may have replaced the
-    /// items.
+    /// Returns the item that has this key equivalent now: the menu's delegate may have replaced the items.
     std::shared_ptr<MenuItem> item() const {
         update(*menu);
         for (const auto& item : menu->items()) {
@@ -138,8 +135,7 @@ MenuBar::~MenuBar() = default;
 void MenuBar::connectPopovers() {
     for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item;
          item = gtk_widget_get_next_sibling(item)) {
-        // Keep the item from taking the focus when the pointer moves over it (seen with GTK 4.8.3, not
-        // reported).
+        // Keep the item from taking the focus when the pointer enters it (GTK 4.8.3, not reported).
         gtk_widget_set_focusable(item, FALSE);
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
              child = gtk_widget_get_next_sibling(child)) {
@@ -161,12 +157,10 @@ void MenuBar::opened(GtkWidget* popover) {
     cutLongTexts(popover, greatestTextWidth(popover));
 }
 
-/// Returns the focus to the page after a menu has closed. GTK may leave it in the tab strip (seen with 4.8.3,
-/// not reported).
+/// Returns the focus to the page. GTK may leave it in the tab strip (seen with 4.8.3, not reported).
 void MenuBar::closed(GtkPopover* /*popover*/) {
     const std::weak_ptr<Window> main = source_.mainWindow();
-    // Move the focus later, because another menu may open immediately, and the action of the chosen item may
-    // move the focus itself.
+    // Move the focus later: another menu may open now, or the chosen item's action may move the focus.
     RunLoop::main().perform([main] {
         if (const auto window = main.lock()) {
             window->native().takeFocus();
@@ -254,8 +248,8 @@ void MenuBar::appendWindows(GMenu* model) {
 
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu) {
     // The key equivalents of editing actions are handled only if the focused field or page does not handle
-    // the key. All other key equivalents are handled before any widget receives the key. A key is discarded
-    // if its item is disabled.
+    // the key. All others are handled before any widget receives the key. The key of a disabled item is
+    // discarded.
     GtkEventController* capturing = gtk_shortcut_controller_new();
     gtk_event_controller_set_propagation_phase(capturing, GTK_PHASE_CAPTURE);
     GtkEventController* bubbling = gtk_shortcut_controller_new();

@@ -66,12 +66,10 @@ private:
     std::vector<SignalConnection> connections_;
 };
 
-/// Adds the key equivalents of the items of `mainMenu` to the top-level window. Pressing one of them performs
-/// the item.
+/// Makes the key equivalents of `mainMenu` perform their items in the top-level window.
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu);
 
-/// Returns true if the item's action can currently be performed. Asks the action's target, which may change
-/// the item's title.
+/// Asks the target of the item's action whether the item is enabled. The target may change the title.
 bool validate(MenuItem& item);
 
 } // namespace Platform

@@ -34,8 +34,7 @@ void setFrameHints(GdkSurface* surface, bool isResizable) {
     enum : unsigned long { hasFunctions = 1, hasDecorations = 2 };
     enum : unsigned long { resize = 2, move = 4, maximize = 16, close = 32 };
     enum : unsigned long { border = 2, resizeHandles = 4, title = 8, menu = 16, maximizeButton = 64 };
-    // The fields are flags, functions, decorations, input mode and status. Xlib takes 32-bit properties as
-    // arrays of long.
+    // Flags, functions, decorations, input mode and status. Xlib takes 32-bit properties as arrays of long.
     std::array<unsigned long, 5> hints = {hasFunctions | hasDecorations, move | close, border | title | menu,
                                           0, 0};
     if (isResizable) {
@@ -50,8 +49,7 @@ void setFrameHints(GdkSurface* surface, bool isResizable) {
 }
 
 void realized(GtkWidget* toplevel, gpointer /*data*/) {
-    // If GTK draws the frame itself, it creates the header bar when it realizes the window, and provides no
-    // function that returns it.
+    // If GTK draws the frame, it creates a header bar when it realizes the window. No function returns it.
     for (GtkWidget* child = gtk_widget_get_first_child(toplevel); child;
          child = gtk_widget_get_next_sibling(child)) {
         if (GTK_IS_HEADER_BAR(child)) {

@@ -38,8 +38,7 @@ private:
     bool isForOther(GdkEvent* event);
 
     std::uint64_t focusMoves_ = 0;
-    /// Key events that may still be returned, possibly more than once, because input methods also return key
-    /// events.
+    /// Key events that may still be returned, even repeatedly, because input methods return events, too.
     std::deque<Pressed> pressed_;
     std::vector<SignalConnection> connections_;
 };

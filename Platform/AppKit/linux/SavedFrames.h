@@ -10,8 +10,7 @@
 
 namespace Platform {
 
-/// The frame of a top-level window: its size while it is not maximized, in logical pixels and including the
-/// menu bar and the tab strip, and its maximized state.
+/// A top-level window's size while it is not maximized, in logical pixels, and its maximized state.
 struct SavedFrame {
     int width = 0;
     int height = 0;
@@ -24,8 +23,7 @@ struct SavedFrame {
 ///
 /// The frames are stored in a file in the application's folder in `stateDirectory`. The file is read once,
 /// and rewritten shortly after the last of several changes. A file that cannot be read or parsed is ignored.
-/// If writing fails, the error is logged, the frames remain in memory, and the next change causes another
-/// attempt.
+/// If writing fails, the error is logged, and the next change causes another attempt.
 class SavedFrames {
 public:
     explicit SavedFrames(std::string stateDirectory);

@@ -6,8 +6,7 @@ namespace Platform {
 
 /// A C callback that calls a member function with the arguments of a signal. During the call it holds the
 /// result of the object's `keepAlive` or, if there is no such function and the object is managed by a
-/// `shared_ptr`, a reference to the object. If the result or the reference is null, the member function is
-/// not called.
+/// `shared_ptr`, a reference to the object. If that is null, it does not call the member function.
 template <auto handler>
 struct SignalHandler;
 
@@ -27,8 +26,7 @@ struct SignalHandler<handler> {
     }
 };
 
-/// Connects a signal of `instance` to the member function `handler` of `object`, until the returned
-/// connection is destroyed.
+/// Connects a signal of `instance` to a member function of `object`, until the connection is destroyed.
 template <auto handler, typename Object>
 SignalConnection connectSignal(gpointer instance, const char* signal, Object& object) {
     return {instance, signal, G_CALLBACK(&SignalHandler<handler>::call), &object};

@@ -6,8 +6,7 @@
 
 namespace Platform {
 
-/// Adds the style rules and icons that the theme lacks to the default display. Call it once, after GTK is
-/// initialized.
+/// Adds the style rules and icons that the theme lacks. Call it once, after GTK is initialized.
 void installStyle();
 
 /// Returns the name of the icon for a macOS symbol. Aborts if the symbol is unknown.

@@ -5,8 +5,8 @@
 namespace Platform {
 
 /// Gives the tabs of `bar` and their close buttons accessible roles, names and states, which libadwaita
-/// omits (seen with 1.2.2, not reported). Call it after the view of `bar` is set and before `bar` is added to
-/// a window.
+/// omits (seen with 1.2.2, not reported). Call it after setting the view of `bar`, before adding `bar` to a
+/// window.
 void describeTabs(AdwTabBar* bar);
 
 } // namespace Platform

@@ -13,8 +13,7 @@ namespace Platform {
 
 namespace {
 
-/// Returns true if the pointer is not over any window. The drag icon does not count, because pointer events
-/// pass through it.
+/// Returns true if the pointer is not over any window except the drag icon, which ignores pointer events.
 bool isOnBareDesktop(GdkDrag* drag) {
     GdkDisplay* display = gdk_drag_get_display(drag);
     if (!GDK_IS_X11_DISPLAY(display)) {

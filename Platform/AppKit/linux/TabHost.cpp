@@ -133,8 +133,7 @@ std::vector<std::shared_ptr<Window>> TabHost::windows() const {
 void TabHost::present() {
     wasUsed();
     gtk_window_present(toplevel());
-    // Flush the display connection, so that the window manager can show the window while this process
-    // prepares the page's first load.
+    // Flush, so that the window manager can show the window while this process prepares the first load.
     gdk_display_flush(gtk_widget_get_display(toplevel_.get()));
 }
 
@@ -146,8 +145,7 @@ void TabHost::wasUsed() {
 gboolean TabHost::closeRequested(GtkWindow* /*toplevel*/) {
     // Hide the window first. Otherwise each tab is shown briefly when the tab before it closes.
     gtk_widget_set_visible(toplevel_.get(), FALSE);
-    // GTK's default handler removes the pages without emitting `close-page`. Close the tabs one at a time, in
-    // order.
+    // GTK's default handler does not emit `close-page`. Close the tabs one at a time, in order.
     for (const auto& window : windows()) {
         if (window->native().tabView() == tabView_) {
             window->native().closeTab();

@@ -17,8 +17,7 @@ namespace Platform {
 
 class TabHosts;
 
-/// A native top-level window: the menu bar, the tab strip, and the pages of the windows that share it. It is
-/// released after its last page has been removed.
+/// A native top-level window: the menu bar, the tab strip, and the pages of the windows that share it.
 class TabHost : public std::enable_shared_from_this<TabHost> {
 public:
     /// Returns the host with this top-level window.
@@ -93,8 +92,7 @@ public:
     std::vector<std::shared_ptr<TabHost>> visible() const;
     /// The visible host that was used last, or null.
     std::shared_ptr<TabHost> front() const;
-    /// Brings all visible hosts to the front, including minimized hosts. Preserves the order in which they
-    /// were last used.
+    /// Brings all visible hosts to the front, including minimized hosts, in the order of their last use.
     void bringAllToFront() const;
 
     std::vector<std::shared_ptr<Window>> windows() const override;

@@ -7,8 +7,7 @@
 
 namespace Platform {
 
-/// The widget of a text field and the handlers of the widget's signals. The widget is one of GTK's
-/// single-line editors.
+/// The widget of a text field, which is a GtkEntry or GtkSearchEntry, and the handlers of its signals.
 struct TextFieldEvents final : View::Native {
     TextFieldEvents(TextField& owner, GtkWidget* editable);
 

@@ -14,8 +14,7 @@ struct View::Native {
     Native& operator=(const Native&) = delete;
     virtual ~Native();
 
-    /// Adds the widget of a subview in front of the other subviews. Does nothing if the view cannot have
-    /// subviews.
+    /// Adds the widget of a subview in front of the others. Does nothing if the view cannot have subviews.
     virtual void addSubview(GtkWidget* /*subview*/) {}
 
     /// From now on, creates and adds missing widgets of `view`'s subviews each time the widget is mapped.
@@ -34,8 +33,7 @@ void setAccessibleName(GtkWidget* widget, const std::string& name);
 /// Creates a widget that groups other widgets and clips them.
 GObjectPtr<GtkWidget> makeOverlay();
 
-/// Returns the view of `widget` or, if it has no view, of its nearest ancestor that has one. Returns null if
-/// there is none.
+/// Returns the view of `widget` or of its nearest ancestor that has a view, or null if there is none.
 View* viewOfWidget(GtkWidget* widget);
 
 } // namespace Platform

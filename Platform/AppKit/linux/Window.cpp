@@ -337,8 +337,7 @@ void Window::Native::hideSheet() {
     takeFocus();
 }
 
-/// Allows or prevents pointer input and keyboard focus in the content under a sheet. Unlike making the
-/// content insensitive, this does not change its appearance.
+/// Allows or prevents input to the content under a sheet, without changing its appearance.
 void Window::Native::setContentReachable(bool reachable) const {
     GtkWidget* content = window.contentView_->native().widget.get();
     gtk_widget_set_can_target(content, reachable ? TRUE : FALSE);

@@ -13,8 +13,7 @@ namespace Platform {
 
 // Functions that Window calls. Application.cpp and TabHost.cpp, which depend on Window, implement them.
 
-/// Creates an invisible top-level window with the saved frame or the content size of `window`, and returns
-/// its tab view, which is empty.
+/// Creates an invisible top-level window with the size of `window`, and returns its empty tab view.
 AdwTabView* createTopLevel(const Window& window);
 /// Shows and raises a top-level window and makes it the most recently used one.
 void presentTopLevel(GtkWindow* toplevel);
@@ -35,8 +34,7 @@ struct Window::Native final : SheetPresenter {
     void makePage();
     void applyMinSize() const;
 
-    /// The page's tab, and the tab view and top-level window that currently contain it. Null if the page does
-    /// not exist or is not in a tab view.
+    /// The page's tab, and the tab view and top-level window that contain it. Null if there is no tab.
     AdwTabPage* tab() const;
     AdwTabView* tabView() const;
     GtkWindow* toplevel() const;
@@ -49,8 +47,7 @@ struct Window::Native final : SheetPresenter {
     void setNeedsAttention(bool needs) const;
     void selectNeighbour(int step) const;
 
-    /// Makes `view` the first responder. Called when GTK's focus has moved to the widget of `view` on this
-    /// page, or is about to.
+    /// Makes `view` the first responder. Called when GTK's focus has moved to its widget, or is about to.
     void focusMoved(View& view);
     /// Gives GTK's focus to the sheet or, if there is no sheet, to the first responder, as soon as the page
     /// is on the screen and no menu is open. A text field keeps its selection.

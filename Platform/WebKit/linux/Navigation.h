@@ -67,8 +67,7 @@ public:
 
     /// The reason why the engine cancelled the navigation, if it did. Null before the navigation starts.
     ExpectedFailure* expectedFailure();
-    /// Returns an error that describes why the engine cancelled the navigation, or `error` itself if the
-    /// engine did not cancel it.
+    /// Returns the reason if the engine cancelled the navigation, or otherwise `error` itself.
     Error nameFailure(const Error& error);
 
 private:
