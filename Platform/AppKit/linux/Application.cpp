@@ -101,7 +101,7 @@ Application::Application()
     const char* id = g_application_id_is_valid(identifier.c_str()) ? identifier.c_str() : nullptr;
     // A second launch passes its command line to the running process unchanged. D-Bus activation passes a
     // list of files, in which GVfs keeps http and https URLs unchanged, but rewrites other URLs.
-    native_->application = GObjectPtr<GtkApplication>::adopt(GTK_APPLICATION(
+    native_->hosts.application = GObjectPtr<GtkApplication>::adopt(GTK_APPLICATION(
         g_object_new(applicationType(), "application-id", id, "flags",
                      G_APPLICATION_HANDLES_COMMAND_LINE | G_APPLICATION_HANDLES_OPEN, nullptr)));
     native_->connect();
@@ -120,7 +120,9 @@ int Application::run(int argc, char** argv) {
     }
     const int status = g_application_run(G_APPLICATION(application), argc, argv);
     native_->aboutPanel.close();
-    native_->hosts.savedFrames().save();
+    if (native_->hosts.frames) {
+        native_->hosts.frames->save();
+    }
     return status;
 }
 

@@ -2,7 +2,6 @@
 
 #include "Platform/AppKit/Application.h"
 #include "Platform/AppKit/linux/AboutPanel.h"
-#include "Platform/AppKit/linux/GObjectPtr.h"
 #include "Platform/AppKit/linux/TabHost.h"
 
 #include <map>
@@ -15,7 +14,6 @@ struct Application::Native {
         : owner(application) {}
 
     Application& owner;
-    GObjectPtr<GtkApplication> application;
     TabHosts hosts;
     AboutPanel aboutPanel;
     bool finishedLaunching = false;
@@ -32,7 +30,7 @@ struct Application::Native {
 
     std::shared_ptr<Responder> targetForAction(Action action);
 
-    GtkApplication* gtk() const { return application.get(); }
+    GtkApplication* gtk() const { return hosts.application.get(); }
 };
 
 } // namespace Platform

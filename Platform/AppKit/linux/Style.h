@@ -12,8 +12,8 @@ void installStyle();
 /// Returns the name of the icon for a macOS symbol. Aborts if the symbol is unknown.
 const char* iconName(const std::string& symbolName);
 
-/// Returns attributes that set the font size to `points` logical pixels. The list is shared by all callers
-/// that request the same size, and exists until the process exits.
+/// Returns attributes that set the font size to `points` logical pixels, multiplied by the text scale. All
+/// callers that request the same size share the list, which exists until the process exits.
 PangoAttrList* fontAttributes(double points);
 
 /// Returns `text`, or only its beginning and end if it is too long for a tool tip. GTK takes seconds to break

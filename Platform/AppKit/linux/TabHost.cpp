@@ -43,7 +43,7 @@ TabHost::TabHost(TabHosts& hosts)
     , toplevel_(GObjectPtr<GtkWidget>::retain(gtk_window_new()))
     , returnedKeys_(toplevel())
     , tabView_(adw_tab_view_new()) {
-    gtk_window_set_application(toplevel(), GTK_APPLICATION(g_application_get_default()));
+    gtk_window_set_application(toplevel(), hosts.application.get());
     g_object_set_qdata(G_OBJECT(toplevel()), hostQuark(), this);
 
     GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);

@@ -74,6 +74,8 @@ private:
 /// Owns the open top-level windows and their shared state. Must outlive every TabHost. Main thread only.
 class TabHosts final : public MenuBarSource {
 public:
+    /// The application to which the top-level windows belong.
+    GObjectPtr<GtkApplication> application;
     /// Called when the last top-level window has lost its last page.
     std::function<void()> lastHostClosed;
 

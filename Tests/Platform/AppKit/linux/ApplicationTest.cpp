@@ -60,6 +60,15 @@ protected:
 
 } // namespace
 
+TEST_F(ApplicationTest, ownsItsWindowsInAProgramWithAnotherDefaultApplication) {
+    GApplication* before = g_application_get_default();
+    const auto other = GObjectPtr<GApplication>::adopt(g_application_new(nullptr, GApplicationFlags{}));
+    g_application_set_default(other.get());
+    const auto controller = open("one");
+    EXPECT_EQ(gtk_window_get_application(toplevelOf(*controller)), Application::shared().native().gtk());
+    g_application_set_default(before);
+}
+
 TEST_F(ApplicationTest, hideMinimisesEveryWindowAndShowAllBringsThemBack) {
     const auto a = open("a");
     const auto b = open("b");
