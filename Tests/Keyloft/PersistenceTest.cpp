@@ -46,8 +46,7 @@ protected:
     std::string run(const std::string& path) {
         Program program(KEYLOFT_PROGRAM, {server.url(path)});
         EXPECT_TRUE(eventually([&] { return server.count(path + "-report") == 1; })) << program.errors();
-        EXPECT_TRUE(
-            eventually([&] { return askXdotool("getactivewindow getwindowname") == std::vector{path}; }));
+        EXPECT_TRUE(TestSupport::waitForFocus(path));
         askXdotool("key ctrl+q");
         EXPECT_EQ(program.waitForExit(), 0) << program.errors();
         const auto reports = server.requests(path + "-report");

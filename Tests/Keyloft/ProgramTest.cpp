@@ -25,6 +25,7 @@ using TestSupport::askXdotool;
 using TestSupport::eventually;
 using TestSupport::HTTPResponse;
 using TestSupport::Program;
+using TestSupport::waitForFocus;
 using Lines = std::vector<std::string>;
 
 /// Tests the real program by observing its windows and its requests to a web server.
@@ -81,9 +82,6 @@ protected:
             ADD_FAILURE() << "windows: " << testing::PrintToString(windows());
         }
         return came;
-    }
-    [[nodiscard]] static bool waitForFocus(const std::string& title) {
-        return eventually([&] { return askXdotool("getactivewindow getwindowname") == Lines{title}; });
     }
     static void press(const std::string& key) { askXdotool("key " + key); }
     static void type(const std::string& text) { askXdotool("type --delay 2 '" + text + "'"); }

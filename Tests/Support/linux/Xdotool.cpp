@@ -1,6 +1,7 @@
 #include "Tests/Support/linux/Xdotool.h"
 
 #include "Platform/AppKit/linux/GObjectPtr.h"
+#include "Tests/Support/Waiting.h"
 #include "Tests/Support/linux/MainLoop.h"
 
 #include <gtest/gtest.h>
@@ -61,6 +62,15 @@ std::vector<std::string> askXdotool(const std::string& arguments) {
         begin = end == std::string::npos ? text.size() : end + 1;
     }
     return lines;
+}
+
+bool waitForFocus(const std::string& title) {
+    // The window manager gives the focus to the window, and GTK passes it on to a child window. Keys that are
+    // pressed in between are lost.
+    return eventually([&] {
+        return askXdotool("getwindowfocus getwindowname") == std::vector{title} &&
+               askXdotool("getwindowfocus") != askXdotool("getwindowfocus -f");
+    });
 }
 
 } // namespace TestSupport
