@@ -1,4 +1,4 @@
-"""What a program exposes to assistive technologies, over the accessibility bus, as a screen reader asks for it."""
+"""Queries the objects that a program exposes on the accessibility bus, as a screen reader does."""
 
 import re
 
@@ -18,7 +18,7 @@ BUTTON, TEXT_FIELD, SEARCH_FIELD, MENU_ITEM, ALERT, LABEL, TAB = 43, 61, 79, 35,
 
 
 class Object:
-    """An accessible object as it was when the tree was read, except `extents` and `text`, which ask again."""
+    """An accessible object, as it was when the tree was read. `extents` and `text` query the current values."""
 
     def __init__(self, bus, owner, path, parent=None):
         self.bus, self.owner, self.path, self.parent = bus, owner, path, parent
@@ -28,7 +28,7 @@ class Object:
         return bool(self.states >> state & 1)
 
     def below(self):
-        """This object and all below it, parents first."""
+        """Yields this object and its descendants, parents first."""
         yield self
         for child in self.children:
             yield from child.below()
@@ -40,7 +40,7 @@ class Object:
             object = object.parent
 
     def extents(self):
-        """Left, top, width and height in pixels, in the window."""
+        """Returns left, top, width and height in the window, in pixels."""
         return self.bus.call(self.owner, self.path, COMPONENT, "GetExtents", GLib.Variant("(u)", (WINDOW_COORDINATES,)))
 
     def text(self):
@@ -67,20 +67,20 @@ class Bus:
         return reply
 
     def root(self, process):
-        """The root of a process's tree without the objects below it, or None."""
+        """Returns the root object of a process without its children, or None."""
         for owner, path in self.call("org.a11y.atspi.Registry", ROOT, ACCESSIBLE, "GetChildren"):
             try:
                 owner_process = self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                                           "GetConnectionUnixProcessID", GLib.Variant("(s)", (owner,)))
-            except GLib.Error:  # it has gone meanwhile
+            except GLib.Error:  # the process has exited
                 continue
             if owner_process == process:
                 return Object(self, owner, path)
         return None
 
     def tree(self, root, depth=100):
-        """Reads the objects below `root`, down to `depth`. All questions about a generation are asked at once, because
-        a tree has hundreds of objects."""
+        """Returns a copy of `root` with its descendants, down to `depth`. Sends the queries for a generation without
+        waiting for the replies one by one, because a tree has hundreds of objects."""
         root = Object(self, root.owner, root.path)
         generation = [root]
         while generation and depth > 0:
@@ -103,7 +103,7 @@ class Bus:
         asked[0] -= 1
         try:
             (reply,) = connection.call_finish(result)
-        except GLib.Error:  # the object has gone meanwhile
+        except GLib.Error:  # the object has been destroyed
             return
         if method == "Get":
             object.name = reply
@@ -118,9 +118,9 @@ class Bus:
 
 
 def is_type_name(name):
-    """Whether a name is only the name of the widget's class, which GTK exposes if the widget has no name."""
+    """Returns true for the name of a widget class, which GTK exposes if a widget has no name."""
     return re.match(r"(Gtk|Adw|WebKit|Keyloft)[A-Z]", name) is not None
 
 
 def is_page(object):
-    return object.name in ("Web page", "WebKitWebView")
+    return object.name == "Web page"

@@ -1,4 +1,4 @@
-"""The surroundings of the installed program: private mounts and network, display, session bus and settings."""
+"""The environment of the installed program: private mounts and network, display, session bus."""
 
 import ctypes
 import fcntl
@@ -12,7 +12,7 @@ import subprocess
 import tempfile
 import time
 
-# A limit for each wait, long enough for a slow machine. No wait takes so long unless something is wrong.
+# The limit for each wait, in seconds. It is reached only on failure, so it is long enough for a slow machine.
 LIMIT = 30
 
 RIGHT_TO_LEFT = "ar_EG.UTF-8"
@@ -25,7 +25,7 @@ PROGRAM_SERVICE = pathlib.Path("/usr/share/dbus-1/services/velde.orvane.keyloft.
 
 
 def wait_until(condition, what):
-    """Returns the first true value of `condition`. Fails with `what` if there is none within the limit."""
+    """Returns the first true value of `condition`. Fails with `what` if the limit expires first."""
     deadline = time.monotonic() + LIMIT
     while True:
         value = condition()
@@ -41,7 +41,7 @@ def run(*command, **options):
 
 
 class Child:
-    """A process that ends with this one."""
+    """A child process that is killed when this process exits."""
 
     def __init__(self, *command, log=subprocess.DEVNULL, environment=None, **options):
         self.process = subprocess.Popen([str(word) for word in command], stdin=subprocess.DEVNULL, stderr=log,
@@ -61,7 +61,7 @@ class Child:
 
 
 def line_of(source, what):
-    """The first line that a server writes when it is ready."""
+    """Returns the first line that a server writes, which it does when it is ready."""
     line = source.readline().decode().strip()
     if not line:
         raise RuntimeError(f"{what} did not start")
@@ -101,8 +101,8 @@ def make_identity(folder, name, hosts, authority):
 
 
 class Environment:
-    """Everything around the program, for the whole run. Must be created in new mount and network namespaces. `kept` is
-    a folder for what later runs can use again."""
+    """The environment for all scenarios. Must be created in new mount and network namespaces. `kept` is a folder for
+    files that later runs reuse."""
 
     WAYLAND_DISPLAY = "keyloft-end-to-end"
 
@@ -131,7 +131,7 @@ class Environment:
         names = self.scratch / "hosts"
         names.write_text("".join(f"127.0.0.1 {host}\n" for host in ["localhost", *hosts]))
         self.mount("--bind", names, "/etc/hosts")
-        # A name that is not in the file does not exist. Without this the resolver would look for a name server.
+        # Resolve only the names in that file. By default, the resolver would also query a name server.
         sources = self.scratch / "nsswitch.conf"
         sources.write_text("passwd: files\ngroup: files\nhosts: files\n")
         self.mount("--bind", sources, "/etc/nsswitch.conf")
@@ -140,14 +140,14 @@ class Environment:
         self.identity = make_identity(self.scratch, "identity", hosts, authority)
         stranger = make_authority(self.scratch, "stranger")
         self.strangers_identity = make_identity(self.scratch, "strangers-identity", hosts, stranger)
-        # An X server looks for others with the same number in its own network, and takes over their sockets.
+        # An X server looks for servers with the same number only in its own network, and takes over their sockets.
         pathlib.Path("/tmp/.X11-unix").mkdir(mode=0o1777, exist_ok=True)
         self.mount("-t", "tmpfs", "-o", "mode=1777", "none", "/tmp/.X11-unix")
 
     def install(self, package, kept):
-        """Lays the package's files over this machine's, for this process and its children only."""
+        """Mounts the package's files over /usr, for this process and its children only."""
         run("dpkg", "-x", package, self.scratch / "package")
-        # Most machines have no right-to-left locale. Compiling one takes seconds, so keep it for the next run.
+        # Most machines lack a right-to-left locale. Compiling it takes seconds, so keep it for the next run.
         compiled = kept / RIGHT_TO_LEFT
         if not compiled.exists():
             kept.mkdir(parents=True, exist_ok=True)
@@ -167,7 +167,7 @@ class Environment:
         return child
 
     def start_display(self):
-        # Without -r a key that a slow machine holds down for long would repeat.
+        # -r disables key repeat, which would type a key several times on a slow machine.
         display = self.start("Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24", "-nolisten", "tcp", "-noreset",
                              "-r", stdout=subprocess.PIPE)
         self.variables["DISPLAY"] = os.environ["DISPLAY"] = ":" + line_of(display.process.stdout, "the display")
@@ -200,8 +200,8 @@ class Environment:
     def start_weston(self):
         """Starts a Wayland compositor whose screen is a window of the display. Its seat is the display's keyboard and
         pointer, and the first window of a program fills its screen."""
-        # If the pointer is in the window from the start, Weston adds its motions to a wrong place (seen with 10.0.1,
-        # not reported). It notices a pointer that enters.
+        # If the pointer is in the window from the start, Weston assumes a wrong position (seen with 10.0.1, not
+        # reported). Move the pointer away, so that it enters the window later.
         run("xdotool", "mousemove", 0, 0)
         with open(self.scratch / "weston.log", "wb") as log:
             weston = self.start("weston", "--backend=x11-backend.so", "--shell=kiosk-shell.so", "--no-config",

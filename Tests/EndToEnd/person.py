@@ -1,17 +1,17 @@
-"""The person at the display: types, clicks, looks, and listens as a screen reader does."""
+"""A simulated user, who types, clicks, looks at the screen, and uses a screen reader."""
 
 import accessibility
 from environment import run, wait_until
 
 
 class Person:
-    """Uses the one window of a program that is the active window of the display, or is inside of it."""
+    """Uses the window of a program. The window, or the compositor that contains it, is the active X11 window."""
 
     def __init__(self, process, artefacts, scenario):
         self.process, self.artefacts, self.scenario = process, artefacts, scenario
         self.bus = accessibility.Bus()
         self.root = wait_until(lambda: self.bus.root(process), "the program on the accessibility bus")
-        # GTK 4.8 also exposes the controls of tabs that are not selected, and not which one is.
+        # The index of the selected tab. GTK 4.8 also exposes the controls of the other tabs.
         self.tab = 0
 
     # ---- Hands ------------------------------------------------------------------------------------------------------
@@ -49,7 +49,7 @@ class Person:
         raise AssertionError(f"the arrow keys do not reach {item!r}: {self.objects()}")
 
     def click_page(self):
-        """Clicks on the page's link, which is large enough to be here at any size of text."""
+        """Clicks on the link of the page, which is large enough to be at this position at each text scale."""
         left, top, width, _ = self.page().extents()
         self.click_at(left + width // 2, top + 250)
 
@@ -68,7 +68,7 @@ class Person:
         return [window.name for window in self.windows()]
 
     def tree(self):
-        """The tree without the tabs that are not selected, and the part of it that belongs to the selected tab."""
+        """Returns the tree without the unselected tabs, and the subtree of the selected tab."""
         tree = self.bus.tree(self.root)
         fields = [object for object in tree.below() if object.name == "Address"]
         if len(fields) < 2:
@@ -133,11 +133,11 @@ class Person:
         wait_until(lambda: not self.all(accessibility.ALERT), "no alert")
 
     def focused(self):
-        """The object that has the keyboard, or None."""
+        """Returns the object that has the keyboard focus, or None."""
         return next((object for object in self.objects() if object.is_(accessibility.FOCUSED)), None)
 
     def wait_for_focus_to_leave(self, object):
-        """The object that has the keyboard next."""
+        """Waits until another object has the keyboard focus, and returns it."""
         def next_one():
             focused = self.focused()
             return focused and focused.path != object.path and focused
@@ -149,7 +149,7 @@ class Person:
         return run("xdotool", "getactivewindow").decode().strip()
 
     def pixels(self):
-        """The window's pixels, three bytes each, and its width."""
+        """Returns the pixels of the window, three bytes each, and its width."""
         data = run("import", "-silent", "-window", self.window(), "-depth", "8", "ppm:-")
         _, size, _, pixels = data.split(b"\n", 3)
         return pixels, int(size.split()[0])
@@ -159,7 +159,7 @@ class Person:
 
 
 def area(picture, extents, margin=0):
-    """The pixels of a part of a picture."""
+    """Returns the pixels of a rectangle in a picture."""
     pixels, width = picture
     left, top, columns, rows = extents
     left, right = max(left - margin, 0), min(left + columns + margin, width)

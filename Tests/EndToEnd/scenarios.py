@@ -1,4 +1,4 @@
-"""What a user does with the installed program, and what must come of it."""
+"""Scenarios in which a user works with the installed program."""
 
 import os
 import pathlib
@@ -26,7 +26,7 @@ def setUpModule():
 
 
 class Scenario(unittest.TestCase):
-    """Starts the program with a home directory of its own."""
+    """Base class for scenarios. Each scenario starts the program with a separate home directory."""
 
     def setUp(self):
         self.scenario = self._testMethodName.removeprefix("test_").replace("_", "-")
@@ -44,7 +44,7 @@ class Scenario(unittest.TestCase):
         person.tab = max(0, len(urls) - 1)
         wait_until(person.titles, "a window")
         self.addCleanup(self.keep_last_picture, person)
-        wait_until(person.focused, "the keyboard's focus")
+        wait_until(person.focused, "the keyboard focus")
         return person
 
     def keep_last_picture(self, person):
@@ -76,7 +76,7 @@ class Surroundings(unittest.TestCase):
 
 
 class Smoke(Scenario):
-    """Start, load, menu, second tab, hand-over, alert, quit."""
+    """The same short use of all parts of the program on X11 and on Wayland."""
 
     def test_smoke_x11(self):
         self.smoke(self.start())
@@ -175,7 +175,7 @@ class Browsing(Scenario):
             self.assertEqual(person.titles(), [PLAIN + "/first"])
             self.assertEqual(person.all(ALERT), [])
 
-        # The page itself is there, but not its image.
+        # The page has loaded, but its image has not.
         page, image = (f"https://{PLAIN}/{name}" for name in ("image-held", "held-image"))
         person.go(page)
         web.wait_for(image, 1)
@@ -313,37 +313,30 @@ def is_shown(object):
 
 
 class Accessibility(Scenario):
-    def start_with_two_tabs(self):
-        person = self.start(f"https://{PLAIN}/one", f"https://{PLAIN}/panels")
-        person.wait_for_title(PLAIN + "/panels")
-        return person
-
     def assert_named(self, person):
-        """Fails if a control has no role, or no name but that of its class."""
+        """Fails if a control has no role, or no name except that of its class."""
         unnamed = [object for object in person.objects()
                    if (object.role in CONTROLS or object.is_(FOCUSABLE) and not object.children) and is_shown(object)
                    and (not object.name or is_type_name(object.name) or object.role_name == "widget")]
         self.assertEqual(unnamed, [])
 
     def test_names_and_roles(self):
-        person = self.start_with_two_tabs()
+        person = self.start(f"https://{PLAIN}/one", f"https://{PLAIN}/panels")
+        person.wait_for_title(PLAIN + "/panels")
+        self.assert_named(person)
         for name in ("Back", "Forward", "Reload", "Bookmark this page", "New Tab", *BOOKMARKS):
             person.button(name)
         person.find(TEXT_FIELD, "Address")
         person.find(SEARCH_FIELD, "Search DuckDuckGo")
         for name in ("Keyloft", "File", "Edit", "View", "History", "Bookmarks", "Window"):
             person.find(MENU_ITEM, name)
+        for title in (PLAIN + "/one", PLAIN + "/panels"):
+            person.find(TAB, title)
         person.click_page()
         person.wait_for_sheet(PLAIN, "The first text")
         person.button("OK")
         person.press("Return")
         person.wait_for_sheet(PLAIN, "Are you sure?")
-        self.assert_named(person)
-
-    def test_names_and_roles_of_tabs(self):
-        person = self.start_with_two_tabs()
-        for title in (PLAIN + "/one", PLAIN + "/panels"):
-            person.find(TAB, title)
         self.assert_named(person)
 
     def test_tab_key_reaches_every_control_and_shows_where_it_is(self):
@@ -354,7 +347,7 @@ class Accessibility(Scenario):
             person.wait_for_title(f"{PLAIN}/{page}")
         person.press("ctrl+bracketleft")
         person.wait_for_title(PLAIN + "/two")
-        # The menus and the strip of tabs have keys of their own, which other scenarios press.
+        # Menus and the tab strip are operated with other keys, which other scenarios press.
         expected = {object.path: object for object in person.objects_of_tab()
                     if object.role in CONTROLS and object.is_(FOCUSABLE) and is_shown(object)}
         self.assertEqual(len(expected), 6 + len(BOOKMARKS))
@@ -367,19 +360,19 @@ class Accessibility(Scenario):
             person.press("Tab")
             focused = person.wait_for_focus_to_leave(focused)
             extents = focused.extents()
-            # The web engine shows which part of a page has the focus.
+            # WebKitGTK draws the focus inside a page.
             if not is_page(focused):
                 wait_until(lambda: area(person.pixels(), extents, 5) != area(before, extents, 5),
-                           f"the looks of {focused} change with the focus")
+                           f"the appearance of {focused} changes with the focus")
             before = person.pixels()
         self.assertEqual([object for path, object in expected.items() if path not in reached], [])
 
 
 class Appearance(Scenario):
-    """The window, a menu and an alert in different looks."""
+    """The window, a menu and an alert with different settings of the desktop."""
 
     def settings(self, text):
-        """Writes settings of the desktop."""
+        """Writes settings of the desktop, which the next program that starts reads."""
         file = self.home / ".config/glib-2.0/settings/keyfile"
         file.parent.mkdir(parents=True, exist_ok=True)
         file.write_text(text)
@@ -409,7 +402,7 @@ class Appearance(Scenario):
         self.quit(person)
 
     def assert_layout(self, person):
-        """Fails if a control is outside of the window, overlaps another one, or is smaller than its label."""
+        """Fails if a control is partly outside the window, overlaps another control, or is smaller than its label."""
         shown = [(object, object.extents()) for object in person.objects()
                  if object.role in (*CONTROLS, LABEL) and is_shown(object)]
         _, _, width, height = person.windows()[0].extents()
@@ -456,7 +449,7 @@ class Appearance(Scenario):
         self.assertTrue(area(self.window, field) != area(ordinary, field), "the address field has a border")
 
     def test_large_text(self):
-        # On X11 this setting needs the desktop's settings daemon.
+        # On X11, this setting requires a settings daemon.
         weston = environment.start_weston()
         self.addCleanup(weston.stop)
         wayland = {"WAYLAND_DISPLAY": environment.WAYLAND_DISPLAY, "DISPLAY": ""}

@@ -1,4 +1,4 @@
-"""The World Wide Web of the suite: every host is this server, on port 443 of the loopback interface."""
+"""The web server of the suite, which serves all hosts on port 443 of the loopback interface."""
 
 import collections
 import http.server
@@ -34,8 +34,8 @@ BODIES = {
 
 
 class Web:
-    """`requests` counts the requests for each URL. A page whose path begins with "/held" is sent when the scenario
-    releases it."""
+    """Counts the requests for each URL in `requests`. Does not send a page whose path begins with "/held" until the
+    scenario releases it."""
 
     def __init__(self, identity, strangers_identity):
         self.requests = collections.Counter()
@@ -51,14 +51,14 @@ class Web:
         class Server(http.server.ThreadingHTTPServer):
             def get_request(self):
                 connection, address = super().get_request()
-                # The handshake belongs to the connection's thread.
+                # Perform the handshake on the connection's thread.
                 return trusted.wrap_socket(connection, server_side=True, do_handshake_on_connect=False), address
 
             def shutdown_request(self, request):
-                self.close_request(request)  # without the orderly end, which a reset must not have
+                self.close_request(request)  # the default first sends a FIN, which prevents a reset
 
             def handle_error(self, request, address):
-                pass  # the program has refused the certificate or closed the connection
+                pass  # the browser has refused the certificate or closed the connection
 
         class Handler(http.server.BaseHTTPRequestHandler):
             def do_GET(self):
