@@ -1,8 +1,17 @@
 #include "Platform/AppKit/View.h"
 
+#include "Platform/AppKit/MainThread.h"
 #include "Platform/Foundation/MakeShared.h"
 
+#include <cstddef>
+
 namespace Platform {
+
+namespace {
+
+std::size_t indexOf(Orientation orientation) { return orientation == Orientation::horizontal ? 0 : 1; }
+
+} // namespace
 
 std::shared_ptr<View> View::create() { return makeShared<View>(); }
 std::shared_ptr<Box> Box::createSeparator() { return makeShared<Box>(); }
@@ -13,6 +22,95 @@ std::shared_ptr<Window> View::window() const {
         window = view->window_.lock();
     }
     return window;
+}
+
+View::View(std::string_view className)
+    : className_(className) {
+    assertMainThread("View");
+}
+
+View::~View() = default;
+
+void View::setHidden(bool hidden) {
+    assertMainThread("View::setHidden");
+    hidden_ = hidden;
+    if (native_) {
+        applyHidden();
+    }
+}
+
+void View::setBackgroundColor(Color color) {
+    assertMainThread("View::setBackgroundColor");
+    backgroundColor_ = color;
+    if (native_) {
+        applyBackgroundColor();
+    }
+}
+
+void View::setAccessibilityLabel(const std::string& label) {
+    assertMainThread("View::setAccessibilityLabel");
+    accessibilityLabel_ = label;
+    if (native_) {
+        applyAccessibilityLabel();
+    }
+}
+
+void View::setAccessibilityProgress(double fraction) {
+    assertMainThread("View::setAccessibilityProgress");
+    accessibilityProgress_ = fraction;
+    if (native_) {
+        applyAccessibilityProgress();
+    }
+}
+
+void View::setToolTip(const std::string& toolTip) {
+    assertMainThread("View::setToolTip");
+    toolTip_ = toolTip;
+    if (native_) {
+        applyToolTip();
+    }
+}
+
+void View::setFixedLength(double length, Orientation orientation) {
+    assertMainThread("View::setFixedLength");
+    fixedLengths_[indexOf(orientation)] = length;
+    if (native_) {
+        applyFixedLength(orientation);
+    }
+}
+
+void View::setExpands(Orientation orientation) {
+    assertMainThread("View::setExpands");
+    expands_[indexOf(orientation)] = true;
+    if (native_) {
+        applyExpansion(orientation);
+    }
+}
+
+View::Native& View::native() {
+    assertMainThread("View::native");
+    if (!native_) {
+        native_ = makeNative();
+        attachNative();
+        applyHidden();
+        for (const Orientation orientation : {Orientation::horizontal, Orientation::vertical}) {
+            applyFixedLength(orientation);
+            applyExpansion(orientation);
+        }
+        if (backgroundColor_ != Color::none) {
+            applyBackgroundColor();
+        }
+        if (!toolTip_.empty()) {
+            applyToolTip();
+        }
+        if (!accessibilityLabel_.empty()) {
+            applyAccessibilityLabel();
+        }
+        if (accessibilityProgress_) {
+            applyAccessibilityProgress();
+        }
+    }
+    return *native_;
 }
 
 } // namespace Platform

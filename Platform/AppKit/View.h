@@ -99,6 +99,16 @@ private:
     friend class Window;
 
     void addNativeSubview(View& subview);
+    /// Links a new native side to this view, so that it can be found from the native side.
+    void attachNative();
+    // Apply a property to the native side, which exists.
+    void applyHidden() const;
+    void applyBackgroundColor() const;
+    void applyAccessibilityLabel() const;
+    void applyAccessibilityProgress() const;
+    void applyToolTip();
+    void applyFixedLength(Orientation orientation) const;
+    void applyExpansion(Orientation orientation) const;
 
     std::string className_;
     std::weak_ptr<View> superview_;

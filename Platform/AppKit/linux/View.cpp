@@ -1,12 +1,10 @@
 #include "Platform/AppKit/View.h"
 
-#include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 
 namespace Platform {
 
@@ -17,8 +15,6 @@ GQuark viewQuark() {
     return quark;
 }
 
-std::size_t indexOf(Orientation orientation) { return orientation == Orientation::horizontal ? 0 : 1; }
-
 GtkWidget* widgetIfMade(const View& view) {
     return view.nativeIfMade() ? view.nativeIfMade()->widget.get() : nullptr;
 }
@@ -27,42 +23,6 @@ gboolean queryToolTip(GtkWidget* /*widget*/, int /*x*/, int /*y*/, gboolean /*by
                       gpointer view) {
     gtk_tooltip_set_text(shown, toolTipText(static_cast<View*>(view)->toolTip()).c_str());
     return TRUE;
-}
-
-/// Handles `query-tooltip` instead of setting GTK's tool tip text. Each call to `gtk_widget_set_tooltip_text`
-/// queries the display for the pointer's position and waits for the reply, which adds up to hundreds of round
-/// trips for a bookmarks bar (seen with GTK 4.8.3, not reported).
-void applyToolTip(View& view, View::Native& native) {
-    GtkWidget* widget = native.widget.get();
-    gtk_widget_set_has_tooltip(widget, !view.toolTip().empty());
-    gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION,
-                                   toolTipText(view.toolTip()).c_str(), -1);
-    native.toolTipConnection = SignalConnection(widget, "query-tooltip", G_CALLBACK(queryToolTip), &view);
-}
-
-void applyAccessibilityProgress(GtkWidget* widget, double fraction) {
-    gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_VALUE_MAX, 1.0,
-                                   GTK_ACCESSIBLE_PROPERTY_VALUE_MIN, 0.0, GTK_ACCESSIBLE_PROPERTY_VALUE_NOW,
-                                   fraction, -1);
-}
-
-void applyBackgroundColor(GtkWidget* widget, Color color) {
-    if (color == Color::controlAccent) {
-        gtk_widget_add_css_class(widget, "keyloft-accent");
-    } else {
-        gtk_widget_remove_css_class(widget, "keyloft-accent");
-    }
-}
-
-void applyFixedLengths(GtkWidget* widget, const std::array<std::optional<double>, 2>& lengths) {
-    gtk_widget_set_size_request(widget, static_cast<int>(lengths[0].value_or(-1)),
-                                static_cast<int>(lengths[1].value_or(-1)));
-}
-
-/// Sets the expansion in both directions, because otherwise GTK expands a widget whose children expand.
-void applyExpansion(GtkWidget* widget, const std::array<bool, 2>& expands) {
-    gtk_widget_set_hexpand(widget, expands[0]);
-    gtk_widget_set_vexpand(widget, expands[1]);
 }
 
 } // namespace
@@ -105,13 +65,6 @@ View* viewOfWidget(GtkWidget* widget) {
     }
     return nullptr;
 }
-
-View::View(std::string_view className)
-    : className_(className) {
-    assertMainThread("View");
-}
-
-View::~View() = default;
 
 void View::addSubview(const std::shared_ptr<View>& view) {
     view->removeFromSuperview();
@@ -160,56 +113,51 @@ void View::setFrame(const Rect& frame) {
     }
 }
 
-void View::setHidden(bool hidden) {
-    if (hidden_ == hidden) {
-        return;
-    }
-    hidden_ = hidden;
-    if (GtkWidget* widget = widgetIfMade(*this)) {
-        gtk_widget_set_visible(widget, !hidden);
+void View::attachNative() { g_object_set_qdata(G_OBJECT(native_->widget.get()), viewQuark(), this); }
+
+void View::applyHidden() const { gtk_widget_set_visible(native_->widget.get(), !hidden_); }
+
+void View::applyBackgroundColor() const {
+    if (backgroundColor_ == Color::controlAccent) {
+        gtk_widget_add_css_class(native_->widget.get(), "keyloft-accent");
+    } else {
+        gtk_widget_remove_css_class(native_->widget.get(), "keyloft-accent");
     }
 }
 
-void View::setBackgroundColor(Color color) {
-    backgroundColor_ = color;
-    if (GtkWidget* widget = widgetIfMade(*this)) {
-        applyBackgroundColor(widget, color);
+void View::applyAccessibilityLabel() const { setAccessibleName(native_->widget.get(), accessibilityLabel_); }
+
+void View::applyAccessibilityProgress() const {
+    GtkWidget* widget = native_->widget.get();
+    if (!gtk_widget_get_root(widget)) { // GTK permits setting a role only outside of a window
+        g_object_set(widget, "accessible-role", GTK_ACCESSIBLE_ROLE_PROGRESS_BAR, nullptr);
     }
+    gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_VALUE_MAX, 1.0,
+                                   GTK_ACCESSIBLE_PROPERTY_VALUE_MIN, 0.0, GTK_ACCESSIBLE_PROPERTY_VALUE_NOW,
+                                   *accessibilityProgress_, -1);
 }
 
-void View::setAccessibilityLabel(const std::string& label) {
-    accessibilityLabel_ = label;
-    if (GtkWidget* widget = widgetIfMade(*this)) {
-        setAccessibleName(widget, label);
-    }
+/// Handles `query-tooltip` instead of setting GTK's tool tip text. Each call to `gtk_widget_set_tooltip_text`
+/// queries the display for the pointer's position and waits for the reply, which adds up to hundreds of round
+/// trips for a bookmarks bar (seen with GTK 4.8.3, not reported).
+void View::applyToolTip() {
+    GtkWidget* widget = native_->widget.get();
+    gtk_widget_set_has_tooltip(widget, !toolTip_.empty());
+    gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION,
+                                   toolTipText(toolTip_).c_str(), -1);
+    native_->toolTipConnection = SignalConnection(widget, "query-tooltip", G_CALLBACK(queryToolTip), this);
 }
 
-void View::setAccessibilityProgress(double fraction) {
-    accessibilityProgress_ = fraction;
-    if (GtkWidget* widget = widgetIfMade(*this)) {
-        applyAccessibilityProgress(widget, fraction);
-    }
+void View::applyFixedLength(Orientation /*orientation*/) const {
+    gtk_widget_set_size_request(native_->widget.get(), static_cast<int>(fixedLengths_[0].value_or(-1)),
+                                static_cast<int>(fixedLengths_[1].value_or(-1)));
 }
 
-void View::setToolTip(const std::string& toolTip) {
-    toolTip_ = toolTip;
-    if (native_) {
-        applyToolTip(*this, *native_);
-    }
-}
-
-void View::setFixedLength(double length, Orientation orientation) {
-    fixedLengths_[indexOf(orientation)] = length;
-    if (GtkWidget* widget = widgetIfMade(*this)) {
-        applyFixedLengths(widget, fixedLengths_);
-    }
-}
-
-void View::setExpands(Orientation orientation) {
-    expands_[indexOf(orientation)] = true;
-    if (GtkWidget* widget = widgetIfMade(*this)) {
-        applyExpansion(widget, expands_);
-    }
+/// Also resets the expansion, because otherwise GTK expands a widget whose children expand.
+void View::applyExpansion(Orientation orientation) const {
+    const bool isHorizontal = orientation == Orientation::horizontal;
+    const auto apply = isHorizontal ? gtk_widget_set_hexpand : gtk_widget_set_vexpand;
+    apply(native_->widget.get(), expands_[isHorizontal ? 0 : 1]);
 }
 
 void View::setNeedsLayout() {
@@ -217,32 +165,6 @@ void View::setNeedsLayout() {
     if (native_ && !native_->isPlacing) {
         gtk_widget_queue_allocate(native_->widget.get());
     }
-}
-
-View::Native& View::native() {
-    assertMainThread("View::native");
-    if (!native_) {
-        native_ = makeNative();
-        GtkWidget* widget = native_->widget.get();
-        g_object_set_qdata(G_OBJECT(widget), viewQuark(), this);
-        gtk_widget_set_visible(widget, !hidden_);
-        applyFixedLengths(widget, fixedLengths_);
-        applyExpansion(widget, expands_);
-        if (backgroundColor_ != Color::none) {
-            applyBackgroundColor(widget, backgroundColor_);
-        }
-        if (!toolTip_.empty()) {
-            applyToolTip(*this, *native_);
-        }
-        if (!accessibilityLabel_.empty()) {
-            setAccessibleName(widget, accessibilityLabel_);
-        }
-        if (accessibilityProgress_) {
-            g_object_set(widget, "accessible-role", GTK_ACCESSIBLE_ROLE_PROGRESS_BAR, nullptr);
-            applyAccessibilityProgress(widget, *accessibilityProgress_);
-        }
-    }
-    return *native_;
 }
 
 std::unique_ptr<View::Native> View::makeNative() {

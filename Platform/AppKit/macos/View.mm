@@ -10,7 +10,6 @@
 #import <QuartzCore/QuartzCore.h>
 
 #include <algorithm>
-#include <cstddef>
 
 static void layOut(NSView* native) noexcept {
     if (const auto view = Platform::viewOf(native)) {
@@ -46,43 +45,12 @@ namespace Platform {
 
 namespace {
 
-std::size_t indexOf(Orientation orientation) { return orientation == Orientation::horizontal ? 0 : 1; }
 NSRect toNSRect(const Rect& rect) { return NSMakeRect(rect.x, rect.y, rect.width, rect.height); }
 
 /// Returns nil if the native view has not been created yet.
 NSView* nsViewOf(const View& view) {
     const View::Native* const native = view.nativeIfMade();
     return native != nullptr ? native->view : nil;
-}
-
-void applyToolTip(NSView* native, const std::string& toolTip) {
-    native.toolTip = toolTip.empty() ? nil : toNSString(toolTip);
-}
-
-void applyBackgroundColor(NSView* native, Color color) {
-    native.wantsLayer = YES;
-    native.layer.backgroundColor =
-        color == Color::controlAccent ? NSColor.controlAccentColor.CGColor : nullptr;
-}
-
-void applyAccessibilityProgress(NSView* native, double fraction) {
-    native.accessibilityElement = YES;
-    native.accessibilityRole = NSAccessibilityProgressIndicatorRole;
-    native.accessibilityMinValue = @0;
-    native.accessibilityMaxValue = @1;
-    native.accessibilityValue = @(fraction);
-}
-
-void fixLength(NSView* view, double length, Orientation orientation) {
-    constrainEqual(view,
-                   orientation == Orientation::horizontal ? NSLayoutAttributeWidth : NSLayoutAttributeHeight,
-                   nil, length);
-}
-
-void expand(NSView* view, Orientation orientation) {
-    constexpr NSLayoutPriority least = 1;
-    [view setContentHuggingPriority:least forOrientation:toNSOrientation(orientation)];
-    [view setContentCompressionResistancePriority:least forOrientation:toNSOrientation(orientation)];
 }
 
 } // namespace
@@ -103,13 +71,6 @@ NSLayoutConstraintOrientation toNSOrientation(Orientation orientation) {
     return orientation == Orientation::horizontal ? NSLayoutConstraintOrientationHorizontal
                                                   : NSLayoutConstraintOrientationVertical;
 }
-
-View::View(std::string_view className)
-    : className_(className) {
-    assertMainThread("View");
-}
-
-View::~View() = default;
 
 void View::addSubview(const std::shared_ptr<View>& view) {
     assertMainThread("View::addSubview");
@@ -165,93 +126,56 @@ void View::setFrame(const Rect& frame) {
     nsViewOf(*this).frame = toNSRect(frame);
 }
 
-void View::setHidden(bool hidden) {
-    assertMainThread("View::setHidden");
-    hidden_ = hidden;
-    nsViewOf(*this).hidden = hidden;
-}
-
-void View::setBackgroundColor(Color color) {
-    assertMainThread("View::setBackgroundColor");
-    backgroundColor_ = color;
-    if (NSView* const native = nsViewOf(*this); native != nil) {
-        applyBackgroundColor(native, color);
+void View::attachNative() {
+    setReference(native_->view, weak_from_this());
+    for (const auto& subview : subviews_) {
+        addNativeSubview(*subview);
     }
 }
 
-void View::setAccessibilityLabel(const std::string& label) {
-    assertMainThread("View::setAccessibilityLabel");
-    accessibilityLabel_ = label;
-    nsViewOf(*this).accessibilityLabel = toNSString(label);
+void View::applyHidden() const { native_->view.hidden = hidden_; }
+
+void View::applyBackgroundColor() const {
+    native_->view.wantsLayer = YES;
+    native_->view.layer.backgroundColor =
+        backgroundColor_ == Color::controlAccent ? NSColor.controlAccentColor.CGColor : nullptr;
 }
 
-void View::setAccessibilityProgress(double fraction) {
-    assertMainThread("View::setAccessibilityProgress");
-    accessibilityProgress_ = fraction;
-    if (NSView* const native = nsViewOf(*this); native != nil) {
-        applyAccessibilityProgress(native, fraction);
+void View::applyAccessibilityLabel() const {
+    native_->view.accessibilityLabel = toNSString(accessibilityLabel_);
+}
+
+void View::applyAccessibilityProgress() const {
+    NSView* const view = native_->view;
+    view.accessibilityElement = YES;
+    view.accessibilityRole = NSAccessibilityProgressIndicatorRole;
+    view.accessibilityMinValue = @0;
+    view.accessibilityMaxValue = @1;
+    view.accessibilityValue = @(*accessibilityProgress_);
+}
+
+void View::applyToolTip() { native_->view.toolTip = toolTip_.empty() ? nil : toNSString(toolTip_); }
+
+void View::applyFixedLength(Orientation orientation) const {
+    const bool isWidth = orientation == Orientation::horizontal;
+    if (const auto length = fixedLengths_[isWidth ? 0 : 1]) {
+        constrainEqual(native_->view, isWidth ? NSLayoutAttributeWidth : NSLayoutAttributeHeight, nil,
+                       *length);
     }
 }
 
-void View::setToolTip(const std::string& toolTip) {
-    assertMainThread("View::setToolTip");
-    toolTip_ = toolTip;
-    if (NSView* const native = nsViewOf(*this); native != nil) {
-        applyToolTip(native, toolTip);
+void View::applyExpansion(Orientation orientation) const {
+    if (!expands_[orientation == Orientation::horizontal ? 0 : 1]) {
+        return;
     }
-}
-
-void View::setFixedLength(double length, Orientation orientation) {
-    assertMainThread("View::setFixedLength");
-    fixedLengths_[indexOf(orientation)] = length;
-    if (NSView* const native = nsViewOf(*this); native != nil) {
-        fixLength(native, length, orientation);
-    }
-}
-
-void View::setExpands(Orientation orientation) {
-    assertMainThread("View::setExpands");
-    expands_[indexOf(orientation)] = true;
-    if (NSView* const native = nsViewOf(*this); native != nil) {
-        expand(native, orientation);
-    }
+    constexpr NSLayoutPriority least = 1;
+    [native_->view setContentHuggingPriority:least forOrientation:toNSOrientation(orientation)];
+    [native_->view setContentCompressionResistancePriority:least forOrientation:toNSOrientation(orientation)];
 }
 
 void View::setNeedsLayout() {
     assertMainThread("View::setNeedsLayout");
     nsViewOf(*this).needsLayout = YES;
-}
-
-View::Native& View::native() {
-    assertMainThread("View::native");
-    if (native_ == nullptr) {
-        native_ = makeNative();
-        NSView* const made = native_->view;
-        setReference(made, weak_from_this());
-        made.hidden = hidden_;
-        if (backgroundColor_ != Color::none) {
-            applyBackgroundColor(made, backgroundColor_);
-        }
-        applyToolTip(made, toolTip_);
-        if (!accessibilityLabel_.empty()) {
-            made.accessibilityLabel = toNSString(accessibilityLabel_);
-        }
-        if (accessibilityProgress_) {
-            applyAccessibilityProgress(made, *accessibilityProgress_);
-        }
-        for (const Orientation orientation : {Orientation::horizontal, Orientation::vertical}) {
-            if (const auto length = fixedLengths_[indexOf(orientation)]) {
-                fixLength(made, *length, orientation);
-            }
-            if (expands_[indexOf(orientation)]) {
-                expand(made, orientation);
-            }
-        }
-        for (const auto& subview : subviews_) {
-            addNativeSubview(*subview);
-        }
-    }
-    return *native_;
 }
 
 std::unique_ptr<View::Native> View::makeNative() {
