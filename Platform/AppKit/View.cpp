@@ -3,15 +3,7 @@
 #include "Platform/AppKit/MainThread.h"
 #include "Platform/Foundation/MakeShared.h"
 
-#include <cstddef>
-
 namespace Platform {
-
-namespace {
-
-std::size_t indexOf(Orientation orientation) { return orientation == Orientation::horizontal ? 0 : 1; }
-
-} // namespace
 
 std::shared_ptr<View> View::create() { return makeShared<View>(); }
 std::shared_ptr<Box> Box::createSeparator() { return makeShared<Box>(); }

@@ -98,6 +98,7 @@ protected:
 private:
     friend class Window;
 
+    static std::size_t indexOf(Orientation orientation) { return static_cast<std::size_t>(orientation); }
     void addNativeSubview(View& subview);
     /// Links a new native side to this view, so that it can be found from the native side.
     void attachNative();

@@ -155,9 +155,9 @@ void View::applyFixedLength(Orientation /*orientation*/) const {
 
 /// Also resets the expansion, because otherwise GTK expands a widget whose children expand.
 void View::applyExpansion(Orientation orientation) const {
-    const bool isHorizontal = orientation == Orientation::horizontal;
-    const auto apply = isHorizontal ? gtk_widget_set_hexpand : gtk_widget_set_vexpand;
-    apply(native_->widget.get(), expands_[isHorizontal ? 0 : 1]);
+    const auto apply =
+        orientation == Orientation::horizontal ? gtk_widget_set_hexpand : gtk_widget_set_vexpand;
+    apply(native_->widget.get(), expands_[indexOf(orientation)]);
 }
 
 void View::setNeedsLayout() {

@@ -172,6 +172,11 @@ void Application::activateIgnoringOtherApps() {
     [nativeApplication() activateIgnoringOtherApps:YES];
 }
 
+// NSUserDefaults reads "-name value" pairs as defaults. Older versions of Launch Services add "-psn_0_1".
+bool isSystemArgument(std::string_view argument) {
+    return argument.starts_with('-') && !argument.starts_with("--");
+}
+
 std::shared_ptr<Responder> targetForAction(Action action) {
     assertMainThread("targetForAction");
     return responderOf([nativeApplication() targetForAction:selectorFor(action)]);

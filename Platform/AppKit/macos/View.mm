@@ -158,14 +158,14 @@ void View::applyToolTip() { native_->view.toolTip = toolTip_.empty() ? nil : toN
 
 void View::applyFixedLength(Orientation orientation) const {
     const bool isWidth = orientation == Orientation::horizontal;
-    if (const auto length = fixedLengths_[isWidth ? 0 : 1]) {
+    if (const auto length = fixedLengths_[indexOf(orientation)]) {
         constrainEqual(native_->view, isWidth ? NSLayoutAttributeWidth : NSLayoutAttributeHeight, nil,
                        *length);
     }
 }
 
 void View::applyExpansion(Orientation orientation) const {
-    if (!expands_[orientation == Orientation::horizontal ? 0 : 1]) {
+    if (!expands_[indexOf(orientation)]) {
         return;
     }
     constexpr NSLayoutPriority least = 1;

@@ -14,6 +14,10 @@ namespace Platform {
 /// emits an error when its media player takes over the load of an audio or video file.
 std::optional<Error> loadError(const GError& error, const char* failingURI);
 
+/// Returns true if `uri` is an http or https URL with a port that is reserved for another protocol and
+/// blocked for web pages. WebKitGTK 2.50.6 shows an empty page instead of reporting a failure (not reported).
+bool usesRestrictedPort(const char* uri);
+
 /// Create errors for failures for which WebKitGTK does not define an error.
 Error timedOutError(const std::optional<std::string>& failingURL);
 Error restrictedPortError(const std::optional<std::string>& failingURL);

@@ -3,7 +3,6 @@
 #include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/WebKit/linux/LoadError.h"
-#include "Platform/WebKit/linux/RestrictedPort.h"
 #include "Platform/WebKit/linux/SafeAnswers.h"
 #include "Platform/WebKit/linux/ScriptDialog.h"
 #include "Platform/WebKit/linux/WebViewConfigurationNative.h"

@@ -1,7 +1,5 @@
 #include "Platform/WebKit/linux/LoadError.h"
 
-#include "Platform/WebKit/linux/RestrictedPort.h"
-
 #include <gio/gio.h>
 #include <gtest/gtest.h>
 #include <webkit/webkit.h>
