@@ -16,13 +16,6 @@ std::shared_ptr<Window> View::window() const {
     return window;
 }
 
-View::View(std::string_view className)
-    : className_(className) {
-    assertMainThread("View");
-}
-
-View::~View() = default;
-
 void View::setHidden(bool hidden) {
     assertMainThread("View::setHidden");
     hidden_ = hidden;
@@ -82,8 +75,7 @@ void View::setExpands(Orientation orientation) {
 View::Native& View::native() {
     assertMainThread("View::native");
     if (!native_) {
-        native_ = makeNative();
-        attachNative();
+        createNative();
         applyHidden();
         for (const Orientation orientation : {Orientation::horizontal, Orientation::vertical}) {
             applyFixedLength(orientation);

@@ -100,8 +100,8 @@ private:
 
     static std::size_t indexOf(Orientation orientation) { return static_cast<std::size_t>(orientation); }
     void addNativeSubview(View& subview);
-    /// Links a new native side to this view, so that it can be found from the native side.
-    void attachNative();
+    /// Creates the native side and makes the view available from it.
+    void createNative();
     // Apply a property to the native side, which exists.
     void applyHidden() const;
     void applyBackgroundColor() const;

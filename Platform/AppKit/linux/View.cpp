@@ -1,5 +1,6 @@
 #include "Platform/AppKit/View.h"
 
+#include "Platform/AppKit/MainThread.h"
 #include "Platform/AppKit/linux/Style.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 
@@ -66,6 +67,13 @@ View* viewOfWidget(GtkWidget* widget) {
     return nullptr;
 }
 
+View::View(std::string_view className)
+    : className_(className) {
+    assertMainThread("View");
+}
+
+View::~View() = default;
+
 void View::addSubview(const std::shared_ptr<View>& view) {
     view->removeFromSuperview();
     subviews_.push_back(view);
@@ -113,7 +121,10 @@ void View::setFrame(const Rect& frame) {
     }
 }
 
-void View::attachNative() { g_object_set_qdata(G_OBJECT(native_->widget.get()), viewQuark(), this); }
+void View::createNative() {
+    native_ = makeNative();
+    g_object_set_qdata(G_OBJECT(native_->widget.get()), viewQuark(), this);
+}
 
 void View::applyHidden() const { gtk_widget_set_visible(native_->widget.get(), !hidden_); }
 

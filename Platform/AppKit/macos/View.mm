@@ -72,6 +72,13 @@ NSLayoutConstraintOrientation toNSOrientation(Orientation orientation) {
                                                   : NSLayoutConstraintOrientationVertical;
 }
 
+View::View(std::string_view className)
+    : className_(className) {
+    assertMainThread("View");
+}
+
+View::~View() = default;
+
 void View::addSubview(const std::shared_ptr<View>& view) {
     assertMainThread("View::addSubview");
     view->removeFromSuperview();
@@ -126,7 +133,8 @@ void View::setFrame(const Rect& frame) {
     nsViewOf(*this).frame = toNSRect(frame);
 }
 
-void View::attachNative() {
+void View::createNative() {
+    native_ = makeNative();
     setReference(native_->view, weak_from_this());
     for (const auto& subview : subviews_) {
         addNativeSubview(*subview);
