@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -21,9 +22,13 @@ struct Alert {
     static constexpr std::size_t firstButton = 0;
 
     /// Returns the index of the last button, which is reported if the window closes before the user answers.
-    std::size_t safeButton() const;
+    std::size_t safeButton() const { return buttonTitles.size() - 1; }
     /// Returns the index of the button that Escape activates: "Cancel" if it exists, or else the safe button.
-    std::size_t escapeButton() const;
+    std::size_t escapeButton() const {
+        const auto cancel = std::ranges::find(buttonTitles, "Cancel");
+        return cancel == buttonTitles.end() ? safeButton()
+                                            : static_cast<std::size_t>(cancel - buttonTitles.begin());
+    }
 
     /// Called exactly once with the index of the chosen button.
     using Completion = std::function<void(std::size_t button)>;

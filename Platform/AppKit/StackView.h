@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/AppKit/View.h"
+#include "Platform/Foundation/MakeShared.h"
 
 namespace Platform {
 
@@ -12,7 +13,9 @@ class StackView : public View {
 public:
     /// `spacing` is the distance between adjacent subviews, in points.
     static std::shared_ptr<StackView> create(Orientation orientation, double spacing = 8,
-                                             const EdgeInsets& insets = {});
+                                             const EdgeInsets& insets = {}) {
+        return makeShared<StackView>(orientation, spacing, insets);
+    }
 
     void addArrangedSubview(const std::shared_ptr<View>& view) { addSubview(view); }
     const std::vector<std::shared_ptr<View>>& arrangedSubviews() const { return subviews(); }

@@ -8,7 +8,7 @@
 #include "Platform/AppKit/linux/ApplicationNative.h"
 #include "Platform/AppKit/linux/SignalHandler.h"
 #include "Platform/AppKit/linux/Style.h"
-#include "Platform/AppKit/linux/TabDrag.h"
+#include "Platform/AppKit/linux/TabStrip.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/DiagnosticLog.h"
 

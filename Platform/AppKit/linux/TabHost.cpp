@@ -2,7 +2,7 @@
 
 #include "Platform/AppKit/linux/Minimizing.h"
 #include "Platform/AppKit/linux/SignalHandler.h"
-#include "Platform/AppKit/linux/TabAccessibility.h"
+#include "Platform/AppKit/linux/TabStrip.h"
 #include "Platform/AppKit/linux/ViewNative.h"
 #include "Platform/AppKit/linux/WindowNative.h"
 #include "Platform/Foundation/MakeShared.h"
