@@ -8,8 +8,7 @@
 
 namespace Platform {
 
-/// A message with buttons, shown as a sheet on a window or tab, or as a modal dialog. A value type: showing
-/// an alert copies it. Main thread only.
+/// A message with buttons, shown as a sheet on a window or as a modal dialog. A plain value type.
 struct Alert {
     enum class Style { warning, informational };
 

@@ -25,8 +25,8 @@ public:
     /// given. May be called before `applicationDidFinishLaunching`.
     virtual void applicationOpenURLs(const std::vector<URL>& urls) = 0;
 
-    /// Called when the user launches the program again or clicks its icon. Return true for the default
-    /// behaviour, which brings the visible windows to the front.
+    /// Called when the user launches the program again. Return true to bring the visible windows to the
+    /// front.
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
 
     /// Return true to terminate the application when its last window closes.

@@ -3,8 +3,8 @@
 namespace Platform {
 
 /// Aborts the process with a message that names `operation`, unless called on the main thread. Entry points
-/// of AppKit and WebKit call this function, so that a violation is reported immediately instead of corrupting
-/// the state of GTK or AppKit.
+/// of AppKit and WebKit call this function, so that a violation is reported instead of corrupting GTK or
+/// AppKit.
 void assertMainThread(const char* operation);
 
 } // namespace Platform

@@ -12,15 +12,14 @@ namespace Platform {
 
 class Menu;
 
-/// The modifiers of a key equivalent, except Shift, which an upper-case letter or a shifted character
-/// implies. On Linux, Command is Control and Option is Alt.
+/// The modifiers of a key equivalent; its character implies Shift. On Linux, Command is Control and Option is
+/// Alt.
 enum class ModifierFlags { command, optionCommand };
 
 /// A menu item. It has no target; its action is sent along the responder chain.
 class MenuItem {
 public:
-    /// Creates an item. An item with neither an action nor a submenu is disabled. `keyEquivalent` is a single
-    /// character, or empty if the item has no key equivalent.
+    /// An item with neither an action nor a submenu is disabled. `keyEquivalent` is a character or empty.
     static std::shared_ptr<MenuItem> create(const std::string& title, std::optional<Action> action,
                                             const std::string& keyEquivalent = "");
     /// Creates a separator, a line between groups of items.

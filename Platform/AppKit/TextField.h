@@ -15,14 +15,12 @@ class TextFieldDelegate {
 public:
     virtual ~TextFieldDelegate() = default;
 
-    /// Called when the user first changes the text, by typing, pasting or composing with an input method.
-    /// `setStringValue` does not begin an edit.
+    /// Called when the user, not `setStringValue`, first changes the text or composes with an input method.
     virtual void controlTextDidBeginEditing(TextField& field) = 0;
 
     /// Called when an edit ends: on Return, right before the field's action is sent; on Escape; or when
     /// another control of the same window gets the focus. Opening a menu, or switching to another tab, window
-    /// or program, does not end an edit. Also called if the text has not changed since the field got the
-    /// focus or since the last edit ended.
+    /// or program, does not end an edit. Also called if the text has not changed.
     virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;
 };
 

@@ -56,8 +56,8 @@ public:
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
-    /// Presents the view to assistive technology as a progress indicator at `fraction`, from 0 to 1. The
-    /// first call must precede the creation of the native side.
+    /// Presents the view to assistive technology as a progress indicator, from 0 to 1. Call it first before
+    /// the view is shown.
     void setAccessibilityProgress(double fraction);
 
     /// The tool tip, or an empty string if the view has no tool tip.

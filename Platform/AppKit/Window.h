@@ -83,15 +83,13 @@ public:
 
     /// Shows the window, selects its tab and gives it the keyboard focus.
     void makeKeyAndOrderFront();
-    /// Hides the window; on Linux, also hides all other tabs of its native window. The content keeps running,
-    /// and the window can be shown again.
+    /// Hides the window and, on Linux, all other tabs of its native window. The content keeps running.
     void orderOut();
 
     /// Returns true if the window is on the screen and, if it is a tab, selected.
     bool isVisible() const;
 
-    /// The view that has the keyboard focus while this window is the key window. The window remembers it
-    /// while another window is the key window.
+    /// The view that has the keyboard focus whenever this window is the key window.
     void makeFirstResponder(const std::shared_ptr<View>& view);
     std::shared_ptr<View> firstResponder() const;
 

@@ -8,8 +8,7 @@
 /// Functions for UTF-8 strings. Those that decode a string treat an ill-formed sequence as one U+FFFD.
 namespace Platform {
 
-/// Returns the number of user-perceived characters (extended grapheme clusters; CR LF counts as one). Only
-/// the first 2 GiB of a longer string are counted.
+/// Returns the number of extended grapheme clusters (CR LF counts as one) in the first 2 GiB of a string.
 std::size_t characterCount(std::string_view text);
 
 /// Returns the first `count` user-perceived characters, or all of `text` if it has fewer.

@@ -39,12 +39,10 @@ public:
     /// The shared file manager of the process.
     static const FileManager& defaultManager();
 
-    /// The user's home directory. On Linux, the value of `HOME` or, if it is not an absolute path, the home
-    /// directory in the user database.
+    /// The user's home directory. On Linux, `HOME` or, if it is not absolute, the one in the user database.
     URL homeDirectory() const;
 
-    /// The directory for application data: `Library/Application Support` in the home directory, on every
-    /// platform. The directory is not created.
+    /// The directory for application data, `Library/Application Support` in the home directory. Not created.
     URL applicationSupportDirectory() const;
 
     /// Creates a directory and any missing parents. Does nothing if the directory already exists. Each new
@@ -52,8 +50,7 @@ public:
     /// Existing directories keep their permissions. Throws FileError.
     void createDirectory(const std::string& path, std::optional<mode_t> permissions = std::nullopt) const;
 
-    /// Returns the complete contents of a regular file. Follows symbolic links. Fails without blocking if
-    /// the file is a pipe or a device. Throws FileError.
+    /// Returns the contents of a regular file. Follows symbolic links. Throws FileError, also for a pipe.
     std::string contents(const std::string& path) const;
 
     /// Replaces the contents of a file atomically: a reader, or a restart after a crash, finds either the

@@ -213,7 +213,7 @@ private:
 } // namespace
 
 std::optional<JSONValue> JSONValue::parse(std::string_view bytes) {
-    // NUL is not valid in a JSON text, but nlohmann/json 3.11.2 treats it as the end of the input
+    // nlohmann/json 3.11.2 treats NUL as the end of the input
     // (https://github.com/nlohmann/json/issues/5530).
     if (bytes.contains('\0')) {
         return std::nullopt;

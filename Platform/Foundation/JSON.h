@@ -72,8 +72,7 @@ private:
         return pointer == nullptr ? nullptr : pointer->get();
     }
 
-    /// Strings, arrays and objects are immutable and shared between copies. This also keeps a value small,
-    /// which limits the memory for long arrays of numbers.
+    /// Strings, arrays and objects are immutable and shared between copies, which also keeps a value small.
     std::variant<std::nullptr_t, bool, double, std::shared_ptr<const std::string>,
                  std::shared_ptr<const Array>, std::shared_ptr<const Object>>
         value_ = nullptr;
@@ -92,8 +91,7 @@ std::string compactJSON(const JSONValue& value, JSONSlashes slashes);
 /// Members are sorted by name, "/" is written as "\/", and the result does not end in a line break.
 std::string prettyJSON(const JSONValue& value);
 
-/// Returns `text` as a JSON string literal, including the quotation marks. "/" is written as "\/"; non-ASCII
-/// characters are not escaped.
+/// Returns `text` as a JSON string literal with quotation marks. Escapes "/", but not non-ASCII characters.
 std::string jsonStringLiteral(std::string_view text);
 
 } // namespace Platform

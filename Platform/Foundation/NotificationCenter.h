@@ -38,8 +38,7 @@ public:
     /// The shared notification centre of the process.
     static NotificationCenter& defaultCenter();
 
-    /// Calls `callback` whenever `object`, or any sender if `object` is null, posts `name`, until the token
-    /// is destroyed or reset. The token may outlive the centre.
+    /// Calls `callback` whenever `object`, or any sender if null, posts `name`, until the token is destroyed.
     Observation addObserver(NotificationName name, const void* object, Callback callback);
 
     /// Calls the currently registered observers, except those that are removed before their turn. Callbacks

@@ -4,8 +4,7 @@
 
 namespace Platform {
 
-/// The main thread's run loop, which dispatches timers and the events of GTK or AppKit. Main thread only,
-/// except for `perform`.
+/// The main thread's run loop: timers and the events of GTK or AppKit. Main thread only, except `perform`.
 class RunLoop {
 public:
     RunLoop(const RunLoop&) = delete;

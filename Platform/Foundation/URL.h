@@ -40,8 +40,7 @@ public:
     std::optional<std::string> host() const;
     /// The port. Also absent if the number exceeds 64 bits.
     std::optional<std::int64_t> port() const;
-    /// The path, percent-decoded, with trailing slashes but without a leading byte order mark. Empty if the
-    /// decoded bytes are not valid UTF-8.
+    /// The percent-decoded path, without a leading byte order mark. Empty if it is not valid UTF-8.
     std::string path() const;
     /// The query, percent-encoded, without the "?".
     std::optional<std::string_view> query() const&;
@@ -70,8 +69,7 @@ public:
     /// Returns this URL without the last component of its path. The path of the result ends in "/". The root
     /// and an empty path remain unchanged.
     URL deletingLastPathComponent() const;
-    /// The file-system path: percent-decoded to bytes, which need not be valid UTF-8, without trailing
-    /// slashes except for the root.
+    /// The file-system path, percent-decoded to any bytes, without trailing slashes except for the root.
     std::string filePath() const;
 
     /// Compares the strings.

@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// The encoding and parsing rules of RFC 3986, as applied by Foundation. Shared by URL, URLComponents and
-/// URLHost; do not include this header elsewhere.
+/// The encoding and parsing rules of RFC 3986, as applied by Foundation. Internal to Foundation/URL*.
 namespace Platform::URLEncoding {
 
 /// Bits for the sets of ASCII characters that a component may contain unencoded. No set contains "%".
@@ -57,8 +56,7 @@ bool isValidScheme(std::string_view scheme);
 std::string encoded(std::string_view text, Allowed allowed);
 /// Returns `text` unchanged if it is valid, otherwise percent-encodes it.
 std::string encodedUnlessValid(std::string_view text, Allowed allowed);
-/// Percent-encodes `path`. In the first segment of a path that does not begin with "/", ":" is encoded as
-/// well, so that it is not parsed as the end of a scheme.
+/// Percent-encodes `path`, including ":" where it could be parsed as the end of a scheme.
 std::string encodedPath(std::string_view path);
 
 /// Percent-decodes `text` to bytes. Invalid escapes remain unchanged.

@@ -34,8 +34,7 @@ public:
     int get() const { return value_; }
     bool isOpen() const { return value_ >= 0; }
 
-    /// Closes the descriptor if it is open. Returns false and sets `errno` if the kernel reports an error,
-    /// such as an earlier write that failed.
+    /// Closes the descriptor if it is open. Returns false and sets `errno` if, for example, a write failed.
     bool close() {
         if (!isOpen()) {
             return true;

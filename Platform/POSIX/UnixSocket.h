@@ -23,8 +23,8 @@ int openUnixSocket();
 int bindUnixSocket(int descriptor, const sockaddr_un& address);
 int connectUnixSocket(int descriptor, const sockaddr_un& address);
 
-/// Accepts the next pending connection and makes it non-blocking. If no connection is pending, blocks, or
-/// fails with EAGAIN if `listening` is non-blocking.
+/// Accepts the next connection and makes it non-blocking. Fails with EAGAIN instead of waiting if `listening`
+/// is non-blocking.
 int acceptUnixSocket(int listening);
 
 /// Returns the effective user ID that the peer had when it connected, or nothing if it is unknown.
@@ -33,8 +33,7 @@ std::optional<uid_t> unixSocketPeerUser(int descriptor);
 /// Limits how long a write to a blocking socket waits for the peer to read. Applies to each wait separately.
 int setSendTimeout(int descriptor, std::chrono::seconds timeout);
 
-/// Like `write`, for sockets, pipes and other files, but does not deliver SIGPIPE, regardless of the
-/// process's disposition of that signal.
+/// Like `write`, for sockets, pipes and other files, but never raises SIGPIPE.
 ssize_t writeWithoutSignal(int descriptor, const void* bytes, std::size_t count);
 
 } // namespace Platform

@@ -24,8 +24,7 @@ public:
     virtual void answerSafely() = 0;
 };
 
-/// Replies to a request from WebKit exactly once: with the first answer given or, if destroyed before then,
-/// with a safe default. Main thread only.
+/// Replies to a request from WebKit once: with the first answer or, when destroyed, with a safe default.
 template <typename... Answer>
 class Reply final : public PendingReply {
 public:

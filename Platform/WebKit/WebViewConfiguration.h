@@ -11,8 +11,7 @@ namespace Platform {
 enum class WebsiteDataStore {
     /// The user's persistent store, shared by all views that use it.
     defaultStore,
-    /// A separate in-memory store for each view, destroyed with the view. It is never written to disk, and it
-    /// is shared only with windows that the view's pages open.
+    /// A separate in-memory store for each view and the windows that its pages open, never written to disk.
     nonPersistent,
 };
 
@@ -36,8 +35,7 @@ public:
         userContentController_ = std::move(controller);
     }
 
-    /// The native configuration. For internal use by Platform. If a page opens a new window, the
-    /// configuration of that window identifies the opener.
+    /// The native configuration, which identifies the opener of a page's new window. Internal to Platform.
     struct Native;
     Native& native() { return *native_; }
 

@@ -17,8 +17,7 @@ namespace Platform {
 /// delegates, pages supplied by the application, and recovery after the web process terminates. Each platform
 /// has a subclass that drives the native view.
 ///
-/// A view owns its engine. The native view may outlive the view and the engine, but must not call them after
-/// they are destroyed. Main thread only.
+/// A view owns its engine. The native view may outlive both, but must not call them then. Main thread only.
 class WebViewEngine : public std::enable_shared_from_this<WebViewEngine> {
 public:
     using Property = WebView::Property;
@@ -46,8 +45,7 @@ public:
 
     /// Sets the web view that owns the engine. Called once, before any observer or delegate is called.
     virtual void setOwner(const std::weak_ptr<WebView>& owner) { owner_ = owner; }
-    /// Returns a strong reference to the web view. Returns null before `setOwner` is called and once the
-    /// destruction of the web view has begun.
+    /// Returns a strong reference to the web view, or null before `setOwner` and during its destruction.
     std::shared_ptr<WebView> keepAlive() const { return owner_.lock(); }
 
     const Values& values() const { return values_; }

@@ -171,8 +171,7 @@ void Application::Native::opened(GApplication* /*application*/, GFile** files, i
 }
 
 void Application::prepare() {
-    // A program that runs the main loop itself receives no URLs from other processes. Make it non-unique, so
-    // that it can run at the same time as the browser.
+    // A program that runs the main loop itself receives no URLs, and may run at the same time as the browser.
     auto* application = G_APPLICATION(native_->gtk());
     g_application_set_flags(application, static_cast<GApplicationFlags>(g_application_get_flags(application) |
                                                                         G_APPLICATION_NON_UNIQUE));

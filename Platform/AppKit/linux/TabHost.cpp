@@ -63,8 +63,7 @@ TabHost::TabHost(TabHosts& hosts)
     describeTabs(tabBar);
     gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabBar));
 
-    // AdwTabView handles its shortcuts before the page receives the keys. Enable only Control+Tab and
-    // Control+Shift+Tab, and leave all other keys to the page.
+    // AdwTabView handles its shortcuts before the page. Leave it only Control+Tab and Control+Shift+Tab.
     adw_tab_view_set_shortcuts(tabView_,
                                static_cast<AdwTabViewShortcuts>(ADW_TAB_VIEW_SHORTCUT_CONTROL_TAB |
                                                                 ADW_TAB_VIEW_SHORTCUT_CONTROL_SHIFT_TAB));

@@ -263,8 +263,8 @@ void Window::Native::focusMoved(View& view) {
     firstResponder = view.weak_from_this();
     focusPending = false;
     // GTK reads `gtk-entry-select-on-focus` right after it reports the new focus. A field that gets the focus
-    // back from a menu, a sheet or another tab must keep its selection. Otherwise GTK selects the whole text,
-    // and the next character that the user types replaces it.
+    // back from a menu, a sheet or another tab must keep its selection. Otherwise the next character that the
+    // user types replaces the whole text.
     const bool isFocusedAnew = previous.get() != &view;
     g_object_set(gtk_settings_get_default(), "gtk-entry-select-on-focus", isFocusedAnew, nullptr);
     if (!isFocusedAnew) {

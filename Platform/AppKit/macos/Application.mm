@@ -12,8 +12,7 @@
 #include <span>
 #include <utility>
 
-/// AppKit's application delegate. If our delegate provides a class name, a subclass with that name is
-/// instantiated instead; see `registeredSubclass`.
+/// AppKit's application delegate. Instantiated as a subclass if our delegate provides a class name.
 @interface KeyloftApplicationDelegate : KeyloftActionTarget <NSApplicationDelegate>
 @end
 

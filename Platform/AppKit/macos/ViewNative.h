@@ -6,8 +6,7 @@
 
 namespace Platform {
 
-/// Owns the NSView of a view. The NSView holds a weak reference to the view; see `viewOf`. Derived classes
-/// add state for particular kinds of views.
+/// Owns the NSView of a view. The NSView holds a weak reference to the view; see `viewOf`.
 struct View::Native {
     explicit Native(NSView* _Nonnull made)
         : view(made) {}
@@ -21,8 +20,7 @@ struct View::Native {
     NSView* __strong _Nonnull const view;
 };
 
-/// Constrains an attribute of `view` to be equal to the same attribute of `other` plus `constant`, or to
-/// `constant` alone if `other` is nil.
+/// Constrains an attribute of `view` to that of `other` plus `constant`, or to `constant` if `other` is nil.
 void constrainEqual(NSView* _Nonnull view, NSLayoutAttribute attribute, NSView* _Nullable other,
                     double constant = 0);
 

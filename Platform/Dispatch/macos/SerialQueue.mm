@@ -11,8 +11,7 @@ namespace Platform {
 
 namespace {
 
-/// The key of the queue-specific value that identifies a queue. The value is the queue's address, which no
-/// other queue can have while work remains on this queue.
+/// The key of the queue-specific value: the queue's address, which is unique while work remains on it.
 constexpr char identityKey = 0;
 
 /// The maximum delay. Exceeds the lifetime of any process, but is representable in nanoseconds.

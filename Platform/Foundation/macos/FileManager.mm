@@ -31,8 +31,7 @@ URL FileManager::applicationSupportDirectory() const {
     return directoryURL(url);
 }
 
-/// Prefers F_FULLFSYNC, because fsync leaves the data in the cache of the drive. Falls back to fsync, because
-/// not every file system supports F_FULLFSYNC.
+/// Prefers F_FULLFSYNC, which not every file system supports: fsync leaves the data in the drive's cache.
 int FileManager::flush(int descriptor) {
     const int flushed = fcntl(descriptor, F_FULLFSYNC);
     return flushed != 0 && errno != EINTR ? fsync(descriptor) : flushed;

@@ -13,8 +13,7 @@ namespace Platform {
 /// rest of the first load, and can run while the user types the address. Main thread only.
 class Prewarming {
 public:
-    /// Calls `start` once, in the iteration of the run loop after the window of `widget` is painted. `start`
-    /// is not called if this object is destroyed first.
+    /// Calls `start` once, right after the window of `widget` is painted, unless destroyed before.
     Prewarming(GtkWidget* widget, std::function<void()> start);
     Prewarming(const Prewarming&) = delete;
     Prewarming& operator=(const Prewarming&) = delete;

@@ -86,8 +86,7 @@ private:
     std::function<bool()> isEvictable_;
     std::function<void()> evict_;
     std::function<void()> granted_;
-    /// The web process, identified by the timer that limits its start. The timer is valid while the process
-    /// starts. Shared by all slots that hold the process.
+    /// The web process, as the timer that limits its start. Shared by all slots that hold the process.
     std::shared_ptr<Timer> process_;
     bool isVisible_ = false;
 };

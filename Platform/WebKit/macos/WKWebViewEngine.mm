@@ -181,8 +181,7 @@ void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
 void WKWebViewEngine::decidePolicyFor(WKNavigationAction* action,
                                       const std::shared_ptr<PolicyReply>& reply) noexcept {
     const auto ours = fromWKNavigationAction(action);
-    // WKNavigationAction does not identify redirects. A page that the application supplies cannot be
-    // redirected, because it is not loaded from a server.
+    // WKNavigationAction does not identify redirects, but the application's own pages are never redirected.
     if (action.targetFrame.mainFrame && isOwnPage(ours, false)) {
         (*reply)(NavigationActionPolicy::allow);
     } else {
