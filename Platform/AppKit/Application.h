@@ -25,8 +25,7 @@ public:
     /// given. May be called before `applicationDidFinishLaunching`.
     virtual void applicationOpenURLs(const std::vector<URL>& urls) = 0;
 
-    /// Called when the user launches the program again. Return true to bring the visible windows to the
-    /// front.
+    /// Called when the user launches the program again. Return true to raise the visible windows.
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
 
     /// Return true to terminate the application when its last window closes.

@@ -12,8 +12,7 @@ namespace Platform {
 
 class Menu;
 
-/// The modifiers of a key equivalent; its character implies Shift. On Linux, Command is Control and Option is
-/// Alt.
+/// The modifiers of a key equivalent except Shift. On Linux, Command is Control and Option is Alt.
 enum class ModifierFlags { command, optionCommand };
 
 /// A menu item. It has no target; its action is sent along the responder chain.

@@ -56,8 +56,7 @@ public:
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
-    /// Presents the view to assistive technology as a progress indicator, from 0 to 1. Call it first before
-    /// the view is shown.
+    /// Presents the view as a progress indicator, from 0 to 1. First called before the view is shown.
     void setAccessibilityProgress(double fraction);
 
     /// The tool tip, or an empty string if the view has no tool tip.

@@ -16,8 +16,7 @@ class ReadSource;
 ///
 /// When a queue is destroyed, it still runs the submitted work, but drops delayed work that is not due. It
 /// cancels the remaining read sources and calls their cancel handlers. The destructor waits until this is
-/// complete, unless it is called on the queue itself. In that case the queue finishes after the current work
-/// item.
+/// complete, unless it is called on the queue itself.
 class SerialQueue {
 public:
     using Work = std::function<void()>;

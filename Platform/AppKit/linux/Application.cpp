@@ -27,8 +27,7 @@ constexpr const char* themeVariable = "GTK_THEME";
 constexpr const char* emptyTheme = "Adwaita-empty";
 
 /// Keeps GTK from parsing its own style sheet, which libadwaita replaces anyway. Parsing accounts for a tenth
-/// of the time until the first window appears (seen with GTK 4.8.3 and libadwaita 1.2.2, not reported). A
-/// theme that the user has chosen is kept.
+/// of the time until the first window appears (seen with GTK 4.8.3, not reported). The user's theme is kept.
 void holdBackToolkitTheme() { g_setenv(themeVariable, emptyTheme, FALSE); }
 
 void startLibadwaita() {
@@ -72,8 +71,7 @@ GType applicationType() {
 }
 
 /// Makes this process the primary instance, or connects it to the existing primary instance. If that instance
-/// exits during the request, a second request makes this process the primary instance. If it does not
-/// respond, logs a message and returns false.
+/// exits during the request, tries again. If it does not respond, logs a message and returns false.
 bool registerApplication(GApplication* application) {
     for (bool isAskedAgain = false;; isAskedAgain = true) {
         GError* failure = nullptr;

@@ -248,7 +248,7 @@ void MenuBar::appendWindows(GMenu* model) {
 
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu) {
     // The key equivalents of editing actions are handled only if the focused field or page does not handle
-    // the key. All others are handled before any widget receives the key. The key of a disabled item is
+    // the key. All others are handled before any widget receives the key. Keys of disabled items are
     // discarded.
     GtkEventController* capturing = gtk_shortcut_controller_new();
     gtk_event_controller_set_propagation_phase(capturing, GTK_PHASE_CAPTURE);

@@ -32,8 +32,7 @@ struct MenuBarSource {
 /// window.
 ///
 /// The items of a menu are created and validated each time the menu opens, so a menu bar that is never opened
-/// costs only its titles. A list of the open windows, in which the main window is marked, is appended to the
-/// application's windows menu.
+/// costs only its titles. The windows menu also lists the open windows and marks the main window.
 class MenuBar {
 public:
     /// `source`, whose main menu is not null, must outlive the menu bar.

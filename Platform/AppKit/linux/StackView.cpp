@@ -26,8 +26,7 @@ std::unique_ptr<View::Native> StackView::makeNative() {
     gtk_widget_set_margin_end(box, static_cast<int>(insets_.right));
 
     // A GtkOverlay requests no space for its overlay children. The size group makes it request as much space
-    // as the box perpendicular to the stack's direction. In the stack's direction, it clips content that does
-    // not fit.
+    // as the box perpendicular to the stack's direction. In that direction, it clips content.
     GtkWidget* main = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     const auto thickness = GObjectPtr<GtkSizeGroup>::adopt(
         gtk_size_group_new(isRow ? GTK_SIZE_GROUP_VERTICAL : GTK_SIZE_GROUP_HORIZONTAL));
