@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 
 namespace Platform {
@@ -23,79 +24,78 @@ constexpr auto restrictedPorts = std::to_array<std::int64_t>(
      3659, 4045, 4190, 5060, 5061, 6000, 6566, 6665, 6666, 6667, 6668, 6669, 6679, 6697, 10080});
 static_assert(std::ranges::is_sorted(restrictedPorts));
 
-struct Kind {
-    std::string domain;
-    int code = 0;
-};
-
-Kind urlError(int code) { return {.domain = std::string(Error::urlDomain), .code = code}; }
-
-Kind kindOfInputOutputError(const GError& error) {
+std::optional<int> urlErrorCode(const GError& error) {
+    if (g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED)) {
+        return Error::urlCancelled;
+    }
+    if (error.domain == G_RESOLVER_ERROR) {
+        return Error::urlCannotFindHost;
+    }
+    if (error.domain == G_TLS_ERROR) {
+        return error.code == G_TLS_ERROR_BAD_CERTIFICATE ? Error::urlServerCertificateUntrusted
+                                                         : Error::urlSecureConnectionFailed;
+    }
+    if (error.domain != G_IO_ERROR) {
+        return std::nullopt;
+    }
     switch (error.code) {
     case G_IO_ERROR_CANCELLED:
-        return urlError(Error::urlCancelled);
+        return Error::urlCancelled;
     case G_IO_ERROR_TIMED_OUT:
-        return urlError(Error::urlTimedOut);
+        return Error::urlTimedOut;
     case G_IO_ERROR_HOST_NOT_FOUND:
-        return urlError(Error::urlCannotFindHost);
+        return Error::urlCannotFindHost;
     case G_IO_ERROR_CONNECTION_REFUSED:
     case G_IO_ERROR_HOST_UNREACHABLE:
     case G_IO_ERROR_NETWORK_UNREACHABLE:
-        return urlError(Error::urlCannotConnectToHost);
+        return Error::urlCannotConnectToHost;
     case G_IO_ERROR_PARTIAL_INPUT:
     case G_IO_ERROR_CONNECTION_CLOSED: // Equal to G_IO_ERROR_BROKEN_PIPE.
-        return urlError(Error::urlNetworkConnectionLost);
+        return Error::urlNetworkConnectionLost;
     default:
-        return {.domain = g_quark_to_string(error.domain), .code = error.code};
+        return std::nullopt;
     }
 }
 
-Kind kindOf(const GError& error) {
-    if (error.domain == WEBKIT_NETWORK_ERROR && error.code == WEBKIT_NETWORK_ERROR_CANCELLED) {
-        return urlError(Error::urlCancelled);
-    }
-    if (error.domain == WEBKIT_POLICY_ERROR) {
-        return {.domain = std::string(Error::webKitDomain), .code = error.code};
-    }
-    if (error.domain == G_RESOLVER_ERROR) {
-        return urlError(Error::urlCannotFindHost);
-    }
-    if (error.domain == G_TLS_ERROR) {
-        return urlError(error.code == G_TLS_ERROR_BAD_CERTIFICATE ? Error::urlServerCertificateUntrusted
-                                                                  : Error::urlSecureConnectionFailed);
-    }
-    if (error.domain == G_IO_ERROR) {
-        return kindOfInputOutputError(error);
-    }
-    return {.domain = g_quark_to_string(error.domain), .code = error.code};
+const std::map<int, std::string>& urlErrorDescriptions() {
+    static const std::map<int, std::string> descriptions{
+        {Error::urlCancelled, "The load was cancelled."},
+        {Error::urlTimedOut, "The request timed out."},
+        {Error::urlCannotFindHost, "The server was not found. Check the address and the network."},
+        {Error::urlCannotConnectToHost, "The server cannot be reached. Try again later."},
+        {Error::urlNetworkConnectionLost, "The connection to the server was lost. Try again."},
+        {Error::urlSecureConnectionFailed, "A secure connection to the server is not possible."},
+        {Error::urlServerCertificateUntrusted, "The server's certificate is not valid or not trusted."},
+    };
+    return descriptions;
+}
+
+Error urlError(int code, const std::optional<std::string>& failingURL) {
+    return {.domain = std::string(Error::urlDomain),
+            .code = code,
+            .localizedDescription = urlErrorDescriptions().at(code),
+            .failingURL = failingURL};
 }
 
 } // namespace
 
 std::optional<Error> loadError(const GError& error, const char* failingURI) {
-    if (error.domain == WEBKIT_MEDIA_ERROR && error.code == WEBKIT_MEDIA_ERROR_WILL_HANDLE_LOAD) {
+    if (g_error_matches(&error, WEBKIT_MEDIA_ERROR, WEBKIT_MEDIA_ERROR_WILL_HANDLE_LOAD)) {
         return std::nullopt;
     }
-    Kind kind = kindOf(error);
-    Error result{.domain = std::move(kind.domain),
-                 .code = kind.code,
+    const auto failingURL = failingURI && *failingURI ? std::optional<std::string>(failingURI) : std::nullopt;
+    if (const auto code = urlErrorCode(error)) {
+        return urlError(*code, failingURL);
+    }
+    const bool isWebKits = error.domain == WEBKIT_POLICY_ERROR;
+    return Error{.domain = isWebKits ? std::string(Error::webKitDomain) : g_quark_to_string(error.domain),
+                 .code = error.code,
                  .localizedDescription = error.message ? error.message : "",
-                 .failingURL = std::nullopt};
-    // GLib's text is "Unacceptable TLS certificate".
-    if (g_error_matches(&error, G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE)) {
-        result.localizedDescription = "The server's certificate is not valid or not trusted.";
-    }
-    if (failingURI && *failingURI) {
-        result.failingURL = failingURI;
-    }
-    return result;
+                 .failingURL = failingURL};
 }
 
 Error timedOutError(const std::optional<std::string>& failingURL) {
-    return {.domain = std::string(Error::urlDomain),
-            .code = Error::urlTimedOut,
-            .localizedDescription = "The request timed out.",
-            .failingURL = failingURL};
+    return urlError(Error::urlTimedOut, failingURL);
 }
 
 bool usesRestrictedPort(const char* uri) {

@@ -5,56 +5,61 @@
 #include <webkit/webkit.h>
 
 #include <string>
-#include <utility>
+#include <tuple>
 
 using namespace Platform;
 
 namespace {
 
-std::pair<std::string, int> mapped(GQuark domain, int code, const std::string& description = "Why") {
+using Mapped = std::tuple<std::string, int, std::string>;
+
+Mapped mapped(GQuark domain, int code) {
     g_autoptr(GError) error = g_error_new_literal(domain, code, "Why");
     const auto result = loadError(*error, "http://failing.test/");
     if (!result) {
-        return {"nothing", 0};
+        return {"nothing", 0, ""};
     }
-    EXPECT_EQ(result->localizedDescription, description);
     EXPECT_EQ(result->failingURL, "http://failing.test/");
-    return {result->domain, result->code};
+    return {result->domain, result->code, result->localizedDescription};
 }
 
-std::pair<std::string, int> url(int code) { return {"NSURLErrorDomain", code}; }
+Mapped url(int code, const std::string& description) { return {"NSURLErrorDomain", code, description}; }
 
 } // namespace
 
 TEST(LoadError, hasTheDomainsAndCodesOfFoundationAndWebKit) {
-    EXPECT_EQ(mapped(WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED), url(-999));
-    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_CANCELLED), url(-999));
-    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_TIMED_OUT), url(-1001));
-    EXPECT_EQ(mapped(G_RESOLVER_ERROR, G_RESOLVER_ERROR_NOT_FOUND), url(-1003));
-    EXPECT_EQ(mapped(G_RESOLVER_ERROR, G_RESOLVER_ERROR_TEMPORARY_FAILURE), url(-1003));
-    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_HOST_NOT_FOUND), url(-1003));
-    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED), url(-1004));
-    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_HOST_UNREACHABLE), url(-1004));
-    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_NETWORK_UNREACHABLE), url(-1004));
-    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_PARTIAL_INPUT), url(-1005));
-    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_CONNECTION_CLOSED), url(-1005));
-    EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE,
-                     "The server's certificate is not valid or not trusted."),
-              url(-1202));
-    EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_NOT_TLS), url(-1200));
-    EXPECT_EQ(mapped(WEBKIT_POLICY_ERROR, 101), std::pair(std::string("WebKitErrorDomain"), 101));
-    EXPECT_EQ(mapped(WEBKIT_POLICY_ERROR, 102), std::pair(std::string("WebKitErrorDomain"), 102));
+    const Mapped cancelled = url(-999, "The load was cancelled.");
+    EXPECT_EQ(mapped(WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED), cancelled);
+    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_CANCELLED), cancelled);
+    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_TIMED_OUT), url(-1001, "The request timed out."));
+    const Mapped notFound = url(-1003, "The server was not found. Check the address and the network.");
+    EXPECT_EQ(mapped(G_RESOLVER_ERROR, G_RESOLVER_ERROR_NOT_FOUND), notFound);
+    EXPECT_EQ(mapped(G_RESOLVER_ERROR, G_RESOLVER_ERROR_TEMPORARY_FAILURE), notFound);
+    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_HOST_NOT_FOUND), notFound);
+    const Mapped unreachable = url(-1004, "The server cannot be reached. Try again later.");
+    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED), unreachable);
+    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_HOST_UNREACHABLE), unreachable);
+    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_NETWORK_UNREACHABLE), unreachable);
+    const Mapped lost = url(-1005, "The connection to the server was lost. Try again.");
+    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_PARTIAL_INPUT), lost);
+    EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_CONNECTION_CLOSED), lost);
+    EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE),
+              url(-1202, "The server's certificate is not valid or not trusted."));
+    EXPECT_EQ(mapped(G_TLS_ERROR, G_TLS_ERROR_NOT_TLS),
+              url(-1200, "A secure connection to the server is not possible."));
+    EXPECT_EQ(mapped(WEBKIT_POLICY_ERROR, 101), Mapped("WebKitErrorDomain", 101, "Why"));
+    EXPECT_EQ(mapped(WEBKIT_POLICY_ERROR, 102), Mapped("WebKitErrorDomain", 102, "Why"));
 }
 
 TEST(LoadError, keepsWhatHasNoCounterpart) {
     EXPECT_EQ(mapped(G_IO_ERROR, G_IO_ERROR_PROXY_FAILED),
-              std::pair(std::string("g-io-error-quark"), static_cast<int>(G_IO_ERROR_PROXY_FAILED)));
+              Mapped("g-io-error-quark", static_cast<int>(G_IO_ERROR_PROXY_FAILED), "Why"));
     EXPECT_EQ(mapped(WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_FAILED),
-              std::pair(std::string("WebKitNetworkError"), 399));
+              Mapped("WebKitNetworkError", 399, "Why"));
 }
 
 TEST(LoadError, isNoneWhereAPlayerTakesOver) {
-    EXPECT_EQ(mapped(WEBKIT_MEDIA_ERROR, WEBKIT_MEDIA_ERROR_WILL_HANDLE_LOAD).first, "nothing");
+    EXPECT_EQ(std::get<0>(mapped(WEBKIT_MEDIA_ERROR, WEBKIT_MEDIA_ERROR_WILL_HANDLE_LOAD)), "nothing");
 }
 
 TEST(LoadError, hasNoFailingURLWhereTheEngineGivesNone) {
