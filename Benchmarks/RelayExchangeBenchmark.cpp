@@ -4,9 +4,9 @@
 // The plain exchange has three variants. "plain" only transfers the bytes. "plain, checked" also provides the
 // guarantees of the relay: it checks the peer's user ID, and sets a time limit for writing and for reading
 // a reply. "plain, checked, polled" does the same with a server that polls all its peers, as the relay does,
-// instead of serving one peer at a time. The differences between the variants show the cost of the
-// guarantees, of serving several peers, and of the library. "relay" sends a fixed reply; "relay, message
-// judged" also computes the reply with RelayProtocol.
+// instead of serving one peer at a time. "relay" sends a fixed reply; "relay, message judged" also
+// computes the reply with RelayProtocol. The differences between the results show the cost of the
+// guarantees, of serving several peers, and of the library.
 //
 // Targets for "relay": a median at most 1.25 times that of "plain", and at least 0.85 times as many exchanges
 // per second.

@@ -93,8 +93,8 @@ void decodingManyFramesInOneChunk(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(chunk.size()));
 }
 
-/// Decodes one frame from pieces of the given size. The time per byte must not depend on the number of
-/// pieces.
+/// Decodes one frame from many chunks. The benchmark's argument is the size of each chunk. The time per byte
+/// must not depend on the number of chunks.
 void decodingOneFrameInPieces(benchmark::State& state) {
     const auto frame = NativeMessageFrame::encode(std::string(NativeMessageFrame::maxLength, 'x'));
     const auto piece = static_cast<std::size_t>(state.range(0));

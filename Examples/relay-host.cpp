@@ -45,7 +45,7 @@ std::optional<AuthorizeRequest> requestFor(const std::string& text) {
     }
 }
 
-/// Listens on the first candidate path that works. Prints an error for each path that fails before it.
+/// Tries to listen on each candidate path, in order, until one succeeds. Prints an error for each failure.
 bool listenSomewhere(RelayListener& listener, const RelayListener::OnFrame& onFrame) {
     for (const auto& path : RelaySocketPaths::candidates()) {
         try {

@@ -32,8 +32,8 @@ std::optional<RelayTarget> targetOf(const std::string& text) {
     return fragment ? RelayTarget::fromFragment(*fragment) : std::nullopt;
 }
 
-/// Connects to the first candidate path that accepts a connection. Prints an error for each path that fails
-/// before it.
+/// Tries to connect to each candidate path, in order, until one accepts the connection. Prints an error for
+/// each failure.
 std::optional<RelaySocketClient> connectSomewhere() {
     for (const auto& path : RelaySocketPaths::candidates()) {
         try {

@@ -266,8 +266,8 @@ void BrowserWindowController::controlTextDidBeginEditing(Platform::TextField& /*
 void BrowserWindowController::controlTextDidEndEditing(Platform::TextField& /*field*/,
                                                        Platform::TextMovement movement) {
     isEditingAddress_ = false;
-    // If the user ended the edit with Return, the action of the field navigates to the typed text, so do not
-    // replace the text.
+    // If editing ended because the user pressed Return, the field's action navigates to the typed text, so do
+    // not replace the text.
     if (movement != Platform::TextMovement::returnKey) {
         showURLInAddressField();
     }

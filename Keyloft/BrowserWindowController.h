@@ -52,7 +52,7 @@ public:
     /// Returns true if nothing was ever loaded and nothing is loading. A tab that shows "about:blank" is not
     /// empty.
     bool isEmptyTab() const;
-    /// Returns true from the user's first change in the address field until the edit ends.
+    /// Returns true while the user edits the address field, starting with the first change to its text.
     bool isEditingAddress() const { return isEditingAddress_; }
 
     const std::shared_ptr<Platform::WebView>& webView() const { return webView_; }

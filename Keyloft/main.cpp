@@ -9,7 +9,7 @@
 
 namespace {
 
-// The application holds only a weak reference to its delegate.
+// Keeps the delegate alive. The application holds only a weak reference to it.
 std::shared_ptr<Keyloft::AppDelegate> delegate;
 
 } // namespace
@@ -25,8 +25,8 @@ int main(int argc, char** argv) {
     application.setDelegate(delegate);
     application.setActivationPolicy(Platform::Application::ActivationPolicy::regular);
     const int status = application.run(argc, argv);
-    // Destroy the windows and pages while the application object exists. At exit, it is destroyed before
-    // `delegate`.
+    // Destroy the windows and pages while the application object still exists. Static destructors would
+    // destroy them after the application object.
     delegate.reset();
     return status;
 }

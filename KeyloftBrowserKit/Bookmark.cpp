@@ -51,7 +51,7 @@ std::string Bookmark::encode(std::span<const Bookmark> bookmarks) {
     list.reserve(bookmarks.size());
     for (const Bookmark& bookmark : bookmarks) {
         list.emplace_back(JSONValue::Object{
-            // Ill-formed UTF-8 in one title would make the whole file unreadable.
+            // Repair the title, because ill-formed UTF-8 in one title would make the whole file unreadable.
             {"title", Platform::repairingUTF8(bookmark.title)},
             {"url", bookmark.url.absoluteString()},
         });

@@ -19,7 +19,7 @@ std::vector<Bookmark> load(const Platform::URL& fileURL) {
             Bookmark::decode(Platform::FileManager::defaultManager().contents(fileURL.filePath()));
         return bookmarks ? *std::move(bookmarks) : BookmarkStore::seed();
     } catch (const Platform::FileError&) {
-        // The file does not exist until the first change is saved.
+        // Do not report an error, because the file does not exist until the first change is saved.
         return BookmarkStore::seed();
     }
 }

@@ -43,7 +43,7 @@ public:
     ///
     /// - `timeout` if five minutes have passed since `start`, even if the user has closed the window,
     /// - `cancelled` if a script of the page closes the window,
-    /// - `internalError`, with the web engine's description, if a page cannot be loaded.
+    /// - `internalError`, with the web engine's description of the error, if a page cannot be loaded.
     ///
     /// The completion may release the session. The session destroys the completion and its captures after the
     /// completion has returned.

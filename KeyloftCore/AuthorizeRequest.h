@@ -41,7 +41,7 @@ public:
 
     /// Returns true if `url` has the same scheme, host, effective port and path as the redirect URI. An empty
     /// path is equivalent to "/". Ignores the query, the fragment and credentials. Returns false if the host
-    /// or path of either URL does not decode to UTF-8 or if its port does not fit in 64 bits.
+    /// or path of either URL does not decode to UTF-8, or if the port of either URL does not fit in 64 bits.
     bool matchesRedirect(const Platform::URL& url) const;
 
     /// Returns true if `value` is a string that is equal to the nonce of this request. `value` may be null.

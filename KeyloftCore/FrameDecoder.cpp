@@ -9,9 +9,9 @@ namespace KeyloftCore {
 
 namespace {
 
-/// The maximum ratio of reserved memory to received bytes. Large enough that a large frame that arrives in
-/// large chunks needs a single allocation, and small enough that a length prefix alone does not reserve 1
-/// MiB.
+/// The maximum ratio of reserved memory to received bytes. It is large enough that a large frame that arrives
+/// in large chunks needs only one allocation, and small enough that a peer cannot make the decoder reserve 1
+/// MiB by sending only a length prefix.
 constexpr std::size_t growthFactor = 32;
 
 } // namespace

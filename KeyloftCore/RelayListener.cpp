@@ -92,8 +92,8 @@ bool waitUntilWritable(int fd, Clock::time_point deadline) {
     return left.count() > 0 && poll(&polled, 1, static_cast<int>(left.count())) != 0;
 }
 
-/// Writes one frame, but gives up after `sendTimeout`. SO_SNDTIMEO would not be sufficient: it restarts with
-/// each wait, so a peer that reads slowly would hardly ever exceed it.
+/// Writes one frame, but gives up after `sendTimeout`. SO_SNDTIMEO would not be sufficient, because it limits
+/// each wait separately, so a peer that reads slowly would hardly ever exceed the limit.
 void sendFrame(int fd, std::string_view payload) {
     const auto deadline = Clock::now() + sendTimeout;
     const auto frame = NativeMessageFrame::encode(payload);
@@ -173,8 +173,8 @@ void RelayListener::State::listen(const std::string& socketPath, OnFrame onFrame
         Platform::fatalError("RelayListener::listen was called without a frame handler");
     }
     requirePathWithoutNUL(socketPath);
-    // Determine the same directory whether or not the path has a trailing slash: append one if it is missing,
-    // then remove the empty last component and the file name.
+    // The path may end with a slash. Append a slash if it does not, then remove the empty last component and
+    // the file name.
     const auto directory = (std::filesystem::path(socketPath) / "").parent_path().parent_path();
     Platform::FileManager::defaultManager().createDirectory(directory.string(), directoryMode);
     unlink(socketPath.c_str());
@@ -236,7 +236,7 @@ void RelayListener::State::stop() {
 
 void RelayListener::State::release() {
     if (path) {
-        // Another listener may have replaced the file with its own socket.
+        // Do not remove the file if another listener has replaced it with its own socket.
         if (inode && FileIdentity::of(*path) == inode) {
             unlink(path->c_str());
         }
@@ -257,8 +257,8 @@ void RelayListener::State::acceptOne(int listening, const std::shared_ptr<const 
         ::close(connection);
         return;
     }
-    // Writes do not block unless a forked child clears the O_NONBLOCK flag, which it shares with this
-    // process. Limit their duration even in this case.
+    // Writes do not block, unless a forked child clears the O_NONBLOCK flag, which the child shares with this
+    // process. Set a time limit for that case.
     Platform::setSendTimeout(connection, sendTimeout);
     open(connection, onFrame);
 }

@@ -25,10 +25,11 @@ public:
     /// Receives the payload of a request. Must not throw.
     ///
     /// Called again, with a `Reply` for the same connection, for each additional request that the peer sends
-    /// before it receives a reply. An owner that replies later must limit the number of requests that it
-    /// keeps; otherwise a peer can exhaust its memory. The callback does not receive the identity of the
-    /// connection. The simplest limit is to keep one request in total and to reply immediately to all others,
-    /// which closes their connections.
+    /// before it receives a reply. If several requests arrive in a single read, only the first is received
+    /// and the others are dropped. An owner that replies later must limit the number of requests that it
+    /// keeps; otherwise a peer can exhaust the owner's memory. The callback does not receive the identity of
+    /// the connection. The simplest limit is to keep one request in total and to reply immediately to all
+    /// others, which closes their connections.
     using OnFrame = std::function<void(std::string request, Reply reply)>;
 
     /// Throws std::system_error if no thread or file descriptor is available for the queue.
@@ -47,15 +48,15 @@ public:
     /// that create files for other users.
     ///
     /// Throws RelaySocketError::pathContainsNUL before any change is made, Platform::FileError if the
-    /// directory cannot be created, and RelaySocketError: `pathTooLong` for a path of 104 bytes or more,
-    /// `syscall` for "socket", "bind" and "listen". Leaves no file descriptor open if it throws. Aborts if
-    /// `onFrame` is empty.
+    /// directory cannot be created, RelaySocketError::pathTooLong if the path is 104 bytes or longer, and
+    /// RelaySocketError::syscall if "socket", "bind" or "listen" fails. Leaves no file descriptor open if it
+    /// throws. Aborts if `onFrame` is empty.
     void listen(const std::string& path, OnFrame onFrame);
 
-    /// Stops listening, writes all replies given so far, closes the remaining connections without a reply,
-    /// and removes the socket file unless it has been replaced by another file. A no-op if called before
-    /// `listen` or a second time. Waits until the queue has completed its pending work. Aborts if called on
-    /// the queue.
+    /// Stops listening, writes all replies that were passed to a `Reply` before this call, closes the
+    /// remaining connections without a reply, and removes the socket file unless it has been replaced by
+    /// another file. A no-op if called before `listen` or a second time. Waits until the queue has completed
+    /// its pending work. Aborts if called on the queue.
     void close();
 
     /// Writes all of `data` to a socket or pipe, retrying after interruptions. Returns false and sets `errno`

@@ -32,7 +32,7 @@ struct RelayProtocol {
             std::optional<AuthResult> result;
             friend bool operator==(const Ack&, const Ack&) = default;
         };
-        /// Rejects a message that was not understood.
+        /// Rejects a message that is malformed or has an unknown type.
         struct Error {
             /// The reason, in English.
             std::string message;

@@ -12,9 +12,11 @@ namespace KeyloftCore {
 /// is closed only by `close`.
 class RelaySocketClient {
 public:
-    /// Connects to the socket at `path`, without a time limit. Throws RelaySocketError: `pathContainsNUL`,
-    /// `pathTooLong`, or `syscall` for "socket" and "connect" (ENOENT or ECONNREFUSED if no process is
-    /// listening; on macOS, ECONNREFUSED also while too many clients are waiting to be accepted).
+    /// Connects to the socket at `path`, without a time limit. Throws RelaySocketError::pathContainsNUL,
+    /// RelaySocketError::pathTooLong, or RelaySocketError::syscall if "socket" or "connect" fails.
+    ///
+    /// "connect" fails with ENOENT or ECONNREFUSED if no process is listening. On macOS, it also fails with
+    /// ECONNREFUSED while too many clients are waiting to be accepted.
     static RelaySocketClient connect(const std::string& path);
 
     /// The file descriptor of the connected socket.
@@ -32,7 +34,7 @@ public:
     /// without reading. Aborts if it is not finite or does not fit in a `timeval`.
     std::optional<std::string> readFrame(double timeout) const;
 
-    /// Closes the file descriptor. Must be called once for all copies.
+    /// Closes the file descriptor. Must be called on exactly one of the copies.
     void close() const;
 
 private:

@@ -14,7 +14,7 @@ namespace KeyloftCore {
 struct RelayTarget {
     /// The name that precedes "=" and the encoded target in the fragment.
     static constexpr std::string_view fragmentKey = "keyloft";
-    /// The length of a nonce in characters: 128 random bits, encoded in URL-safe base64.
+    /// The length of a nonce, in characters. A nonce is 128 random bits encoded in URL-safe base64.
     static constexpr std::size_t nonceLength = 22;
     /// The maximum length of a state that `fromFragment` accepts, in characters.
     static constexpr std::size_t maxStateLength = 2048;

@@ -28,7 +28,7 @@ struct SubmittedForm {
     /// structure that the script produces.
     static std::optional<SubmittedForm> fromMessage(const Platform::JSONValue& body);
 
-    /// Returns the first 80 characters of the action, for the log.
+    /// Returns the first 80 characters of the action URL, for the log.
     std::string shownAction() const;
 
     friend bool operator==(const SubmittedForm&, const SubmittedForm&) = default;

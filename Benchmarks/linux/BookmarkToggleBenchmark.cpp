@@ -45,8 +45,8 @@ struct Turn {
     Milliseconds worked{0};
 };
 
-/// Calls `action` and runs the main loop until the effects of the action have settled. Returns the longest
-/// time during which the main loop did not check for input.
+/// Calls `action` and then runs the main loop for a fixed time, so that the effects of the action settle.
+/// Returns the maximum elapsed time and the maximum CPU time between two checks for input.
 Turn longestTurn(const std::function<void()>& action) {
     constexpr auto settling = std::chrono::milliseconds(400);
     const auto begun = std::chrono::steady_clock::now();

@@ -40,8 +40,8 @@
 //
 //   Soak [PERCENT]
 //
-// PERCENT scales the amount of work (default: 100). After each part of the work, all tabs except a blank one
-// are closed, and a line shows what the process uses.
+// PERCENT scales the amount of work (default: 100). After each part of the work, closes all tabs except a
+// blank one and prints the resources that the process uses.
 
 namespace {
 
@@ -54,8 +54,8 @@ using TestSupport::runUntil;
 using Clock = std::chrono::steady_clock;
 using Tab = std::shared_ptr<Keyloft::BrowserWindowController>;
 
-/// A web server in a separate process, because it keeps all requests in memory, which would be counted as the
-/// browser's. The title of each page is the query of its URL.
+/// A web server that runs in a separate process, because the requests that it keeps in memory would otherwise
+/// count as memory of the browser. The title of each page is the query of its URL.
 class ServerProcess {
 public:
     ServerProcess() {
@@ -102,7 +102,7 @@ private:
         });
         const int port = server.port();
         char ignored = 0;
-        // The read returns when the parent exits.
+        // `read` returns 0 when the parent process exits.
         const bool isServed =
             write(portWriter, &port, sizeof port) == sizeof port && read(parentEnd, &ignored, 1) == 0;
         _exit(isServed ? EXIT_SUCCESS : EXIT_FAILURE);
@@ -115,13 +115,14 @@ private:
 
 /// The resources that this process uses.
 struct Usage {
-    /// In MiB. `proportional` is the proportional set size. `own` excludes mapped files, whose share depends
-    /// on the number of processes that map them.
+    /// Memory in MiB. `proportional` is the proportional set size. `own` excludes mapped files,
+    /// because the share of a mapped file depends on the number of processes that map it.
     double proportional = 0;
     double own = 0;
     std::size_t descriptors = 0;
     std::size_t threads = 0;
-    /// Threads that WebKitGTK leaks, which `descriptors` and `threads` exclude.
+    /// The number of threads that WebKitGTK has leaked. `threads` does not include these threads, and
+    /// `descriptors` does not include their file descriptors.
     std::size_t leakedThreads = 0;
     std::size_t children = 0;
 };
@@ -140,8 +141,8 @@ std::size_t childProcesses() {
 
 Usage usage() {
     // If a view is destroyed while its web process is starting, WebKitGTK 2.50.6 leaks the thread that
-    // receives messages from the process, and one file descriptor. Also seen with a plain web view. Not
-    // reported.
+    // receives messages from the process, and one file descriptor. This also happens with a plain web view
+    // (not reported).
     const std::size_t leaked = TestSupport::runningThreads("ReceiveQueue");
     Usage result{.descriptors = TestSupport::openDescriptors() - leaked,
                  .threads = TestSupport::runningThreads() - leaked,
@@ -162,7 +163,7 @@ Usage usage() {
     return result;
 }
 
-/// The permitted increases since the end of the warm-up.
+/// The permitted increases in resource use since the end of the warm-up.
 constexpr double memoryMargin = 16; // MiB
 constexpr std::size_t descriptorMargin = 10;
 constexpr std::size_t threadMargin = 4;
@@ -211,7 +212,7 @@ protected:
         return delegate->openTab(url, delegate->frontBrowserWindow(), nullptr);
     }
 
-    /// Waits until the tab has loaded the page with this number.
+    /// Waits until `tab` has loaded the page whose title is `number`.
     static testing::AssertionResult waitForPage(const Tab& tab, int number) {
         const auto& view = *tab->webView();
         const std::string title = std::to_string(number);
@@ -245,7 +246,7 @@ protected:
         closeTabs(1);
     }
 
-    /// Toggles the bookmarks of five pages in turn, with all of their tabs open.
+    /// Opens five pages in separate tabs and toggles their bookmarks in turn, `count` times in total.
     void toggleBookmarks(int count) {
         static constexpr int pages = 5;
         std::vector<Tab> tabs;
@@ -265,7 +266,8 @@ protected:
     }
 
     void killWebProcesses(int count) {
-        // Keep only the web process of the page. WebKitGTK caches the processes of closed pages.
+        // Terminate the web processes that WebKitGTK caches for closed pages, so that only the process of
+        // the new page remains.
         ASSERT_TRUE(TestSupport::forgetPages());
         const auto tab = openTab(server().url("0"));
         ASSERT_TRUE(waitForPage(tab, 0));
@@ -278,12 +280,13 @@ protected:
         closeTabs(1);
     }
 
-    /// Waits until idle threads have exited and idle connections are closed, then prints what remains in use.
+    /// Waits until idle threads have exited and idle connections have closed. Then prints and returns the
+    /// resources that are still in use.
     static Usage settledUsage(const std::string& work) {
         EXPECT_TRUE(TestSupport::forgetPages());
-        // GLib's idle threads exit after 15 seconds.
+        // GLib's idle threads exit after 15 seconds. Wait longer than that.
         [[maybe_unused]] const bool never = runUntil([] { return false; }, std::chrono::seconds(20));
-        // Memory that the allocator caches is not a leak.
+        // Release the memory that the allocator caches, because it is not a leak.
         malloc_trim(0);
         const Usage now = usage();
         std::printf(
@@ -302,7 +305,7 @@ protected:
 } // namespace
 
 TEST_F(Soak, leavesNothingBehind) {
-    // Objects that GTK and WebKitGTK create once and keep are not leaks.
+    // Warm up first: objects that GTK and WebKitGTK create once and keep must not count as leaks.
     openAndCloseTabs(40);
     loadPages(100);
     toggleBookmarks(100);

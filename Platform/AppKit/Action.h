@@ -8,7 +8,7 @@ namespace Platform {
 class Control;
 class MenuItem;
 
-/// An operation that controls and menu items can request. On macOS, the selector is the name plus a colon.
+/// An operation that controls and menu items can request. On macOS, its selector is the name plus a colon.
 class Action {
 public:
     /// The characters of `name` are not copied and must outlive the action, like those of a string literal.

@@ -20,7 +20,7 @@ struct Alert {
 
     static constexpr std::size_t firstButton = 0;
 
-    /// Returns the index of the last button, which is reported if the window closes before the user answers.
+    /// Returns the index of the last button, which is reported if the alert is closed without a choice.
     std::size_t safeButton() const { return buttonTitles.size() - 1; }
     /// Returns the index of the button that Escape activates: "Cancel" if it exists, or else the safe button.
     std::size_t escapeButton() const {

@@ -21,8 +21,8 @@ public:
     /// Called after launch, once `applicationOpenURLs` has received the URLs on the command line.
     virtual void applicationDidFinishLaunching() = 0;
 
-    /// Called with URLs from the command line, the desktop or a second launch of the program, exactly as
-    /// given. May be called before `applicationDidFinishLaunching`.
+    /// Called with the unmodified URLs from the command line, the desktop or a second launch of the program.
+    /// May be called before `applicationDidFinishLaunching`.
     virtual void applicationOpenURLs(const std::vector<URL>& urls) = 0;
 
     /// Called when the user launches the program again. Return true to raise the visible windows.

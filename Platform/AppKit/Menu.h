@@ -18,7 +18,7 @@ enum class ModifierFlags { command, optionCommand };
 /// A menu item. It has no target; its action is sent along the responder chain.
 class MenuItem {
 public:
-    /// An item with neither an action nor a submenu is disabled. `keyEquivalent` is a character or empty.
+    /// An item with neither an action nor a submenu is disabled. `keyEquivalent` is empty or one character.
     static std::shared_ptr<MenuItem> create(const std::string& title, std::optional<Action> action,
                                             const std::string& keyEquivalent = "");
     /// Creates a separator, a line between groups of items.
@@ -68,7 +68,7 @@ public:
     virtual void menuNeedsUpdate(Menu& menu) = 0;
 };
 
-/// An ordered list of items. It has no native state. Menus and their items are for the main thread only.
+/// An ordered list of items, without native state. Use menus and their items only on the main thread.
 class Menu {
 public:
     /// Creates an empty menu. A menu in the menu bar should have the same title as the item that opens it.

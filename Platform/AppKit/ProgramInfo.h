@@ -16,7 +16,7 @@ struct ProgramInfo {
     std::string copyright;
 };
 
-/// Returns the information that was set last, or placeholders. Main thread only.
+/// Returns the information that was set last, or placeholders if none was set. Main thread only.
 const ProgramInfo& programInfo();
 
 /// Sets the information. Call it before any other AppKit function.

@@ -17,7 +17,7 @@ public:
     virtual void hideSheet() = 0;
 };
 
-/// The unanswered alerts of one window, in order. The window shows the first alert. Main thread only.
+/// The unanswered alerts of one window, oldest first. The window shows the first alert. Main thread only.
 class SheetQueue {
 public:
     /// `presenter` must outlive the queue.
@@ -31,9 +31,9 @@ public:
     void add(const Alert& alert, Alert::Completion completion);
     /// Shows the first alert if it is not shown yet. Call it when the window becomes able to show a sheet.
     void showFirst();
-    /// Answers the visible alert, if any. Shows the next alert before it calls the completion.
+    /// Hides the visible alert, if any, and shows the next alert. Then calls the hidden alert's completion.
     void answer(std::size_t button);
-    /// Answers all alerts with their safe buttons, including alerts that are added later.
+    /// Completes all alerts with their safe buttons, including alerts that are added later.
     void close();
 
 private:

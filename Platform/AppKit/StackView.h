@@ -5,10 +5,10 @@
 
 namespace Platform {
 
-/// Arranges its subviews in a row, centered vertically, or in a column, each as wide as the column.
-///
-/// Along the stack, each view has the size of its content, and expanding views share the free space. The
-/// stack itself requests no space: content that does not fit is clipped at the trailing end.
+/// Arranges its subviews in a row or a column. In a row, the views are centered vertically. In a column, each
+/// view is as wide as the column. Along the stack, each view has the size of its content, and expanding views
+/// share the free space. The stack requests no space in this direction; content that does not fit is clipped
+/// at the trailing end.
 class StackView : public View {
 public:
     /// `spacing` is the distance between adjacent subviews, in points.
