@@ -15,10 +15,10 @@ class TextFieldDelegate {
 public:
     virtual ~TextFieldDelegate() = default;
 
-    /// Called when the user, not `setStringValue`, first changes the text or composes with an input method.
+    /// Called when the user first edits the text, also with an input method. Not called by `setStringValue`.
     virtual void controlTextDidBeginEditing(TextField& field) = 0;
 
-    /// Called when an edit ends: on Return, right before the field's action is sent; on Escape; or when
+    /// Called when the user presses Return (right before the field's action is sent) or Escape, or when
     /// another control of the same window gets the focus. Opening a menu, or switching to another tab, window
     /// or program, does not end an edit. Also called if the text has not changed.
     virtual void controlTextDidEndEditing(TextField& field, TextMovement movement) = 0;

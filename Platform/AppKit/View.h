@@ -17,14 +17,14 @@ class Window;
 
 /// A rectangular area of a window. Main thread only.
 ///
-/// The native side of a view is created when first needed. On Linux this is usually when its window is next
-/// shown, so a view in a tab that is never selected costs little. Properties that are set earlier are applied
-/// then. The view is the source of truth for everything except the user's changes.
+/// The native side of a view is created when it is first needed, and then receives the properties that were
+/// set earlier. On Linux, it is usually created when the window is next shown, so a view in a tab that is
+/// never selected costs little. The view is the source of truth for all state except the user's changes.
 ///
 /// A view holds strong references to its subviews, and weak references to its superview and its window.
 class View : public Responder, public std::enable_shared_from_this<View> {
 public:
-    /// Creates an empty view, which can serve as a container or as free space in a stack.
+    /// Creates an empty view, which can serve as a container or as a spacer in a stack.
     static std::shared_ptr<View> create();
 
     View(const View&) = delete;
@@ -48,18 +48,18 @@ public:
     bool isHidden() const { return hidden_; }
     void setHidden(bool hidden);
 
-    /// The colour that is drawn behind the view's content.
+    /// The color that is drawn behind the view's content.
     Color backgroundColor() const { return backgroundColor_; }
     void setBackgroundColor(Color color);
 
-    /// The name of the view for assistive technology. It does not set a tool tip.
+    /// The name of the view for assistive technology. Does not set a tooltip.
     const std::string& accessibilityLabel() const { return accessibilityLabel_; }
     void setAccessibilityLabel(const std::string& label);
 
-    /// Presents the view as a progress indicator, from 0 to 1. First called before the view is shown.
+    /// Presents the view as a progress indicator, from 0 to 1. The first call must precede showing the view.
     void setAccessibilityProgress(double fraction);
 
-    /// The tool tip, or an empty string if the view has no tool tip.
+    /// The tooltip, or an empty string if the view has no tooltip.
     const std::string& toolTip() const { return toolTip_; }
     void setToolTip(const std::string& toolTip);
 
@@ -99,9 +99,9 @@ private:
 
     static std::size_t indexOf(Orientation orientation) { return static_cast<std::size_t>(orientation); }
     void addNativeSubview(View& subview);
-    /// Creates the native side and makes the view available from it.
+    /// Creates the native side and attaches a reference to the view.
     void createNative();
-    // Apply a property to the native side, which exists.
+    // Apply a property to the native side, which must exist.
     void applyHidden() const;
     void applyBackgroundColor() const;
     void applyAccessibilityLabel() const;

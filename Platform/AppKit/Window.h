@@ -52,7 +52,7 @@ public:
     Size contentSize() const { return contentSize_; }
     const Style& style() const { return style_; }
 
-    /// The smallest size that the user can choose: of the content on Linux, of the whole window on macOS.
+    /// The minimum size to which the user can resize the content (on Linux) or the whole window (on macOS).
     Size minSize() const { return minSize_; }
     void setMinSize(Size size);
 
@@ -60,11 +60,11 @@ public:
     const std::string& tabbingIdentifier() const { return tabbingIdentifier_; }
     void setTabbingIdentifier(const std::string& identifier) { tabbingIdentifier_ = identifier; }
 
-    /// Centers the window when it is first shown. Has no effect on Linux: GTK 4 cannot position windows.
+    /// Centers the window when it is first shown. Ignored on Linux, because GTK 4 cannot position windows.
     void center() { centered_ = true; }
 
-    /// The name under which the window's frame is saved between runs: its size and maximized state and, on
-    /// macOS, also its position. A new window gets the frame that was saved last.
+    /// The name under which the window's frame is saved between runs. The frame consists of the size, the
+    /// maximized state and, on macOS, the position. A new window gets the frame that was saved last.
     const std::string& frameAutosaveName() const { return frameAutosaveName_; }
     void setFrameAutosaveName(const std::string& name) { frameAutosaveName_ = name; }
 
@@ -99,10 +99,10 @@ public:
     void setReleasedWhenClosed(bool released) { releasedWhenClosed_ = released; }
 
     /// Shows an alert as a sheet on the window. Other tabs and windows remain usable. Several sheets are
-    /// shown in turn. `completion`, if not null, is called once with the index of the chosen button.
+    /// shown one at a time. `completion`, if not null, is called once with the index of the chosen button.
     void beginSheet(const Alert& alert, std::function<void(std::size_t button)> completion);
 
-    /// Answers pending sheets with their safe buttons, notifies the delegate and closes the window or tab.
+    /// Dismisses pending sheets using their safe buttons, notifies the delegate and closes the window or tab.
     void close();
 
     /// Implement the standard actions of a window.

@@ -21,7 +21,7 @@ class SerialQueue {
 public:
     using Work = std::function<void()>;
 
-    /// `label` names the queue in debuggers and fatal errors. Throws std::system_error if out of resources.
+    /// `label` identifies the queue in debuggers and error messages. Throws std::system_error on failure.
     explicit SerialQueue(std::string label);
     SerialQueue(const SerialQueue&) = delete;
     SerialQueue& operator=(const SerialQueue&) = delete;

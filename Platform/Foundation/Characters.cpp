@@ -26,7 +26,7 @@ struct Cut {
 };
 
 Cut cutAt(std::string_view text, std::size_t limit) {
-    // ICU uses 32-bit offsets. The program does not count or display longer strings.
+    // ICU uses 32-bit offsets. Ignore the rest of a longer string, which the program never displays.
     text = text.substr(0, std::numeric_limits<std::int32_t>::max());
     UErrorCode error = U_ZERO_ERROR;
     const std::unique_ptr<UText, decltype(&utext_close)> characters(

@@ -24,7 +24,7 @@ struct Error {
     static constexpr int webKitFrameLoadInterrupted = 102;
     static constexpr int webKitRestrictedPort = 103;
 
-    /// `urlDomain`, `webKitDomain` or another domain. It defines the meaning of `code`.
+    /// `urlDomain`, `webKitDomain` or another domain. The domain defines the meaning of `code`.
     std::string domain;
     int code = 0;
     /// A sentence to show to the user.

@@ -64,7 +64,7 @@ struct Task {
 int makeDirectory(const fs::path& path, std::optional<mode_t> permissions) {
     static constexpr mode_t usual = 0777;
     const bool isMade = mkdir(path.c_str(), permissions.value_or(usual)) == 0 &&
-                        // mkdir applies the umask.
+                        // Set the exact permissions, because mkdir applies the umask.
                         (!permissions || chmod(path.c_str(), *permissions) == 0);
     return isMade ? 0 : errno;
 }
@@ -81,7 +81,7 @@ void createDirectories(const Task& task, const fs::path& path, std::optional<mod
     }
 }
 
-/// Follows all symbolic links in the path. The file does not have to exist, but its directory does.
+/// Returns the path with all symbolic links resolved. The file may be missing, but its directory must exist.
 fs::path destinationOf(const Task& task) {
     fs::path path = task.path;
     while (true) {
@@ -118,13 +118,13 @@ fs::path temporaryName(const Task& task) {
     return std::string(temporaryPrefix) + std::to_string(std::bit_cast<std::uint64_t>(random));
 }
 
-/// Locks a temporary file for as long as its writer needs it. The kernel releases the lock of a process that
-/// is killed. Returns false and sets `errno` if the file is already locked (EWOULDBLOCK) or cannot be locked.
+/// Locks a temporary file to mark it as in use. If the process is killed, the kernel releases the lock.
+/// Returns false and sets `errno` if the file is already locked (EWOULDBLOCK) or cannot be locked.
 bool lock(int file) {
     return uninterrupted([&] { return flock(file, LOCK_EX | LOCK_NB); }) == 0;
 }
 
-/// Deletes the temporary files of processes that were killed while they wrote to the directory.
+/// Deletes the temporary files of processes that were killed while writing to the directory.
 void removeAbandonedFiles(const fs::path& directory) {
     std::error_code error;
     for (fs::directory_iterator entry(directory, error); entry != fs::directory_iterator();
@@ -206,13 +206,13 @@ std::string FileManager::contents(const std::string& path) const {
     if (!file.isOpen() || fstat(file.get(), &status) != 0) {
         throw task.failure(errno);
     }
-    // Accept a directory here, because read() then fails with a more specific error.
+    // Accept a directory, because read() then fails with a more specific error.
     if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
         throw task.failure("Not a regular file");
     }
     std::array<char, 65536> buffer;
     std::string data;
-    // Read to the end of the file: files in /proc report a size of 0, and any file may grow.
+    // Read to the end of the file, because files in /proc report a size of 0 and any file may grow.
     for (auto size = static_cast<std::uint64_t>(status.st_size); size <= maximumContents;
          size = data.size()) {
         const ssize_t count = uninterrupted([&] { return read(file.get(), buffer.data(), buffer.size()); });
@@ -235,14 +235,14 @@ void FileManager::writeAtomically(std::string_view data, const std::string& path
     if (lstat(destination.c_str(), &original) != 0 && errno != ENOENT) {
         throw task.failure(errno);
     }
-    // Accept a directory here: rename() fails with a more specific error. If no file exists, the mode is 0.
+    // Accept a directory, because rename() then fails with a more specific error. A missing file has mode 0.
     if (S_ISCHR(original.st_mode) || S_ISBLK(original.st_mode)) {
         throw task.failure("Not a regular file");
     }
     const fs::path parent = destination.parent_path();
     static constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
     const Descriptor directory(uninterrupted([&] { return open(parent.c_str(), flags); }));
-    // A directory that the user may write to but not read cannot be opened for flushing.
+    // Do not flush a directory that the user may write to but not read, because it cannot be opened.
     if (!directory.isOpen() && errno != EACCES) {
         throw task.failure(errno);
     }
@@ -263,7 +263,7 @@ void FileManager::writeAtomically(std::string_view data, const std::string& path
         unlink(temporary.path.c_str());
         throw task.failure(error);
     }
-    // Some file systems cannot flush a directory. They fail with EINVAL or, on a network, with ENOTSUP.
+    // Ignore EINVAL and, on network file systems, ENOTSUP, which mean that a directory cannot be flushed.
     if (directory.isOpen() && uninterrupted([&] { return flush(directory.get()); }) != 0 && errno != EINVAL &&
         errno != ENOTSUP) {
         throw task.failure(errno);

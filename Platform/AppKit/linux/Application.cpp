@@ -70,8 +70,8 @@ GType applicationType() {
     return type;
 }
 
-/// Makes this process the primary instance, or connects it to the existing primary instance. If that instance
-/// exits during the request, tries again. If it does not respond, logs a message and returns false.
+/// Makes this process the primary instance, or connects it to the existing primary instance. Tries once more
+/// if that instance exits before it responds. If it does not respond, logs a message and returns false.
 bool registerApplication(GApplication* application) {
     for (bool isAskedAgain = false;; isAskedAgain = true) {
         GError* failure = nullptr;
@@ -97,8 +97,8 @@ Application::Application()
     // Without a valid application ID, GApplication does not claim a name on the session bus.
     const std::string& identifier = programInfo().identifier;
     const char* id = g_application_id_is_valid(identifier.c_str()) ? identifier.c_str() : nullptr;
-    // A second launch passes its command line to the running process unchanged. D-Bus activation passes a
-    // list of files, in which GVfs keeps http and https URLs unchanged, but rewrites other URLs.
+    // A second launch passes its unchanged command line to the running process. D-Bus activation passes a
+    // list of files instead, in which GVfs rewrites all URLs except http and https URLs.
     native_->hosts.application = GObjectPtr<GtkApplication>::adopt(GTK_APPLICATION(
         g_object_new(applicationType(), "application-id", id, "flags",
                      G_APPLICATION_HANDLES_COMMAND_LINE | G_APPLICATION_HANDLES_OPEN, nullptr)));
@@ -169,7 +169,7 @@ void Application::Native::opened(GApplication* /*application*/, GFile** files, i
 }
 
 void Application::prepare() {
-    // A program that runs the main loop itself receives no URLs, and may run at the same time as the browser.
+    // Programs that call this function receive no URLs and may run at the same time as the browser.
     auto* application = G_APPLICATION(native_->gtk());
     g_application_set_flags(application, static_cast<GApplicationFlags>(g_application_get_flags(application) |
                                                                         G_APPLICATION_NON_UNIQUE));
@@ -186,7 +186,7 @@ void Application::wasStarted(const std::vector<URL>& urls) {
     }
     if (!native_->finishedLaunching) {
         native_->finishedLaunching = true;
-        // Hold the application only now, so that a D-Bus service that receives no request exits by itself.
+        // Hold the application after the first request. A D-Bus service without requests exits by itself.
         g_application_hold(G_APPLICATION(native_->gtk()));
         delegate->applicationDidFinishLaunching();
     } else if (urls.empty()) {
@@ -270,7 +270,7 @@ void Application::perform(Action action, const ActionSender& /*sender*/) {
 }
 
 bool Application::validateMenuItem(MenuItem& item) {
-    // No desktop lets a program hide the windows of other programs.
+    // No desktop environment lets a program hide the windows of other programs.
     return item.action() != StandardAction::hideOtherApplications;
 }
 

@@ -9,7 +9,7 @@
 namespace Platform {
 
 void assertMainThread(const char* operation) {
-    // Cache the result, because a bookmarks bar alone calls this function thousands of times.
+    // Cache the result, because creating a bookmarks bar calls this function thousands of times.
     thread_local const bool isMainThread = gettid() == getpid();
     if (!isMainThread) {
         fatalError(std::string(operation) + " was called off the main thread");

@@ -21,7 +21,7 @@ constexpr const char* windowAction = "window";
 std::string actionName(const char* action) { return std::string(actionPrefix) + "." + action; }
 
 /// Returns GTK's name for the item's key equivalent, such as "<Control>braceleft". Adds Shift only for
-/// upper-case letters: for other characters, GTK ignores modifiers that the keyboard layout consumes.
+/// upper-case letters. For other characters, GTK ignores modifiers that the keyboard layout consumes.
 std::string accelerator(const MenuItem& item) {
     const guint key = gdk_unicode_to_keyval(g_utf8_get_char(item.keyEquivalent().c_str()));
     unsigned modifiers = GDK_CONTROL_MASK;
@@ -48,8 +48,8 @@ std::string menuLabel(const std::string& title) {
     return label;
 }
 
-/// Returns the maximum width of a menu's labels, in average character widths: two fifths of the screen, so
-/// that the menu with its margins and key equivalents takes up no more than half of the screen.
+/// Returns the maximum width of a menu's labels, in average character widths. A label may take up two fifths
+/// of the screen's width, so that the menu, with margins and key equivalents, takes up at most half of it.
 int greatestTextWidth(GtkWidget* widget) {
     GdkDisplay* display = gtk_widget_get_display(widget);
     GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gtk_widget_get_root(widget)));
@@ -63,7 +63,7 @@ int greatestTextWidth(GtkWidget* widget) {
     return screen.width * 2 / 5 * PANGO_SCALE / std::max(character, PANGO_SCALE);
 }
 
-/// Ellipsizes, in the middle, each label inside `widget` that is wider than `greatestWidth`.
+/// Ellipsizes long labels inside `widget` in the middle, so that none is wider than `greatestWidth`.
 void cutLongTexts(GtkWidget* widget, int greatestWidth) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
          child = gtk_widget_get_next_sibling(child)) {
@@ -93,7 +93,7 @@ struct KeyEquivalent {
     std::string key;
     ModifierFlags modifiers = ModifierFlags::command;
 
-    /// Returns the item that has this key equivalent now: the menu's delegate may have replaced the items.
+    /// Lets the menu's delegate update the items, then returns the item that has this key equivalent.
     std::shared_ptr<MenuItem> item() const {
         update(*menu);
         for (const auto& item : menu->items()) {
@@ -135,7 +135,7 @@ MenuBar::~MenuBar() = default;
 void MenuBar::connectPopovers() {
     for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item;
          item = gtk_widget_get_next_sibling(item)) {
-        // Keep the item from taking the focus when the pointer enters it (GTK 4.8.3, not reported).
+        // Prevent GTK from focusing a menu title when the pointer enters it (seen with 4.8.3, not reported).
         gtk_widget_set_focusable(item, FALSE);
         for (GtkWidget* child = gtk_widget_get_first_child(item); child;
              child = gtk_widget_get_next_sibling(child)) {
@@ -157,10 +157,10 @@ void MenuBar::opened(GtkWidget* popover) {
     cutLongTexts(popover, greatestTextWidth(popover));
 }
 
-/// Returns the focus to the page. GTK may leave it in the tab strip (seen with 4.8.3, not reported).
+/// Moves the focus back to the page. GTK may leave it in the tab strip (seen with 4.8.3, not reported).
 void MenuBar::closed(GtkPopover* /*popover*/) {
     const std::weak_ptr<Window> main = source_.mainWindow();
-    // Move the focus later: another menu may open now, or the chosen item's action may move the focus.
+    // Defer the move, because another menu may open first, or the chosen item's action may move the focus.
     RunLoop::main().perform([main] {
         if (const auto window = main.lock()) {
             window->native().takeFocus();
@@ -184,7 +184,7 @@ void MenuBar::rebuild(const std::shared_ptr<Menu>& menu, GMenu* model) {
             endSection();
             continue;
         }
-        // GTK disables an item whose action does not exist.
+        // Disable an item by giving it an action that does not exist.
         const bool isEnabled = validate(item);
         const auto native =
             GObjectPtr<GMenuItem>::adopt(g_menu_item_new(menuLabel(item.title()).c_str(), nullptr));

@@ -32,7 +32,7 @@ struct MenuBarSource {
 /// window.
 ///
 /// The items of a menu are created and validated each time the menu opens, so a menu bar that is never opened
-/// costs only its titles. The windows menu also lists the open windows and marks the main window.
+/// contains only menu titles. The windows menu also lists the open windows and marks the main window.
 class MenuBar {
 public:
     /// `source`, whose main menu is not null, must outlive the menu bar.
@@ -65,10 +65,10 @@ private:
     std::vector<SignalConnection> connections_;
 };
 
-/// Makes the key equivalents of `mainMenu` perform their items in the top-level window.
+/// Adds the key equivalents of `mainMenu` to a top-level window, as shortcuts that send the items' actions.
 void addKeyEquivalents(GtkWidget* toplevel, const Menu& mainMenu);
 
-/// Asks the target of the item's action whether the item is enabled. The target may change the title.
+/// Returns true if the target of the item's action enables the item. The target may change the item's title.
 bool validate(MenuItem& item);
 
 } // namespace Platform

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-// Included last, because it defines macros with common names.
+// Include gdkx.h last, because Xlib defines macros with common names.
 // clang-format off
 #include <gdk/x11/gdkx.h>
 // clang-format on
@@ -34,7 +34,7 @@ void setFrameHints(GdkSurface* surface, bool isResizable) {
     enum : unsigned long { hasFunctions = 1, hasDecorations = 2 };
     enum : unsigned long { resize = 2, move = 4, maximize = 16, close = 32 };
     enum : unsigned long { border = 2, resizeHandles = 4, title = 8, menu = 16, maximizeButton = 64 };
-    // Flags, functions, decorations, input mode and status. Xlib takes 32-bit properties as arrays of long.
+    // The fields are flags, functions, decorations, input mode and status. Xlib passes 32-bit values as long.
     std::array<unsigned long, 5> hints = {hasFunctions | hasDecorations, move | close, border | title | menu,
                                           0, 0};
     if (isResizable) {
@@ -49,7 +49,7 @@ void setFrameHints(GdkSurface* surface, bool isResizable) {
 }
 
 void realized(GtkWidget* toplevel, gpointer /*data*/) {
-    // If GTK draws the frame, it creates a header bar when it realizes the window. No function returns it.
+    // If GTK draws the frame, the window now has a header bar. No GTK function returns it, so search for it.
     for (GtkWidget* child = gtk_widget_get_first_child(toplevel); child;
          child = gtk_widget_get_next_sibling(child)) {
         if (GTK_IS_HEADER_BAR(child)) {

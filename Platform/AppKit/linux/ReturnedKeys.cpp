@@ -8,7 +8,7 @@ namespace Platform {
 
 namespace {
 
-/// The number of key events to remember. Users do not type that many keys ahead of a page.
+/// The number of key events to remember. Users do not type that many keys while a page is busy.
 constexpr std::size_t keptKeys = 64;
 
 } // namespace

@@ -13,9 +13,9 @@ namespace Platform {
 
 /// Drops key events that a page returns unhandled after the focus has moved to another widget.
 ///
-/// WebKitGTK returns an unhandled key event as if the key had just been pressed. By then the focus may be in
-/// another widget: on Tab, WebKitGTK itself moves it to the next widget, and the page may have opened a
-/// window. The other widget would handle the key a second time. Seen with WebKitGTK 2.50.6;
+/// WebKitGTK returns an unhandled key event as if the key had just been pressed. If the focus has moved to
+/// another widget, that widget would handle the key a second time. For example, WebKitGTK itself moves the
+/// focus on Tab, and a page may open a window. Seen with WebKitGTK 2.50.6;
 /// https://bugs.webkit.org/show_bug.cgi?id=261348 is about returned events in general.
 class ReturnedKeys {
 public:
@@ -38,7 +38,7 @@ private:
     bool isForOther(GdkEvent* event);
 
     std::uint64_t focusMoves_ = 0;
-    /// Key events that may still be returned, even repeatedly, because input methods return events, too.
+    /// The latest key events. Each may be returned several times, because input methods also return events.
     std::deque<Pressed> pressed_;
     std::vector<SignalConnection> connections_;
 };

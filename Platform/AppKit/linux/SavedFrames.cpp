@@ -18,7 +18,7 @@ namespace {
 constexpr const char* fileName = "window-frames";
 /// The maximum size of the file, in bytes. A larger file was not written by this class and is ignored.
 constexpr std::uintmax_t longestFile = std::uintmax_t{64} * 1024;
-/// The delay of a write after the last change, in seconds, because resizing changes the frame repeatedly.
+/// The delay between the last change and the write, in seconds. Resizing changes the frame repeatedly.
 constexpr Timer::Interval quietTime = 1;
 
 constexpr const char* widthKey = "width";

@@ -17,7 +17,7 @@ constexpr int cardWidth = 380;
 constexpr int textHeight = 300;
 constexpr int textWidthInCharacters = 40;
 
-/// The size of the desktop's text, relative to its normal size.
+/// Returns the desktop's text scale, which is 1 by default.
 double textScale() {
     int resolution = 0; // in 1/1024 dots per inch
     g_object_get(gtk_settings_get_default(), "gtk-xft-dpi", &resolution, nullptr);
@@ -109,7 +109,7 @@ void Sheet::moveFocus(std::ptrdiff_t step) {
     gtk_widget_grab_focus(stops_[static_cast<std::size_t>(next)]);
 }
 
-/// Makes the alert's texts focusable only while they need to scroll.
+/// Makes the alert's text focusable only while it needs to scroll.
 void Sheet::textResized(GtkAdjustment* visible) {
     gtk_widget_set_focusable(stops_.front(),
                              gtk_adjustment_get_upper(visible) > gtk_adjustment_get_page_size(visible));
@@ -123,13 +123,13 @@ GtkWidget* Sheet::makeCard(const Alert& alert) {
     gtk_widget_add_css_class(card, "keyloft-sheet");
     gtk_widget_set_size_request(card, cardWidth, -1);
     setAccessibleName(card, alert.messageText);
-    // Only the texts scroll, so that the buttons stay visible even if the texts are long.
+    // Only the text scrolls, so that the buttons stay visible even if the text is long.
     GtkWidget* texts = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
     gtk_box_append(GTK_BOX(texts), makeLabel(alert.messageText, "title-4"));
     GtkWidget* text = makeLabel(alert.informativeText, "body");
     // Without a requested width, GTK lays out a long text repeatedly to choose a width, which takes seconds
     // (seen with 4.8.3, not reported).
-    // Request the same number of pixels at each text scale, because the window does not grow with the text.
+    // Request the same number of pixels at any text scale, because the window does not grow with the text.
     gtk_label_set_width_chars(GTK_LABEL(text), static_cast<int>(textWidthInCharacters / textScale()));
     gtk_box_append(GTK_BOX(texts), text);
     GtkWidget* scroller = gtk_scrolled_window_new();

@@ -9,7 +9,7 @@
 
 namespace Platform {
 
-/// A card with an alert's texts and buttons, on a translucent layer that covers the widgets below it.
+/// A card with an alert's text and buttons, on a translucent layer that covers the widgets below it.
 class Sheet {
 public:
     /// Calls `answered` with the index of the button that the user chooses. `answered` may destroy the sheet.
@@ -37,7 +37,7 @@ private:
     std::function<void(std::size_t)> answered_;
     GObjectPtr<GtkWidget> shade_;
     std::vector<GtkWidget*> buttons_;
-    /// The widgets that can receive the focus, in Tab order.
+    /// The scrolled text and the buttons, in Tab order.
     std::vector<GtkWidget*> stops_;
     std::vector<SignalConnection> connections_;
 };

@@ -4,9 +4,9 @@
 
 namespace Platform {
 
-/// A C callback that calls a member function with the arguments of a signal. During the call it holds the
-/// result of the object's `keepAlive` or, if there is no such function and the object is managed by a
-/// `shared_ptr`, a reference to the object. If that is null, it does not call the member function.
+/// A C callback that calls a member function with the arguments of a signal. During the call, it holds the
+/// reference that the object's `keepAlive` returns or, if the object has no such function but is managed by a
+/// `shared_ptr`, a reference to the object. If the reference is null, the member function is not called.
 template <auto handler>
 struct SignalHandler;
 

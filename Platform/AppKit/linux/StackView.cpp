@@ -25,8 +25,8 @@ std::unique_ptr<View::Native> StackView::makeNative() {
     gtk_widget_set_margin_bottom(box, static_cast<int>(insets_.bottom));
     gtk_widget_set_margin_end(box, static_cast<int>(insets_.right));
 
-    // A GtkOverlay requests no space for its overlay children. The size group makes it request as much space
-    // as the box perpendicular to the stack's direction. In that direction, it clips content.
+    // A GtkOverlay requests no space for overlay children, and clips those that do not fit along the stack.
+    // Perpendicular to the stack, the size group makes it request as much space as the box.
     GtkWidget* main = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     const auto thickness = GObjectPtr<GtkSizeGroup>::adopt(
         gtk_size_group_new(isRow ? GTK_SIZE_GROUP_VERTICAL : GTK_SIZE_GROUP_HORIZONTAL));
@@ -38,7 +38,7 @@ std::unique_ptr<View::Native> StackView::makeNative() {
     native->box = GTK_BOX(box);
     gtk_overlay_set_child(GTK_OVERLAY(native->widget.get()), main);
     gtk_overlay_add_overlay(GTK_OVERLAY(native->widget.get()), box);
-    // GtkOverlay would let content that does not fit overflow to the right, even if the leading end is there.
+    // GtkOverlay would let wide content overflow to the right, even if the text direction is right to left.
     const auto place = [](GtkWidget* overlay, GtkWidget* content, GdkRectangle* rectangle,
                           gpointer /*data*/) -> gboolean {
         GtkRequisition least;

@@ -71,7 +71,7 @@ PangoAttrList* fontAttributes(double points) {
     auto& list = lists[points];
     if (!list) {
         list.reset(pango_attr_list_new());
-        // Pango's points follow the text scale. At a scale of 1, there are 96 logical pixels in 72 of them.
+        // Pango multiplies points by the text scale. At a scale of 1, 72 points are 96 logical pixels.
         pango_attr_list_insert(list.get(),
                                pango_attr_size_new(static_cast<int>(points * 72 / 96 * PANGO_SCALE)));
     }

@@ -63,7 +63,7 @@ TabHost::TabHost(TabHosts& hosts)
     describeTabs(tabBar);
     gtk_box_append(GTK_BOX(column), GTK_WIDGET(tabBar));
 
-    // AdwTabView handles its shortcuts before the page. Leave it only Control+Tab and Control+Shift+Tab.
+    // AdwTabView handles its shortcuts before the page does. Keep only Control+Tab and Control+Shift+Tab.
     adw_tab_view_set_shortcuts(tabView_,
                                static_cast<AdwTabViewShortcuts>(ADW_TAB_VIEW_SHORTCUT_CONTROL_TAB |
                                                                 ADW_TAB_VIEW_SHORTCUT_CONTROL_SHIFT_TAB));
@@ -132,7 +132,7 @@ std::vector<std::shared_ptr<Window>> TabHost::windows() const {
 void TabHost::present() {
     wasUsed();
     gtk_window_present(toplevel());
-    // Flush, so that the window manager can show the window while this process prepares the first load.
+    // Flush, so that the window manager can show the window before this process loads the first page.
     gdk_display_flush(gtk_widget_get_display(toplevel_.get()));
 }
 
@@ -229,7 +229,7 @@ std::shared_ptr<TabHost> TabHosts::create() { return hosts_.emplace_back(makeSha
 
 void TabHosts::remove(const std::shared_ptr<TabHost>& host) {
     std::erase(hosts_, host);
-    // GTK still uses the top-level window for events and a layout that are already pending.
+    // Destroy the host later, because GTK still uses its top-level window for pending events and layout.
     const auto forget = [](gpointer data) -> gboolean {
         const std::unique_ptr<std::shared_ptr<TabHost>> last(static_cast<std::shared_ptr<TabHost>*>(data));
         return G_SOURCE_REMOVE;

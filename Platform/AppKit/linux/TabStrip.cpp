@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-// Included last, because it defines macros with common names.
+// Include gdkx.h last, because Xlib defines macros with common names.
 // clang-format off
 #include <gdk/x11/gdkx.h>
 // clang-format on
@@ -46,7 +46,7 @@ void pageAttached(AdwTabView* /*view*/, AdwTabPage* page, int /*position*/, GtkW
             setAccessibleName(child, toolTip);
         }
     }
-    // The parent of the AdwTab receives the focus. GTK permits setting a role only outside of a window.
+    // The focusable widget is the AdwTab's parent. GTK permits setting its role only outside of a window.
     const auto focusable = GObjectPtr<GtkWidget>::retain(gtk_widget_get_parent(tab));
     GtkWidget* parent = gtk_widget_get_parent(focusable.get());
     GtkWidget* next = gtk_widget_get_next_sibling(focusable.get());

@@ -5,7 +5,7 @@
 namespace Platform {
 
 /// Gives the tabs of `bar` and their close buttons accessible roles, names and states, which libadwaita
-/// omits (seen with 1.2.2, not reported). Call it once the view of `bar` is set, before `bar` is in a window.
+/// omits (seen with 1.2.2, not reported). Call it after `bar` gets its view, before it is in a window.
 void describeTabs(AdwTabBar* bar);
 
 /// Makes sure that a tab that is dropped on the bare X11 desktop gets its own window. No window receives such

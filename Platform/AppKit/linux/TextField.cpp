@@ -75,7 +75,7 @@ TextFieldEvents::TextFieldEvents(TextField& owner, GtkWidget* editable)
     g_object_set(editable, "placeholder-text", field.placeholder_.c_str(), nullptr);
     // Request no width for the text, which scrolls. By default, GTK requests enough width for a few words.
     gtk_editable_set_width_chars(GTK_EDITABLE(editable), 0);
-    // At larger text scales, a field with a fixed width becomes wider if the stack has free space.
+    // Set a natural width in characters, so that a field with a fixed width can grow with the text scale.
     gtk_editable_set_max_width_chars(GTK_EDITABLE(editable), 17);
     // Also keep the placeholder from requesting a width.
     GtkWidget* placeholder = gtk_widget_get_first_child(GTK_WIDGET(text));

@@ -148,7 +148,7 @@ void View::applyAccessibilityProgress() const {
                                    *accessibilityProgress_, -1);
 }
 
-/// Handles `query-tooltip` instead of setting GTK's tool tip text. Each call to `gtk_widget_set_tooltip_text`
+/// Handles `query-tooltip` instead of setting GTK's tooltip text. Each call to `gtk_widget_set_tooltip_text`
 /// queries the display for the pointer's position and waits for the reply, which adds up to hundreds of round
 /// trips for a bookmarks bar (seen with GTK 4.8.3, not reported).
 void View::applyToolTip() {
@@ -164,7 +164,7 @@ void View::applyFixedLength(Orientation /*orientation*/) const {
                                 static_cast<int>(fixedLengths_[1].value_or(-1)));
 }
 
-/// Also resets the expansion, because otherwise GTK expands a widget whose children expand.
+/// Sets the expand property explicitly, because GTK otherwise expands a widget whose children expand.
 void View::applyExpansion(Orientation orientation) const {
     const auto apply =
         orientation == Orientation::horizontal ? gtk_widget_set_hexpand : gtk_widget_set_vexpand;

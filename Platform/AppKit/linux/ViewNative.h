@@ -17,7 +17,7 @@ struct View::Native {
     /// Adds the widget of a subview in front of the others. Does nothing if the view cannot have subviews.
     virtual void addSubview(GtkWidget* /*subview*/) {}
 
-    /// From now on, creates and adds missing widgets of `view`'s subviews each time the widget is mapped.
+    /// Creates and adds the missing widgets of `view`'s subviews each time the widget is mapped from now on.
     void followSubviews(View& view);
 
     GObjectPtr<GtkWidget> widget;

@@ -235,7 +235,7 @@ void Window::Native::updateTitle() const {
     if (!tab) {
         return;
     }
-    // A tab without a tool tip shows its whole title as the tool tip, regardless of the length.
+    // Set a shortened tooltip for a long title. By default, a tab's tooltip is its whole title.
     const std::string shown = toolTipText(window.title_);
     const std::unique_ptr<char, decltype(&g_free)> toolTip(g_markup_escape_text(shown.c_str(), -1), &g_free);
     adw_tab_page_set_tooltip(tab, shown == window.title_ ? "" : toolTip.get());
@@ -328,7 +328,7 @@ bool Window::Native::showSheet(const Alert& alert) {
 void Window::Native::hideSheet() {
     gtk_overlay_remove_overlay(GTK_OVERLAY(page.get()), sheet->widget());
     sheet.reset();
-    // If another sheet is waiting, it is shown immediately and takes the focus.
+    // If another sheet is waiting, SheetQueue shows it next, so keep the content blocked.
     if (!sheets.isEmpty()) {
         return;
     }

@@ -27,7 +27,7 @@ struct Window::Native final : SheetPresenter {
 
     std::shared_ptr<Window> keepAlive() const { return window.weak_from_this().lock(); }
 
-    /// Returns true if windows respond to the action.
+    /// Returns true if `action` is one of the standard actions of a window.
     static bool isWindowAction(Action action);
     static std::shared_ptr<Window> ofPage(GtkWidget* page);
 
@@ -47,7 +47,7 @@ struct Window::Native final : SheetPresenter {
     void setNeedsAttention(bool needs) const;
     void selectNeighbour(int step) const;
 
-    /// Makes `view` the first responder. Called when GTK's focus has moved to its widget, or is about to.
+    /// Makes `view` the first responder. Called right before or after GTK's focus moves to its widget.
     void focusMoved(View& view);
     /// Gives GTK's focus to the sheet or, if there is no sheet, to the first responder, as soon as the page
     /// is on the screen and no menu is open. A text field keeps its selection.

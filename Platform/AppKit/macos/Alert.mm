@@ -15,7 +15,7 @@ NSAlert* makeNativeAlert(const Alert& alert) {
     for (const std::string& title : alert.buttonTitles) {
         [native addButtonWithTitle:toNSString(title)];
     }
-    // By default AppKit refuses to quit while a window has a sheet.
+    // Let the application quit while a window has a sheet. By default, AppKit prevents this.
     native.window.preventsApplicationTerminationWhenModal = NO;
     return native;
 }

@@ -228,7 +228,7 @@ bool Application::Native::shouldTerminateAfterLastWindowClosed() noexcept {
     return delegate != nullptr && delegate->applicationShouldTerminateAfterLastWindowClosed();
 }
 
-/// The process exits right after this call. Windows and pages must be closed while AppKit still works.
+/// Closes all windows and pages while AppKit still works. The process exits right after this call.
 void Application::Native::willTerminate() noexcept {
     for (NSWindow* native in nativeApplication().windows) {
         if (windowOf(native) != nullptr) {

@@ -91,7 +91,7 @@ NSMenuItem* makeNativeMenuItem(const MenuItem& item) {
         [[NSMenuItem alloc] initWithTitle:toNSString(item.title())
                                    action:item.action() ? selectorFor(*item.action()) : nullptr
                             keyEquivalent:toNSString(item.keyEquivalent())];
-    // Only Option needs a mask: AppKit's default is Command alone, and an upper-case letter implies Shift.
+    // AppKit's default mask is Command, and an upper-case letter implies Shift. Only Option must be set.
     if (item.keyEquivalentModifiers() == ModifierFlags::optionCommand) {
         native.keyEquivalentModifierMask = NSEventModifierFlagOption | NSEventModifierFlagCommand;
     }

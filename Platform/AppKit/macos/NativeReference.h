@@ -25,7 +25,7 @@ std::shared_ptr<Window> windowOf(id _Nullable native);
 std::shared_ptr<Menu> menuOf(id _Nullable native);
 std::shared_ptr<MenuItem> menuItemOf(id _Nullable native);
 
-/// Returns the nearest view at or above `responder`, or null. A field editor counts as the field it edits.
+/// Returns the nearest view at or above `responder`, or null. For a field editor, starts at the edited field.
 std::shared_ptr<View> viewAround(NSResponder* _Nullable responder);
 
 } // namespace Platform

@@ -14,7 +14,7 @@
 - (std::shared_ptr<Platform::Responder>)keyloftResponder;
 @end
 
-/// Forwards actions and menu item validation to `responder`. Does not implement the selectors of the actions.
+/// Passes actions and menu item validation to `responder`, using Objective-C message forwarding for actions.
 @interface KeyloftActionTarget : NSObject <KeyloftResponderProxy> {
 @public
     std::weak_ptr<Platform::Responder> responder;
@@ -35,8 +35,8 @@ bool respondsTo(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector)
 /// Returns a target for the selector's action, or nil if the proxy's responder does not respond to it.
 id _Nullable forwardingTarget(id<KeyloftResponderProxy> _Nonnull proxy, SEL _Nonnull selector) noexcept;
 
-/// Implements `validateMenuItem:`. Passes our item to the responder and applies the title that the responder
-/// sets. For items that AppKit created, such as "New Tab", passes a temporary copy.
+/// Implements `validateMenuItem:`. Passes the item's MenuItem to the responder and applies the title that the
+/// responder sets. For items that AppKit created, such as "New Tab", passes a temporary MenuItem.
 BOOL validate(id<KeyloftResponderProxy> _Nonnull proxy, NSMenuItem* _Nonnull nativeItem) noexcept;
 
 /// Returns the AppKit target for actions that are sent to `responder`: the object that represents
@@ -50,7 +50,7 @@ std::shared_ptr<Responder> responderOf(id _Nullable native);
 /// on the first call. If another class, such as that of a plug-in, has that name, appends a number.
 Class _Nonnull registeredSubclass(Class _Nonnull proxyClass, std::string_view name);
 
-/// Aborts the process. Called by initialisers that must not be used, such as `initWithCoder:`.
+/// Aborts the process. Called by initializers that must not be used, such as `initWithCoder:`.
 [[noreturn]] void notSupported();
 
 } // namespace Platform

@@ -60,7 +60,7 @@ std::optional<Action> actionFor(SEL selector) {
 }
 
 - (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
-    // An action method takes one object and returns nothing. `forwardInvocation:` has the same signature.
+    // Use the signature of `forwardInvocation:`, which also takes one object and returns nothing.
     const bool isForwarded = Platform::respondsTo(self, selector);
     return [super methodSignatureForSelector:isForwarded ? @selector(forwardInvocation:) : selector];
 }

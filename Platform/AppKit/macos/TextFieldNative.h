@@ -25,7 +25,7 @@ struct TextFieldEvents {
     static void didBegin(id _Nullable field) noexcept;
     static void didChange(NSTextField* _Nonnull field) noexcept;
     static void didEnd(id _Nullable field, NSTextMovement movement) noexcept;
-    /// Handles Escape. Returns false if the field is not ours; AppKit then handles the key.
+    /// Handles Escape. Returns false if the field has no TextField, so that AppKit handles the key.
     static bool cancelled(NSTextField* _Nonnull field) noexcept;
 
     static NSTextField* _Nonnull fieldOf(View::Native& native) { return static_cast<Native&>(native).field; }

@@ -15,7 +15,7 @@ struct Window::Native final : SheetPresenter {
         : window(made)
         , owner_(owner) {}
 
-    /// Sets the controller that owns the window. It becomes the window's delegate and next responder.
+    /// Sets the controller that owns the window. The controller becomes the delegate and next responder.
     void setController(NSWindowController<NSWindowDelegate>* _Nonnull owner);
 
     /// Applies the settings that AppKit needs before the window is first shown.

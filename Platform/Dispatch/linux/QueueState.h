@@ -46,7 +46,7 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void add(const Source& source);
     /// Called after a source has been resumed, suspended or cancelled.
     void sourceChanged();
-    /// Cancels all sources. Waits for the thread to run the remaining work and exit, unless called on it.
+    /// Cancels all sources. Waits until the thread has run its work and exited, unless called on that thread.
     void end();
 
     const std::string label;

@@ -31,8 +31,8 @@ void nameThread(const std::string& label) {
     pthread_setname_np(pthread_self(), name.c_str());
 }
 
-/// Returns the signals to block on a queue's thread. Signals sent to the process are left to the program's
-/// own threads, but a fault must be reported on the thread that causes it.
+/// Returns the signals to block on a queue's thread, so that the program's own threads handle them. Excludes
+/// the signals of faults, which are sent to the thread that causes the fault.
 sigset_t signalsForOthers() {
     sigset_t set;
     sigfillset(&set);

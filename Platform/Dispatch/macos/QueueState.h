@@ -17,7 +17,7 @@ namespace Platform {
 /// The state that a source shares with its queue. Guarded by the mutex unless noted otherwise. Dispatch
 /// functions do not block and may be called with the mutex held.
 struct ReadSource::State : std::enable_shared_from_this<ReadSource::State> {
-    /// The stage of the dispatch source, which counts suspensions and can be activated only once.
+    /// The stage of the dispatch source. Dispatch counts suspensions and permits only one activation.
     enum class Stage {
         idle,
         running,
@@ -55,7 +55,7 @@ struct SerialQueue::State : std::enable_shared_from_this<SerialQueue::State> {
     void add(const std::shared_ptr<ReadSource::State>& source);
     /// Called after the source's cancel handler has run.
     void remove(ReadSource::State& source);
-    /// Drops pending delayed work and cancels the sources. Waits for both, unless called on the queue.
+    /// Drops delayed work and cancels the sources. Waits until both are done, unless called on the queue.
     void end();
 
     const std::string label;

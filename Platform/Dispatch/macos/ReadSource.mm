@@ -11,8 +11,8 @@ ReadSource::State::State(const std::shared_ptr<SerialQueue::State>& serialQueue,
                                     serialQueue->queue))
     , queue(serialQueue) {}
 
-/// Activates the source, which Dispatch requires before it is released, even if it is cancelled. The handlers
-/// must be set earlier; their blocks keep this state alive until the cancellation is complete.
+/// Activates the source after setting its handlers, whose blocks keep this state alive until the cancellation
+/// is complete. Dispatch requires that a source is activated before it is released, even if it is cancelled.
 void ReadSource::State::start() {
     const auto self = shared_from_this();
     dispatch_source_set_event_handler(source, ^{

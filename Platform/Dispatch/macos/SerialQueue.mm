@@ -11,7 +11,7 @@ namespace Platform {
 
 namespace {
 
-/// The key of the queue-specific value: the queue's address, which is unique while work remains on it.
+/// The key under which each dispatch queue stores its own address.
 constexpr char identityKey = 0;
 
 /// The maximum delay. Exceeds the lifetime of any process, but is representable in nanoseconds.
@@ -113,7 +113,7 @@ void SerialQueue::State::end() {
                       });
         dispatch_group_wait(uncancelled_, DISPATCH_TIME_FOREVER);
     } else {
-        // Keep the group alive: it must not be released until each enter has been balanced by a leave.
+        // Keep the group alive until a leave has balanced each enter, as Dispatch requires.
         dispatch_group_notify(uncancelled_, queue, ^{
             (void)self;
         });
