@@ -16,11 +16,11 @@ namespace Platform {
 /// Reports that a file or directory could not be read, written or created. Thrown by FileManager.
 class FileError : public std::exception {
 public:
-    /// `localizedDescription` is a complete sentence.
+    /// `localizedDescription` must be a complete sentence.
     explicit FileError(std::string localizedDescription)
         : localizedDescription_(std::move(localizedDescription)) {}
 
-    /// A sentence for the user that names the file and the reason.
+    /// A sentence for the user that names the file and the reason for the failure.
     const std::string& localizedDescription() const noexcept { return localizedDescription_; }
     const char* what() const noexcept override { return localizedDescription_.c_str(); }
 
@@ -33,16 +33,16 @@ private:
 /// Paths are file-system paths: names separated by "/", not percent-encoded.
 class FileManager {
 public:
-    /// The maximum size, in bytes, of a file that `contents` reads.
+    /// The maximum size, in bytes, of a file that `contents` can read.
     static constexpr std::uint64_t maximumContents = std::uint64_t{1} << 31U;
 
     /// The shared file manager of the process.
     static const FileManager& defaultManager();
 
-    /// The user's home directory. On Linux, `HOME` or, if it is not absolute, the one in the user database.
+    /// The user's home directory. On Linux, read from `HOME` or, if that is not absolute, the user database.
     URL homeDirectory() const;
 
-    /// The directory for application data, `Library/Application Support` in the home directory. Not created.
+    /// The application data directory, `Library/Application Support` in the home directory. May not exist.
     URL applicationSupportDirectory() const;
 
     /// Creates a directory and any missing parents. Does nothing if the directory already exists. Each new
@@ -50,19 +50,19 @@ public:
     /// Existing directories keep their permissions. Throws FileError.
     void createDirectory(const std::string& path, std::optional<mode_t> permissions = std::nullopt) const;
 
-    /// Returns the contents of a regular file. Follows symbolic links. Throws FileError, also for a pipe.
+    /// Returns the contents of a regular file. Follows symbolic links. Fails without blocking if the file is
+    /// a pipe or a device. Throws FileError.
     std::string contents(const std::string& path) const;
 
-    /// Replaces the contents of a file atomically: a reader, or a restart after a crash, finds either the
-    /// complete old or the complete new contents. Returns after the new contents have been flushed to disk.
-    /// An existing file keeps its permissions; a new file gets the user's default permissions. Follows
-    /// symbolic links, even to a file that does not exist yet. Fails if `path` is a directory or a device.
+    /// Replaces the contents of a file atomically and flushes the new contents to disk. At any time, even
+    /// after a crash, the file has either its complete old or its complete new contents. An existing file
+    /// keeps its permissions; a new file gets the user's default permissions. Follows symbolic links, even to
+    /// a file that does not exist yet. Fails if `path` is a directory or a device.
     ///
-    /// A process that is killed during the call may leave a temporary file. The next call for a file in the
-    /// same directory deletes it. It does not delete the files that other processes are writing.
+    /// A temporary file left by a killed process is deleted by the next call for a file in its directory.
     ///
-    /// Throws FileError. The old file is then unchanged, and no temporary file remains. The only exception is
-    /// a failure of the last step, which flushes the directory after the new contents are in place.
+    /// Throws FileError. If the final flush of the directory fails, the new contents are already in place.
+    /// After any other failure, the old file is unchanged and no temporary file remains.
     void writeAtomically(std::string_view data, const std::string& path) const;
 
 private:

@@ -15,7 +15,7 @@ public:
 
     /// Opens the stream. Must be called once, before the first `read`.
     virtual void open() = 0;
-    /// Returns true if bytes are available, or if this can be determined only by calling `read`.
+    /// Returns true if bytes are available, or if only a call to `read` can determine whether they are.
     virtual bool hasBytesAvailable() = 0;
     /// Reads into `buffer`. Returns the number of bytes read, 0 at the end, or a negative value on failure.
     virtual std::ptrdiff_t read(std::span<char> buffer) = 0;

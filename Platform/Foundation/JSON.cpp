@@ -137,7 +137,7 @@ void appendLiteral(std::string& out, std::string_view text, JSONSlashes slashes)
 }
 
 std::string numberText(double value) {
-    // 2^53. A double cannot represent every larger integer, so larger numbers use the shortest notation.
+    // 2^53. A double cannot represent every larger integer, so use scientific notation for larger numbers.
     constexpr double exactIntegers = 9007199254740992.0;
     if (std::trunc(value) == value && std::abs(value) <= exactIntegers) {
         return std::to_string(static_cast<std::int64_t>(value));
@@ -188,7 +188,7 @@ private:
             breakLine();
             writeElement(element);
         }
-        // An empty container is written on three lines, the second of which is empty.
+        // Like Foundation, write an empty container on three lines, the second of which is empty.
         if (pretty_ && first) {
             out_ += '\n';
         }

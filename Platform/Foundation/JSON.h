@@ -15,15 +15,15 @@ namespace Platform {
 /// A JSON value, with value semantics. Strings are UTF-8 and may contain NUL.
 class JSONValue {
 public:
-    /// The elements, in document order.
+    /// The elements of an array, in document order.
     using Array = std::vector<JSONValue>;
-    /// The members, sorted bytewise by name. If a name occurs more than once, the last value is used.
+    /// The members of an object, sorted bytewise by name. If a name is repeated, its last value is used.
     using Object = std::map<std::string, JSONValue, std::less<>>;
 
     /// The deepest nesting of arrays and objects that `parse` accepts.
     static constexpr std::size_t maxDepth = 512;
 
-    /// Creates a value of the corresponding JSON type. The default constructor creates null.
+    /// Creates a value of the JSON type that corresponds to the argument. Without an argument, creates null.
     JSONValue() = default;
     JSONValue(std::nullptr_t) {}
     JSONValue(bool value)
@@ -45,7 +45,7 @@ public:
 
     /// Parses a JSON array or object in UTF-8. Returns nothing on error. Conforms strictly to RFC 8259,
     /// except that a leading byte order mark is skipped. Also rejects nesting deeper than `maxDepth` and
-    /// numbers outside the range of a double. Safe for input of any kind and size.
+    /// numbers outside the range of a double. Safe for untrusted input of any size.
     static std::optional<JSONValue> parse(std::string_view bytes);
 
     /// Returns true if the value is null.

@@ -5,7 +5,7 @@
 
 namespace Platform {
 
-/// Creates an object of a class whose protected constructor ensures that a `shared_ptr` always owns it.
+/// Like `std::make_shared`, for a class whose constructor is protected to prevent other kinds of ownership.
 template <typename T, typename... Arguments>
 std::shared_ptr<T> makeShared(Arguments&&... arguments) {
     struct Made : T {

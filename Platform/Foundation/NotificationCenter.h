@@ -30,19 +30,19 @@ struct Notification {
 /// Delivers notifications to the observers that are registered for their names.
 ///
 /// Callbacks run on the thread that calls `post`, before `post` returns. Thread-safe. If an observation is
-/// ended on a thread other than the one that posts, its callback may still be running when the call returns.
+/// ended on one thread during a call to `post` on another, its callback may still be running afterwards.
 class NotificationCenter {
 public:
     using Callback = std::function<void(const Notification&)>;
 
-    /// The shared notification centre of the process.
+    /// The shared notification center of the process.
     static NotificationCenter& defaultCenter();
 
-    /// Calls `callback` whenever `object`, or any sender if null, posts `name`, until the token is destroyed.
+    /// Calls `callback` for each notification `name` from `object`, or from any sender if `object` is null.
     Observation addObserver(NotificationName name, const void* object, Callback callback);
 
-    /// Calls the currently registered observers, except those that are removed before their turn. Callbacks
-    /// may add observers, end observations (including their own), and post notifications recursively.
+    /// Calls the observers currently registered for the notification, except those removed before their turn.
+    /// Callbacks may add observers, end observations (including their own), and post recursively.
     void post(NotificationName name, const void* object);
 
 private:

@@ -14,8 +14,8 @@ namespace Platform {
 /// A list of callbacks, which are called in the order in which they were added.
 ///
 /// Callbacks may add observations, end them (including their own), notify the list recursively, and destroy
-/// the list. Thread-safe. If an observation is ended on a thread other than the one that notifies, its
-/// callback may still be running when the call returns.
+/// the list. Thread-safe. If an observation is ended on one thread during a notification on another, its
+/// callback may still be running afterwards.
 template <typename... Arguments>
 class ObserverList {
 public:
@@ -33,8 +33,8 @@ public:
             const std::scoped_lock lock(state_->mutex);
             state_->observers.push_back(observer);
         }
-        // The token also owns the observer, so that the callback is not destroyed while the lock is held:
-        // objects captured by the callback may end other observations.
+        // The token also owns the observer, so that the callback is not destroyed while the lock is held.
+        // Otherwise, a captured object that ends another observation would cause a deadlock.
         return Observation([weakState = std::weak_ptr(state_), observer = std::move(observer)] {
             observer->isEnded = true;
             if (const auto state = weakState.lock()) {

@@ -4,7 +4,7 @@
 
 namespace Platform {
 
-/// The main thread's run loop: timers and the events of GTK or AppKit. Main thread only, except `perform`.
+/// Handles timers and GTK or AppKit events on the main thread. Main thread only, except for `perform`.
 class RunLoop {
 public:
     RunLoop(const RunLoop&) = delete;

@@ -15,7 +15,7 @@ std::shared_ptr<Timer> Timer::scheduled(Interval interval, bool repeats, std::fu
 
 void Timer::invalidate() {
     stop();
-    // Release the callback last, from a local variable: objects that it captures may own this timer.
+    // Release the callback last, from a local variable, because objects that it captures may own this timer.
     const auto released = std::exchange(callback_, nullptr);
 }
 
@@ -32,7 +32,7 @@ void Timer::fire() {
     (*callback)();
 }
 
-/// The timer may already be destroyed when the callback returns.
+/// Keeps the callback in a local variable, because the callback may destroy the timer.
 void Timer::fired() noexcept {
     const auto running = repeats_ ? callback_ : std::exchange(callback_, nullptr);
     (*running)();

@@ -18,7 +18,7 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
     return path;
 }
 
-// Percent-encoding can triple the length of a string, and offsets must fit in 32 bits.
+// Keeps offsets within 32 bits, even though percent-encoding can triple the length of a string.
 constexpr std::size_t maxTextLength = std::size_t{1} << 28U;
 
 /// Parses a string that is composed of valid components. Aborts if it is not a valid URL.

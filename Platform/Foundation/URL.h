@@ -38,7 +38,7 @@ public:
     /// The host, percent-decoded. An IP literal is returned without its brackets. Absent if the authority is
     /// missing or empty, or if the decoded bytes are not valid UTF-8.
     std::optional<std::string> host() const;
-    /// The port. Also absent if the number exceeds 64 bits.
+    /// The port. Absent if the URL has no port or the number does not fit in 64 bits.
     std::optional<std::int64_t> port() const;
     /// The percent-decoded path, without a leading byte order mark. Empty if it is not valid UTF-8.
     std::string path() const;
@@ -69,10 +69,10 @@ public:
     /// Returns this URL without the last component of its path. The path of the result ends in "/". The root
     /// and an empty path remain unchanged.
     URL deletingLastPathComponent() const;
-    /// The file-system path, percent-decoded to any bytes, without trailing slashes except for the root.
+    /// The file-system path as percent-decoded bytes. Trailing slashes are removed, except for the root.
     std::string filePath() const;
 
-    /// Compares the strings.
+    /// Compares the strings of the URLs, without normalization.
     friend bool operator==(const URL& left, const URL& right) { return left.text_ == right.text_; }
 
 private:

@@ -10,9 +10,9 @@
 
 namespace Platform {
 
-/// One "name=value" item of a query. The value is absent if there is no "=", and empty if nothing follows it.
+/// A "name=value" item of a query. Without "=", the value is absent; with nothing after "=", it is empty.
 struct URLQueryItem {
-    /// Percent-encoded or not, depending on the function that returns or takes the item.
+    /// Name and value are percent-encoded or not, depending on the function that returns or takes the item.
     std::string name;
     std::optional<std::string> value;
 
@@ -46,7 +46,7 @@ public:
     const std::optional<std::string>& percentEncodedFragment() const { return fragment_; }
 
     /// Splits the query at "&" and each item at its first "=", and decodes names and values. "+" is not
-    /// decoded to a space. If the decoded bytes are not valid UTF-8, a name is empty and a value is absent.
+    /// decoded to a space. A name that does not decode to valid UTF-8 becomes empty, and such a value absent.
     /// Returns nothing if there is no query, and an empty list if the query is empty.
     std::optional<std::vector<URLQueryItem>> queryItems() const;
     /// Like `queryItems`, but names and values remain percent-encoded.
@@ -66,7 +66,7 @@ public:
     /// Returns the URL for `string`, or nothing if the string is empty or too long.
     std::optional<URL> url() const;
 
-    /// Compares the parts.
+    /// Compares the parts of the URLs.
     friend bool operator==(const URLComponents& left, const URLComponents& right);
 
 private:
@@ -82,7 +82,7 @@ private:
     std::string path_;
     std::optional<std::string> query_;
     std::optional<std::string> fragment_;
-    /// The string that was parsed, until a part is changed. Preserves leading zeros of the port.
+    /// The parsed string, or nothing after a part has been changed. Preserves leading zeros of the port.
     std::optional<std::string> text_;
 };
 

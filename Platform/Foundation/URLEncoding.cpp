@@ -72,7 +72,7 @@ bool isIn(char character, Bit bit) {
     return (table[static_cast<unsigned char>(character)] & static_cast<unsigned int>(bit)) != 0;
 }
 
-/// Returns the length of `text` up to the first delimiter.
+/// Returns the length of the part of `text` before its first delimiter of the given kind.
 std::size_t lengthUpTo(std::string_view text, Delimiter delimiter) {
     const auto ends = [delimiter](char character) { return isIn(character, delimiter); };
     return static_cast<std::size_t>(std::ranges::find_if(text, ends) - text.begin());
@@ -116,7 +116,7 @@ std::string_view take(std::string_view& rest, std::size_t length) {
     return taken;
 }
 
-/// Splits an authority into user information, host and port. Returns false if this is not possible.
+/// Splits an authority into user information, host and port. Returns false if the authority is invalid.
 bool splitAuthority(std::string_view authority, Parts& parts) {
     // The last "@" terminates the user information. Any preceding "@" is encoded later.
     if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
@@ -286,7 +286,7 @@ bool parse(std::string_view text, bool allowEmptyScheme, Parsed& parsed) {
             return false;
         }
         out += *host;
-        // Write the port without leading zeros. Omit it if it is empty or exceeds 64 bits.
+        // Write the port without leading zeros. Omit it if it is empty or does not fit in 64 bits.
         if (parsed.port) {
             out += ':';
             out += std::to_string(*parsed.port);

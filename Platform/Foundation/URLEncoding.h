@@ -32,8 +32,8 @@ struct Parts {
     std::optional<std::string_view> fragment;
 };
 
-/// A successfully parsed URL. `parts` refers to `text`, which is a re-encoded copy of the source if the
-/// source was not valid as given. Cannot be copied or moved, so that `parts` remains valid.
+/// A successfully parsed URL. `text` is a copy of the source, re-encoded if the source was not valid as
+/// given. Cannot be copied or moved, because `parts` refers to `text`.
 struct Parsed {
     std::string text;
     Parts parts;
@@ -56,7 +56,7 @@ bool isValidScheme(std::string_view scheme);
 std::string encoded(std::string_view text, Allowed allowed);
 /// Returns `text` unchanged if it is valid, otherwise percent-encodes it.
 std::string encodedUnlessValid(std::string_view text, Allowed allowed);
-/// Percent-encodes `path`, including ":" where it could be parsed as the end of a scheme.
+/// Percent-encodes `path`, including a ":" that could otherwise be parsed as the end of a scheme.
 std::string encodedPath(std::string_view path);
 
 /// Percent-decodes `text` to bytes. Invalid escapes remain unchanged.

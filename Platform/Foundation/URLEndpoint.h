@@ -16,8 +16,8 @@ struct URLEndpoint {
     std::optional<std::int64_t> port;
     std::string path;
 
-    /// Returns nothing if a part cannot be decoded. Otherwise an invalid host would be treated as absent, an
-    /// invalid port as the default port, and an invalid path as the root.
+    /// Returns nothing if a part cannot be decoded, so that an invalid host, port or path is not mistaken for
+    /// an absent host, the default port or the root.
     static std::optional<URLEndpoint> of(const URL& url);
 
     /// Returns the URL's port or, for "http" and "https", the default port. Otherwise returns nothing.

@@ -72,7 +72,7 @@ std::optional<std::string> convertedName(std::string_view name, Direction direct
     // IDNA errors that are ignored when converting to Unicode. A resolver rejects such names anyway.
     constexpr std::uint32_t shown = UIDNA_ERROR_EMPTY_LABEL | UIDNA_ERROR_LEADING_HYPHEN |
                                     UIDNA_ERROR_TRAILING_HYPHEN | UIDNA_ERROR_HYPHEN_3_4;
-    // Foundation's limit for the length of the name and of the converted name, in bytes.
+    // Foundation's limit, in bytes, for the length of a name before and after the conversion.
     constexpr std::size_t longest = 2048;
     if (idna() == nullptr || name.size() > longest) {
         return std::nullopt;

@@ -15,7 +15,7 @@ bool isValidHost(std::string_view host);
 /// Returns `host` unchanged if it is valid in a URL, otherwise its ASCII form or, if hosts of `scheme` are
 /// not domain names, its percent-encoded form. Returns nothing if `host` cannot be converted.
 std::optional<std::string> encodedHost(std::string_view host, std::optional<std::string_view> scheme);
-/// Percent-decodes the host of a URL if it contains "%", or converts it to Unicode. Empty if invalid.
+/// Percent-decodes `host` if it contains "%", otherwise converts it to Unicode. Returns nothing on failure.
 std::optional<std::string> decodedHost(std::string_view host);
 
 } // namespace Platform::URLEncoding

@@ -4,7 +4,7 @@
 
 namespace Platform {
 
-/// A request to load a URL, with the cache policy of the URL's protocol.
+/// A request to load a URL. Uses the default cache policy of the URL's protocol.
 struct URLRequest {
     URL url;
     /// The time, in seconds, after which the load fails if the server does not respond.

@@ -14,7 +14,7 @@ class Descriptor {
 public:
     explicit Descriptor(int value = -1)
         : value_(value) {}
-    /// Takes ownership of `value`. If it is negative, throws std::system_error with `errno` and `call`.
+    /// Takes ownership of `value`, the result of `call`. Throws std::system_error if `value` is negative.
     Descriptor(int value, const std::string& call)
         : value_(value) {
         if (value < 0) {
@@ -34,13 +34,13 @@ public:
     int get() const { return value_; }
     bool isOpen() const { return value_ >= 0; }
 
-    /// Closes the descriptor if it is open. Returns false and sets `errno` if, for example, a write failed.
+    /// Closes the descriptor if it is open. Returns false and sets `errno` on errors other than EINTR.
     bool close() {
         if (!isOpen()) {
             return true;
         }
-        // EINTR is not an error here, and the call must not be repeated: the descriptor is closed, and its
-        // number may already refer to another file.
+        // EINTR is not an error, and the call must not be repeated, because the descriptor is already closed
+        // and its number may refer to another file.
         return ::close(std::exchange(value_, -1)) == 0 || errno == EINTR;
     }
 

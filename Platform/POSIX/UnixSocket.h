@@ -23,8 +23,8 @@ int openUnixSocket();
 int bindUnixSocket(int descriptor, const sockaddr_un& address);
 int connectUnixSocket(int descriptor, const sockaddr_un& address);
 
-/// Accepts a connection and makes it non-blocking. Waits, or fails with EAGAIN if `listening` is
-/// non-blocking.
+/// Accepts a connection and makes it non-blocking. If no connection is pending, waits for one or, if
+/// `listening` is non-blocking, fails with EAGAIN.
 int acceptUnixSocket(int listening);
 
 /// Returns the effective user ID that the peer had when it connected, or nothing if it is unknown.

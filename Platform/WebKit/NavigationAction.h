@@ -34,7 +34,7 @@ struct NavigationAction {
 
 /// The frame whose script opens a panel. A plain value type.
 struct FrameInfo {
-    /// The URL of the frame's request. On Linux, that of the page: WebKitGTK does not identify the frame.
+    /// The URL of the frame's request. On Linux, the page's URL, as WebKitGTK does not identify the frame.
     std::optional<URL> url;
 };
 

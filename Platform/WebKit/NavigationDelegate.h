@@ -25,14 +25,14 @@ public:
     /// Called when a load has failed after its page committed.
     virtual void didFailNavigation(WebView& /*webView*/, const Error& /*error*/) {}
 
-    /// Called when a load has failed before its page committed. The previous page remains. If the policy
-    /// delegate cancels a redirect, the load fails with error 102 of "WebKitErrorDomain". Cancelling a
+    /// Called when a load has failed before its page committed. The view keeps the previous page. If the
+    /// policy delegate cancels a redirect, the load fails with error 102 of "WebKitErrorDomain". Cancelling a
     /// navigation that is not a redirect does not report a failure.
     virtual void didFailProvisionalNavigation(WebView& /*webView*/, const Error& /*error*/) {}
 };
 
 /// A navigation delegate that also decides whether to allow each navigation. Without a policy delegate,
-/// WebKit allows every navigation to a URL that it can load. On macOS, it passes other URLs, such as
+/// WebKit allows every navigation to a URL that it can load. On macOS, WebKit passes other URLs, such as
 /// `mailto:`, to the application that handles them.
 class NavigationPolicyDelegate : public NavigationDelegate {
 public:

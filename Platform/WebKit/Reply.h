@@ -20,11 +20,11 @@ public:
     virtual ~PendingReply() = default;
 
     virtual bool isAnswered() const = 0;
-    /// Sends the safe default answer, unless an answer has already been sent.
+    /// Sends the safe default, unless the reply has already been sent.
     virtual void answerSafely() = 0;
 };
 
-/// Replies to a request from WebKit once: with the first answer or, when destroyed, with a safe default.
+/// Replies to a request from WebKit once. If no answer is given, the destructor sends a safe default.
 template <typename... Answer>
 class Reply final : public PendingReply {
 public:
@@ -54,7 +54,7 @@ private:
 /// its view is destroyed. Main thread only.
 class PendingReplies {
 public:
-    /// Adds a weak reference to `reply`. The completion handler that gives the answer owns the reply.
+    /// Adds a weak reference to `reply`, which is owned by the completion handler passed to the delegate.
     void add(const std::weak_ptr<PendingReply>& reply) {
         std::erase_if(replies_, [](const auto& other) { return !isOpen(other); });
         replies_.push_back(reply);
@@ -62,7 +62,7 @@ public:
 
     bool areOpen() const { return std::ranges::any_of(replies_, isOpen); }
 
-    /// Sends the safe default answer for each pending reply.
+    /// Completes each pending reply with its safe default.
     void answerAllSafely() {
         for (const auto& weak : std::exchange(replies_, {})) {
             if (const auto reply = weak.lock()) {

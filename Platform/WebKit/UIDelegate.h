@@ -16,22 +16,22 @@ class WebViewConfiguration;
 /// refuse new windows, ignore requests to close the window, dismiss alerts and refuse confirmations.
 ///
 /// A completion may be called before the function returns or later, on the main thread. Only the first call
-/// has an effect. Destroying a completion without calling it gives the page the safe answer: an alert is
-/// dismissed, and a confirmation is refused.
+/// has an effect. Destroying a completion without calling it dismisses the alert or refuses the confirmation.
 class UIDelegate {
 public:
     virtual ~UIDelegate() = default;
 
     /// Called when a page opens a window. Returns a web view that was created with `configuration`, into
-    /// which WebKit then loads the page, or null to refuse the window. Any other configuration is a fatal
-    /// error. The view must be visible, or about to become visible, when the function returns.
+    /// which WebKit then loads the page, or null to refuse the window. Returning a view with another
+    /// configuration is a fatal error. The view must be visible, or about to become visible, when the
+    /// function returns.
     virtual std::shared_ptr<WebView>
     createWebView(WebView& /*webView*/, const std::shared_ptr<WebViewConfiguration>& /*configuration*/,
                   const NavigationAction& /*action*/) {
         return nullptr;
     }
 
-    /// Called when a script closes the window of its page. The page runs until the view is released.
+    /// Called when a script closes the window of its page. The page keeps running until the view is released.
     virtual void webViewDidClose(WebView& /*webView*/) {}
 
     /// Called when a script calls `alert`. The script waits until `completion` is called.

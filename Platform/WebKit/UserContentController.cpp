@@ -6,7 +6,7 @@
 namespace Platform {
 
 JSONValue ScriptMessage::bodyOf(const std::string& json) {
-    // JSONValue::parse accepts only an array or an object at the top level, so parse a list of one value.
+    // JSONValue::parse accepts only an array or an object at the top level, so wrap the value in an array.
     const auto list = JSONValue::parse("[" + json + "]");
     return list && list->array() && list->array()->size() == 1 ? list->array()->front() : nullptr;
 }

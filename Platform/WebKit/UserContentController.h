@@ -9,7 +9,7 @@ namespace Platform {
 
 /// A script that the application injects into pages. A plain value type.
 struct UserScript {
-    /// The point of a page load at which a script runs.
+    /// The point during the load of a page at which a script runs.
     enum class InjectionTime {
         /// Before any content of the page is loaded.
         atDocumentStart,

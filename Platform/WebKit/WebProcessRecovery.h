@@ -32,7 +32,7 @@ public:
     /// Called when the view has a page in a running web process again.
     void pageReturned();
 
-    /// Returns true until `pageReturned` is called. Views keep reporting the last page's URL and title.
+    /// Returns true from `processEnded` until `pageReturned`. Views then still report the last URL and title.
     bool isPageGone() const { return state_ != State::running; }
     bool reloadsWhenVisible() const { return state_ == State::reloadsWhenVisible; }
     /// The load to repeat instead of reloading the page, if any.

@@ -19,9 +19,9 @@ class WebViewEngine;
 
 /// A view that shows web pages and keeps their history. Main thread only.
 ///
-/// The properties mirror those of the native view, which determines what is shown. Observers are notified
-/// after a property has changed. Unlike other views, a web view creates its native view immediately, because
-/// it loads pages even while it is not shown.
+/// The properties mirror those of the native view. Observers are notified after a property has changed.
+/// Unlike other views, a web view creates its native view immediately, because it loads pages even while it
+/// is not shown.
 ///
 /// If the web process terminates, the view keeps reporting the last URL and title, reports that it is not
 /// loading, and reloads the page once, as soon as the view is visible. After a second failure within a

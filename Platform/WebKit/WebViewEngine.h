@@ -40,7 +40,7 @@ public:
 
     WebViewEngine(const WebViewEngine&) = delete;
     WebViewEngine& operator=(const WebViewEngine&) = delete;
-    /// Gives open panels their safe default answers, because WebKit keeps a waiting page alive.
+    /// Completes the replies of open panels, because WebKit keeps a page alive while it waits for a reply.
     virtual ~WebViewEngine();
 
     /// Sets the web view that owns the engine. Called once, before any observer or delegate is called.

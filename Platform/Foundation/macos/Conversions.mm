@@ -28,8 +28,8 @@ std::optional<URL> fromNSURL(NSURL* url) {
 
 namespace {
 
-/// Prefers `NSURLErrorFailingURLStringErrorKey`. This key is deprecated since macOS 15.4 and later versions
-/// may omit it, so fall back to `NSURLErrorFailingURLErrorKey`.
+/// Prefers `NSURLErrorFailingURLStringErrorKey`, which has been deprecated since macOS 15.4. If the key is
+/// missing, falls back to `NSURLErrorFailingURLErrorKey`.
 std::optional<std::string> failingURLOf(NSError* error) {
     const id text = error.userInfo[NSURLErrorFailingURLStringErrorKey];
     if ([text isKindOfClass:NSString.class]) {

@@ -31,7 +31,7 @@ URL FileManager::applicationSupportDirectory() const {
     return directoryURL(url);
 }
 
-/// Prefers F_FULLFSYNC, which not every file system supports: fsync leaves the data in the drive's cache.
+/// Uses fsync, which leaves the data in the drive's cache, only if the file system rejects F_FULLFSYNC.
 int FileManager::flush(int descriptor) {
     const int flushed = fcntl(descriptor, F_FULLFSYNC);
     return flushed != 0 && errno != EINTR ? fsync(descriptor) : flushed;

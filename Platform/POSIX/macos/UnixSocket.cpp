@@ -17,7 +17,7 @@ namespace {
 /// signal to the process, so blocking it on this thread does not keep other threads from receiving it.
 bool raisesNoSignal(int descriptor) { return fcntl(descriptor, F_SETNOSIGPIPE, 1) == 0; }
 
-/// Sets the flags of a new socket, which macOS cannot set when it creates the socket.
+/// Sets the flags that macOS cannot set when it creates a socket.
 int prepared(int descriptor, int statusFlags) {
     if (descriptor < 0) {
         return -1;

@@ -15,7 +15,7 @@ namespace Platform {
 
 namespace {
 
-// The Fetch standard's list of bad ports; sorted.
+// The Fetch standard's list of bad ports, in ascending order.
 constexpr auto restrictedPorts = std::to_array<std::int64_t>(
     {0,    1,    7,    9,    11,   13,   15,   17,   19,   20,   21,   22,   23,   25,   37,   42,   43,
      53,   69,   77,   79,   87,   95,   101,  102,  103,  104,  109,  110,  111,  113,  115,  117,  119,

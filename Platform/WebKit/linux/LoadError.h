@@ -14,8 +14,8 @@ namespace Platform {
 /// emits an error when its media player takes over the load of an audio or video file.
 std::optional<Error> loadError(const GError& error, const char* failingURI);
 
-/// Returns true if `uri` is an http or https URL with a port that is reserved for another protocol and
-/// blocked for web pages. WebKitGTK 2.50.6 shows an empty page instead of reporting a failure (not reported).
+/// Returns true if `uri` is an http or https URL with a port that the Fetch standard blocks. For such a URL,
+/// WebKitGTK 2.50.6 shows an empty page instead of reporting a failure (not reported upstream).
 bool usesRestrictedPort(const char* uri);
 
 /// Create errors for failures for which WebKitGTK does not define an error.

@@ -103,7 +103,7 @@ void Navigation::commit() {
     if (hasStarted()) {
         end();
     } else if (auto* navigation = underWay()) {
-        // An earlier navigation has committed and replaced the page that was shown.
+        // An earlier navigation has committed, so the URL of the shown page is unknown.
         navigation->shownURL.reset();
     }
 }

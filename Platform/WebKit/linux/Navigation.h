@@ -39,13 +39,13 @@ public:
     bool isRequested() const { return std::holds_alternative<Requested>(phase_); }
     bool hasStarted() const { return std::holds_alternative<Started>(phase_); }
 
-    /// The current load that the application requested, or null.
+    /// Returns the current load if the application requested it, otherwise null.
     Load* load();
     /// The URL of the page that is currently shown, or nothing if it is unknown. `url` is the URL that the
     /// view reports, which may already be the URL of the next page.
     std::optional<URL> shownURL(const std::optional<URL>& url) const;
 
-    /// Ends the phase in which the view is fresh or a new window.
+    /// Records that the view has been used, so that it is no longer fresh or a new window.
     void use() { phase_ = Idle{}; }
     /// Records that a page has opened the view.
     void openWindow() { phase_ = NewWindow{}; }
@@ -67,7 +67,7 @@ public:
 
     /// The reason why the engine cancelled the navigation, if it did. Null before the navigation starts.
     ExpectedFailure* expectedFailure();
-    /// Returns the reason if the engine cancelled the navigation, or otherwise `error` itself.
+    /// Returns an error with the reason if the engine cancelled the navigation, otherwise `error` itself.
     Error nameFailure(const Error& error);
 
 private:

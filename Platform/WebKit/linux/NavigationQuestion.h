@@ -12,8 +12,8 @@ namespace Platform {
 /// Converts a WebKitGTK navigation action.
 NavigationAction navigationAction(WebKitNavigationAction* action);
 
-/// A request from WebKitGTK for a policy decision about a navigation. Only the first answer has an effect. If
-/// no answer was given, the destructor cancels the navigation.
+/// A request from WebKitGTK for a policy decision about a navigation. Only the first call to `answer` has an
+/// effect. If `answer` is never called, the destructor cancels the navigation.
 class NavigationQuestion {
 public:
     explicit NavigationQuestion(WebKitNavigationPolicyDecision* decision);

@@ -9,11 +9,11 @@
 
 namespace Platform {
 
-/// Delays the start of an empty view's web process until a window is painted. The start takes longer than the
-/// rest of the first load, and can run while the user types the address. Main thread only.
+/// Starts the web process of an empty view before the first load, but only after a window is painted.
+/// Starting the process accounts for most of the duration of the first load. Main thread only.
 class Prewarming {
 public:
-    /// Calls `start` once, right after the window of `widget` is painted, unless destroyed before.
+    /// Calls `start` once, after the window of `widget` is painted, unless this object is destroyed first.
     Prewarming(GtkWidget* widget, std::function<void()> start);
     Prewarming(const Prewarming&) = delete;
     Prewarming& operator=(const Prewarming&) = delete;

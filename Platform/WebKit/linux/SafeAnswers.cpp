@@ -42,8 +42,8 @@ gboolean decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision, W
 }
 
 gboolean scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpointer /*data*/) {
-    // Always allow leaving the page. After a refusal, WebKitGTK 2.50.6 keeps reporting the URL of the next
-    // page, and keeps reporting that it is loading (not reported).
+    // Always allow leaving the page. After a refusal, WebKitGTK 2.50.6 continues to report the URL of the
+    // next page and that the view is loading (not reported upstream).
     if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
         webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
     }
@@ -66,7 +66,7 @@ gboolean queryPermissionState(WebKitWebView* /*view*/, WebKitPermissionStateQuer
     return TRUE;
 }
 
-/// Without a credential, WebKitGTK shows the page that the server sent with its response.
+/// Continues without a credential, so that WebKitGTK shows the page that the server sent with its response.
 gboolean authenticate(WebKitWebView* /*view*/, WebKitAuthenticationRequest* request, gpointer /*data*/) {
     webkit_authentication_request_authenticate(request, nullptr);
     return TRUE;

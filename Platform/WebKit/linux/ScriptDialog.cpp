@@ -5,7 +5,7 @@ namespace Platform {
 namespace {
 
 /// Shares ownership of the dialog, which closes when the last reference is released. It is an error to call
-/// webkit_script_dialog_close() while the signal is being emitted.
+/// webkit_script_dialog_close() while `script-dialog` is being emitted.
 std::shared_ptr<WebKitScriptDialog> share(WebKitScriptDialog* dialog) {
     return {webkit_script_dialog_ref(dialog), &webkit_script_dialog_unref};
 }

@@ -57,14 +57,14 @@ WebKitGTKEngine::WebKitGTKEngine(WebViewConfiguration& configuration)
     connect<&Engine::webProcessTerminated>(view, "web-process-terminated");
     connect<&Engine::mapped>(view, "map");
     connect<&Engine::unmapped>(view, "unmap");
-    // Connect these handlers last, because only the first handler that answers a signal has an effect.
+    // Connect the fallback handlers last, because only the first handler that handles a signal has an effect.
     giveSafeAnswers(view);
 }
 
 WebKitGTKEngine::~WebKitGTKEngine() {
     // Keep the widget alive until the main loop runs again, because a handler of one of its signals may
-    // release the view during the emission. Do not use idle priority: if a page opens panels in an endless
-    // loop, they now get immediate answers, and an idle source might never run.
+    // release the view during the emission. Do not use idle priority, because an idle source might never run
+    // while a page opens panels in an endless loop.
     g_idle_add_full(G_PRIORITY_HIGH, releaseLater, g_object_ref(view_.get()), g_object_unref);
 }
 
@@ -156,8 +156,8 @@ void WebKitGTKEngine::stopLoading() {
         update(&Values::url, shownURL, Property::url);
         return;
     }
-    // If a navigation is stopped before its policy decision is requested, WebKitGTK 2.50.6 drops it but
-    // reports that it is loading forever (not reported). Cancel it when the decision is requested.
+    // If a navigation is stopped before its policy decision is requested, WebKitGTK 2.50.6 drops it but keeps
+    // `is-loading` set (not reported upstream). Cancel it when the decision is requested.
     if (values().isLoading || load) {
         if (const auto requested = requestedURI()) {
             navigation_.stop(*requested);
@@ -218,7 +218,7 @@ gboolean WebKitGTKEngine::decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDeci
     if (isFirstOfWindow) {
         navigation_.use();
     }
-    // WebKitGTK starts a process for a window opened with `noopener` after the decision, so wait for a slot.
+    // For `noopener` windows, WebKitGTK starts a process after the decision, so wait for a slot first.
     if (isFirstOfWindow && uriOf(view_.get())) {
         slot_.release();
         requestSlot([this, question](WebKitWebView*) { decide(question); });
