@@ -36,7 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto resolved = AddressInput::resolve(text);
     require(resolved.has_value() != isBlank, "an address is absent for blank text alone");
     if (resolved) {
-        // The decoded host may be absent: "a.b%FF" is accepted as a host, but does not decode to valid UTF-8.
+        // Do not require a decoded host, because "a.b%FF" is accepted as a host but does not decode to valid
+        // UTF-8.
         require(resolved->scheme().has_value() && resolved->percentEncodedHost().has_value(),
                 "an address has scheme and host");
         for (const char character : resolved->absoluteString()) {

@@ -23,7 +23,7 @@ void require(bool condition, std::string_view promise) {
     }
 }
 
-/// The result of one `append` call: the decoded payloads, or the length that was rejected.
+/// The result of one `append` call: the decoded payloads, or the frame length that was rejected.
 struct Outcome {
     std::vector<std::string> payloads;
     std::optional<std::int64_t> refused;

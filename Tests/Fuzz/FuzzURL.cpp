@@ -78,7 +78,8 @@ void checkComponents(URLComponents components, std::string_view text) {
         require(components.percentEncodedQuery() == query, "encoded items make the same query again", text);
         const auto items = required(components.queryItems(), "there are items", text);
         components.setQueryItems(items);
-        // A single item with neither name nor value is written as an empty query, which has no items.
+        // A single item with neither name nor value is written as an empty query, which is parsed as no
+        // items.
         const std::size_t count = items == std::vector<Platform::URLQueryItem>{{}} ? 0 : items.size();
         require(required(components.queryItems(), "there are items", text).size() == count,
                 "decoded items are as many again", text);

@@ -23,7 +23,7 @@ protected:
                << named.size() << " named " << name << (named.empty() ? "" : ", a " + named[0].role);
     }
 
-    /// The names of the tabs in the strip. The name of a selected tab is in brackets.
+    /// The names of the tabs in the tab strip. The name of a selected tab is in brackets.
     static std::vector<std::string> tabs() {
         std::vector<std::string> names;
         for (const auto& object : accessibleObjects()) {
@@ -111,7 +111,8 @@ TEST_F(AccessibilityTest, nothingThatTakesTheFocusHasTheNameOrTheRoleOfAWidget) 
     EXPECT_TRUE(isNamed("Web page", "document"));
     openPage("/second", first);
     for (const auto& object : accessibleObjects()) {
-        // GTK's scrolling containers claim to be focusable, but pass the focus on to their contents.
+        // GTK reports scrolling containers, which have the role "group", as focusable, although they pass the
+        // focus on to their contents.
         if (object.isFocusable && object.role != "group") {
             EXPECT_NE(object.role, "widget") << object.name;
             for (const char* prefix : {"Gtk", "Adw"}) {
@@ -165,7 +166,8 @@ TEST_F(AccessibilityTest, tabAndShiftTabReachEveryControl) {
         pressKey("Tab");
         ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;
     }
-    // The first Shift+Tab is pressed while the page has the focus. The page has no focusable elements.
+    // The page has the focus but contains no focusable elements, so the first Shift+Tab moves the focus out
+    // of the page.
     for (std::size_t i = order.size() - 1; i-- > 0;) {
         pressKey("shift+Tab");
         ASSERT_TRUE(runUntil([&] { return hasFocus(*order[i]); })) << i;

@@ -101,7 +101,7 @@ TEST_F(AppDelegateTest, reopeningOpensABlankTabOnlyWithoutAVisibleWindow) {
     const auto first = launch();
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(true));
     EXPECT_EQ(controllers().size(), 1U);
-    // The tab opens in a new window even though another window is open.
+    // The blank tab opens in a new window, even though another window is open.
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
     ASSERT_EQ(controllers().size(), 2U);
     EXPECT_TRUE(controllers()[1]->isEmptyTab());

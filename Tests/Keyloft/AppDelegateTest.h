@@ -18,7 +18,7 @@ public:
 protected:
     AppDelegateTest();
 
-    /// Finishes launching without URLs and returns the blank tab.
+    /// Finishes launching the application without URLs and returns the blank tab.
     Tab launch();
     /// Opens a page with the title `path` in a tab next to `beside`, or in a new window if `beside` is null.
     /// Waits until the page is loaded.

@@ -128,8 +128,8 @@ TEST_F(ControllerLifetimeTest, aTabEndsWhileItsPageMoves) {
                           "<title>moving</title><script>let n = 0; function step() { document.body.style"
                           ".background = ++n % 2 ? 'red' : 'blue'; requestAnimationFrame(step) }"
                           "onload = step</script>"));
-    // A message about a painted frame may be in transit when the tab closes. Repeat the test to make that
-    // likely.
+    // Repeat the test to make it likely that a message about a painted frame is in transit when the tab
+    // closes.
     for (int i = 0; i < 5; ++i) {
         expectEndBy([&](Controller& tab) {
             tab.load(serverURL("/"));

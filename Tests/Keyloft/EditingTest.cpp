@@ -136,8 +136,8 @@ TEST_F(AddressEditingTest, returnOnBlankTextEndsTheEditAndNothingElse) {
     EXPECT_EQ(tab->addressField()->stringValue(), "  ");
     EXPECT_FALSE(tab->webView()->isLoading());
     EXPECT_EQ(server.count("/page"), 1U);
-    // When the field loses the focus, the page's address is restored, even though nothing was typed after
-    // Return.
+    // When the field loses the focus, the page's address is restored, even if the user has typed nothing
+    // since pressing Return.
     pressKey("Tab");
     EXPECT_TRUE(runUntil([&] { return tab->addressField()->stringValue() == server.url("/page"); }));
 }

@@ -70,7 +70,7 @@ protected:
         return nullptr;
     }
 
-    /// The typed characters that reached the view with the focus.
+    /// The typed characters that the focused view has received.
     static std::string typed(const Tab& tab) {
         if (GetParam() == Focus::page) {
             return tab->webView()->title().value_or("");
@@ -96,7 +96,7 @@ TEST_P(KeyEquivalentTest, everyKeyDoesWhatItsItemSays) {
         std::function<void()> undo = nullptr;
     };
     const std::vector<Case> cases = {
-        // The key equivalent works before the Bookmarks menu has been opened for the first time.
+        // The key equivalent works even before the Bookmarks menu has been opened for the first time.
         {"ctrl+d", [&] { return tab->isBookmarked(); }},
         {"ctrl+d", [&] { return !tab->isBookmarked(); }},
         {"ctrl+r", [&] { return server.count("/two") == 2 && !tab->webView()->isLoading(); }},
@@ -191,7 +191,7 @@ TEST_P(KeyEquivalentTest, theEditingKeysEditWhatHasTheFocus) {
     pressKey("End");
     pressKey("ctrl+v");
     expectText("abababab");
-    // The amount of text that a single Undo reverts depends on the field.
+    // How much text a single Undo reverts depends on the field, so only expect that the text changes.
     pressKey("ctrl+z");
     EXPECT_TRUE(runUntil([&] { return typed(tab) != "abababab"; }));
     pressKey("ctrl+shift+z");

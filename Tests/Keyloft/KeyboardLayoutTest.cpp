@@ -36,8 +36,8 @@ protected:
         return items;
     }
 
-    /// Presses the key equivalent of each menu item that has the action, and waits until `isDone` returns
-    /// true.
+    /// Presses the key equivalent of each menu item with the action `action`, and waits until `isDone`
+    /// returns true.
     void press(Action action, const std::function<bool()>& isDone) {
         for (const auto& item : itemsWithKeys()) {
             if (item->action() == action) {
@@ -104,8 +104,8 @@ TEST_P(KeyboardLayoutTest, everyKeyEquivalentCanBeTyped) {
     }
     press(StandardAction::performClose, [&] { return controllers().size() == 2; });
 
-    // These actions are not tested: `terminate` would terminate the test program, and `hideOtherApplications`
-    // is never enabled on Linux.
+    // The key equivalents of these actions are not pressed, because `terminate` would end the test program
+    // and `hideOtherApplications` is never enabled on Linux.
     pressed.insert({StandardAction::terminate, StandardAction::hideOtherApplications});
     for (const auto& item : itemsWithKeys()) {
         EXPECT_TRUE(pressed.contains(item->action().value_or(BrowserAction::newTab))) << item->title();

@@ -92,8 +92,8 @@ void LayoutTest::expectToolbar(const Tab& tab, const Rect& row) {
     for (const std::size_t button : {1, 2, 4}) {
         EXPECT_EQ(bounds[button].width, bounds[0].width);
     }
-    // The address field fills the width that the other controls leave, regardless of its text. Each of the
-    // four buttons is at most 40 points wide.
+    // The address field fills the space that the other controls do not use, regardless of its text. Each of
+    // the four buttons is at most 40 points wide.
     EXPECT_GT(bounds[3].width, row.width - 220 - (4 * 40) - (2 * 10) - (5 * 6) - 1);
 }
 
@@ -233,7 +233,7 @@ TEST_F(LayoutTest, aLongPageTitleDoesNotWidenTheWindow) {
     const auto first = openTab();
     const auto tab = openTab(first);
     const Size before = nativeWindowSize(*tab->window());
-    // WebKitGTK reports the title while it is still being loaded and may truncate it, so wait only for the
+    // WebKitGTK may report only part of the title while the page is still loading, so wait only for the
     // beginning of the title.
     server.route("/", HTTPResponse::page(std::string(10000, 'm')));
     tab->load(serverURL("/"));
@@ -264,7 +264,7 @@ TEST_F(LayoutTest, theFillCoversItsShareOfTheProgressLine) {
     EXPECT_EQ(widthAt(1), 1100);
     EXPECT_EQ(widthAt(0.5), 550);
     EXPECT_EQ(widthAt(0), 0);
-    // A progress above 1 is not clamped, although the progress line cannot show more than its own width.
+    // A progress above 1 is not clamped, so the fill is wider than the progress line.
     EXPECT_EQ(widthAt(1.5), 1650);
     EXPECT_EQ(boundsInContent(bar).width, usualSize.width);
 

@@ -96,7 +96,7 @@ TEST_F(MisbehavingPageTest, aPageThatClosesItselfStaysOpen) {
 }
 
 TEST_F(MisbehavingPageTest, redirectsWhileTheUserTypesLeaveTheTextAlone) {
-    // Each page navigates to the next page without user interaction, each in a different way.
+    // Each page navigates to the next page in a different way, without user interaction.
     const std::string next[] = {
         "<script>onload = () => setTimeout(() => location = '/hop1')</script>",
         "<meta http-equiv=refresh content='0; url=/hop2'>",

@@ -41,7 +41,7 @@ TEST_F(NavigationTest, theAddressFieldsTextIsResolvedAndLoaded) {
 }
 
 TEST_F(NavigationTest, wordsInEitherFieldAreSearchedFor) {
-    // The search requests must not leave this machine.
+    // Redirect the traffic, so that the search requests do not leave this machine.
     const TestSupport::TrafficRedirection redirection(server.port());
     const auto tab = openTab();
     tab->addressField()->setStringValue("two words");
@@ -50,7 +50,7 @@ TEST_F(NavigationTest, wordsInEitherFieldAreSearchedFor) {
     tab->webView()->stopLoading();
 
     const auto other = openTab();
-    // The search field treats even text that looks like an address as a search.
+    // Text in the search field is always treated as a search, even if it looks like an address.
     other->searchField()->setStringValue("example.org");
     other->searchField()->sendAction();
     EXPECT_EQ(other->webView()->url(), url("https://duckduckgo.com/?q=example.org"));

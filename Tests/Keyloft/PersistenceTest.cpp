@@ -29,7 +29,7 @@ protected:
     PersistenceTest() { TestSupport::startWindowManager(); }
 
     /// Adds a page that runs `script` and then sends the value of the expression `report` to the server. If
-    /// `cookie` is not empty, it is the value of the Set-Cookie header.
+    /// `cookie` is not empty, the response has a Set-Cookie header with this value.
     void route(const std::string& path, const std::string& script, const std::string& report,
                const std::string& cookie = "") {
         auto response =
@@ -41,8 +41,8 @@ protected:
         server.route(path, response);
     }
 
-    /// Starts the program with the URL of the page, waits for the page's report, and presses Ctrl+Q to quit
-    /// the program. Returns the report, percent-encoded.
+    /// Starts the program with the URL of the page at `path`, waits for the page's report, and presses Ctrl+Q
+    /// to quit the program. Returns the report, percent-encoded.
     std::string run(const std::string& path) {
         Program program(KEYLOFT_PROGRAM, {server.url(path)});
         EXPECT_TRUE(eventually([&] { return server.count(path + "-report") == 1; })) << program.errors();

@@ -53,7 +53,7 @@ TEST_F(PopUpTest, aLinkToANewWindowOpensATabInTheSameWindow) {
     TestSupport::runScript(*opener->webView(), "document.getElementById('a').click()");
     ASSERT_TRUE(runUntil([&] { return tabs.size() == 2; }));
     const auto popUp = tabs[1];
-    // A link with target=_blank implies rel=noopener.
+    // A link with target=_blank implies rel=noopener, so the new page has no opener.
     ASSERT_TRUE(waitForTitle(popUp, "opener false"));
     EXPECT_EQ(popUp->webView()->url(), serverURL("/popup"));
     EXPECT_EQ(popUp->addressField()->stringValue(), server.url("/popup"));

@@ -41,8 +41,8 @@ protected:
         server.route("/seen", HTTPResponse::html(""));
     }
 
-    /// Adds a page with the title and returns its URL. The page reports its own URL to the server when it is
-    /// loaded.
+    /// Adds a page with the title `title` and returns its URL. The page reports its own URL to the server
+    /// when it is loaded.
     std::string page(const std::string& path, const std::string& title) {
         server.route(path,
                      HTTPResponse::html("<title>" + title +
@@ -130,7 +130,7 @@ TEST_P(ProgramLayoutTest, isQuitByControlAndTheKeyThatTypesQ) {
     const auto program = start({page("/given")});
     ASSERT_TRUE(waitForFocus("/given"));
     const auto key = [](int code) { askXdotool("keydown ctrl key " + std::to_string(code) + " keyup ctrl"); };
-    // Press a key that types Q on another layout, but not on the current one.
+    // Press a key that types Q on another layout but not on the current layout. The program must not quit.
     key(GetParam().keycodeOfQ == 24 ? 38 : 24);
     EXPECT_TRUE(program->isRunning());
     key(GetParam().keycodeOfQ);
@@ -150,7 +150,7 @@ TEST_F(ProgramTest, startsWithOneBlankTabThatWaitsForAnAddress) {
 TEST_F(ProgramTest, startsWithThePageItIsGivenAndNoOther) {
     const auto program = start({page("/given")});
     ASSERT_TRUE(waitForWindows({"/given"}));
-    // If there were also a blank tab, closing the tab of the page would show it.
+    // If the program had also opened a blank tab, closing the page's tab would select the blank tab.
     ASSERT_TRUE(waitForFocus("/given"));
     press("ctrl+w");
     ASSERT_TRUE(waitForWindows({}));
@@ -286,8 +286,8 @@ TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
     for (const auto& given : pages) {
         page(given.path);
         first.push_back(server.url(given.argument));
-        // The second process opens the same pages with an additional query, so that their reports can be
-        // distinguished.
+        // The second process opens the same pages with an additional query, so that the reports of the two
+        // processes can be distinguished.
         const auto hash = given.argument.find('#');
         second.push_back(server.url(given.argument.substr(0, hash) + "?2" +
                                     (hash == std::string::npos ? "" : given.argument.substr(hash))));
@@ -297,7 +297,7 @@ TEST_F(ProgramTest, everyPageIsAskedForAsItWasGiven) {
                            (seenHash == std::string::npos ? "" : given.seen.substr(seenHash)));
     }
     std::ranges::sort(expected);
-    // The scheme "HTTP" in upper case is treated as a different scheme, and its URLs are ignored.
+    // Schemes are compared case-sensitively, so a URL with the scheme "HTTP" is ignored.
     page("/upper");
     auto upper = server.url("/upper");
     upper.replace(0, 4, "HTTP");
@@ -399,7 +399,7 @@ TEST_F(ProgramTest, anotherProgramInFrontDoesNotChangeWherePagesGo) {
 }
 
 TEST_F(ProgramTest, runsWithoutASessionBus) {
-    // Start the accessibility bus, which programs find through the display even without a session bus.
+    // Start the accessibility bus first. Programs find it through the display even without a session bus.
     TestSupport::accessibleObjects(::getpid());
     const std::optional<std::string> addresses[] = {"unix:path=/nonexistent/bus", std::nullopt};
     for (const auto& address : addresses) {
@@ -433,7 +433,7 @@ TEST_F(ProgramTest, theWindowComesBackAsItWasLeft) {
     ASSERT_TRUE(waitForFocus("New Tab"));
     const auto firstWidth = geometry("New Tab").substr(0, 5);
     EXPECT_EQ(firstWidth, "1100x");
-    // The size of a window may still change just after the window is shown, so repeat the request.
+    // The size of a window may still change just after the window is shown, so repeat the resize.
     ASSERT_TRUE(eventually([&] {
         askXdotool("search --onlyvisible --name '^New Tab$' windowsize %@ 900 700");
         return geometry("New Tab") == "900x700";

@@ -24,7 +24,7 @@ protected:
         return tab;
     }
 
-    /// Opens a confirm panel that no page has requested. Appends the answer to `answers`.
+    /// Opens a confirm panel that was not requested by a page. Appends the user's answer to `answers`.
     static void ask(const Tab& tab, const std::string& message, std::vector<bool>& answers) {
         tab->runJavaScriptConfirmPanel(*tab->webView(), message, {},
                                        [&answers](bool answer) { answers.push_back(answer); });

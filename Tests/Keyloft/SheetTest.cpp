@@ -24,7 +24,7 @@ namespace {
 /// Tests sheets opened by real pages, using real key presses and clicks, under a window manager.
 class SheetTest : public AppDelegateTest {
 protected:
-    /// Opens a page that calls confirm() each time `ask` is called, and lists all answers in its title.
+    /// Opens a page whose function ask() calls confirm(). The title of the page lists all answers.
     Tab openAsking(const Tab& beside = nullptr) {
         server.route("/asking", HTTPResponse::html("<title>asking</title><script>const answers = [];"
                                                    "function ask(text) { setTimeout(() => {"
@@ -128,8 +128,8 @@ TEST_F(SheetTest, aLoadErrorAndAPanelOfOnePageWaitForEachOther) {
     asking->load(url("http://no-such-host.invalid/"));
     ASSERT_TRUE(waitForSheet(asking));
     ask(asking);
-    // Load another page to allow time for the call to confirm(). The confirm() sheet is shown only after the
-    // load error sheet is closed.
+    // The confirm() sheet must not be shown until the load error sheet is closed. Load another page first, to
+    // give confirm() time to be called.
     ASSERT_TRUE(loadPage(openPage("/beside"), "/meanwhile"));
     TestSupport::activate(*asking->window());
     EXPECT_EQ(present(shownSheet(*asking->window())).texts.at(0), "Keyloft can't open the page");
@@ -196,7 +196,7 @@ TEST_F(SheetTest, aPageThatAlertsForeverCanBeClosed) {
         EXPECT_TRUE(loadPage(beside, "/after"));
     }
     // The scripts must not keep running after their tabs are closed. WebKitGTK lets them run for ten more
-    // seconds.
+    // seconds, so wait longer than usual.
     EXPECT_TRUE(
         runUntil([&] { return TestSupport::webProcesses().size() <= before.size(); }, TestSupport::patience));
 }
@@ -245,8 +245,8 @@ TEST_F(SheetTest, theKeyboardGoesRoundInsideOfIt) {
     TestSupport::activate(*asking->window());
     ask(asking);
     ASSERT_TRUE(runUntil([&] { return hasSheetFocus(*asking->window()); }));
-    // The keys move the focus between the two buttons of the sheet, so the default button has the focus again
-    // at the end.
+    // Each key press moves the focus to the other button of the sheet. After eight key presses, the default
+    // button has the focus again.
     for (const char* key : {"Tab", "Tab", "Tab", "Tab", "shift+Tab", "shift+Tab", "shift+Tab", "shift+Tab"}) {
         pressKey(key);
         pressKey("Control_L"); // gives the previous key press time to take effect

@@ -122,7 +122,7 @@ protected:
             } else {
                 closeAny();
             }
-            // Occasionally run the main loop, so that the other tabs make progress.
+            // Occasionally run the main loop, so that the open tabs make progress.
             if (below(3) == 0) {
                 TestSupport::runTurns(below(100));
             }
@@ -151,8 +151,8 @@ protected:
     }
 
     /// The number of open file descriptors, excluding those that WebKitGTK leaks. If a view is destroyed
-    /// while its web process is starting, WebKitGTK 2.50.6 leaks the thread that receives messages from the
-    /// process, and one file descriptor. Also seen with a plain web view (not reported).
+    /// while its web process is starting, WebKitGTK 2.50.6 leaks one file descriptor and the thread that
+    /// receives messages from the process. The leak also occurs with a plain web view (not reported).
     static std::size_t openDescriptors() {
         return TestSupport::openDescriptors() - TestSupport::runningThreads("ReceiveQueue");
     }
@@ -175,8 +175,8 @@ TEST_F(SoakTest, tabsOpenedAndClosedInRandomOrderLeaveNothingBehind) {
     openAndClose(250);
     expectNothingIsLeft();
     EXPECT_TRUE(waitForWebProcesses()) << webProcesses().size() << " web processes";
-    // WebKitGTK keeps a few connections open for a while. A leak would leave one file descriptor for each
-    // tab.
+    // WebKitGTK keeps a few connections open for a while, so allow for some additional descriptors. A leak
+    // would add one file descriptor for each tab.
     EXPECT_TRUE(runUntil([&] { return openDescriptors() < descriptors + 30; }, TestSupport::patience))
         << openDescriptors() << " descriptors after " << descriptors;
 }

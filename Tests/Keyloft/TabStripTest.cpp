@@ -24,7 +24,7 @@ protected:
         return tabs;
     }
 
-    /// Waits until the dragged tab is visible and no longer in the window of `neighbour`.
+    /// Waits until the dragged tab is visible in a window other than the window of `neighbour`.
     [[nodiscard]] static bool waitForOwnWindow(const Tab& tab, const Tab& neighbour) {
         return runUntil([&] {
             return tab->window()->isVisible() && !shareNativeWindow(*tab->window(), *neighbour->window());

@@ -93,7 +93,7 @@ TEST_F(WebProcessEndTest, aHiddenPageComesBackOnceItIsLookedAt) {
     const auto hiddensProcess = process;
     const auto shown = openCounting("/shown", hidden);
     ASSERT_TRUE(killWebProcesses(*hidden->webView(), {hiddensProcess}));
-    // Load another page to allow time for a reload of the hidden page, which must not happen.
+    // The hidden page must not be reloaded. Load another page first, to allow time for an unwanted reload.
     ASSERT_TRUE(loadPage(shown, "/later"));
     expectUnchanged(hidden, "/hidden", "/hidden 1");
     EXPECT_EQ(server.count("/hidden"), 1U);
@@ -165,7 +165,7 @@ TEST_F(WebProcessEndTest, aPagesPanelIsAnsweredAtOnce) {
     ASSERT_TRUE(waitForSheet(tab));
     ASSERT_TRUE(killWebProcesses(*tab->webView(), {process}));
     ASSERT_TRUE(waitForTitle(tab, "/page 2"));
-    // The sheet may stay open until the user closes it. The user's answer then has no effect.
+    // The sheet may remain open after the web process has exited. Closing the sheet then has no effect.
     if (TestSupport::shownSheet(*tab->window())) {
         TestSupport::pressSheetButton(*tab->window(), "OK");
     }

@@ -40,8 +40,8 @@ using Clock = std::chrono::steady_clock;
 using List = std::vector<Bookmark>;
 using Names = std::set<std::string>;
 
-/// Counts the saves of a child process, in memory that the child shares with the test. The first save is
-/// number 1.
+/// Counts the saves of a child process, starting from 1. Allocated in memory that the child process shares
+/// with the test.
 struct Progress {
     std::atomic<int> begun = 0;
     /// The number of the last save that posted its notification.
@@ -70,7 +70,7 @@ private:
     void* memory_;
 };
 
-/// A bookmark with a long title, so that a list that can be parsed quickly is written slowly.
+/// A bookmark with a long title. The title makes the list slow to write, but not slow to parse.
 Bookmark numbered(int number) {
     const std::string text = std::to_string(number);
     return {.title = "Bookmark " + text + std::string(1000, '.'),
@@ -91,7 +91,7 @@ Bookmark changedBy(int number) {
     return numbered(1000 + (number % changing));
 }
 
-/// Returns `list` after saves 1 to `count` have changed it.
+/// Returns `list` with the changes of saves 1 to `count` applied.
 List after(int count, List list) {
     for (int number = 1; number <= count; ++number) {
         const Bookmark bookmark = changedBy(number);
@@ -114,7 +114,7 @@ protected:
         TestSupport::writeContents(file().filePath(), Bookmark::encode(list));
     }
 
-    /// Changes the list and saves it until the process is killed.
+    /// Repeatedly changes and saves the list until the process is killed.
     [[noreturn]] void saveForever(const SharedProgress& progress) const {
         alarm(60); // Ends the process if the test does not kill it.
         BookmarkStore store(file());
@@ -176,7 +176,7 @@ protected:
         withTemporaryFile_ += names.empty() ? 0 : 1;
     }
 
-    /// Returns the duration of a save.
+    /// Returns the average duration of a save.
     std::chrono::microseconds saveDuration() const {
         static constexpr int saves = 20;
         const Clock::time_point begun = Clock::now();
@@ -215,7 +215,8 @@ TEST_F(BookmarkStoreKillTest, killsDuringSavesDoNotFillASmallDisk) {
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {
         const List list = listOf(50);
         const auto size = static_cast<int>(Bookmark::encode(list).size());
-        // There is space for the old and the new list, but not for an additional abandoned file.
+        // The disk can hold the old and the new list, but not an additional temporary file of a killed
+        // process.
         TestSupport::mountSmallDisk(folder().string(), size * 5 / 2);
         write(list);
         killWhileSaving(100, 2 * saveDuration());
@@ -245,7 +246,7 @@ TEST_F(BookmarkStoreKillTest, anAlmostFullDiskHasTheOldOrTheNewList) {
             EXPECT_EQ(TestSupport::namesIn(folder()), (Names{"bookmarks.json", "filler"}));
             failures += isPosted ? 0 : 1;
         }
-        // The new list needs `pages` pages besides the old one.
+        // The save fails if fewer than `pages` pages are free for the new list.
         EXPECT_GE(failures, pages - 1);
         EXPECT_LE(failures, pages + 1);
     });

@@ -269,7 +269,7 @@ TEST_F(BookmarkStoreTest, aDirectoryInTheFilesPlaceMeansTheSeedAndUnsavedChanges
     expectUnsavedAdd(store, "Is a directory");
     EXPECT_TRUE(fs::is_directory(path()));
     EXPECT_EQ(namesIn(fs::path(path()).parent_path()), Names{"bookmarks.json"});
-    // The next save that succeeds posts one notification for all changes.
+    // The next successful save posts one notification for all changes.
     fs::remove(path());
     EXPECT_EQ(objectsPostedBy([&] { store.add(two); }), std::vector<const void*>{&store});
     EXPECT_EQ(this->store().bookmarks(), store.bookmarks());

@@ -10,8 +10,8 @@
 
 namespace KeyloftCore {
 
-/// Gives tests access to the private state of a session. `run` is the zero-based index of the call to
-/// `start`.
+/// Gives tests access to the private state of a session. Each call to `start` creates a run; `run` is its
+/// zero-based index.
 struct AuthSessionInspector {
     static std::size_t runCount(const AuthSession& session) { return session.runs_.size(); }
     static const std::shared_ptr<Platform::WebView>& webView(const AuthSession& session,

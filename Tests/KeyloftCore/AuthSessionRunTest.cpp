@@ -311,8 +311,8 @@ TEST_F(AuthSessionPage, showsNoPanels) {
 }
 
 TEST_F(AuthSessionPage, mayNotGoBackToItsOwnOrigin) {
-    // The page with the initiator's origin is allowed once, because the session itself loads it. After that,
-    // the policy treats the origin like any other.
+    // The policy allows the session's own load of a page with the initiator's origin. After that, the policy
+    // treats the initiator's origin like any other origin.
     const auto session = startSession("https://client.example");
     ASSERT_TRUE(waitForLine("nav GET " + authorizeURL() + " body=-1 stream=false type=-1"));
     runScript(*Inspector::webView(*session), "location.href = 'https://client.example/'");

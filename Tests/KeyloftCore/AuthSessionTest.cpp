@@ -78,8 +78,8 @@ AuthSessionTest::Session AuthSessionTest::startSession(const std::optional<std::
 
 void AuthSessionTest::start(const Session& session) {
     session->start();
-    // The traffic can be redirected after `start`, because the page sends no request before the policy
-    // decision, which is made on this process's main loop.
+    // Redirecting the traffic after `start` is early enough. The page sends no request before the policy
+    // decision, which is made in a later iteration of the main loop.
     TestSupport::redirectTraffic(*Inspector::webView(*session, Inspector::runCount(*session) - 1),
                                  proxy.port());
 }
@@ -101,7 +101,7 @@ std::vector<NavigationActionPolicy> AuthSessionTest::ask(const Session& session,
 
 bool AuthSessionTest::showPage(const Session& session, const std::string& body) {
     const auto& view = Inspector::webView(*session);
-    // WebKitGTK may drop one of two loads that are started at the same time (seen with 2.50, not reported).
+    // WebKitGTK 2.50 may drop one of two loads that are started at the same time (not reported).
     view->stopLoading();
     if (!runUntil([&] { return !view->isLoading(); })) {
         return false;

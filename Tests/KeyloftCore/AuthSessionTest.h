@@ -16,8 +16,8 @@
 
 namespace TestSupport {
 
-/// Fixture for sessions whose pages cannot reach the network. Their requests go to `proxy`, which does not
-/// respond to connections to the provider unless a test adds a route.
+/// Fixture for sessions whose pages cannot reach the network. Requests of the pages are sent to `proxy`,
+/// which does not respond to connections to the provider unless a test adds a route.
 class AuthSessionTest : public testing::Test {
 public:
     AuthSessionTest(const AuthSessionTest&) = delete;
@@ -48,7 +48,7 @@ protected:
     void start(const Session& session);
 
     static Platform::NavigationAction get(std::string_view url);
-    /// Asks the session for its policy decision on `action`, and returns every decision that it reports.
+    /// Requests the session's policy decision on `action` and returns all decisions that the session reports.
     std::vector<Platform::NavigationActionPolicy> ask(const Session& session,
                                                       const Platform::NavigationAction& action);
 

@@ -224,8 +224,8 @@ TEST(AuthorizeRequest, anEmptyPathIsTheRoot) {
 }
 
 TEST(AuthorizeRequest, aHostThatIsNotUTF8MatchesNothing) {
-    // `URL::host` returns nothing for a host that cannot be decoded, as for an absent host. Such a host must
-    // not match an absent host.
+    // `URL::host` returns `std::nullopt` both for an absent host and for a host that cannot be decoded. The
+    // two must not match.
     for (const auto* text : {"https://%FF/cb", "https://%FE/cb", "https://u@%FF/cb", "https:/cb",
                              "https:///cb", "https:///%FF/cb"}) {
         EXPECT_FALSE(requestTo("https://%25FF/cb").matchesRedirect(url(text))) << text;

@@ -1,5 +1,5 @@
-// Tests how much memory a decoder allocates, and that a listener frees its memory. This is a separate program
-// because it replaces operator new.
+// Tests how much memory a decoder allocates, and that a listener frees its memory. These tests are a separate
+// program because they replace operator new.
 
 #include "KeyloftCore/FrameDecoder.h"
 #include "KeyloftCore/NativeMessageFrame.h"

@@ -186,8 +186,8 @@ TEST_F(HostilePeerTest, aPeerThatReadsSlowlyIsGivenUpAfterThreeSecondsInAll) {
     const auto begin = Clock::now();
     ASSERT_TRUE(slow.send(frame("large")));
     ASSERT_TRUE(requests.wait());
-    // Each read frees buffer space, so the listener never waits long for a single write. Reading the whole
-    // reply would take 10 seconds.
+    // Each read by the peer frees buffer space, so the listener never waits long for a single write. Reading
+    // the whole reply would take 10 seconds.
     std::atomic<bool> over = false;
     std::thread reading([&] {
         std::vector<char> buffer(20'000);
@@ -227,7 +227,7 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
         for (int turn = 0; turn < 50; ++turn) {
             expectService();
         }
-        // Idle connections are still served: each of them can complete its request.
+        // Idle connections are still served and can complete their requests.
         for (std::size_t peer = 0; peer < count; peer += 99) {
             ASSERT_TRUE(idle[peer].send(peer % 3 == 0 ? std::string("\0\0"
                                                                     "hello",
@@ -246,16 +246,15 @@ TEST_F(HostilePeerTest, hundredsOfIdleConnectionsHoldNobodyUp) {
 TEST_F(HostilePeerTest, outOfDescriptorsAcceptingPausesUntilAConnectionCloses) {
     startEcho();
     const auto before = openDescriptors();
-    // The listener accepts connections again after one second in any case, so only an earlier reply shows
-    // that closing a connection made it resume. The reply may be late on a busy machine, so try several
-    // times.
+    // The listener retries after one second in any case. Only an earlier reply shows that the listener
+    // resumed because a connection was closed. On a busy machine the reply may be late, so try several times.
     bool answeredInTime = false;
     for (int attempt = 0; attempt < 5 && !answeredInTime; ++attempt) {
         RawPeer open(path);
         ASSERT_TRUE(open.send("\x05\0"sv));
         expectService();
         // A later connection has been served, so `open` has been accepted. Once the other connections are
-        // closed, only `open` accounts for additional descriptors: one at each end.
+        // closed, only the two ends of `open` use additional descriptors.
         ASSERT_TRUE(eventually([&] { return openDescriptors() == before + 2; }));
         std::vector<RawPeer> waiting(2);
         const auto begin = Clock::now();

@@ -130,7 +130,8 @@ TEST(RelayBetweenProcesses, aProcessOfAnotherUserIsDisconnectedUnread) {
         if (!got.empty()) {
             return static_cast<int>(served);
         }
-        // The kernel resets a connection only if it is closed with unread data.
+        // The kernel resets a connection only if it is closed with unread data, so ECONNRESET shows that the
+        // listener has not read the request.
         return static_cast<int>(peer.error() == ECONNRESET ? disconnectedUnread : disconnectedRead);
     };
     Child closedOut(body);

@@ -317,8 +317,8 @@ TEST_F(RelayListenerTest, destroyedOnTheQueueLeavesItsSocketToTheCancelHandler) 
 }
 
 TEST_F(RelayListenerTest, theHandlerMayHoldTheListener) {
-    // The handler and the listener form a reference cycle. `close` breaks it: the handler is released on the
-    // queue, and with it the last reference to the listener.
+    // The handler and the listener form a reference cycle, which `close` breaks. The handler, and with it the
+    // last reference to the listener, is then released on the queue.
     auto* handle = listener.get();
     handle->listen(path, [held = listener](const std::string& request, const RelayListener::Reply& reply) {
         reply(request);
@@ -482,7 +482,7 @@ TEST_F(RelayListenerTest, aDirectoryInItsPlaceIsABindError) {
     const Mask mask(022);
     EXPECT_EQ(listenError(*listener, path), RelaySocketError::syscall("bind", EADDRINUSE));
     EXPECT_EQ(Mask::current(), 022U) << "the umask is restored after a failure too";
-    // After a failed call to `listen`, the listener is unchanged and can listen again.
+    // After a failed call to `listen`, the listener is unchanged and `listen` can be called again.
     ASSERT_EQ(rmdir(path.c_str()), 0);
     startEcho();
     EXPECT_EQ(ask(path, "x"), "echo x");

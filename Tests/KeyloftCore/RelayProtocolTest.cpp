@@ -309,7 +309,7 @@ TEST(RelayResult, theFirstFailingCheckTells) {
 }
 
 TEST(RelayProtocol, confirmChecksOneAfterTheOther) {
-    // A message with two faults is denied like a message with one fault: no check undoes the result of an
+    // A message with two faults is denied like a message with one fault. No check overrides the failure of an
     // earlier check.
     const std::vector<std::pair<std::string, JSONValue>> faults = {
         {"redirectUri", "https://evil.test/"}, {"state", "other"}, {"nonce", "other"}};

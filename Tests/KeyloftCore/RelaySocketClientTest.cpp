@@ -208,7 +208,7 @@ TEST_F(RelaySocketClientTest, noTimeoutIsNoLimit) {
         put(connection, frame("late"));
     });
     const auto client = RelaySocketClient::connect(path);
-    // The timeout of an earlier call must not remain in effect.
+    // The timeout of the first call must not apply to the second call.
     EXPECT_EQ(client.readFrame(0.01), std::nullopt);
     tooEarly.signal();
     EXPECT_EQ(client.readFrame(0), "late");
@@ -263,7 +263,7 @@ TEST_F(RelaySocketClientTest, aStormOfSignalsInterruptsNothing) {
     {
         std::atomic<int> signals = 0;
         const PlainServer server(path, [&](int connection) {
-            // Read slowly, so that the client blocks in write and read many times.
+            // Receive and send in small pieces, so that the client blocks in write and read many times.
             std::string taken;
             std::string buffer(16'384, '\0');
             while (taken.size() < large.size() + 4) {

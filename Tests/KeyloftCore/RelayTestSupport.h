@@ -213,7 +213,7 @@ protected:
         });
     }
 
-    /// Starts listening. Stores each request and its reply function, and does not reply.
+    /// Starts listening. Stores each request and its reply function instead of replying.
     void startKeeping() {
         listener->listen(path, [this](const std::string& request, RelayListener::Reply reply) {
             {

@@ -47,7 +47,7 @@ std::size_t takeWaitingBytes(int descriptor) {
 }
 
 /// Two requests become readable while the queue is busy, so one poll reports both. The handler of the first
-/// request reads the bytes of the second, so that the event for the second is stale.
+/// request reads the bytes of the second request, which makes the event for the second request stale.
 TEST(RelayStaleEvent, leavesTheConnectionOpenAndTheQueueFree) {
     const TemporaryDirectory directory;
     const auto path = directory / "relay.sock";

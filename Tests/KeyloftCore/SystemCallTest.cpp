@@ -1,5 +1,5 @@
-// Tests conditions that the kernel does not produce on demand: interrupted and short system calls, and a
-// failure of each call.
+// Tests conditions that cannot be produced on demand with real system calls: calls that are interrupted, that
+// transfer only part of the data, or that fail.
 
 #include "KeyloftCore/RelayListener.h"
 #include "KeyloftCore/RelaySocketClient.h"
@@ -208,8 +208,7 @@ TEST_F(SystemCallTest, anInterruptedReadOfTheListenerEndsTheConnection) {
     };
     {
         RawPeer peer(path);
-        // Connections are accepted in order, so `peer` has been accepted when this later connection is
-        // served.
+        // Connections are accepted in order. Once this later connection is served, `peer` has been accepted.
         EXPECT_EQ(ask(path, "x"), "echo x");
         const Intercepted intercepted(system);
         ASSERT_TRUE(peer.send(frame("y")));
@@ -320,8 +319,8 @@ TEST_F(SystemCallTest, withoutDescriptorsAcceptingIsTriedOnceAndThenAgainNowAndT
             const RawPeer peer(path);
             EXPECT_TRUE(eventually([&] { return calls > 0; }));
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            // The listener retries once per second. Measure the elapsed time, because a busy machine may be
-            // slow.
+            // The listener retries once per second. Compare the number of calls with the elapsed time,
+            // because the test may run slowly on a busy machine.
             const auto seconds =
                 std::chrono::floor<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
             EXPECT_LE(calls, 1 + seconds.count());

@@ -13,8 +13,8 @@
 
 namespace TestSupport {
 
-/// Functions that intercept system calls. The linker redirects the calls (--wrap). A call goes to the kernel
-/// if its function is empty or returns `std::nullopt`.
+/// Functions that intercept system calls. The linker option --wrap redirects the calls. A call is passed to
+/// the kernel if its function is empty or returns `std::nullopt`.
 struct SystemCalls {
     /// The result of a call, and the value of `errno` if the result is negative.
     struct Answer {

@@ -12,7 +12,7 @@ const std::shared_ptr<WebProcessSlots>& WebProcessSlots::shared() {
     return slots;
 }
 
-/// Returns each process once, at the position of the last slot that holds it.
+/// Returns the distinct processes, ordered by the last slot in `slots_` that holds each process.
 std::vector<const Timer*> WebProcessSlots::processes() const {
     std::vector<const Timer*> processes;
     for (const auto* slot : slots_) {
@@ -79,8 +79,8 @@ WebProcessSlot::~WebProcessSlot() {
 
 void WebProcessSlot::request(std::function<void()> granted) {
     granted_ = std::move(granted);
-    // When many tabs are opened at once, each is visible until the next one is opened. Therefore, apply the
-    // rules for hidden views here, and prefer visible views only in the next iteration of the main loop.
+    // When many tabs are opened in a row, each tab is briefly visible. Start a process immediately only if a
+    // hidden view could start one; `grantSoon` gives precedence to visible views.
     if (process_ || (slots_->nextWaiting() == this && slots_->canStart(false))) {
         grant();
     } else {
@@ -109,7 +109,7 @@ void WebProcessSlot::processStarted() {
 }
 
 void WebProcessSlot::processReplaced() {
-    // If no other view uses the previous process, it exits, and the new process takes its place.
+    // If no other view uses the previous process, that process exits and `process_` represents the new one.
     if (process_.use_count() > 1) {
         start();
         processStarted();

@@ -11,21 +11,21 @@ namespace Platform {
 
 class WebProcessSlot;
 
-/// Limits the number of web processes, and the number that start at the same time. Main thread only.
+/// Limits the number of web processes, and how many of them start at the same time. Main thread only.
 ///
 /// WebKitGTK blocks the main loop while it starts a process, and processes that start at the same time slow
 /// each other down. A hidden view waits until no process is starting and the number of processes is below the
 /// limit. A visible view may start its process while one other process is starting. If the limit is reached,
-/// it evicts the process that has been hidden the longest.
+/// the process that has been hidden the longest is terminated first.
 class WebProcessSlots : public std::enable_shared_from_this<WebProcessSlots> {
 public:
-    /// A process that does not respond within `startTimeout` seconds no longer delays other processes.
+    /// Other views wait at most `startTimeout` seconds for a starting process to respond.
     WebProcessSlots(std::size_t limit, Timer::Interval startTimeout)
         : limit_(limit)
         , startTimeout_(startTimeout) {}
 
-    /// The application's instance. Each web process is a client of the X server, which accepts 256 by
-    /// default. WebKitGTK 2.50.6 terminates the application if the X server refuses a client (not reported).
+    /// The application's instance. Its limit is below the X server's default limit of 256 clients, because
+    /// WebKitGTK 2.50.6 terminates the application if the X server refuses a web process (not reported).
     static const std::shared_ptr<WebProcessSlots>& shared();
 
 private:
@@ -60,7 +60,7 @@ public:
     void request(std::function<void()> granted);
     bool isWaiting() const { return granted_ != nullptr; }
     void cancelRequest() { granted_ = nullptr; }
-    /// Acquires a process if one may start now. Returns true if the slot holds a process.
+    /// Acquires a process if the limits permit it. Returns true if the slot holds a process.
     bool tryAcquire();
     /// Makes this slot share the process of `other`.
     void share(const WebProcessSlot& other) { process_ = other.process_; }
@@ -86,7 +86,7 @@ private:
     std::function<bool()> isEvictable_;
     std::function<void()> evict_;
     std::function<void()> granted_;
-    /// The web process, as the timer that limits its start. Shared by all slots that hold the process.
+    /// Represents the web process, which slots may share. The timer is valid while the process starts.
     std::shared_ptr<Timer> process_;
     bool isVisible_ = false;
 };

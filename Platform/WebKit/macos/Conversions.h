@@ -5,7 +5,7 @@
 
 #import <WebKit/WebKit.h>
 
-/// Conversions between the types of WebKit and Platform.
+/// Conversions between WebKit types and Platform types.
 namespace Platform {
 
 /// Returns nil if NSURL cannot parse the request's URL.

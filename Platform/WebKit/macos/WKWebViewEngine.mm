@@ -66,7 +66,7 @@ WKWebViewEngine::~WKWebViewEngine() {
     }
     view_.navigationDelegate = nil;
     view_.UIDelegate = nil;
-    // Keep the WKWebView alive until the WebKit call that released the owner has returned.
+    // Keep the WKWebView alive until the WebKit callback that may have destroyed this object has returned.
     RunLoop::main().perform([keptAlive = view_] { (void)keptAlive; });
 }
 
@@ -112,7 +112,7 @@ void WKWebViewEngine::startLoad(const URLRequest& request) {
     [view_ loadRequest:native];
 }
 
-/// Reports that a load cannot start. Like WebKit, reports the failure asynchronously.
+/// Reports asynchronously, as WebKit does, that the load of `url` cannot start.
 void WKWebViewEngine::refuse(const URL& url) {
     RunLoop::main().perform([this, weak = weak_from_this(), text = url.absoluteString()] {
         if (const auto engine = weak.lock()) {
@@ -164,14 +164,14 @@ void WKWebViewEngine::didCommit() noexcept {
     committed();
     uncommittedRequest_.reset();
     pageReturned();
-    // Apply the changes that were ignored after the web process terminated.
+    // Update the URL and the title, because changes were ignored after the web process exited.
     urlChanged(fromNSURL(view_.URL));
     titleChanged(nonEmpty(view_.title));
 }
 
 void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
     failed();
-    // A cancelled load is usually the previous load, which the current load has replaced.
+    // A cancelled load has usually been replaced by the current load. Keep the request of the current load.
     if (![error.domain isEqualToString:NSURLErrorDomain] || error.code != NSURLErrorCancelled) {
         uncommittedRequest_.reset();
     }
@@ -181,7 +181,7 @@ void WKWebViewEngine::didFail(NSError* error, bool hasCommitted) noexcept {
 void WKWebViewEngine::decidePolicyFor(WKNavigationAction* action,
                                       const std::shared_ptr<PolicyReply>& reply) noexcept {
     const auto ours = fromWKNavigationAction(action);
-    // WKNavigationAction does not identify redirects, but the application's own pages are never redirected.
+    // WKNavigationAction has no redirect flag, but pages supplied by the application are never redirected.
     if (action.targetFrame.mainFrame && isOwnPage(ours, false)) {
         (*reply)(NavigationActionPolicy::allow);
     } else {
@@ -227,7 +227,7 @@ void WKWebViewEngine::setAllowsBackForwardNavigationGestures(bool allows) {
 }
 
 void WKWebViewEngine::performEditing(Action action) {
-    // Search the responder chain, because the window performs undo and redo, with the page's undo manager.
+    // Search the responder chain, because the window handles undo and redo, using the page's undo manager.
     [view_ tryToPerform:selectorFor(action) with:nil];
 }
 

@@ -26,7 +26,7 @@ using Platform::NavigationActionPolicy;
 using Platform::WKWebViewEngine;
 
 @implementation KeyloftWebViewDelegate
-/// WKWebView uses its default policy only if the delegate does not implement policy decisions.
+/// Hides the policy method if there is no policy delegate, so that WKWebView applies its default policy.
 - (BOOL)respondsToSelector:(SEL)selector {
     if (selector != @selector(webView:decidePolicyForNavigationAction:decisionHandler:)) {
         return [super respondsToSelector:selector];

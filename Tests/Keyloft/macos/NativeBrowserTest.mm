@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-// These tests check the native AppKit and WebKit objects that the program creates.
+// Tests of the native AppKit and WebKit objects that the program creates.
 
 namespace {
 
@@ -178,7 +178,7 @@ TEST(NativeMainMenu, isTheSystemsOwn) {
     [bookmarksDelegate menuNeedsUpdate:bookmarks];
     EXPECT_EQ(bookmarks.itemArray.count, 2 + delegate->bookmarks()->bookmarks().size());
 
-    // AppKit may fill the menu again before it sends the action of the item that the user chose.
+    // AppKit may update the menu again between the user's choice and the action of the chosen item.
     NSMenuItem* const chosen = bookmarks.itemArray[2];
     [bookmarksDelegate menuNeedsUpdate:bookmarks];
     EXPECT_FALSE(bookmarks.itemArray[2] == chosen);

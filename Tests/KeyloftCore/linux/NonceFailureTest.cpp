@@ -17,7 +17,7 @@ namespace {
 
 using KeyloftCore::RelayTarget;
 
-/// Makes all subsequent calls to `getrandom` in this process fail, even for root.
+/// Makes all subsequent calls to `getrandom` in this process fail, even if the process runs as root.
 void loseRandomSource() {
     sock_filter instructions[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),

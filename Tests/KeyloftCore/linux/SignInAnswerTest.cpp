@@ -1,4 +1,4 @@
-// Tests the ways in which the provider can respond, each with and without an initiator.
+// Tests the ways in which the provider can respond, both with and without an initiator.
 
 #include "Platform/AppKit/Window.h"
 #include "Tests/KeyloftCore/linux/SignInTest.h"
@@ -13,7 +13,8 @@ namespace {
 
 constexpr auto formCode = "c0123456789.provider's code";
 constexpr auto urlCode = "c0123456789.provider+s+code";
-/// The code and the state as abbreviated in the log. `formCode` and `urlCode` have the same abbreviation.
+/// The part of a log line that contains the abbreviated code and state. It is the same for `formCode` and
+/// `urlCode`.
 constexpr auto shownValues = " code=c0123456…(27) state=state-of…(20)";
 
 /// URL of the second page of the provider's sign-in.
@@ -38,7 +39,7 @@ protected:
         /// The body of the sign-in page, and the response to requests for `next`.
         std::string page;
         HTTPResponse continuation;
-        /// Called after the page has loaded. Performs the action of the page or the user.
+        /// Called after the page has loaded. Triggers the response with a script or with user input.
         std::function<void()> act;
         Params params;
         /// Log lines written before the page has finished loading, and log lines caused by `act`.
@@ -82,8 +83,8 @@ protected:
         return answer;
     }
 
-    /// The provider responds with a page whose form is submitted to the provider. A redirect with status 307
-    /// passes the form on to the redirect URI unchanged.
+    /// The provider responds with a page whose form is submitted to the provider. The provider then redirects
+    /// with status 307, which preserves the method and the form data.
     Answer byPassedOnForm() const {
         auto answer = byForm("a form passed on by 307", script("document.forms[0].requestSubmit()"));
         answer.page = form("/auth/continue");
@@ -98,7 +99,7 @@ protected:
     }
 
     /// The script `step` navigates to the provider, which redirects to the redirect URI with the parameters
-    /// after `separator`. The log shows the script's own navigation as `linesOfStep`.
+    /// after `separator`. `linesOfStep` are the log lines that the script itself causes.
     Answer byRedirect(const std::string& name, ResponseMode mode, char separator, int status,
                       const std::string& step, const Lines& linesOfStep, int type) const {
         const auto location = std::string(callback) + separator + "code=" + urlCode + "&state=" + state;
@@ -197,7 +198,7 @@ TEST_F(SignInAnswerTest, isCapturedOnceAndNeverLoaded) { expectAnswersAreCapture
 
 TEST_F(SignInAnswerTest, toAnInitiatorIsCapturedOnceAndNeverLoaded) { expectAnswersAreCaptured(initiator); }
 
-// A form control hides the form's property of the same name from the script. See docs/session.md.
+// A form control that has the name of a form property hides this property from scripts. See docs/session.md.
 TEST_F(SignInAnswerTest, ofAFormWithAControlNamedActionOrMethodHasNoParameters) {
     for (const std::string name : {"action", "method"}) {
         SCOPED_TRACE(name);

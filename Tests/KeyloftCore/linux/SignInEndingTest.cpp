@@ -19,8 +19,8 @@ const auto signInPage = HTTPResponse::html("<!DOCTYPE html><title>Sign in</title
 
 class SignInEndingTest : public SignInTest {
 protected:
-    /// Expects that the sign-in failed before a page was shown, and that the error's message is the message
-    /// in the log line.
+    /// Expects that the sign-in failed before a page was shown, and that the error and the log line contain
+    /// the same message.
     void expectFailure(const std::string& domainAndCode) const {
         ASSERT_EQ(results.size(), 1U);
         ASSERT_FALSE(results.front().has_value());
@@ -102,7 +102,7 @@ TEST_F(SignInEndingTest, closingTheWindowEndsNothingAndTheTimeoutDoes) {
 TEST_F(SignInEndingTest, aServerThatNeverAnswersEndsItAfterTheRequestsTimeout) {
     server->route("/auth/authorize", held());
     session = makeSession();
-    // Long enough for WebKitGTK to start on a busy machine.
+    // The timeout must be long enough for WebKitGTK to start on a busy machine.
     AuthSessionInspector::setRequestTimeout(*session, 5);
     session->start();
     ASSERT_TRUE(waitForEnding());

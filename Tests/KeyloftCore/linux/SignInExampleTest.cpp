@@ -55,8 +55,8 @@ protected:
     }
 
     /// Opens the Edit menu, which is the second menu, and presses `keys`. The menu opens with a delay,
-    /// because the page receives F10 before the menu bar. The key press is lost if the window does not have
-    /// the keyboard focus, so it is repeated several times if necessary.
+    /// because the page receives F10 before the menu bar. F10 is pressed several times if necessary, because
+    /// key presses are lost while the window does not have the keyboard focus.
     [[nodiscard]] static bool chooseFromEditMenu(const TestSupport::Program& program,
                                                  const std::string& keys) {
         const auto isOpen = [&program] {

@@ -1,5 +1,5 @@
 // Tests that the page's report of a submitted form always arrives before the form's navigation. WebKitGTK
-// delivers the two independently of each other.
+// delivers the report and the navigation independently of each other.
 
 #include "Tests/KeyloftCore/linux/SignInTest.h"
 #include "Tests/Support/linux/MainLoop.h"
@@ -13,7 +13,7 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Returns a code that is short enough for the log to show it in full.
+/// Returns a code that is short enough to be logged in full.
 std::string code(int number) { return "code " + std::to_string(number); }
 
 constexpr auto submissions = std::to_array<std::string_view>(
