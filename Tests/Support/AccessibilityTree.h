@@ -6,8 +6,8 @@
 #include <vector>
 
 /// Queries the objects that this or another program exposes to assistive technologies, over the session's
-/// accessibility bus, as a screen reader does. Main thread only. The functions run the main loop until the
-/// bus has replied, because this program may have to answer the query itself.
+/// accessibility bus, as a screen reader does. The functions run the main loop until the bus has replied,
+/// because this program may itself have to reply to the query. Main thread only.
 namespace TestSupport {
 
 struct AccessibleObject {

@@ -5,8 +5,8 @@
 
 namespace TestSupport {
 
-/// A native web view in a native window, created without the classes of Platform/. Benchmarks use it as a
-/// baseline. It has its own ephemeral data store. The destructor closes the window. Main thread only.
+/// A native web view in a native window, created without using Platform's classes. Benchmarks use it as a
+/// baseline. The view has its own ephemeral data store. The destructor closes the window. Main thread only.
 class BareWebView {
 public:
     /// Shows a window with a content area of the given size, in points.

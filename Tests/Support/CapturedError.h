@@ -13,8 +13,8 @@
 
 namespace TestSupport {
 
-/// Redirects standard error to a packet socket for the lifetime of the object. Each write is received as a
-/// separate packet.
+/// Redirects standard error to a sequenced-packet socket for the lifetime of the object. Each write is
+/// received as a separate packet.
 class CapturedError {
 public:
     CapturedError()

@@ -235,7 +235,8 @@ public:
         if (windowManager_) {
             return;
         }
-        // openbox runs the startup command once it manages the display.
+        // openbox runs its startup command once it manages the display. The command reports this through a
+        // FIFO.
         const std::filesystem::path ready = directory_.path() / "window-manager-ready";
         if (::mkfifo(ready.c_str(), 0600) != 0) {
             fail("mkfifo");
@@ -294,7 +295,7 @@ private:
 
     void startDisplay() {
         Pipe number;
-        // Disable auto-repeat (-r): on a machine under load, a key may be held long enough to repeat.
+        // Disable auto-repeat (-r), because a key may be held long enough to repeat on a machine under load.
         display_.emplace("Xvfb",
                          std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24",
                                                   "-nolisten", "tcp", "-noreset", "-r"},
@@ -309,8 +310,9 @@ private:
         }
     }
 
-    // With the default configuration, the bus would activate any installed service, such as a portal, a
-    // settings daemon or a key ring. The services differ between machines and outlive the test.
+    // Starts a bus that can activate only the accessibility bus. With the default configuration, the bus
+    // would activate any installed service, such as a portal, a settings daemon or a keyring. The services
+    // differ between machines and outlive the test.
     void startBus() {
         const std::filesystem::path services = makeDirectory("services");
         const std::filesystem::path accessibility = "/usr/share/dbus-1/services/org.a11y.Bus.service";

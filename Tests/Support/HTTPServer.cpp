@@ -328,7 +328,8 @@ std::vector<HTTPRequest> HTTPServer::requests(const std::string& path) const {
 
 HTTPServer::RefusedPort::RefusedPort()
     : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "test server's socket") {
-    // Bind to the port, so that no other process gets it, but do not listen on it.
+    // Bind to the port, so that no other process can use it. The kernel refuses connections because the
+    // socket does not listen.
     port_ = bindToLoopback(descriptor_.get());
 }
 

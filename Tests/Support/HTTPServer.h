@@ -45,13 +45,13 @@ struct HTTPResponse {
     std::string body;
     Ending ending = Ending::complete;
 
-    /// Creates an HTML page that the browser must not cache, so that it requests the page each time.
+    /// Creates an HTML page that must not be cached, so that each load sends a request to the server.
     static HTTPResponse html(const std::string& body);
     /// Like `html`, but creates a page with this title.
     static HTTPResponse page(const std::string& title);
     static HTTPResponse redirect(const std::string& location, int status = 302);
 
-    /// Returns a copy of this response with the given ending.
+    /// Returns a copy of this response with a different ending.
     HTTPResponse withEnding(Ending other) const;
 };
 

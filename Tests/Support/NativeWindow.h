@@ -26,7 +26,8 @@ void waitForLayout(Platform::Window& window);
 /// coordinates.
 Platform::Rect contentFrame(Platform::Window& window);
 
-/// Size of the native window that contains `window`, alone or as a tab. Excludes the window manager's frame.
+/// Size of the native window that contains `window` and possibly other tabs. Excludes the window manager's
+/// frame.
 Platform::Size nativeWindowSize(Platform::Window& window);
 
 /// Bounds of the native view, in the coordinates of its window's content.
@@ -35,8 +36,8 @@ Platform::Rect boundsInContent(Platform::View& view);
 /// Returns true if the view is visible on the screen.
 bool isShown(Platform::View& view);
 
-/// Resizes the native window so that its content has this size, as if the user dragged a corner of the
-/// window. Returns false if the content gets a different size.
+/// Resizes the native window so that its content has this size or, if the size is too small, the minimum
+/// size. Returns false if the content gets a different size.
 [[nodiscard]] bool resizeContent(Platform::Window& window, Platform::Size size);
 
 /// The minimum size of the window's content.
@@ -62,8 +63,8 @@ void closeTab(Platform::Window& window);
 void closeNativeWindow(Platform::Window& window);
 void clickNewTabButton(Platform::Window& window);
 
-/// Returns false if the hints for the window manager disable both the window's minimize function and its
-/// minimize button.
+/// Returns true unless the window manager hints disable both the window's minimize function and its minimize
+/// button.
 bool frameHintsAllowMinimizing(Platform::Window& window);
 
 /// Returns true if the native window that contains this window has the keyboard focus.
@@ -90,9 +91,9 @@ private:
 };
 
 /// Press a key or a key combination ("Return", "ctrl+t"), type a string, or click the center of a view. These
-/// functions generate real input events on the display: the events go to the window that has the keyboard
-/// focus or is under the pointer. The functions return when the events have been sent, which may be before
-/// they take effect.
+/// functions generate real input events, which the display delivers to the window that has the keyboard focus
+/// or is under the pointer. The functions return when the events have been sent, possibly before the events
+/// take effect.
 void pressKey(const std::string& key);
 void typeText(const std::string& text);
 void click(Platform::View& view);
@@ -126,7 +127,7 @@ struct ShownMenu {
     double width = 0;
     /// The full labels of the menu's items, without their key equivalents.
     std::vector<std::string> titles;
-    /// For each item of the menu, whether its label is truncated on screen.
+    /// For each item in `titles`, true if the label was truncated on the screen.
     std::vector<bool> isCut;
 };
 
@@ -168,9 +169,9 @@ std::string selectedText(Platform::TextField& field);
 std::string shownText(Platform::TextField& field);
 
 struct ShownSheet {
-    /// The texts that the sheet displays. The heading is the first.
+    /// The text labels of the sheet, starting with the heading.
     std::vector<std::string> texts;
-    /// The titles of the buttons. The default button is the first.
+    /// The labels of the sheet's buttons, starting with the default button.
     std::vector<std::string> buttons;
 
     friend bool operator==(const ShownSheet&, const ShownSheet&) = default;

@@ -18,7 +18,7 @@ public:
     };
 
     /// `identity` is a file with a private key and a certificate. `plainPort` is the loopback port of the
-    /// server without encryption. Throws std::runtime_error if port 443 is in use or the file cannot be read.
+    /// unencrypted server. Throws std::runtime_error if port 443 is in use or the file cannot be read.
     TLSServer(const std::filesystem::path& identity, int plainPort, Manner manner = Manner::forwards);
     TLSServer(const TLSServer&) = delete;
     TLSServer& operator=(const TLSServer&) = delete;

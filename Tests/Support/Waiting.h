@@ -8,7 +8,8 @@
 
 namespace TestSupport {
 
-/// Default timeout, long enough for a loaded machine and a sanitizer. Only failing tests wait this long.
+/// Default timeout, long enough for an instrumented test on a machine under load. Only failing tests wait
+/// this long.
 inline constexpr std::chrono::seconds patience(30);
 
 /// Counts the occurrences of an event, and lets another thread wait for them. Thread-safe.

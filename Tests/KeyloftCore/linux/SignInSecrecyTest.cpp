@@ -22,7 +22,7 @@ namespace {
 class SignInSecrecyTest : public SignInTest {
 protected:
     /// Returns a route for a page that stores `marker` in a cookie and in local storage. The page's title and
-    /// its form contain the previously stored values. The form is submitted to the redirect URI.
+    /// form contain the values that an earlier page has stored. The form's action is the redirect URI.
     static auto keepingPage(const std::string& marker) {
         return [marker](const HTTPRequest& request) {
             const auto cookie = request.headers.find("cookie");
@@ -64,7 +64,8 @@ protected:
         return false;
     }
 
-    /// The output on standard error, without the log lines that show the beginning of a URL.
+    /// The captured standard error output without the lines that log the beginning of a URL, which may
+    /// contain a part of a secret.
     std::string textWithoutURLs() const {
         std::string rest;
         std::istringstream text(standardError->text());
@@ -109,7 +110,7 @@ TEST_F(SignInSecrecyTest, nothingThatAPageKeepsOutlivesItsSession) {
     server->route("/auth/authorize", keepingPage("of-the-browser"));
     browser->load({.url = request(ResponseMode::formPost).url()});
     EXPECT_TRUE(runUntil([&] { return browser->title() == "none and undefined"; }));
-    // Verify that `isOnDisk` finds stored data.
+    // Verify that `isOnDisk` finds the data that a browser view stores.
     EXPECT_TRUE(runUntil([] { return isOnDisk("cookie-of-the-browser"); }));
     EXPECT_TRUE(runUntil([] { return isOnDisk("stored-of-the-browser"); }));
     EXPECT_FALSE(isOnDisk("cookie-of-a-session"));

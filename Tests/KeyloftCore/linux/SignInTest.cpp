@@ -17,16 +17,16 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// Prefixes of the lines that sessions log. GTK and the processes of WebKitGTK write other lines to standard
-/// error.
+/// Prefixes of the lines that sessions log. Tests ignore all other lines, which GTK and the processes of
+/// WebKitGTK write to standard error.
 constexpr auto beginnings = std::to_array<std::string_view>(
     {"loading ", "nav ", "blocked navigation to ", "didFinish ", "didFailProvisional ", "webViewDidClose",
      "form submit hooked ", "POST body ", "captured "});
 
 constexpr std::chrono::seconds patience(60);
 
-/// A URL that sessions block. Tests navigate to it last: once the log reports that it was blocked, the log
-/// also contains everything that was logged earlier.
+/// A URL to which sessions block navigation. Tests navigate to it last, so that all earlier lines are in the
+/// log when the blocked navigation is logged.
 constexpr auto farewell = "https://farewell.example/";
 constexpr auto farewellBlocked = "blocked navigation to farewell.example";
 

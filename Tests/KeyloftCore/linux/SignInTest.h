@@ -15,8 +15,8 @@
 #include <string_view>
 #include <vector>
 
-/// Fixture for sign-ins in WebKitGTK with the provider's real host name. A single test server responds for
-/// all hosts.
+/// Fixture for sign-ins in WebKitGTK that use the provider's real host name. A single test server handles the
+/// requests to all hosts.
 class SignInTest : public testing::Test {
 public:
     SignInTest(const SignInTest&) = delete;
@@ -35,7 +35,7 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// The authorize URL. Its secrets follow the part that is shown in log lines.
+    /// The URL of the authorization request. Log lines truncate the URL before its secrets.
     static std::string authorizeURL(KeyloftCore::ResponseMode mode);
     static KeyloftCore::AuthorizeRequest request(KeyloftCore::ResponseMode mode);
 
@@ -62,8 +62,8 @@ protected:
 
     /// Lines that sessions have logged to standard error.
     Lines lines() const;
-    /// Waits for the last of the expected log lines, and expects that the log contains exactly the expected
-    /// lines.
+    /// Waits until the last line of `expected` has been logged, then expects that sessions have logged
+    /// exactly the lines in `expected`.
     void expectLines(const Lines& expected) const;
     /// Like `expectLines`, but also expects that no further line is logged afterwards.
     void expectLinesOnceQuiet(const Lines& expected) const;

@@ -33,7 +33,7 @@ TEST(SerialQueue, runsWorkInTheOrderOfHandingOver) {
 }
 
 TEST(SerialQueue, runsOneItemAtATimeHoweverManyThreadsHandOver) {
-    // Deliberately not atomic: ThreadSanitizer checks that the queue itself synchronizes the changes.
+    // Deliberately not atomic, so that ThreadSanitizer can verify that the queue synchronizes the changes.
     int count = 0;
     {
         SerialQueue queue("test");
@@ -67,7 +67,8 @@ TEST(SerialQueue, workHandedOverByWorkComesAfterWhatWaits) {
         });
         queue.async([&] { order.push_back(2); });
     });
-    // If item 3 is enqueued after the first `sync` call, only the second call waits for it.
+    // If item 3 is enqueued after the work item of the first `sync` call, only the second `sync` call waits
+    // for item 3.
     queue.sync([] {});
     queue.sync([] {});
     EXPECT_EQ(order, (std::vector{1, 2, 3}));

@@ -476,7 +476,8 @@ TEST(FileManager, processesThatWriteToOneDirectoryDoNotDisturbEachOther) {
     static constexpr int writes = 2000;
     const TemporaryDirectory directory;
     KEYLOFT_IN_PRIVATE_MOUNTS([&] {
-        // In memory, so that more time passes between the steps of a write than in a flush.
+        // Use an in-memory file system, which flushes files immediately. On a disk, the processes would spend
+        // most of the time in fsync(), and the other steps of their writes would rarely overlap.
         TestSupport::mountSmallDisk(directory.path().string(), 1 << 20);
         const auto writeOften = [&](const std::string& name) {
             for (int i = 0; i < writes; ++i) {

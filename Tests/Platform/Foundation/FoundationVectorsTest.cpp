@@ -22,7 +22,7 @@ using TestSupport::orNull;
 using TestSupport::readVectors;
 
 /// Returns true if a code point with this age was added after Unicode 15.0, the version with which the
-/// vectors were recorded. A newer ICU may know such code points.
+/// vectors were recorded. A newer ICU may include such code points in a character set.
 bool isNewerThanVectors(const UVersionInfo& age) {
     return std::pair(age[0], age[1]) > std::pair<std::uint8_t, std::uint8_t>(15, 0);
 }

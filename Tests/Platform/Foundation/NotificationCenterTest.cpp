@@ -156,7 +156,7 @@ TEST(NotificationCenter, anObserverMayEndItselfDuringAPost) {
 TEST(NotificationCenter, anObservationEndedByAnEarlierObserverIsNotCalledInTheSamePost) {
     NotificationCenter center;
     int calls = 0;
-    // Each observer ends the observation of the other, so only one of them is called.
+    // Each observer removes the other, so only one of them is called.
     std::array<Observation, 2> observations;
     for (const std::size_t victim : {1U, 0U}) {
         observations.at(1 - victim) =

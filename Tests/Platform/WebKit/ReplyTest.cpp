@@ -68,7 +68,8 @@ TEST(PendingReplies, answersWhatIsOpenSafelyAndOnce) {
     replies.answerAllSafely();
     EXPECT_EQ(confirmations, std::vector{false});
     EXPECT_EQ(dismissals, 1);
-    // A panel stays visible after `answerAllSafely`, so the user may still choose a button.
+    // A panel stays visible after `answerAllSafely`. If the user then clicks a button, the second reply is
+    // ignored.
     (*confirm)(true);
     replies.answerAllSafely();
     EXPECT_EQ(confirmations, std::vector{false});

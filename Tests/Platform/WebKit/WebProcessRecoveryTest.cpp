@@ -19,7 +19,7 @@ protected:
         recovery.processEnded(Cause::failure, std::move(interrupted), true);
     }
 
-    /// Simulates a load that restores the page.
+    /// Simulates a load that restores the page after its web process has terminated.
     void comeBack() {
         recovery.navigationRequested();
         recovery.pageReturned();

@@ -182,7 +182,7 @@ std::vector<AccessibleObject> accessibleObjects(pid_t process) {
         }
         isDone = true;
     });
-    // The loop terminates because each call on the bus has a time-out.
+    // The loop terminates because each call on the bus has a timeout.
     while (!isDone) {
         static_cast<void>(runUntil([&] { return isDone.load(); }));
     }

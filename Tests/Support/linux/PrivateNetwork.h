@@ -15,7 +15,7 @@ namespace TestSupport {
 /// Replaces /etc/hosts with `file` in the private mounts.
 void resolveBy(const std::filesystem::path& file);
 
-/// Makes the certificate authorities in `file` the only trusted ones in the private mounts.
+/// Makes programs that use the private mounts trust only the certificate authorities in `file`.
 void trustOnly(const std::filesystem::path& file);
 
 } // namespace TestSupport

@@ -134,7 +134,7 @@ private:
     }
 
     static void ended(GObject* /*stream*/, GAsyncResult* result, gpointer data) {
-        // Ignore errors: the client may close the connection or reject the certificate.
+        // Ignore errors, because the client may close the connection or reject the certificate.
         g_io_stream_splice_finish(result, nullptr);
         --static_cast<Implementation*>(data)->connections_;
     }

@@ -109,9 +109,9 @@ bool forgetPages(std::vector<Platform::GObjectPtr<WebKitNetworkSession>> session
             return true;
         }
     } while (std::chrono::steady_clock::now() < deadline);
-    // WebKitGTK never releases a view that was created for a page without an opener (seen with 2.50, not
-    // reported), so it never terminates the process of that page. It also keeps a spare process after a page
-    // has moved to a different process.
+    // Kill the remaining processes. WebKitGTK never releases a view that was created for a page without an
+    // opener (seen with 2.50, not reported), so it never terminates the process of that page. WebKitGTK also
+    // keeps a spare process after a page has moved to a different process.
     for (const pid_t process : webProcesses()) {
         ::kill(process, SIGKILL);
     }

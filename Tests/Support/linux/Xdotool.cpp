@@ -65,8 +65,8 @@ std::vector<std::string> askXdotool(const std::string& arguments) {
 }
 
 bool waitForFocus(const std::string& title) {
-    // The window manager gives the focus to the window, and GTK passes it on to a child window. Keys that are
-    // pressed in between are lost.
+    // The window manager gives the focus to the window, and GTK passes it on to a child window. Wait for the
+    // child window, because keys that are pressed earlier are lost.
     return eventually([&] {
         return askXdotool("getwindowfocus getwindowname") == std::vector{title} &&
                askXdotool("getwindowfocus") != askXdotool("getwindowfocus -f");

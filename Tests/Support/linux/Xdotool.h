@@ -18,7 +18,8 @@ void runXdotool(const std::vector<std::string>& arguments);
 /// programs.
 std::vector<std::string> askXdotool(const std::string& arguments);
 
-/// Waits until a GTK window with the title receives keys. Returns false if `patience` elapses first.
+/// Waits until the GTK window with this title can receive key presses. Returns false if `patience` elapses
+/// first.
 [[nodiscard]] bool waitForFocus(const std::string& title);
 
 } // namespace TestSupport

@@ -50,7 +50,7 @@ Lines argumentsOf(const std::vector<Given>& urls) {
     return arguments;
 }
 
-/// The lines that the application prints when it receives these URLs.
+/// The lines that the application prints when it receives `urls`.
 Lines arrivalOf(const std::vector<Given>& urls) {
     Lines lines = {"open " + std::to_string(urls.size())};
     for (const auto& url : urls) {
@@ -214,8 +214,8 @@ TEST_F(ApplicationStartTest, whenTheFirstDiesWhileItIsAskedTheSecondTakesItsPlac
 TEST_F(ApplicationStartTest, aServiceStartsWithWhatTheBusAsksFor) {
     const auto service = start({"--gapplication-service"});
     expectLines(*service, {willFinish});
-    // GVfs may rewrite URLs with other schemes, so pass only HTTP URLs. GLib's parser for D-Bus call
-    // arguments requires that the URLs are valid UTF-8.
+    // Pass only HTTP URLs, because GVfs may rewrite URLs with other schemes. Do not pass URLs with invalid
+    // UTF-8, because GLib's parser for D-Bus call arguments rejects them.
     auto urls = exactURLs();
     std::erase_if(urls, [](const auto& url) { return !url.argument.starts_with("http"); });
     ASSERT_TRUE(TestSupport::activate(argumentsOf(urls)));

@@ -117,7 +117,7 @@ TEST_F(SavedFramesTest, aFileThatMakesNoSenseIsNone) {
         writeFile(text);
         EXPECT_EQ(nextRun().frame(name), std::nullopt) << text.substr(0, 60);
     }
-    // Saving a frame replaces the invalid file.
+    // Saving a frame replaces a file with invalid contents.
     SavedFrames(directory.path().string()).setFrame(name, frame);
     EXPECT_EQ(nextRun().frame(name), frame);
 }

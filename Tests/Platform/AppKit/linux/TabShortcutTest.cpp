@@ -66,7 +66,7 @@ TEST_F(TabShortcutTest, everyOtherKeyIsLeftToThePage) {
           "ctrl+shift+Page_Down", "ctrl+shift+Home", "ctrl+shift+End", "alt+1", "alt+2", "alt+3", "alt+9",
           "alt+0", "ctrl+KP_Page_Up", "ctrl+KP_Page_Down", "ctrl+KP_Home", "ctrl+KP_End", "alt+KP_1"}) {
         press(key);
-        // Key presses are handled in order, so `key` has taken effect when the letter arrives.
+        // Key presses are handled in order, so `key` has been handled once the text field contains the "x".
         press("End");
         press("x");
         ASSERT_TRUE(runUntil([&] { return fields[1]->stringValue().ends_with('x'); })) << key;

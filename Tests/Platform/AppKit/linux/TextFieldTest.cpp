@@ -178,7 +178,7 @@ TEST_F(TextFieldTest, aPasteOfNothingButLineBreaksIsNoEdit) {
     EXPECT_EQ(field->stringValue(), "x");
 }
 
-// GTK inserts dropped text and text from an input method with `gtk_editable_insert_text`.
+// GTK calls `gtk_editable_insert_text` to insert dropped text and text from an input method.
 TEST_F(TextFieldTest, lineBreaksAreDroppedFromTextThatGTKInserts) {
     typeInto(field, "one\ntwo");
     EXPECT_EQ(field->stringValue(), "onetwo");

@@ -19,7 +19,7 @@ namespace {
 
 class ViewTest : public AppKitTest {
 protected:
-    /// Succeeds if the button shows a tool tip and its accessible description is `text`.
+    /// Succeeds if the button shows a tooltip, and `text` is the button's accessible description.
     static testing::AssertionResult showsToolTip(const Button& button, const std::string& text) {
         GtkWidget* widget = button.nativeIfMade()->widget.get();
         const auto shown =

@@ -238,7 +238,8 @@ TEST_F(WindowsMenuTest, theFocusComesBackFromTheMenus) {
     gtk_popover_popdown(popover(*a, file));
     openMenu(*a);
     runPending();
-    // Although the File menu has closed, the focus stays on the first item of the windows menu.
+    // Closing the File menu does not return the focus to the text field while the windows menu is open. The
+    // first item of the windows menu keeps the focus.
     EXPECT_EQ(gtk_window_get_focus(toplevel), itemsOf(*a).front());
     closeMenu(*a);
     EXPECT_TRUE(runUntil(isBack));

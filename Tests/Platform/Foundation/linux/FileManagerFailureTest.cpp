@@ -15,7 +15,7 @@
 namespace {
 
 /// A simulated failure of a C library function. The function fails once, with `errno` set to `error`, after
-/// `successes` successful calls. If `error` is 0, it does not fail.
+/// `successes` successful calls. If `error` is 0, the function does not fail.
 struct NextFailure {
     int error = 0;
     int successes = 0;
@@ -37,7 +37,7 @@ NextFailure nextOpen;
 
 } // namespace
 
-// With --wrap, the linker redirects calls of a C library function, such as `close`, to `__wrap_close`.
+// With --wrap, the linker redirects calls to a C library function, such as `close`, to `__wrap_close`.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 int __real_fsync(int descriptor);

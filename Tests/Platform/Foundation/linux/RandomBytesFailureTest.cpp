@@ -9,8 +9,8 @@ namespace {
 
 using Platform::RandomBytes;
 
-// The kernel writes the random bytes, and returns an error if it cannot write to the buffer. A generator in
-// user space would crash.
+// getrandom() returns an error if the buffer is not writable. A random number generator in user space would
+// crash instead.
 TEST(RandomBytes, aFailureIsReported) {
     static constexpr std::size_t size = 4096;
     void* const page = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);

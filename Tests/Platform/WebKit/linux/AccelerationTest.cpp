@@ -30,7 +30,7 @@ protected:
         return value ? value : "unset";
     }
 
-    /// Returns true if GTK is told not to use OpenGL.
+    /// Returns true if an environment variable disables OpenGL in GTK.
     static bool isOpenGLDisabled() {
         return variable("GDK_DISABLE") == "gl,vulkan" || variable("GDK_DEBUG") == "gl-disable";
     }

@@ -158,8 +158,8 @@ TEST_F(WebViewDialog, aScriptThatAsksForeverEndsWithItsView) {
     g_object_add_weak_pointer(G_OBJECT(widget), &widget);
     view.reset();
     ASSERT_TRUE(runUntil([&] { return widget == nullptr; }));
-    // WebKitGTK lets the script run for ten seconds after the view is destroyed. On a busy machine, the web
-    // process takes much longer to exit.
+    // Use a longer timeout, because WebKitGTK lets the script run for ten seconds after the view is
+    // destroyed, and the web process may exit much later on a busy machine.
     EXPECT_TRUE(runUntil([&] { return webProcesses().size() < before.size(); }, 3 * TestSupport::patience));
 }
 

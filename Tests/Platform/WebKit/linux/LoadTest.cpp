@@ -64,7 +64,7 @@ TEST_F(WebViewLoad, failsWhenTheServerDoesNotAnswerInTime) {
 TEST_F(WebViewLoad, theFirstLoadCanTimeOutToo) {
     const auto view = makeView();
     server.route("/never", withEnding(Ending::held));
-    // Starting the web process alone takes longer than this time-out.
+    // Use a timeout that elapses before the web process has started.
     view->load(request(server.url("/never"), 0.02));
     ASSERT_TRUE(waitForFailures(1));
     expectFailure(true, urlDomain, -1001, server.url("/never"));
@@ -184,7 +184,7 @@ TEST_F(WebViewLoad, theTimeOutOfASecondLoadOutlivesTheFirst) {
     view->load(request(server.url("/second"), 0.4));
     ASSERT_TRUE(waitForFailures(2));
     // On a slow machine, the second load times out before WebKitGTK reports that the first load was
-    // cancelled.
+    // cancelled. The failures are then recorded in reverse order.
     if (navigation->failures[0].error.failingURL == server.url("/second")) {
         std::swap(navigation->failures[0], navigation->failures[1]);
     }

@@ -14,8 +14,8 @@ using TestSupport::runUntil;
 
 namespace {
 
-/// A navigation delegate that records all calls. If `onQuestion` is set, it decides each navigation.
-/// Otherwise, every navigation is allowed.
+/// A navigation delegate that records all calls. If `onQuestion` is set, it decides whether a navigation is
+/// allowed. Otherwise, every navigation is allowed.
 struct PolicyDelegate final : NavigationPolicyDelegate {
     void decidePolicy(WebView& /*webView*/, const NavigationAction& action,
                       const DecisionHandler& decisionHandler) override {
@@ -274,8 +274,8 @@ TEST_F(NavigationPolicy, aLoadTimesOutThoughTheOneBeforeHasNotBegun) {
     ASSERT_TRUE(loadPage(*view, "/before"));
     view->load(request(server.url("/first"), 30));
     ASSERT_TRUE(waitForQuestions(2));
-    // The server has received the request, but the main loop has not run since then, so the view does not
-    // know yet that the load has started.
+    // Wait for the request without running the main loop, so that the view is not yet notified that the load
+    // has started.
     ASSERT_TRUE(eventually([&] { return server.count("/first") == 1; }));
     view->load(request(server.url("/second"), 2));
     ASSERT_TRUE(runUntil([&] { return delegate->failures.size() == 2; }));

@@ -144,7 +144,8 @@ TEST_F(NavigationTest, namesACancellationAfterTheTimeOutOnce) {
     navigation.start(shown);
     ASSERT_NE(navigation.expectedFailure(), nullptr);
     navigation.expectedFailure()->cancellation = Timer::scheduled(60, false, [] {});
-    // WebKitGTK reports that loading has ended before it reports the failure.
+    // WebKitGTK reports that loading has ended before it reports the failure, so `end` must not discard the
+    // expected failure.
     navigation.end();
     EXPECT_EQ(navigation.nameFailure(interruption("a")), interruption("a"));
     EXPECT_EQ(navigation.nameFailure(cancellation("a")).code, Error::urlTimedOut);

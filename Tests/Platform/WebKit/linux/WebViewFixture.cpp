@@ -88,7 +88,7 @@ WebViewTest::~WebViewTest() {
     TestSupport::runPending();
     // WebKitGTK caches web processes for in-memory data stores too, so clear all sessions of the test.
     const auto sessions = std::exchange(usedSessions(), {});
-    // Do not wait for the web processes to exit if no other test runs in this process.
+    // Do not wait for the web processes to exit if this is the only test that the process runs.
     const bool isOnlyTest = testing::UnitTest::GetInstance()->test_to_run_count() == 1;
     EXPECT_TRUE(isOnlyTest || TestSupport::forgetPages(sessions));
 }

@@ -35,7 +35,7 @@ struct RecordingNavigationDelegate final : Platform::NavigationDelegate {
 };
 
 /// A UI delegate that records the windows and panels that pages request. The test responds through `onCreate`
-/// and the completions of the panels.
+/// and the completion handlers of the panels.
 struct RecordingUIDelegate final : Platform::UIDelegate {
     std::shared_ptr<Platform::WebView>
     createWebView(Platform::WebView& webView,
@@ -113,12 +113,12 @@ protected:
     static void run(Platform::WebView& view, const std::string& script);
     [[nodiscard]] static bool waitForTitle(Platform::WebView& view, const std::string& title);
     [[nodiscard]] bool waitForFailures(std::size_t count) const;
-    /// Calls `body` and exits, with a failure status if an assertion has failed. Use it as the statement of
-    /// `EXPECT_EXIT` with the predicate `succeeds`.
+    /// Calls `body` and exits. The exit status is nonzero if an assertion has failed. Call this function in
+    /// the statement of `EXPECT_EXIT`, with `succeeds` as the predicate.
     ///
-    /// A process creates its default data store only once. Tests of its creation select the "threadsafe"
-    /// style of death tests, in which the statement runs in a new process with its own display session and an
-    /// empty home directory.
+    /// A process creates its default data store only once. Tests of the store's creation select the
+    /// "threadsafe" style of death tests, in which the statement runs in a new process with its own display
+    /// session and an empty home directory.
     [[noreturn]] static void exitAfter(const std::function<void()>& body);
     static const testing::ExitedWithCode succeeds;
 

@@ -38,8 +38,8 @@ TEST_F(DefaultWebsiteDataStore, isMadeByTheFirstView) {
 TEST_F(DefaultWebsiteDataStore, onlyTheUserMayEnter) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitAfter([this] {
-                    // An older version or another program may have left a directory that other users can
-                    // enter.
+                    // Create a directory that other users can enter, as an older version or another program
+                    // may have done.
                     std::filesystem::create_directories(folder(g_get_user_data_dir()));
                     std::filesystem::permissions(folder(g_get_user_data_dir()),
                                                  std::filesystem::perms::owner_all |
