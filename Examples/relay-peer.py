@@ -83,7 +83,7 @@ def connect():
             connection.close()
             errors.append("%s: %s" % (path, error.strerror or error))
         else:
-            # Set the time-out after connecting: with a time-out, connect() fails immediately if the host is busy.
+            # Set the timeout after connecting: with a timeout, connect() fails immediately if the host is busy.
             connection.settimeout(REPLY_TIMEOUT)
             return connection
     raise Failure("no host accepts a connection (%s); start the host first" % "; ".join(errors))

@@ -15,7 +15,7 @@ namespace KeyloftBrowserKit {
 /// main thread.
 class BookmarkStore {
 public:
-    /// Posted to the default notification centre after each successful save. The notification's object is the
+    /// Posted to the default notification center after each successful save. The notification's object is the
     /// store.
     static constexpr Platform::NotificationName didChange{"velde.orvane.keyloft.bookmarksDidChange"};
 

@@ -33,11 +33,11 @@ timeval timevalOf(double seconds) {
     // minimum) as an exclusive limit.
     constexpr double limit = -static_cast<double>(std::numeric_limits<Seconds>::min());
     if (!std::isfinite(seconds) || whole >= limit || whole < -limit) {
-        Platform::fatalError("the time-out of readFrame is not finite or too large");
+        Platform::fatalError("the timeout of readFrame is not finite or too large");
     }
     timeval time = {.tv_sec = static_cast<Seconds>(whole),
                     .tv_usec = static_cast<std::int32_t>(fraction * 1'000'000)};
-    // SO_RCVTIMEO interprets zero as no time-out.
+    // SO_RCVTIMEO interprets zero as no timeout.
     if (seconds > 0 && time.tv_sec == 0 && time.tv_usec == 0) {
         time.tv_usec = 1;
     }

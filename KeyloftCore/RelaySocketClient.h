@@ -29,8 +29,8 @@ public:
     /// connection, reading fails, the frame exceeds the limit, or the peer sends nothing for `timeout`
     /// seconds.
     ///
-    /// The time-out applies to each read, not to the whole frame. It is truncated to whole microseconds, but
-    /// is at least one microsecond; 0 means no time-out. If it is negative, the function returns nothing
+    /// The timeout applies to each read, not to the whole frame. It is truncated to whole microseconds, but
+    /// is at least one microsecond; 0 means no timeout. If it is negative, the function returns nothing
     /// without reading. Aborts if it is not finite or does not fit in a `timeval`.
     std::optional<std::string> readFrame(double timeout) const;
 

@@ -23,10 +23,10 @@ struct Font {
     friend bool operator==(const Font&, const Font&) = default;
 };
 
-/// Background colours of views.
+/// Background colors of views.
 enum class Color {
     none,
-    /// The accent colour: the user's choice on macOS, the theme's on Linux.
+    /// The accent color: the user's choice on macOS, the theme's on Linux.
     controlAccent,
 };
 

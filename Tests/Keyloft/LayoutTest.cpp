@@ -25,7 +25,7 @@ double right(const Rect& rect) { return rect.x + rect.width; }
 double bottom(const Rect& rect) { return rect.y + rect.height; }
 double middle(const Rect& rect) { return rect.y + (rect.height / 2); }
 
-/// Views are positioned at whole points, so the centres of two views in a row may differ by half a point.
+/// Views are positioned at whole points, so the centers of two views in a row may differ by half a point.
 constexpr double halfAPoint = 0.5;
 
 double greatestHeight(std::span<const Rect> rects) {
@@ -78,11 +78,11 @@ void LayoutTest::expectToolbar(const Tab& tab, const Rect& row) {
     }
 
     EXPECT_EQ(row.height, 8 + greatestHeight(bounds) + 6);
-    const double centre = row.y + 8 + ((row.height - 8 - 6) / 2);
+    const double center = row.y + 8 + ((row.height - 8 - 6) / 2);
     double position = 10;
     for (const Rect& rect : bounds) {
         EXPECT_EQ(rect.x, position);
-        EXPECT_NEAR(middle(rect), centre, halfAPoint);
+        EXPECT_NEAR(middle(rect), center, halfAPoint);
         EXPECT_GT(rect.width, 0);
         EXPECT_GT(rect.height, 0);
         position = right(rect) + 6;

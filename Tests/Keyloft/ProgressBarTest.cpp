@@ -26,7 +26,7 @@ TEST(ProgressBar, isEmptyInactiveAndHiddenAtFirst) {
     EXPECT_FALSE(bar->isHidden());
 }
 
-TEST(ProgressBar, onlyItsFillHasAColour) {
+TEST(ProgressBar, onlyItsFillHasAColor) {
     const auto bar = makeBar(600, 2);
     ASSERT_EQ(bar->subviews().size(), 1U);
     EXPECT_EQ(bar->subviews().front(), bar->fill());

@@ -312,7 +312,7 @@ TEST(RelaySocketClientDeathTest, aTimeoutThatIsNoTimeStopsTheProcess) {
          {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
           std::numeric_limits<double>::quiet_NaN(), 9.3e18, -9.3e18, std::numeric_limits<double>::max()}) {
         EXPECT_DEATH(RelaySocketClient::connect(path).readFrame(timeout),
-                     "the time-out of readFrame is not finite or too large")
+                     "the timeout of readFrame is not finite or too large")
             << timeout;
     }
 }

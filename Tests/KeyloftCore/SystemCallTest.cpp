@@ -520,7 +520,7 @@ TEST_F(SystemCallTest, checksAndLimitsAConnectionBeforeReadingFromIt) {
     system.setsockopt = [&](int level, int option, const void* value) -> SystemCalls::Maybe {
         const auto* time = static_cast<const timeval*>(value);
         note(level == SOL_SOCKET && option == SO_SNDTIMEO && time->tv_sec == 3 && time->tv_usec == 0
-                 ? "send time-out of 3 s"
+                 ? "send timeout of 3 s"
                  : "another option");
         return std::nullopt;
     };
@@ -542,7 +542,7 @@ TEST_F(SystemCallTest, checksAndLimitsAConnectionBeforeReadingFromIt) {
         ASSERT_TRUE(peer.send(frame("x")));
         ASSERT_TRUE(requests.wait());
     }
-    EXPECT_EQ(calls, (std::vector<std::string>{"credentials", "send time-out of 3 s", "read"}));
+    EXPECT_EQ(calls, (std::vector<std::string>{"credentials", "send timeout of 3 s", "read"}));
 }
 
 TEST_F(SystemCallTest, theClientsTimeoutIsCutToMicrosecondsButNotToNone) {

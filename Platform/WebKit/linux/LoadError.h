@@ -15,7 +15,7 @@ namespace Platform {
 std::optional<Error> loadError(const GError& error, const char* failingURI);
 
 /// Returns true if `uri` is an http or https URL with a port that the Fetch standard blocks. For such a URL,
-/// WebKitGTK 2.50.6 shows an empty page instead of reporting a failure (not reported upstream).
+/// WebKitGTK 2.50.6 shows an empty page instead of failing the load (not reported).
 bool usesRestrictedPort(const char* uri);
 
 /// Create errors for failures for which WebKitGTK does not define an error.

@@ -20,7 +20,7 @@ GObjectPtr<WebKitSettings> makeSettings() {
 }
 
 /// Prevents Tab from moving the focus from a page's last link to a text view inside WebKitWebView, where it
-/// would be stuck. WebKitGTK 2.50.6 uses the text view only to look up key bindings (not reported upstream).
+/// would be stuck. WebKitGTK 2.50.6 uses the text view only to look up key bindings (not reported).
 void keepFocusFromInnerWidgets(GtkWidget* view) {
     for (GtkWidget* child = gtk_widget_get_first_child(view); child;
          child = gtk_widget_get_next_sibling(child)) {

@@ -43,7 +43,7 @@ gboolean decidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision, W
 
 gboolean scriptDialog(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpointer /*data*/) {
     // Always allow leaving the page. After a refusal, WebKitGTK 2.50.6 continues to report the URL of the
-    // next page and that the view is loading (not reported upstream).
+    // next page and that the view is loading (not reported).
     if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
         webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
     }

@@ -157,7 +157,7 @@ void WebKitGTKEngine::stopLoading() {
         return;
     }
     // If a navigation is stopped before its policy decision is requested, WebKitGTK 2.50.6 drops it but keeps
-    // `is-loading` set (not reported upstream). Cancel it when the decision is requested.
+    // `is-loading` set (not reported). Cancel it when the decision is requested.
     if (values().isLoading || load) {
         if (const auto requested = requestedURI()) {
             navigation_.stop(*requested);

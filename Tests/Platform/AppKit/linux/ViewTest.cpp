@@ -27,7 +27,7 @@ protected:
         gboolean shows = FALSE;
         g_signal_emit_by_name(widget, "query-tooltip", 0, 0, FALSE, shown.get(), &shows);
         if (!gtk_widget_get_has_tooltip(widget) || !shows) {
-            return testing::AssertionFailure() << "no tool tip";
+            return testing::AssertionFailure() << "no tooltip";
         }
         const std::unique_ptr<char, void (*)(gpointer)> other(
             gtk_test_accessible_check_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION,

@@ -267,7 +267,7 @@ TEST_F(WebProcess, isNotStartedAtTheLimitUntilThePageIsSeen) {
     EXPECT_EQ(server.count("/page"), 0U);
     EXPECT_EQ(urlOf(*view), server.url("/page"));
     EXPECT_FALSE(view->isLoading());
-    EXPECT_TRUE(navigation->failures.empty()) << "the time-out starts with the load";
+    EXPECT_TRUE(navigation->failures.empty()) << "the timeout starts with the load";
     server.route("/page", HTTPResponse::page("/page").withEnding(Ending::held));
     window->show();
     EXPECT_TRUE(waitForFailures(1));
