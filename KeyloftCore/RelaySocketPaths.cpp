@@ -10,7 +10,7 @@ std::vector<std::string> RelaySocketPaths::candidates() {
         return home.appendingPathComponent(relativePath, false).filePath();
     };
     return {
-        path("Library/Group Containers/group.velde.orvane.keyloft/relay.sock"),
+        path("Library/Group Containers/" + std::string(appGroupID) + "/relay.sock"),
         path("Library/Containers/" + std::string(appexBundleID) + "/Data/Library/Caches/relay.sock"),
     };
 }

@@ -88,6 +88,8 @@ function(keyloft_test name)
     target_link_libraries(${name} PRIVATE KeyloftOptions ${arg_LINK} GTest::gtest GTest::gtest_main)
     set(kind plain)
   endif()
+  # Half of the code is tests, and optimizing a test takes longer than it saves.
+  target_compile_options(${name} PRIVATE -O0)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()

@@ -81,8 +81,11 @@ Program::Program(const std::filesystem::path& file, const std::vector<std::strin
     }
     output_ = ends[0];
     errors_ = memfd_create("errors", MFD_CLOEXEC);
+    if (errors_ < 0) {
+        fail("memfd_create");
+    }
     const pid_t parent = getpid();
-    process_ = errors_ < 0 ? -1 : fork();
+    process_ = fork();
     if (process_ == 0) {
         // The kernel sends no parent-death signal if the parent exited before prctl() was called.
         if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) {
