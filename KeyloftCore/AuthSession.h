@@ -100,7 +100,7 @@ private:
     double sessionTimeout_ = 300;
     double requestTimeout_ = 60;
     /// One element per call to `start`. When the session finishes, it invalidates the timer and hides the
-    /// window of the last element only.
+    /// window of the last element, and leaves the others alone.
     std::vector<Run> runs_;
     std::optional<SubmittedForm> lastSubmittedForm_;
     bool finished_ = false;

@@ -49,7 +49,7 @@ struct RelayResult {
     /// does not. Throws ParseError.
     static AuthResult parse(std::string_view data, const AuthorizeRequest& request);
 
-    /// Like `parse`, for a message that has already been parsed as JSON.
+    /// Like `parse`, but takes a message that has already been parsed as JSON.
     static AuthResult parseMessage(const Platform::JSONValue& message, const AuthorizeRequest& request);
 };
 

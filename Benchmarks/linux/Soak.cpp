@@ -35,13 +35,13 @@
 #include <utility>
 #include <vector>
 
-// Uses the browser for a long time in one process, and fails if the process then uses more memory, file
-// descriptors, threads or child processes than after a short warm-up:
+// Exercises the browser for a long time in one process, and fails if the process ends up with more memory,
+// file descriptors, threads or child processes than after a short warm-up:
 //
 //   Soak [PERCENT]
 //
-// PERCENT scales the amount of work (default: 100). After each part of the work, closes all tabs except a
-// blank one and prints the resources that the process uses.
+// PERCENT scales the amount of work (default: 100). After each phase, closes all tabs except a blank one
+// and prints the resources in use.
 
 namespace {
 

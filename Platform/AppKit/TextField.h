@@ -15,7 +15,7 @@ class TextFieldDelegate {
 public:
     virtual ~TextFieldDelegate() = default;
 
-    /// Called when the user first edits the text, also with an input method. Not called by `setStringValue`.
+    /// Called when the user first edits the text, even with an input method. Not called by `setStringValue`.
     virtual void controlTextDidBeginEditing(TextField& field) = 0;
 
     /// Called when the user presses Return (right before the field's action is sent) or Escape, or when

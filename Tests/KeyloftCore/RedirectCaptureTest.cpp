@@ -293,7 +293,7 @@ TEST(ProviderHosts, areComparedExactly) {
     }
 }
 
-// The first page of a session, and the script that reports forms
+// The first page of a session, and the script that reports submitted forms
 
 TEST(BootstrapPage, goesToTheAuthorizeURL) {
     EXPECT_EQ(

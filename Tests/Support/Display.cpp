@@ -31,7 +31,7 @@ namespace {
 
 using Platform::Descriptor;
 
-// Timeout for the start of a server, long enough for a machine under load.
+// Timeout for starting a server, long enough for a machine under load.
 constexpr auto startLimit = std::chrono::seconds(30);
 
 [[noreturn]] void fail(const std::string& what) {

@@ -207,8 +207,8 @@ void runScript(Platform::WebView& view, const std::string& script);
 /// requests that are already in progress are not redirected.
 void redirectTraffic(Platform::WebView& view, int port);
 
-/// For the lifetime of this object, sends the requests of web views with the default data store to a proxy on
-/// a loopback port. Requests to localhost are not redirected. No traffic leaves the machine.
+/// For the lifetime of this object, routes requests from web views that use the default data store through a
+/// proxy on a loopback port. Requests to localhost bypass the proxy. No traffic leaves the machine.
 class TrafficRedirection {
 public:
     explicit TrafficRedirection(int port);

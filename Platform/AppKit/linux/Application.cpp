@@ -274,7 +274,7 @@ bool Application::validateMenuItem(MenuItem& item) {
     return item.action() != StandardAction::hideOtherApplications;
 }
 
-// With `--gapplication-service`, GApplication waits for a request from D-Bus.
+// With `--gapplication-service`, GApplication waits for a request over D-Bus.
 bool isSystemArgument(std::string_view argument) { return argument == "--gapplication-service"; }
 
 std::shared_ptr<Responder> targetForAction(Action action) {

@@ -16,8 +16,8 @@ const char* iconName(const std::string& symbolName);
 /// callers that request the same size share the list, which exists until the process exits.
 PangoAttrList* fontAttributes(double points);
 
-/// Returns `text`, or only its beginning and end if it is too long for a tooltip. GTK takes seconds to break
-/// a text into more lines than fit on the screen (seen with 4.8.3, not reported).
+/// Returns `text`, or only its beginning and end if it is too long for a tooltip. GTK takes seconds to lay
+/// out text that wraps to more lines than fit on the screen (seen with GTK 4.8.3, not reported).
 std::string toolTipText(const std::string& text);
 
 } // namespace Platform

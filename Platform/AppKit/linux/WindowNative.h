@@ -13,7 +13,7 @@ namespace Platform {
 
 // Functions that Window calls. Application.cpp and TabHost.cpp, which depend on Window, implement them.
 
-/// Creates an invisible top-level window with the size of `window`, and returns its empty tab view.
+/// Creates an invisible top-level window of the same size as `window`, and returns its empty tab view.
 AdwTabView* createTopLevel(const Window& window);
 /// Shows and raises a top-level window and makes it the most recently used one.
 void presentTopLevel(GtkWindow* toplevel);

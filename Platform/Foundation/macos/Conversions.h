@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-/// Conversions of strings, URLs and errors between the types of Foundation and Platform. Thread-safe.
+/// Conversions of strings, URLs and errors between Apple's types and Platform's. Thread-safe.
 namespace Platform {
 
 /// Converts UTF-8 text. Each ill-formed sequence becomes U+FFFD.

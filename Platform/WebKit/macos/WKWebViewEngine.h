@@ -60,7 +60,7 @@ private:
 
     WKWebView* __strong _Nonnull const view_;
     KeyloftWebViewDelegate* __strong _Nonnull const delegate_;
-    /// The request of the current load. Reset when the load commits, fails, is stopped or is replaced.
+    /// The request for the current load. Reset when the load commits, fails, is stopped or is replaced.
     std::optional<URLRequest> uncommittedRequest_;
 };
 
