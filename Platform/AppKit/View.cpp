@@ -44,7 +44,7 @@ void View::setAccessibilityProgress(double fraction) {
     assertMainThread("View::setAccessibilityProgress");
     accessibilityProgress_ = fraction;
     if (native_) {
-        applyAccessibilityProgress();
+        applyAccessibilityProgress(fraction);
     }
 }
 
@@ -91,7 +91,7 @@ View::Native& View::native() {
             applyAccessibilityLabel();
         }
         if (accessibilityProgress_) {
-            applyAccessibilityProgress();
+            applyAccessibilityProgress(*accessibilityProgress_);
         }
     }
     return *native_;

@@ -105,7 +105,7 @@ private:
     void applyHidden() const;
     void applyBackgroundColor() const;
     void applyAccessibilityLabel() const;
-    void applyAccessibilityProgress() const;
+    void applyAccessibilityProgress(double fraction) const;
     void applyToolTip();
     void applyFixedLength(Orientation orientation) const;
     void applyExpansion(Orientation orientation) const;

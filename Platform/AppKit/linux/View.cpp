@@ -138,14 +138,14 @@ void View::applyBackgroundColor() const {
 
 void View::applyAccessibilityLabel() const { setAccessibleName(native_->widget.get(), accessibilityLabel_); }
 
-void View::applyAccessibilityProgress() const {
+void View::applyAccessibilityProgress(double fraction) const {
     GtkWidget* widget = native_->widget.get();
     if (!gtk_widget_get_root(widget)) { // GTK permits setting a role only outside of a window
         g_object_set(widget, "accessible-role", GTK_ACCESSIBLE_ROLE_PROGRESS_BAR, nullptr);
     }
     gtk_accessible_update_property(GTK_ACCESSIBLE(widget), GTK_ACCESSIBLE_PROPERTY_VALUE_MAX, 1.0,
                                    GTK_ACCESSIBLE_PROPERTY_VALUE_MIN, 0.0, GTK_ACCESSIBLE_PROPERTY_VALUE_NOW,
-                                   *accessibilityProgress_, -1);
+                                   fraction, -1);
 }
 
 /// Handles `query-tooltip` instead of setting GTK's tooltip text. Each call to `gtk_widget_set_tooltip_text`

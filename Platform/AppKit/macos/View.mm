@@ -153,13 +153,13 @@ void View::applyAccessibilityLabel() const {
     native_->view.accessibilityLabel = toNSString(accessibilityLabel_);
 }
 
-void View::applyAccessibilityProgress() const {
+void View::applyAccessibilityProgress(double fraction) const {
     NSView* const view = native_->view;
     view.accessibilityElement = YES;
     view.accessibilityRole = NSAccessibilityProgressIndicatorRole;
     view.accessibilityMinValue = @0;
     view.accessibilityMaxValue = @1;
-    view.accessibilityValue = @(*accessibilityProgress_);
+    view.accessibilityValue = @(fraction);
 }
 
 void View::applyToolTip() { native_->view.toolTip = toolTip_.empty() ? nil : toNSString(toolTip_); }
