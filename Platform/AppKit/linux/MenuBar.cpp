@@ -63,7 +63,7 @@ int greatestTextWidth(GtkWidget* widget) {
     return screen.width * 2 / 5 * PANGO_SCALE / std::max(character, PANGO_SCALE);
 }
 
-/// Ellipsizes long labels inside `widget` in the middle, so that none is wider than `greatestWidth`.
+/// Ellipsizes long labels inside `widget` in the middle. `greatestWidth` is their maximum width.
 void cutLongTexts(GtkWidget* widget, int greatestWidth) {
     for (GtkWidget* child = gtk_widget_get_first_child(widget); child;
          child = gtk_widget_get_next_sibling(child)) {

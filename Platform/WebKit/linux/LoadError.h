@@ -10,8 +10,8 @@
 namespace Platform {
 
 /// Converts a WebKitGTK error to the domains and codes of Foundation and WebKit. An error without a
-/// counterpart keeps its domain and code. Returns nothing if the load did not actually fail: WebKitGTK also
-/// emits an error when its media player takes over the load of an audio or video file.
+/// counterpart keeps its domain, code and text. Returns nothing if the load did not actually fail: WebKitGTK
+/// also emits an error when its media player takes over the load of an audio or video file.
 std::optional<Error> loadError(const GError& error, const char* failingURI);
 
 /// Returns true if `uri` is an http or https URL with a port that the Fetch standard blocks. For such a URL,
